@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+
+#include "Export.h"
+
+namespace CMA {
+
+// One parameter node of a model: a run of parameters addressed by index. A parameter is one byte or 16 bits wide; the
+// caller knows which. Owned by its model, used on the thread that handles bulk messages.
+class BDA_PLATFORM_API ParameterGroup {
+ public:
+  virtual ~ParameterGroup();
+
+  // False, with *value untouched, when the group has no such parameter.
+  virtual bool get(std::uint8_t* value, std::uint16_t index) const = 0;
+  virtual bool get(std::uint16_t* value, std::uint16_t index) const = 0;
+
+  // False, with nothing changed, when the group has no such parameter. `flag` 1 tells the model's listeners of the
+  // change, 0 does not.
+  virtual bool set(const std::uint8_t* value, std::uint16_t index, int flag) = 0;
+  virtual bool set(const std::uint16_t* value, std::uint16_t index, int flag) = 0;
+};
+
+}  // namespace CMA

@@ -1,0 +1,118 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Export.h"
+
+namespace EvtSrv {
+class EventPortManager;
+}
+
+// The contents store: voices, multis, performances and their like, each a name and a file of bytes under a type and a
+// number. The editor implements it; every operation runs on the thread that handles bulk messages, synchronously.
+namespace ContSrv {
+
+// Result of an operation. Which results count as good, the caller's contract says: most take ContRes_Success alone.
+using _ContResult = std::int32_t;
+inline constexpr _ContResult ContRes_Success = 0;
+inline constexpr _ContResult ContRes_DoNothing = 1;     // nothing was there to be done
+inline constexpr _ContResult ContRes_EmptyContent = 2;  // the number is valid, no content is stored there
+inline constexpr _ContResult ContRes_Failure = 3;       // failures are 3 and above
+inline constexpr _ContResult ContRes_NoSuchContent = 4;  // no content can have that type and number
+inline constexpr _ContResult ContRes_StoreError = 5;     // the store itself failed; nothing was changed
+
+// Kind of a content.
+using _ContType = std::uint32_t;
+inline constexpr _ContType ContType_None = 0;
+inline constexpr _ContType ContType_Multi = 1;   // numbers 0 to 127
+inline constexpr _ContType ContType_Voice = 4;   // numbers as CMA::JobTools::getVoiceContentNumber gives them
+inline constexpr _ContType ContType_Single = 14;  // number 0 alone, without a name
+
+// Stands for "all contents" where an operation takes a number.
+inline constexpr unsigned long ContentNumber_All = 0xFFFFFFFF;
+
+// A slot's favourite flag, kept as it came; 0 means no favourite.
+using _ContFavoriteFlag = std::uint8_t;
+
+enum _OpenMode : std::int32_t {
+  OpenMode_Read = 0,
+  OpenMode_Write = 1,
+};
+
+struct ContentInformation {
+  _ContFavoriteFlag favoriteFlag = 0;
+};
+
+// The bytes of an open data file. Owned by its DataFile.
+class BDA_PLATFORM_API Data {
+ public:
+  virtual ~Data();
+
+  // The number of bytes written, less than `size` on failure (never read as an error code).
+  virtual std::int64_t write(const std::uint8_t* bytes, std::int64_t size) = 0;
+  // The number of bytes read, less than `size` at the end or on failure.
+  virtual std::int64_t read(std::uint8_t* bytes, std::int64_t size) = 0;
+  virtual std::int64_t getSize() = 0;
+};
+
+// One open content file. Owned by the Work that opened it, until closeDataFile.
+class BDA_PLATFORM_API DataFile {
+ public:
+  virtual ~DataFile();
+
+  // Null on failure; the file must still be closed.
+  virtual Data* openData() = 0;
+  virtual _ContResult closeData(Data* data) = 0;
+  // As closeData, but what was written reaches the disk only with Work::sync.
+  virtual _ContResult closeDataWithoutSync(Data* data) = 0;
+};
+
+class BDA_PLATFORM_API Work {
+ public:
+  virtual ~Work();
+
+  // 1 while the editor loads or saves a content file; bulk messages are then refused. Any other value: free.
+  virtual unsigned char getLoadSaveFlag() = 0;
+
+  // Mixing voice `voice` (0 to 15, or ContentNumber_All) of the content (`type`, `number`): removal, name, number.
+  // Removing what is not there is ContRes_DoNothing; the name of an empty voice is ContRes_EmptyContent.
+  virtual _ContResult removeMixingVoice(_ContType type, unsigned long number, unsigned long voice) = 0;
+  virtual _ContResult getMixingVoiceName(_ContType type, unsigned long number, unsigned long voice,
+                                         std::string& name) = 0;
+  virtual std::uint32_t getMixingVoiceNumber(_ContType type, unsigned long number, unsigned long voice) = 0;
+  // How many mixing voices are stored and how many there may be.
+  virtual _ContResult getMixingVoiceSumSync(std::int64_t& count, std::int64_t& maximum) = 0;
+
+  // Before contents of that type are overwritten in a pass; type 0 stands for a pass without contents.
+  virtual _ContResult requestOverWriteConfig(_ContType type) = 0;
+  // Removing contents that are not there is ContRes_DoNothing. `sync` true: on disk when the call returns.
+  virtual _ContResult removeContents(_ContType type, const std::vector<std::uint32_t>& numbers, bool sync) = 0;
+  virtual _ContResult removeContent(_ContType type, std::uint32_t number) = 0;
+
+  // A path is a name that openDataFile understands, nothing more.
+  virtual _ContResult getDataFilePath(_ContType type, std::uint32_t number, std::string& path) = 0;
+  virtual _ContResult getContentName(_ContType type, std::uint32_t number, std::string& name) = 0;
+  virtual _ContResult setContentName(_ContType type, std::uint32_t number, const std::string& name, bool sync) = 0;
+  // Null when the file cannot be opened; for reading also when no content is stored there. The Work owns the file.
+  virtual DataFile* openDataFile(const std::string& path, _OpenMode mode) = 0;
+  // `mode` is 0. The file is gone afterwards, whatever the result.
+  virtual _ContResult closeDataFile(DataFile* file, int mode) = 0;
+  // Everything written so far is on disk when this returns ContRes_Success.
+  virtual _ContResult sync() = 0;
+
+  // `last` is true with the last flag of a run: the run may then be written at once.
+  virtual _ContResult setContentFavoriteFlag(_ContType type, std::uint32_t number, _ContFavoriteFlag flag,
+                                             bool last) = 0;
+  // A slot without content answers ContRes_EmptyContent and still fills in what is known of it.
+  virtual _ContResult getContentInformation(_ContType type, std::uint32_t number, ContentInformation& information) = 0;
+};
+
+class BDA_PLATFORM_API WorkManager {
+ public:
+  // The store that belongs to an event port manager; null for a null manager or one without store.
+  static Work* getWork(EvtSrv::EventPortManager* manager);
+};
+
+}  // namespace ContSrv

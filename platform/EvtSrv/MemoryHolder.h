@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "Export.h"
+
+namespace EvtSrv {
+
+// The argument or the answer of a job event: a run of bytes that the sender of the event owns.
+class BDA_PLATFORM_API MemoryHolder {
+ public:
+  virtual ~MemoryHolder();
+
+  // Null when size() is 0.
+  virtual const std::uint8_t* data() const = 0;
+  virtual std::size_t size() const = 0;
+};
+
+}  // namespace EvtSrv

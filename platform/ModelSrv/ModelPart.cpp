@@ -1,0 +1,7 @@
+#include "ModelSrv/ModelPart.h"
+
+namespace ModelSrv {
+
+ModelPart::~ModelPart() = default;
+
+}  // namespace ModelSrv

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <pthread.h>
+
+#include <cstdint>
+
+#include "Export.h"
+
+namespace UtilSrv {
+
+class ThreadListener;
+
+// The scheduling of one thread. Attach it to the calling thread, read and change its policy and priority, detach.
+// A copy is attached to the same thread. Used on the attached thread only.
+class BDA_PLATFORM_API Thread {
+ public:
+  // Scheduling policies by their POSIX numbers: 0 other, 1 first in first out, 2 round robin.
+  using _PolicyType = std::int32_t;
+  // Priority within the policy, 0 for policy 0, 1 (lowest) to 99 for the real-time policies.
+  using _PriorityType = std::int32_t;
+
+  Thread() noexcept;
+  Thread(const Thread& other) noexcept;
+  Thread& operator=(const Thread& other) noexcept;
+  ~Thread();
+
+  void attach() noexcept;
+  // 0 while not attached.
+  _PolicyType getPolicy() const noexcept;
+  _PriorityType getPriority() const noexcept;
+  // `mode` is 0: at once. False when the system refuses, for want of a privilege above all; the thread then goes on as
+  // it was. Nothing is traced: running unboosted is no failure.
+  bool change(_PolicyType policy, _PriorityType priority, int mode) noexcept;
+  void detach() noexcept;
+
+  // Tells `listener` of every call of these operations on the calling thread (null: nobody); returns the one before.
+  static ThreadListener* setThreadListener(ThreadListener* listener) noexcept;
+
+ private:
+  pthread_t thread_;
+  bool attached_;
+};
+
+// Watches the scheduling calls of one thread: an editor's diagnostics, a test's record.
+class BDA_PLATFORM_API ThreadListener {
+ public:
+  virtual ~ThreadListener();
+
+  virtual void attached() noexcept = 0;
+  virtual void policyRead() noexcept = 0;
+  virtual void priorityRead() noexcept = 0;
+  virtual void changed(Thread::_PolicyType policy, Thread::_PriorityType priority, int mode) noexcept = 0;
+  virtual void detached() noexcept = 0;
+};
+
+}  // namespace UtilSrv
