@@ -1,0 +1,170 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "CMA/DeviceNumber.h"
+#include "UtilSrv/Thread.h"
+#include "bda/Export.h"
+#include "bda/MessageModelInterfaceWrapper.h"
+
+namespace CMA {
+class JobReceiver;
+class JobTools;
+class TemporaryCoreModel;
+}  // namespace CMA
+namespace ContSrv {
+class Work;
+}
+
+namespace BDA {
+
+class Address;
+class BulkDumpAssistant;
+class BulkDumpReceiver;
+class BulkExecuterCreator;
+class BulkRequestReceiver;
+class BulkTable;
+class JobDrumVoiceBulkBDA;
+class JobMasterBulkBDA;
+class JobMixBulkBDA;
+class JobNormalVoiceBulkBDA;
+class JobPerformanceBulkBDA;
+
+// What became of a message; the numbers are part of the contract.
+enum BulkMsgType : std::uint32_t {
+  BulkMsg_BulkDump = 0,           // a valid bulk dump
+  BulkMsg_BulkRequest = 1,        // a valid bulk request
+  BulkMsg_Type1 = 2,              // recognised, not handled here: type nibble 1,
+  BulkMsg_Type3 = 3,              // type nibble 3,
+  BulkMsg_Type4 = 4,              // type nibble 4
+  BulkMsg_OtherModel = 5,         // too short, or another maker or model
+  BulkMsg_NotSysEx = 6,           // does not begin with F0
+  BulkMsg_CheckSumError = 7,      // a bulk dump with a wrong checksum
+  BulkMsg_DeviceNumberOff = 8,    // the device-number setting is OFF
+  BulkMsg_WrongDeviceNumber = 9,  // for another device number
+  BulkMsg_ReceiveSwOff = 10,      // the receive-bulk switch is off
+  BulkMsg_ReceiveError = 11,      // a length that does not fit its type, or an unknown type nibble
+  BulkMsg_RequestSkipped = 12,    // a bulk request to which there is nothing to send
+};
+
+// The port on which a message arrived or leaves. Other values pass through unchanged.
+enum DevicePortNum : std::uint32_t {
+  DevicePort_Main = 1,    // dumps that arrive here are echoed on DevicePort_Echo
+  DevicePort_Echo = 4,    // gets completion notices
+  DevicePort_Remote = 5,  // gets the answers and notices of remote settings
+  DevicePort_Thru = 6,    // as DevicePort_Main, but bulk requests are not answered
+};
+
+// Facts of a System Exclusive bulk message.
+class BDA_API Utility {
+ public:
+  // The checksum (0 to 127) of a complete bulk dump of `length` bytes, F0 and F7 included: byte count, address, data
+  // and checksum add up to 0 modulo 128. The last two bytes are not read. Logs and gives 0 when `length` does not fit
+  // the message's byte count, or for a null message.
+  static unsigned char calcCheckSum(const unsigned char* message, unsigned long length);
+
+  // Whether a bulk dump's checksum byte is right. A message too short for its byte count is logged and wrong.
+  static bool isCorrectCheckSum(const unsigned char* message, unsigned long length);
+
+  // The device-number setting: 0 to 15, CMA::DeviceNumber_All or CMA::DeviceNumber_Off (also when the editor has no
+  // system model). `*nibble`, unless null, becomes what an outgoing message carries: 0 for all and OFF.
+  static CMA::DeviceNumber getDeviceNumber(CMA::JobTools& jobTools, unsigned char* nibble);
+};
+
+// What an editor implements so that the assistant can send. The editor owns its bridge and unregisters it
+// (BulkDumpAssistant::registerBDABridge with null) before destroying it.
+class BDA_API BulkDumpBridge {
+ public:
+  virtual ~BulkDumpBridge();
+
+  // Sends one complete System Exclusive message, F0 to F7. `message` is the library's (or, for an echo, the caller's)
+  // and valid during the call only. Called on the thread that called the assistant; it may call the assistant's
+  // registerBDABridge, but must not hand it messages.
+  virtual void sendSysEx(const unsigned char* message, std::uint32_t length, DevicePortNum port) = 0;
+
+  // Registers the new bridge with `assistant`; null registers nothing.
+  explicit BulkDumpBridge(BulkDumpAssistant* assistant);
+  // Copies register nothing.
+  BulkDumpBridge(const BulkDumpBridge& other);
+  BulkDumpBridge& operator=(const BulkDumpBridge& other);
+};
+
+// The bulk dump assistant: an editor creates one per instrument, registers a bridge and hands it every System
+// Exclusive message that comes in.
+//
+// Threads: it creates none and locks nothing. Construction, bridge registration and destruction run on the editor's
+// thread, receiveBulkDump on any one thread at a time, never beside one of the others. Two assistants do not share
+// state. No exception leaves it.
+class BDA_API BulkDumpAssistant {
+ public:
+  // Nothing that is handed over changes owner, and all of it outlives the assistant; `jobTools` must not be null.
+  //   eventPortManager  through which on-screen messages and file dumps reach the editor; may be null
+  //   jobReceivers      the jobs that the block executers may use; only passed on
+  //   bulkJobs          gets the assistant's five jobs appended (normal voice, drum voice, performance, mix, master);
+  //                     they stay the assistant's: drop them from the vector before or when the assistant goes.
+  //                     Null: they are appended nowhere
+  //   work              the contents store; null: nothing that needs it succeeds
+  //   silent            true: no on-screen messages
+  BulkDumpAssistant(EvtSrv::EventPortManager* eventPortManager, std::vector<CMA::JobReceiver*>* jobReceivers,
+                    std::vector<CMA::JobReceiver*>* bulkJobs, CMA::JobTools* jobTools, ContSrv::Work* work,
+                    bool silent);
+  // Member by member: a copy shares everything that the source owns. Never destroy a copy next to its source, and an
+  // assistant that is assigned to loses what it owned. The jobs keep pointing at the source.
+  BulkDumpAssistant(const BulkDumpAssistant& other);
+  BulkDumpAssistant& operator=(const BulkDumpAssistant& other);
+  ~BulkDumpAssistant();
+
+  // Sends from now on through `bridge`, not owned; null: nothing can be sent, and every block is refused.
+  void registerBDABridge(BulkDumpBridge* bridge);
+
+  // What kind of message this is and whether the settings admit it, 0 to 11. Writes log lines, changes nothing.
+  BulkMsgType checkBulkDumpMessage(const unsigned char* message, unsigned long length);
+
+  // Handles one complete System Exclusive message that arrived on `port`, and tells what kind of message it was, not
+  // how it fared: a dump that was refused, or a request that failed, still gives BulkMsg_BulkDump and
+  // BulkMsg_BulkRequest. How it fared is on the screen and in the log.
+  BulkMsgType receiveBulkDump(const unsigned char* message, unsigned long length, DevicePortNum port);
+
+  // A hook that does nothing, whenever it is called.
+  void bdaLoop();
+
+ protected:
+  // Forgets the open header: the next block must again begin with one.
+  void init();
+  // Whether the editor's mode admits the address: 0, 8 (ignore it) or a failure (bit 31), which is logged and shown.
+  unsigned long checkAddress(const Address& address);
+  bool isEditBufferFooter(const Address& address);
+  // Replaces the on-screen message. `id` 1 also tells the editor that it is about to store.
+  void showMsg(std::uint16_t id);
+  void closeMsg();
+
+ private:
+  void raiseReceivePriority();
+  void restoreReceivePriority();
+  BulkMsgType receiveDump(const unsigned char* message, unsigned long length, DevicePortNum port);
+  BulkMsgType answerRequest(const unsigned char* message, unsigned long length, DevicePortNum port);
+
+  BulkDumpReceiver* dumpReceiver_;
+  BulkRequestReceiver* requestReceiver_;
+  BulkTable* bulkTable_;
+  BulkExecuterCreator* executerCreator_;
+  std::vector<CMA::JobReceiver*>* jobReceivers_;
+  CMA::JobTools* jobTools_;
+  MessageModelInterfaceWrapper messageModel_;
+  BulkDumpBridge* bridge_;
+  CMA::TemporaryCoreModel* temporaryModel_;
+  JobNormalVoiceBulkBDA* normalVoiceJob_;
+  JobDrumVoiceBulkBDA* drumVoiceJob_;
+  JobPerformanceBulkBDA* performanceJob_;
+  JobMixBulkBDA* mixJob_;
+  JobMasterBulkBDA* masterJob_;
+  ContSrv::Work* work_;
+  std::uint16_t messageShown_;  // 0: none
+  UtilSrv::Thread receiveThread_;
+  UtilSrv::Thread::_PolicyType savedPolicy_;
+  UtilSrv::Thread::_PriorityType savedPriority_;
+  bool boosted_;
+};
+
+}  // namespace BDA
