@@ -2,7 +2,7 @@
 #
 # One test program of GoogleTest, GoogleMock and RapidCheck; each TEST in it is a test of CTest named name.Suite.Test.
 # EXHAUSTIVE marks sweeps over whole ranges: their label keeps them out of all builds but the release one. A test that
-# has a cheap sample of its sweep uses #ifdef BDA_SAMPLED instead. A program without any test in it is an error.
+# has a cheap sample of its sweep uses #ifdef BDA_SAMPLED instead.
 include(GoogleTest)
 
 function(bda_add_test)
