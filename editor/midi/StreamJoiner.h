@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace Editor {
+
+// Cuts a MIDI byte stream, arriving in chunks of any size, into complete System Exclusive messages F0..F7.
+//
+// Nothing is lost silently: every byte fed is either part of a delivered message or reported as dropped, and what is
+// delivered and reported does not depend on how the stream was cut into chunks. A message may be of any length; one
+// that lies whole inside a chunk is handed out in place, any other is collected in a buffer that is kept for the next.
+class StreamJoiner {
+ public:
+  enum class Reason : std::uint8_t {
+    RealTime,    // F8..FF; legal anywhere, also inside a message, which goes on after it
+    Stray,       // outside of any message
+    Abandoned,   // a message cut short by a status byte other than F7 and F8..FF
+    Unfinished,  // a message that was still open when the stream ended
+  };
+
+  // Offsets count from the first byte fed. Calls come in the order in which the stream decides them, so a real-time
+  // byte inside a message comes before the message. The receiver must not throw and must not call the joiner.
+  class Receiver {
+   public:
+    // A complete message, real-time bytes inside taken out. `offset` is that of its F0. The bytes are valid only during
+    // the call.
+    virtual void message(std::span<const std::uint8_t> bytes, std::uint64_t offset) = 0;
+
+    // `count` bytes were dropped, the first at `offset`. Neighbours that share the reason RealTime or Stray come as one
+    // run; a message that was cut short comes as one piece of its own, `count` without the real-time bytes inside.
+    virtual void dropped(std::uint64_t offset, std::uint64_t count, Reason reason) = 0;
+
+   protected:
+    ~Receiver() = default;
+  };
+
+  // The receiver must outlive the joiner.
+  explicit StreamJoiner(Receiver& receiver) : receiver_(receiver) {}
+  StreamJoiner(const StreamJoiner&) = delete;
+  StreamJoiner& operator=(const StreamJoiner&) = delete;
+
+  void feed(std::span<const std::uint8_t> chunk);
+
+  // The stream ends here: reports what is still held back. A stream fed afterwards starts anew, its offsets go on.
+  void finish();
+
+  // The next byte fed is at `offset`: for streams whose bytes lie scattered in a file. Never goes back.
+  void skipTo(std::uint64_t offset) { position_ = offset; }
+
+ private:
+  std::size_t deliverWhole(std::span<const std::uint8_t> chunk, std::size_t at);
+  void setAside(std::span<const std::uint8_t> bytes, std::size_t at);
+  void deliver(std::span<const std::uint8_t> tail);
+  void abandon(std::uint64_t tail, Reason reason);
+  void drop(std::uint64_t offset, std::uint64_t count, Reason reason);
+  void reportRun();
+
+  Receiver& receiver_;
+  std::uint64_t position_ = 0;  // of the next byte fed
+
+  bool open_ = false;
+  std::uint64_t messageOffset_ = 0;
+  std::vector<std::uint8_t> held_;  // of the open message, what cannot be handed out in place
+
+  std::uint64_t runOffset_ = 0;  // a run of dropped bytes that may still grow
+  std::uint64_t runCount_ = 0;
+  Reason runReason_ = Reason::Stray;
+};
+
+// In words, for a report line: "real-time", "outside of any message" ...
+const char* describe(StreamJoiner::Reason reason);
+
+}  // namespace Editor
