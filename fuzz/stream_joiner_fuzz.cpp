@@ -4,14 +4,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <span>
 #include <tuple>
 #include <utility>
 #include <vector>
 
 #include "midi/StreamJoiner.h"
+#include "require.h"
 #include "support/NaiveJoiner.h"
 
 namespace {
@@ -42,12 +41,6 @@ struct Recorder : StreamJoiner::Receiver {
   std::vector<Drop> drops;
   std::uint64_t accounted = 0;
 };
-
-void require(bool condition, const char* what) {
-  if (condition) return;
-  std::fprintf(stderr, "stream joiner: %s\n", what);
-  std::abort();
-}
 
 }  // namespace
 
