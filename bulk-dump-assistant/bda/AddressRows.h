@@ -66,13 +66,15 @@ inline constexpr std::array kRoutes{
     Route{one(0x71), List::favorite},
 };
 
-constexpr const Route* findRoute(unsigned hi) {
+inline constexpr auto kRouteOfHighByte = [] {
+  std::array<const Route*, 256> routes{};
   for (const Route& route : kRoutes)
-    if (hi >= route.hi.first && hi <= route.hi.last) return &route;
-  return nullptr;
-}
+    for (std::size_t hi = route.hi.first; hi <= route.hi.last; ++hi) routes[hi] = &route;
+  return routes;
+}();
+constexpr const Route* findRoute(std::uint8_t hi) { return kRouteOfHighByte[hi]; }
 // The list that an address high byte is searched in; kListCount when there is none.
-constexpr std::size_t listOf(unsigned hi) {
+constexpr std::size_t listOf(std::uint8_t hi) {
   const Route* const route = findRoute(hi);
   return route == nullptr ? kListCount : std::size_t(route->list);
 }
@@ -193,8 +195,8 @@ inline constexpr std::array kParameterRows{
 };
 
 // Headers and footers: each row makes a header (high byte 0E) and a footer (0F) per address.
-inline constexpr unsigned kHeaderHi = 0x0E;
-inline constexpr unsigned kFooterHi = 0x0F;
+inline constexpr std::uint8_t kHeaderHi = 0x0E;
+inline constexpr std::uint8_t kFooterHi = 0x0F;
 inline constexpr std::array kHeaderRows{
     AddressRow{1, kHeaderHi, run(0x00, 0x07), run(0, 0x7F), 1, kByIndex},
     AddressRow{2, kHeaderHi, one(0x09), run(0, 0x7F), 1},

@@ -17,17 +17,17 @@ namespace ContSrv {
 // Result of an operation. Which results count as good, the caller's contract says: most take ContRes_Success alone.
 using _ContResult = std::int32_t;
 inline constexpr _ContResult ContRes_Success = 0;
-inline constexpr _ContResult ContRes_DoNothing = 1;     // nothing was there to be done
-inline constexpr _ContResult ContRes_EmptyContent = 2;  // the number is valid, no content is stored there
-inline constexpr _ContResult ContRes_Failure = 3;       // failures are 3 and above
+inline constexpr _ContResult ContRes_DoNothing = 1;      // nothing was there to be done
+inline constexpr _ContResult ContRes_EmptyContent = 2;   // the number is valid, no content is stored there
+inline constexpr _ContResult ContRes_Failure = 3;        // failures are 3 and above
 inline constexpr _ContResult ContRes_NoSuchContent = 4;  // no content can have that type and number
 inline constexpr _ContResult ContRes_StoreError = 5;     // the store itself failed; nothing was changed
 
 // Kind of a content.
 using _ContType = std::uint32_t;
 inline constexpr _ContType ContType_None = 0;
-inline constexpr _ContType ContType_Multi = 1;   // numbers 0 to 127
-inline constexpr _ContType ContType_Voice = 4;   // numbers as CMA::JobTools::getVoiceContentNumber gives them
+inline constexpr _ContType ContType_Multi = 1;    // numbers 0 to 127
+inline constexpr _ContType ContType_Voice = 4;    // numbers as CMA::JobTools::getVoiceContentNumber gives them
 inline constexpr _ContType ContType_Single = 14;  // number 0 alone, without a name
 
 // Stands for "all contents" where an operation takes a number.

@@ -1,0 +1,464 @@
+#include "bda/BulkDumpAssistant.h"
+
+#include <array>
+#include <new>
+#include <string>
+
+#include "AddressRows.h"
+#include "BDAErr.h"
+#include "BulkExecuterCreator.h"
+#include "BulkMessage.h"
+#include "BulkTable.h"
+#include "CMA/JobTools.h"
+#include "CMA/MessageModelInterface.h"
+#include "ContSrv/ContSrv.h"
+#include "EvtSrv/EventPort.h"
+#include "Failure.h"
+#include "JobBulkBDA.h"
+#include "Receiver.h"
+
+namespace BDA {
+namespace {
+
+constexpr const char* kFile = "..\\..\\bda\\BulkDumpAssistant.cpp";
+constexpr const char* kCheckMessage = "BDA::BulkDumpAssistant::checkBulkDumpMessage";
+constexpr const char* kReceive = "BDA::BulkDumpAssistant::receiveBulkDump";
+constexpr const char* kCheckAddress = "BDA::BulkDumpAssistant::checkAddress";
+
+constexpr Failure<int> kMixingVoiceNotRemoved{{kFile, 24, "bulkMixVoiceDeletion"},
+                                              "error: failed to remove mixing voices ! [ ContSrvResult = %d ]\n"};
+constexpr Failure<> kDeviceOff{{kFile, 237, kCheckMessage}, "Device Number is set to [OFF]... so can't send SysExc.\n"};
+constexpr Failure<int, int> kWrongDevice{
+    {kFile, 245, kCheckMessage},
+    "Wrong Device Number... so can't send SysExc. Utility DevNum=[%d], Message Dev Num=[%d]\n"};
+constexpr Failure<> kDumpSwitchOff{{kFile, 262, kCheckMessage}, "Receive Bulk Sw is OFF !!!\n"};
+// The sum that was computed stands as the received one, the message's own as the correct one; the editor relies on it.
+constexpr Failure<unsigned, unsigned, unsigned, unsigned, unsigned> kWrongCheckSum{
+    {kFile, 267, kCheckMessage},
+    "Check Sum Error!: Address=[%02x,%02x,%02x], Received Check Sum=[ 0x%02x ], Correct Check Sum=[ 0x%02x ]\n"};
+constexpr Failure<> kRequestSwitchOff{{kFile, 287, kCheckMessage}, "Receive Bulk Sw is OFF !!!\n"};
+constexpr Failure<> kDumpWhileLoading{{kFile, 365, kReceive},
+                                      "error : can't receive bulk while loding/saving file !\n"};
+constexpr Failure<> kRequestWhileLoading{{kFile, 484, kReceive},
+                                         "error : can't receive bulk while loading/saving file !\n"};
+constexpr Failure<> kReceivingError{{kFile, 573, kReceive}, "ERROR: Bulk Dump Msg receiving error!\n"};
+constexpr Failure<> kUnknownType{{kFile, 580, kReceive}, "ERROR: Bulk Dump Msg receiving error!\n"};
+constexpr Failure<> kModeError{{kFile, 623, kCheckAddress}, "error : mode error...!\n"};
+constexpr Failure<> kVoiceTypeError{{kFile, 630, kCheckAddress}, "error : voice type error...!\n"};
+constexpr Failure<> kEditCompareError{{kFile, 637, kCheckAddress}, "error : edit/compare error...!\n"};
+constexpr Failure<> kSampleAuditionError{{kFile, 643, kCheckAddress}, "error : sample audition error...!\n"};
+constexpr Failure<> kMixingVoiceFull{{kFile, 654, kCheckAddress}, "error : mixing voice full !\n"};
+constexpr Failure<int> kUnknownCheckResult{{kFile, 660, kCheckAddress},
+                                           "error : unknown jobTools check result ! [ JOB::Result = %d ]\n"};
+
+// Numbers of the messages on the editor's screen.
+enum MessageId : std::uint16_t {
+  kNoMessage = 0,
+  kStoring = 1,
+  kReceiving = 11,
+  kAnswering = 13,
+  kCheckSumErrorMessage = 40,
+  kReceiveSwitchOffMessage = 41,
+  kDeviceOffMessage = 42,
+  kWrongDeviceMessage = 43,
+  kErrorMessage = 44,
+  kModeErrorMessage = 45,
+  kMixingVoiceFullMessage = 46,
+};
+
+// What the mode check's results mean, in the order in which they are compared.
+struct ModeCheck {
+  CMA::JOB::Result result;
+  const Failure<>* failure;
+  MessageId message;
+  BDAErr answer;
+};
+constexpr std::array kModeChecks{
+    ModeCheck{CMA::JOB::Result_Success, nullptr, kNoMessage, BDA_OK},
+    ModeCheck{CMA::JOB::Result_CurrentStateError, &kModeError, kModeErrorMessage, BDA_ERR},
+    ModeCheck{CMA::JOB::Result_VoiceTypeError, &kVoiceTypeError, kModeErrorMessage, BDA_ERR},
+    ModeCheck{CMA::JOB::Result_EditCompareModeError, &kEditCompareError, kNoMessage, BDA_ERR},
+    ModeCheck{CMA::JOB::Result_SampleAuditionError, &kSampleAuditionError, kNoMessage, BDA_ERR},
+    ModeCheck{CMA::JOB::Result_UnknownError, nullptr, kNoMessage, BDA_INFO_SWALLOWED},  // no failure, by contract
+    ModeCheck{CMA::JOB::Result_MixingVoiceFullError, &kMixingVoiceFull, kMixingVoiceFullMessage, BDA_ERR},
+};
+
+constexpr std::array<std::uint8_t, 7> kEditBufferMids{0x0F, 0x2F, 0x30, 0x4F, 0x5F, 0x6F, 0x7F};
+
+constexpr std::uint8_t kFileDumpTriggerHi = 0x11;
+constexpr std::uint8_t kMixingVoiceMid = 0x31;
+constexpr std::uint8_t kEmptyVoice = 0x40;  // in the low address byte: this mixing voice is empty
+
+constexpr std::uint16_t kReceiveSwitchParameter = 50;
+constexpr int kSetFlag = 1;
+
+constexpr UtilSrv::Thread::_PolicyType kReceivePolicy = 2;
+constexpr UtilSrv::Thread::_PriorityType kReceivePriority = 1;
+constexpr unsigned char kFileIsBusy = 1;
+
+// The two dumps that answer a request for an empty mixing voice; device, voice and checksum are filled in.
+using EmptyDump = std::array<std::uint8_t, kDumpFrame>;
+constexpr std::size_t kDeviceAt = 2;
+constexpr std::size_t kVoiceAt = 9;
+constexpr std::size_t kCheckSumAt = 10;
+constexpr EmptyDump kEmptyMixingVoiceHeader{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0x00, 0x0E, 0x31, 0xFF, 0xFF, 0xF7};
+constexpr EmptyDump kEmptyMixingVoiceFooter{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0x00, 0x0F, 0x31, 0xFF, 0xFF, 0xF7};
+
+// Null when storage runs out, in the object itself or in what it is made of.
+template <typename Object, typename... Arguments>
+Object* make(Arguments... arguments) {
+  try {
+    return new (std::nothrow) Object(arguments...);
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+Address addressAt(const unsigned char* bytes) { return {bytes[0], bytes[1], bytes[2]}; }
+
+bool isReceiveSwitchOn(CMA::JobTools& jobTools) {
+  std::uint8_t on = 0;
+  CMA::SystemParameterModel* const system = jobTools.getSystemModel();
+  if (CMA::ParameterGroup* const utility = system == nullptr ? nullptr : system->getUtility())
+    utility->get(&on, kReceiveSwitchParameter);
+  return on != 0;
+}
+
+bool isLoadingOrSaving(ContSrv::Work* work) { return work != nullptr && work->getLoadSaveFlag() == kFileIsBusy; }
+
+// A footer that marks its mixing voice as empty removes the voice. True when that was done: the message is then used
+// up, without a mode check, and while a file is loaded or saved as well.
+bool bulkMixVoiceDeletion(ContSrv::Work* work, const Address& address) {
+  if (address.getHi() != kFooterHi || address.getMid() != kMixingVoiceMid || (address.getLo() & kEmptyVoice) == 0)
+    return false;
+  if (work == nullptr) return false;
+  const ContSrv::_ContResult result = work->removeMixingVoice(ContSrv::ContType_Multi, 0, address.getLo() & 0x0FU);
+  if (result == ContSrv::ContRes_Success || result == ContSrv::ContRes_DoNothing) return true;
+  kMixingVoiceNotRemoved(int(result));
+  return false;
+}
+
+// Answers a request for an empty mixing voice with a header and a footer that mark it so. True when that was done.
+bool sendEmptyMixingVoice(CMA::JobTools& jobTools, ContSrv::Work* work, BulkDumpBridge* bridge, const Address& address,
+                          DevicePortNum port) {
+  if (bridge == nullptr) return false;
+  if (address.getHi() != kHeaderHi || address.getMid() != kMixingVoiceMid) return false;
+  if (work == nullptr) return false;
+  std::string name;
+  if (work->getMixingVoiceName(ContSrv::ContType_Multi, 0, address.getLo(), name) != ContSrv::ContRes_EmptyContent)
+    return false;
+  unsigned char device = 0;
+  if (Utility::getDeviceNumber(jobTools, &device) == CMA::DeviceNumber_Off) return false;
+  const auto filledIn = [&](EmptyDump dump) {
+    dump[kDeviceAt] = device;
+    dump[kVoiceAt] = address.getLo() | kEmptyVoice;
+    dump[kCheckSumAt] = Utility::calcCheckSum(dump.data(), dump.size());
+    return dump;
+  };
+  const EmptyDump header = filledIn(kEmptyMixingVoiceHeader);
+  const EmptyDump footer = filledIn(kEmptyMixingVoiceFooter);
+  bridge->sendSysEx(header.data(), std::uint32_t{header.size()}, port);
+  bridge->sendSysEx(footer.data(), std::uint32_t{footer.size()}, port);
+  return true;
+}
+
+}  // namespace
+
+BulkDumpAssistant::BulkDumpAssistant(EvtSrv::EventPortManager* eventPortManager,
+                                     std::vector<CMA::JobReceiver*>* jobReceivers,
+                                     std::vector<CMA::JobReceiver*>* bulkJobs, CMA::JobTools* jobTools,
+                                     ContSrv::Work* work, bool silent)
+    : dumpReceiver_(nullptr),
+      requestReceiver_(nullptr),
+      bulkTable_(nullptr),
+      executerCreator_(nullptr),
+      jobReceivers_(jobReceivers),
+      jobTools_(jobTools),
+      messageModel_(eventPortManager, CMA::BDA::ModelName, silent, 0),
+      bridge_(nullptr),
+      temporaryModel_(nullptr),
+      work_(work),
+      messageShown_(kNoMessage),
+      savedPolicy_(kReceivePolicy),
+      savedPriority_(0),
+      boosted_(false) {
+  temporaryModel_ = jobTools_->createTemporaryModel();
+  normalVoiceJob_ = make<JobNormalVoiceBulkBDA>(this, jobTools_, &messageModel_);
+  drumVoiceJob_ = make<JobDrumVoiceBulkBDA>(this, jobTools_, &messageModel_);
+  performanceJob_ = make<JobPerformanceBulkBDA>(this, jobTools_, &messageModel_);
+  mixJob_ = make<JobMixBulkBDA>(this, jobTools_, &messageModel_);
+  masterJob_ = make<JobMasterBulkBDA>(this, jobTools_, &messageModel_);
+  try {
+    if (bulkJobs != nullptr)
+      bulkJobs->insert(bulkJobs->end(), {normalVoiceJob_, drumVoiceJob_, performanceJob_, mixJob_, masterJob_});
+  } catch (...) {
+    // Storage ran out: the editor's vector is as it was, and the assistant works without its jobs.
+  }
+  executerCreator_ = make<BulkExecuterCreator>(eventPortManager, jobReceivers_, jobTools_, temporaryModel_, work_);
+  bulkTable_ = make<BulkTable>(executerCreator_, &messageModel_, jobTools_);
+  BulkDumpBridge* const noBridge = nullptr;
+  dumpReceiver_ = make<BulkDumpReceiver>(bulkTable_, jobTools_, noBridge, &messageModel_);
+  requestReceiver_ = make<BulkRequestReceiver>(bulkTable_, jobTools_, noBridge, work_);
+}
+
+BulkDumpAssistant::BulkDumpAssistant(const BulkDumpAssistant& other) = default;
+BulkDumpAssistant& BulkDumpAssistant::operator=(const BulkDumpAssistant& other) = default;
+
+// The members die after this, in reverse order: the thread, then the message model.
+BulkDumpAssistant::~BulkDumpAssistant() {
+  delete normalVoiceJob_;
+  delete drumVoiceJob_;
+  delete performanceJob_;
+  delete mixJob_;
+  delete masterJob_;
+  delete requestReceiver_;
+  delete dumpReceiver_;
+  delete bulkTable_;
+  delete executerCreator_;
+  if (temporaryModel_ != nullptr) jobTools_->destroyTemporaryModel(temporaryModel_);
+}
+
+void BulkDumpAssistant::registerBDABridge(BulkDumpBridge* bridge) {
+  bridge_ = bridge;
+  if (dumpReceiver_ != nullptr) dumpReceiver_->setBridge(bridge);
+  if (requestReceiver_ != nullptr) requestReceiver_->setBridge(bridge);
+}
+
+void BulkDumpAssistant::bdaLoop() {}
+
+BulkMsgType BulkDumpAssistant::checkBulkDumpMessage(const unsigned char* message, unsigned long length) {
+  if (message == nullptr || length == 0 || message[0] != kStartOfExclusive) return BulkMsg_NotSysEx;
+  if (length < kRequestLength || message[1] != kMakerId) return BulkMsg_OtherModel;
+  const bool isModel = message[3] == kModelId1 && message[4] == kModelId2;
+  if (!isModel && message[4] != kOtherModelId2) return BulkMsg_OtherModel;
+
+  unsigned char utilDeviceNum = 0;
+  const CMA::DeviceNumber setting = Utility::getDeviceNumber(*jobTools_, &utilDeviceNum);
+  const unsigned char device = message[2] & kDeviceMask;
+  if (setting == CMA::DeviceNumber_Off) {
+    kDeviceOff();
+    return BulkMsg_DeviceNumberOff;
+  }
+  if (setting != CMA::DeviceNumber_All && device != utilDeviceNum) {
+    kWrongDevice(utilDeviceNum, device);
+    return BulkMsg_WrongDeviceNumber;
+  }
+
+  switch (message[2] & kTypeMask) {
+    case kTypeDump: {
+      if (length < kDumpFrame) return BulkMsg_ReceiveError;
+      if (!isReceiveSwitchOn(*jobTools_)) {
+        kDumpSwitchOff();
+        return BulkMsg_ReceiveSwOff;
+      }
+      if (Utility::isCorrectCheckSum(message, length)) return BulkMsg_BulkDump;
+      const unsigned char computed = Utility::calcCheckSum(message, length);
+      // By the low part of the byte count alone, which may lead out of the message.
+      const std::size_t receivedAt = message[kByteCountAt + 1] + kDataAt;
+      const unsigned received = receivedAt < length ? message[receivedAt] : 0U;
+      const unsigned char* const address = message + kDumpAddressAt;
+      kWrongCheckSum(address[0], address[1], address[2], computed, received);
+      return BulkMsg_CheckSumError;
+    }
+    case kType1:
+      return BulkMsg_Type1;
+    case kType3:
+      return BulkMsg_Type3;
+    case kType4:
+      return BulkMsg_Type4;
+    case kTypeRequest:
+      if (length != kRequestLength) return BulkMsg_ReceiveError;
+      if (!isReceiveSwitchOn(*jobTools_)) {
+        kRequestSwitchOff();
+        return BulkMsg_ReceiveSwOff;
+      }
+      return BulkMsg_BulkRequest;
+    default:
+      return BulkMsg_ReceiveError;
+  }
+}
+
+BulkMsgType BulkDumpAssistant::receiveBulkDump(const unsigned char* message, unsigned long length, DevicePortNum port) {
+  const BulkMsgType type = checkBulkDumpMessage(message, length);
+  // A kind of message that the instrument sends on its own; not worth a word to those it is not for.
+  const auto isUnasked = [message] {
+    return (message[2] & kTypeMask) == kType3 && message[5] == 0x70 && message[6] == 0x00 && message[7] == 0x06;
+  };
+  switch (type) {
+    case BulkMsg_BulkDump:
+      return receiveDump(message, length, port);
+    case BulkMsg_BulkRequest:
+      return answerRequest(message, length, port);
+    case BulkMsg_Type1:
+    case BulkMsg_Type3:
+    case BulkMsg_Type4:
+    case BulkMsg_OtherModel:
+    case BulkMsg_NotSysEx:
+      break;
+    case BulkMsg_CheckSumError:  // the open header stays: the sender may repeat the block
+      showMsg(kCheckSumErrorMessage);
+      break;
+    case BulkMsg_DeviceNumberOff:
+    case BulkMsg_WrongDeviceNumber:
+      if (isUnasked()) break;
+      showMsg(type == BulkMsg_DeviceNumberOff ? kDeviceOffMessage : kWrongDeviceMessage);
+      init();
+      break;
+    case BulkMsg_ReceiveSwOff:
+      showMsg(kReceiveSwitchOffMessage);
+      init();
+      break;
+    case BulkMsg_ReceiveError:
+      kReceivingError();
+      showMsg(kErrorMessage);
+      init();
+      break;
+    default:
+      kUnknownType();
+      showMsg(kErrorMessage);
+      init();
+      break;
+  }
+  return type;
+}
+
+// A block of the system, of the editor or a write trigger completes a unit too: in the midst of a voice it closes the
+// voice's header, and the rest of the voice is refused. Senders keep units apart.
+BulkMsgType BulkDumpAssistant::receiveDump(const unsigned char* message, unsigned long length, DevicePortNum port) {
+  const Address address = addressAt(message + kDumpAddressAt);
+  if (bulkMixVoiceDeletion(work_, address)) return BulkMsg_BulkDump;
+
+  const auto admitted = BDAErr(checkAddress(address));
+  if (isFailure(admitted)) {
+    init();
+    return BulkMsg_BulkDump;
+  }
+  if (isOfKind(admitted, BDA_INFO_SWALLOWED)) return BulkMsg_BulkDump;
+  if (isLoadingOrSaving(work_)) {
+    kDumpWhileLoading();
+    init();
+    return BulkMsg_BulkDump;
+  }
+
+  const bool stores =
+      (address.getHi() == kFooterHi && !isEditBufferFooter(address)) || address.getHi() == kFileDumpTriggerHi;
+  showMsg(stores ? kStoring : kReceiving);
+  if (stores) raiseReceivePriority();
+
+  jobTools_->suspendOutputMidi();
+  const BDAErr result = dumpReceiver_ == nullptr || bulkTable_ == nullptr
+                            ? BDA_ERR
+                            : dumpReceiver_->receiveBulkDump(message, std::uint32_t(length), port);
+  jobTools_->resumeOutputMidi();
+  restoreReceivePriority();
+
+  constexpr BDAErr kUnitCompleted = BDA_INFO_EDITOR | BDA_INFO_SYSTEM | BDA_INFO_FOOTER | BDA_INFO_FILE_DUMP_CONTROL;
+  if (isFailure(result) && isOfKind(result, BDA_ERR_NOT_FOUND)) {
+    closeMsg();
+  } else if (isFailure(result)) {
+    showMsg(isOfKind(result, BDA_ERR_MIXING_VOICE_FULL) ? kMixingVoiceFullMessage : kErrorMessage);
+    init();
+  } else if (isOfKind(result, kUnitCompleted)) {
+    closeMsg();
+    init();
+  }
+  if (messageShown_ == kStoring) closeMsg();
+
+  if ((port == DevicePort_Main || port == DevicePort_Thru) && bridge_ != nullptr)
+    bridge_->sendSysEx(message, std::uint32_t(length), DevicePort_Echo);
+  return BulkMsg_BulkDump;
+}
+
+BulkMsgType BulkDumpAssistant::answerRequest(const unsigned char* message, unsigned long length, DevicePortNum port) {
+  const Address address = addressAt(message + kRequestAddressAt);
+  if (sendEmptyMixingVoice(*jobTools_, work_, bridge_, address, port)) return BulkMsg_BulkRequest;
+
+  if (isFailure(BDAErr(checkAddress(address)))) {
+    init();
+    return BulkMsg_BulkRequest;
+  }
+  if (port == DevicePort_Thru) return BulkMsg_BulkRequest;
+  if (isLoadingOrSaving(work_)) {
+    kRequestWhileLoading();
+    init();
+    return BulkMsg_BulkRequest;
+  }
+
+  showMsg(kAnswering);
+  const BDAErr result = requestReceiver_ == nullptr || bulkTable_ == nullptr
+                            ? BDA_ERR
+                            : requestReceiver_->receiveBulkRequest(message, std::uint32_t(length), port);
+  BulkMsgType type = BulkMsg_BulkRequest;
+  if (isFailure(result)) {
+    showMsg(kErrorMessage);
+  } else {
+    if (isOfKind(result, BDA_INFO_SWALLOWED)) type = BulkMsg_RequestSkipped;
+    closeMsg();
+  }
+  init();
+  return type;
+}
+
+unsigned long BulkDumpAssistant::checkAddress(const Address& address) {
+  const unsigned long result =
+      jobTools_->checkModeForReceivedSysExBulk(temporaryModel_, address.getHi(), address.getMid(), address.getLo());
+  for (const ModeCheck& check : kModeChecks) {
+    if (result != check.result) continue;
+    if (check.failure != nullptr) (*check.failure)();
+    if (check.message != kNoMessage) showMsg(check.message);
+    return check.answer;
+  }
+  kUnknownCheckResult(int(result));
+  showMsg(kErrorMessage);
+  return BDA_ERR;
+}
+
+bool BulkDumpAssistant::isEditBufferFooter(const Address& address) {
+  if (address.getHi() != kFooterHi) return false;
+  for (const std::uint8_t mid : kEditBufferMids)
+    if (address.getMid() == mid) return true;
+  return false;
+}
+
+void BulkDumpAssistant::showMsg(std::uint16_t id) {
+  closeMsg();
+  if (id == kStoring) {
+    if (CMA::AdditionalParameterModel* const additional = jobTools_->getAdditionalModel()) {
+      constexpr std::uint8_t kCleared = 0;
+      if (CMA::ParameterGroup* const params = additional->getParams()) params->set(&kCleared, 0, kSetFlag);
+      if (EvtSrv::EventPort* const eventPort = additional->getEventPort()) eventPort->flush(0);
+    }
+  }
+  messageModel_.setId(id);
+  messageModel_.flush();
+  messageShown_ = id;
+}
+
+void BulkDumpAssistant::closeMsg() {
+  // Each of these has a message of its own, the next number, that takes it off the screen; the others stay.
+  if (messageShown_ == kStoring || messageShown_ == kReceiving || messageShown_ == kAnswering)
+    messageModel_.setId(std::uint16_t(messageShown_ + 1));
+  messageShown_ = kNoMessage;
+}
+
+void BulkDumpAssistant::init() {
+  if (bulkTable_ != nullptr) bulkTable_->resetHeader();
+}
+
+void BulkDumpAssistant::raiseReceivePriority() {
+  if (boosted_) return;
+  receiveThread_.attach();
+  savedPolicy_ = receiveThread_.getPolicy();
+  savedPriority_ = receiveThread_.getPriority();
+  receiveThread_.change(kReceivePolicy, kReceivePriority, 0);
+  boosted_ = true;
+}
+
+void BulkDumpAssistant::restoreReceivePriority() {
+  if (!boosted_) return;
+  receiveThread_.change(savedPolicy_, savedPriority_, 0);
+  receiveThread_.detach();
+  boosted_ = false;
+}
+
+}  // namespace BDA

@@ -1,0 +1,280 @@
+#pragma once
+
+// The layout of a bulk block as data. A block's data bytes and the parameters that they carry are written once, as a
+// constexpr list of rows in the order in which the conversions run:
+//
+//     setSplitByteParam(44, 45, part0, 0),      // bytes 44 (high), 45 (low) <-> part 0, index 0
+//     setByteRun(56, 59, common, 17),           // bytes 56..59 <-> common, indices 17..20
+//
+// The same rows receive and dump. Before a layout can be used the compiler proves (see kIsSound) that
+//   * every row lies inside the block;
+//   * no bit of a data byte is claimed by two rows;
+//   * the bits that no row claims are exactly the declared gaps;
+//   * no parameter is written by two rows.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "CMA/ParameterGroup.h"
+#include "ModelSrv/ModelPart.h"
+
+namespace BDA {
+
+enum class Routine : std::uint8_t {
+  setByteParam,       // 1 byte  <-> one-byte parameter
+  setWideByteParam,   // 1 byte  <-> low byte of a 16-bit parameter
+  setPairParam,       // 2 bytes <-> 14 bits of a 16-bit parameter
+  setSplitByteParam,  // 2 bytes <-> bit 7 and bits 6-0 of a one-byte parameter
+  setNibbleWord,      // 4 bytes <-> the nibbles of a 16-bit parameter, high bits of the bytes unused
+  setNameParam,       // n bytes <-> a name, padded with zeros
+};
+
+// `count` applies the routine that many times, to consecutive bytes (pairs, quadruples) and consecutive indices; for
+// setNameParam it is the number of characters. `slot` counts the executer's parameter groups, or its names.
+struct Row {
+  Routine routine;
+  std::uint16_t byte;
+  std::uint16_t count;
+  std::uint8_t slot;
+  std::uint16_t index;
+};
+
+// Data bits that carry nothing: ignored when received, 0 when dumped.
+struct Gap {
+  std::uint16_t first;
+  std::uint16_t last;
+  std::uint8_t mask;
+};
+
+// ---- How rows are written
+// --------------------------------------------------------------------------------------------
+
+constexpr int bytesPerStep(Routine routine) {
+  switch (routine) {
+    case Routine::setPairParam:
+    case Routine::setSplitByteParam:
+      return 2;
+    case Routine::setNibbleWord:
+      return 4;
+    default:
+      return 1;
+  }
+}
+
+// Not constexpr on purpose: naming bytes `first`..`last` that do not hold whole pairs stops the build here.
+void a_pair_must_be_two_adjacent_bytes();
+
+constexpr Row makeRun(Routine routine, int first, int last, int slot, int index) {
+  const int bytes = last - first + 1;
+  if (bytes <= 0 || bytes % bytesPerStep(routine) != 0) a_pair_must_be_two_adjacent_bytes();
+  return {routine, std::uint16_t(first), std::uint16_t(bytes / bytesPerStep(routine)), std::uint8_t(slot),
+          std::uint16_t(index)};
+}
+constexpr Row makePair(Routine routine, int high, int low, int slot, int index) {
+  if (low != high + 1) a_pair_must_be_two_adjacent_bytes();
+  return makeRun(routine, high, low, slot, index);
+}
+
+constexpr Row setByteParam(int byte, int slot, int index) {
+  return makeRun(Routine::setByteParam, byte, byte, slot, index);
+}
+constexpr Row setByteRun(int first, int last, int slot, int index) {
+  return makeRun(Routine::setByteParam, first, last, slot, index);
+}
+constexpr Row setWideByteParam(int byte, int slot, int index) {
+  return makeRun(Routine::setWideByteParam, byte, byte, slot, index);
+}
+constexpr Row setPairParam(int high, int low, int slot, int index) {
+  return makePair(Routine::setPairParam, high, low, slot, index);
+}
+constexpr Row setPairRun(int first, int last, int slot, int index) {
+  return makeRun(Routine::setPairParam, first, last, slot, index);
+}
+constexpr Row setSplitByteParam(int high, int low, int slot, int index) {
+  return makePair(Routine::setSplitByteParam, high, low, slot, index);
+}
+constexpr Row setSplitRun(int first, int last, int slot, int index) {
+  return makeRun(Routine::setSplitByteParam, first, last, slot, index);
+}
+constexpr Row setNibbleWord(int first, int last, int slot, int index) {
+  return makeRun(Routine::setNibbleWord, first, last, slot, index);
+}
+constexpr Row setNameParam(int first, int length, int slot) {
+  return {Routine::setNameParam, std::uint16_t(first), std::uint16_t(length), std::uint8_t(slot), 0};
+}
+
+constexpr Gap gap(int byte) { return {std::uint16_t(byte), std::uint16_t(byte), 0x7F}; }
+constexpr Gap gap(int first, int last) { return {std::uint16_t(first), std::uint16_t(last), 0x7F}; }
+constexpr Gap spareBits(int first, int last, int mask) {
+  return {std::uint16_t(first), std::uint16_t(last), std::uint8_t(mask)};
+}
+
+template <std::size_t RowCount, std::size_t GapCount>
+struct Layout {
+  std::uint16_t length;
+  std::array<Row, RowCount> rows;
+  std::array<Gap, GapCount> gaps;
+};
+template <std::size_t RowCount, std::size_t GapCount>
+Layout(int, std::array<Row, RowCount>, std::array<Gap, GapCount>) -> Layout<RowCount, GapCount>;
+
+template <std::size_t... Counts>
+constexpr auto join(const std::array<Row, Counts>&... parts) {
+  std::array<Row, (Counts + ...)> all{};
+  std::size_t size = 0;
+  const auto append = [&](const auto& part) {
+    for (const Row& row : part) all[size++] = row;
+  };
+  (append(parts), ...);
+  return all;
+}
+
+// ---- What can be asked of a layout
+// -------------------------------------------------------------------------------------
+
+inline constexpr int kNone = -1;
+inline constexpr std::size_t kMaxLength = 512;
+
+constexpr int lastByte(const Row& row) { return row.byte + row.count * bytesPerStep(row.routine) - 1; }
+constexpr std::uint8_t claimedBits(const Row& row) { return row.routine == Routine::setNibbleWord ? 0x0F : 0x7F; }
+constexpr bool isName(const Row& row) { return row.routine == Routine::setNameParam; }
+
+// The number of parameter groups, or of names, that the rows speak of.
+template <typename L>
+constexpr std::size_t slotCount(const L& layout, bool ofNames) {
+  std::size_t count = 0;
+  for (const Row& row : layout.rows)
+    if (isName(row) == ofNames && row.slot >= count) count = row.slot + 1U;
+  return count;
+}
+
+template <typename L>
+constexpr std::size_t touchedLength(const L& layout) {
+  int length = 0;
+  for (const Row& row : layout.rows)
+    if (lastByte(row) >= length) length = lastByte(row) + 1;
+  return std::size_t(length);
+}
+
+// ---- The proof
+// ---------------------------------------------------------------------------------------------------------
+
+namespace proof {
+
+using Bits = std::array<std::uint8_t, kMaxLength>;
+
+// Each of these returns the first offending data byte (or row), kNone when there is none. The compiler prints the
+// number in the failed static_assert.
+
+template <typename L>
+constexpr int firstRowOutside(const L& layout) {
+  for (std::size_t i = 0; i < layout.rows.size(); ++i)
+    if (layout.rows[i].count == 0 || lastByte(layout.rows[i]) >= layout.length) return int(i);
+  return kNone;
+}
+
+template <typename L>
+constexpr int firstByteClaimedTwice(const L& layout) {
+  Bits claimed{};
+  for (const Row& row : layout.rows)
+    for (std::size_t byte = row.byte; byte <= std::size_t(lastByte(row)); ++byte) {
+      if ((claimed[byte] & claimedBits(row)) != 0) return int(byte);
+      claimed[byte] = std::uint8_t(claimed[byte] | claimedBits(row));
+    }
+  return kNone;
+}
+
+template <typename L>
+constexpr Bits claimedIn(const L& layout) {
+  Bits claimed{};
+  for (const Row& row : layout.rows)
+    for (std::size_t byte = row.byte; byte <= std::size_t(lastByte(row)); ++byte)
+      claimed[byte] = std::uint8_t(claimed[byte] | claimedBits(row));
+  return claimed;
+}
+
+template <typename L>
+constexpr int firstGapThatIsClaimed(const L& layout) {
+  const Bits claimed = claimedIn(layout);
+  for (const Gap& unused : layout.gaps)
+    for (std::size_t byte = unused.first; byte <= unused.last; ++byte)
+      if (byte >= layout.length || (claimed[byte] & unused.mask) != 0) return int(byte);
+  return kNone;
+}
+
+template <typename L>
+constexpr int firstByteNeitherClaimedNorGap(const L& layout) {
+  Bits known = claimedIn(layout);
+  for (const Gap& unused : layout.gaps)
+    for (std::size_t byte = unused.first; byte <= unused.last; ++byte)
+      known[byte] = std::uint8_t(known[byte] | unused.mask);
+  for (std::size_t byte = 0; byte < layout.length; ++byte)
+    if (known[byte] != 0x7F) return int(byte);
+  return kNone;
+}
+
+// The parameters that a row writes are (slot, index) to (slot, index + parameterCount - 1).
+constexpr int parameterCount(const Row& row) { return isName(row) ? 1 : row.count; }
+
+template <typename L>
+constexpr int firstRowWithUsedTarget(const L& layout) {
+  for (std::size_t i = 0; i < layout.rows.size(); ++i)
+    for (std::size_t j = 0; j < i; ++j) {
+      const Row& a = layout.rows[i];
+      const Row& b = layout.rows[j];
+      if (isName(a) == isName(b) && a.slot == b.slot && a.index < b.index + parameterCount(b) &&
+          b.index < a.index + parameterCount(a))
+        return int(i);
+    }
+  return kNone;
+}
+
+template <const auto& kLayout>
+constexpr bool isSound() {
+  static_assert(kLayout.length <= kMaxLength);
+  static_assert(firstRowOutside(kLayout) == kNone, "a row lies outside the block (row number on the left)");
+  static_assert(firstByteClaimedTwice(kLayout) == kNone, "two rows claim this data byte");
+  static_assert(firstGapThatIsClaimed(kLayout) == kNone, "this byte is declared a gap but a row claims it");
+  static_assert(firstByteNeitherClaimedNorGap(kLayout) == kNone, "this byte is neither claimed nor a declared gap");
+  static_assert(firstRowWithUsedTarget(kLayout) == kNone, "two rows write the same parameter (row number on the left)");
+  return true;
+}
+
+}  // namespace proof
+
+template <const auto& kLayout>
+inline constexpr bool kIsSound = proof::isSound<kLayout>();
+
+// ---- The conversion
+// ----------------------------------------------------------------------------------------------------
+
+// The parameter groups and names of a model that a layout converts, in slot order; none may be null when it runs.
+template <const auto& kLayout>
+struct Targets {
+  std::array<CMA::ParameterGroup*, slotCount(kLayout, false)> groups;
+  std::array<ModelSrv::ModelPart*, slotCount(kLayout, true)> names = {};
+
+  bool areComplete() const {
+    for (const CMA::ParameterGroup* group : groups)
+      if (group == nullptr) return false;
+    for (const ModelSrv::ModelPart* name : names)
+      if (name == nullptr) return false;
+    return true;
+  }
+};
+
+void convertRows(std::span<const Row> rows, std::span<CMA::ParameterGroup* const> groups,
+                 std::span<ModelSrv::ModelPart* const> names, std::uint8_t* data, std::uint8_t isReceive);
+
+// Runs a whole layout, the only way to do so: an unsound one cannot be used. `isReceive` 1 moves data into the model, 0
+// the model into data, which then starts as zeros; any other value touches nothing. `data` holds at least
+// touchedLength(kLayout) bytes.
+template <const auto& kLayout>
+void convert(const Targets<kLayout>& targets, std::uint8_t* data, std::uint8_t isReceive) {
+  static_assert(kIsSound<kLayout>);
+  convertRows(kLayout.rows, targets.groups, targets.names, data, isReceive);
+}
+
+}  // namespace BDA
