@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Editor {
+
+// The three bytes by which a bulk message names its block.
+struct BulkAddress {
+  std::uint8_t hi;
+  std::uint8_t mid;
+  std::uint8_t lo;
+
+  friend bool operator==(const BulkAddress&, const BulkAddress&) = default;
+};
+
+// What the map says of a block.
+struct BlockFacts {
+  std::uint8_t type;
+  std::uint8_t running;                     // which of its row's middle bytes the address has, from 0
+  std::optional<std::uint16_t> dataLength;  // nothing: it varies
+};
+
+// Nothing when the address is not in the map.
+std::optional<BlockFacts> findBlock(BulkAddress address);
+
+// "0E 0A 05"
+std::string formatAddress(BulkAddress address);
+
+// The block in words, counted from 1: "normal voice user 1, 006: header", "element 3 oscillator". An address outside
+// of the map is called unknown.
+std::string describeAddress(BulkAddress address);
+
+// The short name of a block that can be asked for by itself: "voice:user1:6" for a header, "file:voice:user1:6" for a
+// file dump, "quick-setup:3". Footers and the parameter blocks between header and footer have none.
+std::optional<std::string> nameOf(BulkAddress address);
+
+// nameOf, or else the three bytes.
+std::string nameOrBytes(BulkAddress address);
+
+// Reads three bytes, `0E0A05`, `0E 0A 05` or `0E/0A/05` (which need not be in the map), or a name. Throws
+// std::invalid_argument, which says what was expected.
+BulkAddress parseAddress(std::string_view text);
+
+// All system blocks, in table order.
+std::vector<BulkAddress> systemAddresses();
+
+}  // namespace Editor

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "cli/AddressNames.h"
+
+namespace Editor {
+
+// What a complete System Exclusive message says of itself, judged by its bytes and the address map alone: without a
+// library, for any device number.
+struct Reading {
+  enum class Kind : std::uint8_t {
+    foreign,  // not for this instrument: never judged
+    dump,
+    request,
+    other,    // of a type that is for the instrument, but no bulk message
+    invalid,  // of a type that does not exist, or too short for its type
+  };
+  enum class Verdict : std::uint8_t {
+    good,
+    foreign,
+    checksumWrong,
+    lengthWrong,       // does not fit the message's own byte count, or its type
+    blockLengthWrong,  // fits, but the block at that address has another length
+    unknownAddress,
+    typeUnknown,
+  };
+
+  Kind kind = Kind::foreign;
+  Verdict verdict = Verdict::foreign;
+  std::optional<unsigned> device;                // 1 to 16; nothing: foreign
+  std::optional<BulkAddress> address;            // of dumps and requests that are long enough to have one
+  std::size_t dataBytes = 0;                     // of a dump
+  std::optional<std::uint8_t> checksum;          // the one that the dump carries
+  std::optional<std::uint8_t> expectedChecksum;  // the one that it should carry
+  std::string note;                              // why it is not good, in words
+};
+
+Reading readMessage(std::span<const std::uint8_t> message);
+
+const char* wordOf(Reading::Kind kind);
+const char* wordOf(Reading::Verdict verdict);
+// Good and foreign messages are fine, all others are broken.
+bool isBroken(const Reading& reading);
+// A header or footer that stands for an empty mixing voice; such an address is not in the map.
+bool marksEmptyVoice(BulkAddress address);
+
+// What the message carries, in words: "element 3 oscillator", "request of system common" ...
+std::string describeContent(const Reading& reading);
+
+}  // namespace Editor

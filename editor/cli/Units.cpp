@@ -1,0 +1,223 @@
+#include "cli/Units.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "AddressRows.h"
+
+namespace Editor {
+
+namespace {
+
+constexpr std::uint8_t kMultiPartVoice = 9;  // the header type that admits two kinds of voice
+constexpr std::uint8_t kTriggerHi = 0x11;
+
+bool isList(std::size_t list, BDA::List which) { return list == std::size_t(which); }
+
+}  // namespace
+
+OpenUnit::OpenUnit(BulkAddress header, std::uint64_t message) : header_(header), firstMessage_(message) {
+  const std::uint8_t type = findBlock(header)->type;
+  if (type != kMultiPartVoice) expect(BDA::listBetween(type));
+}
+
+void OpenUnit::expect(std::size_t list) {
+  BDA::forEachAddress(BDA::kParameterRows, [&](const BDA::AddressRow& row, std::uint8_t mid, std::uint8_t lo) {
+    if (BDA::listOf(row.hi) == list) blocks_.push_back({{row.hi, mid, lo}, false});
+  });
+}
+
+bool OpenUnit::arrive(BulkAddress block) {
+  const std::size_t list = BDA::listOf(block.hi);
+  const bool isVoiceBlock = isList(list, BDA::List::normalVoice) || isList(list, BDA::List::drumVoice);
+  if (blocks_.empty() && isVoiceBlock) expect(list);
+  const auto found =
+      std::find_if(blocks_.begin(), blocks_.end(), [&](const Block& expected) { return expected.address == block; });
+  if (found == blocks_.end()) return false;
+  found->arrived = true;
+  return true;
+}
+
+bool OpenUnit::isClosedBy(BulkAddress footer) const {
+  return footer.hi == BDA::kFooterHi && footer.mid == header_.mid && footer.lo == header_.lo;
+}
+
+std::vector<BulkAddress> OpenUnit::missing() const {
+  if (blocks_.empty()) return {BulkAddress{0x40, 0x00, 0x00}};
+  std::vector<BulkAddress> missing;
+  for (const Block& block : blocks_)
+    if (!block.arrived) missing.push_back(block.address);
+  return missing;
+}
+
+bool isWritableFileDump(BulkAddress address) {
+  constexpr std::uint8_t kWritable[] = {39, 41, 43, 44, 45, 46};
+  const std::optional<BlockFacts> block = findBlock(address);
+  return block && std::find(std::begin(kWritable), std::end(kWritable), block->type) != std::end(kWritable);
+}
+
+std::vector<UnitReport> UnitFollower::next(const Reading& reading, std::uint64_t message) {
+  message_ = message;
+  switch (reading.kind) {
+    case Reading::Kind::foreign:
+    case Reading::Kind::other:
+      break;
+    case Reading::Kind::invalid:
+      abandon(std::string("a message of ") + wordOf(reading.verdict));
+      break;
+    case Reading::Kind::request:
+      abandon("a request");
+      break;
+    case Reading::Kind::dump:
+      // A wrong checksum or byte count and an unknown address lose the message, and leave the open header open.
+      if (reading.verdict == Reading::Verdict::good || reading.verdict == Reading::Verdict::blockLengthWrong)
+        dump(*reading.address, reading.verdict == Reading::Verdict::good);
+      break;
+  }
+  return std::exchange(ended_, {});
+}
+
+std::vector<UnitReport> UnitFollower::finish() {
+  if (open_) {
+    report(UnitReport::State::open, open_->header());
+    ended_.back().firstMessage = open_->firstMessage();
+    ended_.back().blocks = open_->missing();
+  }
+  open_.reset();
+  if (!held_.empty()) ended_.push_back(endHeld(UnitReport::State::held, held_.front().address));
+  return std::exchange(ended_, {});
+}
+
+void UnitFollower::dump(BulkAddress address, bool good) {
+  if (marksEmptyVoice(address)) return;
+  const std::size_t list = BDA::listOf(address.hi);
+  if (isList(list, BDA::List::header)) {
+    abandon(describeAddress(address));
+    open_.emplace(address, message_);
+  } else if (isList(list, BDA::List::footer)) {
+    if (!open_ || !open_->isClosedBy(address)) return report(UnitReport::State::strayFooter, address);
+    std::vector<BulkAddress> missing = open_->missing();
+    report(missing.empty() ? UnitReport::State::complete : UnitReport::State::incomplete, open_->header());
+    ended_.back().firstMessage = open_->firstMessage();
+    ended_.back().blocks = std::move(missing);
+    open_.reset();
+  } else if (isList(list, BDA::List::fileDump)) {
+    address.hi == kTriggerHi ? writeTrigger(address) : fileDump(address);
+  } else if (isList(list, BDA::List::system) || isList(list, BDA::List::favorite) ||
+             isList(list, BDA::List::editorName) || isList(list, BDA::List::screenCap)) {
+    abandon(describeAddress(address));
+  } else if (!open_ || !open_->arrive(address)) {
+    report(UnitReport::State::outside, address);
+  } else if (!good) {
+    abandon(describeAddress(address) + " of the wrong length");
+  }
+}
+
+void UnitFollower::fileDump(BulkAddress address) {
+  if (!isWritableFileDump(address)) {
+    ended_.push_back(endHeld(UnitReport::State::discarded, address));
+    return abandon(describeAddress(address));
+  }
+  const auto same =
+      std::find_if(held_.begin(), held_.end(), [&](const HeldFileDump& dump) { return dump.address == address; });
+  if (same == held_.end()) held_.push_back({address, message_});
+}
+
+void UnitFollower::writeTrigger(BulkAddress address) {
+  abandon(describeAddress(address));
+  ended_.push_back(endHeld(UnitReport::State::written, address));
+}
+
+void UnitFollower::abandon(const std::string& by) {
+  if (!open_) return;
+  report(UnitReport::State::abandoned, open_->header());
+  ended_.back().firstMessage = open_->firstMessage();
+  ended_.back().cause = by;
+  open_.reset();
+}
+
+void UnitFollower::report(UnitReport::State state, BulkAddress address) {
+  ended_.push_back({state, message_, message_, address, {}, {}});
+}
+
+UnitReport UnitFollower::endHeld(UnitReport::State state, BulkAddress address) {
+  UnitReport ended{state, held_.empty() ? message_ : held_.front().message, message_, address, {}, {}};
+  for (const HeldFileDump& dump : held_) ended.blocks.push_back(dump.address);
+  held_.clear();
+  return ended;
+}
+
+const char* wordOf(UnitReport::State state) {
+  switch (state) {
+    case UnitReport::State::complete:
+      return "complete";
+    case UnitReport::State::incomplete:
+      return "incomplete";
+    case UnitReport::State::abandoned:
+      return "abandoned";
+    case UnitReport::State::open:
+      return "open";
+    case UnitReport::State::outside:
+      return "outside";
+    case UnitReport::State::strayFooter:
+      return "stray footer";
+    case UnitReport::State::written:
+      return "written";
+    case UnitReport::State::held:
+      return "held";
+    case UnitReport::State::discarded:
+      return "discarded";
+  }
+  return "?";
+}
+
+bool isBroken(const UnitReport& unit) {
+  return unit.state != UnitReport::State::complete && unit.state != UnitReport::State::written;
+}
+
+std::string describeBlocks(const std::vector<BulkAddress>& blocks) {
+  std::string text;
+  for (const BulkAddress block : blocks) {
+    if (!text.empty()) text += ", ";
+    text += fmt::format("{} ({})", describeAddress(block), formatAddress(block));
+  }
+  return text;
+}
+
+std::string describeUnit(const UnitReport& unit) {
+  const std::string name = nameOrBytes(unit.address);
+  const std::string where = unit.firstMessage == unit.lastMessage
+                                ? fmt::format("message {}", unit.lastMessage)
+                                : fmt::format("messages {} to {}", unit.firstMessage, unit.lastMessage);
+  const std::size_t count = unit.blocks.size();
+  const auto plural = [&](const char* one) { return fmt::format("{} {}{}", count, one, count == 1 ? "" : "s"); };
+  switch (unit.state) {
+    case UnitReport::State::complete:
+      return fmt::format("{}: complete ({})", name, where);
+    case UnitReport::State::incomplete:
+      return fmt::format("{}: {} missing ({}): {}", name, plural("block"), where, describeBlocks(unit.blocks));
+    case UnitReport::State::abandoned:
+      return fmt::format("{}: abandoned ({}), by {} at message {}", name, where, unit.cause, unit.lastMessage);
+    case UnitReport::State::open:
+      return fmt::format("{}: still open at the end, without footer (from message {})", name, unit.firstMessage);
+    case UnitReport::State::outside:
+      return fmt::format("{}: no open header admits this block ({})", describeAddress(unit.address), where);
+    case UnitReport::State::strayFooter:
+      return fmt::format("{} closes no open header ({})", describeAddress(unit.address), where);
+    case UnitReport::State::written:
+      if (count == 0) return fmt::format("{}: nothing held to write ({})", name, where);
+      return fmt::format("{}: {} ({}): {}", name, plural("file dump"), where, describeBlocks(unit.blocks));
+    case UnitReport::State::held:
+      return fmt::format("{} still held at the end, without write trigger (from message {}): {}", plural("file dump"),
+                         unit.firstMessage, describeBlocks(unit.blocks));
+    case UnitReport::State::discarded:
+      if (count == 0) return fmt::format("{}: can be requested, but not stored ({})", name, where);
+      return fmt::format("{}: can be requested, but not stored ({}); it discards {}: {}", name, where,
+                         plural("held file dump"), describeBlocks(unit.blocks));
+  }
+  return name;
+}
+
+}  // namespace Editor

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/Messages.h"
+
+namespace Editor {
+
+// One content on its way: the header came, the blocks that it admits are coming.
+class OpenUnit {
+ public:
+  OpenUnit(BulkAddress header, std::uint64_t message);
+
+  BulkAddress header() const { return header_; }
+  std::uint64_t firstMessage() const { return firstMessage_; }
+
+  // False when the header does not admit the block.
+  bool arrive(BulkAddress block);
+  bool isClosedBy(BulkAddress footer) const;
+  // The blocks that did not arrive, in table order. The voice of a multi part is a normal or a drum voice as its first
+  // block tells; without any, its voice common block stands for all.
+  std::vector<BulkAddress> missing() const;
+
+ private:
+  struct Block {
+    BulkAddress address;
+    bool arrived;
+  };
+  void expect(std::size_t list);
+
+  BulkAddress header_;
+  std::uint64_t firstMessage_;
+  std::vector<Block> blocks_;
+};
+
+// What became of a unit: a content block by block, or the file dumps before a write trigger.
+struct UnitReport {
+  enum class State : std::uint8_t {
+    complete,
+    incomplete,   // closed by its footer, but blocks are missing
+    abandoned,    // another message took its place or broke it
+    open,         // not closed when the messages ended
+    outside,      // a block that no open header admits
+    strayFooter,  // a footer that closes no open header
+    written,      // file dumps, by their trigger
+    held,         // file dumps without trigger when the messages ended
+    discarded,    // file dumps that a refused one took along
+  };
+
+  State state = State::complete;
+  std::uint64_t firstMessage = 0;
+  std::uint64_t lastMessage = 0;
+  BulkAddress address{};            // of the header, the block, the footer, the trigger or the refused file dump
+  std::vector<BulkAddress> blocks;  // incomplete and open: those missing; file dumps: those it is about
+  std::string cause;                // abandoned: by what
+};
+
+const char* wordOf(UnitReport::State state);
+bool isBroken(const UnitReport& unit);
+// One line, without its end.
+std::string describeUnit(const UnitReport& unit);
+// "element 3 oscillator (41 02 00), ..."
+std::string describeBlocks(const std::vector<BulkAddress>& blocks);
+
+// Follows units over a run of messages as an instrument would, knowing nothing but the messages.
+class UnitFollower {
+ public:
+  // Messages are numbered by the caller. Returns the units that end with this one.
+  std::vector<UnitReport> next(const Reading& reading, std::uint64_t message);
+  // Those that are still open; call it once, at the end.
+  std::vector<UnitReport> finish();
+
+ private:
+  struct HeldFileDump {
+    BulkAddress address;
+    std::uint64_t message;
+  };
+  void dump(BulkAddress address, bool good);
+  void fileDump(BulkAddress address);
+  void writeTrigger(BulkAddress address);
+  void abandon(const std::string& by);
+  void report(UnitReport::State state, BulkAddress address);
+  UnitReport endHeld(UnitReport::State state, BulkAddress address);
+
+  std::uint64_t message_ = 0;
+  std::optional<OpenUnit> open_;
+  std::vector<HeldFileDump> held_;
+  std::vector<UnitReport> ended_;
+};
+
+// Whether the instrument stores a file dump of that address; the others can only be requested.
+bool isWritableFileDump(BulkAddress address);
+
+}  // namespace Editor

@@ -1,0 +1,115 @@
+#include "cli/Messages.h"
+
+#include <gtest/gtest.h>
+
+#include "BulkMessages.h"
+
+using Editor::BulkAddress;
+using Editor::Reading;
+using Editor::readMessage;
+using Kind = Reading::Kind;
+using Verdict = Reading::Verdict;
+
+TEST(Messages, aGoodDumpIsReadWhole) {
+  const Reading reading = readMessage(blockDump({0x41, 0x02, 0x00}, 0x01));
+  EXPECT_EQ(reading.kind, Kind::dump);
+  EXPECT_EQ(reading.verdict, Verdict::good);
+  EXPECT_EQ(reading.device, 1u);
+  EXPECT_EQ(reading.address, (BulkAddress{0x41, 0x02, 0x00}));
+  EXPECT_EQ(reading.dataBytes, 88u);
+  EXPECT_EQ(reading.checksum, reading.expectedChecksum);
+  EXPECT_EQ(describeContent(reading), "element 3 oscillator");
+  EXPECT_FALSE(isBroken(reading));
+}
+
+TEST(Messages, anyDeviceNumberIsGood) {
+  for (std::uint8_t device = 0; device < 16; ++device) {
+    const Reading reading = readMessage(dump({0x0E, 0x00, 0x00}, {}, device));
+    EXPECT_EQ(reading.verdict, Verdict::good);
+    EXPECT_EQ(reading.device, device + 1u);
+  }
+}
+
+TEST(Messages, aWrongChecksumIsNamedWithTheRightOne) {
+  Bytes message = dump({0x0E, 0x31, 0x02});
+  message[10] = 0x00;
+  const Reading reading = readMessage(message);
+  EXPECT_EQ(reading.verdict, Verdict::checksumWrong);
+  EXPECT_EQ(reading.note, "checksum 00, expected 3F");
+  EXPECT_TRUE(isBroken(reading));
+}
+
+TEST(Messages, aByteCountThatDoesNotFitIsAWrongLength) {
+  Bytes message = blockDump({0x00, 0x40, 0x00});
+  message.erase(message.begin() + 12);
+  const Reading reading = readMessage(message);
+  EXPECT_EQ(reading.verdict, Verdict::lengthWrong);
+  EXPECT_EQ(reading.note, "7 data bytes, its byte count says 8");
+}
+
+TEST(Messages, aBlockOfAnotherLengthIsNamedWithTheRightOne) {
+  const Reading reading = readMessage(dump({0x00, 0x40, 0x00}, Bytes(7)));
+  EXPECT_EQ(reading.verdict, Verdict::blockLengthWrong);
+  EXPECT_EQ(reading.note, "7 data bytes, this block has 8");
+}
+
+TEST(Messages, fileDumpsComeInAnyLength) {
+  EXPECT_EQ(readMessage(dump({0x0C, 0x0A, 0x05}, Bytes(4))).verdict, Verdict::good);
+  EXPECT_EQ(readMessage(dump({0x0C, 0x0A, 0x05}, Bytes(400))).verdict, Verdict::good);
+}
+
+TEST(Messages, anAddressOutsideTheMapIsUnknown) {
+  EXPECT_EQ(readMessage(dump({0x46, 0x06, 0x00}, Bytes(24))).verdict, Verdict::unknownAddress);
+  EXPECT_EQ(readMessage(request({0x0E, 0x60, 0x32})).verdict, Verdict::unknownAddress);
+}
+
+TEST(Messages, theMarkOfAnEmptyMixingVoiceIsGood) {
+  const Reading reading = readMessage(dump({0x0E, 0x31, 0x45}));
+  EXPECT_EQ(reading.verdict, Verdict::good);
+  EXPECT_EQ(describeContent(reading), "mixing voice 6: header of an empty voice");
+}
+
+TEST(Messages, requestsHaveNineBytes) {
+  EXPECT_EQ(readMessage(request({0x00, 0x00, 0x00})).verdict, Verdict::good);
+  EXPECT_EQ(describeContent(readMessage(request({0x00, 0x00, 0x00}))), "request of system common");
+  Bytes message = request({0x00, 0x00, 0x00});
+  message.insert(message.end() - 1, 0x00);
+  EXPECT_EQ(readMessage(message).kind, Kind::invalid);
+  EXPECT_EQ(readMessage(message).note, "10 bytes, a request has 9");
+}
+
+TEST(Messages, aDumpShorterThanItsFrameIsInvalid) {
+  const Reading reading = readMessage(Bytes{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0x00, 0x0E, 0xF7});
+  EXPECT_EQ(reading.kind, Kind::invalid);
+  EXPECT_EQ(reading.verdict, Verdict::lengthWrong);
+}
+
+TEST(Messages, typesBeyondThoseOfTheInstrumentAreUnknown) {
+  for (const int type : {0x10, 0x30, 0x40}) {
+    Bytes message = request({0, 0, 0});
+    message[2] = std::uint8_t(type);
+    EXPECT_EQ(readMessage(message).kind, Kind::other) << type;
+    EXPECT_EQ(readMessage(message).verdict, Verdict::good) << type;
+  }
+  for (const int type : {0x50, 0x60, 0x70}) {
+    Bytes message = request({0, 0, 0});
+    message[2] = std::uint8_t(type);
+    EXPECT_EQ(readMessage(message).verdict, Verdict::typeUnknown) << type;
+  }
+}
+
+TEST(Messages, otherMakersAndModelsAreNotJudged) {
+  Bytes maker = dump({0, 0, 0}, Bytes(1));
+  maker[1] = 0x7E;
+  Bytes model = dump({0, 0, 0}, Bytes(1));
+  model[4] = 0x13;
+  Bytes tooShort{0xF0, 0x7D, 0x60, 0x02, 0xF7};
+  for (const Bytes& message : {maker, model, tooShort}) {
+    EXPECT_EQ(readMessage(message).kind, Kind::foreign);
+    EXPECT_FALSE(isBroken(readMessage(message)));
+  }
+  Bytes secondModel = blockDump({0, 0, 0});
+  secondModel[3] = 0x00;
+  secondModel[4] = 0x15;
+  EXPECT_EQ(readMessage(secondModel).kind, Kind::dump);
+}
