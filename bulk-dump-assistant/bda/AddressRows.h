@@ -66,17 +66,22 @@ inline constexpr std::array kRoutes{
     Route{one(0x71), List::favorite},
 };
 
+// Indices, not pointers: under the undefined behaviour sanitizer g++ compares no pointer with null in a constant.
 inline constexpr auto kRouteOfHighByte = [] {
-  std::array<const Route*, 256> routes{};
-  for (const Route& route : kRoutes)
-    for (std::size_t hi = route.hi.first; hi <= route.hi.last; ++hi) routes[hi] = &route;
+  std::array<std::uint8_t, 256> routes{};
+  routes.fill(kRoutes.size());
+  for (std::size_t route = 0; route < kRoutes.size(); ++route)
+    for (std::size_t hi = kRoutes[route].hi.first; hi <= kRoutes[route].hi.last; ++hi) routes[hi] = std::uint8_t(route);
   return routes;
 }();
-constexpr const Route* findRoute(std::uint8_t hi) { return kRouteOfHighByte[hi]; }
+constexpr const Route* findRoute(std::uint8_t hi) {
+  const std::size_t route = kRouteOfHighByte[hi];
+  return route < kRoutes.size() ? &kRoutes[route] : nullptr;
+}
 // The list that an address high byte is searched in; kListCount when there is none.
 constexpr std::size_t listOf(std::uint8_t hi) {
-  const Route* const route = findRoute(hi);
-  return route == nullptr ? kListCount : std::size_t(route->list);
+  const std::size_t route = kRouteOfHighByte[hi];
+  return route < kRoutes.size() ? std::size_t(kRoutes[route].list) : kListCount;
 }
 
 // The parameter blocks that stand between a header of that type (1 to 17) and its footer. Type 9, the voice of a multi
