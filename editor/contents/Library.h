@@ -1,0 +1,148 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "models/ContentAddress.h"
+
+namespace Editor {
+
+// What went wrong with a library, as a text that names the file.
+class LibraryError : public std::runtime_error {
+ public:
+  enum class Kind {
+    CannotOpen,  // no such directory, no permission, not a file
+    NotALibrary,
+    NewerVersion,
+    Locked,   // by another program, for longer than the time we wait
+    Damaged,  // the file, or what it says about itself
+    Failed,   // anything else: no space, an input or output error, a transaction that was lost to one of them
+  };
+
+  LibraryError(Kind kind, const std::string& text) : std::runtime_error(text), kind_(kind) {}
+  Kind kind() const { return kind_; }
+
+ private:
+  Kind kind_;
+};
+
+// A change of the contents, listed once it is on disk.
+struct Change {
+  enum class Kind { Stored, Removed, Renamed, Flagged };
+  Kind kind = Kind::Stored;
+  ContentId id;  // canonical
+
+  friend bool operator==(const Change&, const Change&) = default;
+};
+
+// The editor's memory: contents, favourite flags, live models and settings in one SQLite file. Every change is on disk
+// when its transaction has been committed, power cut or not; a change outside of a transaction is one of its own. Other
+// programs may use the same file at the same time: they see what has been committed, and whoever changes something
+// makes the others wait.
+//
+// Every operation throws LibraryError when the file fails it, with nothing changed. One thread at a time.
+class Library {
+ public:
+  using Bytes = std::vector<std::uint8_t>;
+
+  struct Options {
+    std::chrono::milliseconds busyTimeout{5000};  // how long to wait for another program's transaction
+    const char* vfs = nullptr;                    // the SQLite VFS to use; null: the operating system's files
+  };
+
+  static constexpr std::int64_t kDefaultMixingVoiceMaximum = 2048;
+
+  // Opens the library in `file`; one that does not exist, or is empty, is created along with its directory. What is no
+  // library of ours, or one of a newer version, stays as it is, to the byte.
+  explicit Library(const std::filesystem::path& file) : Library(file, Options()) {}
+  Library(const std::filesystem::path& file, const Options& options);
+  Library(const Library&) = delete;
+  Library& operator=(const Library&) = delete;
+  ~Library();
+
+  // Makes one change of many, or for reading holds one state of the library still. Inside another transaction it is a
+  // part of that: its commit takes effect with the outer one's, its end without a commit takes back its own part only.
+  // Transactions end in the reverse order of their beginning.
+  class Transaction {
+   public:
+    enum class Access { Write, Read };
+
+    explicit Transaction(Library& library, Access access = Access::Write);
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+    ~Transaction();  // takes back what was not committed
+
+    void commit();
+
+   private:
+    Library& library_;
+    const int level_;            // 1 is the outermost
+    const std::size_t changes_;  // how many were pending when it began
+    bool open_ = true;
+  };
+
+  struct Content {
+    std::string name;
+    Bytes bytes;
+
+    friend bool operator==(const Content&, const Content&) = default;
+  };
+
+  // Names and bytes are kept as they come, whatever they are. An id need not be canonical, what comes back is.
+  std::optional<Content> content(ContentId id);
+  std::optional<std::string> contentName(ContentId id);
+  std::vector<ContentId> contents();  // by type and number
+  void store(ContentId id, std::span<const std::uint8_t> bytes, const std::string& name);
+  bool rename(ContentId id, const std::string& name);  // false: nothing is stored there
+  bool remove(ContentId id);                           // false: nothing was stored there
+
+  // A flag belongs to the place, whether a content is stored there or not; 0 is no favourite.
+  std::uint8_t favourite(ContentId id);
+  std::vector<std::pair<ContentId, std::uint8_t>> favourites();
+  void setFavourite(ContentId id, std::uint8_t flag);
+
+  std::int64_t mixingVoiceCount();
+  std::int64_t mixingVoiceMaximum() { return setting("mixing-voices").value_or(kDefaultMixingVoiceMaximum); }
+
+  // The live models, each as bytes under a key of its owner's choice.
+  std::optional<Bytes> live(const std::string& key);
+  std::vector<std::string> liveKeys();
+  void storeLive(const std::string& key, std::span<const std::uint8_t> bytes);
+
+  std::optional<std::int64_t> setting(const std::string& name);
+  void set(const std::string& setting, std::int64_t value);
+
+  // The changes of contents committed since the last call, in order: those of a transaction that was taken back never
+  // appear.
+  std::vector<Change> takeChanges() { return std::exchange(committed_, {}); }
+  // How many there have been since the library was opened.
+  std::uint64_t changeCount() const { return changeCount_; }
+
+  const std::filesystem::path& file() const { return file_; }
+
+ private:
+  struct Database;
+
+  [[noreturn]] void fail(int sqliteCode, const std::string& text) const;
+  template <typename Operation>
+  auto run(Operation operation) const -> decltype(operation());
+  template <typename Operation>
+  void change(Operation operation);
+
+  std::filesystem::path file_;
+  std::unique_ptr<Database> database_;
+  int level_ = 0;
+  std::vector<Change> pending_;
+  std::vector<Change> committed_;
+  std::uint64_t changeCount_ = 0;
+};
+
+}  // namespace Editor

@@ -1,0 +1,83 @@
+#include "contents/ModelStore.h"
+
+#include "contents/ContentFormat.h"
+
+namespace Editor {
+namespace {
+
+template <typename Result, typename Operation>
+Result attempt(Result onFailure, std::string& why, Operation operation) {
+  try {
+    return operation();
+  } catch (const LibraryError& error) {
+    why = error.what();
+    return onFailure;
+  }
+}
+
+ContentStore::Loaded decode(const Library::Bytes& bytes, ModelSet& models, std::string& why) {
+  const std::optional<std::string> error = decodeContent(bytes, models);
+  if (!error) return ContentStore::Loaded::ok;
+  why = *error;
+  return ContentStore::Loaded::opaque;
+}
+
+ContentStore::Loaded nothingStored(std::string& why) {
+  why = "nothing is stored there";
+  return ContentStore::Loaded::empty;
+}
+
+}  // namespace
+
+ContentStore::Loaded ModelStore::loadModels(ContentId id, ModelSet& models, std::string& why) {
+  return attempt(Loaded::failed, why, [&] {
+    const std::optional<Library::Content> content = library_.content(id);
+    return content ? decode(content->bytes, models, why) : nothingStored(why);
+  });
+}
+
+bool ModelStore::storeModels(ContentId id, const std::string& name, const ModelSet& models, std::string& why) {
+  if (haveSameShape(models, ModelSet()) || !haveSameShape(models, emptySetFor(id))) {
+    why = "such models cannot be stored there";
+    return false;
+  }
+  return attempt(false, why, [&] {
+    library_.store(id, encodeContent(models), name);
+    return true;
+  });
+}
+
+// Not empty: then whoever stores there next learns of the failure.
+bool ModelStore::isEmpty(ContentId id) {
+  std::string why;
+  return attempt(false, why, [&] { return !library_.contentName(id).has_value(); });
+}
+
+// None stored, none possible: full.
+std::int64_t ModelStore::mixingVoiceCount() {
+  std::string why;
+  return attempt(std::int64_t(0), why, [&] { return library_.mixingVoiceCount(); });
+}
+
+std::int64_t ModelStore::mixingVoiceMaximum() {
+  std::string why;
+  return attempt(std::int64_t(0), why, [&] { return library_.mixingVoiceMaximum(); });
+}
+
+ContentStore::Loaded ModelStore::loadLive(const std::string& key, ModelSet& models, std::string& why) {
+  return attempt(Loaded::failed, why, [&] {
+    const std::optional<Library::Bytes> bytes = library_.live(key);
+    return bytes ? decode(*bytes, models, why) : nothingStored(why);
+  });
+}
+
+bool ModelStore::storeLive(const std::vector<LiveModels>& live, std::string& why) {
+  return attempt(false, why, [&] {
+    Library::Transaction transaction(library_);
+    for (const LiveModels& one : live) library_.storeLive(one.key, encodeContent(*one.models));
+    transaction.commit();
+    return true;
+  });
+}
+
+}  // namespace Editor
