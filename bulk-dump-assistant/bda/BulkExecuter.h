@@ -30,6 +30,11 @@ struct BlockFailures {
   Failure<> noModel;
   Failure<unsigned, unsigned> wrongLength;  // expected, given
 };
+consteval BlockFailures blockFailures(const char* file, const char* function, const char* wrongLength,
+                                      const char* noModel = "Temporary Model is NULL !!!\n",
+                                      Line line = Line::ofThisSource()) {
+  return {{{file, line, function}, noModel}, {{file, line, function}, wrongLength}};
+}
 
 // Converts between the data bytes of one kind of block and the parameters of the editor's models. One executer serves
 // every block of its kind; setBlockInfo tells it which, before each message.
@@ -84,17 +89,22 @@ class BulkExecuter {
   BDAErr checkLength(const BlockFailures& failures, const std::uint8_t* data, std::uint32_t length,
                      std::size_t touchedLength) const;
 
-  // What every block of one layout does: fail without its models, then without its length, then convert and answer
-  // `success`.
+  // What every block of one layout does first: fail without its models, then without its length.
   template <const auto& kLayout>
-  BDAErr convertBlock(const BlockFailures& failures, const Targets<kLayout>& targets, std::uint8_t* data,
-                      std::uint32_t length, std::uint8_t isReceive, BDAErr success = BDA_OK) const {
+  BDAErr checkBlock(const BlockFailures& failures, const Targets<kLayout>& targets, const std::uint8_t* data,
+                    std::uint32_t length) const {
     if (!targets.areComplete()) {
       failures.noModel();
       return BDA_ERR;
     }
-    const BDAErr result = checkLength(failures, data, length, touchedLength(kLayout));
-    if (isFailure(result)) return result;
+    return checkLength(failures, data, length, touchedLength(kLayout));
+  }
+
+  // All that most blocks do: check, convert, and answer `success`.
+  template <const auto& kLayout>
+  BDAErr convertBlock(const BlockFailures& failures, const Targets<kLayout>& targets, std::uint8_t* data,
+                      std::uint32_t length, std::uint8_t isReceive, BDAErr success = BDA_OK) const {
+    if (const BDAErr result = checkBlock<kLayout>(failures, targets, data, length); isFailure(result)) return result;
     convert<kLayout>(targets, data, isReceive);
     return success;
   }

@@ -1,6 +1,7 @@
 #include "BulkExecuterSystem.h"
 
 #include "CMA/JobTools.h"
+#include "ModelNodes.h"
 #include "SystemLayouts.h"
 
 namespace BDA {
@@ -8,39 +9,30 @@ namespace {
 
 constexpr const char* kFile = "..\\..\\bda\\BulkExecuterSystem.cpp";
 
-consteval BlockFailures failuresOf(const char* function, const char* wrongLength, Line line = Line::ofThisSource()) {
-  return {{{kFile, line, function}, "Temporary Model is NULL !!!\n"}, {{kFile, line, function}, wrongLength}};
-}
-
-constexpr BlockFailures kCommon = failuresOf("BDA::BulkExecuterSystemCommon::execBulkBlock",
-                                             "Wrong data length. (System Common): Correct = [%02x], Data = [%02x]\n");
-constexpr BlockFailures kAd = failuresOf("BDA::BulkExecuterSystemAd::execBulkBlock",
-                                         "Wrong data length. (System AD): Correct = [%02x], Data = [%02x]\n");
+constexpr BlockFailures kCommon =
+    blockFailures(kFile, "BDA::BulkExecuterSystemCommon::execBulkBlock",
+                  "Wrong data length. (System Common): Correct = [%02x], Data = [%02x]\n");
+constexpr BlockFailures kAd = blockFailures(kFile, "BDA::BulkExecuterSystemAd::execBulkBlock",
+                                            "Wrong data length. (System AD): Correct = [%02x], Data = [%02x]\n");
 constexpr BlockFailures kAdInsAB =
-    failuresOf("BDA::BulkExecuterSystemAdInsAB::execBulkBlock",
-               "Wrong data length. (System AD Ins AB): Correct = [%02x], Data = [%02x]\n");
+    blockFailures(kFile, "BDA::BulkExecuterSystemAdInsAB::execBulkBlock",
+                  "Wrong data length. (System AD Ins AB): Correct = [%02x], Data = [%02x]\n");
 constexpr Failure<> kWrongInsertion{{kFile, Line::ofThisSource(), "BDA::BulkExecuterSystemAdInsAB::execBulkBlock"},
                                     "Multi AD Part Ins Block Error !\n"};
-constexpr BlockFailures kMeq = failuresOf("BDA::BulkExecuterSystemMeq::execBulkBlock",
-                                          "Wrong data length. (System MEQ): Correct = [%02x], Data = [%02x]\n");
-constexpr BlockFailures kMef = failuresOf("BDA::BulkExecuterSystemMef::execBulkBlock",
-                                          "Wrong data length. (System MEF): Correct = [%02x], Data = [%02x]\n");
+constexpr BlockFailures kMeq = blockFailures(kFile, "BDA::BulkExecuterSystemMeq::execBulkBlock",
+                                             "Wrong data length. (System MEQ): Correct = [%02x], Data = [%02x]\n");
+constexpr BlockFailures kMef = blockFailures(kFile, "BDA::BulkExecuterSystemMef::execBulkBlock",
+                                             "Wrong data length. (System MEF): Correct = [%02x], Data = [%02x]\n");
 constexpr BlockFailures kQuickSetup =
-    failuresOf("BDA::BulkExecuterSystemUserQuickSetup::execBulkBlock",
-               "Wrong data length. (User Quick Setup): Correct = [%02x], Data = [%02x]\n");
-constexpr BlockFailures kSeq = failuresOf("BDA::BulkExecuterSystemSeq::execBulkBlock",
-                                          "Wrong data length. (Seq): Correct = [%02x], Data = [%02x]\n");
-constexpr BlockFailures kRemote = failuresOf("BDA::BulkExecuterSystemRemote::execBulkBlock",
-                                             "Wrong data length. (Remote): Correct = [%02x], Data = [%02x]\n");
+    blockFailures(kFile, "BDA::BulkExecuterSystemUserQuickSetup::execBulkBlock",
+                  "Wrong data length. (User Quick Setup): Correct = [%02x], Data = [%02x]\n");
+constexpr BlockFailures kSeq = blockFailures(kFile, "BDA::BulkExecuterSystemSeq::execBulkBlock",
+                                             "Wrong data length. (Seq): Correct = [%02x], Data = [%02x]\n");
+constexpr BlockFailures kRemote = blockFailures(kFile, "BDA::BulkExecuterSystemRemote::execBulkBlock",
+                                                "Wrong data length. (Remote): Correct = [%02x], Data = [%02x]\n");
 
 constexpr std::uint32_t kInsertionABlock = 51;
 constexpr std::uint32_t kInsertionBBlock = 52;
-
-// Groups and nodes of a model that is not there are not there either.
-template <typename Node, typename Result, typename... Arguments>
-Result* from(Node* node, Result* (Node::*getter)(Arguments...), Arguments... arguments) {
-  return node == nullptr ? nullptr : (node->*getter)(arguments...);
-}
 
 using System = CMA::SystemParameterModel;
 
@@ -55,8 +47,8 @@ BDAErr BulkExecuterSystemCommon::execBulkBlock(std::uint8_t* data, std::uint32_t
 BDAErr BulkExecuterSystemAd::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
   System::AdPartNode* const part =
       from(getJobTools().getSystemModel(), &System::getAdPart, std::uint32_t{getBlockIndex()});
-  const Targets<SystemAd::kLayout> targets{{from(part, &System::AdPartNode::getParams)}};
-  return convertBlock<SystemAd::kLayout>(kAd, targets, data, length, isReceive, BDA_INFO_SYSTEM);
+  const Targets<kAdPart> targets{{from(part, &System::AdPartNode::getParams)}};
+  return convertBlock<kAdPart>(kAd, targets, data, length, isReceive, BDA_INFO_SYSTEM);
 }
 
 // The order of its tests: model, block type, length.
@@ -83,9 +75,9 @@ BDAErr BulkExecuterSystemMeq::execBulkBlock(std::uint8_t* data, std::uint32_t le
 
 BDAErr BulkExecuterSystemMef::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
   System* const system = getJobTools().getSystemModel();
-  const Targets<SystemMef::kLayout> targets{
+  const Targets<kMasterEffect> targets{
       {from(system, &System::getMasterEffect), from(system, &System::getMasterEffectSettings)}};
-  return convertBlock<SystemMef::kLayout>(kMef, targets, data, length, isReceive, BDA_INFO_SYSTEM);
+  return convertBlock<kMasterEffect>(kMef, targets, data, length, isReceive, BDA_INFO_SYSTEM);
 }
 
 BDAErr BulkExecuterSystemUserQuickSetup::execBulkBlock(std::uint8_t* data, std::uint32_t length,

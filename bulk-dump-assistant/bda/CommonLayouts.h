@@ -41,6 +41,12 @@ constexpr auto eqRows(int slot) {
 
 inline constexpr Layout kInsEffect{kInsEffectLength, insEffectRows(0), std::array{gap(3)}};
 inline constexpr Layout kSixParam{kSixParamLength, sixParamRows(0), std::array{gap(5)}};
+// The blocks of an audio input part and of a master effect, in the system as in a multi.
+inline constexpr Layout kAdPart{8, sixParamRows(0), std::array{gap(5), gap(7)}};
+enum MasterEffectSlot { masterEffect, masterEffectSettings };
+inline constexpr Layout kMasterEffect{
+    38, join(insEffectRows(masterEffect), std::array{setByteParam(36, masterEffectSettings, 0)}),
+    std::array{gap(3), gap(37)}};
 inline constexpr Layout kEq{kEqLength, eqRows(0), std::array{gap(7), gap(11), gap(15)}};
 
 }  // namespace BDA

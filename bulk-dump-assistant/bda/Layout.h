@@ -23,12 +23,20 @@
 namespace BDA {
 
 enum class Routine : std::uint8_t {
-  setByteParam,       // 1 byte  <-> one-byte parameter
-  setWideByteParam,   // 1 byte  <-> low byte of a 16-bit parameter
-  setPairParam,       // 2 bytes <-> 14 bits of a 16-bit parameter
-  setSplitByteParam,  // 2 bytes <-> bit 7 and bits 6-0 of a one-byte parameter
-  setNibbleWord,      // 4 bytes <-> the nibbles of a 16-bit parameter, high bits of the bytes unused
-  setNameParam,       // n bytes <-> a name, padded with zeros
+  setByteParam,         // 1 byte  <-> one-byte parameter
+  setWideByteParam,     // 1 byte  <-> low byte of a 16-bit parameter
+  setPairParam,         // 2 bytes <-> 14 bits of a 16-bit parameter
+  setSplitByteParam,    // 2 bytes <-> bit 7 and bits 6-0 of a one-byte parameter
+  setNibbleSplitParam,  // 2 bytes <-> bits 7-4 and bits 6-0 of a one-byte parameter: bits 6-4 are dumped twice
+  setNibbleParams,      // 1 byte  <-> low nibble and high nibble, two parameters
+  setLowNibble,         // low nibble of a byte whose other bits are switches <-> one parameter
+  setBitParam,          // some bits of a byte <-> one 0/1 parameter
+  setNibbleWord,        // 4 bytes <-> the nibbles of a 16-bit parameter, high bits of the bytes unused
+  setNameParam,         // n bytes <-> a name, padded with zeros
+  // The exceptions, each of which a few blocks have.
+  setSharedByteParam,  // as setByteParam, with a byte that another row claims
+  setSplitByteHigh,    // 1 byte  <-> bit 7 of a one-byte parameter whose other bits do not travel
+  dumpByteParam,       // 1 byte  <-  one-byte parameter; received by the executer itself
 };
 
 // `count` applies the routine that many times, to consecutive bytes (pairs, quadruples) and consecutive indices; for
@@ -39,6 +47,9 @@ struct Row {
   std::uint16_t count;
   std::uint8_t slot;
   std::uint16_t index;
+  std::uint8_t mask = 0x7F;  // setBitParam: its bits
+  std::uint8_t slot2 = 0;    // setNibbleParams: where the high nibble goes
+  std::uint16_t index2 = 0;
 };
 
 // Data bits that carry nothing: ignored when received, 0 when dumped.
@@ -55,6 +66,7 @@ constexpr int bytesPerStep(Routine routine) {
   switch (routine) {
     case Routine::setPairParam:
     case Routine::setSplitByteParam:
+    case Routine::setNibbleSplitParam:
       return 2;
     case Routine::setNibbleWord:
       return 4;
@@ -98,6 +110,32 @@ constexpr Row setSplitByteParam(int high, int low, int slot, int index) {
 constexpr Row setSplitRun(int first, int last, int slot, int index) {
   return makeRun(Routine::setSplitByteParam, first, last, slot, index);
 }
+constexpr Row setNibbleSplitParam(int high, int low, int slot, int index) {
+  return makePair(Routine::setNibbleSplitParam, high, low, slot, index);
+}
+constexpr Row setNibbleParams(int byte, int lowSlot, int lowIndex, int highSlot, int highIndex) {
+  Row row = makeRun(Routine::setNibbleParams, byte, byte, lowSlot, lowIndex);
+  row.slot2 = std::uint8_t(highSlot);
+  row.index2 = std::uint16_t(highIndex);
+  return row;
+}
+constexpr Row setLowNibble(int byte, int slot, int index) {
+  return makeRun(Routine::setLowNibble, byte, byte, slot, index);
+}
+constexpr Row setBitParam(int byte, int mask, int slot, int index) {
+  Row row = makeRun(Routine::setBitParam, byte, byte, slot, index);
+  row.mask = std::uint8_t(mask);
+  return row;
+}
+constexpr Row setSharedByteParam(int byte, int slot, int index) {
+  return makeRun(Routine::setSharedByteParam, byte, byte, slot, index);
+}
+constexpr Row setSplitByteHigh(int byte, int slot, int index) {
+  return makeRun(Routine::setSplitByteHigh, byte, byte, slot, index);
+}
+constexpr Row dumpByteRun(int first, int last, int slot, int index) {
+  return makeRun(Routine::dumpByteParam, first, last, slot, index);
+}
 constexpr Row setNibbleWord(int first, int last, int slot, int index) {
   return makeRun(Routine::setNibbleWord, first, last, slot, index);
 }
@@ -107,6 +145,7 @@ constexpr Row setNameParam(int first, int length, int slot) {
 
 constexpr Gap gap(int byte) { return {std::uint16_t(byte), std::uint16_t(byte), 0x7F}; }
 constexpr Gap gap(int first, int last) { return {std::uint16_t(first), std::uint16_t(last), 0x7F}; }
+constexpr Gap spareBits(int byte, int mask) { return {std::uint16_t(byte), std::uint16_t(byte), std::uint8_t(mask)}; }
 constexpr Gap spareBits(int first, int last, int mask) {
   return {std::uint16_t(first), std::uint16_t(last), std::uint8_t(mask)};
 }
@@ -138,7 +177,19 @@ inline constexpr int kNone = -1;
 inline constexpr std::size_t kMaxLength = 512;
 
 constexpr int lastByte(const Row& row) { return row.byte + row.count * bytesPerStep(row.routine) - 1; }
-constexpr std::uint8_t claimedBits(const Row& row) { return row.routine == Routine::setNibbleWord ? 0x0F : 0x7F; }
+constexpr std::uint8_t claimedBits(const Row& row) {
+  switch (row.routine) {
+    case Routine::setBitParam:
+      return row.mask;
+    case Routine::setLowNibble:
+    case Routine::setNibbleWord:
+      return 0x0F;
+    case Routine::setSharedByteParam:
+      return 0;
+    default:
+      return 0x7F;
+  }
+}
 constexpr bool isName(const Row& row) { return row.routine == Routine::setNameParam; }
 
 // The number of parameter groups, or of names, that the rows speak of.
@@ -146,7 +197,10 @@ template <typename L>
 constexpr std::size_t slotCount(const L& layout, bool ofNames) {
   std::size_t count = 0;
   for (const Row& row : layout.rows)
-    if (isName(row) == ofNames && row.slot >= count) count = row.slot + 1U;
+    if (isName(row) == ofNames) {
+      if (row.slot >= count) count = row.slot + 1U;
+      if (row.slot2 >= count && !ofNames) count = row.slot2 + 1U;
+    }
   return count;
 }
 
@@ -215,19 +269,38 @@ constexpr int firstByteNeitherClaimedNorGap(const L& layout) {
   return kNone;
 }
 
-// The parameters that a row writes are (slot, index) to (slot, index + parameterCount - 1).
-constexpr int parameterCount(const Row& row) { return isName(row) ? 1 : row.count; }
+// The parameters that a row writes: entry 0 to parameterCount - 1.
+struct Parameter {
+  bool isName;
+  int slot;
+  int index;
+  constexpr bool operator==(const Parameter& other) const {
+    return isName == other.isName && slot == other.slot && index == other.index;
+  }
+};
+constexpr int parameterCount(const Row& row) {
+  return isName(row) ? 1 : row.routine == Routine::setNibbleParams ? 2 : row.count;
+}
+constexpr Parameter parameter(const Row& row, int n) {
+  if (row.routine == Routine::setNibbleParams && n == 1) return {false, row.slot2, row.index2};
+  return {isName(row), row.slot, row.index + n};
+}
 
 template <typename L>
 constexpr int firstRowWithUsedTarget(const L& layout) {
   for (std::size_t i = 0; i < layout.rows.size(); ++i)
-    for (std::size_t j = 0; j < i; ++j) {
-      const Row& a = layout.rows[i];
-      const Row& b = layout.rows[j];
-      if (isName(a) == isName(b) && a.slot == b.slot && a.index < b.index + parameterCount(b) &&
-          b.index < a.index + parameterCount(a))
-        return int(i);
-    }
+    for (int m = 0; m < parameterCount(layout.rows[i]); ++m)
+      for (std::size_t j = 0; j <= i; ++j)
+        for (int n = 0; n < (j < i ? parameterCount(layout.rows[j]) : m); ++n)
+          if (parameter(layout.rows[i], m) == parameter(layout.rows[j], n)) return int(i);
+  return kNone;
+}
+
+template <typename L>
+constexpr int firstSharedByteThatIsNotClaimed(const L& layout) {
+  const Bits claimed = claimedIn(layout);
+  for (const Row& row : layout.rows)
+    if (row.routine == Routine::setSharedByteParam && claimed[row.byte] == 0) return row.byte;
   return kNone;
 }
 
@@ -239,6 +312,7 @@ constexpr bool isSound() {
   static_assert(firstGapThatIsClaimed(kLayout) == kNone, "this byte is declared a gap but a row claims it");
   static_assert(firstByteNeitherClaimedNorGap(kLayout) == kNone, "this byte is neither claimed nor a declared gap");
   static_assert(firstRowWithUsedTarget(kLayout) == kNone, "two rows write the same parameter (row number on the left)");
+  static_assert(firstSharedByteThatIsNotClaimed(kLayout) == kNone, "this shared byte is claimed by no other row");
   return true;
 }
 
@@ -275,6 +349,16 @@ template <const auto& kLayout>
 void convert(const Targets<kLayout>& targets, std::uint8_t* data, std::uint8_t isReceive) {
   static_assert(kIsSound<kLayout>);
   convertRows(kLayout.rows, targets.groups, targets.names, data, isReceive);
+}
+
+// The same in two halves, rows up to `kFirstHalf` and from there on, around something that the executer does between.
+template <const auto& kLayout, std::size_t kFirstHalf, typename Between>
+void convertAround(const Targets<kLayout>& targets, std::uint8_t* data, std::uint8_t isReceive, Between between) {
+  static_assert(kIsSound<kLayout>);
+  const std::span<const Row> rows(kLayout.rows);
+  convertRows(rows.first(kFirstHalf), targets.groups, targets.names, data, isReceive);
+  between();
+  convertRows(rows.subspan(kFirstHalf), targets.groups, targets.names, data, isReceive);
 }
 
 }  // namespace BDA

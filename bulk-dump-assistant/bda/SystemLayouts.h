@@ -33,21 +33,6 @@ inline constexpr Layout kLayout{
 
 }  // namespace SystemCommon
 
-namespace SystemAd {
-
-inline constexpr Layout kLayout{8, sixParamRows(0), std::array{gap(5), gap(7)}};
-
-}  // namespace SystemAd
-
-namespace SystemMef {
-
-enum Slot { effect, settings };
-
-inline constexpr Layout kLayout{38, join(insEffectRows(effect), std::array{setByteParam(36, settings, 0)}),
-                                std::array{gap(3), gap(37)}};
-
-}  // namespace SystemMef
-
 namespace SystemUserQuickSetup {
 
 inline constexpr Layout kLayout{10, std::array{setNameParam(0, 8, 0), setByteRun(8, 9, 0, 0)}, std::array<Gap, 0>{}};
