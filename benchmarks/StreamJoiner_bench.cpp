@@ -63,24 +63,24 @@ void join(benchmark::State& state, std::size_t chunk) {
   state.SetBytesProcessed(state.iterations() * std::ssize(stream));
 }
 
-void Memcpy(benchmark::State& state) {
+void copy(benchmark::State& state) {
   const std::vector<std::uint8_t>& stream = voices();
-  std::vector<std::uint8_t> copy(stream.size());
+  std::vector<std::uint8_t> target(stream.size());
   for (auto _ : state) {
-    std::memcpy(copy.data(), stream.data(), stream.size());
-    benchmark::DoNotOptimize(copy.data());
+    std::memcpy(target.data(), stream.data(), stream.size());
+    benchmark::DoNotOptimize(target.data());
     benchmark::ClobberMemory();
   }
   state.SetBytesProcessed(state.iterations() * std::ssize(stream));
 }
 
-void Joiner(benchmark::State& state) { join<Editor::StreamJoiner>(state, voices().size()); }
-void JoinerInChunksOf4096(benchmark::State& state) { join<Editor::StreamJoiner>(state, 4096); }
-void Naive(benchmark::State& state) { join<Editor::NaiveJoiner>(state, voices().size()); }
+void joinWhole(benchmark::State& state) { join<Editor::StreamJoiner>(state, voices().size()); }
+void joinChunks(benchmark::State& state) { join<Editor::StreamJoiner>(state, 4096); }
+void joinNaively(benchmark::State& state) { join<Editor::NaiveJoiner>(state, voices().size()); }
 
-BENCHMARK(Memcpy);
-BENCHMARK(Joiner);
-BENCHMARK(JoinerInChunksOf4096);
-BENCHMARK(Naive);
+BENCHMARK(copy)->Name("StreamJoiner/memcpy");
+BENCHMARK(joinWhole)->Name("StreamJoiner/whole");
+BENCHMARK(joinChunks)->Name("StreamJoiner/chunks of 4096");
+BENCHMARK(joinNaively)->Name("StreamJoiner/naive");
 
 }  // namespace

@@ -17,9 +17,8 @@ using Bytes = std::span<const std::uint8_t>;
 class Collector final : public StreamJoiner::Receiver {
  public:
   // The messages are parts of `source`, so they need no more room than it.
-  Collector(MidiFile& file, Bytes source) : file_(file) {
-    file_.arena.reset(new std::uint8_t[source.size()]);
-    free_ = file_.arena.get();
+  Collector(MidiFile& file, Bytes source) : file_(file), free_(new std::uint8_t[source.size()]) {
+    file.arena.reset(free_);
   }
 
   void message(Bytes bytes, std::uint64_t offset) override {
@@ -47,7 +46,7 @@ class Collector final : public StreamJoiner::Receiver {
 
  private:
   MidiFile& file_;
-  std::uint8_t* free_ = nullptr;  // in the arena
+  std::uint8_t* free_;  // of the arena
   std::vector<std::uint64_t> ticks_;
 };
 

@@ -152,12 +152,16 @@ TEST(MidiFile, ReportsBytesOfAnEventThatAreNoPartOfItsMessage) {
 
 TEST(MidiFile, PassesOverChannelEventsOfEveryKind) {
   for (int status = 0x80; status < 0xF0; ++status) {
-    const bool oneByte = status >= 0xC0 && status < 0xE0;
-    const std::string event = formatHex(Bytes{static_cast<std::uint8_t>(status)});
-    const std::string data = oneByte ? " 11 " : " 11 22 ";
-    const MidiFile file = readEvents("00" + event + data + "05" + data + "83 60" + data + "00 F0 01 F7");
-    EXPECT_EQ(messages(file).size(), 1u) << event;
-    EXPECT_THAT(errors(file), IsEmpty()) << event;
+    const Bytes data(status >= 0xC0 && status < 0xE0 ? 1 : 2, 0x11);
+    Bytes events{0x00, static_cast<std::uint8_t>(status)};
+    append(events, data);
+    append(events, bytes("05"));
+    append(events, data);
+    append(events, bytes("83 60"));
+    append(events, data);
+    const MidiFile file = readEvents(formatHex(events) + "00 F0 01 F7");
+    EXPECT_EQ(messages(file).size(), 1u) << status;
+    EXPECT_THAT(errors(file), IsEmpty()) << status;
   }
 }
 

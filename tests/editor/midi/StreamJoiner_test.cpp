@@ -230,7 +230,7 @@ TEST(StreamJoiner, GivesTheSameByteByByte) {
     std::vector<Bytes> chunks;
     for (const std::uint8_t byte : stream) {
       chunks.push_back({byte});
-      chunks.push_back({});
+      chunks.emplace_back();
     }
     EXPECT_EQ(join(chunks), joinNaively(stream)) << hex;
   }
