@@ -3,7 +3,12 @@
 #include <new>
 
 #include "BulkExecuterControl.h"
+#include "BulkExecuterMaster.h"
+#include "BulkExecuterMulti.h"
+#include "BulkExecuterPerf.h"
+#include "BulkExecuterRemote.h"
 #include "BulkExecuterSystem.h"
+#include "BulkExecuterVoice.h"
 #include "CMA/JobTools.h"
 
 namespace BDA {
@@ -30,11 +35,57 @@ struct Executers {
   Make make;
 };
 constexpr std::array kExecuters{
-    Executers{1, 1, make<BulkExecuterHeader>},          Executers{2, 2, make<BulkExecuterFooter>},
-    Executers{48, 48, make<BulkExecuterSystemCommon>},  Executers{49, 49, make<BulkExecuterSystemAd>},
-    Executers{50, 51, make<BulkExecuterSystemAdInsAB>}, Executers{52, 52, make<BulkExecuterSystemMeq>},
-    Executers{53, 53, make<BulkExecuterSystemMef>},     Executers{54, 54, make<BulkExecuterSystemUserQuickSetup>},
-    Executers{55, 55, make<BulkExecuterSystemSeq>},     Executers{56, 56, make<BulkExecuterSystemRemote>},
+    Executers{1, 1, make<BulkExecuterHeader>},
+    Executers{2, 2, make<BulkExecuterFooter>},
+    Executers{3, 3, make<BulkExecuterVoiceCommon>},  // normal voice
+    Executers{4, 4, make<BulkExecuterVoiceCommonRev>},
+    Executers{5, 5, make<BulkExecuterVoiceCommonCho>},
+    Executers{6, 7, make<BulkExecuterVoiceCommonInsAB>},
+    Executers{8, 8, make<BulkExecuterVoiceCommonInsL>},
+    Executers{9, 9, make<BulkExecuterVoiceCommonCtrl>},
+    Executers{10, 10, make<BulkExecuterVoiceCommonArp>},
+    Executers{11, 11, make<BulkExecuterNormalVoiceElmOsc>},
+    Executers{12, 12, make<BulkExecuterNormalVoiceElmFilter>},
+    Executers{13, 13, make<BulkExecuterVoiceCommon>},  // drum voice
+    Executers{14, 14, make<BulkExecuterVoiceCommonRev>},
+    Executers{15, 15, make<BulkExecuterVoiceCommonCho>},
+    Executers{16, 17, make<BulkExecuterVoiceCommonInsAB>},
+    Executers{18, 18, make<BulkExecuterVoiceCommonInsL>},
+    Executers{19, 19, make<BulkExecuterVoiceCommonCtrl>},
+    Executers{20, 20, make<BulkExecuterVoiceCommonArp>},
+    Executers{21, 21, make<BulkExecuterDrumVoiceKey>},
+    Executers{22, 22, make<BulkExecuterMultiCommon>},  // multi
+    Executers{23, 23, make<BulkExecuterVoiceCommonRev>},
+    Executers{24, 24, make<BulkExecuterVoiceCommonCho>},
+    Executers{25, 26, make<BulkExecuterMultiCommonInsAB>},
+    Executers{27, 27, make<BulkExecuterMultiCommonMeq>},
+    Executers{28, 28, make<BulkExecuterMultiCommonMef>},
+    Executers{29, 29, make<BulkExecuterMultiCommonArp>},
+    Executers{30, 30, make<BulkExecuterMultiPart>},
+    Executers{31, 31, make<BulkExecuterMultiPartArp>},
+    Executers{32, 32, make<BulkExecuterMultiPartAd>},
+    Executers{33, 33, make<BulkExecuterPerfCommon>},  // performance
+    Executers{34, 34, make<BulkExecuterVoiceCommonRev>},
+    Executers{35, 35, make<BulkExecuterVoiceCommonCho>},
+    Executers{36, 37, make<BulkExecuterMultiCommonInsAB>},
+    Executers{38, 38, make<BulkExecuterMultiCommonMeq>},
+    Executers{39, 39, make<BulkExecuterMultiCommonMef>},
+    Executers{40, 40, make<BulkExecuterMultiCommonArp>},
+    Executers{41, 41, make<BulkExecuterPerfPart>},
+    Executers{42, 42, make<BulkExecuterMultiPartArp>},
+    Executers{43, 43, make<BulkExecuterMultiPartAd>},
+    Executers{44, 44, make<BulkExecuterMasterCommon>},
+    Executers{45, 45, make<BulkExecuterMasterZone>},
+    Executers{46, 46, make<BulkExecuterRemoteCommon>},
+    Executers{47, 47, make<BulkExecuterRemoteController>},
+    Executers{48, 48, make<BulkExecuterSystemCommon>},
+    Executers{49, 49, make<BulkExecuterSystemAd>},
+    Executers{50, 51, make<BulkExecuterSystemAdInsAB>},
+    Executers{52, 52, make<BulkExecuterSystemMeq>},
+    Executers{53, 53, make<BulkExecuterSystemMef>},
+    Executers{54, 54, make<BulkExecuterSystemUserQuickSetup>},
+    Executers{55, 55, make<BulkExecuterSystemSeq>},
+    Executers{56, 56, make<BulkExecuterSystemRemote>},
 };
 
 }  // namespace

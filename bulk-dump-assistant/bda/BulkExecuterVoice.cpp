@@ -82,7 +82,7 @@ Multi* BulkExecuterVoiceBase::getMulti() const {
 BDAErr BulkExecuterVoiceCommon::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
   Voice* const voice = getVoice();
   Multi::PartNode* const part0 = from(getMulti(), &Multi::getPart, 0U);
-  const auto convertAs = [&]<const auto& kLayout>(const Targets<kLayout>& targets) {
+  const auto convertAs = [&]<const auto & kLayout>(const Targets<kLayout>& targets) {
     return convertBlock<kLayout>(kCommon, targets, data, length, isReceive);
   };
   const std::array<CMA::ParameterGroup*, 3> groups{from(voice, &Voice::getCommon), from(voice, &Voice::getCommonExtra),

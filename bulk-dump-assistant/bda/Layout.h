@@ -351,14 +351,17 @@ void convert(const Targets<kLayout>& targets, std::uint8_t* data, std::uint8_t i
   convertRows(kLayout.rows, targets.groups, targets.names, data, isReceive);
 }
 
-// The same in two halves, rows up to `kFirstHalf` and from there on, around something that the executer does between.
-template <const auto& kLayout, std::size_t kFirstHalf, typename Between>
-void convertAround(const Targets<kLayout>& targets, std::uint8_t* data, std::uint8_t isReceive, Between between) {
+// The same for the first `kCount` rows only.
+template <const auto& kLayout, std::size_t kCount>
+void convertFirst(const Targets<kLayout>& targets, std::uint8_t* data, std::uint8_t isReceive) {
   static_assert(kIsSound<kLayout>);
-  const std::span<const Row> rows(kLayout.rows);
-  convertRows(rows.first(kFirstHalf), targets.groups, targets.names, data, isReceive);
-  between();
-  convertRows(rows.subspan(kFirstHalf), targets.groups, targets.names, data, isReceive);
+  convertRows(std::span<const Row>(kLayout.rows).first(kCount), targets.groups, targets.names, data, isReceive);
+}
+// And for the rows after them.
+template <const auto& kLayout, std::size_t kCount>
+void convertRest(const Targets<kLayout>& targets, std::uint8_t* data, std::uint8_t isReceive) {
+  static_assert(kIsSound<kLayout>);
+  convertRows(std::span<const Row>(kLayout.rows).subspan(kCount), targets.groups, targets.names, data, isReceive);
 }
 
 }  // namespace BDA

@@ -52,22 +52,21 @@ namespace VoiceCommonArp {
 
 enum Slot { arpeggioCommon, tempo, entry, six };
 
-inline constexpr Layout kLayout{
-    86,
-    std::array{
-        setByteParam(0, arpeggioCommon, 6),
-        setPairParam(2, 3, tempo, 0),
-        setByteParam(14, entry, 0),
-        setByteRun(20, 31, entry, 3),
-        setSplitRun(32, 35, entry, 15),
-        setSplitByteParam(40, 41, entry, 17),
-        setByteRun(42, 43, entry, 20),  // crossed with the next row by contract
-        setByteRun(44, 45, entry, 18),
-        setByteRun(46, 49, entry, 22),
-        setSplitRun(50, 73, entry, 26),
-        setPairRun(74, 85, six, 0),
-    },
-    std::array{gap(1), gap(4, 13), gap(15, 19), gap(36, 39)}};
+inline constexpr Layout kLayout{86,
+                                std::array{
+                                    setByteParam(0, arpeggioCommon, 6),
+                                    setPairParam(2, 3, tempo, 0),
+                                    setByteParam(14, entry, 0),
+                                    setByteRun(20, 31, entry, 3),
+                                    setSplitRun(32, 35, entry, 15),
+                                    setSplitByteParam(40, 41, entry, 17),
+                                    setByteRun(42, 43, entry, 20),  // crossed with the next row by contract
+                                    setByteRun(44, 45, entry, 18),
+                                    setByteRun(46, 49, entry, 22),
+                                    setSplitRun(50, 73, entry, 26),
+                                    setPairRun(74, 85, six, 0),
+                                },
+                                std::array{gap(1), gap(4, 13), gap(15, 19), gap(36, 39)}};
 
 }  // namespace VoiceCommonArp
 
@@ -135,29 +134,18 @@ enum Slot { element, wave };
 inline constexpr Layout kLayout{
     88,
     std::array{
-        setByteRun(0, 1, element, 0),
-        setByteParam(4, element, 2),
-        setPairParam(2, 3, wave, 0),
-        setByteRun(5, 16, element, 6),
-        setByteParam(17, element, 20),
-        setBitParam(19, 0x01, element, 22),
-        setBitParam(19, 0x02, element, 23),
-        setBitParam(19, 0x04, element, 24),
-        setBitParam(19, 0x08, element, 25),
-        setBitParam(19, 0x10, element, 26),
-        setBitParam(19, 0x20, element, 27),
-        setBitParam(21, 0x01, element, 28),
-        setBitParam(21, 0x02, element, 29),
-        setBitParam(21, 0x04, element, 30),
-        setByteRun(22, 23, element, 31),
-        setByteRun(26, 38, element, 33),
-        setByteRun(40, 43, element, 46),
-        setByteRun(44, 47, element, 51),
-        setSplitRun(48, 55, element, 55),
-        setByteParam(56, element, 59),
+        setByteRun(0, 1, element, 0),       setByteParam(4, element, 2),
+        setPairParam(2, 3, wave, 0),        setByteRun(5, 16, element, 6),
+        setByteParam(17, element, 20),      setBitParam(19, 0x01, element, 22),
+        setBitParam(19, 0x02, element, 23), setBitParam(19, 0x04, element, 24),
+        setBitParam(19, 0x08, element, 25), setBitParam(19, 0x10, element, 26),
+        setBitParam(19, 0x20, element, 27), setBitParam(21, 0x01, element, 28),
+        setBitParam(21, 0x02, element, 29), setBitParam(21, 0x04, element, 30),
+        setByteRun(22, 23, element, 31),    setByteRun(26, 38, element, 33),
+        setByteRun(40, 43, element, 46),    setByteRun(44, 47, element, 51),
+        setSplitRun(48, 55, element, 55),   setByteParam(56, element, 59),
         setByteParam(57, element, 50),  // out of order by contract
-        setByteRun(58, 69, element, 60),
-        setSplitRun(70, 79, element, 72),
+        setByteRun(58, 69, element, 60),    setSplitRun(70, 79, element, 72),
         setByteRun(80, 86, element, 77),
     },
     std::array{gap(18), spareBits(19, 0x40), gap(20), spareBits(21, 0x78), gap(24, 25), gap(39), gap(87)}};
@@ -192,28 +180,27 @@ namespace DrumVoiceKey {
 
 enum Slot { key, wave };
 
-inline constexpr Layout kLayout{
-    46,
-    std::array{
-        setByteRun(0, 1, key, 0),
-        setByteRun(4, 6, key, 3),
-        setPairParam(2, 3, wave, 0),
-        setByteRun(7, 9, key, 6),
-        setByteRun(10, 12, key, 18),
-        setByteRun(14, 15, key, 33),
-        setByteRun(17, 19, key, 37),
-        setByteParam(23, key, 44),
-        setByteRun(26, 28, key, 60),
-        setSplitByteParam(30, 31, key, 85),
-        setByteRun(32, 33, key, 86),
-        setSplitByteParam(34, 35, key, 89),
-        setByteRun(36, 37, key, 119),
-        setSplitByteParam(38, 39, key, 121),
-        setByteParam(40, key, 122),
-        setSplitByteParam(42, 43, key, 123),
-        setByteParam(44, key, 124),
-    },
-    std::array{gap(13), gap(16), gap(20, 22), gap(24, 25), gap(29), gap(41), gap(45)}};
+inline constexpr Layout kLayout{46,
+                                std::array{
+                                    setByteRun(0, 1, key, 0),
+                                    setByteRun(4, 6, key, 3),
+                                    setPairParam(2, 3, wave, 0),
+                                    setByteRun(7, 9, key, 6),
+                                    setByteRun(10, 12, key, 18),
+                                    setByteRun(14, 15, key, 33),
+                                    setByteRun(17, 19, key, 37),
+                                    setByteParam(23, key, 44),
+                                    setByteRun(26, 28, key, 60),
+                                    setSplitByteParam(30, 31, key, 85),
+                                    setByteRun(32, 33, key, 86),
+                                    setSplitByteParam(34, 35, key, 89),
+                                    setByteRun(36, 37, key, 119),
+                                    setSplitByteParam(38, 39, key, 121),
+                                    setByteParam(40, key, 122),
+                                    setSplitByteParam(42, 43, key, 123),
+                                    setByteParam(44, key, 124),
+                                },
+                                std::array{gap(13), gap(16), gap(20, 22), gap(24, 25), gap(29), gap(41), gap(45)}};
 
 }  // namespace DrumVoiceKey
 

@@ -1,0 +1,41 @@
+#include "BulkExecuterMaster.h"
+
+#include "CMA/JobTools.h"
+#include "MasterRemoteLayouts.h"
+#include "ModelNodes.h"
+
+namespace BDA {
+namespace {
+
+constexpr const char* kFile = "..\\..\\bda\\BulkExecuterMaster.cpp";
+
+constexpr BlockFailures kCommon =
+    blockFailures(kFile, "BDA::BulkExecuterMasterCommon::execBulkBlock",
+                  "error : invalid length. (Master Common): correct = [%02x], data = [%02x]\n");
+constexpr BlockFailures kZone = blockFailures(
+    kFile, "BDA::BulkExecuterMasterZone::execBulkBlock",
+    "error : invalid length. (Master Zone): correct = [%02x], data = [%02x]\n", "error :model is NULL !\n");
+
+using Master = CMA::MasterParameterModel;
+
+// The model that the header chose: the live one when it loaded nothing, or the temporary one.
+Master* chosenMaster(bool loadSkipped, CMA::JobTools& jobTools, CMA::TemporaryCoreModel* temporaryModel) {
+  return loadSkipped ? jobTools.getMasterModel() : jobTools.getTemporaryMasterModel(temporaryModel);
+}
+
+}  // namespace
+
+BDAErr BulkExecuterMasterCommon::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
+  Master* const master = chosenMaster(getLoadSkipped() == 1, getJobTools(), getTemporaryModel());
+  const Targets<MasterCommon::kLayout> targets{{from(master, &Master::getCommon)}, {from(master, &Master::getName)}};
+  return convertBlock<MasterCommon::kLayout>(kCommon, targets, data, length, isReceive);
+}
+
+BDAErr BulkExecuterMasterZone::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
+  Master* const master = chosenMaster(getLoadSkipped() == 1, getJobTools(), getTemporaryModel());
+  Master::ZoneNode* const zone = from(master, &Master::getZone, getBlockIndex());
+  const Targets<MasterZone::kLayout> targets{{from(zone, &Master::ZoneNode::getParams)}};
+  return convertBlock<MasterZone::kLayout>(kZone, targets, data, length, isReceive);
+}
+
+}  // namespace BDA
