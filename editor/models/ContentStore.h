@@ -10,7 +10,8 @@
 namespace Editor {
 
 // What the models need of the library: stored contents, and the live models between two runs. One thread uses it. Each
-// store is atomic, and part of the transaction that the caller has open, if any.
+// store is atomic, and part of the transaction that the caller has open, if any. Operations that can answer a failure
+// do not throw; the others throw a std::exception.
 class ContentStore {
  public:
   enum class Loaded : std::uint8_t {

@@ -20,19 +20,30 @@ struct ModelSet {
   std::optional<SystemModel> system;
   std::optional<AdditionalModel> additional;
 
-  bool operator==(const ModelSet& other) const;
+  friend bool operator==(const ModelSet&, const ModelSet&) = default;
 };
 
-// Calls visit(key, model) for each model of the set, in the order of the published JSON.
+// Calls visit(key, slot...) for each kind of model, there or not, in the order of the published JSON, with its slot in
+// each of the sets. A slot is an optional of a model.
+template <typename Visit, typename... Sets>
+void forEachSlot(Visit visit, Sets&... sets) {
+  visit("voice", sets.voice...);
+  visit("multi", sets.multi...);
+  visit("arpeggio", sets.arpeggio...);
+  visit("master", sets.master...);
+  visit("remote", sets.remote...);
+  visit("system", sets.system...);
+  visit("additional", sets.additional...);
+}
+
+// Calls visit(key, model) for each model that is there.
 template <typename Set, typename Visit>
 void forEachModel(Set& set, Visit visit) {
-  if (set.voice) visit("voice", *set.voice);
-  if (set.multi) visit("multi", *set.multi);
-  if (set.arpeggio) visit("arpeggio", *set.arpeggio);
-  if (set.master) visit("master", *set.master);
-  if (set.remote) visit("remote", *set.remote);
-  if (set.system) visit("system", *set.system);
-  if (set.additional) visit("additional", *set.additional);
+  forEachSlot(
+      [&](const char* key, auto& slot) {
+        if (slot) visit(key, *slot);
+      },
+      set);
 }
 
 bool haveSameShape(const ModelSet& a, const ModelSet& b);

@@ -1,0 +1,7 @@
+#include "models/ContentStore.h"
+
+namespace Editor {
+
+ContentStore::~ContentStore() = default;
+
+}  // namespace Editor

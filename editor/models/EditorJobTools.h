@@ -1,0 +1,168 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "CMA/JobTools.h"
+#include "models/ContentStore.h"
+
+namespace Editor {
+
+// Live models that cannot be read from the store: going on would overwrite them.
+class LiveModelError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The embedded editor's models and the jobs on them.
+//
+// Each edit buffer has live models of its own: one set each for the normal voice, the drum voice, the multi (and its
+// sixteen part voices), the performance, the master and the remote setting; the system settings and the additional
+// parameters are always live. The set that the last checked address named is "the live one". All of them are kept in
+// the store between two runs.
+class EditorJobTools final : public CMA::JobTools {
+ public:
+  // Loads the live models. The store and the manager, which may be null, outlive this object. Throws LiveModelError.
+  explicit EditorJobTools(ContentStore& store, EvtSrv::EventPortManager* manager = nullptr);
+  EditorJobTools(const EditorJobTools&) = delete;
+  EditorJobTools& operator=(const EditorJobTools&) = delete;
+
+  // ---- For the editor ----
+
+  // The live models of an edit buffer; `part` (0 to 15) counts for partVoice only. Valid until they are changed.
+  const ModelSet& live(EditBuffer buffer, std::uint8_t part = 0) const;
+  const ModelSet& liveSystem() const { return units_[kSystem].models; }
+  const ModelSet& liveAdditional() const { return units_[kAdditional].models; }
+  // The edit buffer whose models the getters hand out.
+  EditBuffer current() const { return current_; }
+
+  // Replaces live models as a footer does, and saves them. A multi brings fresh part voices where the kind of the
+  // part's voice changes. False, with nothing changed and lastStoreError() set, when the shape is another one or the
+  // store fails.
+  bool replaceLive(EditBuffer buffer, std::uint8_t part, const ModelSet& models);
+  bool replaceSystem(const ModelSet& models);
+  bool replaceAdditional(const ModelSet& models);
+
+  // Saves the live models that were changed since they were last saved and adds their keys to `saved`. False, with
+  // nothing saved and lastStoreError() set, when the store fails: they still count as changed.
+  bool saveChanged(std::vector<std::string>& saved);
+  // Forgets what is not saved and reads all live models anew: after a transaction around a save was taken back, or
+  // another program changed the store. Throws LiveModelError, nothing is changed then.
+  void reload();
+
+  // Why the last load, or the last store or save, failed; empty when it did not.
+  const std::string& lastLoadError() const { return loadError_; }
+  const std::string& lastStoreError() const { return storeError_; }
+
+  // Whether the change of a model would be echoed as MIDI now: not between suspendOutputMidi and resumeOutputMidi.
+  bool isOutputSuspended() const { return suspended_ != 0; }
+
+  // Replace the names of the waveforms (the first is number 1) and arpeggios (the first is number 0). Refused, with an
+  // answer that says which, when one is longer than 28 characters or has others than 20..7E, or when there are more
+  // than 1,024 waveforms or 256 arpeggios.
+  [[nodiscard]] std::string setWaveNames(std::vector<std::string> names);
+  [[nodiscard]] std::string setArpeggioNames(std::vector<std::string> names);
+
+  // ---- For the module ----
+
+  CMA::TemporaryCoreModel* createTemporaryModel() override;
+  void destroyTemporaryModel(CMA::TemporaryCoreModel* model) override;
+
+  bool initTemporaryVoiceModel(CMA::TemporaryCoreModel* model, std::uint16_t number, bool normalVoice) override;
+  bool initTemporaryMultiModel(CMA::TemporaryCoreModel* model, std::uint32_t state) override;
+  bool initTemporaryArpeggioModel(CMA::TemporaryCoreModel* model, bool ofVoice, std::uint16_t number,
+                                  bool asNew) override;
+  bool initTemporaryMasterModel(CMA::TemporaryCoreModel* model) override;
+  bool initTemporaryRemoteModel(CMA::TemporaryCoreModel* model) override;
+
+  CMA::VoiceParameterModel* getTemporaryVoiceModel(CMA::TemporaryCoreModel* model, std::uint16_t number) override;
+  CMA::MultiParameterModel* getTemporaryMultiModel(CMA::TemporaryCoreModel* model) override;
+  CMA::ArpeggioParameterModel* getTemporaryArpeggioModel(CMA::TemporaryCoreModel* model) override;
+  CMA::MasterParameterModel* getTemporaryMasterModel(CMA::TemporaryCoreModel* model) override;
+  CMA::RemoteParameterModel* getTemporaryRemoteModel(CMA::TemporaryCoreModel* model) override;
+
+  CMA::VoiceParameterModel* getVoiceModel(std::uint16_t number) override;
+  CMA::MultiParameterModel* getMultiModel() override;
+  CMA::ArpeggioParameterModel* getArpeggioModel() override;
+  CMA::MasterParameterModel* getMasterModel() override;
+  CMA::RemoteParameterModel* getRemoteModel() override;
+  CMA::SystemParameterModel* getSystemModel() override;
+  CMA::AdditionalParameterModel* getAdditionalModel() override;
+
+  unsigned long loadForReceivedSysExBulk(CMA::TemporaryCoreModel* model, std::uint8_t mid, std::uint8_t lo) override;
+  unsigned long storeForReceivedSysExBulk(CMA::TemporaryCoreModel* model, std::uint8_t mid, std::uint8_t lo) override;
+  unsigned long checkModeForReceivedSysExBulk(CMA::TemporaryCoreModel* model, unsigned char hi, unsigned char mid,
+                                              unsigned char lo) override;
+
+  std::uint32_t getVoiceContentNumber(std::uint8_t bank, std::uint8_t number) override;
+
+  void suspendOutputMidi() override { ++suspended_; }
+  void resumeOutputMidi() override;
+
+  unsigned long getWaveformContentName(std::uint32_t number, std::uint8_t bank, std::string& name) override;
+  unsigned long getArpeggioContentName(std::uint32_t number, std::uint8_t bank, std::string& name) override;
+
+  EvtSrv::EventPortManager* getEventPortManager() override { return manager_; }
+
+ private:
+  // One set of live models, kept in the store under one key.
+  struct Unit final : ChangeWatcher {
+    std::string key;
+    ModelSet models;
+    bool isChanged = false;  // since it was last saved
+
+    void changed() override { isChanged = true; }
+  };
+
+  // Watches the bank of one part of the live multi.
+  struct BankWatcher final : ChangeWatcher {
+    EditorJobTools* tools = nullptr;
+    std::size_t part = 0;
+
+    void changed() override;
+  };
+
+  enum UnitIndex : std::size_t {
+    kNormalVoice,
+    kDrumVoice,
+    kMulti,
+    kPerformance,
+    kMaster,
+    kRemote,
+    kSystem,
+    kAdditional,
+    kFirstPart,
+    kUnitCount = kFirstPart + kParts
+  };
+
+  struct Replacement {
+    std::size_t unit;
+    ModelSet models;
+  };
+
+  static std::size_t unitOf(EditBuffer buffer, std::uint8_t part);
+  static bool playsDrums(const MultiModel& multi, std::size_t part);
+  ModelSet& currentModels() { return units_[unitOf(current_, 0)].models; }
+
+  void watch(std::size_t unit);
+  bool replace(std::vector<Replacement> replacements);
+  bool save(const std::vector<Replacement>& replacements);
+  unsigned long storeLive(EditBuffer buffer, std::uint8_t part, const ModelSet& models);
+  unsigned long storeContent(ContentId id, const ModelSet& models);
+
+  ContentStore& store_;
+  EvtSrv::EventPortManager* manager_;
+  std::array<Unit, kUnitCount> units_;
+  std::array<BankWatcher, kParts> bankWatchers_;
+  EditBuffer current_ = EditBuffer::multi;
+  int suspended_ = 0;
+  std::string loadError_;
+  std::string storeError_;
+  std::vector<std::string> waveNames_;
+  std::vector<std::string> arpeggioNames_;
+};
+
+}  // namespace Editor

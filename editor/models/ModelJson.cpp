@@ -1,0 +1,203 @@
+#include "models/ModelJson.h"
+
+#include <set>
+#include <vector>
+
+namespace Editor {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// ---- Names: bytes of ISO 8859-1 here, UTF-8 there -------------------------------------------------------------------
+
+std::string toUtf8(const std::string& bytes) {
+  std::string utf8;
+  for (const char byte : bytes) {
+    const auto code = static_cast<unsigned char>(byte);
+    if (code < 0x80) {
+      utf8 += byte;
+    } else {
+      utf8 += char(0xC0 | code >> 6);
+      utf8 += char(0x80 | (code & 0x3F));
+    }
+  }
+  return utf8;
+}
+
+// Null when a character is none of U+0001 to U+00FF.
+std::optional<std::string> fromUtf8(const std::string& utf8) {
+  std::string bytes;
+  for (std::size_t i = 0; i < utf8.size(); ++i) {
+    const auto lead = static_cast<unsigned char>(utf8[i]);
+    if (lead == 0) return std::nullopt;
+    if (lead < 0x80) {
+      bytes += utf8[i];
+      continue;
+    }
+    if ((lead != 0xC2 && lead != 0xC3) || i + 1 == utf8.size()) return std::nullopt;
+    const auto trail = static_cast<unsigned char>(utf8[++i]);
+    if ((trail & 0xC0) != 0x80) return std::nullopt;
+    bytes += char((lead & 0x03) << 6 | (trail & 0x3F));
+  }
+  return bytes;
+}
+
+// ---- Writing -------------------------------------------------------------------------------------------------------
+
+class Writer {
+ public:
+  void group(const char* key, const ArrayGroup& group) { json[key] = group.values(); }
+  void name(const char* key, const NameText& name) { json[key] = toUtf8(name.text()); }
+  template <typename Visit>
+  void list(const char* key, std::size_t count, Visit visit) {
+    Json outer = std::exchange(json, Json::object());
+    Json nodes = Json::array();
+    for (std::size_t i = 0; i < count; ++i) {
+      visit(i);
+      nodes.push_back(std::exchange(json, Json::object()));
+    }
+    json = std::move(outer);
+    json[key] = std::move(nodes);
+  }
+
+  Json json = Json::object();
+};
+
+// ---- Reading -------------------------------------------------------------------------------------------------------
+
+std::string joined(const std::string& path, const std::string& key) { return path.empty() ? key : path + '.' + key; }
+std::string indexed(const std::string& path, std::size_t i) { return path + '[' + std::to_string(i) + ']'; }
+
+// Fills one model, stopping at the first error.
+class Reader {
+ public:
+  // Reads the object at `path`: `visit` asks for each of its keys.
+  template <typename Visit>
+  void object(const Json& json, const std::string& path, Visit visit) {
+    if (!json.is_object()) return fail(path.empty() ? "the document" : path, "an object is expected");
+    const Object outer = std::exchange(object_, Object{&json, path, {}});
+    visit();
+    for (const auto& [key, value] : json.items())
+      if (object_.keys.count(key) == 0) fail(joined(path, key), "unknown key");
+    object_ = outer;
+  }
+
+  const Json* find(const std::string& key) {
+    object_.keys.insert(key);
+    if (error) return nullptr;
+    const auto found = object_.json->find(key);
+    if (found != object_.json->end()) return &*found;
+    fail(joined(object_.path, key), "missing");
+    return nullptr;
+  }
+
+  void group(const char* key, ArrayGroup& group) {
+    const Json* const values = array(key, group.values().size());
+    if (values == nullptr) return;
+    const std::string path = joined(object_.path, key);
+    std::vector<std::uint16_t> numbers;
+    for (const Json& value : *values) {
+      if (!value.is_number_integer() || value < 0 || value > group.maximum())
+        return fail(indexed(path, numbers.size()),
+                    shown(value) + " is no integer from 0 to " + std::to_string(group.maximum()));
+      numbers.push_back(value.get<std::uint16_t>());
+    }
+    group.assign(numbers);
+  }
+
+  void name(const char* key, NameText& name) {
+    const Json* const value = find(key);
+    if (value == nullptr) return;
+    const std::string path = joined(object_.path, key);
+    if (!value->is_string()) return fail(path, "a string is expected");
+    const std::optional<std::string> bytes = fromUtf8(value->get_ref<const std::string&>());
+    if (!bytes) return fail(path, "a name has no other characters than U+0001 to U+00FF");
+    if (!name.assign(*bytes)) fail(path, "longer than " + std::to_string(name.capacity()) + " characters");
+  }
+
+  template <typename Visit>
+  void list(const char* key, std::size_t count, Visit visit) {
+    const Json* const nodes = array(key, count);
+    if (nodes == nullptr) return;
+    const std::string path = joined(object_.path, key);
+    for (std::size_t i = 0; i < count && !error; ++i) object((*nodes)[i], indexed(path, i), [&] { visit(i); });
+  }
+
+  std::optional<std::string> error;
+
+ private:
+  struct Object {
+    const Json* json;
+    std::string path;
+    std::set<std::string> keys;  // that were asked for
+  };
+
+  static std::string shown(const Json& value) { return value.is_number() ? value.dump() : value.type_name(); }
+
+  void fail(const std::string& path, const std::string& what) {
+    if (!error) error = path + ": " + what;
+  }
+
+  const Json* array(const char* key, std::size_t length) {
+    const Json* const value = find(key);
+    if (value == nullptr) return nullptr;
+    const std::string path = joined(object_.path, key);
+    if (!value->is_array()) {
+      fail(path, "an array is expected");
+      return nullptr;
+    }
+    if (value->size() != length) {
+      fail(path, std::to_string(value->size()) + " entries instead of " + std::to_string(length));
+      return nullptr;
+    }
+    return value;
+  }
+
+  Object object_{nullptr, {}, {}};
+};
+
+}  // namespace
+
+Json toJson(const ModelSet& models) {
+  Json json = Json::object();
+  forEachModel(models, [&](const char* key, const auto& model) {
+    Writer writer;
+    visitFields(model, writer);
+    json[key] = std::move(writer.json);
+  });
+  return json;
+}
+
+std::optional<std::string> fromJson(const Json& json, ModelSet& models) {
+  ModelSet read = models;
+  Reader reader;
+  reader.object(json, "", [&] {
+    forEachModel(read, [&](const char* key, auto& model) {
+      if (const Json* const found = reader.find(key)) reader.object(*found, key, [&] { visitFields(model, reader); });
+    });
+  });
+  if (!reader.error) models = read;
+  return reader.error;
+}
+
+std::optional<std::string> parseJson(std::string_view text, Json& json) {
+  std::vector<std::set<std::string>> open;  // the keys so far of each object around the parser's place
+  std::optional<std::string> error;
+  const auto watch = [&](int /*depth*/, Json::parse_event_t event, Json& parsed) {
+    if (event == Json::parse_event_t::object_start) open.emplace_back();
+    if (event == Json::parse_event_t::object_end) open.pop_back();
+    if (event == Json::parse_event_t::key && !open.back().insert(parsed.get<std::string>()).second && !error)
+      error = "key " + parsed.dump() + " occurs twice in an object";
+    return true;
+  };
+  try {
+    Json parsed = Json::parse(text, watch);
+    if (!error) json = std::move(parsed);
+  } catch (const Json::exception& exception) {
+    error = exception.what();
+  }
+  return error;
+}
+
+}  // namespace Editor

@@ -1,0 +1,116 @@
+#include "models/ModelSet.h"
+
+#include <unordered_map>
+
+namespace Editor {
+
+bool haveSameShape(const ModelSet& a, const ModelSet& b) {
+  bool same = !a.voice || !b.voice || a.voice->isDrum() == b.voice->isDrum();
+  forEachSlot(
+      [&](const char* /*key*/, const auto& left, const auto& right) {
+        if (left.has_value() != right.has_value()) same = false;
+      },
+      a, b);
+  return same;
+}
+
+ModelSet emptySetFor(unsigned headerType, bool drum) {
+  ModelSet set;
+  if (headerType >= 1 && headerType <= 10)
+    set.voice.emplace(headerType == 9 ? drum : headerType >= 5 && headerType <= 8);
+  if (headerType >= 1 && headerType <= 13) {
+    set.multi.emplace();
+    set.arpeggio.emplace();
+  }
+  if (headerType == 14 || headerType == 15) set.master.emplace();
+  if (headerType == 16 || headerType == 17) set.remote.emplace();
+  return set;
+}
+
+ModelSet emptySetFor(ContentId id) {
+  constexpr unsigned kMixingVoice = 10;
+  constexpr unsigned kMulti = 11;
+  if (const std::optional<MidLo> header = headerOf(id)) return emptySetFor(headerTypeOf(*header));
+  if (isMixingVoice(id)) return emptySetFor(kMixingVoice);
+  return emptySetFor(isContent(id) && id.type == ContSrv::ContType_Multi ? kMulti : 0);
+}
+
+std::string nameOf(const ModelSet& set) {
+  if (set.voice) return set.voice->name.text();
+  if (set.multi) return set.multi->name.text();
+  if (set.master) return set.master->name.text();
+  if (set.remote) return set.remote->name1.text();
+  return {};
+}
+
+namespace {
+
+struct Field {
+  std::string path;
+  const ArrayGroup* group;
+  const NameText* name;
+  std::size_t count;  // of a list, otherwise 0
+};
+
+// Lists the fields of a model with their paths; a list comes before its nodes.
+class FieldLister {
+ public:
+  FieldLister(std::string path, std::vector<Field>& fields) : path_(std::move(path)), fields_(fields) {}
+
+  void group(const char* key, const ArrayGroup& group) { fields_.push_back({path_ + '.' + key, &group, nullptr, 0}); }
+  void name(const char* key, const NameText& name) { fields_.push_back({path_ + '.' + key, nullptr, &name, 0}); }
+  template <typename Visit>
+  void list(const char* key, std::size_t count, Visit visit) {
+    const std::string outer = path_;
+    const std::string list = outer + '.' + key;
+    fields_.push_back({list, nullptr, nullptr, count});
+    for (std::size_t i = 0; i < count; ++i) {
+      path_ = list + '[' + std::to_string(i) + ']';
+      visit(i);
+    }
+    path_ = outer;
+  }
+
+ private:
+  std::string path_;
+  std::vector<Field>& fields_;
+};
+
+template <typename Model>
+std::vector<Field> fieldsOf(const char* key, const Model& model) {
+  std::vector<Field> fields;
+  FieldLister lister(key, fields);
+  visitFields(model, lister);
+  return fields;
+}
+
+void compare(const std::vector<Field>& left, const std::vector<Field>& right, std::vector<std::string>& paths) {
+  std::unordered_map<std::string, const Field*> others;
+  for (const Field& field : right) others.emplace(field.path, &field);
+  for (const Field& field : left) {
+    const auto found = others.find(field.path);
+    if (found == others.end()) continue;  // in a list that has been named already
+    const Field& other = *found->second;
+    if (field.count != other.count) paths.push_back(field.path);
+    if (field.name != nullptr && !(*field.name == *other.name)) paths.push_back(field.path);
+    if (field.group == nullptr) continue;
+    for (std::size_t i = 0; i < field.group->values().size(); ++i)
+      if (field.group->values()[i] != other.group->values()[i])
+        paths.push_back(field.path + '[' + std::to_string(i) + ']');
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> differingPaths(const ModelSet& a, const ModelSet& b) {
+  std::vector<std::string> paths;
+  forEachSlot(
+      [&](const char* key, const auto& left, const auto& right) {
+        if (left.has_value() != right.has_value()) paths.push_back(key);
+        if (left && right) compare(fieldsOf(key, *left), fieldsOf(key, *right), paths);
+      },
+      a, b);
+  return paths;
+}
+
+}  // namespace Editor
