@@ -85,13 +85,12 @@ enum class Found { Nothing, Library, Other };
 Found look(sqlite3* handle) {
   sqlite3_file* file = nullptr;
   sqlite3_file_control(handle, "main", SQLITE_FCNTL_FILE_POINTER, &file);
-  sqlite3_int64 size = 0;
-  if (file->pMethods->xFileSize(file, &size) != SQLITE_OK) throw SQLite::Exception("disk I/O error", SQLITE_IOERR);
-  if (size == 0) return Found::Nothing;
-
   constexpr std::size_t kApplicationIdOffset = 68;
   std::array<unsigned char, 100> header{};
-  const int result = file->pMethods->xRead(file, header.data(), int(header.size()), 0);
+  // Not the size: SQLite calls a file of one byte empty.
+  int result = file->pMethods->xRead(file, header.data(), 1, 0);
+  if (result == SQLITE_IOERR_SHORT_READ) return Found::Nothing;
+  if (result == SQLITE_OK) result = file->pMethods->xRead(file, header.data(), int(header.size()), 0);
   if (result == SQLITE_IOERR_SHORT_READ) return Found::Other;
   if (result != SQLITE_OK) throw SQLite::Exception("disk I/O error", result);
   constexpr std::string_view kMagic("SQLite format 3\0", 16);

@@ -47,23 +47,6 @@ bool ModelStore::storeModels(ContentId id, const std::string& name, const ModelS
   });
 }
 
-// Not empty: then whoever stores there next learns of the failure.
-bool ModelStore::isEmpty(ContentId id) {
-  std::string why;
-  return attempt(false, why, [&] { return !library_.contentName(id).has_value(); });
-}
-
-// None stored, none possible: full.
-std::int64_t ModelStore::mixingVoiceCount() {
-  std::string why;
-  return attempt(std::int64_t(0), why, [&] { return library_.mixingVoiceCount(); });
-}
-
-std::int64_t ModelStore::mixingVoiceMaximum() {
-  std::string why;
-  return attempt(std::int64_t(0), why, [&] { return library_.mixingVoiceMaximum(); });
-}
-
 ContentStore::Loaded ModelStore::loadLive(const std::string& key, ModelSet& models, std::string& why) {
   return attempt(Loaded::failed, why, [&] {
     const std::optional<Library::Bytes> bytes = library_.live(key);

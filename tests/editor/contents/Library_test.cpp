@@ -1,0 +1,526 @@
+#include "contents/Library.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <functional>
+#include <optional>
+#include <thread>
+
+#include <rapidcheck.h>
+
+#include "editor/contents/TemporaryLibrary.h"
+
+namespace Editor {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using Bytes = Library::Bytes;
+using Content = Library::Content;
+using Kind = LibraryError::Kind;
+using std::chrono::milliseconds;
+
+constexpr ContentId kVoice{4, 0x3F0805};
+constexpr ContentId kMulti{1, 7};
+constexpr ContentId kBank15Voice{4, 0x3F3C03};
+constexpr ContentId kSameMixingVoice{4, 0x3F8003};
+
+struct LibraryTest : ::testing::Test {
+  std::optional<LibraryError> errorOf(const std::function<void()>& operation) {
+    try {
+      operation();
+    } catch (const LibraryError& error) {
+      return error;
+    }
+    return std::nullopt;
+  }
+  std::optional<LibraryError> errorOfOpening(const std::filesystem::path& path) {
+    return errorOf([&] { Library library(path, {.busyTimeout = milliseconds(50)}); });
+  }
+
+  TemporaryDirectory directory;
+  std::filesystem::path file = directory / "library.db";
+};
+
+// ---- Opening --------------------------------------------------------------------------------------------------------
+
+TEST_F(LibraryTest, IsCreatedWithItsDirectory) {
+  const auto deep = directory / "a/b/library.db";
+  { Library library(deep); }
+  PlainDatabase plain(deep);
+  EXPECT_EQ(plain("PRAGMA journal_mode"), "wal");
+  EXPECT_EQ(plain("PRAGMA application_id"), std::to_string(0x4244414C));
+  EXPECT_EQ(plain("PRAGMA user_version"), "1");
+  EXPECT_EQ(plain("PRAGMA integrity_check"), "ok");
+}
+
+TEST_F(LibraryTest, StartsEmpty) {
+  Library library(file);
+  EXPECT_THAT(library.contents(), IsEmpty());
+  EXPECT_THAT(library.favourites(), IsEmpty());
+  EXPECT_THAT(library.liveKeys(), IsEmpty());
+  EXPECT_EQ(library.mixingVoiceCount(), 0);
+  EXPECT_EQ(library.mixingVoiceMaximum(), 2048);
+}
+
+TEST_F(LibraryTest, AnEmptyFileBecomesALibrary) {
+  writeFile(file, "");
+  Library library(file);
+  library.store(kVoice, Bytes{1}, "x");
+  EXPECT_TRUE(library.content(kVoice));
+}
+
+TEST_F(LibraryTest, KeepsEverythingWhenItIsOpenedAgain) {
+  {
+    Library library(file);
+    library.store(kVoice, Bytes{1, 2, 3}, "Piano");
+    library.setFavourite(kMulti, 1);
+    library.storeLive("system", Bytes{9});
+    library.set("mixing-voices", 5);
+  }
+  Library library(file);
+  EXPECT_EQ(library.content(kVoice), (Content{"Piano", {1, 2, 3}}));
+  EXPECT_EQ(library.favourite(kMulti), 1);
+  EXPECT_EQ(library.live("system"), Bytes{9});
+  EXPECT_EQ(library.mixingVoiceMaximum(), 5);
+}
+
+TEST_F(LibraryTest, ARandomFileIsRefusedAndUntouched) {
+  for (const std::string& bytes :
+       {std::string("x"), std::string(99, 'y'), std::string(5000, 'z'), std::string(4096, '\0'),
+        std::string("SQLite format 3\0", 16), std::string("SQLite format 3\0", 16) + std::string(4080, '\0')}) {
+    writeFile(file, bytes);
+    const auto error = errorOfOpening(file);
+    ASSERT_TRUE(error) << bytes.size();
+    EXPECT_EQ(error->kind(), Kind::NotALibrary);
+    EXPECT_EQ(error->what(), file.string() + " is no library");
+    EXPECT_EQ(bytesOfFile(file), bytes);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory.path()), {}), 1);
+  }
+}
+
+TEST_F(LibraryTest, AForeignDatabaseIsRefusedAndUntouched) {
+  { PlainDatabase{file}("CREATE TABLE contents(a); INSERT INTO contents VALUES(1)"); }
+  const std::string before = bytesOfFile(file);
+  const auto error = errorOfOpening(file);
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->kind(), Kind::NotALibrary);
+  EXPECT_EQ(bytesOfFile(file), before);
+}
+
+// To read such a database through SQLite would write its log back into it.
+TEST_F(LibraryTest, AForeignDatabaseWithALogOfItsOwnIsUntouched) {
+  const auto original = directory / "original.db";
+  PlainDatabase living(original);
+  living("PRAGMA journal_mode = WAL; CREATE TABLE t(a); INSERT INTO t VALUES(1)");
+  std::filesystem::copy_file(original, file);
+  std::filesystem::copy_file(original.string() + "-wal", file.string() + "-wal");
+  const std::string before = bytesOfFile(file);
+  const std::string log = bytesOfFile(file.string() + "-wal");
+  ASSERT_FALSE(log.empty());
+
+  EXPECT_EQ(errorOfOpening(file)->kind(), Kind::NotALibrary);
+  EXPECT_EQ(bytesOfFile(file), before);
+  EXPECT_EQ(bytesOfFile(file.string() + "-wal"), log);
+  EXPECT_FALSE(std::filesystem::exists(file.string() + "-shm"));
+}
+
+TEST_F(LibraryTest, ALibraryOfANewerVersionIsRefusedAndUntouched) {
+  { Library library(file); }
+  { PlainDatabase{file}("PRAGMA user_version = 2"); }
+  const std::string before = bytesOfFile(file);
+  const auto error = errorOfOpening(file);
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->kind(), Kind::NewerVersion);
+  EXPECT_THAT(error->what(), HasSubstr(file.string()));
+  EXPECT_THAT(error->what(), HasSubstr("newer version"));
+  EXPECT_EQ(bytesOfFile(file), before);
+}
+
+TEST_F(LibraryTest, WhatCannotBeOpenedIsNamed) {
+  for (const std::filesystem::path& path : {directory.path(), file / "below-a-file.db"}) {
+    writeFile(file, "a file");
+    const auto error = errorOfOpening(path);
+    ASSERT_TRUE(error) << path;
+    EXPECT_EQ(error->kind(), Kind::CannotOpen);
+    EXPECT_THAT(error->what(), HasSubstr(path.string()));
+  }
+  EXPECT_EQ(errorOfOpening("")->kind(), Kind::CannotOpen);
+}
+
+TEST_F(LibraryTest, AMissingTableIsDamage) {
+  { Library library(file); }
+  { PlainDatabase{file}("DROP TABLE favourites"); }
+  const auto error = errorOfOpening(file);
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->kind(), Kind::Damaged);
+  EXPECT_THAT(error->what(), HasSubstr(file.string() + " is damaged: no such table: favourites"));
+}
+
+TEST_F(LibraryTest, ATruncatedFileIsDamaged) {
+  {
+    Library library(file);
+    library.store(kVoice, Bytes(20000, 1), "x");
+  }
+  std::filesystem::resize_file(file, 5000);
+  const auto error = errorOfOpening(file);
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->kind(), Kind::Damaged);
+}
+
+TEST_F(LibraryTest, ALockedLibraryIsNamedAfterTheBusyTimeout) {
+  Library library(file, {.busyTimeout = milliseconds(50)});
+  PlainDatabase other(file);
+  other("BEGIN IMMEDIATE");
+  const auto error = errorOf([&] { library.store(kVoice, Bytes{1}, "x"); });
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->kind(), Kind::Locked);
+  EXPECT_THAT(error->what(), HasSubstr(file.string()));
+  other("COMMIT");
+  library.store(kVoice, Bytes{1}, "x");
+  EXPECT_TRUE(library.content(kVoice));
+}
+
+TEST_F(LibraryTest, ALockedLibraryCanStillBeOpenedAndRead) {
+  {
+    Library library(file);
+    library.store(kVoice, Bytes{1}, "x");
+  }
+  PlainDatabase other(file);
+  other("BEGIN IMMEDIATE");
+  Library library(file, {.busyTimeout = milliseconds(50)});
+  EXPECT_TRUE(library.content(kVoice));
+}
+
+// ---- Contents, flags, live models, settings -------------------------------------------------------------------------
+
+TEST_F(LibraryTest, KeepsAnyNameAndAnyBytes) {
+  Library library(file);
+  EXPECT_TRUE(rc::check([&](const std::string& name, const Bytes& bytes) {
+    library.store(kVoice, bytes, name);
+    RC_ASSERT(library.content(kVoice) == (Content{name, bytes}));
+    RC_ASSERT(library.contentName(kVoice) == name);
+  }));
+}
+
+TEST_F(LibraryTest, KeepsZerosAndBytesAbove7F) {
+  Library library(file);
+  const std::string name("a\0b\xFF\x80", 5);
+  library.store(kVoice, Bytes{0, 255, 0, 128}, name);
+  EXPECT_EQ(library.content(kVoice), (Content{name, {0, 255, 0, 128}}));
+}
+
+TEST_F(LibraryTest, StoringReplacesNameAndBytes) {
+  Library library(file);
+  library.store(kVoice, Bytes{1, 2}, "old");
+  library.store(kVoice, Bytes{3}, "");
+  EXPECT_EQ(library.content(kVoice), (Content{"", {3}}));
+  EXPECT_THAT(library.contents(), ElementsAre(kVoice));
+}
+
+TEST_F(LibraryTest, ListsContentsByTypeAndNumber) {
+  Library library(file);
+  for (const ContentId id : {ContentId{14, 0}, ContentId{4, 9}, ContentId{1, 127}, ContentId{4, 8}})
+    library.store(id, Bytes{1}, "");
+  EXPECT_THAT(library.contents(), ElementsAre(ContentId{1, 127}, ContentId{4, 8}, ContentId{4, 9}, ContentId{14, 0}));
+}
+
+TEST_F(LibraryTest, RenamesWhatIsThereAndNothingElse) {
+  Library library(file);
+  library.store(kVoice, Bytes{1}, "old");
+  EXPECT_TRUE(library.rename(kVoice, "new"));
+  EXPECT_FALSE(library.rename(kMulti, "new"));
+  EXPECT_EQ(library.content(kVoice), (Content{"new", {1}}));
+  EXPECT_FALSE(library.content(kMulti));
+}
+
+TEST_F(LibraryTest, TheTwoNumbersOfAMixingVoiceAreOneContent) {
+  Library library(file);
+  library.store(kSameMixingVoice, Bytes{1}, "Mix");
+  library.setFavourite(kSameMixingVoice, 1);
+  EXPECT_EQ(library.content(kBank15Voice), (Content{"Mix", {1}}));
+  EXPECT_EQ(library.favourite(kBank15Voice), 1);
+  EXPECT_THAT(library.contents(), ElementsAre(kBank15Voice));
+  library.store(kBank15Voice, Bytes{2}, "Mix");
+  EXPECT_EQ(library.mixingVoiceCount(), 1);
+  EXPECT_TRUE(library.rename(kSameMixingVoice, "Again"));
+  EXPECT_TRUE(library.remove(kSameMixingVoice));
+  EXPECT_THAT(library.contents(), IsEmpty());
+}
+
+TEST_F(LibraryTest, CountsMixingVoicesOfBothRangesOnce) {
+  Library library(file);
+  library.store({4, 0x3F3C00}, Bytes{1}, "");
+  library.store({4, 0x3F3C0F}, Bytes{1}, "");
+  library.store({4, 0x3F8000}, Bytes{1}, "");  // the first one again
+  library.store({4, 0x3F8010}, Bytes{1}, "");
+  library.store({4, 0x3F87FF}, Bytes{1}, "");
+  EXPECT_EQ(library.mixingVoiceCount(), 4);
+  for (const std::uint32_t number : {0x3F3B7Fu, 0x3F3C10u, 0x3F0800u, 0x000000u})
+    library.store({4, number}, Bytes{1}, "");
+  library.store({1, 5}, Bytes{1}, "");
+  EXPECT_EQ(library.mixingVoiceCount(), 4);
+}
+
+TEST_F(LibraryTest, AFavouriteFlagSurvivesTheRemovalOfItsContent) {
+  Library library(file);
+  library.store(kVoice, Bytes{1}, "x");
+  library.setFavourite(kVoice, 1);
+  EXPECT_TRUE(library.remove(kVoice));
+  EXPECT_FALSE(library.remove(kVoice));
+  EXPECT_EQ(library.favourite(kVoice), 1);
+}
+
+TEST_F(LibraryTest, KeepsAFavouriteFlagAsItCame) {
+  Library library(file);
+  for (unsigned flag = 0; flag <= 255; ++flag) library.setFavourite({4, flag}, std::uint8_t(flag));
+  for (unsigned flag = 0; flag <= 255; ++flag) EXPECT_EQ(library.favourite({4, flag}), flag);
+  EXPECT_EQ(library.favourites().size(), 255U);
+  library.setFavourite({4, 255}, 0);
+  EXPECT_EQ(library.favourites().size(), 254U);
+}
+
+TEST_F(LibraryTest, KeepsLiveModelsByKey) {
+  Library library(file);
+  EXPECT_FALSE(library.live("system"));
+  library.storeLive("system", Bytes{1});
+  library.storeLive("part:3", Bytes{});
+  library.storeLive("system", Bytes{2});
+  EXPECT_EQ(library.live("system"), Bytes{2});
+  EXPECT_EQ(library.live("part:3"), Bytes{});
+  EXPECT_THAT(library.liveKeys(), ElementsAre("part:3", "system"));
+}
+
+TEST_F(LibraryTest, AnUnsetSettingHasNoValue) {
+  Library library(file);
+  EXPECT_EQ(library.setting("anything"), std::nullopt);
+  library.set("anything", -1);
+  library.set("anything", 77);
+  EXPECT_EQ(library.setting("anything"), 77);
+}
+
+// ---- Transactions and changes ---------------------------------------------------------------------------------------
+
+TEST_F(LibraryTest, ATransactionIsSeenByOthersOnlyWhenCommitted) {
+  Library writer(file);
+  Library reader(file);
+  Library::Transaction transaction(writer);
+  writer.store(kVoice, Bytes{1}, "x");
+  EXPECT_TRUE(writer.content(kVoice));
+  EXPECT_FALSE(reader.content(kVoice));
+  transaction.commit();
+  EXPECT_TRUE(reader.content(kVoice));
+}
+
+TEST_F(LibraryTest, ATransactionThatEndsByAnExceptionLeavesNothing) {
+  Library library(file);
+  library.store(kVoice, Bytes{1}, "before");
+  library.setFavourite(kVoice, 1);
+  library.takeChanges();
+  const auto broken = [&] {
+    Library::Transaction transaction(library);
+    library.store(kVoice, Bytes{2}, "after");
+    library.store(kMulti, Bytes{2}, "after");
+    library.setFavourite(kVoice, 0);
+    library.storeLive("system", Bytes{2});
+    library.set("mixing-voices", 1);
+    throw std::runtime_error("stop");
+  };
+  EXPECT_THROW(broken(), std::runtime_error);
+  EXPECT_EQ(library.content(kVoice), (Content{"before", {1}}));
+  EXPECT_FALSE(library.content(kMulti));
+  EXPECT_EQ(library.favourite(kVoice), 1);
+  EXPECT_FALSE(library.live("system"));
+  EXPECT_EQ(library.mixingVoiceMaximum(), 2048);
+  EXPECT_THAT(library.takeChanges(), IsEmpty());
+}
+
+TEST_F(LibraryTest, AnInnerTransactionJoinsTheOuterOne) {
+  Library library(file);
+  Library other(file);
+  {
+    Library::Transaction outer(library);
+    {
+      Library::Transaction inner(library);
+      library.store(kVoice, Bytes{1}, "x");
+      inner.commit();
+    }
+    EXPECT_FALSE(other.content(kVoice));
+    EXPECT_THAT(library.takeChanges(), IsEmpty());
+  }
+  EXPECT_FALSE(library.content(kVoice));
+}
+
+TEST_F(LibraryTest, AnInnerTransactionTakesBackItsOwnPartOnly) {
+  Library library(file);
+  Library::Transaction outer(library);
+  library.store(kVoice, Bytes{1}, "x");
+  {
+    Library::Transaction inner(library);
+    library.store(kMulti, Bytes{1}, "x");
+    {
+      Library::Transaction innermost(library);
+      library.remove(kVoice);
+      innermost.commit();
+    }
+  }
+  outer.commit();
+  EXPECT_THAT(library.contents(), ElementsAre(kVoice));
+  EXPECT_THAT(library.takeChanges(), ElementsAre(Change{Change::Kind::Stored, kVoice}));
+}
+
+TEST_F(LibraryTest, TransactionsEndInReverseOrder) {
+  Library library(file);
+  std::optional<Library::Transaction> outer(library);
+  std::optional<Library::Transaction> inner(library);
+  EXPECT_THROW(outer->commit(), std::logic_error);
+  inner->commit();
+  EXPECT_THROW(inner->commit(), std::logic_error);
+  library.store(kVoice, Bytes{1}, "x");
+  inner.reset();
+  outer->commit();
+  EXPECT_TRUE(library.content(kVoice));
+}
+
+// SQLite ends a whole transaction by itself on some errors; what follows must not be written alone.
+TEST_F(LibraryTest, NothingIsWrittenInATransactionThatWasLost) {
+  Library library(file);
+  {
+    PlainDatabase{file}(
+        "CREATE TRIGGER full BEFORE INSERT ON contents WHEN new.number = 13 BEGIN "
+        "SELECT RAISE(ROLLBACK, 'disk full'); END");
+  }
+  {
+    Library::Transaction transaction(library);
+    library.store({1, 1}, Bytes{1}, "first");
+    EXPECT_EQ(errorOf([&] { library.store({1, 13}, Bytes{1}, "lost"); })->kind(), Kind::Failed);
+    EXPECT_EQ(errorOf([&] { library.store({1, 2}, Bytes{1}, "after"); })->kind(), Kind::Failed);
+    EXPECT_EQ(errorOf([&] { library.setFavourite({1, 2}, 1); })->kind(), Kind::Failed);
+    EXPECT_EQ(errorOf([&] { library.storeLive("system", Bytes{1}); })->kind(), Kind::Failed);
+    EXPECT_EQ(errorOf([&] { transaction.commit(); })->kind(), Kind::Failed);
+  }
+  EXPECT_THAT(library.contents(), IsEmpty());
+  EXPECT_EQ(library.favourite({1, 2}), 0);
+  EXPECT_FALSE(library.live("system"));
+  library.store({1, 1}, Bytes{1}, "works again");
+  EXPECT_TRUE(library.content({1, 1}));
+}
+
+TEST_F(LibraryTest, AReadTransactionHoldsOneState) {
+  Library reader(file);
+  Library writer(file);
+  Library::Transaction snapshot(reader, Library::Transaction::Access::Read);
+  EXPECT_THAT(reader.contents(), IsEmpty());
+  writer.store(kVoice, Bytes{1}, "x");
+  EXPECT_THAT(reader.contents(), IsEmpty());
+  snapshot.commit();
+  EXPECT_THAT(reader.contents(), ElementsAre(kVoice));
+}
+
+TEST_F(LibraryTest, ListsCommittedChangesInOrder) {
+  Library library(file);
+  library.store(kSameMixingVoice, Bytes{1}, "x");
+  library.rename(kSameMixingVoice, "y");
+  library.setFavourite(kSameMixingVoice, 1);
+  library.setFavourite(kSameMixingVoice, 1);  // changes nothing
+  library.remove(kSameMixingVoice);
+  library.remove(kSameMixingVoice);  // changes nothing
+  library.rename(kMulti, "nothing is there");
+  library.storeLive("system", Bytes{1});
+  EXPECT_THAT(library.takeChanges(),
+              ElementsAre(Change{Change::Kind::Stored, kBank15Voice}, Change{Change::Kind::Renamed, kBank15Voice},
+                          Change{Change::Kind::Flagged, kBank15Voice}, Change{Change::Kind::Removed, kBank15Voice}));
+  EXPECT_THAT(library.takeChanges(), IsEmpty());
+  EXPECT_EQ(library.changeCount(), 4U);
+}
+
+// ---- Several at a time ----------------------------------------------------------------------------------------------
+
+TEST_F(LibraryTest, WritersWaitForEachOther) {
+  constexpr std::uint32_t kEach = 40;
+  std::vector<std::thread> writers;
+  std::atomic<int> failures = 0;
+  for (std::uint32_t writer = 0; writer < 3; ++writer)
+    writers.emplace_back([&, writer] {
+      try {
+        Library library(file);  // all at once: one of them creates it
+        for (std::uint32_t i = 0; i < kEach; ++i) library.store({4, writer << 8 | i}, Bytes{std::uint8_t(i)}, "x");
+      } catch (const std::exception& error) {
+        ADD_FAILURE() << error.what();
+        ++failures;
+      }
+    });
+  for (std::thread& writer : writers) writer.join();
+  EXPECT_EQ(failures, 0);
+  EXPECT_EQ(Library(file).contents().size(), 3 * kEach);
+  EXPECT_EQ(PlainDatabase{file}("PRAGMA integrity_check"), "ok");
+}
+
+// The last program to leave a file takes its log away. To open a second library must not cost the first its locks, or
+// that would happen under its hands.
+TEST_F(LibraryTest, ASecondOneInTheSameProcessDoesNotUndoTheLocksOfTheFirst) {
+  std::array<int, 2> go{};
+  ASSERT_EQ(::pipe(go.data()), 0);
+  const pid_t child = ::fork();  // before SQLite knows the file: it would think the child's locks its own
+  if (child == 0) {
+    char byte = 0;
+    const bool told = ::read(go[0], &byte, 1) == 1;
+    if (told) Library(file).store(kMulti, Bytes{1}, "x");
+    ::_exit(told ? 0 : 1);
+  }
+  Library first(file);
+  first.store(kVoice, Bytes{1}, "x");
+  { Library second(file); }
+  EXPECT_EQ(::write(go[1], "x", 1), 1);
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  EXPECT_TRUE(std::filesystem::exists(file.string() + "-wal"));
+  EXPECT_EQ(first.contents().size(), 2U);
+  for (const int end : go) ::close(end);
+}
+
+// Transactions of 8 contents that all carry the same byte, killed at any moment.
+TEST_F(LibraryTest, AKilledWriterLeavesWholeTransactions) {
+#ifdef BDA_SAMPLED
+  constexpr int kKills = 5;
+#else
+  constexpr int kKills = 30;
+#endif
+  constexpr std::uint32_t kContents = 8;
+  int killedMidway = 0;
+  for (int kill = 0; kill < kKills; ++kill) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      Library library(file);
+      for (std::uint8_t round = 0;; ++round) {
+        Library::Transaction transaction(library);
+        for (std::uint32_t i = 0; i < kContents; ++i) library.store({1, i}, Bytes(3000, round), "x");
+        transaction.commit();
+      }
+    }
+    ::usleep(useconds_t(3000 + kill * 997 % 20000));
+    ::kill(child, SIGKILL);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status));
+
+    Library library(file);
+    const std::vector<ContentId> ids = library.contents();
+    ASSERT_TRUE(ids.empty() || ids.size() == kContents);
+    if (!ids.empty()) ++killedMidway;
+    for (const ContentId id : ids) ASSERT_EQ(library.content(id)->bytes, library.content({1, 0})->bytes);
+    ASSERT_EQ(PlainDatabase{file}("PRAGMA integrity_check"), "ok");
+  }
+  EXPECT_GT(killedMidway, 0);
+}
+
+}  // namespace
+}  // namespace Editor
