@@ -171,15 +171,17 @@ Library::Library(const std::filesystem::path& file, const Options& options)
     if (look(connection.getHandle()) == Found::Other) throw notALibrary();
     connection.exec("PRAGMA synchronous = FULL");
 
-    const auto isEmpty = [this] {
-      return database_->integer("PRAGMA application_id") == 0 &&
+    const auto isUnfinished = [this] {
+      return database_->integer("PRAGMA user_version") == 0 &&
              database_->integer("SELECT count(*) FROM sqlite_master") == 0;
     };
-    if (isEmpty()) {
+    if (isUnfinished()) {
+      // The id comes first and alone, in the only page that is written then: what a power cut leaves of the file is
+      // empty or says that it is ours.
+      connection.exec("PRAGMA application_id = " + std::to_string(kApplicationId));
       Transaction transaction(*this);
-      if (isEmpty()) {  // still: another program may have created it while we waited
+      if (isUnfinished()) {  // still: another program may have gone before us
         connection.exec(kSchema);
-        connection.exec("PRAGMA application_id = " + std::to_string(kApplicationId));
         connection.exec("PRAGMA user_version = " + std::to_string(kVersion));
       }
       transaction.commit();
