@@ -61,7 +61,7 @@ BDAErr BulkExecuter::getBulkDumpMessageImplement(std::vector<std::uint8_t>& mess
     return result;
   }
   if (const BDAErr result = writeBulkDumpHead(message); isFailure(result)) return result;
-  writeBulkDumpBody(message, data, dataLength_);
+  writeBulkDumpBody(message, address_, data, dataLength_);
   return BDA_OK;
 }
 
@@ -99,14 +99,18 @@ BDAErr BulkExecuter::writeBulkDumpHead(std::vector<std::uint8_t>& message) {
   return BDA_OK;
 }
 
-void BulkExecuter::writeBulkDumpBody(std::vector<std::uint8_t>& message, const std::uint8_t* data,
-                                     std::uint32_t length) const {
+void BulkExecuter::writeBulkDumpBody(std::vector<std::uint8_t>& message, const Address& address,
+                                     const std::uint8_t* data, std::uint32_t length) {
   message.push_back(std::uint8_t(length >> 7));
   message.push_back(length & 0x7F);
-  message.push_back(address_.getHi());
-  message.push_back(address_.getMid());
-  message.push_back(address_.getLo());
+  message.push_back(address.getHi());
+  message.push_back(address.getMid());
+  message.push_back(address.getLo());
   if (length > 0) message.insert(message.end(), data, data + length);
+  writeBulkDumpEnd(message);
+}
+
+void BulkExecuter::writeBulkDumpEnd(std::vector<std::uint8_t>& message) {
   constexpr unsigned long kStillToCome = 2;  // checksum and F7
   message.push_back(Utility::calcCheckSum(message.data(), message.size() + kStillToCome));
   message.push_back(kEndOfExclusive);

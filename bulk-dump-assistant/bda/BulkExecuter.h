@@ -83,7 +83,10 @@ class BulkExecuter {
   CMA::TemporaryCoreModel* getTemporaryModel() const { return temporaryModel_; }
 
   // Appends what follows the head of every dump: byte count, address, data, checksum and F7.
-  void writeBulkDumpBody(std::vector<std::uint8_t>& message, const std::uint8_t* data, std::uint32_t length) const;
+  static void writeBulkDumpBody(std::vector<std::uint8_t>& message, const Address& address, const std::uint8_t* data,
+                                std::uint32_t length);
+  // Appends the checksum of all that stands in `message`, and F7.
+  static void writeBulkDumpEnd(std::vector<std::uint8_t>& message);
 
   // BDA_OK when `length` is the block's and reaches at least to `touchedLength`, the end of what its layout touches.
   BDAErr checkLength(const BlockFailures& failures, const std::uint8_t* data, std::uint32_t length,

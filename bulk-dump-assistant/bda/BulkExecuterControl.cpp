@@ -151,7 +151,7 @@ BDAErr BulkExecuterHeader::getBulkDumpMessageImplement(std::vector<std::uint8_t>
   message.reserve(kDumpFrame);
   if (const BDAErr result = execBulkBlock(nullptr, 0, 0); isFailure(result)) return result;
   if (const BDAErr result = writeBulkDumpHead(message); isFailure(result)) return result;
-  writeBulkDumpBody(message, nullptr, 0);
+  writeBulkDumpBody(message, getAddress(), nullptr, 0);
   return BDA_OK;
 }
 
@@ -174,7 +174,7 @@ BDAErr BulkExecuterFooter::getBulkDumpMessageImplement(std::vector<std::uint8_t>
   message.clear();
   message.reserve(kDumpFrame);
   const BDAErr result = BDA_INFO_FOOTER | writeBulkDumpHead(message);
-  if (!isFailure(result)) writeBulkDumpBody(message, nullptr, 0);
+  if (!isFailure(result)) writeBulkDumpBody(message, getAddress(), nullptr, 0);
   return result;
 }
 

@@ -3,6 +3,9 @@
 #include <new>
 
 #include "BulkExecuterControl.h"
+#include "BulkExecuterEditor.h"
+#include "BulkExecuterFavorite.h"
+#include "BulkExecuterFileDump.h"
 #include "BulkExecuterMaster.h"
 #include "BulkExecuterMulti.h"
 #include "BulkExecuterPerf.h"
@@ -14,19 +17,27 @@
 namespace BDA {
 namespace {
 
-struct CommonArguments {
+struct Arguments {
+  EvtSrv::EventPortManager* eventPortManager;
   std::vector<CMA::JobReceiver*>* jobReceivers;
   CMA::JobTools* jobTools;
   CMA::TemporaryCoreModel* temporaryModel;
+  ContSrv::Work* work;
   ExecuterSharedState* sharedState;
 };
 
-using Make = BulkExecuter* (*)(const CommonArguments& common, std::uint32_t dataLength);
+using Make = BulkExecuter* (*)(const Arguments& arguments, std::uint32_t dataLength);
 
 template <typename Executer>
-BulkExecuter* make(const CommonArguments& common, std::uint32_t dataLength) {
+BulkExecuter* make(const Arguments& arguments, std::uint32_t dataLength) {
   return new (std::nothrow)
-      Executer(common.jobReceivers, common.jobTools, common.temporaryModel, common.sharedState, dataLength);
+      Executer(arguments.jobReceivers, arguments.jobTools, arguments.temporaryModel, arguments.sharedState, dataLength);
+}
+
+BulkExecuter* makeFileDump(const Arguments& arguments, std::uint32_t dataLength) {
+  return new (std::nothrow)
+      BulkExecuterFileDump(arguments.jobReceivers, arguments.jobTools, arguments.temporaryModel, arguments.sharedState,
+                           dataLength, arguments.eventPortManager, arguments.work);
 }
 
 struct Executers {
@@ -86,18 +97,70 @@ constexpr std::array kExecuters{
     Executers{54, 54, make<BulkExecuterSystemUserQuickSetup>},
     Executers{55, 55, make<BulkExecuterSystemSeq>},
     Executers{56, 56, make<BulkExecuterSystemRemote>},
+    Executers{57, 57, make<BulkExecuterEditorWaveName>},  // editor
+    Executers{58, 58, make<BulkExecuterEditorArpName>},
+    Executers{59, 59, make<BulkExecuterEditorMultiName>},
+    Executers{60, 60, makeFileDump},
+    Executers{61, 61, make<BulkExecuterScreenCap>},
 };
+
+// The banks of voices whose favourite flags travel, in the order in which the editor is asked for their content
+// numbers.
+struct Bank {
+  std::uint8_t code;
+  std::uint8_t count;
+};
+constexpr std::array<Bank, 15> kFavoriteBanks{{
+    {0, 128},
+    {1, 128},
+    {2, 128},
+    {3, 128},
+    {4, 128},
+    {5, 128},
+    {6, 128},
+    {7, 128},
+    {8, 128},
+    {9, 128},
+    {10, 128},
+    {13, 128},
+    {11, 64},
+    {12, 32},
+    {14, 1},
+}};
+constexpr std::size_t kFirstFavorite = 62;
+// There is one favourite executer more than there are banks, after the user banks. No block has it, and its range is
+// fixed.
+constexpr std::size_t kFavoriteOfNoBank = 73;
+
+struct NumberRange {
+  std::uint32_t first;
+  std::uint32_t end;
+};
+constexpr NumberRange kRangeOfNoBank{0xCCCCCCCC, 3};
 
 }  // namespace
 
-BulkExecuterCreator::BulkExecuterCreator(EvtSrv::EventPortManager* /*eventPortManager*/,
+BulkExecuterCreator::BulkExecuterCreator(EvtSrv::EventPortManager* eventPortManager,
                                          std::vector<CMA::JobReceiver*>* jobReceivers, CMA::JobTools* jobTools,
-                                         CMA::TemporaryCoreModel* temporaryModel, ContSrv::Work* /*work*/)
+                                         CMA::TemporaryCoreModel* temporaryModel, ContSrv::Work* work)
     : executers_{} {
-  const CommonArguments common{jobReceivers, jobTools, temporaryModel, &sharedState_};
+  const Arguments arguments{eventPortManager, jobReceivers, jobTools, temporaryModel, work, &sharedState_};
   for (const Executers& row : kExecuters)
     for (std::size_t number = row.first; number <= row.last; ++number)
-      executers_[number - 1] = row.make(common, kExecuterDataLength[number]);
+      executers_[number - 1] = row.make(arguments, kExecuterDataLength[number]);
+
+  std::array<NumberRange, kFavoriteBanks.size()> ranges{};
+  for (std::size_t i = 0; i < ranges.size(); ++i) {
+    ranges[i].first = jobTools->getVoiceContentNumber(kFavoriteBanks[i].code, 0);
+    ranges[i].end = jobTools->getVoiceContentNumber(kFavoriteBanks[i].code, kFavoriteBanks[i].count);
+  }
+  const NumberRange* next = ranges.data();
+  for (std::size_t number = kFirstFavorite; number <= kExecuterCount; ++number) {
+    const NumberRange& range = number == kFavoriteOfNoBank ? kRangeOfNoBank : *next++;
+    executers_[number - 1] = new (std::nothrow)
+        BulkExecuterFavorite(jobReceivers, jobTools, temporaryModel, &sharedState_, kExecuterDataLength[number], work,
+                             ContSrv::ContType_Voice, range.first, range.end);
+  }
 }
 
 BulkExecuterCreator::~BulkExecuterCreator() {
