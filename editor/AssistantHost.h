@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "bda/BulkDumpAssistant.h"
+#include "models/EditorJobTools.h"
+
+namespace Editor {
+
+// An assistant with an editor around it, over any store of contents: hands messages to it and tells what it did. One
+// thread uses it.
+class AssistantHost {
+ public:
+  struct Sent {
+    BDA::DevicePortNum port;
+    std::vector<std::uint8_t> bytes;
+  };
+
+  // What one message did.
+  struct Effects {
+    BDA::BulkMsgType result = BDA::BulkMsg_NotSysEx;
+    std::vector<std::uint16_t> shown;  // ids given to the message model, in order
+    std::vector<std::string> log;      // the tracer's texts as they came
+    std::vector<Sent> sent;            // echo, notices and answers, in order
+  };
+
+  // `store` and `work`, which may be null, outlive this object. Throws what EditorJobTools throws.
+  AssistantHost(ContentStore& store, ContSrv::Work* work);
+  AssistantHost(const AssistantHost&) = delete;
+  AssistantHost& operator=(const AssistantHost&) = delete;
+  ~AssistantHost();
+
+  EditorJobTools& tools();
+  const EditorJobTools& tools() const;
+
+  // One complete message, F0 to F7.
+  Effects handle(std::span<const std::uint8_t> message, BDA::DevicePortNum port);
+
+ private:
+  struct Parts;
+  std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace Editor

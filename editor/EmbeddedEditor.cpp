@@ -1,0 +1,306 @@
+#include "EmbeddedEditor.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string_view>
+
+#include "AddressRows.h"
+
+namespace Editor {
+
+namespace {
+
+constexpr std::uint8_t kTriggerHi = 0x11;
+constexpr std::uint8_t kFileDumpHi = 0x0C;
+constexpr std::uint16_t kStillReceiving = 11;    // the id that stays on the screen while a unit is open
+constexpr std::uint16_t kFirstResettingId = 41;  // from here on the shown ids tell that the open header was forgotten
+
+bool isList(BulkAddress address, BDA::List list) { return BDA::listOf(address.hi) == std::size_t(list); }
+
+bool isEditBufferFooter(BulkAddress address) {
+  return address.hi == BDA::kFooterHi && editBufferOf(address.mid).has_value();
+}
+
+std::uint16_t lastShown(const Record& record) { return record.shown.empty() ? std::uint16_t(0) : record.shown.back(); }
+
+// By what was shown and written: the result alone does not tell how a dump fared.
+Outcome outcomeOf(const Record& record, const Reading& reading, bool libraryChanged) {
+  const bool isDump = reading.kind == Reading::Kind::dump;
+  switch (record.result) {
+    case BDA::BulkMsg_OtherModel:
+    case BDA::BulkMsg_NotSysEx:
+      return Outcome::notOurs;
+    case BDA::BulkMsg_Type1:
+    case BDA::BulkMsg_Type3:
+    case BDA::BulkMsg_Type4:
+      return Outcome::ignored;
+    case BDA::BulkMsg_DeviceNumberOff:
+    case BDA::BulkMsg_WrongDeviceNumber:
+      return record.shown.empty() ? Outcome::ignored : Outcome::refused;
+    case BDA::BulkMsg_CheckSumError:
+    case BDA::BulkMsg_ReceiveSwOff:
+    case BDA::BulkMsg_ReceiveError:
+      return Outcome::refused;
+    case BDA::BulkMsg_RequestSkipped:
+      return record.log.empty() ? Outcome::nothingToSend : Outcome::refused;
+    case BDA::BulkMsg_BulkRequest:
+      if (!record.log.empty()) return Outcome::refused;
+      return record.sent.empty() ? Outcome::ignored : Outcome::answered;
+    case BDA::BulkMsg_BulkDump:
+      break;
+  }
+  // The header of an empty mixing voice: its footer will say so again, and is acted upon.
+  if (isDump && reading.address->hi == BDA::kHeaderHi && marksEmptyVoice(*reading.address)) return Outcome::ignored;
+  if (!record.log.empty()) return Outcome::refused;
+  if (libraryChanged) return Outcome::stored;
+  if (record.shown.empty()) return Outcome::ignored;
+  return lastShown(record) == kStillReceiving ? Outcome::accepted : Outcome::completed;
+}
+
+// Whether the assistant now waits for a header again.
+bool hasForgottenHeader(const Record& record) {
+  if (record.shown.empty()) return false;
+  switch (record.result) {
+    case BDA::BulkMsg_BulkDump:
+      return record.outcome == Outcome::completed || record.outcome == Outcome::stored ||
+             lastShown(record) >= kFirstResettingId;
+    case BDA::BulkMsg_BulkRequest:
+    case BDA::BulkMsg_RequestSkipped:
+    case BDA::BulkMsg_DeviceNumberOff:
+    case BDA::BulkMsg_WrongDeviceNumber:
+    case BDA::BulkMsg_ReceiveSwOff:
+    case BDA::BulkMsg_ReceiveError:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// The tracer's messages without their places, on one line.
+std::string messagesOf(const std::vector<std::string>& log) {
+  constexpr std::string_view kPlace = "..\\";
+  std::string text;
+  for (const std::string& line : log) {
+    if (line.compare(0, kPlace.size(), kPlace) == 0) continue;
+    const std::size_t end = line.find_last_not_of(" \n");
+    if (!text.empty()) text += "; ";
+    text += line.substr(0, end == line.npos ? 0 : end + 1);
+  }
+  return text;
+}
+
+}  // namespace
+
+const char* wordOf(Outcome outcome) {
+  switch (outcome) {
+    case Outcome::notOurs:
+      return "not-ours";
+    case Outcome::ignored:
+      return "ignored";
+    case Outcome::refused:
+      return "refused";
+    case Outcome::nothingToSend:
+      return "nothing-to-send";
+    case Outcome::answered:
+      return "answered";
+    case Outcome::stored:
+      return "stored";
+    case Outcome::accepted:
+      return "accepted";
+    case Outcome::completed:
+      return "completed";
+  }
+  return "?";
+}
+
+const char* nameOf(BDA::BulkMsgType result) {
+  switch (result) {
+    case BDA::BulkMsg_BulkDump:
+      return "BulkMsg_BulkDump";
+    case BDA::BulkMsg_BulkRequest:
+      return "BulkMsg_BulkRequest";
+    case BDA::BulkMsg_Type1:
+      return "BulkMsg_Type1";
+    case BDA::BulkMsg_Type3:
+      return "BulkMsg_Type3";
+    case BDA::BulkMsg_Type4:
+      return "BulkMsg_Type4";
+    case BDA::BulkMsg_OtherModel:
+      return "BulkMsg_OtherModel";
+    case BDA::BulkMsg_NotSysEx:
+      return "BulkMsg_NotSysEx";
+    case BDA::BulkMsg_CheckSumError:
+      return "BulkMsg_CheckSumError";
+    case BDA::BulkMsg_DeviceNumberOff:
+      return "BulkMsg_DeviceNumberOff";
+    case BDA::BulkMsg_WrongDeviceNumber:
+      return "BulkMsg_WrongDeviceNumber";
+    case BDA::BulkMsg_ReceiveSwOff:
+      return "BulkMsg_ReceiveSwOff";
+    case BDA::BulkMsg_ReceiveError:
+      return "BulkMsg_ReceiveError";
+    case BDA::BulkMsg_RequestSkipped:
+      return "BulkMsg_RequestSkipped";
+  }
+  return "?";
+}
+
+std::string nameOf(ContentId content) {
+  if (const auto header = headerOf(content)) return nameOrBytes({BDA::kHeaderHi, header->mid, header->lo});
+  if (const auto dump = fileDumpOf(content)) return nameOrBytes({kFileDumpHi, dump->mid, dump->lo});
+  return fmt::format("content {} of type {}", content.number, content.type);
+}
+
+EmbeddedEditor::EmbeddedEditor(const std::filesystem::path& libraryFile)
+    : library_(libraryFile), store_(library_), work_(library_), host_(store_, &work_) {}
+
+Record EmbeddedEditor::handle(std::span<const std::uint8_t> message, BDA::DevicePortNum port, std::uint64_t number) {
+  const Reading reading = readMessage(message);
+  Record record;
+  storeError_.clear();
+  changes_.clear();
+  if (reading.kind == Reading::Kind::dump) {
+    handleDump(record, message, port);
+  } else if (reading.kind == Reading::Kind::request) {
+    const Library::Transaction oneState(library_, Library::Transaction::Access::Read);
+    tools().reload();  // another program may have changed the live models
+    static_cast<AssistantHost::Effects&>(record) = host_.handle(message, port);
+    storeError_ = record.log.empty() ? std::string() : tools().lastLoadError();
+  } else {
+    static_cast<AssistantHost::Effects&>(record) = host_.handle(message, port);
+  }
+
+  bool changed = false;
+  if (reading.kind == Reading::Kind::dump &&
+      (reading.address->hi == BDA::kFooterHi || reading.address->hi == kTriggerHi)) {
+    for (const Change& change : changes_) {
+      if (change.kind != Change::Kind::Stored && change.kind != Change::Kind::Removed) continue;
+      const std::string name = nameOf(change.id);
+      if (std::find(record.contents.begin(), record.contents.end(), name) == record.contents.end())
+        record.contents.push_back(name);
+    }
+    if (isEditBufferFooter(*reading.address) && record.result == BDA::BulkMsg_BulkDump && record.log.empty() &&
+        !record.shown.empty())
+      record.contents.push_back(nameOrBytes({BDA::kHeaderHi, reading.address->mid, reading.address->lo}));
+    changed = !record.contents.empty();
+  }
+  record.outcome = outcomeOf(record, reading, changed);
+  if (record.outcome == Outcome::refused) record.reason = whyRefused(record, reading);
+  follow(record, reading, number);
+  return record;
+}
+
+// A message that was refused leaves no trace in the library. The write trigger is the exception: what it could write
+// is written, whatever became of the rest.
+void EmbeddedEditor::handleDump(Record& record, std::span<const std::uint8_t> message, BDA::DevicePortNum port) {
+  bool kept = false;
+  try {
+    Library::Transaction transaction(library_);
+    tools().reload();  // another program may have changed the live models
+    static_cast<AssistantHost::Effects&>(record) = host_.handle(message, port);
+    work_.abandonPass();
+    storeError_ = work_.takeError();
+    if (storeError_.empty() && !record.log.empty()) storeError_ = tools().lastStoreError();
+    kept = record.log.empty() || message[7] == kTriggerHi;
+    std::vector<std::string> saved;
+    if (kept && !tools().saveChanged(saved)) throw LibraryError(LibraryError::Kind::Failed, tools().lastStoreError());
+    if (kept) transaction.commit();
+  } catch (...) {
+    work_.abandonPass();
+    tools().reload();
+    throw;
+  }
+  changes_ = library_.takeChanges();
+  if (!kept) tools().reload();
+}
+
+void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_t number) {
+  const auto end = [&](UnitReport::State state, std::uint64_t first, BulkAddress address) -> UnitReport& {
+    return record.ended.emplace_back(UnitReport{state, first, number, address, {}, {}});
+  };
+  const auto abandon = [&] {
+    if (!open_) return;
+    UnitReport& unit = end(UnitReport::State::abandoned, open_->firstMessage(), open_->header());
+    unit.cause = describeContent(reading);
+    if (record.outcome == Outcome::refused) unit.cause += ", which was refused,";
+    open_.reset();
+  };
+  const auto endHeld = [&](UnitReport::State state) {
+    UnitReport& unit = end(state, held_.empty() ? number : held_.front().message, *reading.address);
+    for (const Held& held : held_) unit.blocks.push_back(held.address);
+    held_.clear();
+  };
+
+  const bool isDump = record.result == BDA::BulkMsg_BulkDump && reading.address.has_value();
+  const bool isTaken = isDump && record.outcome != Outcome::refused && record.outcome != Outcome::ignored;
+  if (isTaken && isList(*reading.address, BDA::List::header)) {
+    abandon();
+    open_.emplace(*reading.address, number);
+  } else if (isTaken && open_ && open_->isClosedBy(*reading.address)) {
+    record.missing = open_->missing();
+    end(record.missing.empty() ? UnitReport::State::complete : UnitReport::State::incomplete, open_->firstMessage(),
+        open_->header())
+        .blocks = record.missing;
+    open_.reset();
+  } else if (isTaken && reading.address->hi == kFileDumpHi) {
+    const auto same =
+        std::find_if(held_.begin(), held_.end(), [&](const Held& held) { return held.address == *reading.address; });
+    if (same == held_.end()) held_.push_back({*reading.address, number});
+  } else if (isTaken && open_) {
+    open_->arrive(*reading.address);
+  }
+  if (isDump && reading.address->hi == kTriggerHi && !record.shown.empty()) endHeld(UnitReport::State::written);
+  if (isDump && reading.address->hi == kFileDumpHi && record.outcome == Outcome::refused &&
+      lastShown(record) >= kFirstResettingId && !held_.empty())
+    endHeld(UnitReport::State::discarded);
+  if (hasForgottenHeader(record)) abandon();
+}
+
+std::vector<UnitReport> EmbeddedEditor::openUnits() const {
+  std::vector<UnitReport> units;
+  if (open_)
+    units.push_back(
+        {UnitReport::State::open, open_->firstMessage(), open_->firstMessage(), open_->header(), open_->missing(), {}});
+  if (!held_.empty()) {
+    UnitReport unit{
+        UnitReport::State::held, held_.front().message, held_.back().message, held_.front().address, {}, {}};
+    for (const Held& held : held_) unit.blocks.push_back(held.address);
+    units.push_back(std::move(unit));
+  }
+  return units;
+}
+
+std::string EmbeddedEditor::whyRefused(const Record& record, const Reading& reading) {
+  const unsigned setting = tools().liveSystem().system->utility.values()[SystemModel::kDeviceNumber];
+  switch (record.result) {
+    case BDA::BulkMsg_DeviceNumberOff:
+      return "the device number is off";
+    case BDA::BulkMsg_WrongDeviceNumber:
+      return fmt::format("it is for device {}, the device number is {}", *reading.device, setting + 1);
+    case BDA::BulkMsg_ReceiveSwOff:
+      return "receive-bulk is off";
+    default:
+      break;
+  }
+  if (isBroken(reading)) return fmt::format("{}: {}", wordOf(reading.verdict), reading.note);
+  if (!storeError_.empty()) return storeError_;
+  if (record.result == BDA::BulkMsg_BulkDump) {
+    const BulkAddress address = *reading.address;
+    const std::size_t list = BDA::listOf(address.hi);
+    const bool isUnitBlock = list >= std::size_t(BDA::List::normalVoice) && list <= std::size_t(BDA::List::remote);
+    if (isUnitBlock && (!open_ || !OpenUnit(*open_).arrive(address))) return "no open header admits this block";
+    if (isList(address, BDA::List::footer) && (!open_ || !open_->isClosedBy(address)))
+      return "it closes no open header";
+    if (address.hi == kFileDumpHi && !isWritableFileDump(address)) return "this bank is not stored by file dumps";
+  }
+  return messagesOf(record.log);
+}
+
+std::vector<std::uint8_t> EmbeddedEditor::requestFor(BulkAddress address) {
+  const unsigned setting = tools().liveSystem().system->utility.values()[SystemModel::kDeviceNumber];
+  const auto device = std::uint8_t(setting < 16 ? setting : 0);
+  return {0xF0, 0x7D, std::uint8_t(0x20 | device), 0x7F, 0x14, address.hi, address.mid, address.lo, 0xF7};
+}
+
+}  // namespace Editor

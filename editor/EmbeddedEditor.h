@@ -1,0 +1,88 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "AssistantHost.h"
+#include "cli/Units.h"
+#include "contents/ContentsWork.h"
+#include "contents/Library.h"
+#include "contents/ModelStore.h"
+
+namespace Editor {
+
+// What became of a message, in the words of the trace.
+enum class Outcome : std::uint8_t {
+  notOurs,
+  ignored,
+  refused,
+  nothingToSend,
+  answered,
+  stored,
+  accepted,
+  completed,
+};
+const char* wordOf(Outcome outcome);
+
+// What one message did, as far as it is on disk.
+struct Record : AssistantHost::Effects {
+  Outcome outcome = Outcome::ignored;
+  std::vector<std::string> contents;  // readable names of what was stored or removed
+  std::vector<BulkAddress> missing;   // blocks of the unit that was stored which had not arrived
+  std::vector<UnitReport> ended;      // units that ended with this message, as the trace does not tell it
+  std::string reason;                 // refused: why, in words
+};
+
+// "BulkMsg_BulkDump" ...
+const char* nameOf(BDA::BulkMsgType result);
+
+// The readable name of a content: that of its header, or else of its file dump.
+std::string nameOf(ContentId content);
+
+// An editor on a library file: everything that a message changes is one transaction, committed before its outcome is
+// told. Other programs may change the same library at the same time. One thread uses it.
+class EmbeddedEditor {
+ public:
+  // Opens the library, or creates it. Throws LibraryError and LiveModelError.
+  explicit EmbeddedEditor(const std::filesystem::path& libraryFile);
+
+  Library& library() { return library_; }
+  ContentStore& store() { return store_; }
+  EditorJobTools& tools() { return host_.tools(); }
+  const EditorJobTools& tools() const { return host_.tools(); }
+
+  // Handles one complete message that arrived on `port`, the `number`th of its run. Throws LibraryError when the
+  // library fails: the message has then changed nothing.
+  Record handle(std::span<const std::uint8_t> message, BDA::DevicePortNum port, std::uint64_t number);
+
+  // The units that are still open, and the file dumps that are still held.
+  std::vector<UnitReport> openUnits() const;
+
+  // A request for that address as this library's instrument accepts it.
+  std::vector<std::uint8_t> requestFor(BulkAddress address);
+
+ private:
+  void handleDump(Record& record, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
+  void follow(Record& record, const Reading& reading, std::uint64_t number);
+  std::string whyRefused(const Record& record, const Reading& reading);
+
+  struct Held {
+    BulkAddress address;
+    std::uint64_t message;
+  };
+
+  Library library_;
+  ModelStore store_;
+  ContentsWork work_;
+  AssistantHost host_;
+  std::optional<OpenUnit> open_;
+  std::vector<Held> held_;
+  std::string storeError_;  // of the message that is being handled
+  std::vector<Change> changes_;
+};
+
+}  // namespace Editor

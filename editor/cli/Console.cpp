@@ -1,0 +1,55 @@
+#include "cli/Console.h"
+
+#include <fmt/format.h>
+
+namespace Editor {
+
+void Console::print(std::FILE* stream, std::string_view text) {
+  std::fwrite(text.data(), 1, text.size(), stream);
+  std::fputc('\n', stream);
+}
+
+void Console::problem(std::string_view text) {
+  std::fflush(lines_);
+  print(stderr, text);
+}
+
+void Console::note(std::string_view text) {
+  if (loudness_ != Loudness::quiet) problem(text);
+}
+
+void Console::detail(std::string_view text) {
+  if (isVerbose()) problem(text);
+}
+
+bool Console::finish() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
+
+std::string escape(std::string_view text) {
+  std::string safe;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x20 || byte == 0x7F)
+      safe += fmt::format("\\x{:02X}", byte);
+    else
+      safe += c;
+  }
+  return safe;
+}
+
+std::string showName(std::string_view latin1) {
+  std::string safe;
+  for (const char c : latin1) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x20 || (byte >= 0x7F && byte < 0xA0)) {
+      safe += fmt::format("\\x{:02X}", byte);
+    } else if (byte < 0x80) {
+      safe += c;
+    } else {
+      safe += char(0xC0 | (byte >> 6));
+      safe += char(0x80 | (byte & 0x3F));
+    }
+  }
+  return safe;
+}
+
+}  // namespace Editor

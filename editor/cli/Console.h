@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace Editor {
+
+// What the program says: data lines on standard output, everything else on standard error.
+class Console {
+ public:
+  enum class Loudness : std::uint8_t { quiet, normal, verbose };
+
+  void setLoudness(Loudness loudness) { loudness_ = loudness; }
+  bool isVerbose() const { return loudness_ == Loudness::verbose; }
+  // From now on data lines go to standard error: standard output carries bytes.
+  void keepOutputForBytes() { lines_ = stderr; }
+
+  // A line of data.
+  void line(std::string_view text) { print(lines_, text); }
+  // A refusal, a broken message: always shown.
+  void problem(std::string_view text);
+  // A summary, a hint: not when quiet.
+  void note(std::string_view text);
+  // Only when verbose.
+  void detail(std::string_view text);
+
+  // True unless something could not be written to standard output.
+  static bool finish();
+
+ private:
+  static void print(std::FILE* stream, std::string_view text);
+
+  Loudness loudness_ = Loudness::normal;
+  std::FILE* lines_ = stdout;
+};
+
+// Text from a file or the command line, safe to show: control characters become \x1B and the like.
+std::string escape(std::string_view text);
+// A name of the instrument, ISO 8859-1: the same, and as UTF-8.
+std::string showName(std::string_view latin1);
+
+}  // namespace Editor

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "cli/Console.h"
+#include "midi/MidiFile.h"
+
+namespace Editor {
+
+// The message files of a command line, read whole before anything is done with them.
+class InputFiles {
+ public:
+  struct Message {
+    std::uint64_t number;  // from 1, through all files
+    const std::string& file;
+    std::uint64_t offset;
+    std::span<const std::uint8_t> bytes;
+  };
+
+  // "-" is standard input. Throws Failure (kUnusableInput) for a file that cannot be read or has no message in it.
+  explicit InputFiles(const std::vector<std::string>& paths);
+
+  // Tells which bytes became no message, and why. False when that broke a message or a file; stray bytes and real-time
+  // messages are only told.
+  bool reportLosses(Console& console) const;
+
+  template <typename Visit>
+  void forEachMessage(Visit visit) const {
+    std::uint64_t number = 0;
+    for (const File& file : files_)
+      for (const MidiFile::Message& message : file.midi.messages)
+        visit(Message{++number, file.name, message.offset, message.bytes});
+  }
+  bool areSeveral() const { return files_.size() > 1; }
+
+ private:
+  struct File {
+    std::string name;
+    MidiFile midi;
+  };
+  std::vector<File> files_;
+};
+
+// "a.syx: message 7 at offset 1200", the beginning of every line about a message.
+std::string placeOf(const InputFiles::Message& message);
+
+}  // namespace Editor

@@ -1,0 +1,145 @@
+// The verbs that judge messages without a library: list and verify.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "cli/InputFiles.h"
+#include "cli/Messages.h"
+#include "cli/Program.h"
+#include "cli/Units.h"
+
+namespace Editor {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct Options {
+  std::vector<std::string> files;
+  bool json = false;
+};
+
+std::shared_ptr<Options> addOptions(CLI::App& verb) {
+  auto options = std::make_shared<Options>();
+  verb.add_option("FILE", options->files, "Message files, .syx or .mid by content; - is standard input")->required();
+  verb.add_flag("--json", options->json, "One object a line");
+  return options;
+}
+
+Json toJson(const InputFiles::Message& message, const Reading& reading) {
+  Json json{{"message", message.number},          {"file", message.file},
+            {"offset", message.offset},           {"kind", wordOf(reading.kind)},
+            {"verdict", wordOf(reading.verdict)}, {"carries", describeContent(reading)}};
+  if (reading.device) json["device"] = *reading.device;
+  if (reading.address) {
+    json["address"] = formatAddress(*reading.address);
+    if (const auto name = nameOf(*reading.address)) json["name"] = *name;
+  }
+  if (reading.kind == Reading::Kind::dump) json["dataBytes"] = reading.dataBytes;
+  if (reading.checksum) {
+    json["checksum"] = *reading.checksum;
+    json["expectedChecksum"] = *reading.expectedChecksum;
+  }
+  json["bytes"] = message.bytes.size();
+  if (!reading.note.empty()) json["note"] = reading.note;
+  return json;
+}
+
+Json toJson(const UnitReport& unit) {
+  Json blocks = Json::array();
+  for (const BulkAddress block : unit.blocks) blocks.push_back(formatAddress(block));
+  return Json{{"unit", nameOrBytes(unit.address)}, {"address", formatAddress(unit.address)},
+              {"state", wordOf(unit.state)},       {"firstMessage", unit.firstMessage},
+              {"lastMessage", unit.lastMessage},   {"blocks", blocks},
+              {"words", describeUnit(unit)}};
+}
+
+// File names need not be UTF-8.
+std::string toLine(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
+
+// "      7      1200  good                     1  41 02 00  element 3 oscillator, 88 data bytes, checksum 1F"
+std::string toLine(const InputFiles::Message& message, const Reading& reading) {
+  std::string line = fmt::format("{:>6} {:>9}  {:<26} {:>2}  {:<8}  {}", message.number, message.offset,
+                                 wordOf(reading.verdict), reading.device ? std::to_string(*reading.device) : "-",
+                                 reading.address ? formatAddress(*reading.address) : "-", describeContent(reading));
+  if (reading.kind == Reading::Kind::dump)
+    line += fmt::format(", {} data byte{}", reading.dataBytes, reading.dataBytes == 1 ? "" : "s");
+  if (reading.checksum) line += fmt::format(", checksum {:02X}", *reading.checksum);
+  if (!reading.note.empty()) line += fmt::format(" ({})", reading.note);
+  return line;
+}
+
+// Calls visit(message, reading) for every message, under a heading for each of several files.
+template <typename Visit>
+void forEachReading(const InputFiles& input, const Options& options, Console& console, Visit visit) {
+  const std::string* file = nullptr;
+  input.forEachMessage([&](const InputFiles::Message& message) {
+    if (input.areSeveral() && !options.json && file != &message.file) console.line(message.file + ":");
+    file = &message.file;
+    const Reading reading = readMessage(message.bytes);
+    console.line(options.json ? toLine(toJson(message, reading)) : toLine(message, reading));
+    visit(message, reading);
+  });
+}
+
+void list(const Options& options, Program& program) {
+  const InputFiles input(options.files);
+  if (!input.reportLosses(program.console)) program.refuse();
+  forEachReading(input, options, program.console, [&](const InputFiles::Message&, const Reading& reading) {
+    if (isBroken(reading)) program.refuse();
+  });
+}
+
+void verify(const Options& options, Program& program) {
+  Console& console = program.console;
+  const InputFiles input(options.files);
+  const bool whole = input.reportLosses(console);
+  std::size_t messages = 0;
+  std::size_t brokenMessages = 0;
+  std::size_t units = 0;
+  std::size_t brokenUnits = 0;
+  UnitFollower follower;
+  const auto tellUnits = [&](const std::vector<UnitReport>& ended) {
+    for (const UnitReport& unit : ended) {
+      ++units;
+      const bool broken = isBroken(unit);
+      if (broken) ++brokenUnits;
+      console.line(options.json ? toLine(toJson(unit))
+                                : fmt::format("{} {}", broken ? "  !!" : "  ==", describeUnit(unit)));
+    }
+  };
+  forEachReading(input, options, console, [&](const InputFiles::Message& message, const Reading& reading) {
+    ++messages;
+    if (isBroken(reading)) {
+      ++brokenMessages;
+      console.problem(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
+    }
+    tellUnits(follower.next(reading, message.number));
+  });
+  tellUnits(follower.finish());
+  if (!whole || brokenMessages + brokenUnits != 0) program.refuse();
+  console.note(fmt::format("{} message{}, {} broken; {} unit{}, {} broken", messages, messages == 1 ? "" : "s",
+                           brokenMessages, units, units == 1 ? "" : "s", brokenUnits));
+}
+
+void addVerb(CLI::App& app, Program& program, const char* name, const char* what,
+             void (*act)(const Options&, Program&)) {
+  CLI::App* const verb = app.add_subcommand(name, what);
+  const auto options = addOptions(*verb);
+  verb->callback([options, act, &program] { act(*options, program); });
+}
+
+}  // namespace
+
+void addList(CLI::App& app, Program& program) {
+  addVerb(app, program, "list", "What messages a file holds, one line each", list);
+}
+
+void addVerify(CLI::App& app, Program& program) {
+  addVerb(app, program, "verify", "Whether every message and every unit of a file is whole", verify);
+}
+
+}  // namespace Editor

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace Editor {
+
+// A file that comes into being whole or not at all: written beside its place, on disk before it takes it. "-" is
+// standard output, which gets the bytes when they are committed. Errors are thrown as Failure.
+class OutputFile {
+ public:
+  explicit OutputFile(std::string path);
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+  ~OutputFile();  // without commit: as if it had never been
+
+  bool isStandardOutput() const { return path_ == "-"; }
+  void write(std::span<const std::uint8_t> bytes);
+  void write(const std::string& text);
+  void commit();
+
+ private:
+  void flush();
+  [[noreturn]] void fail(const std::string& doing) const;
+
+  std::string path_;
+  std::string temporary_;  // empty: standard output, or committed
+  std::string buffer_;
+  int descriptor_ = -1;
+};
+
+}  // namespace Editor

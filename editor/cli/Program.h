@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "EmbeddedEditor.h"
+#include "cli/Console.h"
+#include "cli/Failure.h"
+
+namespace CLI {
+class App;
+}
+
+namespace Editor {
+
+// What the verbs share: where they speak, which library they use, how the run ends.
+class Program {
+ public:
+  Console console;
+
+  // The library that the command line, the environment or the default names.
+  std::string libraryFile() const;
+  void setLibraryFile(const std::string& file) { library_ = file; }
+  // Opens it. Throws Failure (kUnusableInput).
+  std::unique_ptr<EmbeddedEditor> openEditor() const;
+
+  // Something was refused or is broken: the run goes on, and ends with this.
+  void refuse() { exitCode_ = kRefused; }
+  ExitCode exitCode() const { return exitCode_; }
+
+ private:
+  std::string library_;
+  ExitCode exitCode_ = kAllGood;
+};
+
+// Each adds one verb to the command line.
+void addList(CLI::App& app, Program& program);
+void addVerify(CLI::App& app, Program& program);
+void addReceive(CLI::App& app, Program& program);
+void addRequest(CLI::App& app, Program& program);
+void addShow(CLI::App& app, Program& program);
+void addApply(CLI::App& app, Program& program);
+void addSettings(CLI::App& app, Program& program);
+void addContents(CLI::App& app, Program& program);
+
+// Runs the program `bda`; the result is its exit code.
+int runProgram(int argc, const char* const* argv);
+
+}  // namespace Editor

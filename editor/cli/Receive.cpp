@@ -1,0 +1,235 @@
+// The verbs that hand messages to the assistant: receive and request.
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <map>
+#include <memory>
+
+#include "cli/InputFiles.h"
+#include "cli/OutputFile.h"
+#include "cli/Program.h"
+#include "cli/Targets.h"
+#include "cli/Trace.h"
+#include "midi/Hex.h"
+#include "midi/MidiFile.h"
+
+namespace Editor {
+
+namespace {
+
+struct Options {
+  std::vector<std::string> words;  // files or addresses
+  unsigned port = BDA::DevicePort_Main;
+  std::string output;
+  std::string trace;
+};
+
+void addOptions(CLI::App& verb, Options& options) {
+  verb.add_option("--port", options.port, "The port on which the messages arrive")
+      ->check(CLI::IsMember({1, 4, 5, 6}))
+      ->capture_default_str();
+  verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
+      ->type_name("FILE");
+}
+
+std::string count(std::size_t n, const char* one) { return fmt::format("{} {}{}", n, one, n == 1 ? "" : "s"); }
+
+// The messages of an answer, if they can leave as they are. Nothing, and `why`, when one is not 7-bit.
+bool isSendable(const std::vector<AssistantHost::Sent>& sent, std::string& why) {
+  for (const AssistantHost::Sent& message : sent) {
+    if (isSevenBit(message.bytes)) continue;
+    const auto bad =
+        std::find_if(message.bytes.begin() + 1, message.bytes.end(), [](std::uint8_t byte) { return byte > 0x7F; });
+    why = fmt::format("its answer has {:02X} at byte {}, which is no MIDI data byte",
+                      bad == message.bytes.end() ? 0 : *bad, bad - message.bytes.begin());
+    return false;
+  }
+  return true;
+}
+
+// ---- receive ----
+
+class Receiving {
+ public:
+  Receiving(const Options& options, Program& program)
+      : program_(program),
+        console_(program.console),
+        port_(BDA::DevicePortNum(options.port)),
+        input_(options.words),
+        editor_(program.openEditor()),
+        trace_(options.trace) {
+    if (!options.output.empty()) answers_.emplace(options.output);
+    if (options.output == "-" || options.trace == "-") console_.keepOutputForBytes();
+    if (!input_.reportLosses(console_)) program.refuse();
+  }
+
+  void run() {
+    try {
+      input_.forEachMessage([&](const InputFiles::Message& message) { receive(message); });
+    } catch (...) {
+      trace_.commit();
+      throw;
+    }
+    for (const UnitReport& unit : editor_->openUnits()) complain(describeUnit(unit));
+    trace_.commit();
+    if (answers_ && hasAnswers_)
+      answers_->commit();
+    else if (answers_)
+      console_.note("no request was answered: nothing is written");
+    std::string summary;
+    for (const auto& [outcome, messages] : tally_)
+      summary += fmt::format("{}{} {}", summary.empty() ? "" : ", ", messages, wordOf(outcome));
+    console_.note(summary);
+  }
+
+ private:
+  void complain(const std::string& text) {
+    console_.problem(text);
+    program_.refuse();
+  }
+
+  void receive(const InputFiles::Message& message) {
+    const Record record = editor_->handle(message.bytes, port_, message.number);
+    trace_.add({message.number, &message.file, message.offset}, port_, message.bytes, record);
+    ++tally_[record.outcome];
+    tell(message, record);
+    for (const UnitReport& unit : record.ended)
+      if (isBroken(unit)) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
+    for (const std::string& text : record.log)
+      if (!text.empty()) console_.detail(fmt::format("    {}", escape(text.substr(0, text.find('\n')))));
+  }
+
+  void tell(const InputFiles::Message& message, const Record& record) {
+    const std::string what = describeContent(readMessage(message.bytes));
+    const auto line = [&](const std::string& text) {
+      console_.line(fmt::format("{}: {} ({})", wordOf(record.outcome), text, placeOf(message)));
+    };
+    switch (record.outcome) {
+      case Outcome::stored:
+        for (const std::string& content : record.contents) line(content);
+        break;
+      case Outcome::refused:
+        complain(fmt::format("{}: refused: {}: {}", placeOf(message), what, escape(record.reason)));
+        for (const std::string& content : record.contents)
+          console_.line(fmt::format("stored: {} ({})", content, placeOf(message)));
+        break;
+      case Outcome::answered:
+        answer(message, record, what);
+        break;
+      case Outcome::accepted:
+        console_.detail(fmt::format("accepted: {} ({})", what, placeOf(message)));
+        break;
+      case Outcome::notOurs:
+      case Outcome::ignored:
+      case Outcome::nothingToSend:
+      case Outcome::completed:
+        line(what);
+        break;
+    }
+  }
+
+  void answer(const InputFiles::Message& message, const Record& record, const std::string& what) {
+    std::string why;
+    if (answers_ && !isSendable(record.sent, why))
+      return complain(fmt::format("{}: {}: {}", placeOf(message), what, why));
+    console_.line(fmt::format("answered: {}, {} ({})", what, count(record.sent.size(), "message"), placeOf(message)));
+    if (!answers_) return;
+    for (const AssistantHost::Sent& sent : record.sent) answers_->write(sent.bytes);
+    hasAnswers_ = true;
+  }
+
+  Program& program_;
+  Console& console_;
+  const BDA::DevicePortNum port_;
+  const InputFiles input_;
+  const std::unique_ptr<EmbeddedEditor> editor_;
+  Trace trace_;
+  std::optional<OutputFile> answers_;
+  bool hasAnswers_ = false;
+  std::map<Outcome, std::size_t> tally_;
+};
+
+// ---- request ----
+
+std::string describeRefusal(const Record& record) {
+  switch (record.outcome) {
+    case Outcome::refused:
+      return record.reason;
+    case Outcome::nothingToSend:
+      return "there is nothing to send";
+    default:
+      return "requests that arrive on this port are not answered";
+  }
+}
+
+// Without a file: bytes to a pipe, hex to a terminal.
+void writeAnswers(const std::vector<std::vector<std::uint8_t>>& answers, const std::string& path, Console& console) {
+  if (path.empty() && ::isatty(STDOUT_FILENO) != 0) {
+    for (const std::vector<std::uint8_t>& message : answers) console.line(formatHex(message));
+    return;
+  }
+  OutputFile file(path.empty() ? "-" : path);
+  for (const std::vector<std::uint8_t>& message : answers) file.write(message);
+  file.commit();
+}
+
+void request(const Options& options, Program& program) {
+  const std::vector<BulkAddress> addresses = parseAddresses(options.words);
+  const auto port = BDA::DevicePortNum(options.port);
+  if (options.trace == "-" && (options.output.empty() || options.output == "-"))
+    throw Failure(kWrongUsage, "answers and trace cannot both go to standard output");
+  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  Trace trace(options.trace);
+  std::vector<std::vector<std::uint8_t>> answers;
+  std::size_t answered = 0;
+  std::uint64_t number = 0;
+  for (const BulkAddress address : addresses) {
+    const std::vector<std::uint8_t> message = editor->requestFor(address);
+    const Record record = editor->handle(message, port, ++number);
+    trace.add({number, nullptr, std::nullopt}, port, message, record);
+    std::string why = record.outcome == Outcome::answered ? "" : describeRefusal(record);
+    if (why.empty() && isSendable(record.sent, why)) {
+      ++answered;
+      for (const AssistantHost::Sent& sent : record.sent) answers.push_back(sent.bytes);
+      continue;
+    }
+    program.console.problem(fmt::format("{} ({}, {}): no answer: {}", nameOrBytes(address), formatAddress(address),
+                                        describeAddress(address), escape(why)));
+    program.refuse();
+  }
+  trace.commit();
+  if (answered == 0) throw Failure(kRefused, "no address was answered, nothing is written");
+  writeAnswers(answers, options.output, program.console);
+  program.console.note(fmt::format("{} answered, {}", fmt::format("{} address{}", answered, answered == 1 ? "" : "es"),
+                                   count(answers.size(), "message")));
+}
+
+}  // namespace
+
+void addReceive(CLI::App& app, Program& program) {
+  CLI::App* const verb = app.add_subcommand("receive", "Feed messages to the library's instrument");
+  const auto options = std::make_shared<Options>();
+  verb->add_option("FILE", options->words, "Message files, .syx or .mid by content; - is standard input")->required();
+  verb->add_option("-o,--output", options->output, "Where the answers to requests go; - is standard output")
+      ->type_name("ANSWERS");
+  addOptions(*verb, *options);
+  verb->callback([options, &program] {
+    if (options->output == "-" && options->trace == "-")
+      throw Failure(kWrongUsage, "answers and trace cannot both go to standard output");
+    Receiving(*options, program).run();
+  });
+}
+
+void addRequest(CLI::App& app, Program& program) {
+  CLI::App* const verb = app.add_subcommand("request", "Ask the library's instrument for dumps, as .syx");
+  const auto options = std::make_shared<Options>();
+  verb->add_option("ADDRESS", options->words, "Three hex bytes or names; system means all system blocks")->required();
+  verb->add_option("-o,--output", options->output, "Where the dumps go; default standard output")->type_name("FILE");
+  addOptions(*verb, *options);
+  verb->callback([options, &program] { request(*options, program); });
+}
+
+}  // namespace Editor

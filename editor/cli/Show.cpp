@@ -1,0 +1,121 @@
+// The verbs that show and replace parameters: show and apply.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "cli/CarryCheck.h"
+#include "cli/Program.h"
+#include "cli/TargetModels.h"
+#include "midi/MidiFile.h"
+#include "models/ModelJson.h"
+
+namespace Editor {
+
+namespace {
+
+// Prints one line for each group and name: its path and its values.
+class Lines {
+ public:
+  Lines(Console& console, std::string path) : console_(console), path_(std::move(path)) {}
+
+  void group(const char* key, const ArrayGroup& group) {
+    console_.line(fmt::format("{}.{}: {}", path_, key, fmt::join(group.values(), " ")));
+  }
+  void name(const char* key, const NameText& name) {
+    console_.line(fmt::format("{}.{}: \"{}\"", path_, key, showName(name.text())));
+  }
+  template <typename Visit>
+  void list(const char* key, std::size_t count, Visit visit) {
+    const std::string outer = path_;
+    for (std::size_t i = 0; i < count; ++i) {
+      path_ = fmt::format("{}.{}[{}]", outer, key, i);
+      visit(i);
+    }
+    path_ = outer;
+  }
+
+ private:
+  Console& console_;
+  std::string path_;
+};
+
+// The words of a target: one word, or three hex bytes.
+Target targetOf(const std::vector<std::string>& words) {
+  const std::vector<std::string> joined = joinAddresses(words);
+  if (joined.size() != 1) throw Failure(kWrongUsage, "expected one target");
+  return parseTarget(joined.front());
+}
+
+void show(const std::vector<std::string>& words, bool json, Program& program) {
+  const Target target = targetOf(words);
+  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  const ModelSet models = loadTarget(*editor, target);
+  if (json) {
+    program.console.line(toJson(models).dump());
+    return;
+  }
+  forEachModel(models, [&](const char* key, const auto& model) {
+    Lines lines(program.console, key);
+    visitFields(model, lines);
+  });
+}
+
+// A voice that the target takes in both kinds is a drum voice when the file gives it keys.
+bool hasKeys(const nlohmann::ordered_json& json) {
+  const auto voice = json.find("voice");
+  if (voice == json.end() || !voice->is_object()) return false;
+  const auto key = voice->find("key");
+  return key != voice->end() && key->is_array() && !key->empty();
+}
+
+ModelSet readModels(const std::string& file, const Target& target) {
+  const std::string name = file == "-" ? "standard input" : escape(file);
+  std::string why;
+  const auto bytes = loadBytes(file, why);
+  if (!bytes) throw Failure(kUnusableInput, fmt::format("{}: {}", name, why));
+  const auto unusable = [&](const std::string& text) {
+    return Failure(kUnusableInput, fmt::format("{}: {}", name, escape(text)));
+  };
+  nlohmann::ordered_json json;
+  const std::string_view text(reinterpret_cast<const char*>(bytes->data()), bytes->size());
+  if (const auto error = parseJson(text, json)) throw unusable(*error);
+  ModelSet models = freshTarget(target, json.is_object() && hasKeys(json));
+  if (const auto error = fromJson(json, models)) throw unusable(*error);
+  return models;
+}
+
+void apply(std::vector<std::string> words, Program& program) {
+  if (words.size() < 2) throw Failure(kWrongUsage, "expected a target and a file");
+  const std::string file = words.back();
+  words.pop_back();
+  const Target target = targetOf(words);
+  const ModelSet models = readModels(file, target);
+  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  const CarryCheck check = checkCarried(target, models);
+  if (!check.refusal.empty()) throw Failure(kRefused, fmt::format("{}: {}", target.name, check.refusal));
+  storeTarget(*editor, target, models);
+  if (!check.unchecked.empty()) program.console.note(fmt::format("{}: {}", target.name, check.unchecked));
+  program.console.note(fmt::format("{}: replaced", target.name));
+}
+
+}  // namespace
+
+void addShow(CLI::App& app, Program& program) {
+  CLI::App* const verb = app.add_subcommand("show", "The parameters of a target");
+  const auto words = std::make_shared<std::vector<std::string>>();
+  const auto json = std::make_shared<bool>(false);
+  verb->add_option("TARGET", *words, "system, additional, or a header or file dump")->required();
+  verb->add_flag("--json", *json, "One object, as apply reads it");
+  verb->callback([words, json, &program] { show(*words, *json, program); });
+}
+
+void addApply(CLI::App& app, Program& program) {
+  CLI::App* const verb = app.add_subcommand("apply", "Replace a whole target by what show --json printed");
+  const auto words = std::make_shared<std::vector<std::string>>();
+  verb->add_option("TARGET FILE", *words, "A target as for show, and its JSON; - is standard input")->required();
+  verb->callback([words, &program] { apply(*words, program); });
+}
+
+}  // namespace Editor

@@ -1,0 +1,3 @@
+#include "cli/Program.h"
+
+int main(int argc, char** argv) { return Editor::runProgram(argc, argv); }
