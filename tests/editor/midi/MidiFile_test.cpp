@@ -197,6 +197,20 @@ TEST(MidiFile, MergesTheTracksOfFormat1ByTime) {
   EXPECT_EQ(order(2), "01 02 03 11 12 13 21 22 ");
 }
 
+TEST(MidiFile, KeepsTheOrderOfTracksAndEventsAmongMessagesOfOneTime) {
+  std::vector<Bytes> tracks(4);
+  Strings expected;
+  for (std::size_t i = 0; i < 100; ++i) {
+    expected.push_back(formatHex(Bytes{0xF0, static_cast<std::uint8_t>(i), 0xF7}));
+    append(tracks[i / 25], Bytes{0x00, 0xF0, 0x02, static_cast<std::uint8_t>(i), 0xF7});
+  }
+  for (Bytes& events : tracks) events = track(formatHex(events));
+  Strings read;
+  const MidiFile file = readMidiFile(standardFile(1, tracks));
+  for (const auto& message : file.messages) read.push_back(formatHex(message.bytes));
+  EXPECT_EQ(read, expected);
+}
+
 TEST(MidiFile, TakesASplitMessageAtTheTimeOfItsEnd) {
   const MidiFile file = readMidiFile(standardFile(1, {track("00 F0 01 01 20 F7 01 F7"), track("10 F0 02 02 F7")}));
   EXPECT_THAT(messages(file), ElementsAre("43: F0 02 F7", "23: F0 01 F7"));
