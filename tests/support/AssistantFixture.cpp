@@ -3,6 +3,19 @@
 #include <algorithm>
 
 namespace Testing {
+namespace {
+
+// An explicit instantiation may name private members: the one way to a field that the public header keeps private.
+template <BDA::BulkTable* BDA::BulkDumpAssistant::*kField>
+struct TableField {
+  friend BDA::BulkTable* tableOf(BDA::BulkDumpAssistant& assistant) { return assistant.*kField; }
+};
+BDA::BulkTable* tableOf(BDA::BulkDumpAssistant& assistant);
+template struct TableField<&BDA::BulkDumpAssistant::bulkTable_>;
+
+}  // namespace
+
+BDA::BulkTable& AssistantFixture::table() { return *tableOf(*assistant); }
 
 void AssistantFixture::SetUp() {
   construct();

@@ -79,6 +79,8 @@ class AssistantFixture : public ::testing::Test {
   std::vector<CMA::JobReceiver*> bulkJobs;
   std::unique_ptr<OpenAssistant> assistant;
   std::unique_ptr<FakeBridge> bridge;
+  // The assistant's own table, to put scripted blocks into.
+  BDA::BulkTable& table();
 
  private:
   std::vector<std::size_t> flips_;
