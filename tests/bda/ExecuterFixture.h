@@ -36,6 +36,8 @@ inline Lines reportsOf(const Lines& texts) {
 
 class ExecuterFixture : public testing::Test {
  protected:
+  void SetUp() override { record.take(); }  // what the creator asked
+
   // What was reported, and what was asked of the platform, since the last time. Reports that nobody takes fail the
   // test.
   Lines reports() { return reportsOf(traceScope.take()); }
