@@ -139,8 +139,9 @@ bool bulkMixVoiceDeletion(ContSrv::Work* work, const Address& address) {
 }
 
 // Answers a request for an empty mixing voice with a header and a footer that mark it so. True when that was done.
-bool sendEmptyMixingVoice(CMA::JobTools& jobTools, ContSrv::Work* work, BulkDumpBridge* bridge, const Address& address,
-                          DevicePortNum port) {
+// `bridge` is the assistant's own field: the editor may unregister its bridge from inside a send.
+bool sendEmptyMixingVoice(CMA::JobTools& jobTools, ContSrv::Work* work, BulkDumpBridge* const& bridge,
+                          const Address& address, DevicePortNum port) {
   if (bridge == nullptr) return false;
   if (address.getHi() != kHeaderHi || address.getMid() != kMixingVoiceMid) return false;
   if (work == nullptr) return false;
@@ -155,10 +156,8 @@ bool sendEmptyMixingVoice(CMA::JobTools& jobTools, ContSrv::Work* work, BulkDump
     dump[kCheckSumAt] = Utility::calcCheckSum(dump.data(), dump.size());
     return dump;
   };
-  const EmptyDump header = filledIn(kEmptyMixingVoiceHeader);
-  const EmptyDump footer = filledIn(kEmptyMixingVoiceFooter);
-  bridge->sendSysEx(header.data(), std::uint32_t{header.size()}, port);
-  bridge->sendSysEx(footer.data(), std::uint32_t{footer.size()}, port);
+  for (const EmptyDump& dump : {filledIn(kEmptyMixingVoiceHeader), filledIn(kEmptyMixingVoiceFooter)})
+    if (bridge != nullptr) bridge->sendSysEx(dump.data(), std::uint32_t{kDumpFrame}, port);
   return true;
 }
 
