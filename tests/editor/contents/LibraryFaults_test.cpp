@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <iostream>
 #include <map>
 
 #include "contents/ContentsWork.h"
