@@ -222,10 +222,7 @@ bool EditorJobTools::replace(std::vector<Replacement> replacements) {
         replacements.push_back({kFirstPart + part, freshVoice(drum)});
     }
   if (!save(replacements)) return false;
-  for (Replacement& replacement : replacements) {
-    units_[replacement.unit].models = replacement.models;
-    watch(replacement.unit);
-  }
+  for (const Replacement& replacement : replacements) units_[replacement.unit].models = replacement.models;
   for (Unit& unit : units_) unit.isChanged = false;
   return true;
 }

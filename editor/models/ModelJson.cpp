@@ -79,7 +79,7 @@ class Reader {
     const Object outer = std::exchange(object_, Object{&json, path, {}});
     visit();
     for (const auto& [key, value] : json.items())
-      if (object_.keys.count(key) == 0) fail(joined(path, key), "unknown key");
+      if (!object_.keys.contains(key)) fail(joined(path, key), "unknown key");
     object_ = outer;
   }
 

@@ -106,7 +106,7 @@ std::vector<std::string> differingPaths(const ModelSet& a, const ModelSet& b) {
   std::vector<std::string> paths;
   forEachSlot(
       [&](const char* key, const auto& left, const auto& right) {
-        if (left.has_value() != right.has_value()) paths.push_back(key);
+        if (left.has_value() != right.has_value()) paths.emplace_back(key);
         if (left && right) compare(fieldsOf(key, *left), fieldsOf(key, *right), paths);
       },
       a, b);

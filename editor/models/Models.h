@@ -33,7 +33,7 @@ class Wire {
  public:
   Wire() = default;
   Wire(const Wire&) noexcept {}
-  Wire& operator=(const Wire&) noexcept { return *this; }
+  Wire& operator=(const Wire&) noexcept { return *this; }  // NOLINT(bugprone-unhandled-self-assignment): no-op
 
   void connect(Pointee* pointee) { pointee_ = pointee; }
   Pointee* get() const { return pointee_; }

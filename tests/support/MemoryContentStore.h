@@ -36,8 +36,7 @@ class MemoryContentStore final : public ContentStore {
   }
 
   bool storeModels(ContentId id, const std::string& name, const ModelSet& models, std::string& why) override {
-    why = failure;
-    if (!failure.empty()) return false;
+    if (fails(why)) return false;
     opaque.erase(id);
     contents[id] = {name, models};
     return true;
@@ -56,8 +55,7 @@ class MemoryContentStore final : public ContentStore {
   }
 
   bool storeLive(const std::vector<LiveModels>& sets, std::string& why) override {
-    why = failure;
-    if (!failure.empty()) return false;
+    if (fails(why)) return false;
     std::vector<std::string>& keys = liveStores.emplace_back();
     for (const LiveModels& set : sets) {
       keys.push_back(set.key);
@@ -67,6 +65,11 @@ class MemoryContentStore final : public ContentStore {
   }
 
  private:
+  bool fails(std::string& why) const {
+    if (!failure.empty()) why = failure;
+    return !failure.empty();
+  }
+
   static Loaded load(const ModelSet& stored, ModelSet& models, std::string& why) {
     if (!haveSameShape(stored, models)) {
       why = "other models than asked for";

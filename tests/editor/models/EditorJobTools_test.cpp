@@ -714,6 +714,43 @@ TEST_F(LiveStore, SavesThePartVoiceThatABankHasChanged) {
   EXPECT_EQ(store_.liveStores.back().size(), 17u) << "with all parts beside";
 }
 
+TEST_F(LiveStore, SavesAPartVoiceWhoseNodesAloneAreOfTheOtherKind) {
+  set(tools_->getVoiceModel(3)->getType(), 0, 1);
+  saveChanged();
+  selectBank(3, 12);
+  EXPECT_THAT(saveChanged(), ElementsAre("multi", "part:3"));
+}
+
+TEST_F(LiveStore, SavesWhatChangesInAPartVoiceAfterItsBank) {
+  selectBank(3, 12);
+  saveChanged();
+  set(tools_->getVoiceModel(3)->getKey(72)->getParams(), 124, 5);
+  EXPECT_THAT(saveChanged(), ElementsAre("part:3"));
+}
+
+TEST_F(LiveStore, SavesWhatChangesAfterAFooter) {
+  openMulti();
+  set(tools_->getTemporaryMultiModel(temporary_)->getPart(4)->getBankProgram(), 0, 0x7F);
+  ASSERT_EQ(footer(0x5F, 0), Result_Success);
+  set(tools_->getVoiceModel(4)->getKey(72)->getParams(), 124, 5);
+  set(tools_->getMultiModel()->getPart(15)->getExtra(), 6, 1);
+  EXPECT_THAT(saveChanged(), ElementsAre("multi", "part:4"));
+}
+
+TEST_F(LiveStore, ForgetsTheErrorWithTheNextSuccess) {
+  EXPECT_EQ(footer(0x0A, 5), Result_CurrentStateError);
+  EXPECT_NE(tools_->lastStoreError(), "");
+  saveChanged();
+  EXPECT_EQ(tools_->lastStoreError(), "");
+  EXPECT_EQ(footer(0x0A, 5), Result_CurrentStateError);
+  openVoice(0, false);
+  EXPECT_EQ(footer(0x0A, 5), Result_Success);
+  EXPECT_EQ(tools_->lastStoreError(), "");
+  EXPECT_EQ(footer(0x0A, 5), Result_CurrentStateError);
+  EXPECT_TRUE(tools_->replaceSystem(systemSet()));
+  EXPECT_EQ(tools_->lastStoreError(), "");
+}
+
 TEST_F(LiveStore, StillHasToSaveWhatFailedToBeSaved) {
   set(tools_->getSystemModel()->getUtility(), 51, 3);
   store_.failure = "the disk is full";
