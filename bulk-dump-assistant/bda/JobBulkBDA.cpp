@@ -25,12 +25,14 @@ unsigned long JobBulkTools::sendBulkReqToBDA(BulkRequestMessage& request) {
   }
   request[2] = (device & kDeviceMask) | kTypeRequest;
 
-  // Not OFF, so there is a system model with a utility group.
-  CMA::ParameterGroup* const utility = jobTools_->getSystemModel()->getUtility();
+  CMA::SystemParameterModel* const system = jobTools_->getSystemModel();
+  CMA::ParameterGroup* const utility = system == nullptr ? nullptr : system->getUtility();
   savedReceiveSwitch_ = 0;
-  utility->get(&savedReceiveSwitch_, kReceiveSwitchParameter);
-  constexpr std::uint8_t kOn = 1;
-  utility->set(&kOn, kReceiveSwitchParameter, kSetFlag);
+  if (utility != nullptr) {
+    utility->get(&savedReceiveSwitch_, kReceiveSwitchParameter);
+    constexpr std::uint8_t kOn = 1;
+    utility->set(&kOn, kReceiveSwitchParameter, kSetFlag);
+  }
   BulkMsgType type = BulkMsg_ReceiveError;
   bool thrown = false;
   try {
@@ -38,7 +40,7 @@ unsigned long JobBulkTools::sendBulkReqToBDA(BulkRequestMessage& request) {
   } catch (...) {
     thrown = true;
   }
-  utility->set(&savedReceiveSwitch_, kReceiveSwitchParameter, kSetFlag);
+  if (utility != nullptr) utility->set(&savedReceiveSwitch_, kReceiveSwitchParameter, kSetFlag);
 
   if (type == BulkMsg_BulkRequest) return CMA::JOB::Result_Success;
   if (!thrown) kJobFailed();
