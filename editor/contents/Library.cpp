@@ -77,26 +77,28 @@ std::uint32_t bigEndian32(const unsigned char* bytes) {
   return std::uint32_t(bytes[0]) << 24 | std::uint32_t(bytes[1]) << 16 | std::uint32_t(bytes[2]) << 8 | bytes[3];
 }
 
-enum class Found { Nothing, Library, Other };
+struct Header {
+  bool empty = false;
+  std::uint32_t applicationId = 0;  // 0 for what is not even a database
+  std::uint32_t version = 0;
+};
 
-// What is in the file, seen before SQLite looks at it: its own first look may finish or take back what another program
-// left undone, and would so change a file that is none of ours. It has to be SQLite that reads, for to close a file
+// The header of the file, seen before SQLite works with it: that may finish or take back what another program left
+// undone, and would so change a file that is none of ours. Yet it has to be SQLite that reads, for to close a file
 // handle of our own would drop every lock that this process has on the file.
-Found look(sqlite3* handle) {
+Header readHeader(sqlite3* handle) {
   sqlite3_file* file = nullptr;
   sqlite3_file_control(handle, "main", SQLITE_FCNTL_FILE_POINTER, &file);
-  constexpr std::size_t kApplicationIdOffset = 68;
-  std::array<unsigned char, 100> header{};
+  std::array<unsigned char, 100> bytes{};
   // Not the size: SQLite calls a file of one byte empty.
-  int result = file->pMethods->xRead(file, header.data(), 1, 0);
-  if (result == SQLITE_IOERR_SHORT_READ) return Found::Nothing;
-  if (result == SQLITE_OK) result = file->pMethods->xRead(file, header.data(), int(header.size()), 0);
-  if (result == SQLITE_IOERR_SHORT_READ) return Found::Other;
+  int result = file->pMethods->xRead(file, bytes.data(), 1, 0);
+  if (result == SQLITE_IOERR_SHORT_READ) return {.empty = true};
+  if (result == SQLITE_OK) result = file->pMethods->xRead(file, bytes.data(), int(bytes.size()), 0);
+  if (result == SQLITE_IOERR_SHORT_READ) return {};
   if (result != SQLITE_OK) throw SQLite::Exception("disk I/O error", result);
   constexpr std::string_view kMagic("SQLite format 3\0", 16);
-  const bool ours = std::memcmp(header.data(), kMagic.data(), kMagic.size()) == 0 &&
-                    bigEndian32(header.data() + kApplicationIdOffset) == kApplicationId;
-  return ours ? Found::Library : Found::Other;
+  if (std::memcmp(bytes.data(), kMagic.data(), kMagic.size()) != 0) return {};
+  return {.applicationId = bigEndian32(&bytes[68]), .version = bigEndian32(&bytes[60])};
 }
 
 // Creates a directory and those above it, on disk when it returns: a file is as lost as the directory that held it.
@@ -165,10 +167,16 @@ Library::Library(const std::filesystem::path& file, const Options& options)
   run([&] {
     database_ = std::make_unique<Database>(file_, options);
     SQLite::Database& connection = database_->connection;
-    const auto notALibrary = [this] {
-      return LibraryError(LibraryError::Kind::NotALibrary, file_.string() + " is no library");
+    const auto requireLibrary = [this](std::int64_t applicationId, std::int64_t version) {
+      if (applicationId != kApplicationId)
+        throw LibraryError(LibraryError::Kind::NotALibrary, file_.string() + " is no library");
+      if (version > kVersion)
+        throw LibraryError(LibraryError::Kind::NewerVersion,
+                           file_.string() + " was written by a newer version of this program (its library version is " +
+                               std::to_string(version) + ", this program knows " + std::to_string(kVersion) + ")");
     };
-    if (look(connection.getHandle()) == Found::Other) throw notALibrary();
+    if (const Header header = readHeader(connection.getHandle()); !header.empty)
+      requireLibrary(header.applicationId, header.version);
     connection.exec("PRAGMA synchronous = FULL");
 
     const auto isUnfinished = [this] {
@@ -186,12 +194,9 @@ Library::Library(const std::filesystem::path& file, const Options& options)
       }
       transaction.commit();
     }
-    if (database_->integer("PRAGMA application_id") != kApplicationId) throw notALibrary();
+    // Again, now that no log hides anything.
     const std::int64_t version = database_->integer("PRAGMA user_version");
-    if (version > kVersion)
-      throw LibraryError(LibraryError::Kind::NewerVersion,
-                         file_.string() + " was written by a newer version of this program (its library version is " +
-                             std::to_string(version) + ", this program knows " + std::to_string(kVersion) + ")");
+    requireLibrary(database_->integer("PRAGMA application_id"), version);
     if (version < kVersion) fail(SQLITE_CORRUPT, "its version is missing");
 
     // Not before the file is known as ours: this writes to it. A library stays in that mode.

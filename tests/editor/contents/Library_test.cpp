@@ -117,20 +117,28 @@ TEST_F(LibraryTest, AForeignDatabaseIsRefusedAndUntouched) {
 }
 
 // To read such a database through SQLite would write its log back into it.
-TEST_F(LibraryTest, AForeignDatabaseWithALogOfItsOwnIsUntouched) {
-  const auto original = directory / "original.db";
-  PlainDatabase living(original);
-  living("PRAGMA journal_mode = WAL; CREATE TABLE t(a); INSERT INTO t VALUES(1)");
-  std::filesystem::copy_file(original, file);
-  std::filesystem::copy_file(original.string() + "-wal", file.string() + "-wal");
-  const std::string before = bytesOfFile(file);
-  const std::string log = bytesOfFile(file.string() + "-wal");
-  ASSERT_FALSE(log.empty());
+TEST_F(LibraryTest, AForeignOrNewerDatabaseWithALogOfItsOwnIsUntouched) {
+  const auto refused = [&](const std::string& setUp) {
+    const TemporaryDirectory elsewhere;
+    const auto original = elsewhere / "original.db";
+    PlainDatabase living(original);
+    living(setUp + "; PRAGMA journal_mode = WAL; CREATE TABLE t(a); INSERT INTO t VALUES(1)");
+    const auto copy = std::filesystem::copy_options::overwrite_existing;
+    std::filesystem::copy_file(original, file, copy);
+    std::filesystem::copy_file(original.string() + "-wal", file.string() + "-wal", copy);
+    const std::string before = bytesOfFile(file);
+    const std::string log = bytesOfFile(file.string() + "-wal");
+    EXPECT_FALSE(log.empty());
 
-  EXPECT_EQ(errorOfOpening(file)->kind(), Kind::NotALibrary);
-  EXPECT_EQ(bytesOfFile(file), before);
-  EXPECT_EQ(bytesOfFile(file.string() + "-wal"), log);
-  EXPECT_FALSE(std::filesystem::exists(file.string() + "-shm"));
+    const auto error = errorOfOpening(file);
+    EXPECT_EQ(bytesOfFile(file), before);
+    EXPECT_EQ(bytesOfFile(file.string() + "-wal"), log);
+    EXPECT_FALSE(std::filesystem::exists(file.string() + "-shm"));
+    return error->kind();
+  };
+  EXPECT_EQ(refused("SELECT 1"), Kind::NotALibrary);
+  EXPECT_EQ(refused("PRAGMA application_id = " + std::to_string(0x4244414C) + "; PRAGMA user_version = 2"),
+            Kind::NewerVersion);
 }
 
 TEST_F(LibraryTest, ALibraryOfANewerVersionIsRefusedAndUntouched) {
@@ -203,6 +211,13 @@ TEST_F(LibraryTest, ALockedLibraryIsNamedAfterTheBusyTimeout) {
   other("COMMIT");
   library.store(kVoice, Bytes{1}, "x");
   EXPECT_TRUE(library.content(kVoice));
+}
+
+TEST_F(LibraryTest, ALibraryThatIsLockedForGoodCannotBeOpened) {
+  { Library library(file); }
+  PlainDatabase other(file);
+  other("PRAGMA locking_mode = EXCLUSIVE; BEGIN IMMEDIATE; CREATE TABLE t(a)");
+  EXPECT_EQ(errorOfOpening(file)->kind(), Kind::Locked);
 }
 
 TEST_F(LibraryTest, ALockedLibraryCanStillBeOpenedAndRead) {
