@@ -187,6 +187,15 @@ TEST_F(ContentsWorkTest, RemovingAllMixingVoicesIsOnePassWithWhatIsWrittenAfterw
   EXPECT_TRUE(onDisk(kVoice));
 }
 
+TEST_F(ContentsWorkTest, RemovingAMixingVoiceInsideAPassWaitsForSync) {
+  library.store(kMixingVoice, Bytes{1}, "old");
+  write(kVoice, {2}, "new");
+  EXPECT_EQ(work.removeMixingVoice(1, 1, 3), ContRes_Success);
+  EXPECT_TRUE(onDisk(kMixingVoice));
+  EXPECT_EQ(work.sync(), ContRes_Success);
+  EXPECT_THAT(other.contents(), ElementsAre(kVoice));
+}
+
 TEST_F(ContentsWorkTest, RemovingContentsThatAreNotThereIsDoNothing) {
   library.store({1, 1}, Bytes{1}, "");
   library.store({1, 2}, Bytes{1}, "");
@@ -355,6 +364,18 @@ TEST_F(ContentsWorkTest, ANameGoesToTheFileThatIsOpenForIt) {
   EXPECT_EQ(onDisk({4, 0x3F3C03}), (Content{"new", {2}}));
 }
 
+TEST_F(ContentsWorkTest, ANameThatComesAfterTheDataWasClosedRenamesTheContent) {
+  DataFile* const opened = work.openDataFile(pathOf(kVoice), OpenMode_Write);
+  Data* const data = opened->openData();
+  const std::uint8_t byte = 2;
+  EXPECT_EQ(data->write(&byte, 1), 1);
+  EXPECT_EQ(opened->closeDataWithoutSync(data), ContRes_Success);
+  EXPECT_EQ(work.setContentName(4, kVoice.number, "late", false), ContRes_Success);
+  EXPECT_EQ(work.closeDataFile(opened, 0), ContRes_Success);
+  EXPECT_EQ(work.sync(), ContRes_Success);
+  EXPECT_EQ(onDisk(kVoice), (Content{"late", {2}}));
+}
+
 TEST_F(ContentsWorkTest, MisuseOfFilesIsRefused) {
   library.store(kVoice, Bytes{1}, "x");
   DataFile* const reading = work.openDataFile(pathOf(kVoice), OpenMode_Read);
@@ -478,6 +499,7 @@ TEST_F(ContentsWorkTest, AFailureTakesTheWholePassBack) {
     EXPECT_EQ(work.openDataFile(pathOf(kOtherVoice), OpenMode_Write), nullptr);
     EXPECT_EQ(work.removeContent(4, kVoice.number), ContRes_StoreError);
     EXPECT_EQ(work.requestOverWriteConfig(4), ContRes_StoreError);
+    EXPECT_EQ(work.requestOverWriteConfig(0), ContRes_StoreError);
     EXPECT_EQ(work.sync(), ContRes_StoreError);
     EXPECT_THAT(work.takeError(), HasSubstr("disk full"));
     EXPECT_EQ(onDisk(kVoice), (Content{"old", {1}}));
@@ -502,7 +524,7 @@ TEST_F(ContentsWorkTest, ADamagedLibraryIsAStoreErrorInEveryOperation) {
   EXPECT_EQ(work.getMixingVoiceSumSync(count, maximum), ContRes_StoreError);
   EXPECT_EQ(work.getContentInformation(4, kVoice.number, information), ContRes_StoreError);
   EXPECT_EQ(work.openDataFile(pathOf(kVoice), OpenMode_Read), nullptr);
-  EXPECT_THAT(work.takeError(), HasSubstr(file.string()));
+  EXPECT_EQ(work.takeError(), file.string() + ": no such table: contents");  // the first of them
   for (const auto& operation : std::vector<std::function<_ContResult()>>{
            [&] { return work.removeMixingVoice(1, 0, 0); },
            [&] { return work.removeMixingVoice(1, 0, ContentNumber_All); },

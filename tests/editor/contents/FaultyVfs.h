@@ -50,6 +50,8 @@ class FaultyVfs {
   void disarm() { arm(Fault::None, 0); }
   bool hasStruck() const { return fault_ != Fault::None && countdown_ <= 0; }
   int operations() const { return operations_; }
+  // Whether files can be read.
+  void setReadable(bool readable) { readable_ = readable; }
   // From now on syncs are answered but not done.
   void ignoreSyncs() { ignoresSyncs_ = true; }
 
@@ -118,6 +120,18 @@ class FaultyVfs {
     return current_->system_->xDelete(current_->system_, name, syncDirectory);
   }
 
+  // All but the operations below goes straight to the real file.
+  template <auto Method, typename... Arguments>
+  static auto forward(sqlite3_file* file, Arguments... arguments) {
+    sqlite3_file* const real = fileOf(file).real();
+    return (real->pMethods->*Method)(real, arguments...);
+  }
+
+  static int read(sqlite3_file* file, void* bytes, int size, sqlite3_int64 offset) {
+    if (!current_->readable_) return SQLITE_IOERR_READ;
+    return forward<&sqlite3_io_methods::xRead>(file, bytes, size, offset);
+  }
+
   static int write(sqlite3_file* file, const void* bytes, int size, sqlite3_int64 offset) {
     File& self = fileOf(file);
     if (self.name != nullptr) {
@@ -149,20 +163,13 @@ class FaultyVfs {
     return self.real()->pMethods->xSync(self.real(), flags);
   }
 
-  // Everything else goes straight to the real file.
-  template <auto Method, typename... Arguments>
-  static auto forward(sqlite3_file* file, Arguments... arguments) {
-    sqlite3_file* const real = fileOf(file).real();
-    return (real->pMethods->*Method)(real, arguments...);
-  }
-
   static const sqlite3_io_methods& methods() {
     using M = sqlite3_io_methods;
     static const M kMethods = [] {
       M m{};
       m.iVersion = 2;  // with a shared index of the log, without mapped memory
       m.xClose = forward<&M::xClose>;
-      m.xRead = forward<&M::xRead>;
+      m.xRead = read;
       m.xWrite = write;
       m.xTruncate = truncate;
       m.xSync = sync;
@@ -190,6 +197,7 @@ class FaultyVfs {
   int countdown_ = 0;
   int operations_ = 0;
   bool ignoresSyncs_ = false;
+  bool readable_ = true;
   std::map<std::string, Image> images_;
 };
 

@@ -195,5 +195,23 @@ TEST(LibraryFaults, AfterAFailureInAPassTheWorkGoesOnAsIfItHadNotBegun) {
   EXPECT_EQ(work.setContentFavoriteFlag(ContType_Voice, 1, 1, true), ContRes_Success);
 }
 
+TEST(LibraryFaults, AReadThatFailsTakesThePassBack) {
+  TemporaryDirectory directory;
+  FaultyVfs vfs;
+  { Library library(directory / "library.db"); }
+  Library library(directory / "library.db", {.vfs = FaultyVfs::kName});
+  ContentsWork work(library);
+  ASSERT_EQ(work.requestOverWriteConfig(ContType_Multi), ContRes_Success);
+  vfs.setReadable(false);
+  std::int64_t count = 0;
+  std::int64_t maximum = 0;
+  EXPECT_EQ(work.getMixingVoiceSumSync(count, maximum), ContRes_StoreError);
+  vfs.setReadable(true);
+  EXPECT_EQ(work.getMixingVoiceSumSync(count, maximum), ContRes_Success);
+  EXPECT_EQ(work.removeContents(ContType_Multi, {1}, false), ContRes_StoreError);
+  EXPECT_EQ(work.sync(), ContRes_StoreError);
+  EXPECT_TRUE(runRound(work, 1));
+}
+
 }  // namespace
 }  // namespace Editor

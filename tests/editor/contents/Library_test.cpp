@@ -495,6 +495,21 @@ TEST_F(LibraryTest, WritersWaitForEachOther) {
   EXPECT_EQ(PlainDatabase{file}("PRAGMA integrity_check"), "ok");
 }
 
+TEST_F(LibraryTest, SeveralCanCreateItAtOnce) {
+  for (int round = 0; round < 20; ++round) {
+    const auto fresh = directory / ("library" + std::to_string(round)).c_str();
+    std::atomic<int> waiting = 3;
+    std::vector<std::thread> creators;
+    for (std::uint32_t creator = 0; creator < 3; ++creator)
+      creators.emplace_back([&, creator] {
+        for (--waiting; waiting > 0;) std::this_thread::yield();
+        EXPECT_NO_THROW(Library(fresh).store({1, creator}, Bytes{1}, "x"));
+      });
+    for (std::thread& creator : creators) creator.join();
+    EXPECT_EQ(Library(fresh).contents().size(), 3U);
+  }
+}
+
 // The last program to leave a file takes its log away. To open a second library must not cost the first its locks, or
 // that would happen under its hands.
 TEST_F(LibraryTest, ASecondOneInTheSameProcessDoesNotUndoTheLocksOfTheFirst) {
