@@ -22,40 +22,8 @@ bool isEditBufferFooter(BulkAddress address) {
   return address.hi == BDA::kFooterHi && editBufferOf(address.mid).has_value();
 }
 
-std::uint16_t lastShown(const Record& record) { return record.shown.empty() ? std::uint16_t(0) : record.shown.back(); }
-
-// By what was shown and written: the result alone does not tell how a dump fared.
-Outcome outcomeOf(const Record& record, const Reading& reading, bool libraryChanged) {
-  const bool isDump = reading.kind == Reading::Kind::dump;
-  switch (record.result) {
-    case BDA::BulkMsg_OtherModel:
-    case BDA::BulkMsg_NotSysEx:
-      return Outcome::notOurs;
-    case BDA::BulkMsg_Type1:
-    case BDA::BulkMsg_Type3:
-    case BDA::BulkMsg_Type4:
-      return Outcome::ignored;
-    case BDA::BulkMsg_DeviceNumberOff:
-    case BDA::BulkMsg_WrongDeviceNumber:
-      return record.shown.empty() ? Outcome::ignored : Outcome::refused;
-    case BDA::BulkMsg_CheckSumError:
-    case BDA::BulkMsg_ReceiveSwOff:
-    case BDA::BulkMsg_ReceiveError:
-      return Outcome::refused;
-    case BDA::BulkMsg_RequestSkipped:
-      return record.log.empty() ? Outcome::nothingToSend : Outcome::refused;
-    case BDA::BulkMsg_BulkRequest:
-      if (!record.log.empty()) return Outcome::refused;
-      return record.sent.empty() ? Outcome::ignored : Outcome::answered;
-    case BDA::BulkMsg_BulkDump:
-      break;
-  }
-  // The header of an empty mixing voice: its footer will say so again, and is acted upon.
-  if (isDump && reading.address->hi == BDA::kHeaderHi && marksEmptyVoice(*reading.address)) return Outcome::ignored;
-  if (!record.log.empty()) return Outcome::refused;
-  if (libraryChanged) return Outcome::stored;
-  if (record.shown.empty()) return Outcome::ignored;
-  return lastShown(record) == kStillReceiving ? Outcome::accepted : Outcome::completed;
+std::uint16_t lastShown(const AssistantHost::Effects& effects) {
+  return effects.shown.empty() ? std::uint16_t(0) : effects.shown.back();
 }
 
 // Whether the assistant now waits for a header again.
@@ -114,6 +82,39 @@ const char* wordOf(Outcome outcome) {
   return "?";
 }
 
+Outcome outcomeOf(const AssistantHost::Effects& effects, const Reading& reading, bool libraryChanged) {
+  const bool isDump = reading.kind == Reading::Kind::dump;
+  switch (effects.result) {
+    case BDA::BulkMsg_OtherModel:
+    case BDA::BulkMsg_NotSysEx:
+      return Outcome::notOurs;
+    case BDA::BulkMsg_Type1:
+    case BDA::BulkMsg_Type3:
+    case BDA::BulkMsg_Type4:
+      return Outcome::ignored;
+    case BDA::BulkMsg_DeviceNumberOff:
+    case BDA::BulkMsg_WrongDeviceNumber:
+      return effects.shown.empty() ? Outcome::ignored : Outcome::refused;
+    case BDA::BulkMsg_CheckSumError:
+    case BDA::BulkMsg_ReceiveSwOff:
+    case BDA::BulkMsg_ReceiveError:
+      return Outcome::refused;
+    case BDA::BulkMsg_RequestSkipped:
+      return effects.log.empty() ? Outcome::nothingToSend : Outcome::refused;
+    case BDA::BulkMsg_BulkRequest:
+      if (!effects.log.empty()) return Outcome::refused;
+      return effects.sent.empty() ? Outcome::ignored : Outcome::answered;
+    case BDA::BulkMsg_BulkDump:
+      break;
+  }
+  // The header of an empty mixing voice: its footer will say so again, and is acted upon.
+  if (isDump && reading.address->hi == BDA::kHeaderHi && marksEmptyVoice(*reading.address)) return Outcome::ignored;
+  if (!effects.log.empty()) return Outcome::refused;
+  if (libraryChanged) return Outcome::stored;
+  if (effects.shown.empty()) return Outcome::ignored;
+  return lastShown(effects) == kStillReceiving ? Outcome::accepted : Outcome::completed;
+}
+
 const char* nameOf(BDA::BulkMsgType result) {
   switch (result) {
     case BDA::BulkMsg_BulkDump:
@@ -152,8 +153,8 @@ std::string nameOf(ContentId content) {
   return fmt::format("content {} of type {}", content.number, content.type);
 }
 
-EmbeddedEditor::EmbeddedEditor(const std::filesystem::path& libraryFile)
-    : library_(libraryFile), store_(library_), work_(library_), host_(store_, &work_) {}
+EmbeddedEditor::EmbeddedEditor(const std::filesystem::path& libraryFile, const Library::Options& options)
+    : library_(libraryFile, options), store_(library_), work_(library_), host_(store_, &work_) {}
 
 Record EmbeddedEditor::handle(std::span<const std::uint8_t> message, BDA::DevicePortNum port, std::uint64_t number) {
   const Reading reading = readMessage(message);

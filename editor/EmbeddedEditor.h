@@ -37,6 +37,10 @@ struct Record : AssistantHost::Effects {
   std::string reason;                 // refused: why, in words
 };
 
+// What a message's effects mean: the assistant's result alone does not tell how a dump fared. `libraryChanged`: the
+// message is a footer or a trigger that stored or removed something.
+Outcome outcomeOf(const AssistantHost::Effects& effects, const Reading& reading, bool libraryChanged);
+
 // "BulkMsg_BulkDump" ...
 const char* nameOf(BDA::BulkMsgType result);
 
@@ -48,7 +52,7 @@ std::string nameOf(ContentId content);
 class EmbeddedEditor {
  public:
   // Opens the library, or creates it. Throws LibraryError and LiveModelError.
-  explicit EmbeddedEditor(const std::filesystem::path& libraryFile);
+  explicit EmbeddedEditor(const std::filesystem::path& libraryFile, const Library::Options& options = {});
 
   Library& library() { return library_; }
   ContentStore& store() { return store_; }

@@ -16,7 +16,7 @@ namespace Editor {
 namespace {
 
 // Words and name of a block type. {number} is the low byte and {index} the running middle byte, both counted from 1,
-// {letter} the latter as a letter, {first} to {last} the sixteen names that a name block carries.
+// {letter} and {capital} the latter as a letter, {first} to {last} the sixteen names that a name block carries.
 struct Naming {
   std::uint8_t type;
   const char* words;
@@ -36,7 +36,7 @@ constexpr std::array kNamings{
     Naming{9, "voice of multi part {number}", "voice:part:{number}"},
     Naming{10, "mixing voice {number}", "voice:mix:{number}"},
     Naming{11, "multi edit buffer", "multi:edit"},
-    Naming{12, "performance {letter}, {number:03}", "performance:{letter}:{number}"},
+    Naming{12, "performance {capital}, {number:03}", "performance:{letter}:{number}"},
     Naming{13, "performance edit buffer", "performance:edit"},
     Naming{14, "master {number:03}", "master:{number}"},
     Naming{15, "master edit buffer", "master:edit"},
@@ -143,8 +143,8 @@ const Naming& namingOf(std::uint8_t type, std::uint8_t mid) {
 
 std::string fill(const char* pattern, unsigned running, unsigned lo) {
   return fmt::format(fmt::runtime(pattern), fmt::arg("number", lo + 1), fmt::arg("index", running + 1),
-                     fmt::arg("letter", char('a' + running)), fmt::arg("first", 16 * lo + 1),
-                     fmt::arg("last", 16 * lo + 16));
+                     fmt::arg("letter", char('a' + running)), fmt::arg("capital", char('A' + running)),
+                     fmt::arg("first", 16 * lo + 1), fmt::arg("last", 16 * lo + 16));
 }
 
 // Calls visit(row) for the rows of the map, footers as headers with their own high byte. True when visit was, once.

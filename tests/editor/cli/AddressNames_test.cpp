@@ -91,6 +91,7 @@ TEST(AddressNames, wordsCountFromOne) {
   EXPECT_EQ(describeAddress({0x0F, 0x0A, 0x05}), "normal voice user 1, 006: footer");
   EXPECT_EQ(describeAddress({0x0F, 0x60, 0x31}), "remote setting 50: footer");
   EXPECT_EQ(describeAddress({0x41, 0x02, 0x00}), "element 3 oscillator");
+  EXPECT_EQ(describeAddress({0x0E, 0x41, 0x11}), "performance B, 018: header");
   EXPECT_EQ(describeAddress({0x47, 0x48, 0x00}), "drum key 73");
   EXPECT_EQ(describeAddress({0x00, 0x00, 0x00}), "system common");
   EXPECT_EQ(describeAddress({0x00, 0x50, 0x00}), "system quick setup 1");

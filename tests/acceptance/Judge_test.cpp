@@ -1,0 +1,148 @@
+// list and verify: what a file holds, judged without a library.
+
+#include "Program.h"
+
+using Editor::BulkAddress;
+using testing::ContainsRegex;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+
+namespace {
+
+constexpr BulkAddress kHeader{0x0E, 0x0A, 0x05};
+
+class Judge : public Program {};
+
+}  // namespace
+
+TEST_F(Judge, listPrintsOneLineForEachMessageAndNeedsNoLibrary) {
+  write("a.syx", {blockDump({0x00, 0x00, 0x00}, 1), request({0x00, 0x40, 0x00}, 4)});
+  const Result run = bda({"list", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  ASSERT_THAT(lines(run.out), SizeIs(2));
+  EXPECT_THAT(lines(run.out)[0], ContainsRegex("1 +0 +good +1 +00 00 00 +system common, 68 data bytes, checksum 78"));
+  EXPECT_THAT(lines(run.out)[1], ContainsRegex("2 +80 +good +5 +00 40 00 +request of system audio input part"));
+  EXPECT_EQ(run.err, "");
+  EXPECT_THAT(files(), ElementsAre("a.syx"));
+  EXPECT_FALSE(exists("library.db"));
+}
+
+TEST_F(Judge, listNamesEveryVerdict) {
+  Bytes foreign = request({0, 0, 0});
+  foreign[1] = 0x41;
+  Bytes type = request({0, 0, 0});
+  type[2] = 0x60;
+  write("a.syx", {foreign, damaged(blockDump({0, 0, 0})), dump({0, 0, 0}, Bytes(3)), dump({0x7F, 0, 0}), type});
+  const Result run = bda({"list", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  ASSERT_THAT(lines(run.out), SizeIs(5));
+  EXPECT_THAT(lines(run.out)[0], HasSubstr("not for this instrument"));
+  EXPECT_THAT(lines(run.out)[1], HasSubstr("checksum wrong"));
+  EXPECT_THAT(lines(run.out)[2], HasSubstr("wrong length for its block"));
+  EXPECT_THAT(lines(run.out)[3], HasSubstr("unknown address"));
+  EXPECT_THAT(lines(run.out)[4], HasSubstr("unknown type"));
+}
+
+TEST_F(Judge, messagesForOtherInstrumentsAreFine) {
+  Bytes foreign = request({0, 0, 0});
+  foreign[1] = 0x41;
+  write("a.syx", {foreign});
+  EXPECT_THAT(bda({"list", "a.syx"}), Exits(0));
+  EXPECT_THAT(bda({"verify", "a.syx"}), Exits(0));
+}
+
+TEST_F(Judge, listAsJsonHasTheDocumentedFields) {
+  write("a.syx", {blockDump(kHeader)});
+  const Result run = bda({"list", "--json", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_EQ(run.out,
+            R"({"message":1,"file":"a.syx","offset":0,"kind":"dump","verdict":"good",)"
+            R"("carries":"normal voice user 1, 006: header","device":1,"address":"0E 0A 05","name":"voice:user1:6",)"
+            R"("dataBytes":0,"checksum":99,"expectedChecksum":99,"bytes":12})"
+            "\n");
+}
+
+TEST_F(Judge, messagesAreCountedThroughAllFiles) {
+  write("a.syx", {blockDump({0, 0, 0})});
+  write("b.syx", {blockDump({0, 0, 0})});
+  const Result run = bda({"list", "--json", "a.syx", "b.syx"});
+  ASSERT_THAT(lines(run.out), SizeIs(2));
+  EXPECT_THAT(lines(run.out)[1], HasSubstr(R"("message":2,"file":"b.syx","offset":0)"));
+  EXPECT_THAT(lines(bda({"list", "a.syx", "b.syx"}).out), testing::Contains("b.syx:"));
+}
+
+TEST_F(Judge, verifySaysThatAWholeUnitIsComplete) {
+  write("a.syx", {unit(kHeader, BDA::List::normalVoice)});
+  const Result run = bda({"verify", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.out, HasSubstr("voice:user1:6: complete (messages 1 to 26)"));
+  EXPECT_THAT(run.err, HasSubstr("26 messages, 0 broken; 1 unit, 0 broken"));
+}
+
+TEST_F(Judge, verifyNamesMissingBlocks) {
+  write("a.syx", {blockDump(kHeader), blockDump({0x0F, 0x0A, 0x05})});
+  const Result run = bda({"verify", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.out, HasSubstr("voice:user1:6: 24 blocks missing (messages 1 to 2)"));
+  EXPECT_THAT(run.out, HasSubstr("element 3 oscillator (41 02 00)"));
+}
+
+TEST_F(Judge, verifyNamesUnitsThatAreAbandonedOrStillOpen) {
+  write("a.syx", {blockDump(kHeader), blockDump({0x0E, 0x0A, 0x06})});
+  const Result run = bda({"verify", "a.syx", "--json"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.out, HasSubstr(R"("unit":"voice:user1:6","address":"0E 0A 05","state":"abandoned")"));
+  EXPECT_THAT(run.out, HasSubstr(R"("unit":"voice:user1:7","address":"0E 0A 06","state":"open")"));
+}
+
+TEST_F(Judge, verifyTellsWhereABrokenMessageStands) {
+  write("a.syx", {blockDump({0, 0, 0}), damaged(blockDump({0, 0x40, 0}))});
+  const Result run = bda({"verify", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("a.syx: message 2 at offset 80: checksum wrong: checksum 39, expected 38"));
+}
+
+TEST_F(Judge, aMessageThatIsCutShortIsToldAndBreaksTheFile) {
+  write("a.syx", text(blockDump({0, 0, 0})) + text({0xF0, 0x7D, 0x00, 0x7F}));
+  for (const char* verb : {"list", "verify"}) {
+    const Result run = bda({verb, "a.syx"});
+    EXPECT_THAT(run, Exits(3));
+    EXPECT_THAT(run.err, HasSubstr("a.syx: offset 80: 4 bytes dropped, message without end"));
+  }
+}
+
+TEST_F(Judge, strayBytesAreToldButBreakNothing) {
+  write("a.syx", text({0x01, 0x02}) + text(blockDump({0, 0, 0})));
+  const Result run = bda({"verify", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.err, HasSubstr("a.syx: offset 0: 2 bytes dropped, outside of any message"));
+}
+
+TEST_F(Judge, standardInputIsAFileToo) {
+  const Result run = bda({"list", "-"}, text(blockDump({0, 0, 0})));
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(lines(run.out), SizeIs(1));
+}
+
+TEST_F(Judge, filesAreRecognisedByTheirContent) {
+  const Bytes message = blockDump({0x00, 0x40, 0x00});
+  const Bytes track{0x00, 0xF0, std::uint8_t(message.size() - 1)};
+  std::string midi("MThd\0\0\0\6\0\0\0\1\0\x60MTrk\0\0\0", 21);
+  midi += char(track.size() + message.size() - 1 + 4);
+  midi += text(track) + text({message.begin() + 1, message.end()}) + std::string("\0\xFF\x2F\0", 4);
+  write("song.syx", midi);  // whatever it is called
+  const Result run = bda({"list", "song.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.out, HasSubstr("system audio input part, 8 data bytes"));
+}
+
+TEST_F(Judge, controlCharactersOfFileNamesAreEscaped) {
+  write("a\x1B[31m.syx", text({0xF0, 0x7D}));
+  const Result run = bda({"list", "a\x1B[31m.syx"});
+  EXPECT_THAT(run, Exits(2));
+  EXPECT_THAT(run.err, HasSubstr("a\\x1B[31m.syx"));
+  EXPECT_THAT(run.err, Not(HasSubstr("\x1B")));
+}

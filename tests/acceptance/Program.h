@@ -1,0 +1,57 @@
+#pragma once
+
+// The program `bda` as its user runs it: a process, a library of its own, files in a directory of its own.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <initializer_list>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "../editor/cli/BulkMessages.h"
+
+struct Result {
+  int code = -1;  // -1: it did not end by itself
+  std::string out;
+  std::string err;
+};
+
+class Program : public testing::Test {
+ protected:
+  Program();
+  ~Program() override;
+
+  // In the test's directory, with its library.
+  Result bda(const std::vector<std::string>& arguments, const std::string& input = "");
+  Result bdaWithout(const std::string& variable, const std::vector<std::string>& arguments);
+
+  // A file of the test's directory, by its name.
+  void write(const std::string& name, const std::string& bytes);
+  void write(const std::string& name, std::initializer_list<Bytes> messages);
+  std::string read(const std::string& name) const;
+  bool exists(const std::string& name) const;
+  std::vector<std::string> files() const;  // without the library's
+
+  // A whole unit: header, all blocks of the list filled with `value`, footer.
+  static Bytes unit(Editor::BulkAddress header, BDA::List list, std::uint8_t value = 0);
+  // All system blocks.
+  static Bytes systemDump(std::uint8_t value);
+
+  nlohmann::ordered_json json(const std::vector<std::string>& arguments);
+  // The trace that `name` holds, one object for each message.
+  std::vector<nlohmann::ordered_json> trace(const std::string& name) const;
+
+  std::filesystem::path directory;
+};
+
+// Lines of a text.
+std::vector<std::string> lines(const std::string& text);
+std::string text(const Bytes& bytes);
+
+MATCHER_P(Exits, code, "") {
+  *result_listener << "code " << arg.code << "\n-- out:\n" << arg.out << "-- err:\n" << arg.err;
+  return arg.code == code;
+}

@@ -1,0 +1,234 @@
+// receive: what comes in, what is said of it, and what is in the library afterwards.
+
+#include "Program.h"
+
+#include "contents/Library.h"
+
+using Editor::BulkAddress;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+
+namespace {
+
+constexpr BulkAddress kHeader{0x0E, 0x0A, 0x05};
+constexpr BulkAddress kFooter{0x0F, 0x0A, 0x05};
+constexpr BulkAddress kElement{0x41, 0x02, 0x00};
+
+class Receive : public Program {};
+
+}  // namespace
+
+TEST_F(Receive, aWholeSystemDumpGoesInAndOutByteForByte) {
+  write("in.syx", {systemDump(0)});
+  EXPECT_THAT(bda({"receive", "in.syx"}), Exits(0));
+  EXPECT_THAT(bda({"request", "system", "-o", "out.syx"}), Exits(0));
+  EXPECT_THAT(bda({"receive", "out.syx", "--library", "other.db"}), Exits(0));
+  EXPECT_THAT(bda({"request", "system", "-o", "again.syx", "--library", "other.db"}), Exits(0));
+  EXPECT_EQ(read("out.syx").size(), read("in.syx").size());
+  EXPECT_EQ(read("again.syx"), read("out.syx"));
+}
+
+TEST_F(Receive, aWholeVoiceIsStoredAndSaidSo) {
+  write("a.syx", {unit(kHeader, BDA::List::normalVoice, 1)});
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_EQ(run.out, "stored: voice:user1:6 (a.syx: message 26 at offset 2040)\n");
+  EXPECT_THAT(run.err, HasSubstr("1 stored, 25 accepted"));
+  EXPECT_THAT(bda({"contents"}).out, HasSubstr("voice:user1:6"));
+}
+
+TEST_F(Receive, refusedMessagesAreToldWithFileOffsetNumberAndReason) {
+  write("a.syx", {blockDump({0, 0x40, 0}), damaged(blockDump({0, 0, 0})), dump({0, 0, 0}, Bytes(3)), dump({0x7F, 0, 0}),
+                  dump({0, 0x40, 0}, Bytes(8), 3), blockDump(kElement), blockDump(kFooter)});
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(lines(run.out), ElementsAre("completed: system audio input part (a.syx: message 1 at offset 0)"));
+  const std::vector<std::string> told = lines(run.err);
+  ASSERT_THAT(told, SizeIs(7));
+  EXPECT_EQ(told[0], "a.syx: message 2 at offset 20: refused: system common: checksum wrong: checksum 3D, expected 3C");
+  EXPECT_EQ(told[1],
+            "a.syx: message 3 at offset 100: refused: system common: wrong length for its block: 3 data bytes, this "
+            "block has 68");
+  EXPECT_EQ(told[2], "a.syx: message 4 at offset 115: refused: unknown address: unknown address: no block at 7F 00 00");
+  EXPECT_EQ(told[3],
+            "a.syx: message 5 at offset 127: refused: system audio input part: it is for device 4, the device number "
+            "is 1");
+  EXPECT_EQ(told[4], "a.syx: message 6 at offset 147: refused: element 3 oscillator: no open header admits this block");
+  EXPECT_EQ(told[5],
+            "a.syx: message 7 at offset 247: refused: normal voice user 1, 006: footer: it closes no open header");
+  EXPECT_EQ(told[6], "6 refused, 1 completed");
+  EXPECT_THAT(bda({"contents"}).out, IsEmpty());
+}
+
+TEST_F(Receive, aUnitThatLacksBlocksIsStoredAndNamedIncomplete) {
+  write("a.syx", {blockDump(kHeader), blockDump(kElement), blockDump(kFooter)});
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.out, HasSubstr("stored: voice:user1:6"));
+  EXPECT_THAT(run.err, HasSubstr("a.syx: message 3 at offset 112: voice:user1:6: 23 blocks missing (messages 1 to 3)"));
+  EXPECT_THAT(run.err, HasSubstr("element 4 oscillator (41 03 00)"));
+  EXPECT_THAT(run.err, Not(HasSubstr("element 3 oscillator")));
+}
+
+TEST_F(Receive, anAbandonedUnitIsNamed) {
+  write("a.syx", {blockDump(kHeader), unit({0x0E, 0x0A, 0x06}, BDA::List::normalVoice)});
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("voice:user1:6: abandoned (messages 1 to 2), by normal voice user 1, 007: header"));
+  EXPECT_THAT(run.out, HasSubstr("stored: voice:user1:7"));
+}
+
+TEST_F(Receive, whatIsStillOpenAtTheEndIsNamed) {
+  write("a.syx", {dump({0x0C, 0x50, 0x04}, {0, 0, 0, 2, 0, 0x41}), blockDump(kHeader), blockDump(kElement)});
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("voice:user1:6: still open at the end, without footer"));
+  EXPECT_THAT(run.err, HasSubstr("1 file dump still held at the end, without write trigger (from message 1): file dump "
+                                 "of multi 5 (0C 50 04)"));
+  EXPECT_THAT(run.out, Not(HasSubstr("stored")));
+  EXPECT_THAT(bda({"contents"}).out, IsEmpty());
+}
+
+TEST_F(Receive, aUnitMayGoOnInTheNextFile) {
+  const Bytes whole = unit(kHeader, BDA::List::normalVoice);
+  write("1.syx", {{whole.begin(), whole.begin() + 12}});
+  write("2.syx", {{whole.begin() + 12, whole.end()}});
+  EXPECT_THAT(bda({"receive", "1.syx", "2.syx"}), Exits(0));
+  EXPECT_THAT(bda({"receive", "1.syx"}), Exits(3));
+}
+
+TEST_F(Receive, fileDumpsAreStoredByTheirTrigger) {
+  write("a.syx", {dump({0x0C, 0x50, 0x04}, {0, 2, 0x00, 0x41, 0, 2, 0x00, 0x42}), dump({0x11, 0, 0})});
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.out, HasSubstr("stored: file:multi:5"));
+  EXPECT_THAT(bda({"contents"}).out, HasSubstr("opaque, 1 bytes"));
+  EXPECT_THAT(bda({"request", "file:multi:5", "write", "-o", "back.syx"}), Exits(0));
+  EXPECT_EQ(read("back.syx"), read("a.syx"));
+}
+
+TEST_F(Receive, messagesOfOthersAndOfOtherTypesNeverChangeTheCode) {
+  Bytes foreign = request({0, 0, 0});
+  foreign[1] = 0x41;
+  Bytes type = request({0, 0, 0});
+  type[2] = 0x10;
+  write("a.syx", {foreign, type, {0xF0, 0x7D, 0x35, 0x7F, 0x14, 0x70, 0x00, 0x06, 0xF7}});
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(lines(run.out), ElementsAre(HasSubstr("not-ours: another instrument's message"), HasSubstr("ignored: "),
+                                          HasSubstr("ignored: ")));
+}
+
+TEST_F(Receive, cutMessagesAreToldAndExitWith3) {
+  write("a.syx", text(blockDump({0, 0x40, 0})) + text({0xF0, 0x7D, 0x00}));
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("a.syx: offset 20: 3 bytes dropped, message without end"));
+  EXPECT_THAT(run.out, HasSubstr("completed: system audio input part"));
+}
+
+TEST_F(Receive, settingsRefuse) {
+  write("a.syx", {blockDump({0, 0, 0})});
+  EXPECT_THAT(bda({"settings", "receive-bulk", "off"}), Exits(0));
+  EXPECT_THAT(bda({"receive", "a.syx"}), Exits(3));
+  EXPECT_THAT(bda({"receive", "a.syx"}).err, HasSubstr("receive-bulk is off"));
+  EXPECT_THAT(bda({"settings", "receive-bulk", "on"}), Exits(0));
+  EXPECT_THAT(bda({"settings", "device-number", "off"}), Exits(0));
+  EXPECT_THAT(bda({"receive", "a.syx"}).err, HasSubstr("the device number is off"));
+  EXPECT_THAT(bda({"settings", "device-number", "all"}), Exits(0));
+  EXPECT_THAT(bda({"receive", "a.syx"}), Exits(0));
+}
+
+TEST_F(Receive, answersGoToTheirFile) {
+  write("a.syx", {request({0, 0x40, 0}), request({0, 0x06, 0})});
+  const Result run = bda({"receive", "a.syx", "-o", "answers.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(lines(run.out), SizeIs(2));
+  EXPECT_EQ(read("answers.syx"), text(blockDump({0, 0x40, 0})) + text(blockDump({0, 0x06, 0})));
+}
+
+TEST_F(Receive, answersOnStandardOutputHaveItForThemselves) {
+  write("a.syx", {request({0, 0x40, 0})});
+  const Result run = bda({"receive", "a.syx", "-o", "-"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_EQ(run.out, text(blockDump({0, 0x40, 0})));
+  EXPECT_THAT(run.err, HasSubstr("answered: request of system audio input part, 1 message"));
+}
+
+TEST_F(Receive, withoutAnswersTheirFileStaysAsItIs) {
+  write("a.syx", {blockDump({0, 0, 0})});
+  write("answers.syx", "kept");
+  EXPECT_THAT(bda({"receive", "a.syx", "-o", "answers.syx"}), Exits(0));
+  EXPECT_EQ(read("answers.syx"), "kept");
+  EXPECT_THAT(files(), ElementsAre("a.syx", "answers.syx"));
+}
+
+TEST_F(Receive, anOutputThatCannotBeCreatedKeepsEverythingAsItIs) {
+  write("a.syx", {blockDump({0, 0, 0}, 1)});
+  const Result run = bda({"receive", "a.syx", "-o", "none/answers.syx"});
+  EXPECT_THAT(run, Exits(1));
+  EXPECT_THAT(run.err, HasSubstr("none/answers.syx: cannot create it: No such file or directory"));
+  EXPECT_THAT(bda({"show", "system"}).out, HasSubstr("system.sequencer: 0 0 0 0 0 0 0"));
+}
+
+TEST_F(Receive, theTraceHasOneObjectForEachMessage) {
+  const Bytes foreign{0xF0, 0x7E, 0x00, 0xF7};
+  write("a.syx", {blockDump({0, 0x40, 0}), foreign});
+  write("b.syx", {blockDump(kHeader), blockDump(kFooter), damaged(blockDump({0, 0, 0}))});
+  EXPECT_THAT(bda({"receive", "a.syx", "b.syx", "--port", "6", "--trace", "t.jsonl"}), Exits(3));
+  const auto objects = trace("t.jsonl");
+  ASSERT_THAT(objects, SizeIs(5));
+  EXPECT_EQ(objects[0].dump(),
+            R"({"message":1,"file":"a.syx","offset":0,"port":6,)"
+            R"("in":"F0 7D 00 7F 14 00 08 00 40 00 00 00 00 00 00 00 00 00 38 F7",)"
+            R"("result":{"value":0,"name":"BulkMsg_BulkDump"},"outcome":"completed","shown":[11,12],"log":[],)"
+            R"("sent":[{"port":4,"bytes":"F0 7D 00 7F 14 00 08 00 40 00 00 00 00 00 00 00 00 00 38 F7"}]})");
+  EXPECT_EQ(objects[1].dump(),
+            R"({"message":2,"file":"a.syx","offset":20,"port":6,"in":"F0 7E 00 F7",)"
+            R"("result":{"value":5,"name":"BulkMsg_OtherModel"},"outcome":"not-ours","shown":[],"log":[],"sent":[]})");
+  EXPECT_EQ(objects[2]["message"], 3);
+  EXPECT_EQ(objects[2]["file"], "b.syx");
+  EXPECT_EQ(objects[2]["offset"], 0);
+  EXPECT_EQ(objects[3]["outcome"], "stored");
+  EXPECT_EQ(objects[3]["contents"].dump(), R"(["voice:user1:6"])");
+  EXPECT_EQ(objects[3]["missing"].size(), 24u);
+  EXPECT_EQ(objects[3]["missing"][0], "40 00 00");
+  EXPECT_EQ(objects[4]["outcome"], "refused");
+  EXPECT_EQ(objects[4]["log"].dump(),
+            R"(["..\\..\\bda\\BulkDumpAssistant.cpp:267 [BDA::BulkDumpAssistant::checkBulkDumpMessage] ",)"
+            R"("Check Sum Error!: Address=[00,00,00], Received Check Sum=[ 0x3c ], Correct Check Sum=[ 0x3d ]\n"])");
+}
+
+TEST_F(Receive, theTraceAndTheAnswersCanBeOneRun) {
+  write("a.syx", {request({0, 0x40, 0})});
+  EXPECT_THAT(bda({"receive", "a.syx", "-o", "answers.syx", "--trace", "-"}), Exits(0));
+  const Result run = bda({"receive", "a.syx", "-o", "answers.syx", "--trace", "-"});
+  ASSERT_THAT(lines(run.out), SizeIs(1));
+  EXPECT_THAT(run.out, HasSubstr(R"("outcome":"answered")"));
+}
+
+TEST_F(Receive, quietSaysOnlyWhatWentWrong) {
+  write("a.syx", {blockDump({0, 0x40, 0}), damaged(blockDump({0, 0, 0}))});
+  const Result run = bda({"-q", "receive", "a.syx"});
+  EXPECT_THAT(lines(run.err), ElementsAre(HasSubstr("message 2 at offset 20: refused")));
+}
+
+TEST_F(Receive, verboseShowsTheLog) {
+  write("a.syx", {damaged(blockDump({0, 0, 0}))});
+  EXPECT_THAT(bda({"-v", "receive", "a.syx"}).err, HasSubstr("Check Sum Error!"));
+}
+
+TEST_F(Receive, aLockedLibraryIsToldAndNothingIsChanged) {
+  write("a.syx", {blockDump({0, 0, 0}, 1)});
+  EXPECT_THAT(bda({"settings"}), Exits(0));
+  Editor::Library library(directory / "library.db");
+  const Editor::Library::Transaction transaction(library);
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(1));
+  EXPECT_THAT(run.err, HasSubstr("locked by another program"));
+  EXPECT_THAT(run.out, IsEmpty());
+}
