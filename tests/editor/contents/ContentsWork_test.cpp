@@ -522,8 +522,8 @@ TEST_F(ContentsWorkTest, ADamagedLibraryIsAStoreErrorInEveryOperation) {
   EXPECT_EQ(work.getContentName(4, kVoice.number, name), ContRes_StoreError);
   EXPECT_EQ(work.getMixingVoiceName(1, 0, 0, name), ContRes_StoreError);
   EXPECT_EQ(work.getMixingVoiceSumSync(count, maximum), ContRes_StoreError);
-  EXPECT_EQ(work.getContentInformation(4, kVoice.number, information), ContRes_StoreError);
   EXPECT_EQ(work.openDataFile(pathOf(kVoice), OpenMode_Read), nullptr);
+  EXPECT_EQ(work.getContentInformation(4, kVoice.number, information), ContRes_StoreError);
   EXPECT_EQ(work.takeError(), file.string() + ": no such table: contents");  // the first of them
   for (const auto& operation : std::vector<std::function<_ContResult()>>{
            [&] { return work.removeMixingVoice(1, 0, 0); },
