@@ -46,6 +46,9 @@ class BulkTable {
   BulkBlock* findBulkDumpNVce(const Address& address);
   BulkBlock* findBulkDumpDVce(const Address& address);
 
+  // The block of an address, whatever header is open; null when the address is not in the map.
+  BulkBlock* search(const Address& address) const;
+
   // The kind of bank that multi part `lo` selects in the live multi; BankType_None from 16 on.
   std::uint32_t getBankType(std::uint8_t lo);
 

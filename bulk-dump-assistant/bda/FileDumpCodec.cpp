@@ -9,12 +9,16 @@ namespace {
 // A whole group fits a 64-bit word, first byte lowest. Other machines take every group byte by byte.
 constexpr bool kIsLittleEndian = std::endian::native == std::endian::little;
 
-std::uint64_t load(const std::uint8_t* bytes) {
-  std::uint64_t word = 0;
+template <typename Word>
+Word load(const std::uint8_t* bytes) {
+  Word word = 0;
   std::memcpy(&word, bytes, sizeof word);
   return word;
 }
-void store(std::uint8_t* bytes, std::uint64_t word) { std::memcpy(bytes, &word, sizeof word); }
+template <typename Word>
+void store(std::uint8_t* bytes, Word word) {
+  std::memcpy(bytes, &word, sizeof word);
+}
 
 // Byte i of the group moves up by one, without its top bit. The top bits, one in each of seven bytes, meet in the
 // leading byte: bit 8i times 2^(9(6-i)) is bit 54 - i, and no two of the 49 products share a bit, so none carries.
@@ -50,9 +54,17 @@ bool decodeGroup(const std::uint8_t* packed, std::uint8_t count, std::uint8_t* o
 bool encode(std::span<const std::uint8_t> source, std::uint8_t* packed) {
   const std::uint8_t* from = source.data();
   std::size_t left = source.size();
-  // Eight bytes are read for seven: the last group goes byte by byte.
-  for (; kIsLittleEndian && left > kGroup; left -= kGroup, from += kGroup, packed += kPackedGroup)
-    store(packed, encodeWord(load(from)));
+  if constexpr (kIsLittleEndian) {
+    // Eight bytes are read for seven while there are eight; the last whole group is read as two overlapping halves.
+    for (; left > kGroup; left -= kGroup, from += kGroup, packed += kPackedGroup)
+      store(packed, encodeWord(load<std::uint64_t>(from)));
+    if (left == kGroup) {
+      const std::uint64_t low = load<std::uint32_t>(from);
+      const std::uint64_t high = load<std::uint32_t>(from + 3);
+      store(packed, encodeWord(low | high << 24));
+      return true;
+    }
+  }
   while (left > 0) {
     const std::size_t count = left < kGroup ? left : kGroup;
     if (!encodeGroup(from, std::uint8_t(count), packed)) return false;
@@ -66,9 +78,20 @@ bool encode(std::span<const std::uint8_t> source, std::uint8_t* packed) {
 bool decode(std::span<const std::uint8_t> packed, std::uint8_t* out) {
   const std::uint8_t* from = packed.data();
   std::size_t left = packed.size();
-  // Eight bytes are written for seven: room for one more whole group must be there.
-  for (; kIsLittleEndian && left >= 2 * kPackedGroup; left -= kPackedGroup, from += kPackedGroup, out += kGroup)
-    store(out, decodeWord(load(from)));
+  if constexpr (kIsLittleEndian) {
+    // Eight bytes are written for seven while another whole group follows; the last one is written as two overlapping
+    // halves.
+    for (; left >= 2 * kPackedGroup; left -= kPackedGroup, from += kPackedGroup, out += kGroup)
+      store(out, decodeWord(load<std::uint64_t>(from)));
+    if (left >= kPackedGroup) {
+      const std::uint64_t group = decodeWord(load<std::uint64_t>(from));
+      store(out, std::uint32_t(group));
+      store(out + 3, std::uint32_t(group >> 24));
+      left -= kPackedGroup;
+      from += kPackedGroup;
+      out += kGroup;
+    }
+  }
   while (left > 0) {
     const std::size_t count = left < kPackedGroup ? left : kPackedGroup;
     if (!decodeGroup(from, std::uint8_t(count), out)) return false;
