@@ -271,14 +271,13 @@ FakeJobTools::FakeJobTools(Calls& calls) : system(calls), additional(calls), cal
 FakeJobTools::~FakeJobTools() = default;
 
 void FakeJobTools::expectTemporary(const CMA::TemporaryCoreModel* model) const {
-  if (model != nullptr) {
-    EXPECT_EQ(model, &temporaryModel);
-  }
+  EXPECT_EQ(model, created_);
 }
 
 CMA::TemporaryCoreModel* FakeJobTools::createTemporaryModel() {
   const bool made = calls_.use("createTemporaryModel", 1, 0, [] { return call("createTemporaryModel"); }) != 0;
-  return made ? &temporaryModel : nullptr;
+  created_ = made ? &temporaryModel : nullptr;
+  return created_;
 }
 
 void FakeJobTools::destroyTemporaryModel(CMA::TemporaryCoreModel* model) {

@@ -436,10 +436,11 @@ class FakeJobTools : public CMA::JobTools {
   Bytes screenImage;
 
  private:
-  // "null" for a call that was not given the temporary model of this editor, which is a failure of the test.
+  // A call that was not given the temporary model of this editor, or null where it has none, fails the test.
   void expectTemporary(const CMA::TemporaryCoreModel* model) const;
 
   Calls& calls_;
+  CMA::TemporaryCoreModel* created_ = &temporaryModel;
   std::map<std::uint16_t, std::unique_ptr<FakeVoice>> liveVoices_;
   std::map<std::uint16_t, std::unique_ptr<FakeVoice>> temporaryVoices_;
   std::unique_ptr<FakeMulti> liveMulti_;
