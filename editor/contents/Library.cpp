@@ -4,6 +4,7 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <string_view>
@@ -243,40 +244,43 @@ auto Library::run(Operation operation) const -> decltype(operation()) {
 }
 
 Library::Transaction::Transaction(Library& library, Access access)
-    : library_(library), level_(library.level_ + 1), changes_(library.pending_.size()) {
+    : library_(library), outer_(library.open_.size()), changes_(library.pending_.size()) {
+  library.open_.reserve(outer_ + 1);
   library.run([&] {
     SQLite::Database& connection = library.database_->connection;
-    if (level_ == 1)
+    if (outer_ == 0)
       connection.exec(access == Access::Write ? "BEGIN IMMEDIATE" : "BEGIN");
     else if (library.database_->transactionLost())
       library.fail(SQLITE_ABORT, "an earlier error has ended the transaction");
     else
-      connection.exec("SAVEPOINT level" + std::to_string(level_));
+      connection.exec("SAVEPOINT " + savepoint());
   });
-  library.level_ = level_;
+  library.open_.push_back(this);
 }
 
 Library::Transaction::~Transaction() {
-  if (!open_) return;
-  library_.level_ = level_ - 1;
+  std::vector<const Transaction*>& open = library_.open_;
+  const auto self = std::find(open.begin(), open.end(), this);
+  if (self == open.end()) return;  // committed, or ended with an outer one
+  open.erase(self, open.end());
   library_.pending_.resize(changes_);
   SQLite::Database& connection = library_.database_->connection;
-  if (level_ == 1) {
+  if (outer_ == 0)
     connection.tryExec("ROLLBACK");
-  } else if (!library_.database_->transactionLost()) {
-    const std::string name = "level" + std::to_string(level_);
-    connection.tryExec("ROLLBACK TO " + name + "; RELEASE " + name);
-  }
+  else if (!library_.database_->transactionLost())
+    connection.tryExec("ROLLBACK TO " + savepoint() + "; RELEASE " + savepoint());
 }
 
+std::string Library::Transaction::savepoint() const { return "inner" + std::to_string(outer_); }
+
 void Library::Transaction::commit() {
-  if (!open_ || library_.level_ != level_)
-    throw std::logic_error("transactions end in the reverse order of their beginning");
-  library_.run(
-      [&] { library_.database_->connection.exec(level_ == 1 ? "COMMIT" : "RELEASE level" + std::to_string(level_)); });
-  open_ = false;
-  library_.level_ = level_ - 1;
-  if (level_ > 1) return;
+  std::vector<const Transaction*>& open = library_.open_;
+  if (open.empty() || open.back() != this)
+    throw std::logic_error("a transaction is committed once, after those inside it");
+  library_.committed_.reserve(library_.committed_.size() + library_.pending_.size());  // no failure after the fact
+  library_.run([&] { library_.database_->connection.exec(outer_ == 0 ? "COMMIT" : "RELEASE " + savepoint()); });
+  open.pop_back();
+  if (outer_ > 0) return;
   library_.changeCount_ += library_.pending_.size();
   library_.committed_.insert(library_.committed_.end(), library_.pending_.begin(), library_.pending_.end());
   library_.pending_.clear();

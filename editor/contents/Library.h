@@ -70,7 +70,7 @@ class Library {
 
   // Makes one change of many, or for reading holds one state of the library still. Inside another transaction it is a
   // part of that: its commit takes effect with the outer one's, its end without a commit takes back its own part only.
-  // Transactions end in the reverse order of their beginning.
+  // An outer one that ends without a commit ends those inside as well; it cannot be committed before them.
   class Transaction {
    public:
     enum class Access { Write, Read };
@@ -83,10 +83,11 @@ class Library {
     void commit();
 
    private:
+    std::string savepoint() const;
+
     Library& library_;
-    const int level_;            // 1 is the outermost
+    const std::size_t outer_;    // how many transactions it is inside of
     const std::size_t changes_;  // how many were pending when it began
-    bool open_ = true;
   };
 
   struct Content {
@@ -139,7 +140,7 @@ class Library {
 
   std::filesystem::path file_;
   std::unique_ptr<Database> database_;
-  int level_ = 0;
+  std::vector<const Transaction*> open_;  // from the outermost to the innermost
   std::vector<Change> pending_;
   std::vector<Change> committed_;
   std::uint64_t changeCount_ = 0;

@@ -451,6 +451,17 @@ TEST_F(ContentsWorkTest, APassIsPartOfTheEditorsTransaction) {
   EXPECT_THAT(library.takeChanges(), ElementsAre(Change{Change::Kind::Stored, kVoice}));
 }
 
+TEST_F(ContentsWorkTest, APassMayOutliveTheEditorsTransaction) {
+  {
+    Library::Transaction message(library);
+    write(kVoice, {1}, "x");
+  }
+  EXPECT_TRUE(work.abandonPass());
+  write(kMulti, {1}, "x");
+  EXPECT_EQ(work.sync(), ContRes_Success);
+  EXPECT_THAT(other.contents(), ElementsAre(kMulti));
+}
+
 TEST_F(ContentsWorkTest, ChangesAreListedAfterTheirPassOnly) {
   library.store(kMixingVoice, Bytes{1}, "old");
   library.takeChanges();

@@ -408,7 +408,7 @@ TEST_F(LibraryTest, AnInnerTransactionTakesBackItsOwnPartOnly) {
   EXPECT_THAT(library.takeChanges(), ElementsAre(Change{Change::Kind::Stored, kVoice}));
 }
 
-TEST_F(LibraryTest, TransactionsEndInReverseOrder) {
+TEST_F(LibraryTest, ATransactionIsCommittedOnceAndAfterThoseInsideIt) {
   Library library(file);
   std::optional<Library::Transaction> outer(library);
   std::optional<Library::Transaction> inner(library);
@@ -419,6 +419,21 @@ TEST_F(LibraryTest, TransactionsEndInReverseOrder) {
   inner.reset();
   outer->commit();
   EXPECT_TRUE(library.content(kVoice));
+}
+
+TEST_F(LibraryTest, AnOuterTransactionEndsThoseInsideIt) {
+  Library library(file);
+  std::optional<Library::Transaction> outer(library);
+  std::optional<Library::Transaction> inner(library);
+  library.store(kVoice, Bytes{1}, "x");
+  outer.reset();
+  EXPECT_THROW(inner->commit(), std::logic_error);
+  std::optional<Library::Transaction> next(library);
+  library.store(kMulti, Bytes{1}, "x");
+  inner.reset();  // takes nothing back that is not its own
+  next->commit();
+  EXPECT_THAT(library.contents(), ElementsAre(kMulti));
+  EXPECT_THAT(library.takeChanges(), ElementsAre(Change{Change::Kind::Stored, kMulti}));
 }
 
 // SQLite ends a whole transaction by itself on some errors; what follows must not be written alone.
