@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <cstddef>
 #include <new>
 #include <thread>
 #include <type_traits>

@@ -393,6 +393,38 @@ TEST_F(Rejection, AReceiveErrorIsLoggedShownAndForgetsTheHeader) {
   }
 }
 
+TEST_F(Rejection, MessagesOfEveryLengthAreHandledWithoutReadingOn) {
+  for (const bool isRequest : {false, true}) {
+    Bytes whole = isRequest ? requestMessage("00 40 00") : dumpMessage("00 40 00", pattern(8));
+    const std::size_t right = whole.size();
+    whole.resize(right + 4);
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+      const BulkMsgType type = sendBytes(Bytes(whole.begin(), whole.begin() + std::ptrdiff_t(length)));
+      const std::vector<int> ids = shown();
+      const std::vector<std::string> log = trace();
+      const std::size_t messages = sent().size();
+      if (length < 9) {
+        EXPECT_EQ(type, length == 0 ? BulkMsg_NotSysEx : BulkMsg_OtherModel);
+        EXPECT_THAT(ids, IsEmpty());
+        EXPECT_THAT(log, IsEmpty());
+      } else if (length == right) {
+        EXPECT_EQ(type, isRequest ? BulkMsg_BulkRequest : BulkMsg_BulkDump);
+        EXPECT_EQ(ids, isRequest ? (std::vector<int>{13, 14}) : (std::vector<int>{11, 12}));
+        EXPECT_THAT(log, IsEmpty());
+      } else if (isRequest || length < 12) {
+        EXPECT_EQ(type, BulkMsg_ReceiveError);
+        EXPECT_THAT(ids, ElementsAre(44));
+        EXPECT_EQ(log, receivingError());
+      } else {
+        EXPECT_EQ(type, BulkMsg_CheckSumError);
+        EXPECT_THAT(ids, ElementsAre(40));
+        EXPECT_GE(log.size(), 4U);
+      }
+      EXPECT_EQ(messages, length == right ? 1U : 0U) << "an echo or an answer";
+    }
+  }
+}
+
 TEST_F(Rejection, NothingRejectedIsEchoed) {
   for (const std::uint32_t from : {1U, 6U}) {
     port = DevicePortNum(from);

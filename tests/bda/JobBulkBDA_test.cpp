@@ -68,12 +68,18 @@ TEST_F(BulkJobs, TheAnswerLeavesOnPort1) {
   EXPECT_THAT(shown(), ElementsAre(13, 14));
 }
 
-TEST_F(BulkJobs, EveryDeviceSettingPassesButOff) {
+TEST_F(BulkJobs, EveryDeviceSettingPassesButOffWithSwitchOnOrOff) {
   refuseAtTheModeCheck();
-  for (int setting = 0; setting <= 16; ++setting) {
-    setDevice(setting);
-    for (std::size_t job = 0; job < bulkJobs.size(); ++job) EXPECT_EQ(run(job), CMA::JOB::Result_Success) << setting;
-    trace();
+  for (int setting = 0; setting <= 17; ++setting) {
+    for (const int receiveSwitch : {0, 1}) {
+      setDevice(setting);
+      setReceiveSwitch(receiveSwitch);
+      for (std::size_t job = 0; job < bulkJobs.size(); ++job) {
+        EXPECT_EQ(run(job), setting == 17 ? CMA::JOB::Result_UnknownError : CMA::JOB::Result_Success) << setting;
+        EXPECT_EQ(tools.system.utility[50], receiveSwitch);
+        EXPECT_EQ(trace().size(), setting == 17 ? 0U : 2U) << "the mode check's";
+      }
+    }
   }
 }
 

@@ -169,6 +169,26 @@ TEST_F(ReceiverTest, TheNoticeCarriesTheDeviceNumberOfTheMoment) {
   }
 }
 
+TEST_F(ReceiverTest, DeviceSettingsAbove17AreSentUnmasked) {
+  tools.system.utility[51] = 18;
+  executer.result = 0x4;
+  EXPECT_EQ(dump("00 40 00", 4), 0x4U);
+  ASSERT_EQ(bridge.messages.size(), 1U);
+  EXPECT_EQ(textOf(bridge.messages[0].bytes), "F0 7D 72 02 F7");
+  bridge.messages.clear();
+  EXPECT_EQ(request("00 20 00", 1), 0U);
+  ASSERT_EQ(bridge.messages.size(), 1U);
+  EXPECT_EQ(bridge.messages[0].bytes[2], 0x12);
+}
+
+TEST_F(ReceiverTest, WithDeviceOffARequestFailsWithoutAMessage) {
+  tools.system.utility[51] = 17;
+  EXPECT_EQ(request("00 20 00", 1), 0x80000000U);
+  EXPECT_EQ(trace.take(),
+            failure("Receiver", 251, kRequest, "error : getBulkDumpMessage() ! [ BDAErr = 0x80000000 ]\n"));
+  EXPECT_THAT(bridge.messages, IsEmpty());
+}
+
 TEST_F(ReceiverTest, ABlockMayUnregisterTheBridgeBeforeTheNotice) {
   executer.result = 0x4;
   record.during("block.receive", [&] { dumps.setBridge(nullptr); });
