@@ -53,7 +53,7 @@ std::string messagesOf(const std::vector<std::string>& log) {
     if (line.compare(0, kPlace.size(), kPlace) == 0) continue;
     const std::size_t end = line.find_last_not_of(" \n");
     if (!text.empty()) text += "; ";
-    text += line.substr(0, end == line.npos ? 0 : end + 1);
+    text += line.substr(0, end + 1);
   }
   return text;
 }

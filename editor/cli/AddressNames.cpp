@@ -211,9 +211,11 @@ std::optional<Running> match(std::string_view pattern, std::string_view text) {
 
 // "voice:user1..3:1..128"
 std::string shapeOf(const char* pattern, const BDA::AddressRow& row) {
-  const auto range = [](std::string first, std::string last) { return first == last ? first : first + ".." + last; };
+  const auto range = [](const std::string& first, const std::string& last) {
+    return first == last ? first : first + ".." + last;
+  };
   const auto replace = [](std::string& shape, std::string_view what, const std::string& with) {
-    if (const std::size_t at = shape.find(what); at != shape.npos) shape.replace(at, what.size(), with);
+    if (const std::size_t at = shape.find(what); at != std::string::npos) shape.replace(at, what.size(), with);
   };
   std::string shape = pattern;
   replace(shape, "{index}", range("1", std::to_string(row.mid.size())));
@@ -226,7 +228,7 @@ BulkAddress parseName(const std::string& name) {
   std::optional<BulkAddress> found;
   std::string outOfRange;
   std::string relatives;  // names that begin alike
-  const std::string family = name.substr(0, name.find(':') == name.npos ? name.npos : name.find(':') + 1);
+  const std::string family = name.substr(0, std::min(name.find(':'), name.size() - 1) + 1);
   anyRow([&](const BDA::AddressRow& row) {
     if (row.hi == BDA::kFooterHi) return false;
     const char* const pattern = namingOf(row.type, row.mid.first).name;

@@ -1,10 +1,12 @@
 #include "cli/Console.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 namespace Editor {
 
 void Console::print(std::FILE* stream, std::string_view text) {
+  clearProgress();
   std::fwrite(text.data(), 1, text.size(), stream);
   std::fputc('\n', stream);
 }
@@ -22,7 +24,25 @@ void Console::detail(std::string_view text) {
   if (isVerbose()) problem(text);
 }
 
-bool Console::finish() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
+void Console::line(std::string_view text) { print(lines_, text); }
+
+void Console::progress(std::string_view text) {
+  if (loudness_ == Loudness::quiet || ::isatty(STDERR_FILENO) == 0) return;
+  std::fflush(lines_);
+  clearProgress();
+  std::fwrite(text.data(), 1, text.size(), stderr);
+  showsProgress_ = true;
+}
+
+void Console::clearProgress() {
+  if (showsProgress_) std::fputs("\r\x1B[K", stderr);
+  showsProgress_ = false;
+}
+
+bool Console::finish() {
+  clearProgress();
+  return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
 
 std::string escape(std::string_view text) {
   std::string safe;

@@ -18,22 +18,26 @@ class Console {
   void keepOutputForBytes() { lines_ = stderr; }
 
   // A line of data.
-  void line(std::string_view text) { print(lines_, text); }
+  void line(std::string_view text);
   // A refusal, a broken message: always shown.
   void problem(std::string_view text);
   // A summary, a hint: not when quiet.
   void note(std::string_view text);
   // Only when verbose.
   void detail(std::string_view text);
+  // How far a long run has come; in place, on a terminal only. The next text of any kind takes its place.
+  void progress(std::string_view text);
 
-  // True unless something could not be written to standard output.
-  static bool finish();
+  // The last call. True unless something could not be written to standard output.
+  bool finish();
 
  private:
-  static void print(std::FILE* stream, std::string_view text);
+  void print(std::FILE* stream, std::string_view text);
+  void clearProgress();
 
   Loudness loudness_ = Loudness::normal;
   std::FILE* lines_ = stdout;
+  bool showsProgress_ = false;
 };
 
 // Text from a file or the command line, safe to show: control characters become \x1B and the like.

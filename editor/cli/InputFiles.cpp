@@ -49,6 +49,12 @@ bool InputFiles::reportLosses(Console& console) const {
   return whole;
 }
 
+std::uint64_t InputFiles::countMessages() const {
+  std::uint64_t count = 0;
+  for (const File& file : files_) count += file.midi.messages.size();
+  return count;
+}
+
 std::string placeOf(const InputFiles::Message& message) {
   return fmt::format("{}: message {} at offset {}", message.file, message.number, message.offset);
 }

@@ -34,6 +34,7 @@ class InputFiles {
         visit(Message{++number, file.name, message.offset, message.bytes});
   }
   bool areSeveral() const { return files_.size() > 1; }
+  std::uint64_t countMessages() const;
 
  private:
   struct File {

@@ -16,6 +16,10 @@ constexpr std::uint8_t kMakerId = 0x7D;
 
 enum : std::uint8_t { kDumpType = 0x00, kType1 = 0x10, kRequestType = 0x20, kType3 = 0x30, kType4 = 0x40 };
 
+// A screen is sent in several messages: the first at the address of the screen, the others at this one, outside the
+// map.
+constexpr BulkAddress kScreenData{0x51, 0x00, 0x01};
+
 bool isForThisInstrument(std::span<const std::uint8_t> message) {
   return message.size() >= kShortest && message[1] == kMakerId &&
          ((message[3] == 0x7F && message[4] == 0x14) || message[4] == 0x15);
@@ -29,7 +33,8 @@ void judge(Reading& reading, Reading::Verdict verdict, std::string note) {
 void judgeAddress(Reading& reading) {
   const std::optional<BlockFacts> block = findBlock(*reading.address);
   if (!block) {
-    if (marksEmptyVoice(*reading.address)) return;
+    const bool isScreenData = reading.kind == Reading::Kind::dump && *reading.address == kScreenData;
+    if (marksEmptyVoice(*reading.address) || isScreenData) return;
     judge(reading, Reading::Verdict::unknownAddress, fmt::format("no block at {}", formatAddress(*reading.address)));
   } else if (reading.kind == Reading::Kind::dump && block->dataLength && *block->dataLength != reading.dataBytes) {
     judge(reading, Reading::Verdict::blockLengthWrong,
@@ -145,7 +150,7 @@ std::string describeContent(const Reading& reading) {
     case Reading::Kind::foreign:
       return "another instrument's message";
     case Reading::Kind::dump:
-      return describeAddress(*reading.address);
+      return *reading.address == kScreenData ? "screen capture data" : describeAddress(*reading.address);
     case Reading::Kind::request:
       return "request of " + describeAddress(*reading.address);
     case Reading::Kind::other:

@@ -94,7 +94,7 @@ int runProgram(int argc, const char* const* argv) {
   } catch (const std::exception& error) {
     program.console.problem(fmt::format("bda: {}", error.what()));
   }
-  if (!Console::finish()) {
+  if (!program.console.finish()) {
     program.console.problem("bda: standard output could not be written");
     if (code == kAllGood) code = kWrongUsage;
   }

@@ -59,6 +59,7 @@ class Receiving {
         console_(program.console),
         port_(BDA::DevicePortNum(options.port)),
         input_(options.words),
+        messages_(input_.countMessages()),
         editor_(program.openEditor()),
         trace_(options.trace) {
     if (!options.output.empty()) answers_.emplace(options.output);
@@ -92,7 +93,10 @@ class Receiving {
   }
 
   void receive(const InputFiles::Message& message) {
-    const Record record = editor_->handle(message.bytes, port_, message.number);
+    constexpr std::uint64_t kProgressEvery = 100;
+    if (message.number % kProgressEvery == 0)
+      console_.progress(fmt::format("{} of {} messages", message.number, messages_));
+    const Record record = handle(message);
     trace_.add({message.number, &message.file, message.offset}, port_, message.bytes, record);
     ++tally_[record.outcome];
     tell(message, record);
@@ -100,6 +104,15 @@ class Receiving {
       if (isBroken(unit)) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
     for (const std::string& text : record.log)
       if (!text.empty()) console_.detail(fmt::format("    {}", escape(text.substr(0, text.find('\n')))));
+  }
+
+  Record handle(const InputFiles::Message& message) {
+    try {
+      return editor_->handle(message.bytes, port_, message.number);
+    } catch (const LibraryError& error) {
+      throw Failure(kWrongUsage, fmt::format("{}: not handled, nor is anything after it: {}", placeOf(message),
+                                             escape(error.what())));
+    }
   }
 
   void tell(const InputFiles::Message& message, const Record& record) {
@@ -145,6 +158,7 @@ class Receiving {
   Console& console_;
   const BDA::DevicePortNum port_;
   const InputFiles input_;
+  const std::uint64_t messages_;
   const std::unique_ptr<EmbeddedEditor> editor_;
   Trace trace_;
   std::optional<OutputFile> answers_;

@@ -79,7 +79,7 @@ const std::array kSettings{
             }},
 };
 
-void settings(const std::string& name, const std::string& value, Program& program) {
+void settings(const std::string& name, const std::optional<std::string>& value, Program& program) {
   const auto found =
       std::find_if(kSettings.begin(), kSettings.end(), [&](const Setting& setting) { return name == setting.name; });
   if (!name.empty() && found == kSettings.end()) {
@@ -91,10 +91,10 @@ void settings(const std::string& name, const std::string& value, Program& progra
   if (name.empty()) {
     for (const Setting& setting : kSettings)
       program.console.line(fmt::format("{} {}", setting.name, setting.get(*editor)));
-  } else if (value.empty()) {
+  } else if (!value) {
     program.console.line(found->get(*editor));
-  } else if (!found->set(*editor, value)) {
-    throw Failure(kWrongUsage, fmt::format("{}: \"{}\": expected {}", name, escape(value), found->values));
+  } else if (!found->set(*editor, *value)) {
+    throw Failure(kWrongUsage, fmt::format("{}: \"{}\": expected {}", name, escape(*value), found->values));
   }
 }
 
@@ -107,10 +107,7 @@ struct Entry {
 };
 
 // The part of a readable name that its bank shares: "voice:user1:6" is number 6 of "voice:user1".
-std::string bankOfName(const std::string& name) {
-  const std::size_t colon = name.rfind(':');
-  return colon == name.npos ? name : name.substr(0, colon);
-}
+std::string bankOfName(const std::string& name) { return name.substr(0, name.rfind(':')); }
 
 bool isOpaque(const Entry& entry) {
   ModelSet models = emptySetFor(entry.id);
@@ -184,7 +181,7 @@ void addSettings(CLI::App& app, Program& program) {
   CLI::App* const verb =
       app.add_subcommand("settings", "The settings of the library: device-number, receive-bulk, mixing-voices");
   const auto name = std::make_shared<std::string>();
-  const auto value = std::make_shared<std::string>();
+  const auto value = std::make_shared<std::optional<std::string>>();
   verb->add_option("NAME", *name, "Which; default all");
   verb->add_option("VALUE", *value, "Its new value");
   verb->callback([name, value, &program] { settings(*name, *value, program); });

@@ -229,6 +229,7 @@ TEST_F(Receive, aLockedLibraryIsToldAndNothingIsChanged) {
   const Editor::Library::Transaction transaction(library);
   const Result run = bda({"receive", "a.syx"});
   EXPECT_THAT(run, Exits(1));
+  EXPECT_THAT(run.err, HasSubstr("a.syx: message 1 at offset 0: not handled, nor is anything after it: "));
   EXPECT_THAT(run.err, HasSubstr("locked by another program"));
   EXPECT_THAT(run.out, IsEmpty());
 }

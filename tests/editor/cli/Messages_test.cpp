@@ -69,6 +69,13 @@ TEST(Messages, theMarkOfAnEmptyMixingVoiceIsGood) {
   EXPECT_EQ(describeContent(reading), "mixing voice 6: header of an empty voice");
 }
 
+TEST(Messages, theDataOfAScreenStandsOutsideTheMapAndIsGood) {
+  const Reading reading = readMessage(dump({0x51, 0x00, 0x01}, Bytes(1026)));
+  EXPECT_EQ(reading.verdict, Verdict::good);
+  EXPECT_EQ(describeContent(reading), "screen capture data");
+  EXPECT_EQ(readMessage(request({0x51, 0x00, 0x01})).verdict, Verdict::unknownAddress);
+}
+
 TEST(Messages, requestsHaveNineBytes) {
   EXPECT_EQ(readMessage(request({0x00, 0x00, 0x00})).verdict, Verdict::good);
   EXPECT_EQ(describeContent(readMessage(request({0x00, 0x00, 0x00}))), "request of system common");
