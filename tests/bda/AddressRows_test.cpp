@@ -87,8 +87,8 @@ TEST(AddressRows, LetEachFooterFollowItsHeaderAtOnce) {
 TEST(AddressRows, GiveSomeTypesToNoBlock) {
   std::set<unsigned> types;
   forEachBlock([&](const AddressRow& row, std::uint8_t, std::uint8_t) { types.insert(row.type); });
-  for (const unsigned unused : {0, 18, 34, 35, 36, 48, 55, 56, 60, 71, 81, 93, 105, 108, 111, 115, 117, 124, 125})
-    EXPECT_FALSE(types.contains(unused)) << unused;
+  for (const int unused : {0, 18, 34, 35, 36, 48, 55, 56, 60, 71, 81, 93, 105, 108, 111, 115, 117, 124, 125})
+    EXPECT_FALSE(types.contains(unsigned(unused))) << unused;
   EXPECT_EQ(types.size(), 124u - 17u);
   EXPECT_EQ(*types.rbegin(), 123u);
 }

@@ -529,8 +529,8 @@ TEST_F(SystemTest, ParametersThatDoNotTravelStayAsTheyAre) {
 TEST_F(SystemTest, AnInsertionBlockOfAnyOtherTypeIsRefused) {
   for (unsigned type = 0; type <= 130; ++type) {
     if (type == 51 || type == 52) continue;
-    for (const std::size_t number : {50, 51})
-      for (const std::size_t length : {36, 35}) {
+    for (const std::size_t number : {50U, 51U})
+      for (const std::size_t length : {36U, 35U}) {
         Bytes data(length, 1);
         EXPECT_EQ(executer(number, "00 03 00", type).execBulkBlock(data.data(), std::uint32_t(length), kReceive),
                   0x80000000u);
@@ -548,7 +548,7 @@ TEST_F(SystemTest, AnInsertionBlockMissesItsModelBeforeItLooksAtItsType) {
 }
 
 TEST_F(SystemTest, AnInsertionIsChosenByTypeNotByAddressOrExecuter) {
-  for (const std::size_t number : {50, 51})
+  for (const std::size_t number : {50U, 51U})
     for (const std::string_view address : {"00 03 00", "00 04 00"}) {
       Bytes data(36, 7);
       EXPECT_EQ(executer(number, address, 51).execBulkBlock(data.data(), 36, kReceive), 4u);

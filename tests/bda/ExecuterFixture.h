@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "BulkExecuterCreator.h"
@@ -21,15 +21,22 @@ using Lines = std::vector<std::string>;
 // A failure's two texts as one, without the line number, which moves with the code:
 // "BulkTable.cpp [BDA::BulkTable::find] message\n". What is not such a pair fails the test.
 inline Lines reportsOf(const Lines& texts) {
-  static const std::regex location(R"(^\.\.\\\.\.\\bda\\(\w+\.cpp):[1-9]\d* (\[[\w:]+\] )$)");
+  constexpr std::string_view kFolder = "..\\..\\bda\\";
   Lines reports;
   for (std::size_t i = 0; i < texts.size(); i += 2) {
-    std::smatch parts;
-    if (!std::regex_match(texts[i], parts, location) || i + 1 == texts.size()) {
-      ADD_FAILURE() << "not a location and a message: " << texts[i];
+    const std::string& location = texts[i];
+    const std::size_t number = location.find(':') + 1;
+    const std::size_t function = location.find_first_not_of("0123456789", number);
+    const bool isLocation = location.rfind(kFolder, 0) == 0 && number != 0 && location[number] != '0' &&
+                            function != number && function != std::string::npos &&
+                            location.compare(function, 2, " [") == 0 && location.size() > 2 &&
+                            location.compare(location.size() - 2, 2, "] ") == 0;
+    if (!isLocation || i + 1 == texts.size()) {
+      ADD_FAILURE() << "not a location and a message: " << location;
       return texts;
     }
-    reports.push_back(parts[1].str() + ' ' + parts[2].str() + texts[i + 1]);
+    reports.push_back(location.substr(kFolder.size(), number - 1 - kFolder.size()) + location.substr(function) +
+                      texts[i + 1]);
   }
   return reports;
 }

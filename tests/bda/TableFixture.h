@@ -48,6 +48,9 @@ inline constexpr Opening kOpenings[] = {
     {17, "0E 6F 00"},
 };
 
+inline void PrintTo(const Opening& opening, std::ostream* out) {
+  *out << (opening.address == nullptr ? "none" : opening.address);
+}
 inline std::string nameOf(const testing::TestParamInfo<Opening>& info) {
   const Opening& opening = info.param;
   if (opening.address == nullptr) return "NoHeader";
