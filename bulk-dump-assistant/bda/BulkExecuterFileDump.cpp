@@ -176,15 +176,15 @@ void BulkExecuterFileDump::clearFileDumpBuffers() {
   buffers_.clear();
 }
 
-// ---- Receiving
-// ---------------------------------------------------------------------------------------------------------
+// ---- Receiving ------------------------------------------------------------------------------------------------------
 
 BDAErr BulkExecuterFileDump::setBulkDumpMessage(const std::uint8_t* data, std::uint32_t length) {
   if (length > kMaxField) {
     Set::kTooLong();
     return BDA_ERR;
   }
-  if (work_ == nullptr || (data == nullptr && length > 0)) return BDA_ERR;
+  if (data == nullptr && length > 0) return BDA_ERR_DATA_LENGTH;
+  if (work_ == nullptr) return BDA_ERR;
   if (getAddress().getHi() == kTriggerHi) {
     BDAErr result = BDA_INFO_FILE_DUMP_CONTROL;
     if (getAddress().getMid() == kRemoveMixingVoicesMid) result |= removeMixingVoices();
@@ -250,8 +250,7 @@ BDAErr BulkExecuterFileDump::hold(std::uint32_t contType, std::uint32_t contNumb
   return BDA_INFO_FILE_DUMP;
 }
 
-// ---- Writing
-// -----------------------------------------------------------------------------------------------------------
+// ---- Writing --------------------------------------------------------------------------------------------------------
 
 BDAErr BulkExecuterFileDump::writeFileDumps() {
   if (work_ == nullptr) return BDA_ERR;
@@ -268,7 +267,11 @@ BDAErr BulkExecuterFileDump::writeFileDumps() {
   for (FileDumpBuffer* buffer : buffers_) {
     const std::uint32_t contType = buffer->getContType();
     if (contType != previousType && buffer != buffers_.front()) result |= flushType(previousType, removeList);
-    result |= writeFileDump(*buffer, mixingVoiceCount, mixingVoiceMaximum, removeList);
+    try {
+      result |= writeFileDump(*buffer, mixingVoiceCount, mixingVoiceMaximum, removeList);
+    } catch (...) {  // storage ran out before its file was open; the pass goes on and ends as any other
+      result |= BDA_ERR;
+    }
     previousType = contType;
   }
   // With nothing held the store is still told of a pass, over type 0, and synchronised.
@@ -412,8 +415,7 @@ BDAErr BulkExecuterFileDump::removeFileDump(const FileDumpBuffer& buffer, std::i
   return BDA_ERR;
 }
 
-// ---- Answering
-// ---------------------------------------------------------------------------------------------------------
+// ---- Answering ------------------------------------------------------------------------------------------------------
 
 BDAErr BulkExecuterFileDump::getBulkDumpMessageImplement(std::vector<std::uint8_t>& message) {
   BDAErr result = BDA_INFO_FILE_DUMP;
@@ -516,8 +518,7 @@ BDAErr BulkExecuterFileDump::readFileDump(std::vector<std::uint8_t>& field) {
   return result;
 }
 
-// ---- Names of contents
-// -------------------------------------------------------------------------------------------------
+// ---- Names of contents ----------------------------------------------------------------------------------------------
 
 std::uint32_t BulkExecuterFileDump::getContentsType() const {
   if (const FileDumpBlock* const block = findBlock(getBlockType())) return block->contType;
@@ -556,8 +557,7 @@ bool BulkExecuterFileDump::isMixingVoiceContent(std::uint32_t contType, std::uin
   return contType == ContSrv::ContType_Voice && (isWithin(0x3F3C00, 0x3F3C0F) || isWithin(0x3F8000, 0x3FFFFF));
 }
 
-// ---- The codec
-// ---------------------------------------------------------------------------------------------------------
+// ---- The codec ------------------------------------------------------------------------------------------------------
 
 bool BulkExecuterFileDump::encode(const std::vector<std::uint8_t>& source, std::vector<std::uint8_t>& destination) {
   if (source.empty()) return true;
