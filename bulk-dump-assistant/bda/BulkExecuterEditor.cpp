@@ -131,7 +131,7 @@ BDAErr BulkExecuterEditorMultiName::execBulkBlock(std::uint8_t* data, std::uint3
 BDAErr BulkExecuterScreenCap::getBulkDumpMessage(std::vector<std::vector<std::uint8_t>>& messages) {
   messages.clear();
   std::vector<std::uint8_t> screenData;
-  if (const BDAErr result = getJobTools().getScreenImage(screenData); isFailure(result)) return result;
+  if (const std::uint32_t result = getJobTools().getScreenImage(screenData); result != 0) return BDA_ERR | result;
   const std::size_t blockCount = (screenData.size() + kCaptureBlock - 1) / kCaptureBlock;
   const auto high = [](std::size_t number) { return std::uint8_t(number >> 7 & 0x7F); };
   const auto low = [](std::size_t number) { return std::uint8_t(number & 0x7F); };
