@@ -480,7 +480,7 @@ struct FakeWork::File : ContSrv::DataFile, ContSrv::Data {
   }
   std::int64_t write(const std::uint8_t* from, std::int64_t size) override {
     const long written = calls.use("write", long(size), 0, [&] { return call("write", size); });
-    bytes.insert(bytes.end(), from, from + std::min(long(size), written));
+    bytes.insert(bytes.end(), from, from + std::clamp(written, 0L, long(size)));
     return written;
   }
   std::int64_t read(std::uint8_t* to, std::int64_t size) override {
