@@ -13,7 +13,8 @@ namespace {
 
 constexpr std::uint8_t kTriggerHi = 0x11;
 constexpr std::uint8_t kFileDumpHi = 0x0C;
-constexpr std::uint16_t kStillReceiving = 11;    // the id that stays on the screen while a unit is open
+constexpr std::uint16_t kStillReceiving = 11;  // the id that stays on the screen while a unit is open
+constexpr std::uint16_t kMixingVoicesFull = 46;
 constexpr std::uint16_t kFirstResettingId = 41;  // from here on the shown ids tell that the open header was forgotten
 
 bool isList(BulkAddress address, BDA::List list) { return BDA::listOf(address.hi) == std::size_t(list); }
@@ -187,6 +188,8 @@ Record EmbeddedEditor::handle(std::span<const std::uint8_t> message, BDA::Device
     changed = !record.contents.empty();
   }
   record.outcome = outcomeOf(record, reading, changed);
+  // The module does not look at how the last step of a write trigger went.
+  if (record.log.empty() && !storeError_.empty()) record.outcome = Outcome::refused;
   if (record.outcome == Outcome::refused) record.reason = whyRefused(record, reading);
   follow(record, reading, number);
   return record;
@@ -203,7 +206,7 @@ void EmbeddedEditor::handleDump(Record& record, std::span<const std::uint8_t> me
     work_.abandonPass();
     storeError_ = work_.takeError();
     if (storeError_.empty() && !record.log.empty()) storeError_ = tools().lastStoreError();
-    kept = record.log.empty() || message[7] == kTriggerHi;
+    kept = message[7] == kTriggerHi || (record.log.empty() && storeError_.empty());
     std::vector<std::string> saved;
     if (kept && !tools().saveChanged(saved)) throw LibraryError(LibraryError::Kind::Failed, tools().lastStoreError());
     if (kept) transaction.commit();
@@ -284,6 +287,7 @@ std::string EmbeddedEditor::whyRefused(const Record& record, const Reading& read
     default:
       break;
   }
+  if (lastShown(record) == kMixingVoicesFull) return "there is no room for another mixing voice";
   if (isBroken(reading)) return fmt::format("{}: {}", wordOf(reading.verdict), reading.note);
   if (!storeError_.empty()) return storeError_;
   if (record.result == BDA::BulkMsg_BulkDump) {

@@ -64,7 +64,7 @@ int run(int argc, const char* const* argv, Program& program) {
 
 std::string Program::libraryFile() const {
   if (!library_.empty()) return library_;
-  if (const std::string file = fromEnvironment("BDA_LIBRARY"); !file.empty()) return file;
+  if (std::string file = fromEnvironment("BDA_LIBRARY"); !file.empty()) return file;
   if (const std::string data = fromEnvironment("XDG_DATA_HOME"); !data.empty()) return data + "/bda/library.db";
   if (const std::string home = fromEnvironment("HOME"); !home.empty()) return home + "/.local/share/bda/library.db";
   throw Failure(kWrongUsage, "no library: name one with --library or in BDA_LIBRARY");

@@ -261,7 +261,7 @@ TEST_F(EmbeddedEditorTest, aMixingVoiceThatFindsNoRoomIsRefused) {
   const Record record = block({0x0E, 0x31, 0x05});
   EXPECT_EQ(record.shown, shown({46}));
   EXPECT_EQ(record.outcome, Outcome::refused);
-  EXPECT_EQ(record.reason, "error : mixing voice full !");
+  EXPECT_EQ(record.reason, "there is no room for another mixing voice");
 }
 
 // This editor's mode check never skips a dump and knows no wrong mode; others may.
