@@ -1,0 +1,223 @@
+// Arbitrary sequences of messages into the assistant over the embedded editor: nothing is read or written outside of a
+// message, every answer is a message that a cable could carry, and afterwards a clean system dump still works.
+//
+// An input that begins with F0 is a raw stream. Any other is a list of commands, which reach deeper: dumps and requests
+// of addresses that exist, with the right checksum, and settings that change between them.
+
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "AddressRows.h"
+#include "AssistantHost.h"
+#include "BulkMessage.h"
+#include "ExecuterNumbers.h"
+#include "contents/ContentsWork.h"
+#include "contents/Library.h"
+#include "contents/ModelStore.h"
+#include "midi/MidiFile.h"
+#include "require.h"
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+struct Block {
+  std::uint8_t hi;
+  std::uint8_t mid;
+  std::uint8_t lo;
+  std::uint16_t dataLength;
+};
+
+const std::vector<Block>& blocks() {
+  static const std::vector<Block> all = [] {
+    std::vector<Block> made;
+    BDA::forEachBlock([&](const BDA::AddressRow& row, std::uint8_t mid, std::uint8_t lo) {
+      made.push_back({row.hi, mid, lo, BDA::kExecuterDataLength[BDA::executerOf(row, mid)]});
+    });
+    return made;
+  }();
+  return all;
+}
+
+// A library of this process, unchanged between inputs: each runs in a transaction that is taken back.
+class Scratch {
+ public:
+  Scratch() : path_(std::filesystem::temp_directory_path() / ("receive_fuzz." + std::to_string(getpid()))) {
+    std::filesystem::remove_all(path_);
+  }
+  ~Scratch() { std::filesystem::remove_all(path_); }
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+  std::filesystem::path file() const { return path_ / "library.db"; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+class Input {
+ public:
+  Input(const std::uint8_t* data, std::size_t size) : left_(data, size) {}
+  bool empty() const { return left_.empty(); }
+  std::uint8_t byte() {
+    if (left_.empty()) return 0;
+    const std::uint8_t next = left_.front();
+    left_ = left_.subspan(1);
+    return next;
+  }
+  unsigned word() {
+    const unsigned high = byte();
+    return high << 8 | byte();
+  }
+  Bytes bytes(std::size_t count) {
+    Bytes taken(left_.begin(), left_.begin() + std::ptrdiff_t(std::min(count, left_.size())));
+    left_ = left_.subspan(taken.size());
+    return taken;
+  }
+
+ private:
+  std::span<const std::uint8_t> left_;
+};
+
+class Session {
+ public:
+  explicit Session(Editor::Library& library) : store_(library), work_(library), host_(store_, &work_) {}
+
+  void handle(const Bytes& message, std::uint32_t port) {
+    // As long as the message and no longer, so that a byte read after its end is noticed.
+    const Editor::AssistantHost::Effects effects =
+        host_.handle(std::span(message.data(), message.size()), BDA::DevicePortNum(port));
+    require(effects.result <= BDA::BulkMsg_RequestSkipped, "a result that does not exist");
+    for (const Editor::AssistantHost::Sent& sent : effects.sent) {
+      const bool isEcho = sent.bytes == message;
+      require(isEcho || (sent.bytes.size() >= 5 && sent.bytes.front() == 0xF0 && sent.bytes.back() == 0xF7),
+              "an answer is no message");
+    }
+  }
+
+  void set(std::uint16_t parameter, std::uint8_t value) {
+    host_.tools().getSystemModel()->getUtility()->set(&value, parameter, 1);
+  }
+  void setLoading(bool loading) { work_.setLoadSaveFlag(loading ? 1 : 0); }
+
+  void proveHealthy() {
+    set(50, 1);
+    set(51, 0);
+    setLoading(false);
+    Bytes dump(5 + BDA::kDumpFrame);
+    const Bytes head{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0, 5, 0x00, 0x06, 0x00};
+    std::copy(head.begin(), head.end(), dump.begin());
+    dump[dump.size() - 2] = BDA::Utility::calcCheckSum(dump.data(), dump.size());
+    dump.back() = 0xF7;
+    const Editor::AssistantHost::Effects effects = host_.handle(dump, BDA::DevicePort_Main);
+    require(effects.result == BDA::BulkMsg_BulkDump && effects.log.empty(), "a clean system dump is refused");
+  }
+
+ private:
+  Editor::ModelStore store_;
+  Editor::ContentsWork work_;
+  Editor::AssistantHost host_;
+};
+
+Bytes dumpOf(const Block& block, Bytes data) {
+  Bytes message{
+      0xF0,     0x7D,      0x00,    0x7F, 0x14, std::uint8_t(data.size() >> 7), std::uint8_t(data.size() & 0x7F),
+      block.hi, block.mid, block.lo};
+  message.insert(message.end(), data.begin(), data.end());
+  message.resize(message.size() + 2);
+  message[message.size() - 2] = BDA::Utility::calcCheckSum(message.data(), message.size());
+  message.back() = 0xF7;
+  return message;
+}
+
+enum Command : std::uint8_t {
+  kRaw,
+  kDump,
+  kDumpOfOtherLength,
+  kDumpOfAnyAddress,
+  kRequest,
+  kSetting,
+  kPort,
+  kUnit,
+  kCommandCount
+};
+
+void run(Session& session, Input input) {
+  std::uint32_t port = BDA::DevicePort_Main;
+  while (!input.empty()) {
+    switch (Command(input.byte() % kCommandCount)) {
+      case kRaw:
+        session.handle(input.bytes(input.byte()), port);
+        break;
+      case kDump: {
+        const Block& block = blocks()[input.word() % blocks().size()];
+        Bytes data = input.bytes(block.dataLength == 0 ? input.byte() : block.dataLength);
+        if (block.dataLength != 0) data.resize(block.dataLength);
+        session.handle(dumpOf(block, data), port);
+        break;
+      }
+      case kDumpOfOtherLength:
+        session.handle(dumpOf(blocks()[input.word() % blocks().size()], input.bytes(input.byte())), port);
+        break;
+      case kDumpOfAnyAddress: {
+        const Bytes address = input.bytes(3);
+        if (address.size() == 3)
+          session.handle(dumpOf({address[0], address[1], address[2], 0}, input.bytes(input.byte())), port);
+        break;
+      }
+      case kRequest: {
+        const Block& block = blocks()[input.word() % blocks().size()];
+        session.handle({0xF0, 0x7D, 0x20, 0x7F, 0x14, block.hi, block.mid, block.lo, 0xF7}, port);
+        break;
+      }
+      case kSetting: {
+        const std::uint8_t which = input.byte();
+        if (which % 3 == 2)
+          session.setLoading(input.byte() % 2 != 0);
+        else
+          session.set(std::uint16_t(50 + which % 3), input.byte());
+        break;
+      }
+      case kPort:
+        port = input.byte() % 8;
+        break;
+      case kUnit: {  // a header, blocks from one place of the map on, and the footer
+        const Block& header = blocks()[input.word() % blocks().size()];
+        const std::size_t first = input.word();
+        session.handle(dumpOf({0x0E, header.mid, header.lo, 0}, {}), port);
+        for (std::size_t i = 0; i < input.byte() % 32U; ++i) {
+          const Block& block = blocks()[(first + i) % 300];
+          Bytes data = input.bytes(block.dataLength);
+          data.resize(block.dataLength);
+          session.handle(dumpOf(block, data), port);
+        }
+        session.handle(dumpOf({0x0F, header.mid, header.lo, 0}, {}), port);
+        break;
+      }
+      case kCommandCount:
+        break;
+    }
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const Scratch scratch;
+  static Editor::Library library(scratch.file());
+  const Editor::Library::Transaction unchanged(library);
+  Session session(library);
+  if (size > 0 && data[0] == BDA::kStartOfExclusive) {
+    for (const Editor::MidiFile::Message& message : Editor::readMidiFile(std::span(data, size)).messages)
+      session.handle(Bytes(message.bytes.begin(), message.bytes.end()), BDA::DevicePort_Main);
+  } else {
+    run(session, Input(data, size));
+  }
+  session.proveHealthy();
+  return 0;
+}
