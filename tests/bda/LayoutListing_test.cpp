@@ -1,0 +1,211 @@
+// docs/layouts.md is generated from the layouts that the module converts by; this test keeps the two the same.
+// With BDA_UPDATE_DOCS set in the environment it writes the page instead.
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "AddressRows.h"
+#include "ExecuterNumbers.h"
+#include "MasterRemoteLayouts.h"
+#include "MultiLayouts.h"
+#include "SystemLayouts.h"
+#include "VoiceLayouts.h"
+
+namespace {
+
+using namespace BDA;
+
+using Texts = std::vector<std::string>;
+
+struct Section {
+  std::string title;
+  std::vector<unsigned> executers;  // whose blocks have this layout
+  unsigned length;
+  std::vector<Row> rows;
+  std::vector<Gap> gaps;
+  Texts groups;  // in slot order, by their path in JSON
+  Texts names;
+};
+
+template <typename L>
+Section section(std::string title, std::vector<unsigned> executers, const L& layout, Texts groups, Texts names = {}) {
+  return {std::move(title),
+          std::move(executers),
+          layout.length,
+          {layout.rows.begin(), layout.rows.end()},
+          {layout.gaps.begin(), layout.gaps.end()},
+          std::move(groups),
+          std::move(names)};
+}
+
+Texts withParts(Texts groups, int parts) {
+  for (int i = 0; i < parts; ++i) groups.push_back("multi.part[" + std::to_string(i) + "].main");
+  return groups;
+}
+
+std::vector<Section> sections() {
+  const Texts voiceCommon{"voice.common", "voice.commonExtra", "multi.part[0].extra"};
+  const Texts part{"multi.part[i].bankProgram", "multi.part[i].main", "multi.part[i].extra"};
+  return {
+      section("Normal voice common", {3}, VoiceCommon::kNormal, voiceCommon, {"voice.name"}),
+      section("Drum voice common", {13}, VoiceCommon::kDrum, voiceCommon, {"voice.name"}),
+      section("Reverb", {4, 14, 23, 34}, VoiceCommonRev::kLayout, {"multi.reverb", "multi.reverbSettings"}),
+      section("Chorus", {5, 15, 24, 35}, VoiceCommonCho::kLayout, {"multi.chorus", "multi.chorusSettings"}),
+      section("Insertion effects A and B of a voice", {6, 7, 16, 17}, kInsEffect, {"voice.insertionA (B)"}),
+      section("Insertion effect L of a voice", {8, 18}, VoiceCommonInsL::kLayout, {"voice.insertionL"}),
+      section("Normal voice controllers", {9}, VoiceCommonCtrl::kNormal, {"voice.common"}),
+      section("Drum voice controllers", {19}, VoiceCommonCtrl::kDrum, {"voice.common"}),
+      section("Arpeggio of a voice", {10, 20}, VoiceCommonArp::kLayout,
+              {"voice.arpeggioCommon", "voice.arpeggioTempo", "voice.arpeggioEntry", "voice.arpeggioSix"}),
+      section("Oscillator of an element", {11}, NormalVoiceElmOsc::kLayout,
+              {"voice.element[i].params", "voice.element[i].wave"}),
+      section("Filter of an element", {12}, NormalVoiceElmFilter::kLayout, {"voice.element[i].params"}),
+      section("Drum key", {21}, DrumVoiceKey::kLayout, {"voice.key[i].params", "voice.key[i].wave"}),
+      section("Multi common", {22}, MultiCommon::kLayout, withParts({"multi.common", "multi.adPart[0].params"}, 16)),
+      section("Performance common", {33}, PerfCommon::kLayout, withParts({"multi.common", "multi.adPart[0].params"}, 4),
+              {"multi.name"}),
+      section("Insertion effects A and B of a multi or performance", {25, 26, 36, 37}, kInsEffect,
+              {"multi.insertionA (B)"}),
+      section("Master EQ of a multi or performance", {27, 38}, kEq, {"multi.masterEq"}),
+      section("Master effect of a multi or performance", {28, 39}, kMasterEffect,
+              {"multi.masterEffect", "multi.masterEffectSettings"}),
+      section("Arpeggio of a multi", {29}, MultiCommonArp::kMulti, {"arpeggio.common"}),
+      section("Arpeggio of a performance", {40}, MultiCommonArp::kPerformance, {"arpeggio.common"}),
+      section("Multi part", {30}, MultiPart::kLayout, part),
+      section("Performance part", {41}, PerfPart::kLayout, part),
+      section("Arpeggio of a part", {31, 42}, MultiPartArp::kLayout,
+              {"arpeggio.part[i].params", "arpeggio.part[i].six"}),
+      section("Audio input part of a multi or performance", {32, 43}, kAdPart, {"multi.adPart[i].params"}),
+      section("Master common", {44}, MasterCommon::kLayout, {"master.common"}, {"master.name"}),
+      section("Master zone", {45}, MasterZone::kLayout, {"master.zone[i].params"}),
+      section("Remote common", {46}, RemoteCommon::kLayout, {"remote.common"}, {"remote.name1", "remote.name2"}),
+      section("Remote controller", {47}, RemoteController::kLayout, {"remote.controller[i].params"},
+              {"remote.controller[i].name1", "remote.controller[i].name2"}),
+      section("System common", {48}, SystemCommon::kLayout, {"system.common", "system.tune"}),
+      section("System audio input part", {49}, kAdPart, {"system.adPart[0].params"}),
+      section("Insertion effects A and B of the system's audio input part", {50, 51}, kInsEffect,
+              {"system.adPart[0].insertionA (B)"}),
+      section("System master EQ", {52}, kEq, {"system.masterEq"}),
+      section("System master effect", {53}, kMasterEffect, {"system.masterEffect", "system.masterEffectSettings"}),
+      section("Quick setup", {54}, SystemUserQuickSetup::kLayout, {"system.quickSetup[i].params"},
+              {"system.quickSetup[i].name"}),
+      section("System sequencer", {55}, SystemSeq::kLayout, {"system.sequencer"}),
+      section("System remote", {56}, SystemRemote::kLayout, {"system.remote"}),
+  };
+}
+
+const char* wordOf(Routine routine) {
+  switch (routine) {
+    case Routine::setByteParam:
+      return "byte";
+    case Routine::setWideByteParam:
+      return "byte of a 16-bit parameter";
+    case Routine::setPairParam:
+      return "14 bits, high byte first";
+    case Routine::setSplitByteParam:
+      return "bit 7, then bits 6-0";
+    case Routine::setNibbleSplitParam:
+      return "bits 7-4, then bits 6-0";
+    case Routine::setNibbleParams:
+      return "low nibble, high nibble";
+    case Routine::setLowNibble:
+      return "low nibble";
+    case Routine::setBitParam:
+      return "switch";
+    case Routine::setNibbleWord:
+      return "16 bits in four nibbles";
+    case Routine::setNameParam:
+      return "name";
+    case Routine::setSharedByteParam:
+      return "byte, shared: received, but the later row is dumped";
+    case Routine::setSplitByteHigh:
+      return "bit 7; bits 6-0 do not travel";
+    case Routine::dumpByteParam:
+      return "byte; received as the editor corrects it";
+  }
+  return "?";
+}
+
+template <typename... Arguments>
+std::string print(const char* format, Arguments... arguments) {
+  char text[256];
+  std::snprintf(text, sizeof text, format, arguments...);
+  return text;
+}
+
+std::string span(int first, int last) {
+  return first == last ? std::to_string(first) : std::to_string(first) + "-" + std::to_string(last);
+}
+
+std::string addressesOf(const Section& section) {
+  std::string text;
+  for (const AddressRow& row : kParameterRows)
+    for (const unsigned executer : section.executers) {
+      if (row.executer != executer) continue;
+      if (!text.empty()) text += ", ";
+      text += print("%02X %02X %02X", unsigned(row.hi), unsigned(row.mid.first), unsigned(row.lo.first));
+      if (row.mid.size() > 1) text += print(" to %02X %02X %02X", unsigned(row.hi), unsigned(row.mid.last), 0U);
+    }
+  return text;
+}
+
+std::string parametersOf(const Section& section, const Row& row) {
+  if (isName(row)) return section.names[row.slot];
+  std::string text = section.groups[row.slot] + "[" + span(row.index, row.index + row.count - 1) + "]";
+  if (row.routine == Routine::setNibbleParams)
+    text += ", " + section.groups[row.slot2] + "[" + std::to_string(row.index2) + "]";
+  return text;
+}
+
+std::string listing() {
+  std::string text =
+      "# The layouts of the parameter blocks\n\n"
+      "Which data bytes of a bulk dump carry which parameters, by their path in `bda show --json`, in the order in "
+      "which\n"
+      "they are converted. Byte 0 is the first after the address. Bits without a row are ignored when received and 0 "
+      "when\n"
+      "dumped. In a path, i counts the addresses of the block from 0.\n\n"
+      "This page is generated from the tables that the module converts by; a test compares the two.\n";
+  for (const Section& section : sections()) {
+    text += "\n## " + section.title + "\n\n" + addressesOf(section) + ": " + std::to_string(section.length) +
+            " data bytes.\n\n| bytes | bits | carry | parameters |\n|---|---|---|---|\n";
+    for (const Row& row : section.rows)
+      text += "| " + span(row.byte, lastByte(row)) + " | " +
+              print("%02X", unsigned(row.routine == Routine::setSharedByteParam ? 0x7F : claimedBits(row))) + " | " +
+              wordOf(row.routine) + " | " + parametersOf(section, row) + " |\n";
+    std::string unused;
+    for (const Gap& gap : section.gaps) {
+      if (!unused.empty()) unused += ", ";
+      unused += span(gap.first, gap.last);
+      if (gap.mask != 0x7F) unused += print(" (bits %02X)", unsigned(gap.mask));
+    }
+    if (!unused.empty()) text += "\nUnused: " + unused + ".\n";
+  }
+  return text;
+}
+
+TEST(LayoutListing, ThePageInDocsIsWhatTheTablesSay) {
+  const std::string path = BDA_SOURCE_DIR "/docs/layouts.md";
+  if (std::getenv("BDA_UPDATE_DOCS") != nullptr) std::ofstream(path, std::ios::binary) << listing();
+  std::stringstream page;
+  page << std::ifstream(path, std::ios::binary).rdbuf();
+  EXPECT_EQ(page.str(), listing()) << "run this test with BDA_UPDATE_DOCS=1 and read what changed";
+}
+
+TEST(LayoutListing, NamesEveryBlockOfParametersOnce) {
+  std::vector<int> listed(kExecuterCount + 1, 0);
+  for (const Section& section : sections())
+    for (const unsigned executer : section.executers) {
+      ++listed[executer];
+      EXPECT_EQ(section.length, kExecuterDataLength[executer]) << section.title;
+    }
+  for (unsigned executer = 3; executer <= 56; ++executer) EXPECT_EQ(listed[executer], 1) << "executer " << executer;
+}
+
+}  // namespace
