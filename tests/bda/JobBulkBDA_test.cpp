@@ -189,10 +189,13 @@ TEST_F(BulkJobs, TheRequestCarriesTheDevicesNibbleUnderTheRequestType) {
     EXPECT_EQ(jobTools.sendBulkReqToBDA(message), CMA::JOB::Result_Success);
     EXPECT_EQ(message[2], setting == 16 ? 0x20 : 0x20 | setting);
   }
-  trace();
   setDevice(17);
   EXPECT_EQ(jobTools.sendBulkReqToBDA(message), CMA::JOB::Result_UnknownError);
   EXPECT_EQ(message[2], 0x20) << "as it was";
+  setDevice(18);
+  EXPECT_EQ(jobTools.sendBulkReqToBDA(message), CMA::JOB::Result_UnknownError);
+  EXPECT_EQ(message[2], 0x22) << "masked, so that the type stays a request's";
+  trace();
 }
 
 }  // namespace
