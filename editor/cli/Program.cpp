@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdlib>
 #include <new>
+#include <vector>
 
 namespace Editor {
 
@@ -53,9 +54,13 @@ int run(int argc, const char* const* argv, Program& program) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    const bool isQuestion = error.get_exit_code() == 0;  // --help, --version
-    app.exit(error);
-    return isQuestion ? kAllGood : kWrongUsage;
+    if (error.get_exit_code() == 0) return app.exit(error);  // --help, --version
+    const std::vector<std::string> unknown =
+        app.get_subcommands().empty() ? app.remaining() : std::vector<std::string>();
+    throw Failure(kWrongUsage,
+                  fmt::format("{} (bda --help tells more)",
+                              unknown.empty() ? escape(error.what())
+                                              : fmt::format("there is no verb \"{}\"", escape(unknown.front()))));
   }
   return program.exitCode();
 }

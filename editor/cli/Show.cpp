@@ -80,7 +80,10 @@ ModelSet readModels(const std::string& file, const Target& target) {
   };
   nlohmann::ordered_json json;
   const std::string_view text(reinterpret_cast<const char*>(bytes->data()), bytes->size());
-  if (const auto error = parseJson(text, json)) throw unusable(*error);
+  if (const auto error = parseJson(text, json)) {
+    const std::size_t tag = error->compare(0, 1, "[") == 0 ? error->find("] ") : std::string::npos;  // the parser's own
+    throw unusable(tag == std::string::npos ? *error : error->substr(tag + 2));
+  }
   ModelSet models = freshTarget(target, json.is_object() && hasKeys(json));
   if (const auto error = fromJson(json, models)) throw unusable(*error);
   return models;

@@ -49,6 +49,11 @@ TEST_F(Usage, wrongUsageExitsWith1AndSaysWhy) {
   }
 }
 
+TEST_F(Usage, aVerbThatDoesNotExistIsNamed) {
+  EXPECT_EQ(bda({"dance", "a.syx"}).err, "bda: there is no verb \"dance\" (bda --help tells more)\n");
+  EXPECT_EQ(bda({"list"}).err, "bda: FILE is required (bda --help tells more)\n");
+}
+
 TEST_F(Usage, inputThatCannotBeUsedExitsWith2AndSaysWhy) {
   write("empty.syx", "");
   write("text.syx", "no MIDI here");
