@@ -37,8 +37,7 @@ Bytes dumpOf(std::uint8_t hi, std::uint8_t mid, std::uint8_t lo, const Bytes& da
   return message;
 }
 
-// ---- Checksum
-// ----------------------------------------------------------------------------------------------------------
+// ---- Checksum ------------------------------------------------------------------------------------------------------
 
 void checkSum(benchmark::State& state) {
   const Bytes message = dumpOf(0, 0, 0, randomBytes(std::size_t(state.range(0)) - BDA::kDumpFrame, 128));
@@ -66,8 +65,7 @@ BENCHMARK(checkSum)->Name("Checksum/ours")->Arg(12)->Arg(100)->Arg(16395);
 BENCHMARK(checkSumNaive)->Name("Checksum/naive")->Arg(12)->Arg(100)->Arg(16395);
 BENCHMARK(checkSumMemcpy)->Name("Checksum/memcpy")->Arg(12)->Arg(100)->Arg(16395);
 
-// ---- Lookup
-// ------------------------------------------------------------------------------------------------------------
+// ---- Lookup --------------------------------------------------------------------------------------------------------
 
 // All blocks of the map, or as many addresses that are not in it.
 std::vector<BDA::Address> addresses(bool hits) {
@@ -126,8 +124,7 @@ BENCHMARK(lookUpOurs)->Name("Lookup/ours")->ArgName("hits")->Arg(1)->Arg(0);
 BENCHMARK(lookUpNaive)->Name("Lookup/list walk")->ArgName("hits")->Arg(1)->Arg(0);
 BENCHMARK(lookUpHashed)->Name("Lookup/unordered_map")->ArgName("hits")->Arg(1)->Arg(0);
 
-// ---- The assistant
-// -----------------------------------------------------------------------------------------------------
+// ---- The assistant -------------------------------------------------------------------------------------------------
 
 class CountingBridge : public BDA::BulkDumpBridge {
  public:
@@ -316,8 +313,7 @@ void buildVoiceNaive(benchmark::State& state) {
 BENCHMARK(buildVoice)->Name("Build a normal voice/ours");
 BENCHMARK(buildVoiceNaive)->Name("Build a normal voice/naive");
 
-// ---- The codec of file dumps
-// -------------------------------------------------------------------------------------------
+// ---- The codec of file dumps ---------------------------------------------------------------------------------------
 
 void encodeOurs(benchmark::State& state) {
   const Bytes source = randomBytes(std::size_t(state.range(0)), 256);

@@ -1,8 +1,8 @@
 #include "BulkExecuterFileDump.h"
 
 #include <algorithm>
-#include <memory>
 #include <new>
+#include <utility>
 
 #include "AddressRows.h"
 #include "BulkMessage.h"
@@ -169,12 +169,9 @@ BulkExecuterFileDump::BulkExecuterFileDump(std::vector<CMA::JobReceiver*>* jobRe
                                            ContSrv::Work* work)
     : BulkExecuter(jobReceivers, jobTools, temporaryModel, sharedState, dataLength), work_(work) {}
 
-BulkExecuterFileDump::~BulkExecuterFileDump() { clearFileDumpBuffers(); }
+BulkExecuterFileDump::~BulkExecuterFileDump() = default;
 
-void BulkExecuterFileDump::clearFileDumpBuffers() {
-  for (FileDumpBuffer* buffer : buffers_) delete buffer;
-  buffers_.clear();
-}
+void BulkExecuterFileDump::clearFileDumpBuffers() { buffers_.clear(); }
 
 // ---- Receiving ------------------------------------------------------------------------------------------------------
 
@@ -231,7 +228,7 @@ BDAErr BulkExecuterFileDump::removeMixingVoices() {
 BDAErr BulkExecuterFileDump::hold(std::uint32_t contType, std::uint32_t contNumber, const std::uint8_t* data,
                                   std::uint32_t size) {
   try {
-    const auto held = std::find_if(buffers_.begin(), buffers_.end(), [&](const FileDumpBuffer* buffer) {
+    const auto held = std::find_if(buffers_.begin(), buffers_.end(), [&](const auto& buffer) {
       return buffer->getContNumber() == contNumber && buffer->getContType() == contType;
     });
     if (held != buffers_.end()) {
@@ -239,8 +236,7 @@ BDAErr BulkExecuterFileDump::hold(std::uint32_t contType, std::uint32_t contNumb
     } else {
       auto buffer = std::make_unique<FileDumpBuffer>(contType, contNumber);
       buffer->initData(data, size);
-      buffers_.push_back(buffer.get());
-      buffer.release();
+      buffers_.push_back(std::move(buffer));
     }
   } catch (...) {
     Set::kNoMemory();
@@ -253,20 +249,21 @@ BDAErr BulkExecuterFileDump::hold(std::uint32_t contType, std::uint32_t contNumb
 // ---- Writing --------------------------------------------------------------------------------------------------------
 
 BDAErr BulkExecuterFileDump::writeFileDumps() {
+  // Whatever happens, nothing stays held: a later pass must not write old dumps over what was stored meanwhile.
+  const auto held = std::exchange(buffers_, {});
   if (work_ == nullptr) return BDA_ERR;
   std::int64_t mixingVoiceCount = 0;
   std::int64_t mixingVoiceMaximum = 0;
   if (const auto counted = work_->getMixingVoiceSumSync(mixingVoiceCount, mixingVoiceMaximum); !isSuccess(counted)) {
     Write::kNoSum(int(counted));
-    clearFileDumpBuffers();
     return BDA_ERR;
   }
   BDAErr result = BDA_OK;
   std::vector<std::uint32_t> removeList;
   std::uint32_t previousType = ContSrv::ContType_None;
-  for (FileDumpBuffer* buffer : buffers_) {
+  for (const auto& buffer : held) {
     const std::uint32_t contType = buffer->getContType();
-    if (contType != previousType && buffer != buffers_.front()) result |= flushType(previousType, removeList);
+    if (contType != previousType && buffer != held.front()) result |= flushType(previousType, removeList);
     try {
       result |= writeFileDump(*buffer, mixingVoiceCount, mixingVoiceMaximum, removeList);
     } catch (...) {  // storage ran out before its file was open; the pass goes on and ends as any other
@@ -277,7 +274,6 @@ BDAErr BulkExecuterFileDump::writeFileDumps() {
   // With nothing held the store is still told of a pass, over type 0, and synchronised.
   result |= flushType(previousType, removeList);
   work_->sync();
-  clearFileDumpBuffers();
   return result;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -87,7 +88,7 @@ class BulkExecuterFileDump : public BulkExecuter {
                         std::vector<std::uint32_t>& removeList);
 
   ContSrv::Work* work_;
-  std::vector<FileDumpBuffer*> buffers_;  // owned, in the order of arrival
+  std::vector<std::unique_ptr<FileDumpBuffer>> buffers_;  // in the order of arrival
 };
 
 }  // namespace BDA

@@ -59,8 +59,7 @@ struct Gap {
   std::uint8_t mask;
 };
 
-// ---- How rows are written
-// --------------------------------------------------------------------------------------------
+// ---- How rows are written ------------------------------------------------------------------------------------------
 
 constexpr int bytesPerStep(Routine routine) {
   switch (routine) {
@@ -170,8 +169,7 @@ constexpr auto join(const std::array<Row, Counts>&... parts) {
   return all;
 }
 
-// ---- What can be asked of a layout
-// -------------------------------------------------------------------------------------
+// ---- What can be asked of a layout ---------------------------------------------------------------------------------
 
 inline constexpr int kNone = -1;
 inline constexpr std::size_t kMaxLength = 512;
@@ -212,8 +210,7 @@ constexpr std::size_t touchedLength(const L& layout) {
   return std::size_t(length);
 }
 
-// ---- The proof
-// ---------------------------------------------------------------------------------------------------------
+// ---- The proof -----------------------------------------------------------------------------------------------------
 
 namespace proof {
 
@@ -321,8 +318,7 @@ constexpr bool isSound() {
 template <const auto& kLayout>
 inline constexpr bool kIsSound = proof::isSound<kLayout>();
 
-// ---- The conversion
-// ----------------------------------------------------------------------------------------------------
+// ---- The conversion ------------------------------------------------------------------------------------------------
 
 // The parameter groups and names of a model that a layout converts, in slot order; none may be null when it runs.
 template <const auto& kLayout>
