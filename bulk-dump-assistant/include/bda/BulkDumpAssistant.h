@@ -95,7 +95,7 @@ class BDA_API BulkDumpBridge {
 //
 // Threads: it creates none and locks nothing. Construction, bridge registration and destruction run on the editor's
 // thread, receiveBulkDump on any one thread at a time, never beside one of the others. Two assistants do not share
-// state. No exception leaves it.
+// state. It throws nothing of its own: when storage runs out a message fails. An editor's services should not throw.
 class BDA_API BulkDumpAssistant {
  public:
   // Nothing that is handed over changes owner, and all of it outlives the assistant; `jobTools` must not be null.
