@@ -53,20 +53,6 @@ enum BlockType : std::uint32_t {
 using Voice = CMA::VoiceParameterModel;
 using Multi = CMA::MultiParameterModel;
 
-// While a block of an element is converted its dependent parameters stand as they are.
-class UncorrectedElement {
- public:
-  explicit UncorrectedElement(Voice::ElementNode::ExceptionalParam8& parameter) : parameter_(parameter) {
-    parameter_.changeCorrectType(false);
-  }
-  UncorrectedElement(const UncorrectedElement&) = delete;
-  UncorrectedElement& operator=(const UncorrectedElement&) = delete;
-  ~UncorrectedElement() { parameter_.changeCorrectType(true); }
-
- private:
-  Voice::ElementNode::ExceptionalParam8& parameter_;
-};
-
 }  // namespace
 
 Voice* BulkExecuterVoiceBase::getVoice() const {
@@ -153,28 +139,23 @@ BDAErr BulkExecuterVoiceCommonCtrl::execBulkBlock(std::uint8_t* data, std::uint3
   return convertBlock<VoiceCommonCtrl::kDrum>(kCtrl, {{common}}, data, length, isReceive);
 }
 
-BDAErr BulkExecuterNormalVoiceElmOsc::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
+Voice::ElementNode* BulkExecuterElementBase::getElement() const {
   Voice::ElementNode* const element = from(getVoice(), &Voice::getElement, getBlockIndex());
-  Voice::ElementNode::ExceptionalParam8* const exceptional = from(element, &Voice::ElementNode::getExceptionalParam);
+  return from(element, &Voice::ElementNode::getExceptionalParam) == nullptr ? nullptr : element;
+}
+
+BDAErr BulkExecuterNormalVoiceElmOsc::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
+  Voice::ElementNode* const element = getElement();
   const Targets<NormalVoiceElmOsc::kLayout> targets{
-      {exceptional == nullptr ? nullptr : element->getParams(), from(element, &Voice::ElementNode::getWave)}};
-  const BDAErr result = checkBlock<NormalVoiceElmOsc::kLayout>(kElmOsc, targets, data, length);
-  if (isFailure(result)) return result;
-  const UncorrectedElement uncorrected(*exceptional);
-  convert<NormalVoiceElmOsc::kLayout>(targets, data, isReceive);
-  return result;
+      {from(element, &Voice::ElementNode::getParams), from(element, &Voice::ElementNode::getWave)}};
+  return convertElement<NormalVoiceElmOsc::kLayout>(kElmOsc, element, targets, data, length, isReceive);
 }
 
 BDAErr BulkExecuterNormalVoiceElmFilter::execBulkBlock(std::uint8_t* data, std::uint32_t length,
                                                        std::uint8_t isReceive) {
-  Voice::ElementNode* const element = from(getVoice(), &Voice::getElement, getBlockIndex());
-  Voice::ElementNode::ExceptionalParam8* const exceptional = from(element, &Voice::ElementNode::getExceptionalParam);
-  const Targets<NormalVoiceElmFilter::kLayout> targets{{exceptional == nullptr ? nullptr : element->getParams()}};
-  const BDAErr result = checkBlock<NormalVoiceElmFilter::kLayout>(kElmFilter, targets, data, length);
-  if (isFailure(result)) return result;
-  const UncorrectedElement uncorrected(*exceptional);
-  convert<NormalVoiceElmFilter::kLayout>(targets, data, isReceive);
-  return result;
+  Voice::ElementNode* const element = getElement();
+  const Targets<NormalVoiceElmFilter::kLayout> targets{{from(element, &Voice::ElementNode::getParams)}};
+  return convertElement<NormalVoiceElmFilter::kLayout>(kElmFilter, element, targets, data, length, isReceive);
 }
 
 BDAErr BulkExecuterDrumVoiceKey::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {

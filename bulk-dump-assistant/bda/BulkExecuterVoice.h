@@ -17,6 +17,30 @@ class BulkExecuterVoiceBase : public BulkExecuter {
   CMA::MultiParameterModel* getMulti() const;
 };
 
+// The blocks of one element: while one is converted the element's dependent parameters stand as they are.
+class BulkExecuterElementBase : public BulkExecuterVoiceBase {
+ public:
+  using BulkExecuterVoiceBase::BulkExecuterVoiceBase;
+
+ protected:
+  // The element of the block index; null also when it has no parameters that could be left uncorrected.
+  CMA::VoiceParameterModel::ElementNode* getElement() const;
+
+  // `targets` are those of `element`, which may be null as they may.
+  template <const auto& kLayout>
+  BDAErr convertElement(const BlockFailures& failures, CMA::VoiceParameterModel::ElementNode* element,
+                        const Targets<kLayout>& targets, std::uint8_t* data, std::uint32_t length,
+                        std::uint8_t isReceive) const {
+    const BDAErr result = checkBlock<kLayout>(failures, targets, data, length);
+    if (isFailure(result)) return result;
+    CMA::VoiceParameterModel::ElementNode::ExceptionalParam8& exceptional = *element->getExceptionalParam();
+    exceptional.changeCorrectType(false);
+    convert<kLayout>(targets, data, isReceive);
+    exceptional.changeCorrectType(true);
+    return result;
+  }
+};
+
 // 80 bytes (normal voice), 72 (drum voice): name and common settings.
 class BulkExecuterVoiceCommon : public BulkExecuterVoiceBase {
  public:
@@ -67,16 +91,16 @@ class BulkExecuterVoiceCommonCtrl : public BulkExecuterVoiceBase {
 };
 
 // 88 bytes: the oscillator of the element of the block index.
-class BulkExecuterNormalVoiceElmOsc : public BulkExecuterVoiceBase {
+class BulkExecuterNormalVoiceElmOsc : public BulkExecuterElementBase {
  public:
-  using BulkExecuterVoiceBase::BulkExecuterVoiceBase;
+  using BulkExecuterElementBase::BulkExecuterElementBase;
   BDAErr execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) override;
 };
 
 // 74 bytes: its filter.
-class BulkExecuterNormalVoiceElmFilter : public BulkExecuterVoiceBase {
+class BulkExecuterNormalVoiceElmFilter : public BulkExecuterElementBase {
  public:
-  using BulkExecuterVoiceBase::BulkExecuterVoiceBase;
+  using BulkExecuterElementBase::BulkExecuterElementBase;
   BDAErr execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) override;
 };
 
