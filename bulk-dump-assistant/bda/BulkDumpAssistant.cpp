@@ -322,7 +322,8 @@ BulkMsgType BulkDumpAssistant::receiveBulkDump(const unsigned char* message, uns
 }
 
 // A block of the system, of the editor or a write trigger completes a unit too: in the midst of a voice it closes the
-// voice's header, and the rest of the voice is refused. Senders keep units apart.
+// voice's header, and the rest of the voice is refused. So does a request, and what it loads overwrites what was
+// received of the voice: there is one temporary model. Senders keep units apart.
 BulkMsgType BulkDumpAssistant::receiveDump(const unsigned char* message, unsigned long length, DevicePortNum port) {
   const Address address = addressAt(message + kDumpAddressAt);
   if (bulkMixVoiceDeletion(work_, address)) return BulkMsg_BulkDump;

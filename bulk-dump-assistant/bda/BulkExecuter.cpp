@@ -56,13 +56,15 @@ BDAErr BulkExecuter::getBulkDumpMessageImplement(std::vector<std::uint8_t>& mess
     std::fill_n(data, dataLength_, std::uint8_t{0});
   }
 
-  if (const BDAErr result = execBulkBlock(data, dataLength_, 0); isFailure(result)) {
+  BDAErr result = execBulkBlock(data, dataLength_, 0);
+  if (isFailure(result)) {
     kCannotCreate();
     return result;
   }
-  if (const BDAErr result = writeBulkDumpHead(message); isFailure(result)) return result;
+  result |= writeBulkDumpHead(message);
+  if (isFailure(result)) return result;
   writeBulkDumpBody(message, address_, data, dataLength_);
-  return BDA_OK;
+  return BDA_OK;  // what the conversion told beside success is of no use to a request
 }
 
 BDAErr BulkExecuter::setBulkDumpMessage(const std::uint8_t* data, std::uint32_t length) {

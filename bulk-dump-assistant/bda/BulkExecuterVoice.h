@@ -33,12 +33,24 @@ class BulkExecuterElementBase : public BulkExecuterVoiceBase {
                         std::uint8_t isReceive) const {
     const BDAErr result = checkBlock<kLayout>(failures, targets, data, length);
     if (isFailure(result)) return result;
-    CMA::VoiceParameterModel::ElementNode::ExceptionalParam8& exceptional = *element->getExceptionalParam();
-    exceptional.changeCorrectType(false);
+    const Uncorrected uncorrected(*element->getExceptionalParam());
     convert<kLayout>(targets, data, isReceive);
-    exceptional.changeCorrectType(true);
     return result;
   }
+
+ private:
+  class Uncorrected {
+   public:
+    using Parameter = CMA::VoiceParameterModel::ElementNode::ExceptionalParam8;
+
+    explicit Uncorrected(Parameter& parameter) : parameter_(parameter) { parameter_.changeCorrectType(false); }
+    Uncorrected(const Uncorrected&) = delete;
+    Uncorrected& operator=(const Uncorrected&) = delete;
+    ~Uncorrected() { parameter_.changeCorrectType(true); }
+
+   private:
+    Parameter& parameter_;
+  };
 };
 
 // 80 bytes (normal voice), 72 (drum voice): name and common settings.

@@ -147,13 +147,16 @@ BulkBlock* BulkTable::findBulkBlock(const Address& address) {
   }
 }
 
+// A part's voice in a bank of no kind is admitted by contract, though no block of it is: its footer then stores a voice
+// as new.
 BulkBlock* BulkTable::findBulkDumpHeader(const Address& address) {
   BulkBlock* const block = search(List::header, address);
   if (block == nullptr) return nullptr;
   std::uint32_t bank = BankType_None;
   if (block->getBlockType() == kPartVoiceHeader) {
     bank = getBankType(address.getLo());
-    // The open header stays: the blocks that follow then fit none, or fit the wrong one and are refused.
+    // The open header stays as far as the table goes. The dummy block fails, and the assistant then forgets the header,
+    // so that the blocks that follow are refused.
     if (bank == BankType_Swallowed) return &dummyBlock_;
   }
   currentHeader_.setHeader(block->getBlockType(), address.getHi(), address.getMid(), address.getLo(), bank);

@@ -15,7 +15,7 @@ inline constexpr std::size_t kExecuterCount = 77;
 inline constexpr std::array<std::uint16_t, kExecuterCount + 1> kExecuterDataLength{
     0,                                         // there is no number 0
     0, 0,                                      // 1-2 header, footer
-    80, 38, 40, 36, 36, 68, 60, 86,            // 3-10 normal voice: common, reverb, chorus, insertion A, B, L, controllers, arpeggio
+    80, 38, 40, 36, 36, 68, 60, 86,            // 3-10 normal voice: common, reverb, chorus, insertion A, B, L, controls, arp
     88, 74,                                    // 11-12 element: oscillator, filter
     72, 38, 40, 36, 36, 68, 24, 86,            // 13-20 drum voice, as 3-10
     46,                                        // 21 drum key
@@ -25,7 +25,7 @@ inline constexpr std::array<std::uint16_t, kExecuterCount + 1> kExecuterDataLeng
     20, 38, 13, 63, 72, 8,                     // 38-43 as 27-32; the arpeggio block is a byte shorter here
     32, 16,                                    // 44-45 master: common, zone
     27, 26,                                    // 46-47 remote: common, controller
-    68, 8, 36, 36, 20, 38, 10, 22, 5,          // 48-56 system: common, AD, insertion A, B, EQ, effect, quick setup, sequencer, remote
+    68, 8, 36, 36, 20, 38, 10, 22, 5,          // 48-56 system: common, AD, its A, B, EQ, effect, setup, seq, remote
     448, 448, 2560, 0, 10240,                  // 57-61 wave, arpeggio and multi names, file dump, screen
     128, 128, 128, 128, 128, 128, 128, 128,    // 62-69 favourites: preset banks
     128, 128, 128, 128,                        // 70-73 user banks, and one that no block uses

@@ -19,7 +19,7 @@
 namespace BDA {
 
 // The line number of a location. Some are fixed by contract and never move with the code; the others may be any number,
-// so they tell where the report really is.
+// so they tell where the report is declared.
 class Line {
  public:
   constexpr Line(int fixedByContract) : number_(fixedByContract) {}  // NOLINT(google-explicit-constructor): a number

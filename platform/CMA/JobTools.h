@@ -28,7 +28,8 @@ class BDA_PLATFORM_API JobTools {
   virtual ~JobTools();
 
   // The assistant creates one temporary model when it is constructed and destroys it at its end, both on the thread
-  // that owns the assistant. Null: none can be had; nothing can be received into models then.
+  // that owns the assistant. Null: none can be had; nothing can be received into models then, and every operation that
+  // takes the temporary model is handed null.
   virtual TemporaryCoreModel* createTemporaryModel() = 0;
   virtual void destroyTemporaryModel(TemporaryCoreModel* model) = 0;
 
@@ -64,7 +65,7 @@ class BDA_PLATFORM_API JobTools {
   virtual unsigned long storeForReceivedSysExBulk(TemporaryCoreModel* model, std::uint8_t mid, std::uint8_t lo) = 0;
 
   // Whether a dump or a request of that address may be handled now: Result_Success; Result_UnknownError to have a
-  // dump ignored without a word; any other JOB::Result to have it refused.
+  // dump ignored without a word (a request goes on); any other JOB::Result to have it refused.
   virtual unsigned long checkModeForReceivedSysExBulk(TemporaryCoreModel* model, unsigned char hi, unsigned char mid,
                                                       unsigned char lo) = 0;
 

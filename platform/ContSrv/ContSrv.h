@@ -76,7 +76,8 @@ class BDA_PLATFORM_API Work {
   // 1 while the editor loads or saves a content file; bulk messages are then refused. Any other value: free.
   virtual unsigned char getLoadSaveFlag() = 0;
 
-  // Mixing voice `voice` (0 to 15, or ContentNumber_All) of the content (`type`, `number`): removal, name, number.
+  // Mixing voice `voice` of the content (`type`, `number`): removal, name, number. There are 0 to 15, and
+  // ContentNumber_All for a removal; a name may be asked for up to 255, of voices that do not exist.
   // Removing what is not there is ContRes_DoNothing; the name of an empty voice is ContRes_EmptyContent.
   virtual _ContResult removeMixingVoice(_ContType type, unsigned long number, unsigned long voice) = 0;
   virtual _ContResult getMixingVoiceName(_ContType type, unsigned long number, unsigned long voice,

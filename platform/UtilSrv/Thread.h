@@ -14,7 +14,7 @@ class ThreadListener;
 // A copy is attached to the same thread. Used on the attached thread only.
 class BDA_PLATFORM_API Thread {
  public:
-  // Scheduling policies by their POSIX numbers: 0 other, 1 first in first out, 2 round robin.
+  // Scheduling policies by their numbers on Linux: 0 other, 1 first in first out, 2 round robin.
   using _PolicyType = std::int32_t;
   // Priority within the policy, 0 for policy 0, 1 (lowest) to 99 for the real-time policies.
   using _PriorityType = std::int32_t;

@@ -197,6 +197,14 @@ TEST_F(BulkExecuterTest, StopsSilentlyAfterTwoBytesWhenTheDeviceIsOff) {
   EXPECT_EQ(executer.directions, std::vector<int>{0});  // the conversion had already run
 }
 
+TEST_F(BulkExecuterTest, KeepsWhatTheConversionToldWhenTheDeviceIsOff) {
+  PlainExecuter executer = make(1);
+  executer.result = BDA_INFO_EDITOR;
+  setDevice(17);
+  Bytes message;
+  EXPECT_EQ(executer.getBulkDumpMessageImplement(message), 0x80000400u);
+}
+
 TEST_F(BulkExecuterTest, TakesAMissingSystemModelForOff) {
   record.fail("system");
   Bytes message;

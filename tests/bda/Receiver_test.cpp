@@ -183,9 +183,9 @@ TEST_F(ReceiverTest, DeviceSettingsAbove17AreSentUnmasked) {
 
 TEST_F(ReceiverTest, WithDeviceOffARequestFailsWithoutAMessage) {
   tools.system.utility[51] = 17;
-  EXPECT_EQ(request("00 20 00", 1), 0x80000000U);
+  EXPECT_EQ(request("00 20 00", 1), 0x80000004U);  // the block was converted before the head failed
   EXPECT_EQ(trace.take(),
-            failure("Receiver", 251, kRequest, "error : getBulkDumpMessage() ! [ BDAErr = 0x80000000 ]\n"));
+            failure("Receiver", 251, kRequest, "error : getBulkDumpMessage() ! [ BDAErr = 0x80000004 ]\n"));
   EXPECT_THAT(bridge.messages, IsEmpty());
 }
 

@@ -52,8 +52,8 @@ enum BulkMsgType : std::uint32_t {
 enum DevicePortNum : std::uint32_t {
   DevicePort_Main = 1,    // dumps that arrive here are echoed on DevicePort_Echo
   DevicePort_Echo = 4,    // gets completion notices
-  DevicePort_Remote = 5,  // gets the answers and notices of remote settings
-  DevicePort_Thru = 6,    // as DevicePort_Main, but bulk requests are not answered
+  DevicePort_Remote = 5,  // gets completion notices, and whatever port they came on the answers and notices of remotes
+  DevicePort_Thru = 6,    // as DevicePort_Main, but no bulk request is answered save that for an empty mixing voice
 };
 
 // Facts of a System Exclusive bulk message.
@@ -64,11 +64,13 @@ class BDA_API Utility {
   // the message's byte count, or for a null message.
   static unsigned char calcCheckSum(const unsigned char* message, unsigned long length);
 
-  // Whether a bulk dump's checksum byte is right. A message too short for its byte count is logged and wrong.
+  // Whether a bulk dump's checksum byte is right. A length that does not fit the byte count is logged; a message that
+  // lacks only its F7, or has bytes after it, then passes if its checksum byte is 0, as the instrument has it.
   static bool isCorrectCheckSum(const unsigned char* message, unsigned long length);
 
   // The device-number setting: 0 to 15, CMA::DeviceNumber_All or CMA::DeviceNumber_Off (also when the editor has no
-  // system model). `*nibble`, unless null, becomes what an outgoing message carries: 0 for all and OFF.
+  // system model). `*nibble`, unless null, becomes what an outgoing message carries: 0 for all and OFF. A setting that
+  // is none of these comes back as it is, in both.
   static CMA::DeviceNumber getDeviceNumber(CMA::JobTools& jobTools, unsigned char* nibble);
 };
 
@@ -99,9 +101,10 @@ class BDA_API BulkDumpBridge {
 class BDA_API BulkDumpAssistant {
  public:
   // Nothing that is handed over changes owner, and all of it outlives the assistant; `jobTools` must not be null.
-  //   eventPortManager  through which on-screen messages and file dumps reach the editor; may be null
+  //   eventPortManager  through which on-screen messages reach the editor; may be null
   //   jobReceivers      the jobs that the block executers may use; only passed on
-  //   bulkJobs          gets the assistant's five jobs appended (normal voice, drum voice, performance, mix, master);
+  //   bulkJobs          gets the assistant's five jobs appended (normal voice, drum voice, performance, mix, master;
+  //                     null for one that could not be allocated);
   //                     they stay the assistant's: drop them from the vector before or when the assistant goes.
   //                     Null: they are appended nowhere
   //   work              the contents store; null: nothing that needs it succeeds
