@@ -187,7 +187,7 @@ std::string describeBlocks(const std::vector<BulkAddress>& blocks) {
 }
 
 std::string describeUnit(const UnitReport& unit) {
-  const std::string name = nameOrBytes(unit.address);
+  std::string name = nameOrBytes(unit.address);
   const std::string where = unit.firstMessage == unit.lastMessage
                                 ? fmt::format("message {}", unit.lastMessage)
                                 : fmt::format("messages {} to {}", unit.firstMessage, unit.lastMessage);
