@@ -220,6 +220,33 @@ TEST_P(ParameterBlock, DumpsZerosForParametersThatCannotBeRead) {
   EXPECT_EQ(dump(), Bytes(kind->length, 0));
 }
 
+TEST_P(ParameterBlock, IsConvertedAsEverAfterAnEditorThrew) {
+  const Bytes data = pattern();
+  for (const char* const call : {"set", "set16", "setName", "get", "get16", "getName"})
+    for (const std::uint8_t isReceive : {kReceive, kDump}) {
+      for (unsigned nth = 1;; ++nth) {
+        record.heal();
+        record.raise(call, nth);
+        Bytes converted = data;
+        try {
+          exec(converted, isReceive);
+          break;  // it has fewer of these
+        } catch (const std::bad_alloc&) {
+        }
+        const Lines told = calls();
+        for (const Step& step : steps) {
+          if (step.routine == Routine::release) {
+            EXPECT_EQ(told.back(), "changeCorrectType(" + step.path + ", true)");
+          }
+        }
+      }
+      record.heal();
+      calls();
+    }
+  ASSERT_EQ(receive(data), expectedCalls(data));
+  EXPECT_EQ(dump(), expectedDump());
+}
+
 TEST_P(ParameterBlock, LeavesWhatTheHeaderSaidAsItIs) {
   for (const std::uint8_t isReceive : {kReceive, kDump}) {
     Bytes data = pattern();
