@@ -243,6 +243,28 @@ TEST_F(FileDump, OneContentUnderTwoAddressesIsOne) {
   EXPECT_EQ(calls(), pass({written(kVoice, 0x3F8001, "By multi", 4, true)}, kVoice));
 }
 
+// A sender can fill no more memory than there are contents.
+TEST_F(FileDump, AtMostOneDumpOfEachContentIsHeld) {
+  unsigned count = 0;
+  for (int round = 0; round < 2; ++round) {
+    for (const Row& row : kRows) {
+      if (row.type == 37 || row.type == 38 || row.type == 40 || row.type == 42) continue;
+      for (unsigned mid = row.firstMid; mid <= row.lastMid; ++mid) {
+        for (unsigned lo = 0; lo <= row.lastLo; ++lo) {
+          const Bytes address{0x0C, std::uint8_t(mid), std::uint8_t(lo)};
+          ASSERT_EQ(receive(Testing::textOf(address), fieldOf("", pattern(1))), 0x1000u);
+          count += round == 0 ? 1 : 0;
+        }
+      }
+    }
+  }
+  EXPECT_EQ(count, 384u + 32 + 16 + 2048 + 128 + 1);
+  calls();
+  EXPECT_EQ(trigger(), 0x800u);
+  const Lines made = calls();
+  EXPECT_EQ(std::count(made.begin(), made.end(), "write(1)"), 2609);
+}
+
 TEST_F(FileDump, HeldDumpsAreGoneWithTheirExecuter) {
   {
     BulkExecuterCreator other(nullptr, &jobReceivers, &tools, &tools.temporaryModel, &work);
