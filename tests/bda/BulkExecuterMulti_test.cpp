@@ -185,7 +185,7 @@ TEST_F(MultiTest, AnInsertionBlockOfAnyOtherTypeIsRefusedBeforeItsLength) {
   for (unsigned type = 0; type <= 130; ++type) {
     if (type == 85 || type == 86 || type == 97 || type == 98) continue;
     for (const unsigned from : {85U, 86U, 97U, 98U})
-      for (const std::size_t length : {35, 36}) {
+      for (const unsigned length : {35U, 36U}) {
         serve(from, false);
         served->setBlockInfo(Address(0x36, 3, 0), type, 0);
         Bytes data(length, 0x55);
@@ -235,7 +235,7 @@ TEST_F(MultiTest, RunsSkipBytesAndIndicesAsEffectsAndEqualizersDo) {
   EXPECT_EQ(multi().masterEq[7], 0x55);
   EXPECT_EQ(multi().masterEq[18], 0x55);
   const Bytes equalizer = dump();
-  for (const std::size_t byte : {7, 11, 15}) EXPECT_EQ(equalizer[byte], 0) << byte;
+  for (const unsigned byte : {7U, 11U, 15U}) EXPECT_EQ(equalizer[byte], 0) << byte;
   serve(88, false);
   for (unsigned index = 0; index < 256; ++index) multi().masterEffect[index] = 0x55;
   receive(Bytes(38, 0x11));

@@ -25,13 +25,13 @@ TEST_F(VoiceTest, A79ByteCommonBlockOfANormalVoiceIsRefused) {
 }
 
 TEST_F(VoiceTest, TheUnusedBytesOfACommonDumpAre0) {
-  for (const unsigned type : {61, 72})
+  for (const unsigned type : {61U, 72U})
     for (const bool isLive : {false, true}) {
       serve(type, isLive);
       for (auto& [path, group] : models.groups)
         for (unsigned index = 0; index < 256; ++index) (*group)[index] = 0xFFFF;
       const Bytes data = dump();
-      for (const std::size_t byte : {20, 21, 22, 23, 26, 27, 28, 29, 39, 47, 55, 60, 61, 62})
+      for (const unsigned byte : {20U, 21U, 22U, 23U, 26U, 27U, 28U, 29U, 39U, 47U, 55U, 60U, 61U, 62U})
         EXPECT_EQ(data[byte], 0) << byte;
       EXPECT_EQ(data[24], 0xFF);
     }
