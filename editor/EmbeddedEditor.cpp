@@ -166,7 +166,7 @@ Record EmbeddedEditor::handle(std::span<const std::uint8_t> message, BDA::Device
     handleDump(record, message, port);
   } else if (reading.kind == Reading::Kind::request) {
     const Library::Transaction oneState(library_, Library::Transaction::Access::Read);
-    tools().reload();  // another program may have changed the live models
+    if (!inRun_) tools().reload();  // another program may have changed the live models
     static_cast<AssistantHost::Effects&>(record) = host_.handle(message, port);
     storeError_ = record.log.empty() ? std::string() : tools().lastLoadError();
   } else {
@@ -201,7 +201,7 @@ void EmbeddedEditor::handleDump(Record& record, std::span<const std::uint8_t> me
   bool kept = false;
   try {
     Library::Transaction transaction(library_);
-    tools().reload();  // another program may have changed the live models
+    if (!inRun_) tools().reload();  // another program may have changed the live models
     static_cast<AssistantHost::Effects&>(record) = host_.handle(message, port);
     work_.abandonPass();
     storeError_ = work_.takeError();
@@ -300,6 +300,52 @@ std::string EmbeddedEditor::whyRefused(const Record& record, const Reading& read
     if (address.hi == kFileDumpHi && !isWritableFileDump(address)) return "this bank is not stored by file dumps";
   }
   return messagesOf(record.log);
+}
+
+namespace {
+
+void setUtility(EditorJobTools& tools, std::uint16_t parameter, std::uint8_t value) {
+  tools.getSystemModel()->getUtility()->set(&value, parameter, 0);
+}
+
+void save(EditorJobTools& tools) {
+  std::vector<std::string> saved;
+  if (!tools.saveChanged(saved)) throw LibraryError(LibraryError::Kind::Failed, tools.lastStoreError());
+}
+
+}  // namespace
+
+EmbeddedEditor::Run::Run(EmbeddedEditor& editor, Library::Transaction::Access access, Devices devices)
+    : editor_(editor), transaction_(std::in_place, editor.library_, access) {
+  EditorJobTools& tools = editor.tools();
+  tools.reload();
+  system_ = tools.liveSystem();
+  const unsigned device = system_.system->utility.values()[SystemModel::kDeviceNumber];
+  setUtility(tools, SystemModel::kReceiveBulk, 1);
+  if (devices == Devices::any)
+    setUtility(tools, SystemModel::kDeviceNumber, CMA::DeviceNumber_All);
+  else if (device == unsigned(CMA::DeviceNumber_Off))
+    setUtility(tools, SystemModel::kDeviceNumber, 0);
+  if (access == Library::Transaction::Access::Write) save(tools);
+  editor.inRun_ = true;
+}
+
+EmbeddedEditor::Run::~Run() {
+  editor_.inRun_ = false;
+  transaction_.reset();
+  try {
+    editor_.tools().reload();
+  } catch (const std::exception&) {
+    // The next message reads them again, and tells.
+  }
+}
+
+void EmbeddedEditor::Run::commit() {
+  EditorJobTools& tools = editor_.tools();
+  for (const std::uint16_t parameter : {SystemModel::kReceiveBulk, SystemModel::kDeviceNumber})
+    setUtility(tools, parameter, std::uint8_t(system_.system->utility.values()[parameter]));
+  save(tools);
+  transaction_->commit();
 }
 
 std::vector<std::uint8_t> EmbeddedEditor::requestFor(BulkAddress address) {

@@ -69,6 +69,28 @@ class EmbeddedEditor {
   // A request for that address as this library's instrument accepts it.
   std::vector<std::uint8_t> requestFor(BulkAddress address);
 
+  // As long as it lives the messages that are handled are one change of the library, or see one state of it. Their
+  // records name no contents as stored: nothing is, before the commit. One at a time, for one editor.
+  //
+  // It is the user who asks for it, not a cable: receive-bulk counts as on, and a device number that is off as 1.
+  class Run {
+   public:
+    enum class Devices : std::uint8_t { asSet, any };
+
+    explicit Run(EmbeddedEditor& editor, Library::Transaction::Access access = Library::Transaction::Access::Write,
+                 Devices devices = Devices::asSet);
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+    ~Run();  // takes back what was not committed
+
+    void commit();
+
+   private:
+    EmbeddedEditor& editor_;
+    std::optional<Library::Transaction> transaction_;
+    ModelSet system_;  // as it was
+  };
+
  private:
   void handleDump(Record& record, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
   void follow(Record& record, const Reading& reading, std::uint64_t number);
@@ -85,6 +107,7 @@ class EmbeddedEditor {
   AssistantHost host_;
   std::optional<OpenUnit> open_;
   std::vector<Held> held_;
+  bool inRun_ = false;
   std::string storeError_;  // of the message that is being handled
   std::vector<Change> changes_;
 };

@@ -11,6 +11,7 @@ enum ExitCode : int {
   kWrongUsage = 1,     // or an error of the program itself
   kUnusableInput = 2,  // no such file, no MIDI in it, a library that cannot be opened
   kRefused = 3,        // a message or a unit was refused or is broken
+  kInterrupted = 130,  // by the user: everything is as it was at the last message
 };
 
 // Ends the run: one line for standard error, and the exit code.

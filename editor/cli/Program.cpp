@@ -12,7 +12,8 @@ namespace Editor {
 
 namespace {
 
-constexpr std::array kVerbs{addList, addVerify, addReceive, addRequest, addShow, addApply, addSettings, addContents};
+constexpr std::array kVerbs{addList,  addVerify,   addReceive,  addRequest, addShow,
+                            addApply, addSettings, addContents, addBackup,  addRestore};
 
 constexpr const char* kAddresses =
     "An ADDRESS or TARGET is three hex bytes (0E0A05, 0E 0A 05, 0E/0A/05) or a name: voice:user1:6, "
@@ -75,8 +76,7 @@ std::string Program::libraryFile() const {
   throw Failure(kWrongUsage, "no library: name one with --library or in BDA_LIBRARY");
 }
 
-std::unique_ptr<EmbeddedEditor> Program::openEditor() const {
-  const std::string file = libraryFile();
+std::unique_ptr<EmbeddedEditor> Program::openEditor(const std::string& file) const {
   try {
     return std::make_unique<EmbeddedEditor>(file);
   } catch (const LibraryError& error) {

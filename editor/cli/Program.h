@@ -21,8 +21,9 @@ class Program {
   // The library that the command line, the environment or the default names.
   std::string libraryFile() const;
   void setLibraryFile(const std::string& file) { library_ = file; }
-  // Opens it. Throws Failure (kUnusableInput).
-  std::unique_ptr<EmbeddedEditor> openEditor() const;
+  // Opens it, or `file`. Throws Failure (kUnusableInput).
+  std::unique_ptr<EmbeddedEditor> openEditor() const { return openEditor(libraryFile()); }
+  std::unique_ptr<EmbeddedEditor> openEditor(const std::string& file) const;
 
   // Something was refused or is broken: the run goes on, and ends with this.
   void refuse() { exitCode_ = kRefused; }
@@ -42,6 +43,13 @@ void addShow(CLI::App& app, Program& program);
 void addApply(CLI::App& app, Program& program);
 void addSettings(CLI::App& app, Program& program);
 void addContents(CLI::App& app, Program& program);
+void addBackup(CLI::App& app, Program& program);
+void addRestore(CLI::App& app, Program& program);
+void addDiff(CLI::App& app, Program& program);
+void addRename(CLI::App& app, Program& program);
+void addFavourite(CLI::App& app, Program& program);
+void addRemove(CLI::App& app, Program& program);
+void addScreen(CLI::App& app, Program& program);
 
 // Runs the program `bda`; the result is its exit code.
 int runProgram(int argc, const char* const* argv);

@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 
+#include "cli/Answers.h"
 #include "cli/InputFiles.h"
 #include "cli/OutputFile.h"
 #include "cli/Program.h"
@@ -36,19 +37,6 @@ void addOptions(CLI::App& verb, Options& options) {
 }
 
 std::string count(std::size_t n, const char* one) { return fmt::format("{} {}{}", n, one, n == 1 ? "" : "s"); }
-
-// The messages of an answer, if they can leave as they are. Nothing, and `why`, when one is not 7-bit.
-bool isSendable(const std::vector<AssistantHost::Sent>& sent, std::string& why) {
-  for (const AssistantHost::Sent& message : sent) {
-    if (isSevenBit(message.bytes)) continue;
-    const auto bad =
-        std::find_if(message.bytes.begin() + 1, message.bytes.end(), [](std::uint8_t byte) { return byte > 0x7F; });
-    why = fmt::format("its answer has {:02X} at byte {}, which is no MIDI data byte",
-                      bad == message.bytes.end() ? 0 : *bad, bad - message.bytes.begin());
-    return false;
-  }
-  return true;
-}
 
 // ---- receive ----
 
@@ -145,8 +133,7 @@ class Receiving {
   }
 
   void answer(const InputFiles::Message& message, const Record& record, const std::string& what) {
-    std::string why;
-    if (answers_ && !isSendable(record.sent, why))
+    if (const std::string why = whyUnsendable(record.sent); answers_ && !why.empty())
       return complain(fmt::format("{}: {}: {}", placeOf(message), what, why));
     console_.line(fmt::format("answered: {}, {} ({})", what, count(record.sent.size(), "message"), placeOf(message)));
     if (!answers_) return;
@@ -167,17 +154,6 @@ class Receiving {
 };
 
 // ---- request ----
-
-std::string describeRefusal(const Record& record) {
-  switch (record.outcome) {
-    case Outcome::refused:
-      return record.reason;
-    case Outcome::nothingToSend:
-      return "there is nothing to send";
-    default:
-      return "requests that arrive on this port are not answered";
-  }
-}
 
 // Without a file: bytes to a pipe, hex to a terminal.
 void writeAnswers(const std::vector<std::vector<std::uint8_t>>& answers, const std::string& path, Console& console) {
@@ -204,8 +180,8 @@ void request(const Options& options, Program& program) {
     const std::vector<std::uint8_t> message = editor->requestFor(address);
     const Record record = editor->handle(message, port, ++number);
     trace.add({number, nullptr, std::nullopt}, port, message, record);
-    std::string why = record.outcome == Outcome::answered ? "" : describeRefusal(record);
-    if (why.empty() && isSendable(record.sent, why)) {
+    const std::string why = whyUnanswered(record);
+    if (why.empty()) {
       ++answered;
       for (const AssistantHost::Sent& sent : record.sent) answers.push_back(sent.bytes);
       continue;

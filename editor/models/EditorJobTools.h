@@ -34,6 +34,10 @@ class EditorJobTools final : public CMA::JobTools {
 
   // The live models of an edit buffer; `part` (0 to 15) counts for partVoice only. Valid until they are changed.
   const ModelSet& live(EditBuffer buffer, std::uint8_t part = 0) const;
+  // The key under which the store keeps them.
+  const std::string& liveKey(EditBuffer buffer, std::uint8_t part = 0) const {
+    return units_[unitOf(buffer, part)].key;
+  }
   const ModelSet& liveSystem() const { return units_[kSystem].models; }
   const ModelSet& liveAdditional() const { return units_[kAdditional].models; }
   // The edit buffer whose models the getters hand out.

@@ -1,0 +1,164 @@
+// The verb restore: messages into the library, all of them or none.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <memory>
+#include <set>
+
+#include "cli/Compare.h"
+#include "cli/InputFiles.h"
+#include "cli/Program.h"
+#include "cli/Progress.h"
+#include "cli/ScratchLibrary.h"
+
+namespace Editor {
+
+namespace {
+
+class Restoring {
+ public:
+  Restoring(const std::string& file, Program& program)
+      : program_(program), console_(program.console), input_({file}), messages_(input_.countMessages()) {}
+
+  void run(bool dryRun) {
+    verify();
+    const std::string file = program_.libraryFile();
+    if (!dryRun) {
+      const std::unique_ptr<EmbeddedEditor> editor = program_.openEditor(file);
+      EmbeddedEditor::Run run(*editor);
+      receive(*editor, "restore");
+      run.commit();
+      tellChanges(editor->library().takeChanges());
+    } else if (std::filesystem::exists(file)) {
+      const std::unique_ptr<EmbeddedEditor> editor = program_.openEditor(file);
+      const std::unique_ptr<EmbeddedEditor> untouched = program_.openEditor(file);
+      rehearse(*editor, *untouched);
+    } else {  // which would be created
+      ScratchLibrary fresh;
+      ScratchLibrary untouched;
+      rehearse(fresh.editor(), untouched.editor());
+    }
+  }
+
+ private:
+  [[noreturn]] static void giveUp() { throw Failure(kRefused, "nothing is restored, the library is as it was"); }
+
+  // Judges the file by itself, before any library is opened.
+  void verify() {
+    constexpr std::size_t kMostProblems = 20;
+    std::size_t problems = input_.reportLosses(console_) ? 0 : 1;
+    const auto complain = [&](const std::string& text) {
+      if (++problems <= kMostProblems) console_.problem(text);
+    };
+    UnitFollower follower;
+    const auto judge = [&](const std::vector<UnitReport>& units, const std::string& place) {
+      for (const UnitReport& unit : units)
+        if (isBroken(unit)) complain(fmt::format("{}: {}", place, describeUnit(unit)));
+    };
+    input_.forEachMessage([&](const InputFiles::Message& message) {
+      const Reading reading = readMessage(message.bytes);
+      if (isBroken(reading))
+        complain(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
+      judge(follower.next(reading, message.number), placeOf(message));
+    });
+    for (const UnitReport& unit : follower.finish())
+      input_.forEachMessage([&](const InputFiles::Message& message) {
+        if (message.number == unit.firstMessage) judge({unit}, placeOf(message));
+      });
+    if (problems > kMostProblems) console_.problem(fmt::format("and {} more", problems - kMostProblems));
+    if (problems != 0) giveUp();
+  }
+
+  void receive(EmbeddedEditor& editor, const char* verb) {
+    Progress progress(console_, verb, "messages", messages_);
+    input_.forEachMessage([&](const InputFiles::Message& message) {
+      const Reading reading = readMessage(message.bytes);
+      if (reading.kind == Reading::Kind::dump) {
+        ++dumps_;
+        const Record record = handle(editor, message);
+        if (record.outcome == Outcome::refused) {
+          console_.problem(
+              fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
+          giveUp();
+        }
+      }
+      progress.step(message.bytes.size());
+    });
+    if (!editor.openUnits().empty()) giveUp();
+    if (dumps_ < messages_)
+      console_.note(fmt::format("{} of {} messages are no dumps: ignored", messages_ - dumps_, messages_));
+  }
+
+  static Record handle(EmbeddedEditor& editor, const InputFiles::Message& message) {
+    try {
+      return editor.handle(message.bytes, BDA::DevicePort_Main, message.number);
+    } catch (const LibraryError& error) {
+      throw Failure(kWrongUsage, fmt::format("{}: {}; nothing is restored", placeOf(message), escape(error.what())));
+    }
+  }
+
+  void tellChanges(const std::vector<Change>& changes) {
+    std::set<ContentId> stored;
+    std::set<ContentId> removed;
+    for (const Change& change : changes) {
+      if (change.kind != Change::Kind::Stored && change.kind != Change::Kind::Removed) continue;
+      const bool isStored = change.kind == Change::Kind::Stored;
+      (isStored ? stored : removed).insert(change.id);
+      (isStored ? removed : stored).erase(change.id);
+    }
+    for (const ContentId id : stored) console_.detail(fmt::format("stored: {}", nameOf(id)));
+    for (const ContentId id : removed) console_.detail(fmt::format("removed: {}", nameOf(id)));
+    console_.note(fmt::format("restored: {} message{}, {} content{} stored, {} removed", dumps_, dumps_ == 1 ? "" : "s",
+                              stored.size(), stored.size() == 1 ? "" : "s", removed.size()));
+  }
+
+  // Everything but the commit. `untouched` is the same library through other eyes: it sees what is committed.
+  void rehearse(EmbeddedEditor& editor, EmbeddedEditor& untouched) {
+    const EmbeddedEditor::Run run(editor);
+    const Library::Transaction asItIs(untouched.library(), Library::Transaction::Access::Read);
+    untouched.tools().reload();
+    receive(editor, "dry run");
+    const std::vector<Difference> changes = compareLibraries(untouched, editor, Reception::ignored);
+    for (const Difference& change : changes) tell(change);
+    console_.note(changes.empty() ? "nothing would change"
+                                  : fmt::format("{} content{} or setting{} would change", changes.size(),
+                                                changes.size() == 1 ? "" : "s", changes.size() == 1 ? "" : "s"));
+  }
+
+  void tell(const Difference& change) {
+    switch (change.kind) {
+      case Difference::Kind::onlyInFirst:
+        console_.line(fmt::format("would remove: {}", change.target));
+        break;
+      case Difference::Kind::onlyInSecond:
+        console_.line(fmt::format("would store: {} \"{}\"", change.target, showName(change.name)));
+        break;
+      case Difference::Kind::changed:
+        console_.line(fmt::format("would change: {} ({} difference{})", change.target, change.details.size(),
+                                  change.details.size() == 1 ? "" : "s"));
+        for (const std::string& detail : change.details) console_.detail(fmt::format("    {}", detail));
+        break;
+    }
+  }
+
+  Program& program_;
+  Console& console_;
+  const InputFiles input_;
+  const std::uint64_t messages_;
+  std::uint64_t dumps_ = 0;
+};
+
+}  // namespace
+
+void addRestore(CLI::App& app, Program& program) {
+  CLI::App* const verb = app.add_subcommand("restore", "Receive all messages of a file into the library, or none");
+  const auto file = std::make_shared<std::string>();
+  const auto dryRun = std::make_shared<bool>(false);
+  verb->add_option("FILE", *file, "A backup, or any message file; - is standard input")->required();
+  verb->add_flag("--dry-run", *dryRun, "Say what would change, and change nothing");
+  verb->callback([file, dryRun, &program] { Restoring(*file, program).run(*dryRun); });
+}
+
+}  // namespace Editor

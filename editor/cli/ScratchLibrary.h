@@ -1,0 +1,26 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+
+#include "EmbeddedEditor.h"
+
+namespace Editor {
+
+// A fresh library in a directory of its own, which goes with it.
+class ScratchLibrary {
+ public:
+  // Throws Failure and LibraryError.
+  ScratchLibrary();
+  ScratchLibrary(const ScratchLibrary&) = delete;
+  ScratchLibrary& operator=(const ScratchLibrary&) = delete;
+  ~ScratchLibrary();
+
+  EmbeddedEditor& editor() { return *editor_; }
+
+ private:
+  std::filesystem::path directory_;
+  std::optional<EmbeddedEditor> editor_;
+};
+
+}  // namespace Editor
