@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
+#include <ostream>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -40,6 +41,10 @@ struct Kind {
   std::size_t length;
   std::string rows;
 };
+
+inline void PrintTo(const Kind& kind, std::ostream* out) {
+  *out << kind.className << " of " << kind.length << " bytes";
+}
 
 inline std::string insertionEffect(const std::string& target) {
   return "wide 0 " + target + " 0\n wide 1 " + target + " 1\n wide 2 " + target + " 4\n pair 4-35 " + target + " 5\n";
