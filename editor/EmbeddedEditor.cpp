@@ -168,7 +168,8 @@ Record EmbeddedEditor::handle(std::span<const std::uint8_t> message, BDA::Device
     const Library::Transaction oneState(library_, Library::Transaction::Access::Read);
     if (!inRun_) tools().reload();  // another program may have changed the live models
     static_cast<AssistantHost::Effects&>(record) = host_.handle(message, port);
-    storeError_ = record.log.empty() ? std::string() : tools().lastLoadError();
+    const bool isHeader = reading.address->hi == BDA::kHeaderHi;  // only a header loads something
+    storeError_ = record.log.empty() || !isHeader ? std::string() : tools().lastLoadError();
   } else {
     static_cast<AssistantHost::Effects&>(record) = host_.handle(message, port);
   }
@@ -290,10 +291,12 @@ std::string EmbeddedEditor::whyRefused(const Record& record, const Reading& read
   if (lastShown(record) == kMixingVoicesFull) return "there is no room for another mixing voice";
   if (isBroken(reading)) return fmt::format("{}: {}", wordOf(reading.verdict), reading.note);
   if (!storeError_.empty()) return storeError_;
+  const BulkAddress address = reading.address.value_or(BulkAddress{});
+  const std::size_t list = BDA::listOf(address.hi);
+  const bool isUnitBlock = list >= std::size_t(BDA::List::normalVoice) && list <= std::size_t(BDA::List::remote);
+  if (record.result == BDA::BulkMsg_BulkRequest && isUnitBlock)
+    return "it is not answered by itself, only with the header that it belongs to";
   if (record.result == BDA::BulkMsg_BulkDump) {
-    const BulkAddress address = *reading.address;
-    const std::size_t list = BDA::listOf(address.hi);
-    const bool isUnitBlock = list >= std::size_t(BDA::List::normalVoice) && list <= std::size_t(BDA::List::remote);
     if (isUnitBlock && (!open_ || !OpenUnit(*open_).arrive(address))) return "no open header admits this block";
     if (isList(address, BDA::List::footer) && (!open_ || !open_->isClosedBy(address)))
       return "it closes no open header";
