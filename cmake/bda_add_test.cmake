@@ -7,10 +7,10 @@ include(GoogleTest)
 
 # The headers of the test libraries are half of what a test compiles: once for all of them, unless
 # CMAKE_DISABLE_PRECOMPILE_HEADERS is on, as in the clang preset, which proves that each test includes what it needs.
-# At -O1 test code compiles in two thirds of the time; what it tests stays at -O2.
+# Test code is optimised less than what it tests: it takes half the time to compile, and no longer to run.
 function(bda_compile_test_code target)
   target_link_libraries(${target} PRIVATE bda-warnings rapidcheck_gtest rapidcheck GTest::gmock_main)
-  target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
+  target_compile_options(${target} PRIVATE $<IF:$<CONFIG:Release>,-O1,-O0>)
   set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)  # one set of flags for all kinds of targets
 endfunction()
 
