@@ -29,26 +29,23 @@ std::uint64_t pairSums(std::uint64_t word) {
   return (word & kEvenBytes) + (word >> 8 & kEvenBytes);
 }
 
-// The sum of a dump's bytes 5 to `end` - 1, modulo 256, which is enough: 128 divides it. `end` is at least 10. The
+// The sum, modulo 256, which is enough, for 128 divides it. At least eight bytes before the first can be read. The
 // lanes of a block do not depend on each other, so that compilers use whole vector registers.
-unsigned sumOf(const unsigned char* dump, std::size_t end) {
+unsigned sumOf(const unsigned char* bytes, std::size_t left) {
   constexpr std::size_t kLanes = 32;
-  const unsigned char* bytes = dump + kByteCountAt;
-  std::size_t left = end - kByteCountAt;
   std::uint64_t sums = 0;
   if (left >= kLanes) {
     std::array<std::uint8_t, kLanes> lanes{};
-    do {
+    for (; left >= kLanes; left -= kLanes, bytes += kLanes)
       for (std::size_t i = 0; i < kLanes; ++i) lanes[i] = std::uint8_t(lanes[i] + bytes[i]);
-      bytes += kLanes;
-      left -= kLanes;
-    } while (left >= kLanes);
-    for (std::size_t i = 0; i < kLanes; i += sizeof sums) sums += pairSums(load(&lanes[i]));
+    std::array<std::uint8_t, kLanes / 2> halves;
+    for (std::size_t i = 0; i < halves.size(); ++i) halves[i] = std::uint8_t(lanes[i] + lanes[i + halves.size()]);
+    sums = pairSums(load(halves.data())) + pairSums(load(&halves[sizeof sums]));
   }
   for (; left >= sizeof sums; left -= sizeof sums, bytes += sizeof sums) sums += pairSums(load(bytes));
   unsigned sum = 0;
   if constexpr (std::endian::native == std::endian::little) {
-    // The last word that ends with the last byte; what of it was counted, or stands before byte 5, is shifted out.
+    // The last word that ends with the last byte; what of it was counted, or stands before the first, is shifted out.
     if (left > 0) sums += pairSums(load(bytes + left - sizeof sums) >> 8 * (sizeof sums - left));
   } else {
     for (; left > 0; --left) sum += *bytes++;
@@ -63,7 +60,10 @@ unsigned char Utility::calcCheckSum(const unsigned char* message, unsigned long 
     kWrongLength(int(length));
     return 0;
   }
-  return (0U - sumOf(message, length - 2)) & 0x7FU;
+  // Byte count and address by themselves: most messages of a header and a footer have nothing else.
+  unsigned sum = 0U + message[5] + message[6] + message[7] + message[8] + message[9];
+  if (length > kDumpFrame) sum += sumOf(message + kDataAt, length - kDumpFrame);
+  return (0U - sum) & 0x7FU;
 }
 
 bool Utility::isCorrectCheckSum(const unsigned char* message, unsigned long length) {
