@@ -106,8 +106,13 @@ struct Entry {
   std::uint8_t favourite = 0;
 };
 
-// The part of a readable name that its bank shares: "voice:user1:6" is number 6 of "voice:user1".
-std::string bankOfName(const std::string& name) { return name.substr(0, name.rfind(':')); }
+// The part of a readable name that its bank shares: "voice:user1:6" is number 6 of "voice:user1"; "drum:gm" has a bank
+// to itself.
+std::string bankOfName(const std::string& name) {
+  const std::size_t colon = name.rfind(':');
+  const bool isNumbered = name.find_first_not_of("0123456789", colon + 1) == std::string::npos;
+  return isNumbered ? name.substr(0, colon) : name;
+}
 
 bool isOpaque(const Entry& entry) {
   ModelSet models = emptySetFor(entry.id);
@@ -151,28 +156,45 @@ std::string toJsonLine(const Entry& entry) {
   return json.dump();
 }
 
-void contents(bool json, Program& program) {
-  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
-  Console& console = program.console;
-  std::size_t stored = 0;
+// The contents bank by bank, a line each; flags of empty slots, of which there may be hundreds, share one line a bank.
+void printByBank(const std::vector<Entry>& entries, Console& console) {
   std::string bank;
-  for (const Entry& entry : entriesOf(editor->library())) {
-    if (entry.content) ++stored;
-    if (json) {
-      console.line(toJsonLine(entry));
-      continue;
-    }
+  std::string emptyFavourites;
+  const auto endBank = [&] {
+    if (!emptyFavourites.empty()) console.line("  favourites that hold nothing: " + emptyFavourites);
+    emptyFavourites.clear();
+  };
+  for (const Entry& entry : entries) {
     const std::string name = nameOf(entry.id);
     if (bankOfName(name) != bank) {
+      endBank();
       bank = bankOfName(name);
       console.line(bank + ":");
     }
-    std::string line = fmt::format("  {:<24} {}", name, entry.content ? showName(entry.content->name) : "(empty)");
-    if (entry.favourite != 0) line += fmt::format("  *favourite {}", entry.favourite);
-    if (entry.content && isOpaque(entry)) line += fmt::format("  opaque, {} bytes", entry.content->bytes.size());
+    if (!entry.content) {
+      if (!emptyFavourites.empty()) emptyFavourites += ", ";
+      emptyFavourites += name == bank ? "the only one" : name.substr(bank.size() + 1);
+      continue;
+    }
+    std::string line = fmt::format("  {:<24} {}", name, showName(entry.content->name));
+    if (entry.favourite != 0) line += "  *favourite";
+    if (isOpaque(entry)) line += fmt::format("  opaque, {} bytes", entry.content->bytes.size());
     console.line(line);
   }
-  console.note(fmt::format("{} content{} stored", stored, stored == 1 ? "" : "s"));
+  endBank();
+}
+
+void contents(bool json, Program& program) {
+  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  const std::vector<Entry> entries = entriesOf(editor->library());
+  if (json) {
+    for (const Entry& entry : entries) program.console.line(toJsonLine(entry));
+  } else {
+    printByBank(entries, program.console);
+  }
+  const auto stored =
+      std::count_if(entries.begin(), entries.end(), [](const Entry& entry) { return entry.content.has_value(); });
+  program.console.note(fmt::format("{} content{} stored", stored, stored == 1 ? "" : "s"));
 }
 
 }  // namespace
