@@ -140,7 +140,7 @@ bool isSuccessOrNothingToDo(ContSrv::_ContResult result) {
 
 void append(std::vector<std::uint8_t>& field, const std::vector<std::uint8_t>& packed) {
   std::array<std::uint8_t, kCountBytes> count{};
-  BulkExecuterFileDump::splitByteCount(&count[0], &count[1], std::uint32_t(packed.size()));
+  BulkExecuterFileDump::splitByteCount(count.data(), count.data() + 1, std::uint32_t(packed.size()));
   field.insert(field.end(), count.begin(), count.end());
   field.insert(field.end(), packed.begin(), packed.end());
 }

@@ -55,9 +55,10 @@ inline constexpr int kParts = 16;
 // Bytes 78 and 79 switch parts 7 to 13 and 0 to 6.
 constexpr auto partSwitchRows() {
   std::array<Row, 14> rows{};
+  std::size_t row = 0;
   for (int i = 0; i < 7; ++i) {
-    rows[std::size_t(2 * i)] = setBitParam(78, 1 << i, part0 + i + 7, kPartInsertionSwitch);
-    rows[std::size_t(2 * i + 1)] = setBitParam(79, 1 << i, part0 + i, kPartInsertionSwitch);
+    rows[row++] = setBitParam(78, 1 << i, part0 + i + 7, kPartInsertionSwitch);
+    rows[row++] = setBitParam(79, 1 << i, part0 + i, kPartInsertionSwitch);
   }
   return rows;
 }

@@ -29,7 +29,7 @@ class ScratchStore final : public ContentStore {
     contents[id] = models;
     return true;
   }
-  bool isEmpty(ContentId id) override { return contents.count(id) == 0; }
+  bool isEmpty(ContentId id) override { return !contents.contains(id); }
   std::int64_t mixingVoiceCount() override { return 0; }
   std::int64_t mixingVoiceMaximum() override { return 1; }
   Loaded loadLive(const std::string& /*key*/, ModelSet& /*models*/, std::string& /*why*/) override {
@@ -201,7 +201,7 @@ CarryCheck checkCarried(const Target& target, const ModelSet& models) {
        {differingPaths(*arrived, otherArrived), differingPaths(*arrived, fresh), differingPaths(otherArrived, fresh)})
     held.insert(moved.begin(), moved.end());
   for (const std::string& path : wrong) {
-    if (held.count(path) == 0) continue;
+    if (!held.contains(path)) continue;
     check.refusal = fmt::format("{}: {} cannot be carried, it would arrive as {}", path, valueAt(toJson(wanted), path),
                                 valueAt(toJson(*arrived), path));
     return check;

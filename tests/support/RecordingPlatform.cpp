@@ -270,9 +270,7 @@ EvtSrv::EventPort* FakeAdditional::getEventPort() { return givenModel(calls, "ad
 FakeJobTools::FakeJobTools(Calls& calls) : system(calls), additional(calls), calls_(calls) {}
 FakeJobTools::~FakeJobTools() = default;
 
-void FakeJobTools::expectTemporary(const CMA::TemporaryCoreModel* model) const {
-  EXPECT_EQ(model, created_);
-}
+void FakeJobTools::expectTemporary(const CMA::TemporaryCoreModel* model) const { EXPECT_EQ(model, created_); }
 
 CMA::TemporaryCoreModel* FakeJobTools::createTemporaryModel() {
   const bool made = calls_.use("createTemporaryModel", 1, 0, [] { return call("createTemporaryModel"); }) != 0;
