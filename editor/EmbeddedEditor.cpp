@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "AddressRows.h"
+#include "ScreenText.h"
 
 namespace Editor {
 
@@ -155,7 +156,42 @@ std::string nameOf(ContentId content) {
 }
 
 EmbeddedEditor::EmbeddedEditor(const std::filesystem::path& libraryFile, const Library::Options& options)
-    : library_(libraryFile, options), store_(library_), work_(library_), host_(store_, &work_) {}
+    : library_(libraryFile, options), store_(library_), work_(library_), host_(store_, &work_) {
+  tools().setScreenPainter([this] { return paintScreen(screenLines()); });
+}
+
+std::vector<std::string> EmbeddedEditor::screenLines() {
+  const Library::Transaction oneState(library_, Library::Transaction::Access::Read);
+  const std::vector<ContentId> contents = library_.contents();
+  const auto count = [&](auto belongs) { return std::count_if(contents.begin(), contents.end(), belongs); };
+  const auto countType = [&](ContSrv::_ContType type) { return count([&](ContentId id) { return id.type == type; }); };
+  const auto countBanks = [&](auto belongs) {
+    return count([&](ContentId id) {
+      const std::optional<BankVoice> voice = bankVoiceOf(id);
+      return voice && belongs(voice->bank);
+    });
+  };
+  const auto isUserBank = [](unsigned bank) { return bank >= 8 && bank <= 10; };
+  const std::vector<std::uint16_t>& utility = tools().liveSystem().system->utility.values();
+  const unsigned device = utility[SystemModel::kDeviceNumber];
+  const auto line = [](const char* left, auto leftCount, const char* right, auto rightCount) {
+    return fmt::format("{:<8}{:>4}  {:<8}{:>4}", left, leftCount, right, rightCount);
+  };
+  return {"Bulk Dump Assistant",
+          library_.file().filename().string(),
+          fmt::format("Device {}, receive {}",
+                      device == unsigned(CMA::DeviceNumber_All)   ? "all"
+                      : device == unsigned(CMA::DeviceNumber_Off) ? "off"
+                                                                  : std::to_string(device + 1),
+                      utility[SystemModel::kReceiveBulk] != 0 ? "on" : "off"),
+          line("Preset",
+               countBanks([&](unsigned bank) { return !isUserBank(bank) && !isDrumBank(bank) && bank != kMixingBank; }),
+               "User", countBanks(isUserBank)),
+          line("Drum", countBanks(isDrumBank), "Mixing", count(isMixingVoice)),
+          line("Multi", countType(ContSrv::ContType_Multi), "Perform.", countType(kContentPerformance)),
+          line("Master", countType(kContentMaster), "Remote", countType(kContentRemote)),
+          fmt::format("{} contents in all", contents.size())};
+}
 
 Record EmbeddedEditor::handle(std::span<const std::uint8_t> message, BDA::DevicePortNum port, std::uint64_t number) {
   const Reading reading = readMessage(message);

@@ -94,6 +94,7 @@ class EmbeddedEditor {
  private:
   void handleDump(Record& record, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
   void follow(Record& record, const Reading& reading, std::uint64_t number);
+  std::vector<std::string> screenLines();
   std::string whyRefused(const Record& record, const Reading& reading);
 
   struct Held {

@@ -86,8 +86,6 @@ class BackingUp {
   BackingUp(const std::string& output, Program& program)
       : program_(program), editor_(program.openEditor()), file_(output) {
     if (output == "-") program.console.keepOutputForBytes();
-    // As many mixing voices as there are may be restored.
-    proof_.editor().library().set("mixing-voices", editor_->library().mixingVoiceMaximum());
   }
 
   void run() {
@@ -97,21 +95,25 @@ class BackingUp {
     const Plan plan = planOf(*editor_);
     const std::size_t count = plan.fileDumps.size() + plan.units.size() + plan.system.size() + plan.favourites.size();
     Progress progress(program_.console, "backup", "items", count);
+    std::size_t done = 0;
     const auto add = [&](const std::vector<Item>& items) {
-      const std::uint64_t before = messages_;
-      for (const Item& item : items) progress.step(back(item));
-      return messages_ > before;
+      for (const Item& item : items) {
+        const std::uint64_t bytes = back(item);
+        if (bytes > 0) ++done;
+        progress.step(bytes);
+      }
     };
     for (const std::string& name : plan.unaddressed) leaveOut(name, "no address carries it");
-    if (add(plan.fileDumps)) back({kWriteTrigger, nameOrBytes(kWriteTrigger)});
+    add(plan.fileDumps);
+    if (done > 0) back({kWriteTrigger, nameOrBytes(kWriteTrigger)});
     add(plan.units);
     add(plan.system);
     add(plan.favourites);
     if (messages_ == 0) throw Failure(kRefused, "nothing could be backed up, nothing is written");
     tellWhatIsLost();
     file_.commit();
-    program_.console.note(
-        fmt::format("{} of {} items in {} messages, {} bytes", count - leftOut_.size(), count, messages_, bytes_));
+    program_.console.note(fmt::format("{} of {} items in {} messages, {} bytes", done, count + plan.unaddressed.size(),
+                                      messages_, bytes_));
   }
 
  private:

@@ -5,15 +5,19 @@
 #include <CLI/CLI.hpp>
 #include <array>
 #include <cstdlib>
+#include <filesystem>
 #include <new>
 #include <vector>
+
+#include "cli/NameFile.h"
 
 namespace Editor {
 
 namespace {
 
-constexpr std::array kVerbs{addList,  addVerify,   addReceive,  addRequest, addShow,
-                            addApply, addSettings, addContents, addBackup,  addRestore};
+constexpr std::array kVerbs{addList,  addVerify,   addReceive,   addRequest, addShow,
+                            addApply, addSettings, addContents,  addBackup,  addRestore,
+                            addDiff,  addRename,   addFavourite, addRemove,  addScreen};
 
 constexpr const char* kAddresses =
     "An ADDRESS or TARGET is three hex bytes (0E0A05, 0E 0A 05, 0E/0A/05) or a name: voice:user1:6, "
@@ -23,7 +27,7 @@ constexpr const char* kAddresses =
     "file:voice:user1:6, file:mix:1:3, file:multi:1, file:single.\n"
     "\n"
     "Exit codes: 0 all good, 1 wrong usage or an error of the program, 2 input that cannot be used, 3 something was\n"
-    "refused or is broken.";
+    "refused or is broken (diff: differs), 130 ended by Ctrl-C.";
 
 std::string fromEnvironment(const char* name) {
   const char* const value = std::getenv(name);
@@ -36,6 +40,10 @@ void addCommonOptions(CLI::App& app, Program& program) {
   app.add_option_function<std::string>(
          "--library", [&program](const std::string& file) { program.setLibraryFile(file); },
          "The library; default $BDA_LIBRARY, $XDG_DATA_HOME/bda/library.db, ~/.local/share/bda/library.db")
+      ->type_name("FILE");
+  app.add_option_function<std::string>(
+         "--names", [&program](const std::string& file) { program.setNameFile(file); },
+         "The names of waveforms and arpeggios; default the library's name with .names behind it, if there is such")
       ->type_name("FILE");
   CLI::Option* const verbose = app.add_flag_callback(
       "-v,--verbose", [&program] { program.console.setLoudness(Console::Loudness::verbose); }, "Say more");
@@ -76,9 +84,23 @@ std::string Program::libraryFile() const {
   throw Failure(kWrongUsage, "no library: name one with --library or in BDA_LIBRARY");
 }
 
+namespace {
+
+void giveNames(EditorJobTools& tools, const std::string& file, bool isRequired) {
+  if (!isRequired && !std::filesystem::exists(file)) return;
+  NameLists names = loadNames(file);
+  std::string error = tools.setWaveNames(std::move(names.waveforms));
+  if (error.empty()) error = tools.setArpeggioNames(std::move(names.arpeggios));
+  if (!error.empty()) throw Failure(kUnusableInput, fmt::format("{}: {}", escape(file), error));
+}
+
+}  // namespace
+
 std::unique_ptr<EmbeddedEditor> Program::openEditor(const std::string& file) const {
   try {
-    return std::make_unique<EmbeddedEditor>(file);
+    auto editor = std::make_unique<EmbeddedEditor>(file);
+    giveNames(editor->tools(), names_.empty() ? file + ".names" : names_, !names_.empty());
+    return editor;
   } catch (const LibraryError& error) {
     throw Failure(kUnusableInput, escape(error.what()));
   } catch (const LiveModelError& error) {

@@ -21,6 +21,8 @@ class Program {
   // The library that the command line, the environment or the default names.
   std::string libraryFile() const;
   void setLibraryFile(const std::string& file) { library_ = file; }
+  // The names of waveforms and arpeggios; without it the file beside the library, or else the built-in ones.
+  void setNameFile(const std::string& file) { names_ = file; }
   // Opens it, or `file`. Throws Failure (kUnusableInput).
   std::unique_ptr<EmbeddedEditor> openEditor() const { return openEditor(libraryFile()); }
   std::unique_ptr<EmbeddedEditor> openEditor(const std::string& file) const;
@@ -31,6 +33,7 @@ class Program {
 
  private:
   std::string library_;
+  std::string names_;
   ExitCode exitCode_ = kAllGood;
 };
 

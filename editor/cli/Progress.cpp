@@ -12,23 +12,24 @@ namespace Editor {
 
 namespace {
 
-constexpr int kSignals[] = {SIGINT, SIGTERM};
-
 volatile std::sig_atomic_t isInterrupted = 0;
-struct sigaction previous[std::size(kSignals)];
+int living = 0;
 
 }  // namespace
 
 Interruptible::Interruptible() {
-  isInterrupted = 0;
+  if (living++ == 0) isInterrupted = 0;
   struct sigaction action {};
-  action.sa_handler = [](int) { isInterrupted = 1; };
   action.sa_flags = SA_RESTART;
-  for (std::size_t i = 0; i < std::size(kSignals); ++i) ::sigaction(kSignals[i], &action, &previous[i]);
+  for (std::size_t i = 0; i < std::size(kSignals); ++i) {
+    action.sa_handler = kSignals[i] == SIGPIPE ? SIG_IGN : [](int) { isInterrupted = 1; };
+    ::sigaction(kSignals[i], &action, &previous_[i]);
+  }
 }
 
 Interruptible::~Interruptible() {
-  for (std::size_t i = 0; i < std::size(kSignals); ++i) ::sigaction(kSignals[i], &previous[i], nullptr);
+  --living;
+  for (std::size_t i = 0; i < std::size(kSignals); ++i) ::sigaction(kSignals[i], &previous_[i], nullptr);
 }
 
 void Interruptible::check() {

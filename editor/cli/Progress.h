@@ -1,15 +1,17 @@
 #pragma once
 
 #include <chrono>
+#include <csignal>
 #include <cstdint>
+#include <iterator>
 #include <string>
 
 #include "cli/Console.h"
 
 namespace Editor {
 
-// Makes Ctrl-C, as long as it lives, end a long run between two messages: the library and the files are then as they
-// were. One at a time.
+// As long as one lives Ctrl-C, or a reader of standard output that goes away, does not end the program at once: a long
+// run ends between two messages, and what it leaves behind is put away.
 class Interruptible {
  public:
   Interruptible();
@@ -19,6 +21,10 @@ class Interruptible {
 
   // Throws Failure (kInterrupted) once the user has asked for it.
   static void check();
+
+ private:
+  static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+  struct sigaction previous_[std::size(kSignals)];
 };
 
 // How far a long run has come: items, bytes and the time that is left, in place on a terminal. Every step is a place

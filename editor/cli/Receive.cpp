@@ -12,6 +12,7 @@
 #include "cli/InputFiles.h"
 #include "cli/OutputFile.h"
 #include "cli/Program.h"
+#include "cli/Progress.h"
 #include "cli/Targets.h"
 #include "cli/Trace.h"
 #include "midi/Hex.h"
@@ -47,7 +48,7 @@ class Receiving {
         console_(program.console),
         port_(BDA::DevicePortNum(options.port)),
         input_(options.words),
-        messages_(input_.countMessages()),
+        progress_(program.console, "receive", "messages", input_.countMessages()),
         editor_(program.openEditor()),
         trace_(options.trace) {
     if (!options.output.empty()) answers_.emplace(options.output);
@@ -81,9 +82,7 @@ class Receiving {
   }
 
   void receive(const InputFiles::Message& message) {
-    constexpr std::uint64_t kProgressEvery = 100;
-    if (message.number % kProgressEvery == 0)
-      console_.progress(fmt::format("{} of {} messages", message.number, messages_));
+    progress_.step(message.bytes.size());
     const Record record = handle(message);
     trace_.add({message.number, &message.file, message.offset}, port_, message.bytes, record);
     ++tally_[record.outcome];
@@ -145,7 +144,7 @@ class Receiving {
   Console& console_;
   const BDA::DevicePortNum port_;
   const InputFiles input_;
-  const std::uint64_t messages_;
+  Progress progress_;
   const std::unique_ptr<EmbeddedEditor> editor_;
   Trace trace_;
   std::optional<OutputFile> answers_;

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "EmbeddedEditor.h"
+#include "cli/Progress.h"
 
 namespace Editor {
 
@@ -19,6 +20,7 @@ class ScratchLibrary {
   EmbeddedEditor& editor() { return *editor_; }
 
  private:
+  const Interruptible interruptible_;  // or the directory would stay
   std::filesystem::path directory_;
   std::optional<EmbeddedEditor> editor_;
 };

@@ -41,15 +41,8 @@ class Lines {
   std::string path_;
 };
 
-// The words of a target: one word, or three hex bytes.
-Target targetOf(const std::vector<std::string>& words) {
-  const std::vector<std::string> joined = joinAddresses(words);
-  if (joined.size() != 1) throw Failure(kWrongUsage, "expected one target");
-  return parseTarget(joined.front());
-}
-
 void show(const std::vector<std::string>& words, bool json, Program& program) {
-  const Target target = targetOf(words);
+  const Target target = parseOneTarget(words);
   const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
   const ModelSet models = loadTarget(*editor, target);
   if (json) {
@@ -93,7 +86,7 @@ void apply(std::vector<std::string> words, Program& program) {
   if (words.size() < 2) throw Failure(kWrongUsage, "expected a target and a file");
   const std::string file = words.back();
   words.pop_back();
-  const Target target = targetOf(words);
+  const Target target = parseOneTarget(words);
   const ModelSet models = readModels(file, target);
   const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
   const CarryCheck check = checkCarried(target, models);

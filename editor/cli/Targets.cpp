@@ -52,6 +52,12 @@ std::vector<BulkAddress> parseAddresses(const std::vector<std::string>& words) {
   return addresses;
 }
 
+Target parseOneTarget(const std::vector<std::string>& words) {
+  const std::vector<std::string> joined = joinAddresses(words);
+  if (joined.size() != 1) throw Failure(kWrongUsage, "expected one target");
+  return parseTarget(joined.front());
+}
+
 Target parseTarget(const std::string& text) {
   Target target;
   target.name = text;

@@ -26,6 +26,8 @@ std::vector<std::string> joinAddresses(const std::vector<std::string>& words);
 
 // Throw Failure (kWrongUsage).
 Target parseTarget(const std::string& text);
+// The words of one target: one, or three hex bytes.
+Target parseOneTarget(const std::vector<std::string>& words);
 // `system` stands for all system blocks.
 std::vector<BulkAddress> parseAddresses(const std::vector<std::string>& words);
 

@@ -452,6 +452,18 @@ unsigned long EditorJobTools::getWaveformContentName(std::uint32_t number, std::
   return CMA::JOB::Result_Success;
 }
 
+std::uint32_t EditorJobTools::getScreenImage(std::vector<std::uint8_t>& bytes) {
+  loadError_.clear();
+  if (!paintScreen_) return 0;
+  try {
+    bytes = paintScreen_();
+    return 0;
+  } catch (const std::exception& failure) {
+    loadError_ = failure.what();
+    return 1;
+  }
+}
+
 unsigned long EditorJobTools::getArpeggioContentName(std::uint32_t number, std::uint8_t bank, std::string& name) {
   if (bank != 1) return CMA::JOB::Result_UnknownError;
   name = number < arpeggioNames_.size() ? arpeggioNames_[number] : std::string();

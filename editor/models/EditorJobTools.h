@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -70,6 +71,11 @@ class EditorJobTools final : public CMA::JobTools {
   [[nodiscard]] std::string setWaveNames(std::vector<std::string> names);
   [[nodiscard]] std::string setArpeggioNames(std::vector<std::string> names);
 
+  // What the screen shows, painted anew for every capture: one byte 0-127 a pixel, row by row. Until it is set there is
+  // no screen. The painter may throw, the capture then fails.
+  using ScreenPainter = std::function<std::vector<std::uint8_t>()>;
+  void setScreenPainter(ScreenPainter painter) { paintScreen_ = std::move(painter); }
+
   // ---- For the module ----
 
   CMA::TemporaryCoreModel* createTemporaryModel() override;
@@ -110,6 +116,8 @@ class EditorJobTools final : public CMA::JobTools {
   unsigned long getArpeggioContentName(std::uint32_t number, std::uint8_t bank, std::string& name) override;
 
   EvtSrv::EventPortManager* getEventPortManager() override { return manager_; }
+
+  std::uint32_t getScreenImage(std::vector<std::uint8_t>& bytes) override;
 
  private:
   // One set of live models, kept in the store under one key.
@@ -165,6 +173,7 @@ class EditorJobTools final : public CMA::JobTools {
   int suspended_ = 0;
   std::string loadError_;
   std::string storeError_;
+  ScreenPainter paintScreen_;
   std::vector<std::string> waveNames_;
   std::vector<std::string> arpeggioNames_;
 };

@@ -17,7 +17,8 @@ class Usage : public Program {};
 TEST_F(Usage, helpAndVersionGoToStandardOutput) {
   const Result help = bda({"--help"});
   EXPECT_THAT(help, Exits(0));
-  for (const char* verb : {"list", "verify", "receive", "request", "show", "apply", "settings", "contents"})
+  for (const char* verb : {"list", "verify", "receive", "request", "show", "apply", "settings", "contents", "backup",
+                           "restore", "diff", "rename", "favourite", "remove", "screen"})
     EXPECT_THAT(help.out, HasSubstr(std::string("\n  ") + verb + " "));
   EXPECT_THAT(help.out, HasSubstr("Exit codes: 0 all good"));
   EXPECT_EQ(help.err, "");
@@ -40,6 +41,12 @@ TEST_F(Usage, wrongUsageExitsWith1AndSaysWhy) {
                                                     {"settings", "colour"},
                                                     {"settings", "device-number", "17"},
                                                     {"-q", "-v", "contents"},
+                                                    {"backup"},
+                                                    {"restore"},
+                                                    {"diff", "a.syx"},
+                                                    {"diff", "-", "-"},
+                                                    {"remove"},
+                                                    {"screen"},
                                                     {"request", "system", "--trace", "-"}};
   for (const auto& arguments : wrong) {
     const Result run = bda(arguments);

@@ -1,0 +1,110 @@
+// The verb diff: what two libraries, or files of messages, do not have in common.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+#include "cli/Compare.h"
+#include "cli/InputFiles.h"
+#include "cli/Program.h"
+#include "cli/Progress.h"
+#include "cli/ScratchLibrary.h"
+
+namespace Editor {
+
+namespace {
+
+bool isLibrary(const std::string& path) {
+  constexpr std::string_view kMagic("SQLite format 3\0", 16);
+  std::string magic(kMagic.size(), '\0');
+  std::ifstream(path, std::ios::binary).read(magic.data(), std::streamsize(magic.size()));
+  return path != "-" && magic == kMagic;
+}
+
+// A library, or a file that a scratch library has received.
+class Side {
+ public:
+  Side(const std::string& path, Program& program) {
+    if (isLibrary(path)) {
+      library_ = program.openEditor(path);
+    } else {
+      receive(path, program);
+    }
+  }
+
+  bool isFile() const { return scratch_ != nullptr; }
+  EmbeddedEditor& editor() { return scratch_ ? scratch_->editor() : *library_; }
+
+ private:
+  // What is refused is told, and is missing from the comparison: that alone makes it fail.
+  void receive(const std::string& path, Program& program) {
+    const InputFiles input({path});
+    scratch_ = std::make_unique<ScratchLibrary>();
+    const auto complain = [&](const std::string& text) {
+      program.console.problem(text);
+      program.refuse();
+    };
+    if (!input.reportLosses(program.console)) program.refuse();
+    Progress progress(program.console, "diff", "messages", input.countMessages());
+    EmbeddedEditor::Run run(editor(), Library::Transaction::Access::Write, EmbeddedEditor::Run::Devices::any);
+    input.forEachMessage([&](const InputFiles::Message& message) {
+      const Reading reading = readMessage(message.bytes);
+      if (reading.kind == Reading::Kind::dump || reading.kind == Reading::Kind::invalid) {
+        const Record record = editor().handle(message.bytes, BDA::DevicePort_Main, message.number);
+        if (record.outcome == Outcome::refused)
+          complain(
+              fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
+        for (const UnitReport& unit : record.ended)
+          if (isBroken(unit)) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
+      }
+      progress.step(message.bytes.size());
+    });
+    for (const UnitReport& unit : editor().openUnits()) complain(describeUnit(unit));
+    run.commit();
+  }
+
+  std::unique_ptr<EmbeddedEditor> library_;
+  std::unique_ptr<ScratchLibrary> scratch_;
+};
+
+void diff(const std::string& firstPath, const std::string& secondPath, Program& program) {
+  if (firstPath == "-" && secondPath == "-") throw Failure(kWrongUsage, "standard input cannot be both");
+  for (const std::string& path : {firstPath, secondPath})
+    if (path != "-" && !std::filesystem::exists(path))
+      throw Failure(kUnusableInput, fmt::format("{}: No such file or directory", escape(path)));
+  Side first(firstPath, program);
+  Side second(secondPath, program);
+  const Library::Transaction firstState(first.editor().library(), Library::Transaction::Access::Read);
+  const Library::Transaction secondState(second.editor().library(), Library::Transaction::Access::Read);
+  first.editor().tools().reload();
+  second.editor().tools().reload();
+  const Reception reception = first.isFile() || second.isFile() ? Reception::ignored : Reception::compared;
+  const std::vector<Difference> differences = compareLibraries(first.editor(), second.editor(), reception);
+  for (const Difference& difference : differences) {
+    if (difference.kind != Difference::Kind::changed)
+      program.console.line(
+          fmt::format("{}: only in {}: \"{}\"", difference.target,
+                      escape(difference.kind == Difference::Kind::onlyInFirst ? firstPath : secondPath),
+                      showName(difference.name)));
+    for (const std::string& detail : difference.details)
+      program.console.line(fmt::format("{}: {}", difference.target, detail));
+  }
+  if (differences.empty()) return program.console.note("no difference");
+  program.refuse();
+}
+
+}  // namespace
+
+void addDiff(CLI::App& app, Program& program) {
+  CLI::App* const verb = app.add_subcommand("diff", "What two libraries or message files do not have in common");
+  const auto first = std::make_shared<std::string>();
+  const auto second = std::make_shared<std::string>();
+  verb->add_option("A", *first, "A library, or a message file; - is standard input")->required();
+  verb->add_option("B", *second, "The same")->required();
+  verb->callback([first, second, &program] { diff(*first, *second, program); });
+}
+
+}  // namespace Editor

@@ -1,0 +1,168 @@
+// The verbs that change single contents: rename, favourite and remove.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <memory>
+
+#include "cli/Program.h"
+#include "cli/TargetModels.h"
+#include "contents/ContentFormat.h"
+
+namespace Editor {
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+[[noreturn]] void refuse(const Target& target, const std::string& why) {
+  throw Failure(kRefused, fmt::format("{}: {}", target.name, why));
+}
+
+[[noreturn]] void refuseEmpty(const Target& target) { refuse(target, "nothing is stored there"); }
+
+Target contentTarget(const std::string& word) {
+  Target target = parseTarget(word);
+  if (target.kind != Target::Kind::content)
+    throw Failure(kWrongUsage, fmt::format("{} is no stored content: expected the address or name of one, such as "
+                                           "voice:user1:6 or file:multi:1",
+                                           target.name));
+  return target;
+}
+
+// ---- rename ----
+
+// The name that the models are stored under.
+NameText& nameIn(ModelSet& models) {
+  if (models.voice) return models.voice->name;
+  if (models.multi) return models.multi->name;
+  if (models.master) return models.master->name;
+  return models.remote->name1;
+}
+
+// The blocks of the multi that is edited hold no name, nor does the file dump of the single content.
+bool hasName(const Target& target) {
+  return target.kind == Target::Kind::editBuffer ? target.buffer != EditBuffer::multi
+                                                 : target.content.type != ContSrv::ContType_Single;
+}
+
+void checkName(const Target& target, const std::string& name, std::size_t most) {
+  if (std::any_of(name.begin(), name.end(), [](char c) { return c < ' ' || c > '~'; }))
+    refuse(target,
+           fmt::format("\"{}\" has a character that cannot be carried: expected printable ASCII", escape(name)));
+  if (name.size() > most)
+    refuse(target, fmt::format("\"{}\" has {} characters, a name here has at most {}", name, name.size(), most));
+}
+
+void renameContent(EmbeddedEditor& editor, const Target& target, const std::string& name) {
+  constexpr std::size_t kLongest = 20;  // in the list of multi names too
+  const std::optional<Library::Content> content = editor.library().content(target.content);
+  if (!content) refuseEmpty(target);
+  ModelSet models = emptySetFor(target.content);
+  if (haveSameShape(models, ModelSet()) || decodeContent(content->bytes, models)) {
+    checkName(target, name, kLongest);
+    editor.library().rename(target.content, name);
+    return;
+  }
+  checkName(target, name, nameIn(models).capacity());
+  nameIn(models).assign(name);
+  std::string why;
+  if (!editor.store().storeModels(target.content, name, models, why)) refuse(target, escape(why));
+}
+
+void rename(Words words, Program& program) {
+  if (words.size() < 2) throw Failure(kWrongUsage, "expected an address and a name");
+  const std::string name = words.back();
+  words.pop_back();
+  const Target target = parseOneTarget(words);
+  if (target.kind == Target::Kind::system || target.kind == Target::Kind::additional)
+    throw Failure(kWrongUsage, fmt::format("{} has no name", target.name));
+  if (!hasName(target)) refuse(target, "no message carries a name for it");
+  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  Library::Transaction transaction(editor->library());
+  if (target.kind == Target::Kind::content) {
+    renameContent(*editor, target, name);
+  } else {
+    editor->tools().reload();  // now that nobody changes it
+    ModelSet models = loadTarget(*editor, target);
+    checkName(target, name, nameIn(models).capacity());
+    nameIn(models).assign(name);
+    storeTarget(*editor, target, models);
+  }
+  transaction.commit();
+  program.console.note(fmt::format("{}: renamed to \"{}\"", target.name, name));
+}
+
+// ---- favourite ----
+
+// Whether a block of favourites has a place for it.
+bool canBeFavourite(ContentId id) {
+  const std::optional<BankVoice> voice = bankVoiceOf(id);
+  return voice && voice->bank != kMixingBank;
+}
+
+void favourite(Words words, Program& program) {
+  const std::string value = words.empty() ? "" : words.back();
+  if (words.size() < 2 || (value != "on" && value != "off"))
+    throw Failure(kWrongUsage, "expected an address, and on or off");
+  words.pop_back();
+  const Words joined = joinAddresses(words);
+  if (joined.size() != 1) throw Failure(kWrongUsage, "expected one address");
+  const Target target = contentTarget(joined.front());
+  if (!canBeFavourite(target.content))
+    refuse(target, "only preset, GM and user voices and drum voices can be favourites");
+  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  Library& library = editor->library();
+  Library::Transaction transaction(library);
+  const bool isOn = library.favourite(target.content) != 0;
+  if (!isOn && !library.contentName(target.content)) refuseEmpty(target);
+  if (isOn != (value == "on")) library.setFavourite(target.content, value == "on" ? 1 : 0);
+  transaction.commit();
+  program.console.note(fmt::format("{}: {}", target.name, value == "on" ? "is a favourite" : "is no favourite"));
+}
+
+// ---- remove ----
+
+void remove(const Words& words, Program& program) {
+  std::vector<Target> targets;
+  for (const std::string& word : joinAddresses(words)) {
+    Target target = contentTarget(word);
+    const bool isTwice = std::any_of(targets.begin(), targets.end(),
+                                     [&](const Target& other) { return other.content == target.content; });
+    if (!isTwice) targets.push_back(std::move(target));
+  }
+  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  Library::Transaction transaction(editor->library());
+  for (const Target& target : targets)
+    if (!editor->library().remove(target.content)) refuse(target, "nothing is stored there; nothing is removed");
+  transaction.commit();
+  for (const Target& target : targets) program.console.note(fmt::format("{}: removed", target.name));
+}
+
+void addVerb(CLI::App& app, Program& program, const char* name, const char* what, const char* words,
+             const char* expected, void (*act)(Words, Program&)) {
+  CLI::App* const verb = app.add_subcommand(name, what);
+  const auto given = std::make_shared<Words>();
+  verb->add_option(words, *given, expected)->required();
+  verb->callback([given, act, &program] { act(*given, program); });
+}
+
+}  // namespace
+
+void addRename(CLI::App& app, Program& program) {
+  addVerb(app, program, "rename", "Name a content or an edit buffer", "ADDRESS NAME",
+          "A header or file dump, and up to 20 characters of ASCII", rename);
+}
+
+void addFavourite(CLI::App& app, Program& program) {
+  addVerb(app, program, "favourite", "Make a voice a favourite, or no longer", "ADDRESS on|off",
+          "A voice or drum voice of a bank; on or off", favourite);
+}
+
+void addRemove(CLI::App& app, Program& program) {
+  addVerb(app, program, "remove", "Remove contents: all that are named, or none", "ADDRESS", "Headers or file dumps",
+          [](Words words, Program& where) { remove(words, where); });
+}
+
+}  // namespace Editor
