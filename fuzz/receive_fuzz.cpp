@@ -6,6 +6,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -109,11 +110,7 @@ class Session {
     set(50, 1);
     set(51, 0);
     setLoading(false);
-    Bytes dump(5 + BDA::kDumpFrame);
-    const Bytes head{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0, 5, 0x00, 0x06, 0x00};
-    std::copy(head.begin(), head.end(), dump.begin());
-    dump[dump.size() - 2] = BDA::Utility::calcCheckSum(dump.data(), dump.size());
-    dump.back() = 0xF7;
+    const Bytes dump{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0x05, 0x00, 0x06, 0x00, 0, 0, 0, 0, 0, 0x75, 0xF7};
     const Editor::AssistantHost::Effects effects = host_.handle(dump, BDA::DevicePort_Main);
     require(effects.result == BDA::BulkMsg_BulkDump && effects.log.empty(), "a clean system dump is refused");
   }
@@ -124,12 +121,13 @@ class Session {
   Editor::AssistantHost host_;
 };
 
-Bytes dumpOf(const Block& block, Bytes data) {
-  Bytes message{
+Bytes dumpOf(const Block& block, const Bytes& data) {
+  Bytes message(data.size() + BDA::kDumpFrame);
+  const Bytes head{
       0xF0,     0x7D,      0x00,    0x7F, 0x14, std::uint8_t(data.size() >> 7), std::uint8_t(data.size() & 0x7F),
       block.hi, block.mid, block.lo};
-  message.insert(message.end(), data.begin(), data.end());
-  message.resize(message.size() + 2);
+  std::copy(head.begin(), head.end(), message.begin());
+  std::copy(data.begin(), data.end(), message.begin() + std::ptrdiff_t(BDA::kDataAt));
   message[message.size() - 2] = BDA::Utility::calcCheckSum(message.data(), message.size());
   message.back() = 0xF7;
   return message;
