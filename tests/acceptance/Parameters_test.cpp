@@ -216,7 +216,7 @@ TEST_F(Parameters, contentsListWhatIsStoredByBankWithFavourites) {
   const Result run = bda({"contents"});
   EXPECT_THAT(run, Exits(0));
   EXPECT_THAT(run.out, HasSubstr("voice:user1:\n  voice:user1:6 "));
-  EXPECT_THAT(run.out, HasSubstr("drum:user:\n  drum:user:4 "));
+  EXPECT_THAT(run.out, HasSubstr("drum:user:\n  favourites that hold nothing: 4\n"));
   EXPECT_THAT(run.out, HasSubstr("master:\n  master:1 "));
   EXPECT_THAT(run.err, HasSubstr("2 contents stored"));
   const std::vector<std::string> objects = lines(bda({"contents", "--json"}).out);
