@@ -454,6 +454,7 @@ unsigned long EditorJobTools::getWaveformContentName(std::uint32_t number, std::
 
 std::uint32_t EditorJobTools::getScreenImage(std::vector<std::uint8_t>& bytes) {
   loadError_.clear();
+  bytes.clear();
   if (!paintScreen_) return 0;
   try {
     bytes = paintScreen_();
