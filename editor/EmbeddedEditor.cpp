@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::uint8_t kTriggerHi = 0x11;
 constexpr std::uint8_t kFileDumpHi = 0x0C;
+constexpr std::size_t kLongestFileDump = 0x3FFF;
 constexpr std::uint16_t kStillReceiving = 11;  // the id that stays on the screen while a unit is open
 constexpr std::uint16_t kMixingVoicesFull = 46;
 constexpr std::uint16_t kFirstResettingId = 41;  // from here on the shown ids tell that the open header was forgotten
@@ -338,7 +339,18 @@ std::string EmbeddedEditor::whyRefused(const Record& record, const Reading& read
       return "it closes no open header";
     if (address.hi == kFileDumpHi && !isWritableFileDump(address)) return "this bank is not stored by file dumps";
   }
+  if (record.result == BDA::BulkMsg_BulkRequest && reading.address->hi == kFileDumpHi)
+    if (const std::size_t size = fileDumpSize(*reading.address); size > kLongestFileDump)
+      return fmt::format("its file dump would have {} data bytes, at most {} are possible", size, kLongestFileDump);
   return messagesOf(record.log);
+}
+
+// As many data bytes as a file dump of what is stored there would have.
+std::size_t EmbeddedEditor::fileDumpSize(BulkAddress address) {
+  const auto packed = [](std::size_t size) { return size + (size + 6) / 7; };
+  const std::optional<ContentId> id = contentOfFileDump({address.mid, address.lo});
+  const std::optional<Library::Content> content = id ? library_.content(*id) : std::nullopt;
+  return content ? packed(content->name.size()) + packed(content->bytes.size()) + 4 : 0;
 }
 
 namespace {

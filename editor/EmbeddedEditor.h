@@ -95,6 +95,7 @@ class EmbeddedEditor {
   void handleDump(Record& record, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
   void follow(Record& record, const Reading& reading, std::uint64_t number);
   std::vector<std::string> screenLines();
+  std::size_t fileDumpSize(BulkAddress address);
   std::string whyRefused(const Record& record, const Reading& reading);
 
   struct Held {

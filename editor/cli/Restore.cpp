@@ -146,6 +146,7 @@ class Restoring {
   Program& program_;
   Console& console_;
   const InputFiles input_;
+  const Interruptible interruptible_;  // until everything is told and closed
   const std::uint64_t messages_;
   std::uint64_t dumps_ = 0;
 };
