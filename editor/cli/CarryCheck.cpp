@@ -139,14 +139,6 @@ std::optional<ModelSet> passThrough(const Target& target, const ModelSet& models
   return receiver.get(before);
 }
 
-// The value at a path such as "voice.element[3].params[12]".
-std::string valueAt(const nlohmann::ordered_json& json, const std::string& path) {
-  std::string pointer = "/";
-  for (const char c : path)
-    if (c != ']') pointer += c == '.' || c == '[' ? '/' : c;
-  return json.at(nlohmann::ordered_json::json_pointer(pointer)).dump();
-}
-
 ModelSet freshReceiver(const ModelSet& models) {
   ModelSet fresh;
   forEachSlot(

@@ -17,15 +17,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// The value at a path such as "voice.element[3].params[12]"; nothing for what is more than one value, or not there.
-std::string valueAt(const Json& json, const std::string& path) {
-  std::string pointer = "/";
-  for (const char c : path)
-    if (c != ']') pointer += c == '.' || c == '[' ? '/' : c;
-  const Json::json_pointer place(pointer);
-  return json.contains(place) && json[place].is_primitive() ? json[place].dump() : "";
-}
-
 void compareModels(const ModelSet& first, const ModelSet& second, std::vector<std::string>& details) {
   const std::vector<std::string> paths = differingPaths(first, second);
   if (paths.empty()) return;
