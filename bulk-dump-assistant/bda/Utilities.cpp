@@ -32,15 +32,17 @@ std::uint64_t pairSums(std::uint64_t word) {
 // The sum, modulo 256, which is enough, for 128 divides it. At least eight bytes before the first can be read. The
 // lanes of a block do not depend on each other, so that compilers use whole vector registers.
 unsigned sumOf(const unsigned char* bytes, std::size_t left) {
-  constexpr std::size_t kLanes = 32;
+  constexpr std::size_t kLanes = 16;
   std::uint64_t sums = 0;
   if (left >= kLanes) {
     std::array<std::uint8_t, kLanes> lanes{};
+    for (; left >= 4 * kLanes; left -= 4 * kLanes, bytes += 4 * kLanes)
+      for (std::size_t i = 0; i < kLanes; ++i)
+        lanes[i] =
+            std::uint8_t(lanes[i] + (bytes[i] + bytes[i + kLanes]) + (bytes[i + 2 * kLanes] + bytes[i + 3 * kLanes]));
     for (; left >= kLanes; left -= kLanes, bytes += kLanes)
       for (std::size_t i = 0; i < kLanes; ++i) lanes[i] = std::uint8_t(lanes[i] + bytes[i]);
-    std::array<std::uint8_t, kLanes / 2> halves;
-    for (std::size_t i = 0; i < halves.size(); ++i) halves[i] = std::uint8_t(lanes[i] + lanes[i + halves.size()]);
-    sums = pairSums(load(halves.data())) + pairSums(load(&halves[sizeof sums]));
+    sums = pairSums(load(lanes.data())) + pairSums(load(&lanes[kLanes / 2]));
   }
   for (; left >= sizeof sums; left -= sizeof sums, bytes += sizeof sums) sums += pairSums(load(bytes));
   unsigned sum = 0;
