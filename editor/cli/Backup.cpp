@@ -153,7 +153,7 @@ class BackingUp {
   void tellWhatIsLost() {
     constexpr std::size_t kMostDetails = 3;
     for (const Difference& lost : compareLibraries(*editor_, proof_.editor(), Reception::ignored)) {
-      if (leftOut_.count(lost.target) != 0) continue;
+      if (leftOut_.contains(lost.target)) continue;
       if (lost.kind != Difference::Kind::changed) {
         complain(fmt::format("{}: not in the backup: no message carries it", lost.target));
         continue;

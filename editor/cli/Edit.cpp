@@ -162,7 +162,7 @@ void addFavourite(CLI::App& app, Program& program) {
 
 void addRemove(CLI::App& app, Program& program) {
   addVerb(app, program, "remove", "Remove contents: all that are named, or none", "ADDRESS", "Headers or file dumps",
-          [](Words words, Program& where) { remove(words, where); });
+          [](const Words& words, Program& where) { remove(words, where); });
 }
 
 }  // namespace Editor

@@ -128,6 +128,7 @@ std::vector<Entry> entriesOf(Library& library) {
     entries[id].favourite = flag;
   }
   std::vector<Entry> list;
+  list.reserve(entries.size());
   for (auto& [id, entry] : entries) list.push_back(std::move(entry));
   return list;
 }
