@@ -71,11 +71,10 @@ void renameContent(EmbeddedEditor& editor, const Target& target, const std::stri
   if (!editor.store().storeModels(target.content, name, models, why)) refuse(target, escape(why));
 }
 
-void rename(Words words, Program& program) {
+void rename(const Words& words, Program& program) {
   if (words.size() < 2) throw Failure(kWrongUsage, "expected an address and a name");
-  const std::string name = words.back();
-  words.pop_back();
-  const Target target = parseOneTarget(words);
+  const std::string& name = words.back();
+  const Target target = parseOneTarget(Words(words.begin(), words.end() - 1));
   if (target.kind == Target::Kind::system || target.kind == Target::Kind::additional)
     throw Failure(kWrongUsage, fmt::format("{} has no name", target.name));
   if (!hasName(target)) refuse(target, "no message carries a name for it");
@@ -102,12 +101,11 @@ bool canBeFavourite(ContentId id) {
   return voice && voice->bank != kMixingBank;
 }
 
-void favourite(Words words, Program& program) {
+void favourite(const Words& words, Program& program) {
   const std::string value = words.empty() ? "" : words.back();
   if (words.size() < 2 || (value != "on" && value != "off"))
     throw Failure(kWrongUsage, "expected an address, and on or off");
-  words.pop_back();
-  const Words joined = joinAddresses(words);
+  const Words joined = joinAddresses(Words(words.begin(), words.end() - 1));
   if (joined.size() != 1) throw Failure(kWrongUsage, "expected one address");
   const Target target = contentTarget(joined.front());
   if (!canBeFavourite(target.content))
@@ -141,7 +139,7 @@ void remove(const Words& words, Program& program) {
 }
 
 void addVerb(CLI::App& app, Program& program, const char* name, const char* what, const char* words,
-             const char* expected, void (*act)(Words, Program&)) {
+             const char* expected, void (*act)(const Words&, Program&)) {
   CLI::App* const verb = app.add_subcommand(name, what);
   const auto given = std::make_shared<Words>();
   verb->add_option(words, *given, expected)->required();
@@ -162,7 +160,7 @@ void addFavourite(CLI::App& app, Program& program) {
 
 void addRemove(CLI::App& app, Program& program) {
   addVerb(app, program, "remove", "Remove contents: all that are named, or none", "ADDRESS", "Headers or file dumps",
-          [](const Words& words, Program& where) { remove(words, where); });
+          remove);
 }
 
 }  // namespace Editor
