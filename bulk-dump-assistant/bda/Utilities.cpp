@@ -1,5 +1,4 @@
 #include <array>
-#include <bit>
 #include <cstring>
 
 #include "BulkMessage.h"
@@ -23,36 +22,35 @@ std::uint64_t load(const unsigned char* bytes) {
   return word;
 }
 
-// The bytes of a word, added in pairs into four fields of 16 bits: room for 128 words before one overflows.
+// The bytes of a word, added in pairs into four fields of 16 bits.
 std::uint64_t pairSums(std::uint64_t word) {
   constexpr std::uint64_t kEvenBytes = 0x00FF00FF00FF00FF;
   return (word & kEvenBytes) + (word >> 8 & kEvenBytes);
 }
 
-// The sum, modulo 256, which is enough, for 128 divides it. At least eight bytes before the first can be read. The
-// lanes of a block do not depend on each other, so that compilers use whole vector registers.
+constexpr std::size_t kLanes = 16;
+
+// From its byte n on: a mask that keeps the last n lanes.
+constexpr auto kLastLanes = [] {
+  std::array<std::uint8_t, 2 * kLanes> mask{};
+  for (std::size_t i = kLanes; i < mask.size(); ++i) mask[i] = 0xFF;
+  return mask;
+}();
+
+// The sum, modulo 256, which is enough, for 128 divides it. The sixteen bytes that end with the last one can be read,
+// also where they begin before the first. The lanes do not depend on each other, so that compilers use whole vector
+// registers.
 unsigned sumOf(const unsigned char* bytes, std::size_t left) {
-  constexpr std::size_t kLanes = 16;
-  std::uint64_t sums = 0;
-  if (left >= kLanes) {
-    std::array<std::uint8_t, kLanes> lanes{};
-    for (; left >= 4 * kLanes; left -= 4 * kLanes, bytes += 4 * kLanes)
-      for (std::size_t i = 0; i < kLanes; ++i)
-        lanes[i] =
-            std::uint8_t(lanes[i] + (bytes[i] + bytes[i + kLanes]) + (bytes[i + 2 * kLanes] + bytes[i + 3 * kLanes]));
-    for (; left >= kLanes; left -= kLanes, bytes += kLanes)
-      for (std::size_t i = 0; i < kLanes; ++i) lanes[i] = std::uint8_t(lanes[i] + bytes[i]);
-    sums = pairSums(load(lanes.data())) + pairSums(load(&lanes[kLanes / 2]));
-  }
-  for (; left >= sizeof sums; left -= sizeof sums, bytes += sizeof sums) sums += pairSums(load(bytes));
-  unsigned sum = 0;
-  if constexpr (std::endian::native == std::endian::little) {
-    // The last word that ends with the last byte; what of it was counted, or stands before the first, is shifted out.
-    if (left > 0) sums += pairSums(load(bytes + left - sizeof sums) >> 8 * (sizeof sums - left));
-  } else {
-    for (; left > 0; --left) sum += *bytes++;
-  }
-  return sum + unsigned(sums * 0x0001000100010001 >> 48);
+  std::array<std::uint8_t, kLanes> lanes{};
+  for (; left >= 4 * kLanes; left -= 4 * kLanes, bytes += 4 * kLanes)
+    for (std::size_t i = 0; i < kLanes; ++i)
+      lanes[i] =
+          std::uint8_t(lanes[i] + (bytes[i] + bytes[i + kLanes]) + (bytes[i + 2 * kLanes] + bytes[i + 3 * kLanes]));
+  for (; left >= kLanes; left -= kLanes, bytes += kLanes)
+    for (std::size_t i = 0; i < kLanes; ++i) lanes[i] = std::uint8_t(lanes[i] + bytes[i]);
+  bytes = bytes + left - kLanes;
+  for (std::size_t i = 0; i < kLanes; ++i) lanes[i] = std::uint8_t(lanes[i] + (bytes[i] & kLastLanes[left + i]));
+  return unsigned((pairSums(load(lanes.data())) + pairSums(load(&lanes[kLanes / 2]))) * 0x0001000100010001 >> 48);
 }
 
 }  // namespace
@@ -62,9 +60,15 @@ unsigned char Utility::calcCheckSum(const unsigned char* message, unsigned long 
     kWrongLength(int(length));
     return 0;
   }
-  // Byte count and address by themselves: most messages of a header and a footer have nothing else.
-  unsigned sum = 0U + message[5] + message[6] + message[7] + message[8] + message[9];
-  if (length > kDumpFrame) sum += sumOf(message + kDataAt, length - kDumpFrame);
+  const unsigned char* const end = message + length - 2;
+  unsigned sum = 0;
+  if (end - message >= std::ptrdiff_t(kLanes)) {
+    sum = sumOf(message + kByteCountAt, std::size_t(end - message) - kByteCountAt);
+  } else {
+    // Byte count and address by themselves: most messages of a header and a footer have nothing else.
+    sum = 0U + message[5] + message[6] + message[7] + message[8] + message[9];
+    for (const unsigned char* byte = message + kDataAt; byte != end; ++byte) sum += *byte;
+  }
   return (0U - sum) & 0x7FU;
 }
 
