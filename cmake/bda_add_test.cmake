@@ -7,15 +7,15 @@ include(GoogleTest)
 
 # The headers of the test libraries are half of what a test compiles: once for all of them, unless
 # CMAKE_DISABLE_PRECOMPILE_HEADERS is on, as in the clang preset, which proves that each test includes what it needs.
-# Test code is optimised less than what it tests: it takes half the time to compile, and no longer to run.
-function(bda_compile_test_code target)
+# Test code is not optimised, except for exhaustive sweeps: it takes half the time to compile.
+function(bda_compile_test_code target optimisation)
   target_link_libraries(${target} PRIVATE bda-warnings rapidcheck_gtest rapidcheck GTest::gmock_main)
-  target_compile_options(${target} PRIVATE $<IF:$<CONFIG:Release>,-O1,-O0>)
+  target_compile_options(${target} PRIVATE ${optimisation})
   set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)  # one set of flags for all kinds of targets
 endfunction()
 
 add_library(bda-test-headers OBJECT ${CMAKE_CURRENT_LIST_DIR}/bda-test-headers.cpp)
-bda_compile_test_code(bda-test-headers)
+bda_compile_test_code(bda-test-headers -O0)
 target_precompile_headers(bda-test-headers PRIVATE <gmock/gmock.h> <gtest/gtest.h> <rapidcheck/gtest.h>)
 
 function(bda_add_test)
@@ -25,8 +25,12 @@ function(bda_add_test)
   endif()
   add_executable(${arg_NAME} ${arg_SOURCES})
   target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBS})
-  bda_compile_test_code(${arg_NAME})
-  target_precompile_headers(${arg_NAME} REUSE_FROM bda-test-headers)
+  if(arg_EXHAUSTIVE)
+    bda_compile_test_code(${arg_NAME} -O1)
+  else()
+    bda_compile_test_code(${arg_NAME} -O0)
+    target_precompile_headers(${arg_NAME} REUSE_FROM bda-test-headers)
+  endif()
   target_include_directories(${arg_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_compile_definitions(${arg_NAME} PRIVATE $<$<BOOL:${BDA_SAMPLED}>:BDA_SAMPLED>
                                                  BDA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")

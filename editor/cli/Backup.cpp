@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <memory>
@@ -12,9 +11,9 @@
 #include "cli/Answers.h"
 #include "cli/Compare.h"
 #include "cli/OutputFile.h"
-#include "cli/Program.h"
 #include "cli/Progress.h"
 #include "cli/ScratchLibrary.h"
+#include "cli/Verbs.h"
 
 namespace Editor {
 
@@ -181,11 +180,6 @@ class BackingUp {
 
 }  // namespace
 
-void addBackup(CLI::App& app, Program& program) {
-  CLI::App* const verb = app.add_subcommand("backup", "The whole library as messages that restore takes");
-  const auto output = std::make_shared<std::string>();
-  verb->add_option("-o,--output", *output, "Where it goes; - is standard output")->type_name("FILE")->required();
-  verb->callback([output, &program] { BackingUp(*output, program).run(); });
-}
+void backup(const std::string& output, Program& program) { BackingUp(output, program).run(); }
 
 }  // namespace Editor

@@ -2,16 +2,15 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 
 #include "cli/Compare.h"
 #include "cli/InputFiles.h"
-#include "cli/Program.h"
 #include "cli/Progress.h"
 #include "cli/ScratchLibrary.h"
+#include "cli/Verbs.h"
 
 namespace Editor {
 
@@ -70,6 +69,8 @@ class Side {
   std::unique_ptr<ScratchLibrary> scratch_;
 };
 
+}  // namespace
+
 void diff(const std::string& firstPath, const std::string& secondPath, Program& program) {
   if (firstPath == "-" && secondPath == "-") throw Failure(kWrongUsage, "standard input cannot be both");
   for (const std::string& path : {firstPath, secondPath})
@@ -94,17 +95,6 @@ void diff(const std::string& firstPath, const std::string& secondPath, Program& 
   }
   if (differences.empty()) return program.console.note("no difference");
   program.refuse();
-}
-
-}  // namespace
-
-void addDiff(CLI::App& app, Program& program) {
-  CLI::App* const verb = app.add_subcommand("diff", "What two libraries or message files do not have in common");
-  const auto first = std::make_shared<std::string>();
-  const auto second = std::make_shared<std::string>();
-  verb->add_option("A", *first, "A library, or a message file; - is standard input")->required();
-  verb->add_option("B", *second, "The same")->required();
-  verb->callback([first, second, &program] { diff(*first, *second, program); });
 }
 
 }  // namespace Editor

@@ -2,19 +2,16 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 
-#include "cli/Program.h"
 #include "cli/TargetModels.h"
+#include "cli/Verbs.h"
 #include "contents/ContentFormat.h"
 
 namespace Editor {
 
 namespace {
-
-using Words = std::vector<std::string>;
 
 [[noreturn]] void refuse(const Target& target, const std::string& why) {
   throw Failure(kRefused, fmt::format("{}: {}", target.name, why));
@@ -71,6 +68,8 @@ void renameContent(EmbeddedEditor& editor, const Target& target, const std::stri
   if (!editor.store().storeModels(target.content, name, models, why)) refuse(target, escape(why));
 }
 
+}  // namespace
+
 void rename(const Words& words, Program& program) {
   if (words.size() < 2) throw Failure(kWrongUsage, "expected an address and a name");
   const std::string& name = words.back();
@@ -95,11 +94,15 @@ void rename(const Words& words, Program& program) {
 
 // ---- favourite ----
 
+namespace {
+
 // Whether a block of favourites has a place for it.
 bool canBeFavourite(ContentId id) {
   const std::optional<BankVoice> voice = bankVoiceOf(id);
   return voice && voice->bank != kMixingBank;
 }
+
+}  // namespace
 
 void favourite(const Words& words, Program& program) {
   const std::string value = words.empty() ? "" : words.back();
@@ -136,31 +139,6 @@ void remove(const Words& words, Program& program) {
     if (!editor->library().remove(target.content)) refuse(target, "nothing is stored there; nothing is removed");
   transaction.commit();
   for (const Target& target : targets) program.console.note(fmt::format("{}: removed", target.name));
-}
-
-void addVerb(CLI::App& app, Program& program, const char* name, const char* what, const char* words,
-             const char* expected, void (*act)(const Words&, Program&)) {
-  CLI::App* const verb = app.add_subcommand(name, what);
-  const auto given = std::make_shared<Words>();
-  verb->add_option(words, *given, expected)->required();
-  verb->callback([given, act, &program] { act(*given, program); });
-}
-
-}  // namespace
-
-void addRename(CLI::App& app, Program& program) {
-  addVerb(app, program, "rename", "Name a content or an edit buffer", "ADDRESS NAME",
-          "A header or file dump, and up to 20 characters of ASCII", rename);
-}
-
-void addFavourite(CLI::App& app, Program& program) {
-  addVerb(app, program, "favourite", "Make a voice a favourite, or no longer", "ADDRESS on|off",
-          "A voice or drum voice of a bank; on or off", favourite);
-}
-
-void addRemove(CLI::App& app, Program& program) {
-  addVerb(app, program, "remove", "Remove contents: all that are named, or none", "ADDRESS", "Headers or file dumps",
-          remove);
 }
 
 }  // namespace Editor

@@ -2,32 +2,19 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>
 
 #include "cli/InputFiles.h"
 #include "cli/Messages.h"
-#include "cli/Program.h"
 #include "cli/Units.h"
+#include "cli/Verbs.h"
 
 namespace Editor {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-struct Options {
-  std::vector<std::string> files;
-  bool json = false;
-};
-
-std::shared_ptr<Options> addOptions(CLI::App& verb) {
-  auto options = std::make_shared<Options>();
-  verb.add_option("FILE", options->files, "Message files, .syx or .mid by content; - is standard input")->required();
-  verb.add_flag("--json", options->json, "One object a line");
-  return options;
-}
 
 Json toJson(const InputFiles::Message& message, const Reading& reading) {
   Json json{{"message", message.number},          {"file", message.file},
@@ -74,28 +61,30 @@ std::string toLine(const InputFiles::Message& message, const Reading& reading) {
 
 // Calls visit(message, reading) for every message, under a heading for each of several files.
 template <typename Visit>
-void forEachReading(const InputFiles& input, const Options& options, Console& console, Visit visit) {
+void forEachReading(const InputFiles& input, bool json, Console& console, Visit visit) {
   const std::string* file = nullptr;
   input.forEachMessage([&](const InputFiles::Message& message) {
-    if (input.areSeveral() && !options.json && file != &message.file) console.line(message.file + ":");
+    if (input.areSeveral() && !json && file != &message.file) console.line(message.file + ":");
     file = &message.file;
     const Reading reading = readMessage(message.bytes);
-    console.line(options.json ? toLine(toJson(message, reading)) : toLine(message, reading));
+    console.line(json ? toLine(toJson(message, reading)) : toLine(message, reading));
     visit(message, reading);
   });
 }
 
-void list(const Options& options, Program& program) {
-  const InputFiles input(options.files);
+}  // namespace
+
+void list(const Words& files, bool json, Program& program) {
+  const InputFiles input(files);
   if (!input.reportLosses(program.console)) program.refuse();
-  forEachReading(input, options, program.console, [&](const InputFiles::Message&, const Reading& reading) {
+  forEachReading(input, json, program.console, [&](const InputFiles::Message&, const Reading& reading) {
     if (isBroken(reading)) program.refuse();
   });
 }
 
-void verify(const Options& options, Program& program) {
+void verify(const Words& files, bool json, Program& program) {
   Console& console = program.console;
-  const InputFiles input(options.files);
+  const InputFiles input(files);
   const bool whole = input.reportLosses(console);
   std::size_t messages = 0;
   std::size_t brokenMessages = 0;
@@ -107,11 +96,10 @@ void verify(const Options& options, Program& program) {
       ++units;
       const bool broken = isBroken(unit);
       if (broken) ++brokenUnits;
-      console.line(options.json ? toLine(toJson(unit))
-                                : fmt::format("{} {}", broken ? "  !!" : "  ==", describeUnit(unit)));
+      console.line(json ? toLine(toJson(unit)) : fmt::format("{} {}", broken ? "  !!" : "  ==", describeUnit(unit)));
     }
   };
-  forEachReading(input, options, console, [&](const InputFiles::Message& message, const Reading& reading) {
+  forEachReading(input, json, console, [&](const InputFiles::Message& message, const Reading& reading) {
     ++messages;
     if (isBroken(reading)) {
       ++brokenMessages;
@@ -123,23 +111,6 @@ void verify(const Options& options, Program& program) {
   if (!whole || brokenMessages + brokenUnits != 0) program.refuse();
   console.note(fmt::format("{} message{}, {} broken; {} unit{}, {} broken", messages, messages == 1 ? "" : "s",
                            brokenMessages, units, units == 1 ? "" : "s", brokenUnits));
-}
-
-void addVerb(CLI::App& app, Program& program, const char* name, const char* what,
-             void (*act)(const Options&, Program&)) {
-  CLI::App* const verb = app.add_subcommand(name, what);
-  const auto options = addOptions(*verb);
-  verb->callback([options, act, &program] { act(*options, program); });
-}
-
-}  // namespace
-
-void addList(CLI::App& app, Program& program) {
-  addVerb(app, program, "list", "What messages a file holds, one line each", list);
-}
-
-void addVerify(CLI::App& app, Program& program) {
-  addVerb(app, program, "verify", "Whether every message and every unit of a file is whole", verify);
 }
 
 }  // namespace Editor

@@ -7,10 +7,6 @@
 #include "cli/Console.h"
 #include "cli/Failure.h"
 
-namespace CLI {
-class App;
-}
-
 namespace Editor {
 
 // What the verbs share: where they speak, which library they use, how the run ends.
@@ -36,25 +32,5 @@ class Program {
   std::string names_;
   ExitCode exitCode_ = kAllGood;
 };
-
-// Each adds one verb to the command line.
-void addList(CLI::App& app, Program& program);
-void addVerify(CLI::App& app, Program& program);
-void addReceive(CLI::App& app, Program& program);
-void addRequest(CLI::App& app, Program& program);
-void addShow(CLI::App& app, Program& program);
-void addApply(CLI::App& app, Program& program);
-void addSettings(CLI::App& app, Program& program);
-void addContents(CLI::App& app, Program& program);
-void addBackup(CLI::App& app, Program& program);
-void addRestore(CLI::App& app, Program& program);
-void addDiff(CLI::App& app, Program& program);
-void addRename(CLI::App& app, Program& program);
-void addFavourite(CLI::App& app, Program& program);
-void addRemove(CLI::App& app, Program& program);
-void addScreen(CLI::App& app, Program& program);
-
-// Runs the program `bda`; the result is its exit code.
-int runProgram(int argc, const char* const* argv);
 
 }  // namespace Editor

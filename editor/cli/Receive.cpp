@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <map>
 #include <memory>
@@ -11,10 +10,10 @@
 #include "cli/Answers.h"
 #include "cli/InputFiles.h"
 #include "cli/OutputFile.h"
-#include "cli/Program.h"
 #include "cli/Progress.h"
 #include "cli/Targets.h"
 #include "cli/Trace.h"
+#include "cli/Verbs.h"
 #include "midi/Hex.h"
 #include "midi/MidiFile.h"
 
@@ -22,32 +21,17 @@ namespace Editor {
 
 namespace {
 
-struct Options {
-  std::vector<std::string> words;  // files or addresses
-  unsigned port = BDA::DevicePort_Main;
-  std::string output;
-  std::string trace;
-};
-
-void addOptions(CLI::App& verb, Options& options) {
-  verb.add_option("--port", options.port, "The port on which the messages arrive")
-      ->check(CLI::IsMember({1, 4, 5, 6}))
-      ->capture_default_str();
-  verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
-      ->type_name("FILE");
-}
-
 std::string count(std::size_t n, const char* one) { return fmt::format("{} {}{}", n, one, n == 1 ? "" : "s"); }
 
 // ---- receive ----
 
 class Receiving {
  public:
-  Receiving(const Options& options, Program& program)
+  Receiving(const Words& files, const ExchangeOptions& options, Program& program)
       : program_(program),
         console_(program.console),
         port_(BDA::DevicePortNum(options.port)),
-        input_(options.words),
+        input_(files),
         progress_(program.console, "receive", "messages", input_.countMessages()),
         editor_(program.openEditor()),
         trace_(options.trace) {
@@ -152,7 +136,17 @@ class Receiving {
   std::map<Outcome, std::size_t> tally_;
 };
 
+}  // namespace
+
+void receive(const Words& files, const ExchangeOptions& options, Program& program) {
+  if (options.output == "-" && options.trace == "-")
+    throw Failure(kWrongUsage, "answers and trace cannot both go to standard output");
+  Receiving(files, options, program).run();
+}
+
 // ---- request ----
+
+namespace {
 
 // Without a file: bytes to a pipe, hex to a terminal.
 void writeAnswers(const std::vector<std::vector<std::uint8_t>>& answers, const std::string& path, Console& console) {
@@ -165,8 +159,10 @@ void writeAnswers(const std::vector<std::vector<std::uint8_t>>& answers, const s
   file.commit();
 }
 
-void request(const Options& options, Program& program) {
-  const std::vector<BulkAddress> addresses = parseAddresses(options.words);
+}  // namespace
+
+void request(const Words& words, const ExchangeOptions& options, Program& program) {
+  const std::vector<BulkAddress> addresses = parseAddresses(words);
   const auto port = BDA::DevicePortNum(options.port);
   if (options.trace == "-" && (options.output.empty() || options.output == "-"))
     throw Failure(kWrongUsage, "answers and trace cannot both go to standard output");
@@ -176,49 +172,29 @@ void request(const Options& options, Program& program) {
   std::size_t answered = 0;
   std::uint64_t number = 0;
   for (const BulkAddress address : addresses) {
-    const std::vector<std::uint8_t> message = editor->requestFor(address);
-    const Record record = editor->handle(message, port, ++number);
-    trace.add({number, nullptr, std::nullopt}, port, message, record);
-    const std::string why = whyUnanswered(record);
-    if (why.empty()) {
+    try {
+      const std::vector<std::uint8_t> message = editor->requestFor(address);
+      const Record record = editor->handle(message, port, ++number);
+      trace.add({number, nullptr, std::nullopt}, port, message, record);
+      if (const std::string why = whyUnanswered(record); !why.empty()) {
+        program.console.problem(fmt::format("{} ({}, {}): no answer: {}", nameOrBytes(address), formatAddress(address),
+                                            describeAddress(address), escape(why)));
+        program.refuse();
+        continue;
+      }
       ++answered;
       for (const AssistantHost::Sent& sent : record.sent) answers.push_back(sent.bytes);
-      continue;
+    } catch (const LibraryError& error) {
+      trace.commit();
+      throw Failure(kWrongUsage, fmt::format("{} ({}): not asked, nor is anything after it: {}", nameOrBytes(address),
+                                             formatAddress(address), escape(error.what())));
     }
-    program.console.problem(fmt::format("{} ({}, {}): no answer: {}", nameOrBytes(address), formatAddress(address),
-                                        describeAddress(address), escape(why)));
-    program.refuse();
   }
   trace.commit();
   if (answered == 0) throw Failure(kRefused, "no address was answered, nothing is written");
   writeAnswers(answers, options.output, program.console);
   program.console.note(fmt::format("{} answered, {}", fmt::format("{} address{}", answered, answered == 1 ? "" : "es"),
                                    count(answers.size(), "message")));
-}
-
-}  // namespace
-
-void addReceive(CLI::App& app, Program& program) {
-  CLI::App* const verb = app.add_subcommand("receive", "Feed messages to the library's instrument");
-  const auto options = std::make_shared<Options>();
-  verb->add_option("FILE", options->words, "Message files, .syx or .mid by content; - is standard input")->required();
-  verb->add_option("-o,--output", options->output, "Where the answers to requests go; - is standard output")
-      ->type_name("ANSWERS");
-  addOptions(*verb, *options);
-  verb->callback([options, &program] {
-    if (options->output == "-" && options->trace == "-")
-      throw Failure(kWrongUsage, "answers and trace cannot both go to standard output");
-    Receiving(*options, program).run();
-  });
-}
-
-void addRequest(CLI::App& app, Program& program) {
-  CLI::App* const verb = app.add_subcommand("request", "Ask the library's instrument for dumps, as .syx");
-  const auto options = std::make_shared<Options>();
-  verb->add_option("ADDRESS", options->words, "Three hex bytes or names; system means all system blocks")->required();
-  verb->add_option("-o,--output", options->output, "Where the dumps go; default standard output")->type_name("FILE");
-  addOptions(*verb, *options);
-  verb->callback([options, &program] { request(*options, program); });
 }
 
 }  // namespace Editor

@@ -2,16 +2,15 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 #include <set>
 
 #include "cli/Compare.h"
 #include "cli/InputFiles.h"
-#include "cli/Program.h"
 #include "cli/Progress.h"
 #include "cli/ScratchLibrary.h"
+#include "cli/Verbs.h"
 
 namespace Editor {
 
@@ -153,13 +152,6 @@ class Restoring {
 
 }  // namespace
 
-void addRestore(CLI::App& app, Program& program) {
-  CLI::App* const verb = app.add_subcommand("restore", "Receive all messages of a file into the library, or none");
-  const auto file = std::make_shared<std::string>();
-  const auto dryRun = std::make_shared<bool>(false);
-  verb->add_option("FILE", *file, "A backup, or any message file; - is standard input")->required();
-  verb->add_flag("--dry-run", *dryRun, "Say what would change, and change nothing");
-  verb->callback([file, dryRun, &program] { Restoring(*file, program).run(*dryRun); });
-}
+void restore(const std::string& file, bool dryRun, Program& program) { Restoring(file, program).run(dryRun); }
 
 }  // namespace Editor

@@ -2,21 +2,19 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "cli/Answers.h"
 #include "cli/OutputFile.h"
 #include "cli/Picture.h"
-#include "cli/Program.h"
+#include "cli/Verbs.h"
 
 namespace Editor {
-
-namespace {
 
 void screen(const std::string& output, Program& program) {
   constexpr BulkAddress kScreen{0x51, 0x00, 0x00};
   const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  if (output == "-") program.console.keepOutputForBytes();
   OutputFile file(output);
   const Record record = editor->handle(editor->requestFor(kScreen), BDA::DevicePort_Main, 1);
   Picture picture;
@@ -26,18 +24,6 @@ void screen(const std::string& output, Program& program) {
   file.write(encodePng(picture));
   file.commit();
   program.console.note(fmt::format("{} x {} pixels", picture.width, picture.height));
-}
-
-}  // namespace
-
-void addScreen(CLI::App& app, Program& program) {
-  CLI::App* const verb = app.add_subcommand("screen", "A picture of the editor's screen");
-  const auto output = std::make_shared<std::string>();
-  verb->add_option("-o,--output", *output, "A PNG file; - is standard output")->type_name("FILE")->required();
-  verb->callback([output, &program] {
-    if (*output == "-") program.console.keepOutputForBytes();
-    screen(*output, program);
-  });
 }
 
 }  // namespace Editor

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -10,7 +9,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
-#include "cli/Program.h"
+#include "cli/Verbs.h"
 #include "contents/ContentFormat.h"
 
 namespace Editor {
@@ -79,6 +78,8 @@ const std::array kSettings{
             }},
 };
 
+}  // namespace
+
 void settings(const std::string& name, const std::optional<std::string>& value, Program& program) {
   const auto found =
       std::find_if(kSettings.begin(), kSettings.end(), [&](const Setting& setting) { return name == setting.name; });
@@ -99,6 +100,8 @@ void settings(const std::string& name, const std::optional<std::string>& value, 
 }
 
 // ---- contents ----
+
+namespace {
 
 struct Entry {
   ContentId id;
@@ -185,6 +188,8 @@ void printByBank(const std::vector<Entry>& entries, Console& console) {
   endBank();
 }
 
+}  // namespace
+
 void contents(bool json, Program& program) {
   const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
   const std::vector<Entry> entries = entriesOf(editor->library());
@@ -196,25 +201,6 @@ void contents(bool json, Program& program) {
   const auto stored =
       std::count_if(entries.begin(), entries.end(), [](const Entry& entry) { return entry.content.has_value(); });
   program.console.note(fmt::format("{} content{} stored", stored, stored == 1 ? "" : "s"));
-}
-
-}  // namespace
-
-void addSettings(CLI::App& app, Program& program) {
-  CLI::App* const verb =
-      app.add_subcommand("settings", "The settings of the library: device-number, receive-bulk, mixing-voices");
-  const auto name = std::make_shared<std::string>();
-  const auto value = std::make_shared<std::optional<std::string>>();
-  verb->add_option("NAME", *name, "Which; default all");
-  verb->add_option("VALUE", *value, "Its new value");
-  verb->callback([name, value, &program] { settings(*name, *value, program); });
-}
-
-void addContents(CLI::App& app, Program& program) {
-  CLI::App* const verb = app.add_subcommand("contents", "What the library holds, by bank");
-  const auto json = std::make_shared<bool>(false);
-  verb->add_flag("--json", *json, "One object a line");
-  verb->callback([json, &program] { contents(*json, program); });
 }
 
 }  // namespace Editor

@@ -2,12 +2,11 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "cli/CarryCheck.h"
-#include "cli/Program.h"
 #include "cli/TargetModels.h"
+#include "cli/Verbs.h"
 #include "midi/MidiFile.h"
 #include "models/ModelJson.h"
 
@@ -41,7 +40,9 @@ class Lines {
   std::string path_;
 };
 
-void show(const std::vector<std::string>& words, bool json, Program& program) {
+}  // namespace
+
+void show(const Words& words, bool json, Program& program) {
   const Target target = parseOneTarget(words);
   const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
   const ModelSet models = loadTarget(*editor, target);
@@ -54,6 +55,8 @@ void show(const std::vector<std::string>& words, bool json, Program& program) {
     visitFields(model, lines);
   });
 }
+
+namespace {
 
 // A voice that the target takes in both kinds is a drum voice when the file gives it keys.
 bool hasKeys(const nlohmann::ordered_json& json) {
@@ -82,7 +85,9 @@ ModelSet readModels(const std::string& file, const Target& target) {
   return models;
 }
 
-void apply(std::vector<std::string> words, Program& program) {
+}  // namespace
+
+void apply(Words words, Program& program) {
   if (words.size() < 2) throw Failure(kWrongUsage, "expected a target and a file");
   const std::string file = words.back();
   words.pop_back();
@@ -94,24 +99,6 @@ void apply(std::vector<std::string> words, Program& program) {
   storeTarget(*editor, target, models);
   if (!check.unchecked.empty()) program.console.note(fmt::format("{}: {}", target.name, check.unchecked));
   program.console.note(fmt::format("{}: replaced", target.name));
-}
-
-}  // namespace
-
-void addShow(CLI::App& app, Program& program) {
-  CLI::App* const verb = app.add_subcommand("show", "The parameters of a target");
-  const auto words = std::make_shared<std::vector<std::string>>();
-  const auto json = std::make_shared<bool>(false);
-  verb->add_option("TARGET", *words, "system, additional, or a header or file dump")->required();
-  verb->add_flag("--json", *json, "One object, as apply reads it");
-  verb->callback([words, json, &program] { show(*words, *json, program); });
-}
-
-void addApply(CLI::App& app, Program& program) {
-  CLI::App* const verb = app.add_subcommand("apply", "Replace a whole target by what show --json printed");
-  const auto words = std::make_shared<std::vector<std::string>>();
-  verb->add_option("TARGET FILE", *words, "A target as for show, and its JSON; - is standard input")->required();
-  verb->callback([words, &program] { apply(*words, program); });
 }
 
 }  // namespace Editor

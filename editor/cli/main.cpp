@@ -1,3 +1,3 @@
-#include "cli/Program.h"
+#include "cli/CommandLine.h"
 
 int main(int argc, char** argv) { return Editor::runProgram(argc, argv); }

@@ -1,0 +1,218 @@
+#include "cli/CommandLine.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <new>
+
+#include "cli/Verbs.h"
+
+namespace Editor {
+
+namespace {
+
+// The words of the command line, whichever verb they are for: only one runs.
+struct Given {
+  Words words;
+  std::string file;
+  std::string secondFile;
+  std::string output;
+  std::string setting;
+  std::optional<std::string> value;
+  ExchangeOptions exchange;
+  bool json = false;
+  bool dryRun = false;
+};
+
+constexpr const char* kMessageFiles = "Message files, .syx or .mid by content; - is standard input";
+
+void addList(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("list", "What messages a file holds, one line each");
+  verb.add_option("FILE", given.words, kMessageFiles)->required();
+  verb.add_flag("--json", given.json, "One object a line");
+  verb.callback([&] { list(given.words, given.json, program); });
+}
+
+void addVerify(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("verify", "Whether every message and every unit of a file is whole");
+  verb.add_option("FILE", given.words, kMessageFiles)->required();
+  verb.add_flag("--json", given.json, "One object a line");
+  verb.callback([&] { verify(given.words, given.json, program); });
+}
+
+void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
+  verb.add_option("--port", options.port, "The port on which the messages arrive")
+      ->check(CLI::IsMember({1, 4, 5, 6}))
+      ->capture_default_str();
+  verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
+      ->type_name("FILE");
+}
+
+void addReceive(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("receive", "Feed messages to the library's instrument");
+  verb.add_option("FILE", given.words, kMessageFiles)->required();
+  verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
+      ->type_name("ANSWERS");
+  addExchangeOptions(verb, given.exchange);
+  verb.callback([&] { receive(given.words, given.exchange, program); });
+}
+
+void addRequest(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("request", "Ask the library's instrument for dumps, as .syx");
+  verb.add_option("ADDRESS", given.words, "Three hex bytes or names; system means all system blocks")->required();
+  verb.add_option("-o,--output", given.exchange.output, "Where the dumps go; default standard output")
+      ->type_name("FILE");
+  addExchangeOptions(verb, given.exchange);
+  verb.callback([&] { request(given.words, given.exchange, program); });
+}
+
+void addShow(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("show", "The parameters of a target");
+  verb.add_option("TARGET", given.words, "system, additional, or a header or file dump")->required();
+  verb.add_flag("--json", given.json, "One object, as apply reads it");
+  verb.callback([&] { show(given.words, given.json, program); });
+}
+
+void addApply(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("apply", "Replace a whole target by what show --json printed");
+  verb.add_option("TARGET FILE", given.words, "A target as for show, and its JSON; - is standard input")->required();
+  verb.callback([&] { apply(given.words, program); });
+}
+
+void addSettings(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb =
+      *app.add_subcommand("settings", "The settings of the library: device-number, receive-bulk, mixing-voices");
+  verb.add_option("NAME", given.setting, "Which; default all");
+  verb.add_option("VALUE", given.value, "Its new value");
+  verb.callback([&] { settings(given.setting, given.value, program); });
+}
+
+void addContents(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("contents", "What the library holds, by bank");
+  verb.add_flag("--json", given.json, "One object a line");
+  verb.callback([&] { contents(given.json, program); });
+}
+
+void addBackup(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("backup", "The whole library as messages that restore takes");
+  verb.add_option("-o,--output", given.output, "Where it goes; - is standard output")->type_name("FILE")->required();
+  verb.callback([&] { backup(given.output, program); });
+}
+
+void addRestore(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("restore", "Receive all messages of a file into the library, or none");
+  verb.add_option("FILE", given.file, "A backup, or any message file; - is standard input")->required();
+  verb.add_flag("--dry-run", given.dryRun, "Say what would change, and change nothing");
+  verb.callback([&] { restore(given.file, given.dryRun, program); });
+}
+
+void addDiff(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("diff", "What two libraries or message files do not have in common");
+  verb.add_option("A", given.file, "A library, or a message file; - is standard input")->required();
+  verb.add_option("B", given.secondFile, "The same")->required();
+  verb.callback([&] { diff(given.file, given.secondFile, program); });
+}
+
+void addRename(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("rename", "Name a content or an edit buffer");
+  verb.add_option("ADDRESS NAME", given.words, "A header or file dump, and up to 20 characters of ASCII")->required();
+  verb.callback([&] { rename(given.words, program); });
+}
+
+void addFavourite(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("favourite", "Make a voice a favourite, or no longer");
+  verb.add_option("ADDRESS on|off", given.words, "A voice or drum voice of a bank; on or off")->required();
+  verb.callback([&] { favourite(given.words, program); });
+}
+
+void addRemove(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("remove", "Remove contents: all that are named, or none");
+  verb.add_option("ADDRESS", given.words, "Headers or file dumps")->required();
+  verb.callback([&] { remove(given.words, program); });
+}
+
+void addScreen(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("screen", "A picture of the editor's screen");
+  verb.add_option("-o,--output", given.output, "A PNG file; - is standard output")->type_name("FILE")->required();
+  verb.callback([&] { screen(given.output, program); });
+}
+
+// In the order of --help.
+constexpr std::array kVerbs{addList,  addVerify,   addReceive,   addRequest, addShow,
+                            addApply, addSettings, addContents,  addBackup,  addRestore,
+                            addDiff,  addRename,   addFavourite, addRemove,  addScreen};
+
+constexpr const char* kAddresses =
+    "An ADDRESS or TARGET is three hex bytes (0E0A05, 0E 0A 05, 0E/0A/05) or a name: voice:user1:6, "
+    "voice:preset3:128,\n"
+    "voice:gm:1, voice:edit, voice:part:4, voice:mix:1, drum:preset:1, drum:user:3, drum:gm, drum:edit,\n"
+    "performance:a:1, performance:edit, multi:edit, master:1, master:edit, remote:1, remote:edit, system, additional,\n"
+    "file:voice:user1:6, file:mix:1:3, file:multi:1, file:single.\n"
+    "\n"
+    "Exit codes: 0 all good, 1 wrong usage or an error of the program, 2 input that cannot be used, 3 something was\n"
+    "refused or is broken (diff: differs), 130 ended by Ctrl-C.";
+
+void addCommonOptions(CLI::App& app, Program& program) {
+  app.set_help_flag("-h,--help", "Say this and exit");
+  app.set_version_flag("-V,--version", "bda " BDA_VERSION, "Say the version and exit");
+  app.add_option_function<std::string>(
+         "--library", [&program](const std::string& file) { program.setLibraryFile(file); },
+         "The library; default $BDA_LIBRARY, $XDG_DATA_HOME/bda/library.db, ~/.local/share/bda/library.db")
+      ->type_name("FILE");
+  app.add_option_function<std::string>(
+         "--names", [&program](const std::string& file) { program.setNameFile(file); },
+         "The names of waveforms and arpeggios; default the library's name with .names behind it, if there is such")
+      ->type_name("FILE");
+  CLI::Option* const verbose = app.add_flag_callback(
+      "-v,--verbose", [&program] { program.console.setLoudness(Console::Loudness::verbose); }, "Say more");
+  app.add_flag_callback(
+         "-q,--quiet", [&program] { program.console.setLoudness(Console::Loudness::quiet); },
+         "Say only what went wrong")
+      ->excludes(verbose);
+}
+
+int run(int argc, const char* const* argv, Program& program) {
+  CLI::App app("Receives, keeps and answers MIDI System Exclusive bulk dumps.", "bda");
+  app.footer(kAddresses);
+  app.require_subcommand(1);
+  app.fallthrough();
+  addCommonOptions(app, program);
+  Given given;
+  for (const auto addVerb : kVerbs) addVerb(app, given, program);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return app.exit(error);  // --help, --version
+    const Words unknown = app.get_subcommands().empty() ? app.remaining() : Words();
+    throw Failure(kWrongUsage,
+                  fmt::format("{} (bda --help tells more)",
+                              unknown.empty() ? escape(error.what())
+                                              : fmt::format("there is no verb \"{}\"", escape(unknown.front()))));
+  }
+  return program.exitCode();
+}
+
+}  // namespace
+
+int runProgram(int argc, const char* const* argv) {
+  Program program;
+  int code = kWrongUsage;
+  try {
+    code = run(argc, argv, program);
+  } catch (const Failure& failure) {
+    program.console.problem(fmt::format("bda: {}", failure.what()));
+    code = failure.code();
+  } catch (const std::bad_alloc&) {
+    program.console.problem("bda: out of memory");
+  } catch (const std::exception& error) {
+    program.console.problem(fmt::format("bda: {}", error.what()));
+  }
+  if (!program.console.finish()) {
+    program.console.problem("bda: standard output could not be written");
+    if (code == kAllGood) code = kWrongUsage;
+  }
+  return code;
+}
+
+}  // namespace Editor
