@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 
 #include "AddressRows.h"
@@ -16,6 +17,7 @@ constexpr std::uint8_t kTriggerHi = 0x11;
 constexpr std::uint8_t kFileDumpHi = 0x0C;
 constexpr std::size_t kLongestFileDump = 0x3FFF;
 constexpr std::uint16_t kStillReceiving = 11;  // the id that stays on the screen while a unit is open
+constexpr std::uint16_t kFirstErrorId = 40;
 constexpr std::uint16_t kMixingVoicesFull = 46;
 constexpr std::uint16_t kFirstResettingId = 41;  // from here on the shown ids tell that the open header was forgotten
 
@@ -27,6 +29,15 @@ bool isEditBufferFooter(BulkAddress address) {
 
 std::uint16_t lastShown(const AssistantHost::Effects& effects) {
   return effects.shown.empty() ? std::uint16_t(0) : effects.shown.back();
+}
+
+// Storage that runs out in the module leaves no line in the log, only its id on the screen.
+bool hasFailed(const AssistantHost::Effects& effects) {
+  return !effects.log.empty() || lastShown(effects) >= kFirstErrorId;
+}
+
+bool isTrigger(const Reading& reading) {
+  return reading.verdict != Reading::Verdict::unknownAddress && reading.address->hi == kTriggerHi;
 }
 
 // Whether the assistant now waits for a header again.
@@ -103,16 +114,16 @@ Outcome outcomeOf(const AssistantHost::Effects& effects, const Reading& reading,
     case BDA::BulkMsg_ReceiveError:
       return Outcome::refused;
     case BDA::BulkMsg_RequestSkipped:
-      return effects.log.empty() ? Outcome::nothingToSend : Outcome::refused;
+      return hasFailed(effects) ? Outcome::refused : Outcome::nothingToSend;
     case BDA::BulkMsg_BulkRequest:
-      if (!effects.log.empty()) return Outcome::refused;
+      if (hasFailed(effects)) return Outcome::refused;
       return effects.sent.empty() ? Outcome::ignored : Outcome::answered;
     case BDA::BulkMsg_BulkDump:
       break;
   }
   // The header of an empty mixing voice: its footer will say so again, and is acted upon.
   if (isDump && reading.address->hi == BDA::kHeaderHi && marksEmptyVoice(*reading.address)) return Outcome::ignored;
-  if (!effects.log.empty()) return Outcome::refused;
+  if (hasFailed(effects)) return Outcome::refused;
   if (libraryChanged) return Outcome::stored;
   if (effects.shown.empty()) return Outcome::ignored;
   return lastShown(effects) == kStillReceiving ? Outcome::accepted : Outcome::completed;
@@ -197,64 +208,98 @@ std::vector<std::string> EmbeddedEditor::screenLines() {
 Record EmbeddedEditor::handle(std::span<const std::uint8_t> message, BDA::DevicePortNum port, std::uint64_t number) {
   const Reading reading = readMessage(message);
   Record record;
-  storeError_.clear();
   changes_.clear();
-  if (reading.kind == Reading::Kind::dump) {
-    handleDump(record, message, port);
-  } else if (reading.kind == Reading::Kind::request) {
-    const Library::Transaction oneState(library_, Library::Transaction::Access::Read);
-    if (!inRun_) tools().reload();  // another program may have changed the live models
-    static_cast<AssistantHost::Effects&>(record) = host_.handle(message, port);
-    const bool isHeader = reading.address->hi == BDA::kHeaderHi;  // only a header loads something
-    storeError_ = record.log.empty() || !isHeader ? std::string() : tools().lastLoadError();
-  } else {
-    static_cast<AssistantHost::Effects&>(record) = host_.handle(message, port);
+  try {
+    if (reading.kind == Reading::Kind::dump) {
+      handleDump(record, reading, message, port);
+    } else if (reading.kind == Reading::Kind::request) {
+      const Library::Transaction oneState(library_, Library::Transaction::Access::Read);
+      if (!inRun_) tools().reload();  // another program may have changed the live models
+      hand(record, message, port);
+    } else {
+      hand(record, message, port);
+    }
+  } catch (const LiveModelError& error) {
+    throw LibraryError(LibraryError::Kind::Damaged, error.what());
   }
 
   bool changed = false;
   if (reading.kind == Reading::Kind::dump &&
       (reading.address->hi == BDA::kFooterHi || reading.address->hi == kTriggerHi)) {
-    for (const Change& change : changes_) {
-      if (change.kind != Change::Kind::Stored && change.kind != Change::Kind::Removed) continue;
-      const std::string name = nameOf(change.id);
-      if (std::find(record.contents.begin(), record.contents.end(), name) == record.contents.end())
-        record.contents.push_back(name);
-    }
-    if (isEditBufferFooter(*reading.address) && record.result == BDA::BulkMsg_BulkDump && record.log.empty() &&
+    if (!inRun_) nameChanges(record);
+    if (isEditBufferFooter(*reading.address) && record.result == BDA::BulkMsg_BulkDump && !hasFailed(record) &&
         !record.shown.empty())
       record.contents.push_back(nameOrBytes({BDA::kHeaderHi, reading.address->mid, reading.address->lo}));
     changed = !record.contents.empty();
   }
   record.outcome = outcomeOf(record, reading, changed);
-  // The module does not look at how the last step of a write trigger went.
-  if (record.log.empty() && !storeError_.empty()) record.outcome = Outcome::refused;
-  if (record.outcome == Outcome::refused) record.reason = whyRefused(record, reading);
+  // The module does not look at how the last step of a write trigger went, and answers a content that cannot be read as
+  // an empty one.
+  if (!hasFailed(record) && !storeError_.empty()) record.outcome = Outcome::refused;
+  if (record.outcome == Outcome::refused) {
+    record.reason = whyRefused(record, reading);
+    if (isTrigger(reading)) record.reason += heldInVain();
+  }
   follow(record, reading, number);
   return record;
 }
 
+// Hands the message to the assistant, and learns what failed behind its back.
+void EmbeddedEditor::hand(Record& record, std::span<const std::uint8_t> message, BDA::DevicePortNum port) {
+  tools().forgetErrors();
+  static_cast<AssistantHost::Effects&>(record) = host_.handle(message, port);
+  work_.abandonPass();
+  storeError_ = work_.takeError();
+  if (storeError_.empty() && hasFailed(record)) storeError_ = tools().lastError();
+}
+
 // A message that was refused leaves no trace in the library. The write trigger is the exception: what it could write
 // is written, whatever became of the rest.
-void EmbeddedEditor::handleDump(Record& record, std::span<const std::uint8_t> message, BDA::DevicePortNum port) {
+void EmbeddedEditor::handleDump(Record& record, const Reading& reading, std::span<const std::uint8_t> message,
+                                BDA::DevicePortNum port) {
   bool kept = false;
+  storeError_.clear();
   try {
     Library::Transaction transaction(library_);
+    const std::size_t before = library_.pendingChanges().size();
     if (!inRun_) tools().reload();  // another program may have changed the live models
-    static_cast<AssistantHost::Effects&>(record) = host_.handle(message, port);
-    work_.abandonPass();
-    storeError_ = work_.takeError();
-    if (storeError_.empty() && !record.log.empty()) storeError_ = tools().lastStoreError();
-    kept = message[7] == kTriggerHi || (record.log.empty() && storeError_.empty());
+    hand(record, message, port);
+    kept = isTrigger(reading) || (!hasFailed(record) && storeError_.empty());
     std::vector<std::string> saved;
-    if (kept && !tools().saveChanged(saved)) throw LibraryError(LibraryError::Kind::Failed, tools().lastStoreError());
+    if (kept && !tools().saveChanged(saved)) throw LibraryError(LibraryError::Kind::Failed, tools().lastError());
     if (kept) transaction.commit();
-  } catch (...) {
+    if (inRun_)
+      changes_.assign(library_.pendingChanges().begin() + std::ptrdiff_t(before), library_.pendingChanges().end());
+  } catch (const std::exception&) {
     work_.abandonPass();
-    tools().reload();
+    work_.takeError();
+    reloadIfPossible();
+    // What came first is the reason, what follows from it is not.
+    if (!storeError_.empty()) throw LibraryError(LibraryError::Kind::Failed, storeError_);
     throw;
   }
-  changes_ = library_.takeChanges();
+  if (!inRun_) changes_ = library_.takeChanges();
   if (!kept) tools().reload();
+}
+
+void EmbeddedEditor::reloadIfPossible() {
+  try {
+    tools().reload();
+  } catch (const std::exception&) {
+    // The next message reads them again, and tells.
+  }
+}
+
+// What the message did to each content in the end.
+void EmbeddedEditor::nameChanges(Record& record) {
+  std::map<std::string, Change::Kind> last;
+  for (const Change& change : changes_) {
+    if (change.kind != Change::Kind::Stored && change.kind != Change::Kind::Removed) continue;
+    const std::string name = nameOf(change.id);
+    if (last.insert_or_assign(name, change.kind).second) record.contents.push_back(name);
+  }
+  for (const std::string& name : record.contents)
+    if (last[name] == Change::Kind::Removed) record.removed.push_back(name);
 }
 
 void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_t number) {
@@ -275,7 +320,11 @@ void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_
   };
 
   const bool isDump = record.result == BDA::BulkMsg_BulkDump && reading.address.has_value();
-  const bool isTaken = isDump && record.outcome != Outcome::refused && record.outcome != Outcome::ignored;
+  // A dump whose length is wrong is refused in words, but taken when the byte where its checksum should be is 0.
+  const bool isTakenAnyway = record.outcome == Outcome::refused && reading.verdict == Reading::Verdict::lengthWrong &&
+                             lastShown(record) == kStillReceiving;
+  const bool isTaken =
+      isDump && (isTakenAnyway || (record.outcome != Outcome::refused && record.outcome != Outcome::ignored));
   if (isTaken && isList(*reading.address, BDA::List::header)) {
     abandon();
     open_.emplace(*reading.address, number);
@@ -292,7 +341,7 @@ void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_
   } else if (isTaken && open_) {
     open_->arrive(*reading.address);
   }
-  if (isDump && reading.address->hi == kTriggerHi && !record.shown.empty()) endHeld(UnitReport::State::written);
+  if (isDump && isTrigger(reading) && !record.shown.empty()) endHeld(UnitReport::State::written);
   if (isDump && reading.address->hi == kFileDumpHi && record.outcome == Outcome::refused &&
       lastShown(record) >= kFirstResettingId && !held_.empty())
     endHeld(UnitReport::State::discarded);
@@ -342,7 +391,24 @@ std::string EmbeddedEditor::whyRefused(const Record& record, const Reading& read
   if (record.result == BDA::BulkMsg_BulkRequest && reading.address->hi == kFileDumpHi)
     if (const std::size_t size = fileDumpSize(*reading.address); size > kLongestFileDump)
       return fmt::format("its file dump would have {} data bytes, at most {} are possible", size, kLongestFileDump);
-  return messagesOf(record.log);
+  return record.log.empty() ? "storage ran out" : messagesOf(record.log);
+}
+
+// The file dumps that a refused write trigger has not written.
+std::string EmbeddedEditor::heldInVain() const {
+  constexpr std::size_t kMostNames = 5;
+  std::string names;
+  std::size_t count = 0;
+  for (const Held& held : held_) {
+    const std::optional<ContentId> id = contentOfFileDump({held.address.mid, held.address.lo});
+    const auto isIt = [&](const Change& change) { return id && change.id == canonical(*id); };
+    if (std::any_of(changes_.begin(), changes_.end(), isIt)) continue;
+    if (++count > kMostNames) continue;
+    names +=
+        fmt::format("{} {} (message {})", count == 1 ? "; not written:" : ",", nameOrBytes(held.address), held.message);
+  }
+  if (count > kMostNames) names += fmt::format(" and {} more", count - kMostNames);
+  return names;
 }
 
 // As many data bytes as a file dump of what is stored there would have.
@@ -361,7 +427,7 @@ void setUtility(EditorJobTools& tools, std::uint16_t parameter, std::uint8_t val
 
 void save(EditorJobTools& tools) {
   std::vector<std::string> saved;
-  if (!tools.saveChanged(saved)) throw LibraryError(LibraryError::Kind::Failed, tools.lastStoreError());
+  if (!tools.saveChanged(saved)) throw LibraryError(LibraryError::Kind::Failed, tools.lastError());
 }
 
 }  // namespace
@@ -384,11 +450,7 @@ EmbeddedEditor::Run::Run(EmbeddedEditor& editor, Library::Transaction::Access ac
 EmbeddedEditor::Run::~Run() {
   editor_.inRun_ = false;
   transaction_.reset();
-  try {
-    editor_.tools().reload();
-  } catch (const std::exception&) {
-    // The next message reads them again, and tells.
-  }
+  editor_.reloadIfPossible();
 }
 
 void EmbeddedEditor::Run::commit() {

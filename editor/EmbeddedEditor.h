@@ -28,12 +28,13 @@ enum class Outcome : std::uint8_t {
 };
 const char* wordOf(Outcome outcome);
 
-// What one message did, as far as it is on disk.
+// What one message did. What it says of contents is on disk, but inside a Run.
 struct Record : AssistantHost::Effects {
   Outcome outcome = Outcome::ignored;
   std::vector<std::string> contents;  // readable names of what was stored or removed
+  std::vector<std::string> removed;   // those of `contents` that were removed
   std::vector<BulkAddress> missing;   // blocks of the unit that was stored which had not arrived
-  std::vector<UnitReport> ended;      // units that ended with this message, as the trace does not tell it
+  std::vector<UnitReport> ended;      // units that ended with this message; the trace tells only `missing`
   std::string reason;                 // refused: why, in words
 };
 
@@ -92,11 +93,16 @@ class EmbeddedEditor {
   };
 
  private:
-  void handleDump(Record& record, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
+  void handleDump(Record& record, const Reading& reading, std::span<const std::uint8_t> message,
+                  BDA::DevicePortNum port);
+  void hand(Record& record, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
+  void nameChanges(Record& record);
+  void reloadIfPossible();
   void follow(Record& record, const Reading& reading, std::uint64_t number);
   std::vector<std::string> screenLines();
   std::size_t fileDumpSize(BulkAddress address);
   std::string whyRefused(const Record& record, const Reading& reading);
+  std::string heldInVain() const;
 
   struct Held {
     BulkAddress address;
@@ -110,8 +116,8 @@ class EmbeddedEditor {
   std::optional<OpenUnit> open_;
   std::vector<Held> held_;
   bool inRun_ = false;
-  std::string storeError_;  // of the message that is being handled
-  std::vector<Change> changes_;
+  std::string storeError_;       // of the message that is being handled
+  std::vector<Change> changes_;  // of that message, committed or not
 };
 
 }  // namespace Editor

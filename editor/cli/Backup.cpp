@@ -109,7 +109,11 @@ class BackingUp {
     add(plan.system);
     add(plan.favourites);
     if (messages_ == 0) throw Failure(kRefused, "nothing could be backed up, nothing is written");
-    tellWhatIsLost();
+    try {
+      tellWhatIsLost();
+    } catch (const LibraryError& error) {
+      complain(fmt::format("the backup could not be compared with the library: {}", escape(error.what())));
+    }
     file_.commit();
     program_.console.note(fmt::format("{} of {} items in {} messages, {} bytes", done, count + plan.unaddressed.size(),
                                       messages_, bytes_));

@@ -44,15 +44,12 @@ class Receiving {
     try {
       input_.forEachMessage([&](const InputFiles::Message& message) { receive(message); });
     } catch (...) {
-      trace_.commit();
+      commitOutputs();  // what was done was done
       throw;
     }
     for (const UnitReport& unit : editor_->openUnits()) complain(describeUnit(unit));
-    trace_.commit();
-    if (answers_ && hasAnswers_)
-      answers_->commit();
-    else if (answers_)
-      console_.note("no request was answered: nothing is written");
+    commitOutputs();
+    if (answers_ && !hasAnswers_) console_.note("no request was answered: nothing is written");
     std::string summary;
     for (const auto& [outcome, messages] : tally_)
       summary += fmt::format("{}{} {}", summary.empty() ? "" : ", ", messages, wordOf(outcome));
@@ -60,6 +57,11 @@ class Receiving {
   }
 
  private:
+  void commitOutputs() {
+    trace_.commit();
+    if (answers_ && hasAnswers_) answers_->commit();
+  }
+
   void complain(const std::string& text) {
     console_.problem(text);
     program_.refuse();
@@ -68,9 +70,9 @@ class Receiving {
   void receive(const InputFiles::Message& message) {
     progress_.step(message.bytes.size());
     const Record record = handle(message);
-    trace_.add({message.number, &message.file, message.offset}, port_, message.bytes, record);
     ++tally_[record.outcome];
     tell(message, record);
+    trace_.add({message.number, &message.file, message.offset}, port_, message.bytes, record);
     for (const UnitReport& unit : record.ended)
       if (isBroken(unit)) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
     for (const std::string& text : record.log)
@@ -91,14 +93,19 @@ class Receiving {
     const auto line = [&](const std::string& text) {
       console_.line(fmt::format("{}: {} ({})", wordOf(record.outcome), text, placeOf(message)));
     };
+    const auto tellContents = [&] {
+      for (const std::string& content : record.contents) {
+        const bool isRemoved = std::find(record.removed.begin(), record.removed.end(), content) != record.removed.end();
+        console_.line(fmt::format("{}: {} ({})", isRemoved ? "removed" : "stored", content, placeOf(message)));
+      }
+    };
     switch (record.outcome) {
       case Outcome::stored:
-        for (const std::string& content : record.contents) line(content);
+        tellContents();
         break;
       case Outcome::refused:
         complain(fmt::format("{}: refused: {}: {}", placeOf(message), what, escape(record.reason)));
-        for (const std::string& content : record.contents)
-          console_.line(fmt::format("stored: {} ({})", content, placeOf(message)));
+        tellContents();
         break;
       case Outcome::answered:
         answer(message, record, what);

@@ -27,7 +27,7 @@ void setUtility(EmbeddedEditor& editor, std::uint16_t parameter, std::uint8_t va
   editor.tools().reload();  // another program may have changed the other system settings
   ModelSet system = editor.tools().liveSystem();
   system.system->utility.set(&value, parameter, 0);
-  if (!editor.tools().replaceSystem(system)) throw Failure(kWrongUsage, editor.tools().lastStoreError());
+  if (!editor.tools().replaceSystem(system)) throw Failure(kWrongUsage, editor.tools().lastError());
   transaction.commit();
 }
 

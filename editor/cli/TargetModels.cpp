@@ -103,7 +103,7 @@ void storeTarget(EmbeddedEditor& editor, const Target& target, const ModelSet& m
     }
   }
   if (!stored) {
-    const std::string error = tools.lastStoreError();
+    const std::string error = tools.lastError();
     refuse(target, error);
   }
   transaction.commit();

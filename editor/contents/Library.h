@@ -124,6 +124,8 @@ class Library {
   // The changes of contents committed since the last call, in order: those of a transaction that was taken back never
   // appear.
   std::vector<Change> takeChanges() { return std::exchange(committed_, {}); }
+  // Those of the transaction that is open, so far.
+  const std::vector<Change>& pendingChanges() const { return pending_; }
   // How many there have been since the library was opened.
   std::uint64_t changeCount() const { return changeCount_; }
 

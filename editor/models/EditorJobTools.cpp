@@ -209,10 +209,10 @@ bool EditorJobTools::replaceAdditional(const ModelSet& models) { return replace(
 
 // Stores first: what the store refuses must not be live either.
 bool EditorJobTools::replace(std::vector<Replacement> replacements) {
-  storeError_.clear();
+  error_.clear();
   for (const Replacement& replacement : replacements)
     if (!haveSameShape(replacement.models, units_[replacement.unit].models)) {
-      storeError_ = "these are no models of \"" + units_[replacement.unit].key + '"';
+      error_ = "these are no models of \"" + units_[replacement.unit].key + '"';
       return false;
     }
   if (replacements.front().unit == kMulti)
@@ -244,11 +244,11 @@ bool EditorJobTools::save(const std::vector<Replacement>& replacements) {
     if (multi && isOfMulti(unit) && models[unit] == nullptr) models[unit] = &units_[unit].models;
     if (models[unit] != nullptr) live.push_back({units_[unit].key, models[unit]});
   }
-  return live.empty() || store_.storeLive(live, storeError_);
+  return live.empty() || store_.storeLive(live, error_);
 }
 
 bool EditorJobTools::saveChanged(std::vector<std::string>& saved) {
-  storeError_.clear();
+  error_.clear();
   if (!save({})) return false;
   for (Unit& unit : units_)
     if (std::exchange(unit.isChanged, false)) saved.push_back(unit.key);
@@ -331,16 +331,16 @@ CMA::RemoteParameterModel* EditorJobTools::getTemporaryRemoteModel(CMA::Temporar
 
 unsigned long EditorJobTools::loadForReceivedSysExBulk(CMA::TemporaryCoreModel* model, std::uint8_t mid,
                                                        std::uint8_t lo) {
-  loadError_.clear();
+  error_.clear();
   const std::optional<ContentId> id = contentOfHeader({mid, lo});
   if (model == nullptr || !id) {
-    loadError_ = model == nullptr ? "there is no temporary model" : "the address names no content";
+    error_ = model == nullptr ? "there is no temporary model" : "the address names no content";
     return CMA::JOB::Result_UnknownError;
   }
   ModelSet loaded = emptySetFor(*id);
-  const ContentStore::Loaded result = store_.loadModels(*id, loaded, loadError_);
+  const ContentStore::Loaded result = store_.loadModels(*id, loaded, error_);
   if (result != ContentStore::Loaded::ok) {
-    if (result == ContentStore::Loaded::empty) loadError_ = "nothing is stored there";
+    if (result == ContentStore::Loaded::empty) error_ = "nothing is stored there";
     return CMA::JOB::Result_UnknownError;
   }
   // What is loaded to be sent was not received: a footer has nothing to store then.
@@ -353,10 +353,10 @@ unsigned long EditorJobTools::loadForReceivedSysExBulk(CMA::TemporaryCoreModel* 
 
 unsigned long EditorJobTools::storeForReceivedSysExBulk(CMA::TemporaryCoreModel* model, std::uint8_t mid,
                                                         std::uint8_t lo) {
-  storeError_.clear();
+  error_.clear();
   const unsigned headerType = headerTypeOf({mid, lo});
   if (headerType == 0) {
-    storeError_ = "the address names neither a content nor an edit buffer";
+    error_ = "the address names neither a content nor an edit buffer";
     return CMA::JOB::Result_UnknownError;
   }
   const std::optional<EditBuffer> buffer = editBufferOf(mid);
@@ -365,12 +365,12 @@ unsigned long EditorJobTools::storeForReceivedSysExBulk(CMA::TemporaryCoreModel*
 
   if (model == nullptr || (kindsOf(models) & ~temporary(model)->opened) != 0 ||
       (models.voice && temporary(model)->voiceNumber != (ofPart ? lo : 0))) {
-    storeError_ = "no header has opened what is to be stored there";
+    error_ = "no header has opened what is to be stored there";
     return CMA::JOB::Result_CurrentStateError;
   }
   TemporaryModel& received = *temporary(model);
   if (models.voice && models.voice->isDrum() != received.models.voice->isDrum()) {
-    storeError_ = models.voice->isDrum() ? "a normal voice does not go there" : "a drum voice does not go there";
+    error_ = models.voice->isDrum() ? "a normal voice does not go there" : "a drum voice does not go there";
     return CMA::JOB::Result_VoiceTypeError;
   }
   forEachSlot(
@@ -404,7 +404,7 @@ unsigned long EditorJobTools::storeLive(EditBuffer buffer, std::uint8_t part, co
 }
 
 unsigned long EditorJobTools::storeContent(ContentId id, const ModelSet& models) {
-  return store_.storeModels(id, nameOf(models), models, storeError_) ? CMA::JOB::Result_Success
+  return store_.storeModels(id, nameOf(models), models, error_) ? CMA::JOB::Result_Success
                                                                      : CMA::JOB::Result_UnknownError;
 }
 
@@ -419,7 +419,7 @@ unsigned long EditorJobTools::checkModeForReceivedSysExBulk(CMA::TemporaryCoreMo
     const bool full = store_.isEmpty(*id) && store_.mixingVoiceCount() >= store_.mixingVoiceMaximum();
     return full ? CMA::JOB::Result_MixingVoiceFullError : CMA::JOB::Result_Success;
   } catch (const std::exception& failure) {
-    storeError_ = failure.what();
+    error_ = failure.what();
     return CMA::JOB::Result_CurrentStateError;
   }
 }
@@ -453,14 +453,14 @@ unsigned long EditorJobTools::getWaveformContentName(std::uint32_t number, std::
 }
 
 std::uint32_t EditorJobTools::getScreenImage(std::vector<std::uint8_t>& bytes) {
-  loadError_.clear();
+  error_.clear();
   bytes.clear();
   if (!paintScreen_) return 0;
   try {
     bytes = paintScreen_();
     return 0;
   } catch (const std::exception& failure) {
-    loadError_ = failure.what();
+    error_ = failure.what();
     return 1;
   }
 }

@@ -45,22 +45,22 @@ class EditorJobTools final : public CMA::JobTools {
   EditBuffer current() const { return current_; }
 
   // Replaces live models as a footer does, and saves them. A multi brings fresh part voices where the kind of the
-  // part's voice changes. False, with nothing changed and lastStoreError() set, when the shape is another one or the
+  // part's voice changes. False, with nothing changed and lastError() set, when the shape is another one or the
   // store fails.
   bool replaceLive(EditBuffer buffer, std::uint8_t part, const ModelSet& models);
   bool replaceSystem(const ModelSet& models);
   bool replaceAdditional(const ModelSet& models);
 
   // Saves the live models that were changed since they were last saved and adds their keys to `saved`. False, with
-  // nothing saved and lastStoreError() set, when the store fails: they still count as changed.
+  // nothing saved and lastError() set, when the store fails: they still count as changed.
   bool saveChanged(std::vector<std::string>& saved);
   // Forgets what is not saved and reads all live models anew: after a transaction around a save was taken back, or
   // another program changed the store. Throws LiveModelError, nothing is changed then.
   void reload();
 
-  // Why the last load, or the last store or save, failed; empty when it did not.
-  const std::string& lastLoadError() const { return loadError_; }
-  const std::string& lastStoreError() const { return storeError_; }
+  // Why the last load, store or save failed; empty when it did not.
+  const std::string& lastError() const { return error_; }
+  void forgetErrors() { error_.clear(); }
 
   // Whether the change of a model would be echoed as MIDI now: not between suspendOutputMidi and resumeOutputMidi.
   bool isOutputSuspended() const { return suspended_ != 0; }
@@ -171,8 +171,7 @@ class EditorJobTools final : public CMA::JobTools {
   std::array<BankWatcher, kParts> bankWatchers_;
   EditBuffer current_ = EditBuffer::multi;
   int suspended_ = 0;
-  std::string loadError_;
-  std::string storeError_;
+  std::string error_;
   ScreenPainter paintScreen_;
   std::vector<std::string> waveNames_;
   std::vector<std::string> arpeggioNames_;

@@ -104,7 +104,7 @@ class EditorJobToolsTest : public testing::Test {
   const VoiceModel& partVoice(int part) { return *tools_->live(EditBuffer::partVoice, std::uint8_t(part)).voice; }
   std::vector<std::string> saveChanged() {
     std::vector<std::string> saved;
-    EXPECT_TRUE(tools_->saveChanged(saved)) << tools_->lastStoreError();
+    EXPECT_TRUE(tools_->saveChanged(saved)) << tools_->lastError();
     return saved;
   }
 
@@ -378,7 +378,7 @@ TEST_F(Load, FillsTheTemporaryModelWithTheContent) {
     store_.contents[one.id] = {"x", filled(emptySetFor(one.headerType), 5)};
     EXPECT_EQ(load(one.mid, one.lo), Result_Success) << one.mid;
     EXPECT_EQ(temporaryModels(), store_.contents[one.id].models) << one.mid;
-    EXPECT_EQ(tools_->lastLoadError(), "");
+    EXPECT_EQ(tools_->lastError(), "");
   }
 }
 
@@ -394,27 +394,27 @@ TEST_F(Load, FailsForAnEmptySlotAndLeavesTheTemporaryModel) {
   openVoice(0, false);
   const ModelSet received = receive(emptySetFor(1), 8);
   EXPECT_EQ(load(0x0A, 5), Result_UnknownError);
-  EXPECT_EQ(tools_->lastLoadError(), "nothing is stored there");
+  EXPECT_EQ(tools_->lastError(), "nothing is stored there");
   EXPECT_EQ(temporaryModels(), received);
 }
 
 TEST_F(Load, FailsForOpaqueBytesAndSaysWhy) {
   store_.opaque[kUserVoice] = "it begins with 00";
   EXPECT_EQ(load(0x0A, 5), Result_UnknownError);
-  EXPECT_EQ(tools_->lastLoadError(), "it begins with 00");
+  EXPECT_EQ(tools_->lastError(), "it begins with 00");
   EXPECT_EQ(temporaryModels(), ModelSet());
 }
 
 TEST_F(Load, FailsForAContentOfAnotherShape) {
   store_.contents[kUserDrum] = {"x", emptySetFor(1)};
   EXPECT_EQ(load(0x28, 1), Result_UnknownError);
-  EXPECT_EQ(tools_->lastLoadError(), "other models than asked for");
+  EXPECT_EQ(tools_->lastError(), "other models than asked for");
 }
 
 TEST_F(Load, FailsForAnAddressWithoutContent) {
   for (const auto& [mid, lo] : {std::pair{0x0F, 0}, {0x30, 3}, {0x5F, 0}, {0x08, 0}, {0x60, 0x32}, {0xFF, 0xFF}}) {
     EXPECT_EQ(load(mid, lo), Result_UnknownError) << mid;
-    EXPECT_EQ(tools_->lastLoadError(), "the address names no content");
+    EXPECT_EQ(tools_->lastError(), "the address names no content");
   }
 }
 
@@ -422,7 +422,7 @@ TEST_F(Load, ForgetsTheErrorWithTheNextSuccess) {
   load(0x0A, 5);
   store_.contents[kUserVoice] = {"x", emptySetFor(3)};
   EXPECT_EQ(load(0x0A, 5), Result_Success);
-  EXPECT_EQ(tools_->lastLoadError(), "");
+  EXPECT_EQ(tools_->lastError(), "");
 }
 
 // ---- Storing -------------------------------------------------------------------------------------------------------
@@ -448,7 +448,7 @@ TEST_F(Store, KeepsAReceivedContentWithItsName) {
     if (shape.remote) tools_->initTemporaryRemoteModel(temporary_);
     const ModelSet received = receive(shape, 5);
     EXPECT_EQ(footer(one.mid, one.lo), Result_Success) << one.mid;
-    EXPECT_EQ(tools_->lastStoreError(), "");
+    EXPECT_EQ(tools_->lastError(), "");
     ASSERT_EQ(store_.contents.count(one.id), 1u) << one.mid;
     EXPECT_EQ(store_.contents[one.id].models, received);
     EXPECT_EQ(store_.contents[one.id].name, nameOf(received));
@@ -474,7 +474,7 @@ TEST_F(Store, NeedsAHeaderSinceTheLastStore) {
   openVoice(0, false);
   EXPECT_EQ(footer(0x0F, 0), Result_Success);
   EXPECT_EQ(footer(0x0F, 0), Result_CurrentStateError);
-  EXPECT_EQ(tools_->lastStoreError(), "no header has opened what is to be stored there");
+  EXPECT_EQ(tools_->lastError(), "no header has opened what is to be stored there");
 }
 
 TEST_F(Store, NeedsWhatTheHeaderOfThatAddressOpens) {
@@ -517,12 +517,12 @@ TEST_F(Store, KeepsKindsOfVoicesApart) {
   openVoice(0, true);
   for (const auto& [mid, lo] : {std::pair{0x00, 0}, {0x09, 0}, {0x0A, 5}, {0x31, 2}, {0x0F, 0}, {0x30, 0}}) {
     EXPECT_EQ(footer(mid, lo), Result_VoiceTypeError) << mid;
-    EXPECT_EQ(tools_->lastStoreError(), "a drum voice does not go there");
+    EXPECT_EQ(tools_->lastError(), "a drum voice does not go there");
   }
   openVoice(0, false);
   for (const auto& [mid, lo] : {std::pair{0x20, 0}, {0x21, 0}, {0x28, 1}, {0x2F, 0}}) {
     EXPECT_EQ(footer(mid, lo), Result_VoiceTypeError) << mid;
-    EXPECT_EQ(tools_->lastStoreError(), "a normal voice does not go there");
+    EXPECT_EQ(tools_->lastError(), "a normal voice does not go there");
   }
   EXPECT_THAT(store_.contents, IsEmpty());
   EXPECT_THAT(store_.liveStores, IsEmpty());
@@ -546,7 +546,7 @@ TEST_F(Store, FailsForAnAddressThatDoesNotExist) {
   openVoice(0, false);
   for (const auto& [mid, lo] : {std::pair{0x08, 0}, {0x0F, 1}, {0x30, 16}, {0x60, 0x32}, {0xFF, 0}}) {
     EXPECT_EQ(footer(mid, lo), Result_UnknownError) << mid;
-    EXPECT_EQ(tools_->lastStoreError(), "the address names neither a content nor an edit buffer");
+    EXPECT_EQ(tools_->lastError(), "the address names neither a content nor an edit buffer");
   }
 }
 
@@ -554,11 +554,11 @@ TEST_F(Store, ThatFailsSaysWhyAndCanBeTriedAgain) {
   store_.failure = "the disk is full";
   openVoice(0, false);
   EXPECT_EQ(footer(0x0A, 5), Result_UnknownError);
-  EXPECT_EQ(tools_->lastStoreError(), "the disk is full");
+  EXPECT_EQ(tools_->lastError(), "the disk is full");
   EXPECT_THAT(store_.contents, IsEmpty());
   store_.failure.clear();
   EXPECT_EQ(footer(0x0A, 5), Result_Success);
-  EXPECT_EQ(tools_->lastStoreError(), "");
+  EXPECT_EQ(tools_->lastError(), "");
 }
 
 // ---- Edit buffers --------------------------------------------------------------------------------------------------
@@ -633,7 +633,7 @@ TEST_F(EditBuffers, StayAsTheyAreWhenTheStoreFails) {
   set(tools_->getTemporaryMultiModel(temporary_)->getPart(4)->getBankProgram(), 0, 0x7F);
   set(tools_->getTemporaryMultiModel(temporary_)->getPart(4)->getBankProgram(), 1, 0x00);
   EXPECT_EQ(footer(0x5F, 0), Result_UnknownError);
-  EXPECT_EQ(tools_->lastStoreError(), "the disk is full");
+  EXPECT_EQ(tools_->lastError(), "the disk is full");
   EXPECT_EQ(tools_->live(EditBuffer::multi), multi);
   EXPECT_FALSE(partVoice(4).isDrum());
 
@@ -670,7 +670,7 @@ TEST_F(EditBuffers, CanBeReplacedByTheEditor) {
   EXPECT_TRUE(tools_->replaceLive(EditBuffer::partVoice, 4, voice));
   EXPECT_EQ(partVoice(4), *voice.voice);
   EXPECT_FALSE(tools_->replaceLive(EditBuffer::partVoice, 5, voice)) << "part 5 plays a normal voice";
-  EXPECT_EQ(tools_->lastStoreError(), "these are no models of \"part:5\"");
+  EXPECT_EQ(tools_->lastError(), "these are no models of \"part:5\"");
   EXPECT_EQ(partVoice(5), VoiceModel(false));
 
   const ModelSet system = filled(systemSet(), 4);
@@ -739,16 +739,16 @@ TEST_F(LiveStore, SavesWhatChangesAfterAFooter) {
 
 TEST_F(LiveStore, ForgetsTheErrorWithTheNextSuccess) {
   EXPECT_EQ(footer(0x0A, 5), Result_CurrentStateError);
-  EXPECT_NE(tools_->lastStoreError(), "");
+  EXPECT_NE(tools_->lastError(), "");
   saveChanged();
-  EXPECT_EQ(tools_->lastStoreError(), "");
+  EXPECT_EQ(tools_->lastError(), "");
   EXPECT_EQ(footer(0x0A, 5), Result_CurrentStateError);
   openVoice(0, false);
   EXPECT_EQ(footer(0x0A, 5), Result_Success);
-  EXPECT_EQ(tools_->lastStoreError(), "");
+  EXPECT_EQ(tools_->lastError(), "");
   EXPECT_EQ(footer(0x0A, 5), Result_CurrentStateError);
   EXPECT_TRUE(tools_->replaceSystem(systemSet()));
-  EXPECT_EQ(tools_->lastStoreError(), "");
+  EXPECT_EQ(tools_->lastError(), "");
 }
 
 TEST_F(LiveStore, StillHasToSaveWhatFailedToBeSaved) {
@@ -757,7 +757,7 @@ TEST_F(LiveStore, StillHasToSaveWhatFailedToBeSaved) {
   std::vector<std::string> saved;
   EXPECT_FALSE(tools_->saveChanged(saved));
   EXPECT_THAT(saved, IsEmpty());
-  EXPECT_EQ(tools_->lastStoreError(), "the disk is full");
+  EXPECT_EQ(tools_->lastError(), "the disk is full");
   store_.failure.clear();
   EXPECT_THAT(saveChanged(), ElementsAre("system"));
 }
@@ -866,7 +866,7 @@ TEST_F(MixingVoices, DoNotConcernOtherAddresses) {
 TEST_F(MixingVoices, AreRefusedWhenTheStoreCannotTell) {
   store_.failure = "the file is locked";
   EXPECT_EQ(check(0x0E, 0x31, 0), Result_CurrentStateError);
-  EXPECT_EQ(tools_->lastStoreError(), "the file is locked");
+  EXPECT_EQ(tools_->lastError(), "the file is locked");
 }
 
 // ---- The rest ------------------------------------------------------------------------------------------------------
