@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 #include "BulkMessages.h"
 
@@ -64,6 +65,21 @@ class EmbeddedEditorTest : public testing::Test {
 };
 
 std::vector<std::uint16_t> shown(std::initializer_list<int> ids) { return {ids.begin(), ids.end()}; }
+
+// Makes the first page that holds nothing but `filling` after its pointer to the next page point outside the file.
+void breakChainOfPages(const std::filesystem::path& file, char filling) {
+  constexpr std::size_t kPage = 4096;
+  constexpr std::size_t kPointer = 4;
+  std::fstream library(file, std::ios::in | std::ios::out | std::ios::binary);
+  std::string page(kPage, '\0');
+  for (std::size_t at = 0; library.read(page.data(), kPage); at += kPage) {
+    if (page.find_first_not_of(filling, kPointer) != std::string::npos) continue;
+    library.seekp(std::streamoff(at));
+    library.write("\xFF\xFF\xFF\xFF", kPointer);
+    return;
+  }
+  FAIL() << file << " has no such page";
+}
 
 }  // namespace
 
@@ -171,6 +187,7 @@ TEST_F(EmbeddedEditorTest, aFileDumpIsAcceptedAndStoredByItsTrigger) {
   EXPECT_EQ(trigger.shown, shown({12, 1, 2}));
   EXPECT_EQ(trigger.outcome, Outcome::stored);
   EXPECT_THAT(trigger.contents, ElementsAre("file:multi:5"));
+  EXPECT_THAT(trigger.removed, IsEmpty());
   EXPECT_THAT(editor->openUnits(), IsEmpty());
 }
 
@@ -324,6 +341,7 @@ TEST_F(EmbeddedEditorTest, theFooterOfAnEmptyMixingVoiceStoresWhenItRemovesOne) 
   EXPECT_THAT(record.shown, IsEmpty());
   EXPECT_EQ(record.outcome, Outcome::stored);
   EXPECT_THAT(record.contents, ElementsAre("voice:mix:6"));
+  EXPECT_THAT(record.removed, ElementsAre("voice:mix:6"));
   EXPECT_THAT(another().library().contents(), IsEmpty());
 }
 
@@ -334,6 +352,7 @@ TEST_F(EmbeddedEditorTest, aTriggerThatRemovesAContentStores) {
   const Record record = send(dump({0x11, 0x00, 0x00}));
   EXPECT_EQ(record.outcome, Outcome::stored);
   EXPECT_THAT(record.contents, ElementsAre("file:multi:5"));
+  EXPECT_THAT(record.removed, ElementsAre("file:multi:5"));
   EXPECT_THAT(another().library().contents(), IsEmpty());
 }
 
@@ -459,6 +478,72 @@ TEST_F(EmbeddedEditorTest, aRefusedFileDumpDiscardsThoseHeld) {
   EXPECT_EQ(record.ended[0].state, State::discarded);
   EXPECT_THAT(record.ended[0].blocks, ElementsAre(BulkAddress{0x0C, 0x50, 0x04}));
   EXPECT_EQ(send(dump({0x11, 0x00, 0x00})).outcome, Outcome::completed);
+}
+
+TEST_F(EmbeddedEditorTest, aRefusedTriggerNamesWhatItHasNotWritten) {
+  send(dump({0x0C, 0x50, 0x04}, {0, 0, 0, 2, 0, 0x41}));
+  send(dump({0x0C, 0x50, 0x05}, {0, 0, 0, 9, 0, 0x41}));
+  const Record record = send(dump({0x11, 0x00, 0x00}));
+  EXPECT_EQ(record.outcome, Outcome::refused);
+  EXPECT_THAT(record.contents, ElementsAre("file:multi:5"));
+  EXPECT_THAT(record.reason, HasSubstr("file dump data error"));
+  EXPECT_THAT(record.reason, HasSubstr("; not written: file:multi:6 (message 2)"));
+}
+
+TEST_F(EmbeddedEditorTest, aTriggerThatDoesNotExistWritesNothing) {
+  send(dump({0x0C, 0x50, 0x04}, {0, 0, 0, 2, 0, 0x41}));
+  EXPECT_EQ(send(dump({0x11, 0x05, 0x00})).outcome, Outcome::refused);
+  ASSERT_THAT(editor->openUnits(), SizeIs(1));
+  EXPECT_EQ(editor->openUnits()[0].state, State::held);
+}
+
+TEST_F(EmbeddedEditorTest, aRefusalHasAReasonOfItsOwn) {
+  EXPECT_EQ(block({0x0F, 0x00, 0x00}).reason, "no header has opened what is to be stored there");
+  EXPECT_EQ(block({0x41, 0x00, 0x00}).reason, "no open header admits this block");
+  EXPECT_EQ(block(kFooter).reason, "it closes no open header");
+}
+
+TEST_F(EmbeddedEditorTest, aWrongLengthThatTheModuleTakesCountsAsArrived) {
+  const Bytes whole = blockDump(kElement, 1);
+  Bytes message(whole.begin(), whole.end() - 2);
+  message[5] = 0;
+  message[6] = 4;
+  message[14] = 0;  // where four bytes of data would have their checksum
+  message.insert(message.end(), {0, 0xF7});
+  block(kHeader);
+  EXPECT_EQ(send(message).outcome, Outcome::refused);
+  const Record footer = block(kFooter);
+  EXPECT_EQ(footer.outcome, Outcome::stored);
+  EXPECT_THAT(footer.missing, SizeIs(blocksOf(BDA::List::normalVoice).size() - 1));
+  EXPECT_THAT(footer.missing, testing::Not(testing::Contains(kElement)));
+}
+
+// ---- What fails without a line in the log ----
+
+TEST(Outcome, anErrorOnTheScreenAloneIsARefusal) {
+  const auto outcomeOf = [](BDA::BulkMsgType result, const Bytes& message, std::initializer_list<int> ids) {
+    const Editor::AssistantHost::Effects effects{result, shown(ids), {}, {{BDA::DevicePort_Main, {}}}};
+    return Editor::outcomeOf(effects, Editor::readMessage(message), false);
+  };
+  EXPECT_EQ(outcomeOf(BDA::BulkMsg_BulkDump, blockDump(kSystemCommon), {11, 12}), Outcome::completed);
+  EXPECT_EQ(outcomeOf(BDA::BulkMsg_BulkDump, blockDump(kSystemCommon), {11, 12, 44}), Outcome::refused);
+  EXPECT_EQ(outcomeOf(BDA::BulkMsg_BulkRequest, request(kSystemCommon), {13, 14}), Outcome::answered);
+  EXPECT_EQ(outcomeOf(BDA::BulkMsg_BulkRequest, request(kSystemCommon), {13, 14, 44}), Outcome::refused);
+  EXPECT_EQ(outcomeOf(BDA::BulkMsg_RequestSkipped, request(kHeader), {13, 14}), Outcome::nothingToSend);
+  EXPECT_EQ(outcomeOf(BDA::BulkMsg_RequestSkipped, request(kHeader), {13, 14, 44}), Outcome::refused);
+}
+
+TEST_F(EmbeddedEditorTest, aContentThatCannotBeReadIsNotAnsweredAsAnEmptyOne) {
+  const Bytes bytes(12000, 0x5A);  // too long for one page of the library
+  editor->library().store({1, 4}, bytes, "Damaged");
+  editor.reset();
+  breakChainOfPages(directory / "library.db", 0x5A);
+  editor.emplace(directory / "library.db");
+
+  const Record record = send(request({0x0C, 0x50, 0x04}));
+  EXPECT_EQ(record.outcome, Outcome::refused);
+  EXPECT_THAT(record.reason, HasSubstr("is damaged"));
+  EXPECT_EQ(block(kSystemCommon, 1).outcome, Outcome::completed);
 }
 
 TEST_F(EmbeddedEditorTest, requestsCarryTheDeviceNumberOfTheLibrary) {
