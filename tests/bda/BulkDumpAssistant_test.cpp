@@ -601,6 +601,19 @@ TEST_F(Screen, WhatIsMissingOfTheAdditionalModelIsSkipped) {
 
 class Dump : public AssistantFixture {
  protected:
+  // Not the scheduling that a priority given back to nobody would leave.
+  void SetUp() override {
+    setOwnPolicy(SCHED_BATCH);
+    AssistantFixture::SetUp();
+  }
+  void TearDown() override {
+    AssistantFixture::TearDown();
+    setOwnPolicy(SCHED_OTHER);
+  }
+  static void setOwnPolicy(int policy) {
+    const sched_param parameters{};
+    ASSERT_EQ(pthread_setschedparam(pthread_self(), policy, &parameters), 0);
+  }
   // The scheduling of this thread, which a boost must give back.
   std::string ownScheduling() const {
     int policy = -1;
@@ -631,6 +644,7 @@ TEST_F(Dump, AFooterIsStoredUnderARaisedPriority) {
   send("0E 0A 05");
   forget();
   const std::string before = ownScheduling();
+  ASSERT_EQ(before, "thread.change(3, 0, 0)");
   EXPECT_EQ(send("0F 0A 05"), BulkMsg_BulkDump);
   EXPECT_THAT(calls(),
               ElementsAre("checkMode(0F 0A 05)", "getLoadSaveFlag", "setId(12)", "set(additional.params, 0, 0, flag 1)",

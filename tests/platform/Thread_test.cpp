@@ -27,6 +27,17 @@ struct Scheduling {
   int priority = -1;
 };
 
+// Runs `body` on a thread whose scheduling is not the one that an unattached Thread tells of. Every thread may ask for
+// it.
+template <typename Body>
+void onBatchThread(Body body) {
+  std::thread([&] {
+    const sched_param parameters{};
+    ASSERT_EQ(pthread_setschedparam(pthread_self(), SCHED_BATCH, &parameters), 0);
+    body();
+  }).join();
+}
+
 struct Listener : UtilSrv::ThreadListener {
   Listener() : before(Thread::setThreadListener(this)) {}
   ~Listener() override { Thread::setThreadListener(before); }
@@ -42,38 +53,46 @@ struct Listener : UtilSrv::ThreadListener {
 };
 
 TEST(Thread, ReadsTheSchedulingOfTheAttachedThread) {
-  const Scheduling mine;
-  Thread thread;
-  thread.attach();
-  EXPECT_EQ(thread.getPolicy(), mine.policy);
-  EXPECT_EQ(thread.getPriority(), mine.priority);
+  onBatchThread([] {
+    Thread thread;
+    thread.attach();
+    EXPECT_EQ(thread.getPolicy(), SCHED_BATCH);
+    EXPECT_EQ(thread.getPriority(), 0);
+    if (!thread.change(SCHED_RR, 1, 0)) return;  // a matter of privilege
+    EXPECT_EQ(thread.getPolicy(), SCHED_RR);
+    EXPECT_EQ(thread.getPriority(), 1);
+  });
 }
 
 TEST(Thread, UnattachedItReads0AndChangesNothing) {
-  const Scheduling before;
-  Thread thread;
-  EXPECT_EQ(thread.getPolicy(), 0);
-  EXPECT_EQ(thread.getPriority(), 0);
-  EXPECT_FALSE(thread.change(2, 1, 0));
-  thread.attach();
-  thread.detach();
-  EXPECT_FALSE(thread.change(2, 1, 0));
-  EXPECT_TRUE(Scheduling() == before);
+  onBatchThread([] {
+    const auto expectUnattached = [](Thread& thread) {
+      EXPECT_EQ(thread.getPolicy(), 0);
+      EXPECT_EQ(thread.getPriority(), 0);
+      EXPECT_FALSE(thread.change(SCHED_OTHER, 0, 0));
+      EXPECT_EQ(Scheduling().policy, SCHED_BATCH);
+    };
+    Thread thread;
+    expectUnattached(thread);
+    thread.attach();
+    thread.detach();
+    expectUnattached(thread);
+  });
 }
 
 TEST(Thread, ChangeTellsWhetherTheSystemAllowedIt) {
   std::thread([] {
     Thread thread;
     thread.attach();
+    EXPECT_TRUE(thread.change(SCHED_BATCH, 0, 0));
     const Scheduling before;
-    const bool changed = thread.change(2, 1, 0);
+    EXPECT_EQ(before.policy, SCHED_BATCH);
+    const bool changed = thread.change(SCHED_RR, 1, 0);
     const Scheduling after;
-    if (changed) {
-      EXPECT_EQ(after.policy, SCHED_RR);
-      EXPECT_EQ(after.priority, 1);
-      EXPECT_TRUE(thread.change(before.policy, before.priority, 0));
-    }
-    EXPECT_TRUE(Scheduling() == before);  // without the privilege nothing happened
+    EXPECT_EQ(after.policy, changed ? SCHED_RR : SCHED_BATCH);
+    EXPECT_EQ(after.priority, changed ? 1 : 0);
+    EXPECT_TRUE(thread.change(SCHED_BATCH, 0, 0));
+    EXPECT_TRUE(Scheduling() == before);
   }).join();
 }
 
@@ -87,16 +106,18 @@ TEST(Thread, ImpossibleSchedulingIsRefused) {
 }
 
 TEST(Thread, ACopyIsAttachedToTheSameThread) {
-  Thread thread;
-  thread.attach();
-  const Thread copy(thread);
-  Thread assigned;
-  assigned = thread;
-  std::thread([&] {  // another thread's scheduling would be another number only with privileges; it must not crash
-    EXPECT_EQ(copy.getPolicy(), assigned.getPolicy());
-  })
-      .join();
-  EXPECT_EQ(copy.getPolicy(), Scheduling().policy);
+  onBatchThread([] {
+    Thread thread;
+    thread.attach();
+    const Thread copy(thread);
+    Thread assigned;
+    assigned = thread;
+    EXPECT_EQ(copy.getPolicy(), SCHED_BATCH);
+    EXPECT_EQ(assigned.getPolicy(), SCHED_BATCH);
+    EXPECT_TRUE(assigned.change(SCHED_OTHER, 0, 0));
+    EXPECT_EQ(Scheduling().policy, SCHED_OTHER);
+    EXPECT_EQ(copy.getPolicy(), SCHED_OTHER);
+  });
 }
 
 TEST(Thread, ItsListenerHearsEveryCallOfItsThreadOnly) {
