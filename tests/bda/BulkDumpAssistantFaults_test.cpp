@@ -184,9 +184,6 @@ TEST_F(Faults, FailuresAreReportedAndShownAsStated) {
       {"initMulti", 1, &Faults::storedVoice, {11, 12, 1, 2}, 0},
       {"load", 1, &Faults::masterRequest, {13, 14, 44}, 4},
       {"removeMixingVoice", 1, &Faults::mixingVoice, {1, 2}, 4},
-      {"openPort", 1, &Faults::storedVoice, {11, 12, 1, 2}, 0},  // only at construction
-      {"thread.change", 1, &Faults::storedVoice, {11, 12, 1, 2}, 0},
-      {"flush", 1, &Faults::storedVoice, {11, 12, 1, 2}, 0},
   };
   for (const Stated& row : rows) {
     assistant->init();
@@ -200,6 +197,20 @@ TEST_F(Faults, FailuresAreReportedAndShownAsStated) {
     EXPECT_EQ(shown(), row.shown) << row.call;
     EXPECT_EQ(trace().size(), row.lines) << row.call;
   }
+}
+
+TEST_F(Faults, WithoutAPortForItsMessagesNothingIsShownAndAVoiceIsStoredAllTheSame) {
+  record.fail("openPort");
+  bulkJobs.clear();
+  construct();
+  registerBridge();
+  forget();
+  storedVoice();
+  const std::vector<std::string> made = calls();
+  EXPECT_EQ(count(made, "setId"), 0);
+  EXPECT_EQ(count(made, "flush(messages)"), 0);
+  EXPECT_EQ(count(made, "store(0A 05)"), 1);
+  EXPECT_EQ(shown(), std::vector<int>{});
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ TEST_F(BulkJobs, EachRequestsTheHeaderOfItsEditBuffer) {
   }
 }
 
-TEST_F(BulkJobs, TheirRequestsAreTheFourthVirtualOperationOfTheBaseClasses) {
+TEST_F(BulkJobs, TheBaseClassesRunThemThroughTheirSendBulkRequest) {
   refuseAtTheModeCheck();
   for (CMA::JobReceiver* const job : bulkJobs)
     EXPECT_EQ(dynamic_cast<CMA::JobBulkBase&>(*job).sendBulkRequest(), CMA::JOB::Result_Success);

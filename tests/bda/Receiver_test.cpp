@@ -156,17 +156,31 @@ TEST_F(ReceiverTest, HeadersOfRemoteSettingsAndOtherFootersKeepTheirPort) {
 
 TEST_F(ReceiverTest, TheNoticeCarriesTheDeviceNumberOfTheMoment) {
   executer.result = 0x4;
-  for (int setting = 0; setting <= 17; ++setting) {
+  for (int setting = 0; setting <= 16; ++setting) {
     tools.system.utility[51] = std::uint16_t(setting);
-    EXPECT_EQ(dump("00 40 00", 5), 0x4U);
-    if (setting == 17) {
-      EXPECT_THAT(bridge.messages, IsEmpty()) << "none while OFF";
-    } else {
+    for (const std::uint32_t port : {4U, 5U}) {
+      EXPECT_EQ(dump("00 40 00", port), 0x4U);
       ASSERT_EQ(bridge.messages.size(), 1U);
       EXPECT_EQ(bridge.messages[0].bytes[2], setting == 16 ? 0x60 : 0x60 | setting);
+      bridge.messages.clear();
     }
-    bridge.messages.clear();
   }
+}
+
+TEST_F(ReceiverTest, ThereIsNoNoticeWithDeviceOff) {
+  const auto completeOnEveryWay = [this] {
+    executer.result = 0x4;
+    for (const std::uint32_t port : {4U, 5U}) EXPECT_EQ(dump("00 40 00", port), 0x4U);
+    ASSERT_NE(table.findBulkBlock({0x0E, 0x60, 0}), nullptr);
+    executer.result = 0x4000;
+    EXPECT_EQ(dump("0F 60 00", 1), 0x4000U);
+  };
+  tools.system.utility[51] = 17;
+  completeOnEveryWay();
+  EXPECT_THAT(bridge.messages, IsEmpty());
+  tools.system.utility[51] = 0;
+  completeOnEveryWay();
+  EXPECT_EQ(bridge.messages.size(), 3U);
 }
 
 TEST_F(ReceiverTest, DeviceSettingsAbove17AreSentUnmasked) {
