@@ -18,12 +18,35 @@ if(strangers)
   message(FATAL_ERROR "${LIBRARY} shows more than its three classes:\n${strangers}")
 endif()
 
-# And what an editor calls is there.
-foreach(wanted IN ITEMS "BDA::BulkDumpAssistant::receiveBulkDump(" "BDA::BulkDumpAssistant::~BulkDumpAssistant()"
-                        "BDA::BulkDumpBridge::BulkDumpBridge(" "vtable for BDA::BulkDumpBridge"
-                        "BDA::Utility::calcCheckSum(")
-  string(FIND "${output}" "${wanted}" position)
+# And all that an editor may call, or derive from, is there.
+set(assistant BDA::BulkDumpAssistant)
+set(bridge BDA::BulkDumpBridge)
+set(wanted
+    "${assistant}::BulkDumpAssistant(EvtSrv::EventPortManager*"
+    "${assistant}::BulkDumpAssistant(${assistant} const&)"
+    "${assistant}::operator=(${assistant} const&)"
+    "${assistant}::~BulkDumpAssistant()"
+    "${assistant}::registerBDABridge(${bridge}*)"
+    "${assistant}::checkBulkDumpMessage(unsigned char const*, unsigned long)"
+    "${assistant}::receiveBulkDump(unsigned char const*, unsigned long, BDA::DevicePortNum)"
+    "${assistant}::bdaLoop()"
+    "${assistant}::init()"
+    "${assistant}::checkAddress(BDA::Address const&)"
+    "${assistant}::isEditBufferFooter(BDA::Address const&)"
+    "${assistant}::showMsg(unsigned short)"
+    "${assistant}::closeMsg()"
+    "${bridge}::BulkDumpBridge(${assistant}*)"
+    "${bridge}::BulkDumpBridge(${bridge} const&)"
+    "${bridge}::operator=(${bridge} const&)"
+    "${bridge}::~BulkDumpBridge()"
+    "vtable for ${bridge}"
+    "typeinfo for ${bridge}"
+    "BDA::Utility::calcCheckSum(unsigned char const*, unsigned long)"
+    "BDA::Utility::isCorrectCheckSum(unsigned char const*, unsigned long)"
+    "BDA::Utility::getDeviceNumber(CMA::JobTools&, unsigned char*)")
+foreach(symbol IN LISTS wanted)
+  string(FIND "${output}" " ${symbol}" position)
   if(position EQUAL -1)
-    message(FATAL_ERROR "${LIBRARY} lacks ${wanted}")
+    message(FATAL_ERROR "${LIBRARY} lacks ${symbol}")
   endif()
 endforeach()
