@@ -1,5 +1,5 @@
 // Arbitrary sequences of messages into the assistant over the embedded editor: nothing is read or written outside of a
-// message, every answer is a message that a cable could carry, and afterwards a clean system dump still works.
+// message, every answer is framed as a message is, and afterwards a clean system dump still works.
 //
 // An input that begins with F0 is a raw stream. Any other is a list of commands, which reach deeper: dumps and requests
 // of addresses that exist, with the right checksum, and settings that change between them.
@@ -85,9 +85,9 @@ class Input {
   std::span<const std::uint8_t> left_;
 };
 
-class Session {
+class Instrument {
  public:
-  explicit Session(Editor::Library& library) : store_(library), work_(library), host_(store_, &work_) {}
+  explicit Instrument(Editor::Library& library) : store_(library), work_(library), host_(store_, &work_) {}
 
   void handle(const Bytes& message, std::uint32_t port) {
     // As long as the message and no longer, so that a byte read after its end is noticed.
@@ -145,40 +145,40 @@ enum Command : std::uint8_t {
   kCommandCount
 };
 
-void run(Session& session, Input input) {
+void run(Instrument& instrument, Input input) {
   std::uint32_t port = BDA::DevicePort_Main;
   while (!input.empty()) {
     switch (Command(input.byte() % kCommandCount)) {
       case kRaw:
-        session.handle(input.bytes(input.byte()), port);
+        instrument.handle(input.bytes(input.byte()), port);
         break;
       case kDump: {
         const Block& block = blocks()[input.word() % blocks().size()];
         Bytes data = input.bytes(block.dataLength == 0 ? input.byte() : block.dataLength);
         if (block.dataLength != 0) data.resize(block.dataLength);
-        session.handle(dumpOf(block, data), port);
+        instrument.handle(dumpOf(block, data), port);
         break;
       }
       case kDumpOfOtherLength:
-        session.handle(dumpOf(blocks()[input.word() % blocks().size()], input.bytes(input.byte())), port);
+        instrument.handle(dumpOf(blocks()[input.word() % blocks().size()], input.bytes(input.byte())), port);
         break;
       case kDumpOfAnyAddress: {
         const Bytes address = input.bytes(3);
         if (address.size() == 3)
-          session.handle(dumpOf({address[0], address[1], address[2], 0}, input.bytes(input.byte())), port);
+          instrument.handle(dumpOf({address[0], address[1], address[2], 0}, input.bytes(input.byte())), port);
         break;
       }
       case kRequest: {
         const Block& block = blocks()[input.word() % blocks().size()];
-        session.handle({0xF0, 0x7D, 0x20, 0x7F, 0x14, block.hi, block.mid, block.lo, 0xF7}, port);
+        instrument.handle({0xF0, 0x7D, 0x20, 0x7F, 0x14, block.hi, block.mid, block.lo, 0xF7}, port);
         break;
       }
       case kSetting: {
         const std::uint8_t which = input.byte();
         if (which % 3 == 2)
-          session.setLoading(input.byte() % 2 != 0);
+          instrument.setLoading(input.byte() % 2 != 0);
         else
-          session.set(std::uint16_t(50 + which % 3), input.byte());
+          instrument.set(std::uint16_t(50 + which % 3), input.byte());
         break;
       }
       case kPort:
@@ -187,14 +187,15 @@ void run(Session& session, Input input) {
       case kUnit: {  // a header, blocks from one place of the map on, and the footer
         const Block& header = blocks()[input.word() % blocks().size()];
         const std::size_t first = input.word();
-        session.handle(dumpOf({0x0E, header.mid, header.lo, 0}, {}), port);
-        for (std::size_t i = 0; i < input.byte() % 32U; ++i) {
+        const unsigned count = input.byte() % 32U;
+        instrument.handle(dumpOf({0x0E, header.mid, header.lo, 0}, {}), port);
+        for (unsigned i = 0; i < count; ++i) {
           const Block& block = blocks()[(first + i) % 300];
           Bytes data = input.bytes(block.dataLength);
           data.resize(block.dataLength);
-          session.handle(dumpOf(block, data), port);
+          instrument.handle(dumpOf(block, data), port);
         }
-        session.handle(dumpOf({0x0F, header.mid, header.lo, 0}, {}), port);
+        instrument.handle(dumpOf({0x0F, header.mid, header.lo, 0}, {}), port);
         break;
       }
       case kCommandCount:
@@ -209,13 +210,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const Scratch scratch;
   static Editor::Library library(scratch.file());
   const Editor::Library::Transaction unchanged(library);
-  Session session(library);
+  Instrument instrument(library);
   if (size > 0 && data[0] == BDA::kStartOfExclusive) {
     for (const Editor::MidiFile::Message& message : Editor::readMidiFile(std::span(data, size)).messages)
-      session.handle(Bytes(message.bytes.begin(), message.bytes.end()), BDA::DevicePort_Main);
+      instrument.handle(Bytes(message.bytes.begin(), message.bytes.end()), BDA::DevicePort_Main);
   } else {
-    run(session, Input(data, size));
+    run(instrument, Input(data, size));
   }
-  session.proveHealthy();
+  instrument.proveHealthy();
   return 0;
 }
