@@ -1,8 +1,9 @@
-# bda_add_test(NAME name SOURCES file... [LIBS target...] [EXHAUSTIVE])
+# bda_add_test(NAME name SOURCES file... [LIBS target...] [EXHAUSTIVE] [UNITY])
 #
 # One test program of GoogleTest, GoogleMock and RapidCheck; each TEST in it is a test of CTest named name.Suite.Test.
-# EXHAUSTIVE marks sweeps over whole ranges: their label keeps them out of all builds but the release one. A test that
-# has a cheap sample of its sweep uses #ifdef BDA_SAMPLED instead.
+# EXHAUSTIVE marks sweeps over whole ranges: builds with BDA_SAMPLED leave them out. A test that has a cheap sample of
+# its sweep uses #ifdef BDA_SAMPLED instead. UNITY compiles the sources as one, for those that share most of what they
+# include: a fraction of the time.
 include(GoogleTest)
 
 # The headers of the test libraries are half of what a test compiles: once for all of them, unless
@@ -19,25 +20,35 @@ bda_compile_test_code(bda-test-headers -O0)
 target_precompile_headers(bda-test-headers PRIVATE <gmock/gmock.h> <gtest/gtest.h> <rapidcheck/gtest.h>)
 
 function(bda_add_test)
-  cmake_parse_arguments(PARSE_ARGV 0 arg "EXHAUSTIVE" "NAME" "SOURCES;LIBS")
+  cmake_parse_arguments(PARSE_ARGV 0 arg "EXHAUSTIVE;UNITY" "NAME" "SOURCES;LIBS")
   if(NOT arg_NAME OR NOT arg_SOURCES OR arg_UNPARSED_ARGUMENTS)
-    message(FATAL_ERROR "bda_add_test(NAME name SOURCES file... [LIBS target...] [EXHAUSTIVE])")
+    message(FATAL_ERROR "bda_add_test(NAME name SOURCES file... [LIBS target...] [EXHAUSTIVE] [UNITY])")
+  endif()
+  if(arg_EXHAUSTIVE AND BDA_SAMPLED)
+    return()
   endif()
   add_executable(${arg_NAME} ${arg_SOURCES})
+  set_target_properties(${arg_NAME} PROPERTIES UNITY_BUILD ${arg_UNITY} UNITY_BUILD_BATCH_SIZE 0)
   target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBS})
   if(arg_EXHAUSTIVE)
+    set(timeout 600)
     bda_compile_test_code(${arg_NAME} -O1)
   else()
+    set(timeout 120)
     bda_compile_test_code(${arg_NAME} -O0)
     target_precompile_headers(${arg_NAME} REUSE_FROM bda-test-headers)
+  endif()
+  if(arg_UNITY)  # a fixture in an unnamed namespace is nothing odd in a file that is included
+    target_compile_options(${arg_NAME} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
   endif()
   target_include_directories(${arg_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_compile_definitions(${arg_NAME} PRIVATE $<$<BOOL:${BDA_SAMPLED}>:BDA_SAMPLED>
                                                  BDA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
-  set(properties TIMEOUT 120)
-  if(arg_EXHAUSTIVE)
-    set(properties TIMEOUT 600 LABELS exhaustive)
+  if(BDA_ONE_PIECE_TESTS)
+    add_test(NAME ${arg_NAME} COMMAND ${arg_NAME} --gtest_brief=1)
+    set_tests_properties(${arg_NAME} PROPERTIES TIMEOUT 600)
+  else()
+    gtest_discover_tests(${arg_NAME} TEST_PREFIX ${arg_NAME}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+                         PROPERTIES TIMEOUT ${timeout})
   endif()
-  gtest_discover_tests(${arg_NAME} TEST_PREFIX ${arg_NAME}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-                       PROPERTIES ${properties})
 endfunction()

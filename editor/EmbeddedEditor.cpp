@@ -37,7 +37,8 @@ bool hasFailed(const AssistantHost::Effects& effects) {
 }
 
 bool isTrigger(const Reading& reading) {
-  return reading.verdict != Reading::Verdict::unknownAddress && reading.address->hi == kTriggerHi;
+  return reading.kind == Reading::Kind::dump && reading.verdict != Reading::Verdict::unknownAddress &&
+         reading.address->hi == kTriggerHi;
 }
 
 // Whether the assistant now waits for a header again.
@@ -341,7 +342,8 @@ void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_
   } else if (isTaken && open_) {
     open_->arrive(*reading.address);
   }
-  if (isDump && isTrigger(reading) && !record.shown.empty()) endHeld(UnitReport::State::written);
+  if (record.result == BDA::BulkMsg_BulkDump && isTrigger(reading) && !record.shown.empty())
+    endHeld(UnitReport::State::written);
   if (isDump && reading.address->hi == kFileDumpHi && record.outcome == Outcome::refused &&
       lastShown(record) >= kFirstResettingId && !held_.empty())
     endHeld(UnitReport::State::discarded);

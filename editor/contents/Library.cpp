@@ -248,12 +248,8 @@ Library::Transaction::Transaction(Library& library, Access access)
   library.open_.reserve(outer_ + 1);
   library.run([&] {
     SQLite::Database& connection = library.database_->connection;
-    if (outer_ == 0)
-      connection.exec(access == Access::Write ? "BEGIN IMMEDIATE" : "BEGIN");
-    else if (library.database_->transactionLost())
-      library.fail(SQLITE_ABORT, "an earlier error has ended the transaction");
-    else
-      connection.exec("SAVEPOINT " + savepoint());
+    if (outer_ > 0) requireTransaction();
+    connection.exec(outer_ > 0 ? "SAVEPOINT " + savepoint() : access == Access::Write ? "BEGIN IMMEDIATE" : "BEGIN");
   });
   library.open_.push_back(this);
 }
@@ -271,6 +267,10 @@ Library::Transaction::~Transaction() {
     connection.tryExec("ROLLBACK TO " + savepoint() + "; RELEASE " + savepoint());
 }
 
+void Library::Transaction::requireTransaction() const {
+  if (library_.database_->transactionLost()) library_.fail(SQLITE_ABORT, "an earlier error has ended the transaction");
+}
+
 std::string Library::Transaction::savepoint() const { return "inner" + std::to_string(outer_); }
 
 void Library::Transaction::commit() {
@@ -278,7 +278,10 @@ void Library::Transaction::commit() {
   if (open.empty() || open.back() != this)
     throw std::logic_error("a transaction is committed once, after those inside it");
   library_.committed_.reserve(library_.committed_.size() + library_.pending_.size());  // no failure after the fact
-  library_.run([&] { library_.database_->connection.exec(outer_ == 0 ? "COMMIT" : "RELEASE " + savepoint()); });
+  library_.run([&] {
+    requireTransaction();
+    library_.database_->connection.exec(outer_ == 0 ? "COMMIT" : "RELEASE " + savepoint());
+  });
   open.pop_back();
   if (outer_ > 0) return;
   library_.changeCount_ += library_.pending_.size();

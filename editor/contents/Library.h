@@ -83,6 +83,7 @@ class Library {
     void commit();
 
    private:
+    void requireTransaction() const;
     std::string savepoint() const;
 
     Library& library_;

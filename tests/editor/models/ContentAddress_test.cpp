@@ -11,7 +11,7 @@
 namespace Editor {
 namespace {
 
-constexpr auto kVoice = ContSrv::ContType_Voice;
+constexpr auto kVoiceType = ContSrv::ContType_Voice;
 
 template <typename Visit>
 void forEachMidLo(Visit visit) {
@@ -23,8 +23,8 @@ std::vector<ContentId> allContents() {
   std::vector<ContentId> contents;
   for (unsigned bank = 0; bank < kBankCount; ++bank)
     for (unsigned voice = 0; voice < kVoicesPerBank[bank]; ++voice)
-      contents.push_back({kVoice, voiceContentNumber(bank, std::uint8_t(voice))});
-  for (std::uint32_t number = 0x3F8010; number <= 0x3F87FF; ++number) contents.push_back({kVoice, number});
+      contents.push_back({kVoiceType, voiceContentNumber(bank, std::uint8_t(voice))});
+  for (std::uint32_t number = 0x3F8010; number <= 0x3F87FF; ++number) contents.push_back({kVoiceType, number});
   for (std::uint32_t i = 0; i < 128; ++i) contents.push_back({ContSrv::ContType_Multi, i});
   for (std::uint32_t i = 0; i < 256; ++i) contents.push_back({kContentPerformance, i});
   for (std::uint32_t i = 0; i < 128; ++i) contents.push_back({kContentMaster, i});
@@ -55,8 +55,8 @@ TEST(ContentAddress, ThePlaceAfterABanksLastVoiceHasANumberButNoContent) {
   for (unsigned bank = 0; bank < kBankCount; ++bank) {
     const std::uint8_t count = kVoicesPerBank[bank];
     EXPECT_EQ(voiceContentNumber(bank, count), voiceContentNumber(bank, 0) + count);
-    EXPECT_FALSE(isContent({kVoice, voiceContentNumber(bank, count)})) << bank;
-    EXPECT_TRUE(isContent({kVoice, voiceContentNumber(bank, std::uint8_t(count - 1))})) << bank;
+    EXPECT_FALSE(isContent({kVoiceType, voiceContentNumber(bank, count)})) << bank;
+    EXPECT_TRUE(isContent({kVoiceType, voiceContentNumber(bank, std::uint8_t(count - 1))})) << bank;
   }
 }
 
@@ -65,7 +65,7 @@ TEST(ContentAddress, NoContentHasTheNumberOfAnUnknownBank) {
   for (unsigned bank = 16; bank < 256; ++bank)
     for (unsigned voice = 0; voice < 256; ++voice) {
       const std::uint32_t number = voiceContentNumber(bank, std::uint8_t(voice));
-      ASSERT_FALSE(isContent({kVoice, number}));
+      ASSERT_FALSE(isContent({kVoiceType, number}));
       ASSERT_NE(number, ContSrv::ContentNumber_All);
       ASSERT_TRUE(numbers.insert(number).second);
     }
@@ -89,31 +89,31 @@ TEST(ContentAddress, NumbersMixingVoicesMultiByMulti) {
   EXPECT_EQ(mixingVoiceNumber(1, 0), 0x3F8010u);
   EXPECT_EQ(mixingVoiceNumber(5, 3), 0x3F8053u);
   EXPECT_EQ(mixingVoiceNumber(127, 15), 0x3F87FFu);
-  EXPECT_FALSE(isContent({kVoice, mixingVoiceNumber(128, 0)}));
-  EXPECT_FALSE(isContent({kVoice, mixingVoiceNumber(0, 16)}));
+  EXPECT_FALSE(isContent({kVoiceType, mixingVoiceNumber(128, 0)}));
+  EXPECT_FALSE(isContent({kVoiceType, mixingVoiceNumber(0, 16)}));
 }
 
 TEST(ContentAddress, KeepsTheMixingVoicesOfMulti0AsBank15) {
   for (std::uint32_t voice = 0; voice < 16; ++voice) {
-    const ContentId known{kVoice, 0x3F3C00 + voice};
+    const ContentId known{kVoiceType, 0x3F3C00 + voice};
     EXPECT_EQ(mixingVoiceNumber(0, voice), known.number);
-    EXPECT_EQ(canonical({kVoice, 0x3F8000 + voice}), known);
+    EXPECT_EQ(canonical({kVoiceType, 0x3F8000 + voice}), known);
     EXPECT_EQ(canonical(known), known);
-    EXPECT_TRUE(isMixingVoice({kVoice, 0x3F8000 + voice}));
+    EXPECT_TRUE(isMixingVoice({kVoiceType, 0x3F8000 + voice}));
     EXPECT_TRUE(isMixingVoice(known));
-    EXPECT_TRUE(isContent({kVoice, 0x3F8000 + voice}));
-    EXPECT_EQ(headerOf(ContentId{kVoice, 0x3F8000 + voice}), (MidLo{0x31, std::uint8_t(voice)}));
+    EXPECT_TRUE(isContent({kVoiceType, 0x3F8000 + voice}));
+    EXPECT_EQ(headerOf(ContentId{kVoiceType, 0x3F8000 + voice}), (MidLo{0x31, std::uint8_t(voice)}));
     EXPECT_EQ(contentOfFileDump({std::uint8_t(0x10 + voice), 0}), known);
   }
-  EXPECT_EQ(canonical({kVoice, 0x3F8010}), (ContentId{kVoice, 0x3F8010}));
+  EXPECT_EQ(canonical({kVoiceType, 0x3F8010}), (ContentId{kVoiceType, 0x3F8010}));
   EXPECT_EQ(canonical({ContSrv::ContType_Multi, 0x3F8000}), (ContentId{ContSrv::ContType_Multi, 0x3F8000}));
 }
 
 TEST(ContentAddress, KnowsMixingVoicesFromOthers) {
-  EXPECT_TRUE(isMixingVoice({kVoice, 0x3F87FF}));
-  EXPECT_FALSE(isMixingVoice({kVoice, 0x3F8800}));
-  EXPECT_FALSE(isMixingVoice({kVoice, 0x3F3C10}));
-  EXPECT_FALSE(isMixingVoice({kVoice, 0x3F0805}));
+  EXPECT_TRUE(isMixingVoice({kVoiceType, 0x3F87FF}));
+  EXPECT_FALSE(isMixingVoice({kVoiceType, 0x3F8800}));
+  EXPECT_FALSE(isMixingVoice({kVoiceType, 0x3F3C10}));
+  EXPECT_FALSE(isMixingVoice({kVoiceType, 0x3F0805}));
   EXPECT_FALSE(isMixingVoice({ContSrv::ContType_Multi, 0x3F8020}));
 }
 
@@ -127,14 +127,14 @@ TEST(ContentAddress, KnowsDrumVoicesFromOthers) {
 }
 
 TEST(ContentAddress, HeadersNameTheirContents) {
-  EXPECT_EQ(header(0x00, 0x05), (ContentId{kVoice, 0x3F0005}));
-  EXPECT_EQ(header(0x09, 0x7F), (ContentId{kVoice, 0x00007F}));
-  EXPECT_EQ(header(0x0A, 0x05), (ContentId{kVoice, 0x3F0805}));
-  EXPECT_EQ(header(0x0C, 0x00), (ContentId{kVoice, 0x3F0A00}));
-  EXPECT_EQ(header(0x20, 0x3F), (ContentId{kVoice, 0x3F203F}));
-  EXPECT_EQ(header(0x21, 0x00), (ContentId{kVoice, 0x7F0000}));
-  EXPECT_EQ(header(0x28, 0x01), (ContentId{kVoice, 0x3F2801}));
-  EXPECT_EQ(header(0x31, 0x0F), (ContentId{kVoice, 0x3F3C0F}));
+  EXPECT_EQ(header(0x00, 0x05), (ContentId{kVoiceType, 0x3F0005}));
+  EXPECT_EQ(header(0x09, 0x7F), (ContentId{kVoiceType, 0x00007F}));
+  EXPECT_EQ(header(0x0A, 0x05), (ContentId{kVoiceType, 0x3F0805}));
+  EXPECT_EQ(header(0x0C, 0x00), (ContentId{kVoiceType, 0x3F0A00}));
+  EXPECT_EQ(header(0x20, 0x3F), (ContentId{kVoiceType, 0x3F203F}));
+  EXPECT_EQ(header(0x21, 0x00), (ContentId{kVoiceType, 0x7F0000}));
+  EXPECT_EQ(header(0x28, 0x01), (ContentId{kVoiceType, 0x3F2801}));
+  EXPECT_EQ(header(0x31, 0x0F), (ContentId{kVoiceType, 0x3F3C0F}));
   EXPECT_EQ(header(0x40, 0x11), (ContentId{kContentPerformance, 0x11}));
   EXPECT_EQ(header(0x41, 0x11), (ContentId{kContentPerformance, 0x91}));
   EXPECT_EQ(header(0x70, 0x02), (ContentId{kContentMaster, 0x02}));
@@ -226,8 +226,8 @@ TEST(ContentAddress, EveryContentHasAnAddress) {
 
 TEST(ContentAddress, KnowsNoOtherContents) {
   for (const ContentId id :
-       {ContentId{ContSrv::ContType_None, 0}, ContentId{ContSrv::ContType_Multi, 128}, ContentId{kVoice, 0x3F0B00},
-        ContentId{kVoice, 0x3F8800}, ContentId{kVoice, 0x013F0005}, ContentId{kVoice, 0xFFFFFFFF},
+       {ContentId{ContSrv::ContType_None, 0}, ContentId{ContSrv::ContType_Multi, 128}, ContentId{kVoiceType, 0x3F0B00},
+        ContentId{kVoiceType, 0x3F8800}, ContentId{kVoiceType, 0x013F0005}, ContentId{kVoiceType, 0xFFFFFFFF},
         ContentId{ContSrv::ContType_Single, 1}, ContentId{kContentPerformance, 256}, ContentId{kContentMaster, 128},
         ContentId{kContentRemote, 50}, ContentId{77, 0}}) {
     EXPECT_FALSE(isContent(id)) << id.type << ' ' << id.number;
@@ -238,7 +238,7 @@ TEST(ContentAddress, KnowsNoOtherContents) {
 
 TEST(ContentAddress, TypesOfContentsAreToldApart) {
   const std::set<ContSrv::_ContType> types{
-      ContSrv::ContType_None, ContSrv::ContType_Multi, kVoice,        ContSrv::ContType_Single,
+      ContSrv::ContType_None, ContSrv::ContType_Multi, kVoiceType,    ContSrv::ContType_Single,
       kContentPerformance,    kContentMaster,          kContentRemote};
   EXPECT_EQ(types.size(), 7u);
 }

@@ -10,7 +10,7 @@ namespace {
 
 using Paths = std::vector<std::string>;
 
-void set(ArrayGroup& group, std::uint16_t index, std::uint16_t value) { ASSERT_TRUE(group.set(&value, index, 1)); }
+void change(ArrayGroup& group, std::uint16_t index, std::uint16_t value) { ASSERT_TRUE(group.set(&value, index, 1)); }
 
 std::string kinds(const ModelSet& models) {
   std::string text;
@@ -83,10 +83,10 @@ TEST(DifferingPaths, NamesTheParameterTheNameAndNothingElse) {
   const ModelSet a = emptySetFor(1);
   ModelSet b = a;
   EXPECT_EQ(differingPaths(a, b), Paths{});
-  set(b.voice->element[3].params, 12, 1);
-  set(b.voice->type, 0, 1);
+  change(b.voice->element[3].params, 12, 1);
+  change(b.voice->type, 0, 1);
   b.multi->name.assign("x");
-  set(b.multi->part[0].extra, 6, 1);
+  change(b.multi->part[0].extra, 6, 1);
   EXPECT_EQ(differingPaths(a, b),
             (Paths{"voice.type[0]", "voice.element[3].params[12]", "multi.name", "multi.part[0].extra[6]"}));
 }
