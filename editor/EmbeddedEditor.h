@@ -7,26 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "AssistantHost.h"
+#include "Outcome.h"
 #include "cli/Units.h"
 #include "contents/ContentsWork.h"
 #include "contents/Library.h"
 #include "contents/ModelStore.h"
 
 namespace Editor {
-
-// What became of a message, in the words of the trace.
-enum class Outcome : std::uint8_t {
-  notOurs,
-  ignored,
-  refused,
-  nothingToSend,
-  answered,
-  stored,
-  accepted,
-  completed,
-};
-const char* wordOf(Outcome outcome);
 
 // What one message did. What it says of contents is on disk, but inside a Run.
 struct Record : AssistantHost::Effects {
@@ -37,13 +24,6 @@ struct Record : AssistantHost::Effects {
   std::vector<UnitReport> ended;      // units that ended with this message; the trace tells only `missing`
   std::string reason;                 // refused: why, in words
 };
-
-// What a message's effects mean: the assistant's result alone does not tell how a dump fared. `libraryChanged`: the
-// message is a footer or a trigger that stored or removed something.
-Outcome outcomeOf(const AssistantHost::Effects& effects, const Reading& reading, bool libraryChanged);
-
-// "BulkMsg_BulkDump" ...
-const char* nameOf(BDA::BulkMsgType result);
 
 // The readable name of a content: that of its header, or else of its file dump.
 std::string nameOf(ContentId content);
