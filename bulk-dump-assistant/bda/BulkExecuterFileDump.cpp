@@ -100,7 +100,6 @@ constexpr Failure<int> kFileNotClosed{{kFile, Line::ofThisSource(), kFunction},
 constexpr Failure<> kCannotRead{{kFile, Line::ofThisSource(), "BDA::BulkExecuterFileDump::getBulkDumpMessageImplement"},
                                 "Read File Dump Error !!!\n"};
 
-constexpr std::uint8_t kTriggerHi = 0x11;
 constexpr std::uint8_t kRemoveMixingVoicesMid = 0x01;
 constexpr std::uint32_t kMaxField = 0x3FFF;
 constexpr std::size_t kCountBytes = 2;
@@ -136,6 +135,28 @@ const FileDumpBlock* findBlock(std::uint32_t blockType) {
 bool isSuccess(ContSrv::_ContResult result) { return result == ContSrv::ContRes_Success; }
 bool isSuccessOrNothingToDo(ContSrv::_ContResult result) {
   return result == ContSrv::ContRes_Success || result == ContSrv::ContRes_DoNothing;
+}
+
+// A data field taken apart: the packed name and the packed file.
+struct Field {
+  std::span<const std::uint8_t> name;
+  std::span<const std::uint8_t> data;
+};
+
+// What is wrong with the field; null: nothing, and `parts` is filled.
+const Failure<>* split(std::span<const std::uint8_t> field, Field& parts) {
+  if (field.empty()) return &Write::kEmpty;
+  const auto countAt = [field](std::size_t at) {
+    return std::size_t(BulkExecuterFileDump::joinByteCount(field[at], field[at + 1]));
+  };
+  const std::size_t nameSize = field.size() < kCountBytes ? 0 : countAt(0);
+  const std::size_t dataCountAt = kCountBytes + nameSize;
+  if (dataCountAt + kCountBytes > field.size()) return &Write::kLength;
+  const std::size_t dataSize = countAt(dataCountAt);
+  const std::size_t dataAt = dataCountAt + kCountBytes;
+  if (dataAt + dataSize > field.size()) return &Write::kData;
+  parts = {field.subspan(kCountBytes, nameSize), field.subspan(dataAt, dataSize)};
+  return nullptr;
 }
 
 void append(std::vector<std::uint8_t>& field, const std::vector<std::uint8_t>& packed) {
@@ -273,7 +294,7 @@ BDAErr BulkExecuterFileDump::writeFileDumps() {
   }
   // With nothing held the store is still told of a pass, over type 0, and synchronised.
   result |= flushType(previousType, removeList);
-  work_->sync();
+  work_->sync();  // by contract its result is not looked at; the store has to remember a failure
   return result;
 }
 
@@ -295,25 +316,12 @@ BDAErr BulkExecuterFileDump::flushType(std::uint32_t contType, std::vector<std::
 
 BDAErr BulkExecuterFileDump::writeFileDump(FileDumpBuffer& buffer, std::int64_t& mixingVoiceCount,
                                            std::int64_t mixingVoiceMaximum, std::vector<std::uint32_t>& removeList) {
-  const std::vector<std::uint8_t>& field = buffer.getData();
-  if (buffer.isEmpty()) {
-    Write::kEmpty();
+  Field field;
+  if (const Failure<>* const malformed = split(buffer.getData(), field)) {
+    (*malformed)();
     return BDA_ERR;
   }
-  const auto countAt = [&field](std::size_t at) { return std::size_t(joinByteCount(field[at], field[at + 1])); };
-  const std::size_t nameSize = field.size() < kCountBytes ? 0 : countAt(0);
-  const std::size_t dataCountAt = kCountBytes + nameSize;
-  if (dataCountAt + kCountBytes > field.size()) {
-    Write::kLength();
-    return BDA_ERR;
-  }
-  const std::size_t dataSize = countAt(dataCountAt);
-  if (dataSize == 0) return removeFileDump(buffer, mixingVoiceCount, removeList);
-  const std::size_t dataAt = dataCountAt + kCountBytes;
-  if (dataAt + dataSize > field.size()) {
-    Write::kData();
-    return BDA_ERR;
-  }
+  if (field.data.empty()) return removeFileDump(buffer, mixingVoiceCount, removeList);
 
   const std::uint32_t contType = buffer.getContType();
   const std::uint32_t contNumber = buffer.getContNumber();
@@ -345,48 +353,8 @@ BDAErr BulkExecuterFileDump::writeFileDump(FileDumpBuffer& buffer, std::int64_t&
 
   // The file is open before anything is unpacked, by contract: a field that cannot be unpacked leaves the store with a
   // file on which no write has succeeded.
-  BDAErr result = BDA_OK;
-  if (nameSize > 0) {
-    bool isDecoded = false;
-    try {
-      const std::vector<std::uint8_t> packed(field.begin() + kCountBytes, field.begin() + std::ptrdiff_t(dataCountAt));
-      std::vector<std::uint8_t> name;
-      isDecoded = decode(packed, name);
-      if (isDecoded) {
-        const auto named = work_->setContentName(contType, contNumber, std::string(name.begin(), name.end()), false);
-        if (!isSuccessOrNothingToDo(named)) {
-          Write::kNoName(int(named));
-          result = BDA_ERR;
-        }
-      }
-    } catch (...) {
-      isDecoded = false;
-    }
-    if (!isDecoded) {
-      Write::kNameUndecoded();
-      result = BDA_ERR;
-    }
-  }
-  bool isDecoded = false;
-  try {
-    const auto begin = field.begin() + std::ptrdiff_t(dataAt);
-    const std::vector<std::uint8_t> packed(begin, begin + std::ptrdiff_t(dataSize));
-    std::vector<std::uint8_t> bytes;
-    isDecoded = decode(packed, bytes);
-    if (isDecoded) {
-      const std::int64_t written = data->write(bytes.data(), std::int64_t(bytes.size()));
-      if (written != std::int64_t(bytes.size())) {
-        Write::kNotWritten(int(written));
-        result = BDA_ERR;
-      }
-    }
-  } catch (...) {
-    isDecoded = false;
-  }
-  if (!isDecoded) {
-    Write::kDataUndecoded();
-    result = BDA_ERR;
-  }
+  BDAErr result = field.name.empty() ? BDA_OK : writeName(contType, contNumber, field.name);
+  result |= writeData(*data, field.data);
   if (const auto closed = file->closeDataWithoutSync(data); !isSuccess(closed)) {
     Write::kDataNotClosed(int(closed));
     result = BDA_ERR;
@@ -396,6 +364,39 @@ BDAErr BulkExecuterFileDump::writeFileDump(FileDumpBuffer& buffer, std::int64_t&
     result = BDA_ERR;
   }
   return result;
+}
+
+// Whatever is thrown on the way, by storage that runs out or by the store, counts as undecoded here and below: the file
+// is open and is to be closed.
+BDAErr BulkExecuterFileDump::writeName(std::uint32_t contType, std::uint32_t contNumber,
+                                       std::span<const std::uint8_t> packed) {
+  try {
+    std::vector<std::uint8_t> name;
+    if (decode(std::vector<std::uint8_t>(packed.begin(), packed.end()), name)) {
+      const auto named = work_->setContentName(contType, contNumber, std::string(name.begin(), name.end()), false);
+      if (isSuccessOrNothingToDo(named)) return BDA_OK;
+      Write::kNoName(int(named));
+      return BDA_ERR;
+    }
+  } catch (...) {
+  }
+  Write::kNameUndecoded();
+  return BDA_ERR;
+}
+
+BDAErr BulkExecuterFileDump::writeData(ContSrv::Data& data, std::span<const std::uint8_t> packed) {
+  try {
+    std::vector<std::uint8_t> bytes;
+    if (decode(std::vector<std::uint8_t>(packed.begin(), packed.end()), bytes)) {
+      const std::int64_t written = data.write(bytes.data(), std::int64_t(bytes.size()));
+      if (written == std::int64_t(bytes.size())) return BDA_OK;
+      Write::kNotWritten(int(written));
+      return BDA_ERR;
+    }
+  } catch (...) {
+  }
+  Write::kDataUndecoded();
+  return BDA_ERR;
 }
 
 BDAErr BulkExecuterFileDump::removeFileDump(const FileDumpBuffer& buffer, std::int64_t& mixingVoiceCount,
@@ -499,7 +500,7 @@ BDAErr BulkExecuterFileDump::readFileDump(std::vector<std::uint8_t>& field) {
     field.reserve(total);
     append(field, encodedName);
     append(field, encodedData);
-  } catch (...) {  // storage ran out, for a file of any size
+  } catch (...) {  // storage ran out: the file may be of any size
     Read::kNotRead();
     result = BDA_ERR;
   }

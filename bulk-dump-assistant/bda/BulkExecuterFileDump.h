@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -84,6 +85,8 @@ class BulkExecuterFileDump : public BulkExecuter {
   BDAErr removeMixingVoices();
   BDAErr hold(std::uint32_t contType, std::uint32_t contNumber, const std::uint8_t* data, std::uint32_t size);
   BDAErr flushType(std::uint32_t contType, std::vector<std::uint32_t>& removeList);
+  BDAErr writeName(std::uint32_t contType, std::uint32_t contNumber, std::span<const std::uint8_t> packed);
+  BDAErr writeData(ContSrv::Data& data, std::span<const std::uint8_t> packed);
   BDAErr removeFileDump(const FileDumpBuffer& buffer, std::int64_t& mixingVoiceCount,
                         std::vector<std::uint32_t>& removeList);
 
