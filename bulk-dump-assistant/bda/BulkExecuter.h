@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "Address.h"
 #include "BDAErr.h"
-#include "BulkBlock.h"
 #include "Failure.h"
 #include "Layout.h"
 

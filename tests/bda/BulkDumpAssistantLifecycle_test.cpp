@@ -6,7 +6,7 @@
 #include <thread>
 #include <type_traits>
 
-#include "BulkBlock.h"
+#include "Address.h"
 #include "bda/BulkDumpAssistant.h"
 #include "support/AssistantFixture.h"
 
