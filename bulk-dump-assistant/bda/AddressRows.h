@@ -37,6 +37,20 @@ struct Run {
 constexpr Run one(int value) { return {std::uint8_t(value), std::uint8_t(value)}; }
 constexpr Run run(int first, int last) { return {std::uint8_t(first), std::uint8_t(last)}; }
 
+// High bytes that say what a message is for.
+inline constexpr std::uint8_t kFileDumpHi = 0x0C;
+inline constexpr std::uint8_t kHeaderHi = 0x0E;
+inline constexpr std::uint8_t kFooterHi = 0x0F;
+inline constexpr std::uint8_t kTriggerHi = 0x11;  // has the file dumps that are held written
+
+// The middle byte of a mixing voice's header and footer; and what marks, in their low byte, that the voice is empty.
+inline constexpr std::uint8_t kMixingVoiceMid = 0x31;
+inline constexpr std::uint8_t kEmptyVoice = 0x40;
+
+// Block types of the voice of a multi part.
+inline constexpr std::uint32_t kPartVoiceHeader = 9;
+inline constexpr std::uint32_t kPartVoiceFooter = 27;
+
 // Where addresses are searched: every high byte routes to at most one list. Parameter blocks of the lists that name
 // header types exist only while a header of one of those types is open.
 struct Route {
@@ -51,10 +65,10 @@ struct Route {
 inline constexpr std::array kRoutes{
     Route{one(0x00), List::system},
     Route{one(0x01), List::remote, run(16, 17)},
-    Route{one(0x0C), List::fileDump},
-    Route{one(0x0E), List::header},
-    Route{one(0x0F), List::footer},
-    Route{one(0x11), List::fileDump},
+    Route{one(kFileDumpHi), List::fileDump},
+    Route{one(kHeaderHi), List::header},
+    Route{one(kFooterHi), List::footer},
+    Route{one(kTriggerHi), List::fileDump},
     Route{run(0x30, 0x31), List::performance, run(12, 13)},
     Route{run(0x32, 0x33), List::master, run(14, 15)},
     Route{run(0x34, 0x35), List::performance, run(12, 13)},
@@ -200,8 +214,6 @@ inline constexpr std::array kParameterRows{
 };
 
 // Headers and footers: each row makes a header (high byte 0E) and a footer (0F) per address.
-inline constexpr std::uint8_t kHeaderHi = 0x0E;
-inline constexpr std::uint8_t kFooterHi = 0x0F;
 inline constexpr std::array kHeaderRows{
     AddressRow{1, kHeaderHi, run(0x00, 0x07), run(0, 0x7F), 1, kByIndex},
     AddressRow{2, kHeaderHi, one(0x09), run(0, 0x7F), 1},
@@ -211,8 +223,8 @@ inline constexpr std::array kHeaderRows{
     AddressRow{7, kHeaderHi, one(0x21), one(0), 1},
     AddressRow{6, kHeaderHi, one(0x28), run(0, 0x1F), 1},
     AddressRow{8, kHeaderHi, one(0x2F), one(0), 1},
-    AddressRow{9, kHeaderHi, one(0x30), run(0, 0x0F), 1},
-    AddressRow{10, kHeaderHi, one(0x31), run(0, 0x0F), 1},
+    AddressRow{kPartVoiceHeader, kHeaderHi, one(0x30), run(0, 0x0F), 1},
+    AddressRow{10, kHeaderHi, one(kMixingVoiceMid), run(0, 0x0F), 1},
     AddressRow{11, kHeaderHi, one(0x5F), one(0), 1},
     AddressRow{12, kHeaderHi, run(0x40, 0x41), run(0, 0x7F), 1, kByIndex},
     AddressRow{13, kHeaderHi, one(0x4F), one(0), 1},
@@ -239,18 +251,18 @@ constexpr AddressRow footerOf(AddressRow header) {
 
 // File dumps.
 inline constexpr std::array kFileDumpRows{
-    AddressRow{37, 0x0C, run(0x00, 0x07), run(0, 0x7F), 60, kByIndex},
-    AddressRow{38, 0x0C, one(0x09), run(0, 0x7F), 60},
-    AddressRow{39, 0x0C, run(0x0A, 0x0C), run(0, 0x7F), 60, kByIndex},
-    AddressRow{40, 0x0C, one(0x20), run(0, 0x3F), 60},
-    AddressRow{42, 0x0C, one(0x21), one(0), 60},
-    AddressRow{41, 0x0C, one(0x28), run(0, 0x1F), 60},
-    AddressRow{43, 0x0C, one(0x31), run(0, 0x0F), 60},
-    AddressRow{44, 0x0C, run(0x10, 0x1F), run(0, 0x7F), 60, kByIndex},
-    AddressRow{45, 0x0C, one(0x50), run(0, 0x7F), 60},
-    AddressRow{46, 0x0C, one(0x7F), one(0), 60},
-    AddressRow{47, 0x11, one(0x00), one(0), 60},
-    AddressRow{47, 0x11, one(0x01), one(0), 60},
+    AddressRow{37, kFileDumpHi, run(0x00, 0x07), run(0, 0x7F), 60, kByIndex},
+    AddressRow{38, kFileDumpHi, one(0x09), run(0, 0x7F), 60},
+    AddressRow{39, kFileDumpHi, run(0x0A, 0x0C), run(0, 0x7F), 60, kByIndex},
+    AddressRow{40, kFileDumpHi, one(0x20), run(0, 0x3F), 60},
+    AddressRow{42, kFileDumpHi, one(0x21), one(0), 60},
+    AddressRow{41, kFileDumpHi, one(0x28), run(0, 0x1F), 60},
+    AddressRow{43, kFileDumpHi, one(0x31), run(0, 0x0F), 60},
+    AddressRow{44, kFileDumpHi, run(0x10, 0x1F), run(0, 0x7F), 60, kByIndex},
+    AddressRow{45, kFileDumpHi, one(0x50), run(0, 0x7F), 60},
+    AddressRow{46, kFileDumpHi, one(0x7F), one(0), 60},
+    AddressRow{47, kTriggerHi, one(0x00), one(0), 60},
+    AddressRow{47, kTriggerHi, one(0x01), one(0), 60},
 };
 
 // Favourites; every middle byte has its own executer.

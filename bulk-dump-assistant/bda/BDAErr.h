@@ -16,6 +16,7 @@ inline constexpr BDAErr BDA_ERR_NOT_FOUND = 0x84000000;          // no block has
 inline constexpr BDAErr BDA_ERR_NO_MEMORY = 0x82000000;          // storage ran out while a file dump was held
 inline constexpr BDAErr BDA_ERR_MIXING_VOICE_FULL = 0x81000000;  // more mixing voices than there may be
 
+// The flags that are named by their value are so by contract; nothing sets them.
 inline constexpr BDAErr BDA_INFO_8000 = 0x00008000;
 inline constexpr BDAErr BDA_INFO_FOOTER = 0x00004000;  // a footer stored the temporary model
 inline constexpr BDAErr BDA_INFO_2000 = 0x00002000;

@@ -12,6 +12,7 @@
 #include "CMA/JobTools.h"
 #include "CMA/MessageModelInterface.h"
 #include "ContSrv/ContSrv.h"
+#include "EditorNumbers.h"
 #include "EvtSrv/EventPort.h"
 #include "Failure.h"
 #include "JobBulkBDA.h"
@@ -51,21 +52,6 @@ constexpr Failure<> kMixingVoiceFull{{kFile, 654, kCheckAddress}, "error : mixin
 constexpr Failure<int> kUnknownCheckResult{{kFile, 660, kCheckAddress},
                                            "error : unknown jobTools check result ! [ JOB::Result = %d ]\n"};
 
-// Numbers of the messages on the editor's screen.
-enum MessageId : std::uint16_t {
-  kNoMessage = 0,
-  kStoring = 1,
-  kReceiving = 11,
-  kAnswering = 13,
-  kCheckSumErrorMessage = 40,
-  kReceiveSwitchOffMessage = 41,
-  kDeviceOffMessage = 42,
-  kWrongDeviceMessage = 43,
-  kErrorMessage = 44,
-  kModeErrorMessage = 45,
-  kMixingVoiceFullMessage = 46,
-};
-
 // What the mode check's results mean, in the order in which they are compared.
 struct ModeCheck {
   CMA::JOB::Result result;
@@ -85,13 +71,6 @@ constexpr std::array kModeChecks{
 
 constexpr std::array<std::uint8_t, 7> kEditBufferMids{0x0F, 0x2F, 0x30, 0x4F, 0x5F, 0x6F, 0x7F};
 
-constexpr std::uint8_t kFileDumpTriggerHi = 0x11;
-constexpr std::uint8_t kMixingVoiceMid = 0x31;
-constexpr std::uint8_t kEmptyVoice = 0x40;  // in the low address byte: this mixing voice is empty
-
-constexpr std::uint16_t kReceiveSwitchParameter = 50;
-constexpr int kSetFlag = 1;
-
 constexpr UtilSrv::Thread::_PolicyType kReceivePolicy = 2;
 constexpr UtilSrv::Thread::_PriorityType kReceivePriority = 1;
 constexpr unsigned char kFileIsBusy = 1;
@@ -101,8 +80,10 @@ using EmptyDump = std::array<std::uint8_t, kDumpFrame>;
 constexpr std::size_t kDeviceAt = 2;
 constexpr std::size_t kVoiceAt = 9;
 constexpr std::size_t kCheckSumAt = 10;
-constexpr EmptyDump kEmptyMixingVoiceHeader{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0x00, 0x0E, 0x31, 0xFF, 0xFF, 0xF7};
-constexpr EmptyDump kEmptyMixingVoiceFooter{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0x00, 0x0F, 0x31, 0xFF, 0xFF, 0xF7};
+constexpr EmptyDump kEmptyMixingVoiceHeader{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0x00, kHeaderHi, kMixingVoiceMid,
+                                            0xFF, 0xFF, 0xF7};
+constexpr EmptyDump kEmptyMixingVoiceFooter{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0x00, kFooterHi, kMixingVoiceMid,
+                                            0xFF, 0xFF, 0xF7};
 
 // Null when storage runs out, in the object itself or in what it is made of.
 template <typename Object, typename... Arguments>
@@ -340,8 +321,7 @@ BulkMsgType BulkDumpAssistant::receiveDump(const unsigned char* message, unsigne
     return BulkMsg_BulkDump;
   }
 
-  const bool stores =
-      (address.getHi() == kFooterHi && !isEditBufferFooter(address)) || address.getHi() == kFileDumpTriggerHi;
+  const bool stores = (address.getHi() == kFooterHi && !isEditBufferFooter(address)) || address.getHi() == kTriggerHi;
   showMsg(stores ? kStoring : kReceiving);
   if (stores) raiseReceivePriority();
 

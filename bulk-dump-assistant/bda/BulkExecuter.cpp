@@ -1,5 +1,6 @@
 #include "BulkExecuter.h"
 
+#include <algorithm>
 #include <array>
 
 #include "BulkMessage.h"

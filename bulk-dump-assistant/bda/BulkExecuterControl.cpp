@@ -1,5 +1,6 @@
 #include "BulkExecuterControl.h"
 
+#include "AddressRows.h"
 #include "BulkMessage.h"
 #include "CMA/JobTools.h"
 #include "StmcSrv/State.h"
@@ -18,7 +19,6 @@ constexpr Failure<> kNotReceiving{{kFile, Line::ofThisSource(), kFooter}, "error
 constexpr Failure<int> kCannotStore{{kFile, Line::ofThisSource(), kFooter},
                                     "error : jobTools->storeForReceivedSysExBulk()! [ret = %d]\n"};
 
-constexpr std::uint32_t kPartVoiceHeader = 9;
 constexpr std::uint32_t kMultiHeader = 11;
 
 // What a header of a type stands for.
@@ -131,6 +131,8 @@ BDAErr BulkExecuterHeader::openTemporaryModels() {
   return BDA_OK;
 }
 
+// There is one temporary model: a stored content that is asked for takes the place of what a dump in progress has
+// filled so far, and the next header that arrives the place of what was loaded. Senders keep units apart.
 BDAErr BulkExecuterHeader::loadContent() {
   if (headerTypeOf(getBlockType()).isEditBuffer) {
     setLoadSkipped(1);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "BulkMessage.h"
 #include "CMA/JobTools.h"
 #include "ContSrv/ContSrv.h"
 
@@ -58,7 +59,7 @@ BDAErr fillSlots(const Slots& slots, std::uint8_t* data, GetName getName) {
   return BDA_INFO_EDITOR;
 }
 
-// The tests that precede it, in this order.
+// What is checked before any name is asked for, in this order.
 BDAErr checkNames(std::uint32_t expected, const Slots& slots, const std::uint8_t* data, std::uint32_t length,
                   std::uint8_t isReceive, const Failure<unsigned, unsigned>& wrongLength,
                   const Failure<>& isRequestOnly) {
@@ -139,7 +140,7 @@ BDAErr BulkExecuterScreenCap::getBulkDumpMessage(std::vector<std::vector<std::ui
   BDAErr result = BDA_OK;
   const auto addMessage = [&](const Address& address, const std::vector<std::uint8_t>& data) {
     std::vector<std::uint8_t> message;
-    message.reserve(data.size() + 12);
+    message.reserve(data.size() + kDumpFrame);
     result |= writeBulkDumpHead(message);
     if (isFailure(result)) return;
     writeBulkDumpBody(message, address, data.data(), std::uint32_t(data.size()));

@@ -9,8 +9,9 @@ namespace BDA {
 // whether a content is stored there or not.
 class BulkExecuterFavorite : public BulkExecuter {
  public:
-  // `work` is the front end's; null: nothing succeeds. The block's flags are those of the contents from `first` on, as
-  // many as it has data bytes; only their first is compared with `end`, the number after the bank's last.
+  // `work` is the front end's; null: nothing succeeds. The block's flags are those of the contents from
+  // `firstNumber` on, as many as it has data bytes; only their first is compared with `endNumber`, the number after the
+  // bank's last.
   BulkExecuterFavorite(std::vector<CMA::JobReceiver*>* jobReceivers, CMA::JobTools* jobTools,
                        CMA::TemporaryCoreModel* temporaryModel, ExecuterSharedState* sharedState,
                        std::uint32_t dataLength, ContSrv::Work* work, ContSrv::_ContType contType,

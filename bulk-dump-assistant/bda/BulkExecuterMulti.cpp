@@ -1,6 +1,7 @@
 #include "BulkExecuterMulti.h"
 
 #include "CMA/JobTools.h"
+#include "EditorNumbers.h"
 #include "ModelNodes.h"
 #include "MultiLayouts.h"
 
@@ -43,8 +44,6 @@ enum BlockType : std::uint32_t {
 
 using Multi = CMA::MultiParameterModel;
 using Arpeggio = CMA::ArpeggioParameterModel;
-
-constexpr int kSetFlag = 1;
 
 void receiveVoiceSelection(Multi::PartNode& part, std::uint32_t number, const std::uint8_t* data) {
   std::uint8_t bankSelectMsb = data[1];

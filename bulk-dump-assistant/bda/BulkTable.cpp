@@ -39,8 +39,6 @@ void report(const Mismatch& mismatch, const Address& address) {
 constexpr std::uint32_t kRequestOk = 0;
 constexpr std::uint32_t kRequestRefused = 0xFFFFFFFF;
 
-constexpr std::uint32_t kPartVoiceHeader = 9;
-constexpr std::uint32_t kPartVoiceFooter = 27;
 constexpr std::uint32_t kLastHeaderType = 17;
 
 constexpr bool isHeaderType(std::uint32_t blockType) { return blockType >= 1 && blockType <= kLastHeaderType; }
@@ -84,8 +82,8 @@ struct BankRow {
   BankType type;
 };
 
-// In the order of search, which is not the order of the bank codes. Made once; later changes of the platform's table do
-// not reach it.
+// In the order of search, which is not the order of the bank codes. Made at first use: the platform's table lies in
+// another library.
 const std::array<BankRow, 17>& bankTable() {
   static const std::array<BankRow, 17> table = [] {
     constexpr CMA::BankSelect kSwallowed{0x3F, 0x32};
@@ -232,6 +230,7 @@ std::uint32_t BulkTable::getBulkBlockHolderForBulkReq(const Address& address, Bu
   }
 
   holder.push_back(block);
+  // The lookup has answered a swallowed bank, and every header type has a list: both are asked for again by contract.
   std::size_t list = listBetween(type);
   if (type == kPartVoiceHeader) {
     const std::uint32_t bank = getBankType(address.getLo());

@@ -6,10 +6,6 @@
 
 namespace BDA {
 
-inline constexpr int kInsEffectLength = 36;
-inline constexpr int kSixParamLength = 7;
-inline constexpr int kEqLength = 20;
-
 // Reverb, chorus, master effect and insertion effects. Indices 2 and 3 and byte 3 stay untouched by contract.
 constexpr auto insEffectRows(int slot) {
   return std::array{
@@ -39,14 +35,14 @@ constexpr auto eqRows(int slot) {
   };
 }
 
-inline constexpr Layout kInsEffect{kInsEffectLength, insEffectRows(0), std::array{gap(3)}};
-inline constexpr Layout kSixParam{kSixParamLength, sixParamRows(0), std::array{gap(5)}};
+inline constexpr Layout kInsEffect{36, insEffectRows(0), std::array{gap(3)}};
+inline constexpr Layout kSixParam{7, sixParamRows(0), std::array{gap(5)}};
 // The blocks of an audio input part and of a master effect, in the system as in a multi.
 inline constexpr Layout kAdPart{8, sixParamRows(0), std::array{gap(5), gap(7)}};
 enum MasterEffectSlot { masterEffect, masterEffectSettings };
 inline constexpr Layout kMasterEffect{
     38, join(insEffectRows(masterEffect), std::array{setByteParam(36, masterEffectSettings, 0)}),
     std::array{gap(3), gap(37)}};
-inline constexpr Layout kEq{kEqLength, eqRows(0), std::array{gap(7), gap(11), gap(15)}};
+inline constexpr Layout kEq{20, eqRows(0), std::array{gap(7), gap(11), gap(15)}};
 
 }  // namespace BDA

@@ -1,6 +1,7 @@
 #include "JobBulkBDA.h"
 
 #include "CMA/JobTools.h"
+#include "EditorNumbers.h"
 #include "Failure.h"
 #include "bda/BulkDumpAssistant.h"
 
@@ -10,9 +11,6 @@ namespace {
 constexpr Failure<> kJobFailed{{"..\\..\\bda\\JobBulkBDA.cpp", 125, "BDA::JobBulkTools::sendBulkReqToBDA"},
                                "Job Bulk Error !!!\n"};
 
-constexpr std::uint16_t kDeviceOffMessage = 42;
-constexpr std::uint16_t kReceiveSwitchParameter = 50;
-constexpr int kSetFlag = 1;
 constexpr std::uint8_t kOn = 1;
 
 // The receive-bulk switch of a system model, put back as it was. Without a model there is none.

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "EditorNumbers.h"
+
 namespace BDA {
 namespace {
-
-constexpr int kSetFlag = 1;  // the model tells its listeners
 
 template <typename Value>
 void setParameter(CMA::ParameterGroup& group, std::uint16_t index, unsigned value) {

@@ -3,6 +3,7 @@
 
 #include "BulkMessage.h"
 #include "CMA/JobTools.h"
+#include "EditorNumbers.h"
 #include "Failure.h"
 #include "bda/BulkDumpAssistant.h"
 
@@ -13,8 +14,6 @@ constexpr const char* kFile = "..\\..\\bda\\Utilities.cpp";
 constexpr Failure<int> kWrongLength{{kFile, 139, "BDA::Utility::calcCheckSum"},
                                     "error : wrong length ! [length = %d]\n"};
 constexpr BareMessage kTooShort{"Message is too short!!!\n"};
-
-constexpr std::uint16_t kDeviceNumberParameter = 51;
 
 std::uint64_t load(const unsigned char* bytes) {
   std::uint64_t word = 0;
