@@ -149,9 +149,11 @@ Record EmbeddedEditor::handle(std::span<const std::uint8_t> message, BDA::Device
 
 // Hands the message to the assistant, and learns what failed behind its back.
 void EmbeddedEditor::hand(Record& record, std::span<const std::uint8_t> message, BDA::DevicePortNum port) {
+  const std::uint64_t failures = library_.failureCount();
   tools().forgetErrors();
   static_cast<AssistantHost::Effects&>(record) = host_.handle(message, port);
   work_.abandonPass();
+  record.libraryFailed = library_.failureCount() != failures;
   storeError_ = work_.takeError();
   if (storeError_.empty() && hasFailed(record)) storeError_ = tools().lastError();
 }

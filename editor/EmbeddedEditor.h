@@ -23,6 +23,7 @@ struct Record : AssistantHost::Effects {
   std::vector<BulkAddress> missing;   // blocks of the unit that was stored which had not arrived
   std::vector<UnitReport> ended;      // units that ended with this message; the trace tells only `missing`
   std::string reason;                 // refused: why, in words
+  bool libraryFailed = false;         // that is why
 };
 
 // The readable name of a content: that of its header, or else of its file dump.

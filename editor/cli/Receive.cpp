@@ -77,6 +77,8 @@ class Receiving {
       if (isBroken(unit)) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
     for (const std::string& text : record.log)
       if (!text.empty()) console_.detail(fmt::format("    {}", escape(text.substr(0, text.find('\n')))));
+    if (record.libraryFailed && readMessage(message.bytes).kind == Reading::Kind::dump)
+      throw Failure(kWrongUsage, fmt::format("{}: the library failed, nothing after it is handled", placeOf(message)));
   }
 
   Record handle(const InputFiles::Message& message) {

@@ -42,7 +42,9 @@ class Restoring {
   }
 
  private:
-  [[noreturn]] static void giveUp() { throw Failure(kRefused, "nothing is restored, the library is as it was"); }
+  [[noreturn]] static void giveUp(ExitCode code = kRefused) {
+    throw Failure(code, "nothing is restored, the library is as it was");
+  }
 
   // Judges the file by itself, before any library is opened.
   void verify() {
@@ -80,7 +82,7 @@ class Restoring {
         if (record.outcome == Outcome::refused) {
           console_.problem(
               fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
-          giveUp();
+          giveUp(record.libraryFailed ? kWrongUsage : kRefused);
         }
       }
       progress.step(message.bytes.size());

@@ -216,6 +216,7 @@ Library::~Library() = default;
 
 void Library::fail(int sqliteCode, const std::string& text) const {
   using Kind = LibraryError::Kind;
+  ++failureCount_;
   const std::string name = file_.string();
   switch (sqliteCode & 0xFF) {
     case SQLITE_CANTOPEN:

@@ -130,6 +130,9 @@ class Library {
   // How many there have been since the library was opened.
   std::uint64_t changeCount() const { return changeCount_; }
 
+  // How many operations the file has failed since the library was opened.
+  std::uint64_t failureCount() const { return failureCount_; }
+
   const std::filesystem::path& file() const { return file_; }
 
  private:
@@ -147,6 +150,7 @@ class Library {
   std::vector<Change> pending_;
   std::vector<Change> committed_;
   std::uint64_t changeCount_ = 0;
+  mutable std::uint64_t failureCount_ = 0;
 };
 
 }  // namespace Editor
