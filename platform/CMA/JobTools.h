@@ -65,7 +65,11 @@ class BDA_PLATFORM_API JobTools {
   virtual unsigned long storeForReceivedSysExBulk(TemporaryCoreModel* model, std::uint8_t mid, std::uint8_t lo) = 0;
 
   // Whether a dump or a request of that address may be handled now: Result_Success; Result_UnknownError to have a
-  // dump ignored without a word (a request goes on); any other JOB::Result to have it refused.
+  // dump ignored without a word (a request goes on); any other JOB::Result to have it refused. Asked once for every
+  // message that is valid by itself and by the system's settings, before anything else of the editor is used for it, so
+  // an editor may choose here which live models the message meets. Only what empty mixing voices need comes first: the
+  // removal of one by its footer, and the look at the name of one that is requested. Where that settles the message
+  // nothing is asked here.
   virtual unsigned long checkModeForReceivedSysExBulk(TemporaryCoreModel* model, unsigned char hi, unsigned char mid,
                                                       unsigned char lo) = 0;
 
@@ -73,7 +77,8 @@ class BDA_PLATFORM_API JobTools {
   // pair has one; `number` may be the bank's count, which gives the end of its range.
   virtual std::uint32_t getVoiceContentNumber(std::uint8_t bank, std::uint8_t number) = 0;
 
-  // Around the conversion of a received block: what the models change must not be echoed as MIDI.
+  // Around every received block, also one that fails: what the models change must not be echoed as MIDI. Called in
+  // pairs, never nested.
   virtual void suspendOutputMidi() = 0;
   virtual void resumeOutputMidi() = 0;
 
@@ -85,8 +90,8 @@ class BDA_PLATFORM_API JobTools {
   // The manager that this editor's store belongs to; may be null.
   virtual EvtSrv::EventPortManager* getEventPortManager() = 0;
 
-  // Fills `bytes` with the screen's image, one byte 0-127 a pixel, 160 x 64, row by row. 0 on success. An editor
-  // without a screen leaves `bytes` empty.
+  // Fills `bytes` with the screen's image, one byte 0-127 a pixel, 160 x 64, row by row. 0 on success; any
+  // other value is a failure. An editor without a screen leaves `bytes` empty.
   virtual std::uint32_t getScreenImage(std::vector<std::uint8_t>& bytes);
 };
 

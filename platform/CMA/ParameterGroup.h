@@ -12,7 +12,8 @@ class BDA_PLATFORM_API ParameterGroup {
  public:
   virtual ~ParameterGroup();
 
-  // False, with *value untouched, when the group has no such parameter.
+  // False, with *value untouched, when the group has no such parameter, or its value does not fit: callers ask for 16
+  // bits where a parameter has them.
   virtual bool get(std::uint8_t* value, std::uint16_t index) const = 0;
   virtual bool get(std::uint16_t* value, std::uint16_t index) const = 0;
 

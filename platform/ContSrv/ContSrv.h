@@ -54,6 +54,7 @@ class BDA_PLATFORM_API Data {
   virtual std::int64_t write(const std::uint8_t* bytes, std::int64_t size) = 0;
   // The number of bytes read, less than `size` at the end or on failure.
   virtual std::int64_t read(std::uint8_t* bytes, std::int64_t size) = 0;
+  // The number of bytes that can be read; negative on failure.
   virtual std::int64_t getSize() = 0;
 };
 
@@ -86,7 +87,8 @@ class BDA_PLATFORM_API Work {
   // How many mixing voices are stored and how many there may be.
   virtual _ContResult getMixingVoiceSumSync(std::int64_t& count, std::int64_t& maximum) = 0;
 
-  // Before contents of that type are overwritten in a pass; type 0 stands for a pass without contents.
+  // After a run of contents of that type was written in a pass, and before those of it that became empty are removed.
+  // Type 0 stands for a pass without contents.
   virtual _ContResult requestOverWriteConfig(_ContType type) = 0;
   // Removing contents that are not there is ContRes_DoNothing. `sync` true: on disk when the call returns.
   virtual _ContResult removeContents(_ContType type, const std::vector<std::uint32_t>& numbers, bool sync) = 0;
@@ -97,13 +99,16 @@ class BDA_PLATFORM_API Work {
   virtual _ContResult getContentName(_ContType type, std::uint32_t number, std::string& name) = 0;
   virtual _ContResult setContentName(_ContType type, std::uint32_t number, const std::string& name, bool sync) = 0;
   // Null when the file cannot be opened; for reading also when no content is stored there. The Work owns the file.
+  // For reading, null is always answered as an empty content: an editor whose store failed has to notice that itself.
   virtual DataFile* openDataFile(const std::string& path, _OpenMode mode) = 0;
   // `mode` is 0. The file is gone afterwards, whatever the result.
   virtual _ContResult closeDataFile(DataFile* file, int mode) = 0;
-  // Everything written so far is on disk when this returns ContRes_Success.
+  // Everything written so far is on disk when this returns ContRes_Success. The bulk dump assistant ends each pass with
+  // it and does not look at the result: an editor that does not keep a failure itself reports success falsely.
   virtual _ContResult sync() = 0;
 
-  // `last` is true with the last flag of a run: the run may then be written at once.
+  // `last` is true with the last flag of a run: the run may then be written at once. After a failure no further flag of
+  // the run follows, hence no last one.
   virtual _ContResult setContentFavoriteFlag(_ContType type, std::uint32_t number, _ContFavoriteFlag flag,
                                              bool last) = 0;
   // A slot without content answers ContRes_EmptyContent and still fills in what is known of it.

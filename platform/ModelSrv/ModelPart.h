@@ -9,7 +9,8 @@ namespace ModelSrv {
 // The whole part, not one of its elements.
 inline constexpr int ModelPartIndex_All = -1;
 
-// A part of a model that holds one text: the name of a voice, of a performance, of a quick setup.
+// A part of a model that holds one text: the name of a voice, of a performance, of a quick setup. Characters are bytes,
+// ISO 8859-1. Bulk dumps carry them as they are, so one above 7F makes a dump that no cable can carry.
 class BDA_PLATFORM_API ModelPart {
  public:
   virtual ~ModelPart();

@@ -24,6 +24,7 @@ class BDA_PLATFORM_API Thread {
   Thread& operator=(const Thread& other) noexcept;
   ~Thread();
 
+  // To the calling thread, whatever it was attached to.
   void attach() noexcept;
   // 0 while not attached.
   _PolicyType getPolicy() const noexcept;
@@ -31,6 +32,7 @@ class BDA_PLATFORM_API Thread {
   // `mode` is 0: at once. False when the system refuses, for want of a privilege above all; the thread then goes on as
   // it was. Nothing is traced: running unboosted is no failure.
   bool change(_PolicyType policy, _PriorityType priority, int mode) noexcept;
+  // Leaves the thread as it is now scheduled.
   void detach() noexcept;
 
   // Tells `listener` of every call of these operations on the calling thread (null: nobody); returns the one before.

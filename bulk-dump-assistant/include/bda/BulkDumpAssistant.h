@@ -31,6 +31,17 @@ class JobMixBulkBDA;
 class JobNormalVoiceBulkBDA;
 class JobPerformanceBulkBDA;
 
+// The messages, F0 to F7:
+//
+//   bulk dump      F0 7D 0n 7F 14 BH BL AH AM AL data... checksum F7    n: device, BH BL: byte count (7 bits each),
+//   bulk request   F0 7D 2n 7F 14 AH AM AL F7                           AH AM AL: address
+//   notice         F0 7D 6n 02 F7                                       sent only: a unit is complete
+//
+// The high nibble of byte 2 is the type; only 0 and 2 are handled. Checked, in this order: F0; at least 9 bytes; 7D; 7F
+// 14, or 15 as byte 4 whatever byte 3 is; the device number; of a dump that it has 12 bytes or more, the receive-bulk
+// switch and the checksum; of a request that it has 9 bytes, and the switch. Neither the last byte nor whether data
+// bytes have 7 bits is checked.
+
 // What became of a message; the numbers are part of the contract.
 enum BulkMsgType : std::uint32_t {
   BulkMsg_BulkDump = 0,           // a valid bulk dump
@@ -85,7 +96,8 @@ class BDA_API BulkDumpBridge {
   // registerBDABridge, but must not hand it messages.
   virtual void sendSysEx(const unsigned char* message, std::uint32_t length, DevicePortNum port) = 0;
 
-  // Registers the new bridge with `assistant`; null registers nothing.
+  // Registers the new bridge with `assistant`; null registers nothing. That happens before the derived object is
+  // constructed: hand the assistant no message until its constructor has returned.
   explicit BulkDumpBridge(BulkDumpAssistant* assistant);
   // Copies register nothing.
   BulkDumpBridge(const BulkDumpBridge& other);
@@ -97,16 +109,18 @@ class BDA_API BulkDumpBridge {
 //
 // Threads: it creates none and locks nothing. Construction, bridge registration and destruction run on the editor's
 // thread, receiveBulkDump on any one thread at a time, never beside one of the others. Two assistants do not share
-// state. It throws nothing of its own: when storage runs out a message fails. An editor's services should not throw.
+// state. It throws nothing of its own: when storage runs out a message fails, of which the screen tells (44), but the
+// log only where a file dump is concerned. An editor's services should not throw.
 class BDA_API BulkDumpAssistant {
  public:
   // Nothing that is handed over changes owner, and all of it outlives the assistant; `jobTools` must not be null.
   //   eventPortManager  through which on-screen messages reach the editor; may be null
   //   jobReceivers      the jobs that the block executers may use; only passed on
   //   bulkJobs          gets the assistant's five jobs appended (normal voice, drum voice, performance, mix, master;
-  //                     null for one that could not be allocated);
-  //                     they stay the assistant's: drop them from the vector before or when the assistant goes.
-  //                     Null: they are appended nowhere
+  //                     null for one that could not be allocated). Each sends the dumps of its edit buffer on
+  //                     DevicePort_Main and answers with a CMA::JOB::Result. To run one is a call of receiveBulkDump:
+  //                     never beside another, nor from inside sendSysEx. They stay the assistant's: drop them from the
+  //                     vector before or when the assistant goes. Null: they are appended nowhere
   //   work              the contents store; null: nothing that needs it succeeds
   //   silent            true: no on-screen messages
   BulkDumpAssistant(EvtSrv::EventPortManager* eventPortManager, std::vector<CMA::JobReceiver*>* jobReceivers,
@@ -121,12 +135,14 @@ class BDA_API BulkDumpAssistant {
   // Sends from now on through `bridge`, not owned; null: nothing can be sent, and every block is refused.
   void registerBDABridge(BulkDumpBridge* bridge);
 
-  // What kind of message this is and whether the settings admit it, 0 to 11. Writes log lines, changes nothing.
+  // What kind of message this is and whether the settings admit it, 0 to 11. Writes log lines, changes nothing. Here
+  // and in receiveBulkDump `message` is only read, and only during the call; null or no bytes are BulkMsg_NotSysEx.
   BulkMsgType checkBulkDumpMessage(const unsigned char* message, unsigned long length);
 
   // Handles one complete System Exclusive message that arrived on `port`, and tells what kind of message it was, not
   // how it fared: a dump that was refused, or a request that failed, still gives BulkMsg_BulkDump and
-  // BulkMsg_BulkRequest. How it fared is on the screen and in the log.
+  // BulkMsg_BulkRequest. How it fared is on the screen and in the log. All that it does with the bridge and the
+  // editor's services is done when it returns.
   BulkMsgType receiveBulkDump(const unsigned char* message, unsigned long length, DevicePortNum port);
 
   // A hook that does nothing, whenever it is called.
@@ -138,8 +154,19 @@ class BDA_API BulkDumpAssistant {
   // Whether the editor's mode admits the address: 0, 8 (ignore it) or a failure (bit 31), which is logged and shown.
   unsigned long checkAddress(const Address& address);
   bool isEditBufferFooter(const Address& address);
-  // Replaces the on-screen message. `id` 1 also tells the editor that it is about to store.
+  // Replaces the on-screen message, by its number:
+  //   1, 2     a footer of a bank or a write trigger is being stored; that has ended, well or not
+  //   11, 12   any other dump is being received; its unit is complete or has failed, or another message takes over
+  //   13, 14   a request is being answered; that has ended, well or not
+  //   40       checksum error
+  //   41       the receive-bulk switch is off
+  //   42, 43   the device number is OFF; the message is for another one
+  //   44       any other error
+  //   45       mode error or voice type error
+  //   46       too many mixing voices
+  // 1 also tells the editor that it is about to store (CMA::AdditionalParameterModel).
   void showMsg(std::uint16_t id);
+  // Shows 2, 12 or 14 after 1, 11 or 13. Other messages stay.
   void closeMsg();
 
  private:
