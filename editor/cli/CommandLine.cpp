@@ -3,9 +3,13 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <array>
+#include <functional>
 #include <new>
+#include <string_view>
 
+#include "cli/FilesInUse.h"
 #include "cli/Verbs.h"
 
 namespace Editor {
@@ -23,61 +27,72 @@ struct Given {
   ExchangeOptions exchange;
   bool json = false;
   bool dryRun = false;
+  std::function<void()> verb;  // what to do with them
 };
+
+const CLI::Validator kFileName(
+    [](const std::string& name) { return std::string(name.empty() ? "an empty file name" : ""); }, "");
 
 constexpr const char* kMessageFiles = "Message files, .syx or .mid by content; - is standard input";
 
 void addList(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("list", "What messages a file holds, one line each");
-  verb.add_option("FILE", given.words, kMessageFiles)->required();
+  verb.add_option("FILE", given.words, kMessageFiles)->required()->check(kFileName);
   verb.add_flag("--json", given.json, "One object a line");
-  verb.callback([&] { list(given.words, given.json, program); });
+  verb.callback([&] { given.verb = [&] { list(given.words, given.json, program); }; });
 }
 
 void addVerify(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("verify", "Whether every message and every unit of a file is whole");
-  verb.add_option("FILE", given.words, kMessageFiles)->required();
+  verb.add_option("FILE", given.words, kMessageFiles)->required()->check(kFileName);
   verb.add_flag("--json", given.json, "One object a line");
-  verb.callback([&] { verify(given.words, given.json, program); });
+  verb.callback([&] { given.verb = [&] { verify(given.words, given.json, program); }; });
 }
 
 void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
   verb.add_option("--port", options.port, "The port on which the messages arrive")
-      ->check(CLI::IsMember({1, 4, 5, 6}))
+      ->check([](const std::string& port) {
+        constexpr std::array kPorts{"1", "4", "5", "6"};
+        const bool isPort = std::find(kPorts.begin(), kPorts.end(), port) != kPorts.end();
+        return isPort ? std::string() : fmt::format("\"{}\": expected 1, 4, 5 or 6", port);
+      })
       ->capture_default_str();
   verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->check(kFileName);
 }
 
 void addReceive(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("receive", "Feed messages to the library's instrument");
-  verb.add_option("FILE", given.words, kMessageFiles)->required();
+  verb.add_option("FILE", given.words, kMessageFiles)->required()->check(kFileName);
   verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
-      ->type_name("ANSWERS");
+      ->type_name("ANSWERS")
+      ->check(kFileName);
   addExchangeOptions(verb, given.exchange);
-  verb.callback([&] { receive(given.words, given.exchange, program); });
+  verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, program); }; });
 }
 
 void addRequest(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("request", "Ask the library's instrument for dumps, as .syx");
   verb.add_option("ADDRESS", given.words, "Three hex bytes or names; system means all system blocks")->required();
   verb.add_option("-o,--output", given.exchange.output, "Where the dumps go; default standard output")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->check(kFileName);
   addExchangeOptions(verb, given.exchange);
-  verb.callback([&] { request(given.words, given.exchange, program); });
+  verb.callback([&] { given.verb = [&] { request(given.words, given.exchange, program); }; });
 }
 
 void addShow(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("show", "The parameters of a target");
   verb.add_option("TARGET", given.words, "system, additional, or a header or file dump")->required();
   verb.add_flag("--json", given.json, "One object, as apply reads it");
-  verb.callback([&] { show(given.words, given.json, program); });
+  verb.callback([&] { given.verb = [&] { show(given.words, given.json, program); }; });
 }
 
 void addApply(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("apply", "Replace a whole target by what show --json printed");
   verb.add_option("TARGET FILE", given.words, "A target as for show, and its JSON; - is standard input")->required();
-  verb.callback([&] { apply(given.words, program); });
+  verb.callback([&] { given.verb = [&] { apply(given.words, program); }; });
 }
 
 void addSettings(CLI::App& app, Given& given, Program& program) {
@@ -85,57 +100,70 @@ void addSettings(CLI::App& app, Given& given, Program& program) {
       *app.add_subcommand("settings", "The settings of the library: device-number, receive-bulk, mixing-voices");
   verb.add_option("NAME", given.setting, "Which; default all");
   verb.add_option("VALUE", given.value, "Its new value");
-  verb.callback([&] { settings(given.setting, given.value, program); });
+  verb.callback([&] { given.verb = [&] { settings(given.setting, given.value, program); }; });
 }
 
 void addContents(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("contents", "What the library holds, by bank");
   verb.add_flag("--json", given.json, "One object a line");
-  verb.callback([&] { contents(given.json, program); });
+  verb.callback([&] { given.verb = [&] { contents(given.json, program); }; });
 }
 
 void addBackup(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("backup", "The whole library as messages that restore takes");
-  verb.add_option("-o,--output", given.output, "Where it goes; - is standard output")->type_name("FILE")->required();
-  verb.callback([&] { backup(given.output, program); });
+  verb.add_option("-o,--output", given.output, "Where it goes; - is standard output")
+      ->type_name("FILE")
+      ->required()
+      ->check(kFileName);
+  verb.callback([&] {
+    given.verb = [&] {
+      program.requireLibrary();
+      backup(given.output, program);
+    };
+  });
 }
 
 void addRestore(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("restore", "Receive all messages of a file into the library, or none");
-  verb.add_option("FILE", given.file, "A backup, or any message file; - is standard input")->required();
+  verb.add_option("FILE", given.file, "A backup, or any message file; - is standard input")
+      ->required()
+      ->check(kFileName);
   verb.add_flag("--dry-run", given.dryRun, "Say what would change, and change nothing");
-  verb.callback([&] { restore(given.file, given.dryRun, program); });
+  verb.callback([&] { given.verb = [&] { restore(given.file, given.dryRun, program); }; });
 }
 
 void addDiff(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("diff", "What two libraries or message files do not have in common");
-  verb.add_option("A", given.file, "A library, or a message file; - is standard input")->required();
-  verb.add_option("B", given.secondFile, "The same")->required();
-  verb.callback([&] { diff(given.file, given.secondFile, program); });
+  verb.add_option("A", given.file, "A library, or a message file; - is standard input")->required()->check(kFileName);
+  verb.add_option("B", given.secondFile, "The same")->required()->check(kFileName);
+  verb.callback([&] { given.verb = [&] { diff(given.file, given.secondFile, program); }; });
 }
 
 void addRename(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("rename", "Name a content or an edit buffer");
   verb.add_option("ADDRESS NAME", given.words, "A header or file dump, and up to 20 characters of ASCII")->required();
-  verb.callback([&] { rename(given.words, program); });
+  verb.callback([&] { given.verb = [&] { rename(given.words, program); }; });
 }
 
 void addFavourite(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("favourite", "Make a voice a favourite, or no longer");
   verb.add_option("ADDRESS on|off", given.words, "A voice or drum voice of a bank; on or off")->required();
-  verb.callback([&] { favourite(given.words, program); });
+  verb.callback([&] { given.verb = [&] { favourite(given.words, program); }; });
 }
 
 void addRemove(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("remove", "Remove contents: all that are named, or none");
   verb.add_option("ADDRESS", given.words, "Headers or file dumps")->required();
-  verb.callback([&] { remove(given.words, program); });
+  verb.callback([&] { given.verb = [&] { remove(given.words, program); }; });
 }
 
 void addScreen(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("screen", "A picture of the editor's screen");
-  verb.add_option("-o,--output", given.output, "A PNG file; - is standard output")->type_name("FILE")->required();
-  verb.callback([&] { screen(given.output, program); });
+  verb.add_option("-o,--output", given.output, "A PNG file; - is standard output")
+      ->type_name("FILE")
+      ->required()
+      ->check(kFileName);
+  verb.callback([&] { given.verb = [&] { screen(given.output, program); }; });
 }
 
 // In the order of --help.
@@ -159,11 +187,13 @@ void addCommonOptions(CLI::App& app, Program& program) {
   app.add_option_function<std::string>(
          "--library", [&program](const std::string& file) { program.setLibraryFile(file); },
          "The library; default $BDA_LIBRARY, $XDG_DATA_HOME/bda/library.db, ~/.local/share/bda/library.db")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->check(kFileName);
   app.add_option_function<std::string>(
          "--names", [&program](const std::string& file) { program.setNameFile(file); },
          "The names of waveforms and arpeggios; default the library's name with .names behind it, if there is such")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->check(kFileName);
   CLI::Option* const verbose = app.add_flag_callback(
       "-v,--verbose", [&program] { program.console.setLoudness(Console::Loudness::verbose); }, "Say more");
   app.add_flag_callback(
@@ -172,7 +202,40 @@ void addCommonOptions(CLI::App& app, Program& program) {
       ->excludes(verbose);
 }
 
+// "--trace=$UNSET a.syx" would take the file that follows for the option's.
+void refuseEmptyValues(int argc, const char* const* argv) {
+  for (int i = 1; i < argc && std::string_view(argv[i]) != "--"; ++i) {
+    const std::string_view word = argv[i];
+    if (word.substr(0, 2) == "--" && word.find('=') == word.size() - 1)
+      throw Failure(kWrongUsage, fmt::format("{}: an empty value (bda --help tells more)", escape(word)));
+  }
+}
+
+// What is written must be no file that the run needs, nor be written twice.
+void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
+  const std::string& output = given.output.empty() ? given.exchange.output : given.output;
+  const std::string& trace = given.exchange.trace;
+  if (output.empty() && trace.empty()) return;
+  FilesInUse files;
+  files.addLibrary(program.libraryFile());
+  files.add(program.nameFile(), "these are the names of waveforms and arpeggios");
+  if (readsFiles)
+    for (const std::string& file : given.words) files.add(file, "this is also an input");
+  if (!output.empty()) files.addOutput(output, "-o");
+  if (!trace.empty()) files.addOutput(trace, "--trace");
+}
+
+// Why the command line could not be read.
+std::string whyNotRead(const CLI::App& app, const CLI::ParseError& error) {
+  const Words unknown = app.get_subcommands().empty() ? app.remaining() : Words();
+  if (unknown.empty()) return escape(error.what());
+  const bool isOption = unknown.front().substr(0, 1) == "-";
+  return fmt::format("there is no {} {}", isOption ? "option" : "verb",
+                     isOption ? escape(unknown.front()) : fmt::format("\"{}\"", escape(unknown.front())));
+}
+
 int run(int argc, const char* const* argv, Program& program) {
+  refuseEmptyValues(argc, argv);
   CLI::App app("Receives, keeps and answers MIDI System Exclusive bulk dumps.", "bda");
   app.footer(kAddresses);
   app.require_subcommand(1);
@@ -184,12 +247,10 @@ int run(int argc, const char* const* argv, Program& program) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);  // --help, --version
-    const Words unknown = app.get_subcommands().empty() ? app.remaining() : Words();
-    throw Failure(kWrongUsage,
-                  fmt::format("{} (bda --help tells more)",
-                              unknown.empty() ? escape(error.what())
-                                              : fmt::format("there is no verb \"{}\"", escape(unknown.front()))));
+    throw Failure(kWrongUsage, fmt::format("{} (bda --help tells more)", whyNotRead(app, error)));
   }
+  checkOutputs(given, program, app.got_subcommand("receive"));
+  given.verb();
   return program.exitCode();
 }
 
@@ -206,7 +267,7 @@ int runProgram(int argc, const char* const* argv) {
   } catch (const std::bad_alloc&) {
     program.console.problem("bda: out of memory");
   } catch (const std::exception& error) {
-    program.console.problem(fmt::format("bda: {}", error.what()));
+    program.console.problem(fmt::format("bda: {}", escape(error.what())));
   }
   if (!program.console.finish()) {
     program.console.problem("bda: standard output could not be written");

@@ -18,15 +18,22 @@ namespace Editor {
 namespace {
 
 constexpr std::size_t kBufferSize = 1 << 16;
+constexpr int kMostLinks = 40;
 
-// Where the file really is: a link is followed, the file that it names is replaced.
+}  // namespace
+
 std::string followLinks(const std::string& path) {
   std::error_code error;
   const std::filesystem::path real = std::filesystem::canonical(path, error);
-  return error ? path : real.string();
+  if (!error) return real.string();
+  std::filesystem::path place = path;
+  for (int links = 0; links < kMostLinks && !std::filesystem::exists(place, error); ++links) {
+    const std::filesystem::path target = std::filesystem::read_symlink(place, error);
+    if (error) break;  // no link: the name of a file to be
+    place = place.parent_path() / target;
+  }
+  return place.string();
 }
-
-}  // namespace
 
 OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
   if (isStandardOutput()) return;
@@ -73,7 +80,12 @@ void OutputFile::flush() {
   for (std::size_t done = 0; done < buffer_.size();) {
     const ssize_t count = ::write(descriptor, buffer_.data() + done, buffer_.size() - done);
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) fail("write");
+    if (count < 0) {
+      const int reason = errno;
+      buffer_.erase(0, done);  // or another commit would write it twice
+      errno = reason;
+      fail("write");
+    }
     done += static_cast<std::size_t>(count);
   }
   buffer_.clear();

@@ -6,8 +6,12 @@
 
 namespace Editor {
 
+// Where the file really is, or would be: a link is followed, also one that names nothing yet.
+std::string followLinks(const std::string& path);
+
 // A file that comes into being whole or not at all: written beside its place, on disk before it takes it. "-" is
-// standard output, which gets the bytes when they are committed. Errors are thrown as Failure.
+// standard output, which gets the bytes when they are committed. A link is followed: the file that it names is written.
+// Errors are thrown as Failure.
 class OutputFile {
  public:
   explicit OutputFile(std::string path);

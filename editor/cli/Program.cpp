@@ -34,15 +34,25 @@ std::string Program::libraryFile() const {
   throw Failure(kWrongUsage, "no library: name one with --library or in BDA_LIBRARY");
 }
 
-std::unique_ptr<EmbeddedEditor> Program::openEditor(const std::string& file) const {
+void Program::requireLibrary() const {
+  std::error_code error;
+  const std::string file = libraryFile();
+  if (!std::filesystem::exists(file, error))
+    throw Failure(kUnusableInput, fmt::format("{}: there is no such library", escape(file)));
+}
+
+std::unique_ptr<EmbeddedEditor> Program::openEditor(const std::string& file) {
+  std::error_code error;
+  const bool isNew = !std::filesystem::exists(file, error);
   try {
     auto editor = std::make_unique<EmbeddedEditor>(file);
     giveNames(editor->tools(), names_.empty() ? file + ".names" : names_, !names_.empty());
+    if (isNew) console.note(fmt::format("{}: new library", escape(file)));
     return editor;
   } catch (const LibraryError& error) {
     throw Failure(kUnusableInput, escape(error.what()));
   } catch (const LiveModelError& error) {
-    throw Failure(kUnusableInput, fmt::format("{}: {}", escape(file), error.what()));
+    throw Failure(kUnusableInput, fmt::format("{}: {}", escape(file), escape(error.what())));
   }
 }
 

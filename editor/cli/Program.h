@@ -17,11 +17,14 @@ class Program {
   // The library that the command line, the environment or the default names.
   std::string libraryFile() const;
   void setLibraryFile(const std::string& file) { library_ = file; }
+  // Throws Failure (kUnusableInput) unless there is one: for a verb that has no use for a new one.
+  void requireLibrary() const;
   // The names of waveforms and arpeggios; without it the file beside the library, or else the built-in ones.
   void setNameFile(const std::string& file) { names_ = file; }
-  // Opens it, or `file`. Throws Failure (kUnusableInput).
-  std::unique_ptr<EmbeddedEditor> openEditor() const { return openEditor(libraryFile()); }
-  std::unique_ptr<EmbeddedEditor> openEditor(const std::string& file) const;
+  std::string nameFile() const { return names_.empty() ? libraryFile() + ".names" : names_; }
+  // Opens it, or `file`; one that does not exist is created, and that is told. Throws Failure (kUnusableInput).
+  std::unique_ptr<EmbeddedEditor> openEditor() { return openEditor(libraryFile()); }
+  std::unique_ptr<EmbeddedEditor> openEditor(const std::string& file);
 
   // Something was refused or is broken: the run goes on, and ends with this.
   void refuse() { exitCode_ = kRefused; }

@@ -405,7 +405,7 @@ unsigned long EditorJobTools::storeLive(EditBuffer buffer, std::uint8_t part, co
 
 unsigned long EditorJobTools::storeContent(ContentId id, const ModelSet& models) {
   return store_.storeModels(id, nameOf(models), models, error_) ? CMA::JOB::Result_Success
-                                                                     : CMA::JOB::Result_UnknownError;
+                                                                : CMA::JOB::Result_UnknownError;
 }
 
 unsigned long EditorJobTools::checkModeForReceivedSysExBulk(CMA::TemporaryCoreModel* /*model*/, unsigned char hi,
