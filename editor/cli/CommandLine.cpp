@@ -19,6 +19,7 @@ namespace {
 // The words of the command line, whichever verb they are for: only one runs.
 struct Given {
   Words words;
+  std::string never;
   std::string file;
   std::string secondFile;
   std::string output;
@@ -35,16 +36,23 @@ const CLI::Validator kFileName(
 
 constexpr const char* kMessageFiles = "Message files, .syx or .mid by content; - is standard input";
 
+CLI::Option* addWords(CLI::App& verb, const std::string& name, const std::string& description, Given& given) {
+  CLI::Option* const words = verb.add_option(name, given.words, description)->required();
+  // Never gets a word: as long as a verb misses one, words that begin with - may follow its --.
+  verb.add_option("LAST", given.never)->group("");
+  return words;
+}
+
 void addList(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("list", "What messages a file holds, one line each");
-  verb.add_option("FILE", given.words, kMessageFiles)->required()->check(kFileName);
+  addWords(verb, "FILE", kMessageFiles, given)->check(kFileName);
   verb.add_flag("--json", given.json, "One object a line");
   verb.callback([&] { given.verb = [&] { list(given.words, given.json, program); }; });
 }
 
 void addVerify(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("verify", "Whether every message and every unit of a file is whole");
-  verb.add_option("FILE", given.words, kMessageFiles)->required()->check(kFileName);
+  addWords(verb, "FILE", kMessageFiles, given)->check(kFileName);
   verb.add_flag("--json", given.json, "One object a line");
   verb.callback([&] { given.verb = [&] { verify(given.words, given.json, program); }; });
 }
@@ -64,7 +72,7 @@ void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
 
 void addReceive(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("receive", "Feed messages to the library's instrument");
-  verb.add_option("FILE", given.words, kMessageFiles)->required()->check(kFileName);
+  addWords(verb, "FILE", kMessageFiles, given)->check(kFileName);
   verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
       ->type_name("ANSWERS")
       ->check(kFileName);
@@ -74,7 +82,7 @@ void addReceive(CLI::App& app, Given& given, Program& program) {
 
 void addRequest(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("request", "Ask the library's instrument for dumps, as .syx");
-  verb.add_option("ADDRESS", given.words, "Three hex bytes or names; system means all system blocks")->required();
+  addWords(verb, "ADDRESS", "Three hex bytes or names; system means all system blocks", given);
   verb.add_option("-o,--output", given.exchange.output, "Where the dumps go; default standard output")
       ->type_name("FILE")
       ->check(kFileName);
@@ -84,14 +92,14 @@ void addRequest(CLI::App& app, Given& given, Program& program) {
 
 void addShow(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("show", "The parameters of a target");
-  verb.add_option("TARGET", given.words, "system, additional, or a header or file dump")->required();
+  addWords(verb, "TARGET", "system, additional, or a header or file dump", given);
   verb.add_flag("--json", given.json, "One object, as apply reads it");
   verb.callback([&] { given.verb = [&] { show(given.words, given.json, program); }; });
 }
 
 void addApply(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("apply", "Replace a whole target by what show --json printed");
-  verb.add_option("TARGET FILE", given.words, "A target as for show, and its JSON; - is standard input")->required();
+  addWords(verb, "TARGET FILE", "A target as for show, and its JSON; - is standard input", given);
   verb.callback([&] { given.verb = [&] { apply(given.words, program); }; });
 }
 
@@ -141,19 +149,19 @@ void addDiff(CLI::App& app, Given& given, Program& program) {
 
 void addRename(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("rename", "Name a content or an edit buffer");
-  verb.add_option("ADDRESS NAME", given.words, "A header or file dump, and up to 20 characters of ASCII")->required();
+  addWords(verb, "ADDRESS NAME", "A header or file dump, and up to 20 characters of ASCII", given);
   verb.callback([&] { given.verb = [&] { rename(given.words, program); }; });
 }
 
 void addFavourite(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("favourite", "Make a voice a favourite, or no longer");
-  verb.add_option("ADDRESS on|off", given.words, "A voice or drum voice of a bank; on or off")->required();
+  addWords(verb, "ADDRESS on|off", "A voice or drum voice of a bank; on or off", given);
   verb.callback([&] { given.verb = [&] { favourite(given.words, program); }; });
 }
 
 void addRemove(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("remove", "Remove contents: all that are named, or none");
-  verb.add_option("ADDRESS", given.words, "Headers or file dumps")->required();
+  addWords(verb, "ADDRESS", "Headers or file dumps", given);
   verb.callback([&] { given.verb = [&] { remove(given.words, program); }; });
 }
 

@@ -42,8 +42,8 @@ void Program::requireLibrary() const {
 }
 
 std::unique_ptr<EmbeddedEditor> Program::openEditor(const std::string& file) {
-  std::error_code error;
-  const bool isNew = !std::filesystem::exists(file, error);
+  std::error_code unknown;
+  const bool isNew = !std::filesystem::exists(file, unknown);
   try {
     auto editor = std::make_unique<EmbeddedEditor>(file);
     giveNames(editor->tools(), names_.empty() ? file + ".names" : names_, !names_.empty());

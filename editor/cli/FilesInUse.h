@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace Editor {
+
+// The files of one run, so that none that is needed is overwritten. A file is the same one by whatever path or link;
+// devices and pipes are no files here. "-" is standard input, or standard output.
+class FilesInUse {
+ public:
+  // The file is kept or read: `what` says so in words, "this is the library".
+  void add(const std::string& path, const std::string& what);
+  // The library, with what SQLite puts beside it.
+  void addLibrary(const std::string& path);
+  // `option` writes the file; it counts as in use from now on. Throws Failure (kWrongUsage) when it was before.
+  void addOutput(const std::string& path, const std::string& option);
+
+ private:
+  struct File {
+    std::string path;  // absolute, links followed
+    unsigned long device = 0;
+    unsigned long inode = 0;  // 0: it does not exist
+    std::string what;
+  };
+  static bool identify(const std::string& path, int standardStream, File& file);
+
+  std::vector<File> files_;
+};
+
+}  // namespace Editor
