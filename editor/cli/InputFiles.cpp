@@ -23,27 +23,34 @@ bool isBroken(const MidiFile& midi) {
 
 InputFiles::InputFiles(const std::vector<std::string>& paths) {
   for (const std::string& path : paths) {
-    const std::string name = path == "-" ? "standard input" : escape(path);
     std::string error;
     const auto bytes = loadBytes(path, error);
-    if (!bytes) throw Failure(kUnusableInput, fmt::format("{}: {}", name, error));
-    files_.push_back({name, readMidiFile(*bytes)});
+    if (!bytes) throw Failure(kUnusableInput, fmt::format("{}: {}", displayName(path), error));
+    files_.push_back({path, readMidiFile(*bytes)});
     const MidiFile& midi = files_.back().midi;
     if (!midi.messages.empty()) continue;
     Console console;
     reportLosses(console);
-    throw Failure(kUnusableInput, fmt::format("{}: no System Exclusive message in it", name));
+    throw Failure(kUnusableInput, fmt::format("{}: no System Exclusive message in it", displayName(path)));
   }
 }
 
 bool InputFiles::reportLosses(Console& console) const {
   bool whole = true;
   for (const File& file : files_) {
+    const std::string name = displayName(file.name);
     for (const MidiFile::Error& error : file.midi.errors)
-      console.problem(fmt::format("{}: offset {}: {}", file.name, error.offset, error.text));
-    for (const MidiFile::Dropped& dropped : file.midi.dropped)
-      console.problem(fmt::format("{}: offset {}: {} byte{} dropped, {}", file.name, dropped.offset, dropped.count,
-                                  dropped.count == 1 ? "" : "s", describe(dropped.reason)));
+      console.problem(fmt::format("{}: offset {}: {}", name, error.offset, error.text));
+    std::uint64_t realTime = 0;  // a clock sends one every few milliseconds
+    for (const MidiFile::Dropped& dropped : file.midi.dropped) {
+      const bool isRealTime = dropped.reason == StreamJoiner::Reason::RealTime;
+      if (isRealTime) realTime += dropped.count;
+      const std::string line = fmt::format("{}: offset {}: {} byte{} dropped, {}", name, dropped.offset, dropped.count,
+                                           dropped.count == 1 ? "" : "s", describe(dropped.reason));
+      isRealTime ? console.detail(line) : console.problem(line);
+    }
+    if (realTime > 0)
+      console.problem(fmt::format("{}: {} real-time byte{} dropped", name, realTime, realTime == 1 ? "" : "s"));
     whole = whole && !isBroken(file.midi);
   }
   return whole;
@@ -55,8 +62,10 @@ std::uint64_t InputFiles::countMessages() const {
   return count;
 }
 
+std::string displayName(const std::string& file) { return file == "-" ? "standard input" : escape(file); }
+
 std::string placeOf(const InputFiles::Message& message) {
-  return fmt::format("{}: message {} at offset {}", message.file, message.number, message.offset);
+  return fmt::format("{}: message {} at offset {}", displayName(message.file), message.number, message.offset);
 }
 
 }  // namespace Editor

@@ -13,8 +13,8 @@ namespace Editor {
 class InputFiles {
  public:
   struct Message {
-    std::uint64_t number;  // from 1, through all files
-    const std::string& file;
+    std::uint64_t number;     // from 1, through all files
+    const std::string& file;  // as it was named
     std::uint64_t offset;
     std::span<const std::uint8_t> bytes;
   };
@@ -43,6 +43,9 @@ class InputFiles {
   };
   std::vector<File> files_;
 };
+
+// The name of a file for people: "standard input" for "-", without control characters.
+std::string displayName(const std::string& file);
 
 // "a.syx: message 7 at offset 1200", the beginning of every line about a message.
 std::string placeOf(const InputFiles::Message& message);

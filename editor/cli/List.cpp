@@ -38,14 +38,16 @@ Json toJson(const InputFiles::Message& message, const Reading& reading) {
 Json toJson(const UnitReport& unit) {
   Json blocks = Json::array();
   for (const BulkAddress block : unit.blocks) blocks.push_back(formatAddress(block));
-  return Json{{"unit", nameOrBytes(unit.address)}, {"address", formatAddress(unit.address)},
-              {"state", wordOf(unit.state)},       {"firstMessage", unit.firstMessage},
-              {"lastMessage", unit.lastMessage},   {"blocks", blocks},
-              {"words", describeUnit(unit)}};
+  Json json{{"unit", nameOrBytes(unit.address)}, {"address", formatAddress(unit.address)},
+            {"state", wordOf(unit.state)},       {"firstMessage", unit.firstMessage},
+            {"lastMessage", unit.lastMessage},   {"blocks", blocks},
+            {"words", describeUnit(unit)}};
+  if (!unit.note.empty()) json["note"] = unit.note;
+  return json;
 }
 
-// File names need not be UTF-8.
-std::string toLine(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
+// File names need not be UTF-8, and a terminal would obey U+0080 to U+009F.
+std::string toLine(const Json& json) { return json.dump(-1, ' ', true, Json::error_handler_t::replace); }
 
 // "      7      1200  good                     1  41 02 00  element 3 oscillator, 88 data bytes, checksum 1F"
 std::string toLine(const InputFiles::Message& message, const Reading& reading) {
@@ -64,7 +66,7 @@ template <typename Visit>
 void forEachReading(const InputFiles& input, bool json, Console& console, Visit visit) {
   const std::string* file = nullptr;
   input.forEachMessage([&](const InputFiles::Message& message) {
-    if (input.areSeveral() && !json && file != &message.file) console.line(message.file + ":");
+    if (input.areSeveral() && !json && file != &message.file) console.line(displayName(message.file) + ":");
     file = &message.file;
     const Reading reading = readMessage(message.bytes);
     console.line(json ? toLine(toJson(message, reading)) : toLine(message, reading));

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "AddressRows.h"
+#include "FileDumpCodec.h"
 #include "bda/BulkDumpAssistant.h"
 
 namespace Editor {
@@ -12,13 +13,13 @@ namespace {
 constexpr std::size_t kShortest = 9;
 constexpr std::size_t kRequestLength = 9;
 constexpr std::size_t kDumpFrame = 12;  // all bytes of a dump but its data
+constexpr std::size_t kDumpDataAt = 10;
 constexpr std::uint8_t kMakerId = 0x7D;
 
 enum : std::uint8_t { kDumpType = 0x00, kType1 = 0x10, kRequestType = 0x20, kType3 = 0x30, kType4 = 0x40 };
 
-// A screen is sent in several messages: the first at the address of the screen, the others at this one, outside the
-// map.
 constexpr BulkAddress kScreenData{0x51, 0x00, 0x01};
+constexpr std::uint8_t kFileDumpHi = 0x0C;
 
 bool isForThisInstrument(std::span<const std::uint8_t> message) {
   return message.size() >= kShortest && message[1] == kMakerId &&
@@ -30,15 +31,39 @@ void judge(Reading& reading, Reading::Verdict verdict, std::string note) {
   reading.note = std::move(note);
 }
 
-void judgeAddress(Reading& reading) {
+// Why the field of a file dump can never be written; empty for one that can. The field is the packed name and the
+// packed bytes, each behind its length in two bytes of seven bits; no bytes mean that the content is removed. What
+// follows them counts for nothing.
+std::string whyNoContent(std::span<const std::uint8_t> field) {
+  constexpr std::size_t kCount = 2;
+  const auto countAt = [&](std::size_t at) { return std::size_t(field[at]) << 7 | field[at + 1]; };
+  const auto bytes = [](std::size_t count) { return fmt::format("{} byte{}", count, count == 1 ? "" : "s"); };
+  if (field.size() < 2 * kCount) return bytes(field.size()) + " of data, a file dump has at least 4";
+  std::size_t left = field.size() - 2 * kCount;
+  const std::size_t name = countAt(0);
+  if (name > left) return fmt::format("its name has {}, but there is room for {}", bytes(name), left);
+  left -= name;
+  const std::size_t content = countAt(kCount + name);
+  if (content == 0) return {};
+  if (content > left) return fmt::format("its content has {}, but there is room for {}", bytes(content), left);
+  for (const auto& [what, size] : {std::pair("name", name), std::pair("content", content)})
+    if (size % BDA::FileDumpCodec::kPackedGroup == 1)
+      return fmt::format("its {} has {}, the last of which is a packed group without data", what, bytes(size));
+  return {};
+}
+
+void judgeAddress(Reading& reading, std::span<const std::uint8_t> data) {
   const std::optional<BlockFacts> block = findBlock(*reading.address);
   if (!block) {
-    const bool isScreenData = reading.kind == Reading::Kind::dump && *reading.address == kScreenData;
-    if (marksEmptyVoice(*reading.address) || isScreenData) return;
+    const bool isScreen = reading.kind == Reading::Kind::dump && isScreenData(*reading.address);
+    if (marksEmptyVoice(*reading.address) || isScreen) return;
     judge(reading, Reading::Verdict::unknownAddress, fmt::format("no block at {}", formatAddress(*reading.address)));
   } else if (reading.kind == Reading::Kind::dump && block->dataLength && *block->dataLength != reading.dataBytes) {
     judge(reading, Reading::Verdict::blockLengthWrong,
           fmt::format("{} data bytes, this block has {}", reading.dataBytes, *block->dataLength));
+  } else if (reading.kind == Reading::Kind::dump && reading.address->hi == kFileDumpHi) {
+    if (std::string why = whyNoContent(data); !why.empty())
+      judge(reading, Reading::Verdict::fileDumpBroken, std::move(why));
   }
 }
 
@@ -59,7 +84,7 @@ void readDump(Reading& reading, std::span<const std::uint8_t> message) {
   if (*reading.checksum != *reading.expectedChecksum)
     return judge(reading, Reading::Verdict::checksumWrong,
                  fmt::format("checksum {:02X}, expected {:02X}", *reading.checksum, *reading.expectedChecksum));
-  judgeAddress(reading);
+  judgeAddress(reading, message.subspan(kDumpDataAt, reading.dataBytes));
 }
 
 void readRequest(Reading& reading, std::span<const std::uint8_t> message) {
@@ -69,7 +94,7 @@ void readRequest(Reading& reading, std::span<const std::uint8_t> message) {
                  fmt::format("{} bytes, a request has {}", message.size(), kRequestLength));
   }
   reading.address = BulkAddress{message[5], message[6], message[7]};
-  judgeAddress(reading);
+  judgeAddress(reading, {});
 }
 
 }  // namespace
@@ -128,6 +153,8 @@ const char* wordOf(Reading::Verdict verdict) {
       return "wrong length";
     case Reading::Verdict::blockLengthWrong:
       return "wrong length for its block";
+    case Reading::Verdict::fileDumpBroken:
+      return "broken file dump";
     case Reading::Verdict::unknownAddress:
       return "unknown address";
     case Reading::Verdict::typeUnknown:
@@ -145,12 +172,14 @@ bool marksEmptyVoice(BulkAddress address) {
          (address.lo & 0xC0) == 0x40;
 }
 
+bool isScreenData(BulkAddress address) { return address == kScreenData; }
+
 std::string describeContent(const Reading& reading) {
   switch (reading.kind) {
     case Reading::Kind::foreign:
       return "another instrument's message";
     case Reading::Kind::dump:
-      return *reading.address == kScreenData ? "screen capture data" : describeAddress(*reading.address);
+      return isScreenData(*reading.address) ? "screen capture data" : describeAddress(*reading.address);
     case Reading::Kind::request:
       return "request of " + describeAddress(*reading.address);
     case Reading::Kind::other:

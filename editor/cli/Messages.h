@@ -25,6 +25,7 @@ struct Reading {
     checksumWrong,
     lengthWrong,       // does not fit the message's own byte count, or its type
     blockLengthWrong,  // fits, but the block at that address has another length
+    fileDumpBroken,    // fits, but what it carries is no content: it can be held, and never written
     unknownAddress,
     typeUnknown,
   };
@@ -47,6 +48,9 @@ const char* wordOf(Reading::Verdict verdict);
 bool isBroken(const Reading& reading);
 // A header or footer that stands for an empty mixing voice; such an address is not in the map.
 bool marksEmptyVoice(BulkAddress address);
+// The data of a screen, which is sent in several messages: the first at the address of the screen, the others at this
+// one. It is not in the map either.
+bool isScreenData(BulkAddress address);
 
 // What the message carries, in words: "element 3 oscillator", "request of system common" ...
 std::string describeContent(const Reading& reading);

@@ -16,6 +16,11 @@ constexpr std::uint8_t kTriggerHi = 0x11;
 
 bool isList(std::size_t list, BDA::List which) { return list == std::size_t(which); }
 
+// An instrument takes the messages for its own device number only, unless it takes all.
+std::string noteOf(const std::set<unsigned>& devices) {
+  return devices.size() < 2 ? "" : fmt::format("its messages are for different devices: {}", fmt::join(devices, ", "));
+}
+
 }  // namespace
 
 OpenUnit::OpenUnit(BulkAddress header, std::uint64_t message) : header_(header), firstMessage_(message) {
@@ -72,8 +77,9 @@ std::vector<UnitReport> UnitFollower::next(const Reading& reading, std::uint64_t
       break;
     case Reading::Kind::dump:
       // A wrong checksum or byte count and an unknown address lose the message, and leave the open header open.
-      if (reading.verdict == Reading::Verdict::good || reading.verdict == Reading::Verdict::blockLengthWrong)
-        dump(*reading.address, reading.verdict == Reading::Verdict::good);
+      if (reading.verdict == Reading::Verdict::good || reading.verdict == Reading::Verdict::blockLengthWrong ||
+          reading.verdict == Reading::Verdict::fileDumpBroken)
+        dump(*reading.address, *reading.device, reading.verdict == Reading::Verdict::good);
       break;
   }
   return std::exchange(ended_, {});
@@ -90,21 +96,24 @@ std::vector<UnitReport> UnitFollower::finish() {
   return std::exchange(ended_, {});
 }
 
-void UnitFollower::dump(BulkAddress address, bool good) {
-  if (marksEmptyVoice(address)) return;
+void UnitFollower::dump(BulkAddress address, unsigned device, bool good) {
+  if (marksEmptyVoice(address) || isScreenData(address)) return;  // outside of the map, as an unknown address
   const std::size_t list = BDA::listOf(address.hi);
   if (isList(list, BDA::List::header)) {
     abandon(describeAddress(address));
     open_.emplace(address, message_);
+    openDevices_ = {device};
   } else if (isList(list, BDA::List::footer)) {
     if (!open_ || !open_->isClosedBy(address)) return report(UnitReport::State::strayFooter, address);
     std::vector<BulkAddress> missing = open_->missing();
     report(missing.empty() ? UnitReport::State::complete : UnitReport::State::incomplete, open_->header());
     ended_.back().firstMessage = open_->firstMessage();
     ended_.back().blocks = std::move(missing);
+    openDevices_.insert(device);
+    ended_.back().note = noteOf(openDevices_);
     open_.reset();
   } else if (isList(list, BDA::List::fileDump)) {
-    address.hi == kTriggerHi ? writeTrigger(address) : fileDump(address);
+    address.hi == kTriggerHi ? writeTrigger(address, device) : fileDump(address, device);
   } else if (isList(list, BDA::List::system) || isList(list, BDA::List::favorite) ||
              isList(list, BDA::List::editorName) || isList(list, BDA::List::screenCap)) {
     abandon(describeAddress(address));
@@ -112,21 +121,32 @@ void UnitFollower::dump(BulkAddress address, bool good) {
     report(UnitReport::State::outside, address);
   } else if (!good) {
     abandon(describeAddress(address) + " of the wrong length");
+  } else {
+    openDevices_.insert(device);
   }
 }
 
-void UnitFollower::fileDump(BulkAddress address) {
+void UnitFollower::fileDump(BulkAddress address, unsigned device) {
   if (!isWritableFileDump(address)) {
     ended_.push_back(endHeld(UnitReport::State::discarded, address));
     return abandon(describeAddress(address));
   }
   const auto same =
       std::find_if(held_.begin(), held_.end(), [&](const HeldFileDump& dump) { return dump.address == address; });
-  if (same == held_.end()) held_.push_back({address, message_});
+  if (held_.empty()) firstHeld_ = message_;
+  if (same == held_.end()) {
+    held_.push_back({address, message_});
+  } else {
+    superseded_ += fmt::format("{}{} of message {} is replaced by that of message {}", superseded_.empty() ? "" : "; ",
+                               nameOrBytes(address), same->message, message_);
+    same->message = message_;
+  }
+  heldDevices_.insert(device);
 }
 
-void UnitFollower::writeTrigger(BulkAddress address) {
+void UnitFollower::writeTrigger(BulkAddress address, unsigned device) {
   abandon(describeAddress(address));
+  if (!held_.empty()) heldDevices_.insert(device);
   ended_.push_back(endHeld(UnitReport::State::written, address));
 }
 
@@ -143,9 +163,13 @@ void UnitFollower::report(UnitReport::State state, BulkAddress address) {
 }
 
 UnitReport UnitFollower::endHeld(UnitReport::State state, BulkAddress address) {
-  UnitReport ended{state, held_.empty() ? message_ : held_.front().message, message_, address, {}, {}};
+  UnitReport ended{state, held_.empty() ? message_ : firstHeld_, message_, address, {}, {}};
   for (const HeldFileDump& dump : held_) ended.blocks.push_back(dump.address);
+  ended.note = noteOf(heldDevices_);
+  if (!superseded_.empty()) ended.note += (ended.note.empty() ? "" : "; ") + superseded_;
   held_.clear();
+  heldDevices_.clear();
+  superseded_.clear();
   return ended;
 }
 
@@ -186,7 +210,9 @@ std::string describeBlocks(const std::vector<BulkAddress>& blocks) {
   return text;
 }
 
-std::string describeUnit(const UnitReport& unit) {
+namespace {
+
+std::string describeState(const UnitReport& unit) {
   std::string name = nameOrBytes(unit.address);
   const std::string where = unit.firstMessage == unit.lastMessage
                                 ? fmt::format("message {}", unit.lastMessage)
@@ -218,6 +244,12 @@ std::string describeUnit(const UnitReport& unit) {
                          plural("held file dump"), describeBlocks(unit.blocks));
   }
   return name;
+}
+
+}  // namespace
+
+std::string describeUnit(const UnitReport& unit) {
+  return describeState(unit) + (unit.note.empty() ? "" : "; " + unit.note);
 }
 
 }  // namespace Editor

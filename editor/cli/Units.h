@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -56,6 +57,7 @@ struct UnitReport {
   BulkAddress address{};            // of the header, the block, the footer, the trigger or the refused file dump
   std::vector<BulkAddress> blocks;  // incomplete and open: those missing; file dumps: those it is about
   std::string cause;                // abandoned: by what
+  std::string note = {};            // what is odd about one that is whole
 };
 
 const char* wordOf(UnitReport::State state);
@@ -78,16 +80,20 @@ class UnitFollower {
     BulkAddress address;
     std::uint64_t message;
   };
-  void dump(BulkAddress address, bool good);
-  void fileDump(BulkAddress address);
-  void writeTrigger(BulkAddress address);
+  void dump(BulkAddress address, unsigned device, bool good);
+  void fileDump(BulkAddress address, unsigned device);
+  void writeTrigger(BulkAddress address, unsigned device);
   void abandon(const std::string& by);
   void report(UnitReport::State state, BulkAddress address);
   UnitReport endHeld(UnitReport::State state, BulkAddress address);
 
   std::uint64_t message_ = 0;
   std::optional<OpenUnit> open_;
+  std::set<unsigned> openDevices_;  // whom its messages are for
   std::vector<HeldFileDump> held_;
+  std::uint64_t firstHeld_ = 0;
+  std::set<unsigned> heldDevices_;
+  std::string superseded_;  // of the file dumps held: those that came again
   std::vector<UnitReport> ended_;
 };
 

@@ -121,6 +121,37 @@ TEST_F(Judge, strayBytesAreToldButBreakNothing) {
   EXPECT_THAT(run.err, HasSubstr("a.syx: offset 0: 2 bytes dropped, outside of any message"));
 }
 
+TEST_F(Judge, realTimeBytesShareOneLine) {
+  const Bytes message = blockDump({0, 0, 0});
+  write("a.syx", "\xF8\xF8" + text({message.begin(), message.begin() + 20}) + "\xFE" +
+                     text({message.begin() + 20, message.end()}) + "\xF8");
+  EXPECT_EQ(bda({"list", "-q", "a.syx"}).err, "a.syx: 4 real-time bytes dropped\n");
+  const Result run = bda({"list", "-v", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.err, HasSubstr("a.syx: offset 22: 1 byte dropped, real-time\n"));
+}
+
+TEST_F(Judge, aFileDumpThatCannotBeStoredBreaksTheFileAndIsNotRestored) {
+  write("a.syx", {dump({0x0C, 0x0A, 0x05}, {0, 0, 0, 3, 0, 1}), dump({0x11, 0x00, 0x00})});
+  const std::string why = "broken file dump: its content has 3 bytes, but there is room for 2";
+  EXPECT_THAT(bda({"list", "a.syx"}), Exits(3));
+  for (const char* verb : {"verify", "restore"}) {
+    const Result run = bda({verb, "a.syx"});
+    EXPECT_THAT(run, Exits(3));
+    EXPECT_THAT(run.err, HasSubstr("a.syx: message 1 at offset 0: " + why));
+  }
+  EXPECT_THAT(bda({"receive", "a.syx"}), Exits(3));
+  EXPECT_FALSE(bda({"contents"}).out.find("user1") != std::string::npos);
+}
+
+TEST_F(Judge, fileNamesInJsonAreTheNamesAsGiven) {
+  write("a\tb\xC3\xA9.syx", {blockDump({0, 0, 0})});
+  const Result run = bda({"list", "--json", "a\tb\xC3\xA9.syx"});
+  EXPECT_THAT(run.out, HasSubstr(R"("file":"a\tb\u00e9.syx")"));
+  EXPECT_EQ(nlohmann::json::parse(run.out)["file"], "a\tb\xC3\xA9.syx");
+  EXPECT_THAT(bda({"list", "--json", "-"}, text(blockDump({0, 0, 0}))).out, HasSubstr(R"("file":"-")"));
+}
+
 TEST_F(Judge, standardInputIsAFileToo) {
   const Result run = bda({"list", "-"}, text(blockDump({0, 0, 0})));
   EXPECT_THAT(run, Exits(0));

@@ -58,6 +58,32 @@ TEST(Messages, fileDumpsComeInAnyLength) {
   EXPECT_EQ(readMessage(dump({0x0C, 0x0A, 0x05}, Bytes(400))).verdict, Verdict::good);
 }
 
+TEST(Messages, aFileDumpThatCannotBeWrittenIsBroken) {
+  const auto read = [](const Bytes& field) { return readMessage(dump({0x0C, 0x0A, 0x05}, field)); };
+  const Bytes good[] = {{0, 0, 0, 0},     // no content: it is removed
+                        {0, 1, 0, 0, 0},  // whatever its name
+                        {0, 2, 0, 'A', 0, 2, 0, 'B'},
+                        {0, 0, 0, 2, 0, 'B', 1, 2, 3}};  // what follows counts for nothing
+  for (const Bytes& field : good) EXPECT_EQ(read(field).verdict, Verdict::good) << testing::PrintToString(field);
+  const std::pair<Bytes, const char*> broken[] = {
+      {{}, "0 bytes of data, a file dump has at least 4"},
+      {{0}, "1 byte of data, a file dump has at least 4"},
+      {{0, 0, 0}, "3 bytes of data, a file dump has at least 4"},
+      {{0, 3, 0, 'A', 0, 0}, "its name has 3 bytes, but there is room for 2"},
+      {{1, 0, 0, 0}, "its name has 128 bytes, but there is room for 0"},
+      {{0, 2, 0, 'A', 0, 3, 0, 'B'}, "its content has 3 bytes, but there is room for 2"},
+      {{0, 1, 0, 0, 2, 0, 'B'}, "its name has 1 byte, the last of which is a packed group without data"},
+      {{0, 0, 0, 1, 0}, "its content has 1 byte, the last of which is a packed group without data"},
+      {{0, 0, 0, 9, 0, 1, 2, 3, 4, 5, 6, 7, 0},
+       "its content has 9 bytes, the last of which is a packed group without data"}};
+  for (const auto& [field, note] : broken) {
+    EXPECT_EQ(read(field).verdict, Verdict::fileDumpBroken) << testing::PrintToString(field);
+    EXPECT_EQ(read(field).note, note);
+    EXPECT_TRUE(isBroken(read(field)));
+  }
+  EXPECT_EQ(readMessage(dump({0x11, 0x00, 0x00}, {0})).verdict, Verdict::good);  // the trigger's data is not looked at
+}
+
 TEST(Messages, anAddressOutsideTheMapIsUnknown) {
   EXPECT_EQ(readMessage(dump({0x46, 0x06, 0x00}, Bytes(24))).verdict, Verdict::unknownAddress);
   EXPECT_EQ(readMessage(request({0x0E, 0x60, 0x32})).verdict, Verdict::unknownAddress);

@@ -160,6 +160,44 @@ TEST_F(Units, aFileDumpThatIsNeverStoredDiscardsThoseHeld) {
   EXPECT_TRUE(reports[1].blocks.empty());
 }
 
+TEST_F(Units, dataOfAScreenDoesNotDisturbAUnit) {
+  block(kHeader).send(dump({0x51, 0x00, 0x01}, Bytes(100))).sendAll(BDA::List::normalVoice).block(kFooter);
+  EXPECT_THAT(states(), ElementsAre(State::complete));
+  EXPECT_EQ(reports[0].note, "");
+}
+
+TEST_F(Units, messagesForDifferentDevicesAreNoted) {
+  block(kHeader);
+  for (const BulkAddress address : blocksOf(BDA::List::normalVoice))
+    send(dump(address, Bytes(*findBlock(address)->dataLength), address == kElement ? 4 : 0));
+  block(kFooter);
+  send(dump({0x0C, 0x0A, 0x05}, Bytes(4), 1)).block({0x11, 0x00, 0x00});
+  send(dump({0x0C, 0x0A, 0x05}, Bytes(4))).block({0x11, 0x00, 0x00}).finish();
+  ASSERT_THAT(states(), ElementsAre(State::complete, State::written, State::written));
+  EXPECT_EQ(reports[0].note, "its messages are for different devices: 1, 5");
+  EXPECT_EQ(reports[1].note, "its messages are for different devices: 1, 2");
+  EXPECT_EQ(reports[2].note, "");
+  EXPECT_THAT(describeUnit(reports[0]),
+              HasSubstr("complete (messages 1 to 26); its messages are for different devices: 1, 5"));
+}
+
+TEST_F(Units, aFileDumpThatComesAgainReplacesTheOneThatIsHeld) {
+  const Bytes message = dump({0x0C, 0x0A, 0x05}, Bytes(4));
+  send(message).send(message).send(message).block({0x11, 0x00, 0x00}).send(message).block({0x11, 0x00, 0x00}).finish();
+  ASSERT_THAT(states(), ElementsAre(State::written, State::written));
+  EXPECT_EQ(reports[0].firstMessage, 1u);
+  EXPECT_EQ(reports[0].note,
+            "file:voice:user1:6 of message 1 is replaced by that of message 2; "
+            "file:voice:user1:6 of message 2 is replaced by that of message 3");
+  EXPECT_FALSE(isBroken(reports[0]));
+  EXPECT_EQ(reports[1].note, "");
+}
+
+TEST_F(Units, aBrokenFileDumpIsHeldLikeAnyOther) {
+  send(dump({0x0C, 0x0A, 0x05}, {0, 0, 0, 1, 0})).finish();
+  EXPECT_THAT(states(), ElementsAre(State::held));
+}
+
 TEST_F(Units, nothingIsLeftAfterAWholeFile) {
   send(blockDump({0x00, 0x00, 0x00})).send(request({0, 0, 0})).finish();
   EXPECT_TRUE(reports.empty());
