@@ -147,7 +147,8 @@ std::string fill(const char* pattern, unsigned running, unsigned lo) {
                      fmt::arg("first", 16 * lo + 1), fmt::arg("last", 16 * lo + 16));
 }
 
-// Calls visit(row) for the rows of the map, footers as headers with their own high byte. True when visit was, once.
+// Calls visit(row) for the rows of the map, footers as headers with their own high byte. Stops at the first
+// row for which visit is true, and returns whether there was one.
 template <typename Visit>
 bool anyRow(Visit visit) {
   for (const BDA::AddressRow& row : BDA::kParameterRows)

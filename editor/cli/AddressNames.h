@@ -35,7 +35,7 @@ std::string formatAddress(BulkAddress address);
 std::string describeAddress(BulkAddress address);
 
 // The short name of a block that can be asked for by itself: "voice:user1:6" for a header, "file:voice:user1:6" for a
-// file dump, "quick-setup:3". Footers and the parameter blocks between header and footer have none.
+// file dump, "system:quick-setup:3". Footers and the parameter blocks between header and footer have none.
 std::optional<std::string> nameOf(BulkAddress address);
 
 // nameOf, or else the three bytes.

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include "models/Latin1.h"
+
 namespace Editor {
 
 void Console::print(std::FILE* stream, std::string_view text) {
@@ -62,11 +64,8 @@ std::string showName(std::string_view latin1) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte < 0x20 || (byte >= 0x7F && byte < 0xA0)) {
       safe += fmt::format("\\x{:02X}", byte);
-    } else if (byte < 0x80) {
-      safe += c;
     } else {
-      safe += char(0xC0 | (byte >> 6));
-      safe += char(0x80 | (byte & 0x3F));
+      safe += latin1ToUtf8({&c, 1});
     }
   }
   return safe;

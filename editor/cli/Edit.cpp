@@ -73,7 +73,10 @@ void renameContent(EmbeddedEditor& editor, const Target& target, const std::stri
 void rename(const Words& words, Program& program) {
   if (words.size() < 2) throw Failure(kWrongUsage, "expected an address and a name");
   const std::string& name = words.back();
-  const Target target = parseOneTarget(Words(words.begin(), words.end() - 1));
+  const Words address(words.begin(), words.end() - 1);
+  if (joinAddresses(address).size() > 1)
+    throw Failure(kWrongUsage, "expected one address and one name: a name with blanks stands in quotes");
+  const Target target = parseOneTarget(address);
   if (target.kind == Target::Kind::system || target.kind == Target::Kind::additional)
     throw Failure(kWrongUsage, fmt::format("{} has no name", target.name));
   if (!hasName(target)) refuse(target, "no message carries a name for it");

@@ -16,10 +16,14 @@ namespace {
 
 std::filesystem::path makeDirectory() {
   std::error_code error;
-  std::string name = (std::filesystem::temp_directory_path(error) / "bda-XXXXXX").string();
-  if (error || ::mkdtemp(name.data()) == nullptr)
-    throw Failure(kWrongUsage, fmt::format("{}: no directory for a scratch library: {}", escape(name),
+  const std::filesystem::path parent = std::filesystem::temp_directory_path(error);
+  std::string name = (parent / "bda-XXXXXX").string();
+  if (error || ::mkdtemp(name.data()) == nullptr) {
+    const char* const variable = std::getenv("TMPDIR");
+    const std::string place = !error ? parent.string() : variable != nullptr ? variable : "TMPDIR";
+    throw Failure(kWrongUsage, fmt::format("{}: cannot make a scratch library in this directory: {}", escape(place),
                                            error ? error.message() : std::strerror(errno)));
+  }
   return name;
 }
 

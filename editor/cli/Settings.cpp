@@ -11,6 +11,7 @@
 
 #include "cli/Verbs.h"
 #include "contents/ContentFormat.h"
+#include "models/Latin1.h"
 
 namespace Editor {
 
@@ -142,22 +143,12 @@ std::string toJsonLine(const Entry& entry) {
                               {"number", entry.id.number},
                               {"stored", entry.content.has_value()}};
   if (entry.content) {
-    std::string name;
-    for (const char c : entry.content->name) {
-      const auto byte = static_cast<unsigned char>(c);
-      if (byte < 0x80) {
-        name += c;
-      } else {
-        name += char(0xC0 | (byte >> 6));
-        name += char(0x80 | (byte & 0x3F));
-      }
-    }
-    json["name"] = name;
+    json["name"] = latin1ToUtf8(entry.content->name);
     json["bytes"] = entry.content->bytes.size();
     json["opaque"] = isOpaque(entry);
   }
   json["favourite"] = entry.favourite;
-  return json.dump();
+  return json.dump(-1, ' ', true);  // a terminal would obey U+0080 to U+009F
 }
 
 // The contents bank by bank, a line each; flags of empty slots, of which there may be hundreds, share one line a bank.

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "cli/CarryCheck.h"
+#include "cli/InputFiles.h"
 #include "cli/TargetModels.h"
 #include "cli/Verbs.h"
 #include "midi/MidiFile.h"
@@ -47,7 +48,7 @@ void show(const Words& words, bool json, Program& program) {
   const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
   const ModelSet models = loadTarget(*editor, target);
   if (json) {
-    program.console.line(toJson(models).dump());
+    program.console.line(toJson(models).dump(-1, ' ', true));  // a terminal would obey U+0080 to U+009F
     return;
   }
   forEachModel(models, [&](const char* key, const auto& model) {
@@ -67,7 +68,7 @@ bool hasKeys(const nlohmann::ordered_json& json) {
 }
 
 ModelSet readModels(const std::string& file, const Target& target) {
-  const std::string name = file == "-" ? "standard input" : escape(file);
+  const std::string name = displayName(file);
   std::string why;
   const auto bytes = loadBytes(file, why);
   if (!bytes) throw Failure(kUnusableInput, fmt::format("{}: {}", name, why));
@@ -90,6 +91,7 @@ ModelSet readModels(const std::string& file, const Target& target) {
 void apply(Words words, Program& program) {
   if (words.size() < 2) throw Failure(kWrongUsage, "expected a target and a file");
   const std::string file = words.back();
+  if (file.empty()) throw Failure(kWrongUsage, "an empty file name");
   words.pop_back();
   const Target target = parseOneTarget(words);
   const ModelSet models = readModels(file, target);

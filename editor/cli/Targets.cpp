@@ -91,11 +91,10 @@ Target parseTarget(const std::string& text) {
       return target;
     }
   }
-  throw Failure(
-      kWrongUsage,
-      fmt::format("{} ({}) cannot be shown: expected system, additional, or the address or name of a header or "
-                  "a file dump",
-                  formatAddress(address), describeAddress(address)));
+  throw Failure(kWrongUsage,
+                fmt::format("{} ({}) is no target: expected system, additional, or the address or name of a header or "
+                            "a file dump",
+                            formatAddress(address), describeAddress(address)));
 }
 
 }  // namespace Editor

@@ -70,6 +70,8 @@ std::uint32_t bigEndian(Bytes bytes) {
   return value;
 }
 
+std::string counted(std::size_t bytes) { return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes"); }
+
 // Takes bytes off the front of what is left, as far as they are there.
 struct Cursor {
   Bytes left;
@@ -128,7 +130,7 @@ class StandardReader {
   void readChunks(std::size_t at) {
     while (at < source_.size()) {
       if (source_.size() - at < kChunkHead) {
-        return error(at, std::to_string(source_.size() - at) + " bytes after the last chunk");
+        return error(at, counted(source_.size() - at) + " after the last chunk");
       }
       const Bytes head = source_.subspan(at, kChunkHead);
       const std::uint32_t promised = bigEndian(head.subspan(4));
@@ -137,7 +139,7 @@ class StandardReader {
       if (isTrack) ++track_;
       if (length != promised) {
         error(at, (isTrack ? "track " + std::to_string(track_) : "unknown chunk") +
-                      " is cut short: " + std::to_string(length) + " of " + std::to_string(promised) + " bytes");
+                      " is cut short: " + std::to_string(length) + " of " + counted(promised));
       }
       if (isTrack) readTrack(source_.subspan(at + kChunkHead, length));
       at += kChunkHead + length;
@@ -155,8 +157,10 @@ class StandardReader {
     joiner_.finish();
     if (problem == nullptr && !track.empty()) problem = "bytes after the end-of-track event";
     if (problem != nullptr) {
-      error(offsetOf(track), "track " + std::to_string(track_) + ": " + problem + ", " + std::to_string(track.size()) +
-                                 " bytes of the track are not read");
+      std::string text = "track " + std::to_string(track_) + ": " + problem;
+      if (!track.empty())
+        text += ", " + counted(track.size()) + " of the track " + (track.size() == 1 ? "is" : "are") + " not read";
+      error(offsetOf(track), std::move(text));
     }
   }
 

@@ -3,6 +3,8 @@
 #include <set>
 #include <vector>
 
+#include "models/Latin1.h"
+
 namespace Editor {
 
 namespace {
@@ -10,20 +12,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 // ---- Names: bytes of ISO 8859-1 here, UTF-8 there -------------------------------------------------------------------
-
-std::string toUtf8(const std::string& bytes) {
-  std::string utf8;
-  for (const char byte : bytes) {
-    const auto code = static_cast<unsigned char>(byte);
-    if (code < 0x80) {
-      utf8 += byte;
-    } else {
-      utf8 += char(0xC0 | code >> 6);
-      utf8 += char(0x80 | (code & 0x3F));
-    }
-  }
-  return utf8;
-}
 
 // Null when a character is none of U+0001 to U+00FF.
 std::optional<std::string> fromUtf8(const std::string& utf8) {
@@ -48,7 +36,7 @@ std::optional<std::string> fromUtf8(const std::string& utf8) {
 class Writer {
  public:
   void group(const char* key, const ArrayGroup& group) { json[key] = group.values(); }
-  void name(const char* key, const NameText& name) { json[key] = toUtf8(name.text()); }
+  void name(const char* key, const NameText& name) { json[key] = latin1ToUtf8(name.text()); }
   template <typename Visit>
   void list(const char* key, std::size_t count, Visit visit) {
     Json outer = std::exchange(json, Json::object());

@@ -32,6 +32,23 @@ TEST_F(Edit, renameChangesTheNameOfTheContentAndThatInside) {
   EXPECT_EQ(json({"show", "voice:user1:6", "--json"}), before);
 }
 
+TEST_F(Edit, aNameMayBeginWithADashBehindTwoOfThem) {
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"rename", "drum:edit", "--", "-x"},
+                                                {"rename", "--", "drum:edit", "-x"},
+                                                {"rename", "0E", "2F", "00", "-v", "--", "-x"}}) {
+    ASSERT_THAT(bda({"rename", "drum:edit", "before"}), Exits(0));
+    EXPECT_THAT(bda(words), Exits(0)) << testing::PrintToString(words);
+    EXPECT_EQ(json({"show", "drum:edit", "--json"})["voice"]["name"], "-x");
+  }
+}
+
+TEST_F(Edit, aNameWithBlanksOutsideOfQuotesIsExplained) {
+  const Result run = bda({"rename", "0E", "70", "00", "Foo", "Bar"});
+  EXPECT_THAT(run, Exits(1));
+  EXPECT_THAT(run.err, HasSubstr("a name with blanks stands in quotes"));
+  EXPECT_THAT(bda({"rename", "write", "X"}).err, HasSubstr("11 00 00 (write trigger) is no target"));
+}
+
 TEST_F(Edit, renameKeepsOpaqueBytes) {
   library().store(kMulti1, Bytes{1, 2, 3}, "Old");
   EXPECT_THAT(bda({"rename", "file:multi:1", "New"}), Exits(0));

@@ -204,6 +204,20 @@ TEST_F(Parameters, namesAreSafeToShow) {
   EXPECT_THAT(bda({"contents"}).out, HasSubstr("\\x1B[31mred \u00E9t\u00E9"));
   EXPECT_THAT(bda({"contents"}).out, Not(HasSubstr("\x1B")));
   EXPECT_EQ(Json::parse(bda({"contents", "--json"}).out)["name"], "\x1B[31mred \u00E9t\u00E9");
+  EXPECT_THAT(bda({"contents", "--json"}).out, HasSubstr(R"(\u001b[31mred \u00e9t\u00e9)"));
+}
+
+TEST_F(Parameters, jsonIsAsciiAndReadBack) {
+  Json multi = json({"show", "multi:edit", "--json"});
+  multi["multi"]["name"] =
+      "\xC2\x9B"
+      "31mred";  // a control character to some terminals
+  ASSERT_THAT(bda({"apply", "multi:edit", "-"}, multi.dump()), Exits(0));
+  const Result shown = bda({"show", "multi:edit", "--json"});
+  EXPECT_THAT(shown.out, HasSubstr(R"("name":"\u009b31mred")"));
+  EXPECT_EQ(Json::parse(shown.out), multi);
+  EXPECT_THAT(bda({"apply", "multi:edit", "-", "--library", "other.db"}, shown.out), Exits(0));
+  EXPECT_EQ(bda({"show", "multi:edit", "--json", "--library", "other.db"}).out, shown.out);
 }
 
 TEST_F(Parameters, contentsListWhatIsStoredByBankWithFavourites) {
