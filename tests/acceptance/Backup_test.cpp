@@ -55,6 +55,7 @@ class Backup : public Program {
 }  // namespace
 
 TEST_F(Backup, aFreshLibraryIsItsSystemAndItsFavourites) {
+  ASSERT_THAT(bda({"settings"}), Exits(0));  // makes the library
   EXPECT_THAT(bda({"backup", "-o", "a.syx"}), Exits(0));
   const std::vector<std::string> addresses = addressesOf("a.syx");
   ASSERT_THAT(addresses, SizeIs(kSystemAndFavourites));
@@ -170,13 +171,17 @@ TEST_F(Backup, theMessagesCarryTheLibrarysDeviceNumber) {
 }
 
 TEST_F(Backup, standardOutputIsAFileToo) {
+  ASSERT_THAT(bda({"settings"}), Exits(0));  // makes the library
   const Result run = bda({"backup", "-o", "-"});
   EXPECT_THAT(run, Exits(0));
   EXPECT_THAT(bda({"backup", "-o", "a.syx"}), Exits(0));
   EXPECT_EQ(run.out, read("a.syx"));
 }
 
-TEST_F(Backup, anOutputThatCannotBeWrittenIsAnError) { EXPECT_THAT(bda({"backup", "-o", "none/a.syx"}), Exits(1)); }
+TEST_F(Backup, anOutputThatCannotBeWrittenIsAnError) {
+  ASSERT_THAT(bda({"settings"}), Exits(0));  // makes the library
+  EXPECT_THAT(bda({"backup", "-o", "none/a.syx"}), Exits(1));
+}
 
 // ---- restore ----
 

@@ -42,6 +42,7 @@ TEST_F(Receive, aWholeVoiceIsStoredAndSaidSo) {
 }
 
 TEST_F(Receive, refusedMessagesAreToldWithFileOffsetNumberAndReason) {
+  ASSERT_THAT(bda({"settings"}), Exits(0));  // makes the library
   write("a.syx", {blockDump({0, 0x40, 0}), damaged(blockDump({0, 0, 0})), dump({0, 0, 0}, Bytes(3)), dump({0x7F, 0, 0}),
                   dump({0, 0x40, 0}, Bytes(8), 3), blockDump(kElement), blockDump(kFooter)});
   const Result run = bda({"receive", "a.syx"});

@@ -59,6 +59,8 @@ TEST_F(Usage, wrongUsageExitsWith1AndSaysWhy) {
 TEST_F(Usage, aVerbThatDoesNotExistIsNamed) {
   EXPECT_EQ(bda({"dance", "a.syx"}).err, "bda: there is no verb \"dance\" (bda --help tells more)\n");
   EXPECT_EQ(bda({"list"}).err, "bda: FILE is required (bda --help tells more)\n");
+  EXPECT_EQ(bda({"--bogus"}).err, "bda: there is no option --bogus (bda --help tells more)\n");
+  EXPECT_THAT(bda({"receive", "a.syx", "--port", "x"}).err, HasSubstr("\"x\": expected 1, 4, 5 or 6"));
 }
 
 TEST_F(Usage, inputThatCannotBeUsedExitsWith2AndSaysWhy) {
@@ -93,6 +95,97 @@ TEST_F(Usage, aLibraryThatIsNoneExitsWith2AndStaysAsItIs) {
   }
   EXPECT_EQ(read("notes.txt"), "my notes");
   EXPECT_THAT(files(), ElementsAre("a.syx", "notes.txt"));
+}
+
+TEST_F(Usage, anOutputThatTheRunNeedsIsRefusedAndStaysAsItIs) {
+  ASSERT_THAT(bda({"settings", "device-number", "1"}), Exits(0));
+  write("a.syx", {request({0, 0, 0})});
+  write("my.names", "waveform 1 Grand Piano\n");
+  std::filesystem::create_symlink("library.db", directory / "link");
+  std::filesystem::create_hard_link(directory / "library.db", directory / "hard");
+  const std::string library = read("library.db");
+  const std::string input = read("a.syx");
+  const std::vector<std::vector<std::string>> verbs{{"backup", "-o"},
+                                                    {"screen", "-o"},
+                                                    {"request", "system", "-o"},
+                                                    {"request", "system", "-o", "other", "--trace"},
+                                                    {"receive", "a.syx", "-o"},
+                                                    {"receive", "a.syx", "--trace"}};
+  const auto refuses = [&](std::vector<std::string> words, const std::string& file, const std::string& why) {
+    words.push_back(file);
+    words.insert(words.end(), {"--names", "my.names"});
+    const Result run = bda(words);
+    EXPECT_THAT(run, Exits(1)) << testing::PrintToString(words);
+    EXPECT_THAT(run.err, HasSubstr(file + ": " + why));
+    EXPECT_EQ(run.out, "");
+  };
+  for (const auto& verb : verbs) {
+    for (const char* file : {"library.db", "./library.db", "link", "hard"}) refuses(verb, file, "this is the library");
+    for (const char* file : {"library.db-wal", "library.db-shm", "library.db-journal"})
+      refuses(verb, file, "this belongs to the library");
+    refuses(verb, "my.names", "these are the names of waveforms and arpeggios");
+  }
+  refuses({"receive", "a.syx", "-o"}, "a.syx", "this is also an input");
+  refuses({"receive", "a.syx", "--trace"}, "./a.syx", "this is also an input");
+  refuses({"receive", "a.syx", "-o", "new", "--trace"}, "./new", "-o names this file too");
+  refuses({"request", "system", "-o", "new", "--trace"}, "new", "-o names this file too");
+  EXPECT_EQ(read("library.db"), library);
+  EXPECT_EQ(read("a.syx"), input);
+  EXPECT_THAT(files(), ElementsAre("a.syx", "hard", "link", "my.names"));
+}
+
+TEST_F(Usage, aLibraryThatIsStillToComeIsNoOutputEither) {
+  write("a.syx", {request({0, 0, 0})});
+  EXPECT_THAT(bda({"receive", "a.syx", "-o", "library.db"}), Exits(1));
+  EXPECT_FALSE(exists("library.db"));
+}
+
+TEST_F(Usage, devicesMayBeNamedTwice) {
+  EXPECT_THAT(bda({"request", "system", "-o", "/dev/null", "--trace", "/dev/null"}), Exits(0));
+}
+
+TEST_F(Usage, anEmptyFileNameIsWrongUsage) {
+  write("a.syx", {blockDump({0, 0, 0})});
+  const std::vector<std::vector<std::string>> wrong{{"contents", "--library", ""},
+                                                    {"contents", "--names", ""},
+                                                    {"backup", "-o", ""},
+                                                    {"screen", "-o", ""},
+                                                    {"request", "system", "-o", ""},
+                                                    {"request", "system", "--trace", ""},
+                                                    {"receive", "a.syx", "-o", ""},
+                                                    {"receive", "a.syx", "--trace", ""},
+                                                    {"receive", "a.syx", ""},
+                                                    {"list", ""},
+                                                    {"verify", ""},
+                                                    {"restore", ""},
+                                                    {"diff", "", "a.syx"},
+                                                    {"diff", "a.syx", ""},
+                                                    {"apply", "system", ""}};
+  for (const auto& words : wrong) {
+    const Result run = bda(words);
+    EXPECT_THAT(run, Exits(1)) << testing::PrintToString(words);
+    EXPECT_THAT(run.err, HasSubstr("an empty file name"));
+  }
+  // or the file that follows would be taken for the trace, and be replaced
+  const Result run = bda({"receive", "--trace=", "a.syx", "a.syx"});
+  EXPECT_THAT(run, Exits(1));
+  EXPECT_THAT(run.err, HasSubstr("--trace=: an empty value"));
+  EXPECT_FALSE(exists("library.db"));
+}
+
+TEST_F(Usage, aNewLibraryIsTold) {
+  EXPECT_THAT(bda({"settings"}).err, HasSubstr("library.db: new library\n"));
+  EXPECT_EQ(bda({"settings"}).err, "");
+  EXPECT_EQ(bda({"-q", "--library", "other.db", "settings"}).err, "");
+}
+
+TEST_F(Usage, backupCreatesNoLibraryAndKeepsTheFile) {
+  write("good.syx", "a good backup");
+  const Result run = bda({"backup", "-o", "good.syx", "--library", "typo.db"});
+  EXPECT_THAT(run, Exits(2));
+  EXPECT_EQ(run.err, "bda: typo.db: there is no such library\n");
+  EXPECT_EQ(read("good.syx"), "a good backup");
+  EXPECT_FALSE(exists("typo.db"));
 }
 
 TEST_F(Usage, theLibraryIsFoundByOptionThenEnvironmentThenDefault) {

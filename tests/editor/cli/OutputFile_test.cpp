@@ -2,8 +2,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -80,6 +82,41 @@ TEST_F(OutputFileTest, replacesWhatALinkNames) {
   file.commit();
   EXPECT_EQ(read("a"), "after");
   EXPECT_TRUE(std::filesystem::is_symlink(path("link")));
+}
+
+TEST_F(OutputFileTest, writesWhatALinkToNothingNames) {
+  std::filesystem::create_directory(path("d"));
+  std::filesystem::create_symlink("b", path("d/inner"));
+  std::filesystem::create_symlink("d/inner", path("link"));
+  OutputFile file(path("link"));
+  file.write(std::string("new"));
+  file.commit();
+  EXPECT_EQ(read("d/b"), "new");
+  EXPECT_TRUE(std::filesystem::is_symlink(path("link")));
+  EXPECT_TRUE(std::filesystem::is_symlink(path("d/inner")));
+}
+
+TEST_F(OutputFileTest, writesNothingTwiceAfterAFailure) {
+  std::string bytes;
+  for (int i = 0; i < 1000; ++i) bytes += std::to_string(i) + ' ';
+  OutputFile file(path("a"));
+  file.write(bytes);
+  const auto previous = std::signal(SIGXFSZ, SIG_IGN);
+  rlimit limit{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+  const rlimit small{1000, limit.rlim_max};  // a part is written, then no more
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  std::string why;
+  try {
+    file.commit();
+  } catch (const Editor::Failure& failure) {
+    why = failure.what();
+  }
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+  std::signal(SIGXFSZ, previous);
+  EXPECT_THAT(why, HasSubstr("cannot write it: File too large"));
+  file.commit();
+  EXPECT_EQ(read("a"), bytes);
 }
 
 TEST_F(OutputFileTest, aDeviceIsWrittenInPlace) {
