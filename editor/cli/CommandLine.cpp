@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <memory>
 #include <new>
 #include <string_view>
 
@@ -31,10 +32,21 @@ struct Given {
   std::function<void()> verb;  // what to do with them
 };
 
-const CLI::Validator kFileName(
-    [](const std::string& name) { return std::string(name.empty() ? "an empty file name" : ""); }, "");
+// As CLI11 checks values: what is wrong with it, or nothing.
+std::string checkFileName(const std::string& name) { return name.empty() ? "an empty file name" : ""; }
 
 constexpr const char* kMessageFiles = "Message files, .syx or .mid by content; - is standard input";
+
+// Leaves out of the usage line what has no name to show.
+class HelpText : public CLI::Formatter {
+ public:
+  std::string make_usage(const CLI::App* app, std::string name) const override {
+    constexpr std::string_view kNameless = " []";
+    std::string usage = Formatter::make_usage(app, std::move(name));
+    if (const std::size_t at = usage.find(kNameless); at != std::string::npos) usage.erase(at, kNameless.size());
+    return usage;
+  }
+};
 
 CLI::Option* addWords(CLI::App& verb, const std::string& name, const std::string& description, Given& given) {
   CLI::Option* const words = verb.add_option(name, given.words, description)->required();
@@ -45,14 +57,14 @@ CLI::Option* addWords(CLI::App& verb, const std::string& name, const std::string
 
 void addList(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("list", "What messages a file holds, one line each");
-  addWords(verb, "FILE", kMessageFiles, given)->check(kFileName);
+  addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
   verb.add_flag("--json", given.json, "One object a line");
   verb.callback([&] { given.verb = [&] { list(given.words, given.json, program); }; });
 }
 
 void addVerify(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("verify", "Whether every message and every unit of a file is whole");
-  addWords(verb, "FILE", kMessageFiles, given)->check(kFileName);
+  addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
   verb.add_flag("--json", given.json, "One object a line");
   verb.callback([&] { given.verb = [&] { verify(given.words, given.json, program); }; });
 }
@@ -67,15 +79,15 @@ void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
       ->capture_default_str();
   verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
       ->type_name("FILE")
-      ->check(kFileName);
+      ->check(checkFileName);
 }
 
 void addReceive(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("receive", "Feed messages to the library's instrument");
-  addWords(verb, "FILE", kMessageFiles, given)->check(kFileName);
+  addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
   verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
       ->type_name("ANSWERS")
-      ->check(kFileName);
+      ->check(checkFileName);
   addExchangeOptions(verb, given.exchange);
   verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, program); }; });
 }
@@ -85,7 +97,7 @@ void addRequest(CLI::App& app, Given& given, Program& program) {
   addWords(verb, "ADDRESS", "Three hex bytes or names; system means all system blocks", given);
   verb.add_option("-o,--output", given.exchange.output, "Where the dumps go; default standard output")
       ->type_name("FILE")
-      ->check(kFileName);
+      ->check(checkFileName);
   addExchangeOptions(verb, given.exchange);
   verb.callback([&] { given.verb = [&] { request(given.words, given.exchange, program); }; });
 }
@@ -122,7 +134,7 @@ void addBackup(CLI::App& app, Given& given, Program& program) {
   verb.add_option("-o,--output", given.output, "Where it goes; - is standard output")
       ->type_name("FILE")
       ->required()
-      ->check(kFileName);
+      ->check(checkFileName);
   verb.callback([&] {
     given.verb = [&] {
       program.requireLibrary();
@@ -135,15 +147,17 @@ void addRestore(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("restore", "Receive all messages of a file into the library, or none");
   verb.add_option("FILE", given.file, "A backup, or any message file; - is standard input")
       ->required()
-      ->check(kFileName);
+      ->check(checkFileName);
   verb.add_flag("--dry-run", given.dryRun, "Say what would change, and change nothing");
   verb.callback([&] { given.verb = [&] { restore(given.file, given.dryRun, program); }; });
 }
 
 void addDiff(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = *app.add_subcommand("diff", "What two libraries or message files do not have in common");
-  verb.add_option("A", given.file, "A library, or a message file; - is standard input")->required()->check(kFileName);
-  verb.add_option("B", given.secondFile, "The same")->required()->check(kFileName);
+  verb.add_option("A", given.file, "A library, or a message file; - is standard input")
+      ->required()
+      ->check(checkFileName);
+  verb.add_option("B", given.secondFile, "The same")->required()->check(checkFileName);
   verb.callback([&] { given.verb = [&] { diff(given.file, given.secondFile, program); }; });
 }
 
@@ -170,7 +184,7 @@ void addScreen(CLI::App& app, Given& given, Program& program) {
   verb.add_option("-o,--output", given.output, "A PNG file; - is standard output")
       ->type_name("FILE")
       ->required()
-      ->check(kFileName);
+      ->check(checkFileName);
   verb.callback([&] { given.verb = [&] { screen(given.output, program); }; });
 }
 
@@ -196,12 +210,12 @@ void addCommonOptions(CLI::App& app, Program& program) {
          "--library", [&program](const std::string& file) { program.setLibraryFile(file); },
          "The library; default $BDA_LIBRARY, $XDG_DATA_HOME/bda/library.db, ~/.local/share/bda/library.db")
       ->type_name("FILE")
-      ->check(kFileName);
+      ->check(checkFileName);
   app.add_option_function<std::string>(
          "--names", [&program](const std::string& file) { program.setNameFile(file); },
          "The names of waveforms and arpeggios; default the library's name with .names behind it, if there is such")
       ->type_name("FILE")
-      ->check(kFileName);
+      ->check(checkFileName);
   CLI::Option* const verbose = app.add_flag_callback(
       "-v,--verbose", [&program] { program.console.setLoudness(Console::Loudness::verbose); }, "Say more");
   app.add_flag_callback(
@@ -246,6 +260,7 @@ int run(int argc, const char* const* argv, Program& program) {
   refuseEmptyValues(argc, argv);
   CLI::App app("Receives, keeps and answers MIDI System Exclusive bulk dumps.", "bda");
   app.footer(kAddresses);
+  app.formatter(std::make_shared<HelpText>());
   app.require_subcommand(1);
   app.fallthrough();
   addCommonOptions(app, program);

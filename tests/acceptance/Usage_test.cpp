@@ -23,6 +23,7 @@ TEST_F(Usage, helpAndVersionGoToStandardOutput) {
   EXPECT_THAT(help.out, HasSubstr("Exit codes: 0 all good"));
   EXPECT_EQ(help.err, "");
   EXPECT_THAT(bda({"receive", "--help"}).out, HasSubstr("--trace"));
+  EXPECT_THAT(bda({"list", "--help"}).out, HasSubstr("Usage: bda list [OPTIONS] FILE...\n"));
   EXPECT_THAT(bda({"-V"}).out, StartsWith("bda 0."));
 }
 
