@@ -24,20 +24,20 @@ struct ExchangeOptions {
   std::string trace;   // "": none
 };
 void receive(const Words& files, const ExchangeOptions& options, Program& program);
-void request(const Words& addresses, const ExchangeOptions& options, Program& program);
+void request(const Words& words, const ExchangeOptions& options, Program& program);
 
-// The parameters of a target; one can be three words.
-void show(const Words& target, bool json, Program& program);
-void apply(Words targetAndFile, Program& program);
+// The parameters of a target, whose address can be three words; apply takes a file of them behind it.
+void show(const Words& words, bool json, Program& program);
+void apply(Words words, Program& program);
 
 // The library itself. No name: all settings; no value: what it is.
 void settings(const std::string& name, const std::optional<std::string>& value, Program& program);
 void contents(bool json, Program& program);
 
-// Single contents.
-void rename(const Words& addressAndName, Program& program);
-void favourite(const Words& addressAndSwitch, Program& program);
-void remove(const Words& addresses, Program& program);
+// Single contents: their addresses, then the new name of one, or on or off.
+void rename(const Words& words, Program& program);
+void favourite(const Words& words, Program& program);
+void remove(const Words& words, Program& program);
 
 // Whole libraries.
 void backup(const std::string& output, Program& program);
