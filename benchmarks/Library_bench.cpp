@@ -9,14 +9,13 @@
 #include <optional>
 #include <string>
 
+#include "AddressRows.h"
 #include "cli/CommandLine.h"
-#include "cli/Units.h"
 #include "contents/ContentFormat.h"
 #include "contents/Library.h"
+#include "messages/Units.h"
 
 namespace {
-
-constexpr std::uint8_t kFileDumpHi = 0x0C;
 
 class FullLibrary {
  public:
@@ -51,7 +50,7 @@ class FullLibrary {
  private:
   static void fill(Editor::Library& library, Editor::MidLo place) {
     const std::optional<Editor::ContentId> content = Editor::contentOfFileDump(place);
-    if (!content || !Editor::isWritableFileDump({kFileDumpHi, place.mid, place.lo})) return;
+    if (!content || !Editor::isWritableFileDump({BDA::kFileDumpHi, place.mid, place.lo})) return;
     const Editor::ModelSet models = Editor::emptySetFor(*content);
     library.store(*content, Editor::encodeContent(models), fmt::format("Content {:02X} {:02X}", place.mid, place.lo));
   }

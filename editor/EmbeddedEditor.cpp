@@ -13,8 +13,6 @@ namespace Editor {
 
 namespace {
 
-constexpr std::uint8_t kTriggerHi = 0x11;
-constexpr std::uint8_t kFileDumpHi = 0x0C;
 constexpr std::size_t kLongestFileDump = 0x3FFF;
 constexpr std::uint16_t kMixingVoicesFull = 46;
 constexpr std::uint16_t kFirstResettingId = 41;  // from here on the shown ids tell that the open header was forgotten
@@ -27,7 +25,7 @@ bool isEditBufferFooter(BulkAddress address) {
 
 bool isTrigger(const Reading& reading) {
   return reading.kind == Reading::Kind::dump && reading.verdict != Reading::Verdict::unknownAddress &&
-         reading.address->hi == kTriggerHi;
+         reading.address->hi == BDA::kTriggerHi;
 }
 
 // Whether the assistant now waits for a header again.
@@ -66,7 +64,7 @@ std::string messagesOf(const std::vector<std::string>& log) {
 
 std::string nameOf(ContentId content) {
   if (const auto header = headerOf(content)) return nameOrBytes({BDA::kHeaderHi, header->mid, header->lo});
-  if (const auto dump = fileDumpOf(content)) return nameOrBytes({kFileDumpHi, dump->mid, dump->lo});
+  if (const auto dump = fileDumpOf(content)) return nameOrBytes({BDA::kFileDumpHi, dump->mid, dump->lo});
   return fmt::format("content {} of type {}", content.number, content.type);
 }
 
@@ -128,7 +126,7 @@ Record EmbeddedEditor::handle(std::span<const std::uint8_t> message, BDA::Device
 
   bool changed = false;
   if (reading.kind == Reading::Kind::dump &&
-      (reading.address->hi == BDA::kFooterHi || reading.address->hi == kTriggerHi)) {
+      (reading.address->hi == BDA::kFooterHi || reading.address->hi == BDA::kTriggerHi)) {
     if (!inRun_) nameChanges(record);
     if (isEditBufferFooter(*reading.address) && record.result == BDA::BulkMsg_BulkDump && !hasFailed(record) &&
         !record.shown.empty())
@@ -239,7 +237,7 @@ void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_
         open_->header())
         .blocks = record.missing;
     open_.reset();
-  } else if (isTaken && reading.address->hi == kFileDumpHi) {
+  } else if (isTaken && reading.address->hi == BDA::kFileDumpHi) {
     const auto same =
         std::find_if(held_.begin(), held_.end(), [&](const Held& held) { return held.address == *reading.address; });
     if (same == held_.end()) held_.push_back({*reading.address, number});
@@ -248,7 +246,7 @@ void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_
   }
   if (record.result == BDA::BulkMsg_BulkDump && isTrigger(reading) && !record.shown.empty())
     endHeld(UnitReport::State::written);
-  if (isDump && reading.address->hi == kFileDumpHi && record.outcome == Outcome::refused &&
+  if (isDump && reading.address->hi == BDA::kFileDumpHi && record.outcome == Outcome::refused &&
       lastShown(record) >= kFirstResettingId && !held_.empty())
     endHeld(UnitReport::State::discarded);
   if (hasForgottenHeader(record)) abandon();
@@ -292,9 +290,9 @@ std::string EmbeddedEditor::whyRefused(const Record& record, const Reading& read
     if (isUnitBlock && (!open_ || !OpenUnit(*open_).arrive(address))) return "no open header admits this block";
     if (isList(address, BDA::List::footer) && (!open_ || !open_->isClosedBy(address)))
       return "it closes no open header";
-    if (address.hi == kFileDumpHi && !isWritableFileDump(address)) return "this bank is not stored by file dumps";
+    if (address.hi == BDA::kFileDumpHi && !isWritableFileDump(address)) return "this bank is not stored by file dumps";
   }
-  if (record.result == BDA::BulkMsg_BulkRequest && reading.address->hi == kFileDumpHi)
+  if (record.result == BDA::BulkMsg_BulkRequest && reading.address->hi == BDA::kFileDumpHi)
     if (const std::size_t size = fileDumpSize(*reading.address); size > kLongestFileDump)
       return fmt::format("its file dump would have {} data bytes, at most {} are possible", size, kLongestFileDump);
   return record.log.empty() ? "storage ran out" : messagesOf(record.log);

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "Outcome.h"
-#include "cli/Units.h"
 #include "contents/ContentsWork.h"
 #include "contents/Library.h"
 #include "contents/ModelStore.h"
+#include "messages/Units.h"
 
 namespace Editor {
 

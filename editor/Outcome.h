@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "AssistantHost.h"
-#include "cli/Messages.h"
+#include "messages/Messages.h"
 
 namespace Editor {
 

@@ -19,9 +19,6 @@ namespace Editor {
 
 namespace {
 
-constexpr std::uint8_t kFileDumpHi = 0x0C;
-constexpr BulkAddress kWriteTrigger{0x11, 0x00, 0x00};
-
 struct Item {
   BulkAddress address;  // to ask for
   std::string name;
@@ -52,8 +49,8 @@ Plan planOf(EmbeddedEditor& editor) {
   for (const ContentId id : editor.library().contents()) {
     const std::optional<MidLo> fileDump = fileDumpOf(id);
     const std::optional<MidLo> header = headerOf(id);
-    if (fileDump && isWritableFileDump({kFileDumpHi, fileDump->mid, fileDump->lo}))
-      plan.fileDumps.push_back({{kFileDumpHi, fileDump->mid, fileDump->lo}, nameOf(id)});
+    if (fileDump && isWritableFileDump({BDA::kFileDumpHi, fileDump->mid, fileDump->lo}))
+      plan.fileDumps.push_back({{BDA::kFileDumpHi, fileDump->mid, fileDump->lo}, nameOf(id)});
     else if (header)
       plan.units.push_back({{BDA::kHeaderHi, header->mid, header->lo}, nameOf(id)});
     else

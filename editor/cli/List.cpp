@@ -6,9 +6,9 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/InputFiles.h"
-#include "cli/Messages.h"
-#include "cli/Units.h"
 #include "cli/Verbs.h"
+#include "messages/Messages.h"
+#include "messages/Units.h"
 
 namespace Editor {
 

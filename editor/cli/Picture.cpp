@@ -4,14 +4,12 @@
 #include <png.h>
 
 #include "cli/Failure.h"
-#include "cli/Messages.h"
+#include "messages/Messages.h"
 
 namespace Editor {
 
 namespace {
 
-constexpr BulkAddress kScreen{0x51, 0x00, 0x00};
-constexpr BulkAddress kScreenData{0x51, 0x00, 0x01};
 constexpr std::size_t kDataAt = 10;
 constexpr std::size_t kHeadBytes = 7;    // number of blocks, width, height (14 bits each), 0
 constexpr std::size_t kNumberBytes = 2;  // of a block

@@ -12,7 +12,6 @@
 namespace Editor {
 
 void screen(const std::string& output, Program& program) {
-  constexpr BulkAddress kScreen{0x51, 0x00, 0x00};
   const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
   if (output == "-") program.console.keepOutputForBytes();
   OutputFile file(output);

@@ -74,7 +74,7 @@ const std::array kSettings{
             [](EmbeddedEditor& editor) { return std::to_string(editor.library().mixingVoiceMaximum()); },
             [](EmbeddedEditor& editor, const std::string& value) {
               const auto most = parseNumber(value, 0, Library::kDefaultMixingVoiceMaximum);
-              if (most) editor.library().set("mixing-voices", *most);
+              if (most) editor.library().setMixingVoiceMaximum(*most);
               return most.has_value();
             }},
 };

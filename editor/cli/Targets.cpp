@@ -84,7 +84,7 @@ Target parseTarget(const std::string& text) {
     }
   }
   if (list == std::size_t(BDA::List::fileDump)) {
-    if (const auto content = contentOfFileDump({address.mid, address.lo}); content && address.hi == 0x0C) {
+    if (const auto content = contentOfFileDump({address.mid, address.lo}); content && address.hi == BDA::kFileDumpHi) {
       target.kind = Target::Kind::content;
       target.content = *content;
       if (const auto header = headerOf(*content)) target.header = BulkAddress{BDA::kHeaderHi, header->mid, header->lo};

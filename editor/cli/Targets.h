@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/AddressNames.h"
+#include "messages/AddressNames.h"
 #include "models/ContentAddress.h"
 
 namespace Editor {

@@ -42,7 +42,7 @@ void Trace::add(const Origin& origin, BDA::DevicePortNum port, std::span<const s
   line["shown"] = record.shown;
   line["log"] = record.log;
   line["sent"] = toJson(record.sent);
-  file_->write(line.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n');
+  file_->write(line.dump(-1, ' ', true, Json::error_handler_t::replace) + '\n');
 }
 
 void Trace::commit() {

@@ -6,9 +6,11 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <string_view>
 #include <system_error>
+#include <thread>
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
@@ -121,6 +123,18 @@ struct Library::Database {
                    options.vfs) {}
 
   std::int64_t integer(const char* sql) { return connection.execAndGet(sql).getInt64(); }
+  // Two that change the mode at once could wait for each other, so SQLite lets neither wait: that is left to us.
+  std::string keepWriteAheadLog(std::chrono::milliseconds busyTimeout) {
+    const auto deadline = std::chrono::steady_clock::now() + busyTimeout;
+    while (true) {
+      try {
+        return connection.execAndGet("PRAGMA journal_mode = WAL").getString();
+      } catch (const SQLite::Exception& error) {
+        if (error.getErrorCode() != SQLITE_BUSY || std::chrono::steady_clock::now() >= deadline) throw;
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  }
   // An SQLite error may have ended the transaction behind our back; what came next would then be written alone.
   bool transactionLost() const { return sqlite3_get_autocommit(connection.getHandle()) != 0; }
 
@@ -201,8 +215,8 @@ Library::Library(const std::filesystem::path& file, const Options& options)
     if (version < kVersion) fail(SQLITE_CORRUPT, "its version is missing");
 
     // Not before the file is known as ours: this writes to it. A library stays in that mode.
-    const std::string mode = connection.execAndGet("PRAGMA journal_mode = WAL").getString();
-    if (mode != "wal") fail(SQLITE_CANTOPEN, "no write-ahead log can be kept beside it");
+    if (database_->keepWriteAheadLog(options.busyTimeout) != "wal")
+      fail(SQLITE_CANTOPEN, "no write-ahead log can be kept beside it");
     try {
       database_->statements.emplace(connection);
     } catch (const SQLite::Exception& error) {

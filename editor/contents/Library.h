@@ -112,7 +112,8 @@ class Library {
   void setFavourite(ContentId id, std::uint8_t flag);
 
   std::int64_t mixingVoiceCount();
-  std::int64_t mixingVoiceMaximum() { return setting("mixing-voices").value_or(kDefaultMixingVoiceMaximum); }
+  std::int64_t mixingVoiceMaximum() { return setting(kMixingVoices).value_or(kDefaultMixingVoiceMaximum); }
+  void setMixingVoiceMaximum(std::int64_t most) { set(kMixingVoices, most); }
 
   // The live models, each as bytes under a key of its owner's choice.
   std::optional<Bytes> live(const std::string& key);
@@ -137,6 +138,7 @@ class Library {
 
  private:
   struct Database;
+  static constexpr const char* kMixingVoices = "mixing-voices";
 
   [[noreturn]] void fail(int sqliteCode, const std::string& text) const;
   template <typename Operation>

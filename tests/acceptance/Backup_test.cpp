@@ -4,6 +4,7 @@
 #include "Program.h"
 
 using Editor::BulkAddress;
+using Editor::kWriteTrigger;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;

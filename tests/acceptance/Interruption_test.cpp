@@ -31,7 +31,7 @@ class Interruption : public Program {
         messages += text(unit({0x0E, 0x70, number}, BDA::List::master, value));
         messages += text(fileDump({0x0C, 0x50, number}, "Multi", Bytes(500, value)));
       }
-      write(fileOf(value), messages + text(dump(kWriteTrigger)));
+      write(fileOf(value), messages + text(dump(Editor::kWriteTrigger)));
       const Clock::time_point start = Clock::now();
       EXPECT_THAT(bda({"restore", fileOf(value)}), Exits(0));
       duration_ = Clock::now() - start;

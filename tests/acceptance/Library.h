@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "../editor/cli/BulkMessages.h"
 #include "contents/Library.h"
+#include "editor/messages/BulkMessages.h"
 
 // A file dump of bytes below 80, as an instrument would send it.
 inline Bytes fileDump(Editor::BulkAddress address, const std::string& name, const Bytes& bytes) {
@@ -24,8 +24,6 @@ inline Bytes fileDump(Editor::BulkAddress address, const std::string& name, cons
   append(bytes);
   return dump(address, field);
 }
-
-inline constexpr Editor::BulkAddress kWriteTrigger{0x11, 0x00, 0x00};
 
 // Contents by type and number.
 inline constexpr Editor::ContentId kPresetVoice1{4, 0x3F0000};

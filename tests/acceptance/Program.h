@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "../editor/cli/BulkMessages.h"
+#include "editor/messages/BulkMessages.h"
 
 struct Result {
   int code = -1;  // -1: it did not end by itself

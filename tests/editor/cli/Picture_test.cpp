@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <png.h>
 
-#include "BulkMessages.h"
+#include "editor/messages/BulkMessages.h"
 
 using Editor::AssistantHost;
 using Editor::Picture;

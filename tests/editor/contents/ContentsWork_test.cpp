@@ -149,7 +149,7 @@ TEST_F(ContentsWorkTest, ThereAreAsManyMixingVoicesAsTheSettingAllows) {
   EXPECT_EQ(work.getMixingVoiceSumSync(count, maximum), ContRes_Success);
   EXPECT_EQ(count, 0);
   EXPECT_EQ(maximum, 2048);
-  library.set("mixing-voices", 3);
+  library.setMixingVoiceMaximum(3);
   for (const std::uint32_t number : {0x3F3C00u, 0x3F8000u, 0x3F8010u, 0x3F87FFu, 0x3F0800u})
     library.store({4, number}, Bytes{1}, "");
   EXPECT_EQ(work.getMixingVoiceSumSync(count, maximum), ContRes_Success);

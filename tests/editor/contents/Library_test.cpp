@@ -84,7 +84,7 @@ TEST_F(LibraryTest, KeepsEverythingWhenItIsOpenedAgain) {
     library.store(kVoice, Bytes{1, 2, 3}, "Piano");
     library.setFavourite(kMulti, 1);
     library.storeLive("system", Bytes{9});
-    library.set("mixing-voices", 5);
+    library.setMixingVoiceMaximum(5);
   }
   Library library(file);
   EXPECT_EQ(library.content(kVoice), (Content{"Piano", {1, 2, 3}}));
@@ -211,6 +211,18 @@ TEST_F(LibraryTest, ALockedLibraryIsNamedAfterTheBusyTimeout) {
   other("COMMIT");
   library.store(kVoice, Bytes{1}, "x");
   EXPECT_TRUE(library.content(kVoice));
+}
+
+// As one has it for a moment that another program is creating.
+TEST_F(LibraryTest, ALibraryWithoutItsLogWaitsForTheLockThatKeepsItFromOne) {
+  { Library library(file); }
+  PlainDatabase other(file);
+  other("PRAGMA journal_mode = DELETE; BEGIN IMMEDIATE");
+  std::thread opener([this] { EXPECT_NO_THROW(Library library(file)); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  other("COMMIT");
+  opener.join();
+  EXPECT_EQ(PlainDatabase{file}("PRAGMA journal_mode"), "wal");
 }
 
 TEST_F(LibraryTest, ALibraryThatIsLockedForGoodCannotBeOpened) {
@@ -362,7 +374,7 @@ TEST_F(LibraryTest, ATransactionThatEndsByAnExceptionLeavesNothing) {
     library.store(kMulti, Bytes{2}, "after");
     library.setFavourite(kVoice, 0);
     library.storeLive("system", Bytes{2});
-    library.set("mixing-voices", 1);
+    library.setMixingVoiceMaximum(1);
     throw std::runtime_error("stop");
   };
   EXPECT_THROW(broken(), std::runtime_error);

@@ -145,7 +145,7 @@ TEST_F(ModelStoreTest, TellsOfALibraryThatFails) {
 
 TEST_F(ModelStoreTest, KnowsHowManyMixingVoicesThereAreAndMayBe) {
   EXPECT_EQ(store.mixingVoiceMaximum(), 2048);
-  library.set("mixing-voices", 3);
+  library.setMixingVoiceMaximum(3);
   ASSERT_TRUE(store.storeModels({4, 0x3F3C00}, "x", emptySetFor(kVoice), why));
   EXPECT_EQ(store.mixingVoiceCount(), 1);
   EXPECT_EQ(store.mixingVoiceMaximum(), 3);

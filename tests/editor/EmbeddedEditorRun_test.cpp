@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "BulkMessages.h"
 #include "EmbeddedEditor.h"
+#include "editor/messages/BulkMessages.h"
 
 using Editor::EmbeddedEditor;
 using Editor::Outcome;

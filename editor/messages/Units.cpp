@@ -1,4 +1,4 @@
-#include "cli/Units.h"
+#include "messages/Units.h"
 
 #include <fmt/format.h>
 
@@ -6,13 +6,11 @@
 #include <utility>
 
 #include "AddressRows.h"
+#include "models/ContentAddress.h"
 
 namespace Editor {
 
 namespace {
-
-constexpr std::uint8_t kMultiPartVoice = 9;  // the header type that admits two kinds of voice
-constexpr std::uint8_t kTriggerHi = 0x11;
 
 bool isList(std::size_t list, BDA::List which) { return list == std::size_t(which); }
 
@@ -25,7 +23,7 @@ std::string noteOf(const std::set<unsigned>& devices) {
 
 OpenUnit::OpenUnit(BulkAddress header, std::uint64_t message) : header_(header), firstMessage_(message) {
   const std::uint8_t type = findBlock(header)->type;
-  if (type != kMultiPartVoice) expect(BDA::listBetween(type));
+  if (type != BDA::kPartVoiceHeader) expect(BDA::listBetween(type));
 }
 
 void OpenUnit::expect(std::size_t list) {
@@ -97,7 +95,7 @@ std::vector<UnitReport> UnitFollower::finish() {
 }
 
 void UnitFollower::dump(BulkAddress address, unsigned device, bool good) {
-  if (marksEmptyVoice(address) || isScreenData(address)) return;  // outside of the map, as an unknown address
+  if (marksEmptyVoice(address) || address == kScreenData) return;  // outside of the map, as an unknown address
   const std::size_t list = BDA::listOf(address.hi);
   if (isList(list, BDA::List::header)) {
     abandon(describeAddress(address));
@@ -113,7 +111,7 @@ void UnitFollower::dump(BulkAddress address, unsigned device, bool good) {
     ended_.back().note = noteOf(openDevices_);
     open_.reset();
   } else if (isList(list, BDA::List::fileDump)) {
-    address.hi == kTriggerHi ? writeTrigger(address, device) : fileDump(address, device);
+    address.hi == BDA::kTriggerHi ? writeTrigger(address, device) : fileDump(address, device);
   } else if (isList(list, BDA::List::system) || isList(list, BDA::List::favorite) ||
              isList(list, BDA::List::editorName) || isList(list, BDA::List::screenCap)) {
     abandon(describeAddress(address));
@@ -131,15 +129,23 @@ void UnitFollower::fileDump(BulkAddress address, unsigned device) {
     ended_.push_back(endHeld(UnitReport::State::discarded, address));
     return abandon(describeAddress(address));
   }
+  const auto supersede = [&](const HeldFileDump& dump, const std::string& by) {
+    superseded_ += fmt::format("{}{} of message {} is replaced by {} of message {}", superseded_.empty() ? "" : "; ",
+                               nameOrBytes(dump.address), dump.message, by, message_);
+  };
   const auto same =
       std::find_if(held_.begin(), held_.end(), [&](const HeldFileDump& dump) { return dump.address == address; });
   if (held_.empty()) firstHeld_ = message_;
-  if (same == held_.end()) {
-    held_.push_back({address, message_});
-  } else {
-    superseded_ += fmt::format("{}{} of message {} is replaced by that of message {}", superseded_.empty() ? "" : "; ",
-                               nameOrBytes(address), same->message, message_);
+  if (same != held_.end()) {
+    supersede(*same, "that");
     same->message = message_;
+  } else {
+    // A mixing voice of the first multi has two addresses. Both are written, in the order in which they came to be
+    // held.
+    const auto content = contentOfFileDump({address.mid, address.lo});
+    for (const HeldFileDump& dump : held_)
+      if (contentOfFileDump({dump.address.mid, dump.address.lo}) == content) supersede(dump, nameOrBytes(address));
+    held_.push_back({address, message_});
   }
   heldDevices_.insert(device);
 }

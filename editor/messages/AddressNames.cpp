@@ -1,4 +1,4 @@
-#include "cli/AddressNames.h"
+#include "messages/AddressNames.h"
 
 #include <fmt/format.h>
 
@@ -131,10 +131,6 @@ constexpr std::array kTriggers{
 // Their blocks come in any length; a screen leaves in messages of several.
 constexpr unsigned kFileDumpExecuter = 60;
 constexpr unsigned kScreenExecuter = 61;
-
-// Beyond the map: with this bit in the low byte, header and footer of a mixing voice mean an empty one.
-constexpr std::uint8_t kMixingVoiceMid = 0x31;
-constexpr std::uint8_t kEmptyVoiceMark = 0x40;
 
 const Naming& namingOf(std::uint8_t type, std::uint8_t mid) {
   if (type == kTriggerType) return kTriggers[mid];
@@ -271,6 +267,11 @@ std::optional<BlockFacts> findBlock(BulkAddress address) {
   return facts;
 }
 
+bool marksEmptyVoice(BulkAddress address) {
+  return (address.hi == BDA::kHeaderHi || address.hi == BDA::kFooterHi) && address.mid == BDA::kMixingVoiceMid &&
+         (address.lo & 0xC0) == BDA::kEmptyVoice;
+}
+
 std::string formatAddress(BulkAddress address) {
   const std::array bytes{address.hi, address.mid, address.lo};
   return formatHex(bytes);
@@ -278,7 +279,7 @@ std::string formatAddress(BulkAddress address) {
 
 std::string describeAddress(BulkAddress address) {
   const bool isControl = address.hi == BDA::kHeaderHi || address.hi == BDA::kFooterHi;
-  if (isControl && address.mid == kMixingVoiceMid && address.lo >= kEmptyVoiceMark && address.lo < 0x80)
+  if (marksEmptyVoice(address))
     return fmt::format("mixing voice {}: {} of an empty voice", (address.lo & 0x0F) + 1,
                        address.hi == BDA::kHeaderHi ? "header" : "footer");
   std::string words = "unknown address";

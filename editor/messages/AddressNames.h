@@ -17,6 +17,12 @@ struct BulkAddress {
   friend bool operator==(const BulkAddress&, const BulkAddress&) = default;
 };
 
+inline constexpr BulkAddress kWriteTrigger{0x11, 0x00, 0x00};
+// A screen is asked for at the first of these, where its first message comes back. Those that carry the rest come at
+// the second, which is not in the map.
+inline constexpr BulkAddress kScreen{0x51, 0x00, 0x00};
+inline constexpr BulkAddress kScreenData{0x51, 0x00, 0x01};
+
 // What the map says of a block.
 struct BlockFacts {
   std::uint8_t type;
@@ -26,6 +32,9 @@ struct BlockFacts {
 
 // Nothing when the address is not in the map.
 std::optional<BlockFacts> findBlock(BulkAddress address);
+
+// A header or footer that stands for an empty mixing voice; such an address is not in the map.
+bool marksEmptyVoice(BulkAddress address);
 
 // "0E 0A 05"
 std::string formatAddress(BulkAddress address);

@@ -1,4 +1,4 @@
-#include "cli/AddressNames.h"
+#include "messages/AddressNames.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "BulkMessages.h"
+#include "editor/messages/BulkMessages.h"
 
 using Editor::BulkAddress;
 using Editor::EditBuffer;
@@ -274,7 +274,7 @@ TEST_F(EmbeddedEditorTest, aMessageOfAnUnknownTypeOrLengthIsRefused) {
 }
 
 TEST_F(EmbeddedEditorTest, aMixingVoiceThatFindsNoRoomIsRefused) {
-  editor->library().set("mixing-voices", 0);
+  editor->library().setMixingVoiceMaximum(0);
   const Record record = block({0x0E, 0x31, 0x05});
   EXPECT_EQ(record.shown, shown({46}));
   EXPECT_EQ(record.outcome, Outcome::refused);

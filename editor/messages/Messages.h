@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-#include "cli/AddressNames.h"
+#include "messages/AddressNames.h"
 
 namespace Editor {
 
@@ -46,11 +46,6 @@ const char* wordOf(Reading::Kind kind);
 const char* wordOf(Reading::Verdict verdict);
 // Good and foreign messages are fine, all others are broken.
 bool isBroken(const Reading& reading);
-// A header or footer that stands for an empty mixing voice; such an address is not in the map.
-bool marksEmptyVoice(BulkAddress address);
-// The data of a screen, which is sent in several messages: the first at the address of the screen, the others at this
-// one. It is not in the map either.
-bool isScreenData(BulkAddress address);
 
 // What the message carries, in words: "element 3 oscillator", "request of system common" ...
 std::string describeContent(const Reading& reading);

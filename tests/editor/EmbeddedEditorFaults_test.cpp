@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <functional>
 
-#include "BulkMessages.h"
 #include "EmbeddedEditor.h"
 #include "editor/contents/FaultyVfs.h"
+#include "editor/messages/BulkMessages.h"
 
 using Editor::BulkAddress;
 using Editor::EmbeddedEditor;

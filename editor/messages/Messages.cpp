@@ -1,4 +1,4 @@
-#include "cli/Messages.h"
+#include "messages/Messages.h"
 
 #include <fmt/format.h>
 
@@ -17,9 +17,6 @@ constexpr std::size_t kDumpDataAt = 10;
 constexpr std::uint8_t kMakerId = 0x7D;
 
 enum : std::uint8_t { kDumpType = 0x00, kType1 = 0x10, kRequestType = 0x20, kType3 = 0x30, kType4 = 0x40 };
-
-constexpr BulkAddress kScreenData{0x51, 0x00, 0x01};
-constexpr std::uint8_t kFileDumpHi = 0x0C;
 
 bool isForThisInstrument(std::span<const std::uint8_t> message) {
   return message.size() >= kShortest && message[1] == kMakerId &&
@@ -55,13 +52,13 @@ std::string whyNoContent(std::span<const std::uint8_t> field) {
 void judgeAddress(Reading& reading, std::span<const std::uint8_t> data) {
   const std::optional<BlockFacts> block = findBlock(*reading.address);
   if (!block) {
-    const bool isScreen = reading.kind == Reading::Kind::dump && isScreenData(*reading.address);
+    const bool isScreen = reading.kind == Reading::Kind::dump && *reading.address == kScreenData;
     if (marksEmptyVoice(*reading.address) || isScreen) return;
     judge(reading, Reading::Verdict::unknownAddress, fmt::format("no block at {}", formatAddress(*reading.address)));
   } else if (reading.kind == Reading::Kind::dump && block->dataLength && *block->dataLength != reading.dataBytes) {
     judge(reading, Reading::Verdict::blockLengthWrong,
           fmt::format("{} data bytes, this block has {}", reading.dataBytes, *block->dataLength));
-  } else if (reading.kind == Reading::Kind::dump && reading.address->hi == kFileDumpHi) {
+  } else if (reading.kind == Reading::Kind::dump && reading.address->hi == BDA::kFileDumpHi) {
     if (std::string why = whyNoContent(data); !why.empty())
       judge(reading, Reading::Verdict::fileDumpBroken, std::move(why));
   }
@@ -167,19 +164,12 @@ bool isBroken(const Reading& reading) {
   return reading.verdict != Reading::Verdict::good && reading.verdict != Reading::Verdict::foreign;
 }
 
-bool marksEmptyVoice(BulkAddress address) {
-  return (address.hi == BDA::kHeaderHi || address.hi == BDA::kFooterHi) && address.mid == 0x31 &&
-         (address.lo & 0xC0) == 0x40;
-}
-
-bool isScreenData(BulkAddress address) { return address == kScreenData; }
-
 std::string describeContent(const Reading& reading) {
   switch (reading.kind) {
     case Reading::Kind::foreign:
       return "another instrument's message";
     case Reading::Kind::dump:
-      return isScreenData(*reading.address) ? "screen capture data" : describeAddress(*reading.address);
+      return *reading.address == kScreenData ? "screen capture data" : describeAddress(*reading.address);
     case Reading::Kind::request:
       return "request of " + describeAddress(*reading.address);
     case Reading::Kind::other:

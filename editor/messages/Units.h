@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/Messages.h"
+#include "messages/Messages.h"
 
 namespace Editor {
 

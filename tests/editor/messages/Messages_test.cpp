@@ -1,8 +1,8 @@
-#include "cli/Messages.h"
+#include "messages/Messages.h"
 
 #include <gtest/gtest.h>
 
-#include "BulkMessages.h"
+#include "editor/messages/BulkMessages.h"
 
 using Editor::BulkAddress;
 using Editor::Reading;

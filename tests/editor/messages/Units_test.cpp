@@ -1,11 +1,12 @@
-#include "cli/Units.h"
+#include "messages/Units.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "BulkMessages.h"
+#include "editor/messages/BulkMessages.h"
 
 using Editor::BulkAddress;
+using Editor::parseAddress;
 using Editor::UnitFollower;
 using Editor::UnitReport;
 using State = UnitReport::State;
@@ -179,6 +180,16 @@ TEST_F(Units, messagesForDifferentDevicesAreNoted) {
   EXPECT_EQ(reports[2].note, "");
   EXPECT_THAT(describeUnit(reports[0]),
               HasSubstr("complete (messages 1 to 26); its messages are for different devices: 1, 5"));
+}
+
+TEST_F(Units, theTwoAddressesOfAMixingVoiceAreOnePlace) {
+  send(dump(parseAddress("file:voice:mix:5"), Bytes(4)))
+      .send(dump(parseAddress("file:mix:1:5"), Bytes(4)))
+      .block({0x11, 0x00, 0x00})
+      .finish();
+  ASSERT_THAT(states(), ElementsAre(State::written));
+  EXPECT_EQ(reports[0].blocks.size(), 2u);
+  EXPECT_EQ(reports[0].note, "file:voice:mix:5 of message 1 is replaced by file:mix:1:5 of message 2");
 }
 
 TEST_F(Units, aFileDumpThatComesAgainReplacesTheOneThatIsHeld) {

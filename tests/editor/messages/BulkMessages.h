@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "AddressRows.h"
-#include "cli/AddressNames.h"
+#include "messages/AddressNames.h"
 
 using Bytes = std::vector<std::uint8_t>;
 
