@@ -112,6 +112,16 @@ TEST_F(Receive, fileDumpsAreStoredByTheirTrigger) {
   EXPECT_EQ(read("back.syx"), read("a.syx"));
 }
 
+TEST_F(Receive, aFileDumpOfNothingRemovesAndIsToldSo) {
+  write("a.syx", {dump({0x0C, 0x50, 0x04}, {0, 2, 0x00, 0x41, 0, 2, 0x00, 0x42}), dump({0x11, 0, 0})});
+  write("b.syx", {dump({0x0C, 0x50, 0x04}, {0, 0, 0, 0}), dump({0x11, 0, 0})});
+  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
+  const Result run = bda({"receive", "b.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_EQ(run.out, "removed: file:multi:5 (b.syx: message 2 at offset 16)\n");
+  EXPECT_THAT(bda({"contents"}).out, Not(HasSubstr("multi:5")));
+}
+
 TEST_F(Receive, messagesOfOthersAndOfOtherTypesNeverChangeTheCode) {
   Bytes foreign = request({0, 0, 0});
   foreign[1] = 0x41;

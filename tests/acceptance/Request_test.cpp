@@ -115,6 +115,15 @@ TEST_F(Request, anAnswerThatIsNoMidiIsRefusedAndNamed) {
   EXPECT_EQ(read("a.syx"), text(blockDump({0, 0x40, 0})));
 }
 
+TEST_F(Request, anOpaqueContentAnswersAsAFileDumpOnly) {
+  Editor::Library(directory / "library.db").store({4, 0x3F0805}, Bytes{1, 2, 3}, "Opaque");
+  const Result run = bda({"request", "voice:user1:6", "-o", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("no answer: its bytes are not in this editor's format"));
+  EXPECT_THAT(files(), IsEmpty());
+  EXPECT_THAT(bda({"request", "file:voice:user1:6", "-o", "a.syx"}), Exits(0));
+}
+
 TEST_F(Request, anOutputThatCannotBeReplacedIsAnError) {
   const Result run = bda({"request", "004000", "-o", "."});
   EXPECT_THAT(run, Exits(1));
