@@ -1,47 +1,12 @@
-// What the module allocates, and what becomes of it when storage runs out. This program's own operator new counts, and
-// fails on demand; the recording platform is silent meanwhile, so that only the module is measured.
+// What the module allocates, and what becomes of it when storage runs out. The recording platform is silent meanwhile,
+// so that only the module is measured.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
-
 #include "bda/BulkDumpAssistant.h"
+#include "support/Allocations.h"
 #include "support/AssistantFixture.h"
-
-namespace {
-
-thread_local bool counting = false;
-thread_local long allocations = 0;
-thread_local long failsFrom = -1;  // the number of the allocation that fails, and all after it while failsOn
-thread_local bool failsOn = false;
-
-void* allocate(std::size_t size) noexcept {
-  if (counting) {
-    const long number = allocations++;
-    if (number == failsFrom || (failsOn && failsFrom >= 0 && number > failsFrom)) return nullptr;
-  }
-  return std::malloc(size == 0 ? 1 : size);
-}
-
-void* allocateOrThrow(std::size_t size) {
-  if (void* const memory = allocate(size)) return memory;
-  throw std::bad_alloc();
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return allocateOrThrow(size); }
-void* operator new[](std::size_t size) { return allocateOrThrow(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
-void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
 
 namespace {
 
@@ -50,25 +15,20 @@ using namespace BDA;
 
 class Memory : public AssistantFixture {
  protected:
-  // Runs `action` and gives the number of its allocations.
+  // What the module allocates in `action`.
   template <typename Action>
   long allocationsOf(Action action) {
     record.records = false;
-    allocations = 0;
-    counting = true;
-    action();
-    counting = false;
+    allocations.of(action);
     record.records = true;
-    return allocations;
+    return allocations.count;
   }
-  // The same, with allocation `number` failing, and (`onwards`) all that follow.
+  // With that allocation failing, and (`onwards`) all that follow.
   template <typename Action>
   void withFailure(long number, bool onwards, Action action) {
-    failsFrom = number;
-    failsOn = onwards;
-    allocationsOf(action);
-    failsFrom = -1;
-    failsOn = false;
+    record.records = false;
+    allocations.ofWithFailure(number, onwards, action);
+    record.records = true;
   }
   BulkMsgType feed(const Bytes& message, std::uint32_t from = 1) {
     return assistant->receiveBulkDump(message.data(), message.size(), DevicePortNum(from));
@@ -150,7 +110,7 @@ TEST_F(Memory, WhenStorageRunsOutARequestFailsAndTheNextIsAnswered) {
   ASSERT_GT(count, 0);
   forget();
   for (const bool onwards : {false, true}) {
-    for (long number = 0; number < count; ++number) {
+    for (long number = 1; number <= count; ++number) {
       BulkMsgType type = BulkMsg_NotSysEx;
       withFailure(number, onwards, [&] { type = feed(message); });
       EXPECT_EQ(type, BulkMsg_BulkRequest);
@@ -180,7 +140,7 @@ TEST_F(Memory, WhenStorageRunsOutInsideADumpItFailsAndTheNextIsReceived) {
   const Bytes footer = dumpMessage("0F 0A 05");
   own.receiveBulkDump(header.data(), header.size(), DevicePort_Main);
   forget();
-  withFailure(0, true, [&] { own.receiveBulkDump(footer.data(), footer.size(), DevicePort_Main); });
+  withFailure(1, true, [&] { own.receiveBulkDump(footer.data(), footer.size(), DevicePort_Main); });
   EXPECT_EQ(greedy.suspended, 0);
   own.closeMsg();
   EXPECT_EQ(shown(), std::vector<int>{}) << "44 has no closing id";
@@ -229,8 +189,8 @@ TEST_F(Memory, WhenStorageRunsOutWhileItIsConstructedItStandsAndGoes) {
     record.records = true;
   };
   // All of the first and the last ones, where the objects are; a sample of the blocks between.
-  for (long number = 0; number < count; number += number < 140 || number > count - 40 ? 1 : 211) tryOut(number, false);
-  for (long number = 0; number < count; number += number < 140 || number > count - 40 ? 7 : 1009) tryOut(number, true);
+  for (long number = 1; number <= count; number += number < 140 || number > count - 40 ? 1 : 211) tryOut(number, false);
+  for (long number = 1; number <= count; number += number < 140 || number > count - 40 ? 7 : 1009) tryOut(number, true);
   Basekit::Tracer::setThreadSink(before);
 }
 

@@ -4,37 +4,18 @@
 
 #include <cstdlib>
 #include <memory>
-#include <new>
 #include <set>
 #include <typeinfo>
 
 #include "BulkExecuterFavorite.h"
 #include "ExecuterFixture.h"
 #include "InstrumentMap.h"
-
-namespace {
-
-// Which of the next allocations that may fail do so; none while it is off.
-struct FailingAllocations {
-  bool on = false;
-  bool all = false;
-  std::set<unsigned> numbers;
-  unsigned count = 0;
-} failing;
-
-}  // namespace
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  if (failing.on && (++failing.count, failing.all || failing.numbers.contains(failing.count))) return nullptr;
-  try {
-    return ::operator new(size);
-  } catch (...) {
-    return nullptr;
-  }
-}
+#include "support/Allocations.h"
 
 namespace BDA {
 namespace {
+
+using Testing::allocations;
 
 std::string classOf(const BulkExecuter& executer) {
   int status = 0;
@@ -45,11 +26,13 @@ std::string classOf(const BulkExecuter& executer) {
 
 class BulkExecuterCreatorTest : public ExecuterFixture {
  protected:
-  ~BulkExecuterCreatorTest() override { failing = {}; }
+  BulkExecuterCreatorTest() { allocations.onlyNothrow = true; }
+  ~BulkExecuterCreatorTest() override { allocations = {}; }
   std::unique_ptr<BulkExecuterCreator> make() {
-    failing.on = true;
-    auto made = std::make_unique<BulkExecuterCreator>(nullptr, &jobReceivers, &tools, &tools.temporaryModel, &work);
-    failing.on = false;
+    std::unique_ptr<BulkExecuterCreator> made;
+    allocations.of([&] {
+      made = std::make_unique<BulkExecuterCreator>(nullptr, &jobReceivers, &tools, &tools.temporaryModel, &work);
+    });
     return made;
   }
 };
@@ -115,11 +98,11 @@ TEST_F(BulkExecuterCreatorTest, AsksForTheContentNumbersOfTheBanksInTheirOrder) 
 }
 
 TEST_F(BulkExecuterCreatorTest, AsksForContentNumbersAfterTheFirst61Executers) {
-  std::set<unsigned> madeBefore;
-  record.during("voiceContentNumber", [&] { madeBefore.insert(failing.count); });
+  std::set<long> madeBefore;
+  record.during("voiceContentNumber", [&] { madeBefore.insert(allocations.count); });
   make();
-  EXPECT_EQ(madeBefore, std::set<unsigned>{61});
-  EXPECT_EQ(failing.count, 77u);
+  EXPECT_EQ(madeBefore, std::set<long>{61});
+  EXPECT_EQ(allocations.count, 77);
 }
 
 TEST_F(BulkExecuterCreatorTest, GivesEachFavoriteExecuterTheRangeOfItsBank) {
@@ -145,14 +128,14 @@ TEST_F(BulkExecuterCreatorTest, GivesFavorite73ItsFixedRange) {
 }
 
 TEST_F(BulkExecuterCreatorTest, LeavesAnExecuterNullThatCannotBeAllocated) {
-  failing.numbers = {1, 48, 61, 62, 77};
+  allocations.failing = {1, 48, 61, 62, 77};
   const auto poor = make();
   for (std::size_t number = 1; number <= 77; ++number)
-    EXPECT_EQ(poor->getExecuter(number) == nullptr, failing.numbers.contains(unsigned(number))) << number;
+    EXPECT_EQ(poor->getExecuter(number) == nullptr, allocations.fails(long(number))) << number;
 }
 
 TEST_F(BulkExecuterCreatorTest, StandsWithoutAnyExecuter) {
-  failing.all = true;
+  allocations.failingFrom = 1;
   const auto poor = make();
   for (std::size_t number = 1; number <= 77; ++number) EXPECT_EQ(poor->getExecuter(number), nullptr) << number;
 }

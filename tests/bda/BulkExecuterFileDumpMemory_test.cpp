@@ -1,5 +1,4 @@
-// What becomes of file dumps when storage runs out: this program's own operator new fails on demand. The store
-// allocates nothing, so every allocation is the module's.
+// What becomes of file dumps when storage runs out. The store allocates nothing, so every allocation is the module's.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,46 +11,12 @@
 #include <string_view>
 
 #include "FileDumpFixture.h"
-
-namespace {
-
-constexpr std::size_t kMoreThanThereIs = std::size_t{1} << 40;
-
-thread_local bool counting = false;
-thread_local long allocations = 0;
-thread_local long failsFrom = -1;  // the number of the allocation that fails, and all after it while failsOn
-thread_local bool failsOn = false;
-
-void* allocate(std::size_t size) noexcept {
-  if (size >= kMoreThanThereIs) return nullptr;
-  if (counting) {
-    const long number = allocations++;
-    if (number == failsFrom || (failsOn && failsFrom >= 0 && number > failsFrom)) return nullptr;
-  }
-  return std::malloc(size == 0 ? 1 : size);
-}
-
-void* allocateOrThrow(std::size_t size) {
-  if (void* const memory = allocate(size)) return memory;
-  throw std::bad_alloc();
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return allocateOrThrow(size); }
-void* operator new[](std::size_t size) { return allocateOrThrow(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
-void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+#include "support/Allocations.h"
 
 namespace BDA {
 namespace {
 
+using Testing::allocations;
 using Testing::pattern;
 
 // Answers everything well, remembers numbers only, and tells when a file is not closed as it was opened.
@@ -164,24 +129,6 @@ class FileDumpMemory : public FileDumpFixture {
  protected:
   FileDumpMemory() { record.records = false; }
 
-  // Runs `action` with allocation `number` failing, and (`onwards`) all that follow. The number of its allocations.
-  template <typename Action>
-  static long withFailure(long number, bool onwards, Action action) {
-    failsFrom = number;
-    failsOn = onwards;
-    allocations = 0;
-    counting = true;
-    action();
-    counting = false;
-    failsFrom = -1;
-    failsOn = false;
-    return allocations;
-  }
-  template <typename Action>
-  static long allocationsOf(Action action) {
-    return withFailure(-1, false, action);
-  }
-
   BulkExecuterFileDump& block(std::uint8_t hi, std::uint8_t mid, std::uint8_t lo, std::uint32_t type) {
     executer_.setBlockInfo(Address(hi, mid, lo), type, 0);
     return executer_;
@@ -218,11 +165,11 @@ class FileDumpMemory : public FileDumpFixture {
 TEST_F(FileDumpMemory, WhenADumpCannotBeHeldAllAreDiscardedAndToldSo) {
   const Bytes field = fieldOf("Name", pattern(500));
   send(0, field);
-  const long count = allocationsOf([&] { EXPECT_EQ(send(1, field), 0x1000u); });
+  const long count = allocations.of([&] { EXPECT_EQ(send(1, field), 0x1000u); });
   ASSERT_EQ(count, 3) << "the holder, its bytes, its place in the list";
   write();
   for (const bool onwards : {false, true}) {
-    for (long number = 0; number < count; ++number) {
+    for (long number = 1; number <= count; ++number) {
       executer_.clearFileDumpBuffers();
       BulkExecuterFileDump fresh(nullptr, &tools, nullptr, &state_, 0, nullptr, &still_);
       fresh.setBlockInfo(Address(0x0C, 0x50, 0x00), 45, 0);
@@ -230,11 +177,11 @@ TEST_F(FileDumpMemory, WhenADumpCannotBeHeldAllAreDiscardedAndToldSo) {
       fresh.setBlockInfo(Address(0x0C, 0x50, 0x01), 45, 0);
       sink_.clear();
       BDAErr result = 0;
-      withFailure(number, onwards,
-                  [&] { result = fresh.setBulkDumpMessage(field.data(), std::uint32_t(field.size())); });
+      allocations.ofWithFailure(number, onwards,
+                                [&] { result = fresh.setBulkDumpMessage(field.data(), std::uint32_t(field.size())); });
       EXPECT_EQ(result, 0x82001000u) << number;
       EXPECT_TRUE(sink_.has("[BDA::BulkExecuterFileDump::setBulkDumpMessage] error: memory over flow ! \n"));
-      EXPECT_EQ(sink_.has("[BDA::FileDumpBuffer::initData] File Dump Buufer's data is over flow !!!\n"), number == 1);
+      EXPECT_EQ(sink_.has("[BDA::FileDumpBuffer::initData] File Dump Buufer's data is over flow !!!\n"), number == 2);
       still_ = {};
       fresh.setBlockInfo(Address(0x11, 0x00, 0x00), 47, 0);
       EXPECT_EQ(fresh.setBulkDumpMessage(nullptr, 0), 0x800u);
@@ -250,7 +197,7 @@ TEST_F(FileDumpMemory, WhenARepeatedDumpCannotBeHeldAllAreDiscardedAndToldSo) {
   const Bytes longer = fieldOf("Second", pattern(500));
   sink_.clear();
   BDAErr result = 0;
-  const long count = withFailure(0, false, [&] { result = send(1, longer); });
+  const long count = allocations.ofWithFailure(1, false, [&] { result = send(1, longer); });
   EXPECT_EQ(count, 1);
   EXPECT_EQ(result, 0x82001000u);
   EXPECT_TRUE(sink_.has("error: memory over flow ! \n"));
@@ -262,7 +209,7 @@ TEST_F(FileDumpMemory, AShorterRepetitionNeedsNoMemory) {
   const Bytes field = fieldOf("First", pattern(50));
   const Bytes shorter = fieldOf("Second", pattern(5));
   send(1, field);
-  EXPECT_EQ(allocationsOf([&] { EXPECT_EQ(send(1, shorter), 0x1000u); }), 0);
+  EXPECT_EQ(allocations.of([&] { EXPECT_EQ(send(1, shorter), 0x1000u); }), 0);
 }
 
 TEST_F(FileDumpMemory, WhenStorageRunsOutInAPassTheOthersAreWrittenAndThePassEndsAsAnyOther) {
@@ -275,16 +222,16 @@ TEST_F(FileDumpMemory, WhenStorageRunsOutInAPassTheOthersAreWrittenAndThePassEnd
     sink_.clear();
   };
   fill();
-  const long count = allocationsOf([&] { EXPECT_EQ(write(), 0x800u); });
+  const long count = allocations.of([&] { EXPECT_EQ(write(), 0x800u); });
   EXPECT_EQ(still_.writes, kContents);
   EXPECT_EQ(still_.removals, 1);
   ASSERT_GE(count, kContents * 4 + 1);
-  for (long number = 0; number < count; ++number) {
+  for (long number = 1; number <= count; ++number) {
     fill();
     BDAErr result = 0;
-    withFailure(number, false, [&] { result = write(); });
+    allocations.ofWithFailure(number, false, [&] { result = write(); });
     EXPECT_EQ(result, 0x80000800u) << number;
-    const bool isOfRemoval = number == count - 1;
+    const bool isOfRemoval = number == count;
     EXPECT_EQ(sink_.has("Decode Error !!!\n") || sink_.has("error : decode error !\n"), !isOfRemoval) << number;
     EXPECT_GE(still_.writes, kContents - 1) << number;
     EXPECT_EQ(still_.removals, isOfRemoval ? 0 : 1) << number;
@@ -292,10 +239,10 @@ TEST_F(FileDumpMemory, WhenStorageRunsOutInAPassTheOthersAreWrittenAndThePassEnd
     expectNothingOpen();
     expectCleanPass();
   }
-  for (long number = 0; number < count; ++number) {
+  for (long number = 1; number <= count; ++number) {
     fill();
     BDAErr result = 0;
-    withFailure(number, true, [&] { result = write(); });
+    allocations.ofWithFailure(number, true, [&] { result = write(); });
     EXPECT_EQ(result, 0x80000800u) << number;
     EXPECT_EQ(still_.syncs, 1) << number;
     expectNothingOpen();
@@ -315,17 +262,17 @@ TEST_F(FileDumpMemory, WhenStorageRunsOutInAnAnswerItFailsAndIsClosedAndTheNextI
   const auto fresh = [&] { messages = std::vector<Bytes>(); };  // without a capacity either
   fresh();
   std::optional<BDAErr> first;
-  const long count = allocationsOf([&] { first = answer(); });
+  const long count = allocations.of([&] { first = answer(); });
   EXPECT_EQ(first, 0x1000u);
   const Bytes whole = messages.at(0);
   EXPECT_EQ(whole, Testing::dumpMessage("0C 50 01", fieldOf("Name", Bytes(100, 0x55))));
   int caught = 0;
   for (const bool onwards : {false, true}) {
-    for (long number = 0; number < count; ++number) {
+    for (long number = 1; number <= count; ++number) {
       fresh();
       sink_.clear();
       std::optional<BDAErr> result;
-      withFailure(number, onwards, [&] { result = answer(); });
+      allocations.ofWithFailure(number, onwards, [&] { result = answer(); });
       if (result.has_value()) {
         EXPECT_EQ(*result, 0x80001000u) << number;
         EXPECT_TRUE(sink_.has("error : content data read error ! \n"));

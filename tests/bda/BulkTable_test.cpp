@@ -1,33 +1,14 @@
 #include "BulkTable.h"
 
-#include <new>
 #include <set>
 
 #include "TableFixture.h"
-
-namespace {
-
-// Which of the next allocations that may fail do so; none while it is empty.
-struct FailingAllocations {
-  bool on = false;
-  bool all = false;
-  std::set<unsigned> numbers;
-  unsigned count = 0;
-} failing;
-
-}  // namespace
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  if (failing.on && (++failing.count, failing.all || failing.numbers.contains(failing.count))) return nullptr;
-  try {
-    return ::operator new(size);
-  } catch (...) {
-    return nullptr;
-  }
-}
+#include "support/Allocations.h"
 
 namespace BDA {
 namespace {
+
+using Testing::allocations;
 
 constexpr std::uint32_t kRefused = 0xFFFFFFFF;
 
@@ -144,19 +125,19 @@ TEST_F(BulkTableTest, BothWriteTriggersAreOfType47) {
 
 class BulkTableWithoutMemory : public BulkTableTest {
  protected:
-  ~BulkTableWithoutMemory() override { failing = {}; }
+  BulkTableWithoutMemory() { allocations.onlyNothrow = true; }
+  ~BulkTableWithoutMemory() override { allocations = {}; }
   std::unique_ptr<BulkTable> makeTable() {
-    failing.on = true;
-    auto made = std::make_unique<BulkTable>(&creator, owner, &tools);
-    failing.on = false;
+    std::unique_ptr<BulkTable> made;
+    allocations.of([&] { made = std::make_unique<BulkTable>(&creator, owner, &tools); });
     return made;
   }
 };
 
 TEST_F(BulkTableWithoutMemory, DoesNotKnowABlockThatCouldNotBeAllocated) {
-  failing.numbers = {1, 2};  // 40 00 00 and 40 01 00
+  allocations.failing = {1, 2};  // 40 00 00 and 40 01 00
   const auto poor = makeTable();
-  EXPECT_EQ(failing.count, 8330u);  // one object each
+  EXPECT_EQ(allocations.count, 8330);  // one object each
   ASSERT_NE(poor->findBulkBlock(at("0E 00 05")), nullptr);
   EXPECT_EQ(poor->findBulkBlock(at("40 00 00")), nullptr);
   EXPECT_EQ(poor->findBulkBlock(at("40 01 00")), nullptr);
@@ -165,7 +146,7 @@ TEST_F(BulkTableWithoutMemory, DoesNotKnowABlockThatCouldNotBeAllocated) {
 }
 
 TEST_F(BulkTableWithoutMemory, LeavesMissingBlocksOutOfAnswers) {
-  failing.numbers = {1, 24};
+  allocations.failing = {1, 24};
   const auto poor = makeTable();
   EXPECT_EQ(poor->getBulkBlockHolderForBulkReq(at("0E 00 05"), holder), 0u);
   ASSERT_EQ(holder.size(), 24u);
@@ -174,7 +155,7 @@ TEST_F(BulkTableWithoutMemory, LeavesMissingBlocksOutOfAnswers) {
 }
 
 TEST_F(BulkTableWithoutMemory, KnowsNothingWithoutAnyBlock) {
-  failing.all = true;
+  allocations.failingFrom = 1;
   const auto poor = makeTable();
   for (const auto& list : InstrumentMap::lists())
     for (const InstrumentMap::Block& block : list) ASSERT_EQ(poor->findBulkBlock(addressOf(block)), nullptr);
