@@ -45,12 +45,12 @@ enum BlockType : std::uint32_t {
 using Multi = CMA::MultiParameterModel;
 using Arpeggio = CMA::ArpeggioParameterModel;
 
-void receiveVoiceSelection(Multi::PartNode& part, std::uint32_t number, const std::uint8_t* data) {
+void receiveVoiceSelection(Multi::PartNode& part, CMA::ParameterGroup& bankProgram, std::uint32_t number,
+                           const std::uint8_t* data) {
   std::uint8_t bankSelectMsb = data[1];
   std::uint8_t bankSelectLsb = data[2];
   std::uint8_t prgNum = data[3];
   if (!part.correctBankSelAndProgramNum(number, bankSelectMsb, bankSelectLsb, prgNum, true)) return;
-  CMA::ParameterGroup& bankProgram = *part.getBankProgram();
   bankProgram.set(&bankSelectMsb, 0, kSetFlag);
   bankProgram.set(&bankSelectLsb, 1, kSetFlag);
   bankProgram.set(&prgNum, 2, kSetFlag);
@@ -131,7 +131,7 @@ BDAErr BulkExecuterMultiPart::execBulkBlock(std::uint8_t* data, std::uint32_t le
                                              from(part, &Multi::PartNode::getExtra)}};
   const BDAErr result = checkBlock<MultiPart::kLayout>(kPart, targets, data, length);
   if (isFailure(result)) return result;
-  if (isReceive == 1) receiveVoiceSelection(*part, getBlockIndex(), data);
+  if (isReceive == 1) receiveVoiceSelection(*part, *targets.groups[MultiPart::bankProgram], getBlockIndex(), data);
   convert<MultiPart::kLayout>(targets, data, isReceive);
   return result;
 }
