@@ -4,6 +4,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <bit>
+#include <utility>
+
+#include "ParameterBlocks.h"
+#include "TableFixture.h"
 #include "bda/BulkDumpAssistant.h"
 #include "support/Allocations.h"
 #include "support/AssistantFixture.h"
@@ -35,40 +41,14 @@ class Memory : public AssistantFixture {
   }
 };
 
-struct Block {
-  const char* address;
-  std::size_t length;
-};
-constexpr Block kSystemBlocks[] = {
-    {"00 00 00", 68}, {"00 40 00", 8},  {"00 03 00", 36}, {"00 04 00", 36},
-    {"00 20 00", 20}, {"00 21 00", 38}, {"00 05 00", 22}, {"00 06 00", 5},
-};
+std::string addressOf(const InstrumentMap::Block& block) { return textOf({block.hi, block.mid, block.lo}); }
+
+const std::vector<InstrumentMap::Block>& systemBlocks() { return InstrumentMap::lists()[InstrumentMap::system]; }
+
+constexpr std::uint32_t kPorts[] = {1, 4, 5, 6, 2};
 
 TEST_F(Memory, TheCounterCounts) {
   EXPECT_EQ(allocationsOf([] { delete new int(7); }), 1);
-}
-
-TEST_F(Memory, AReceivedParameterBlockAllocatesNothing) {
-  for (const Block& block : kSystemBlocks) {
-    const Bytes message = dumpMessage(block.address, pattern(block.length));
-    for (const std::uint32_t from : {1U, 4U, 5U, 6U, 2U})
-      EXPECT_EQ(allocationsOf([&] { EXPECT_EQ(feed(message, from), BulkMsg_BulkDump); }), 0) << block.address;
-  }
-  ASSERT_EQ(tools.system.adPart->params[0], pattern(8)[0]) << "it was received";
-}
-
-TEST_F(Memory, AHeaderAndABlockAfterItAllocateNothingInTheModule) {
-  openHeader();  // the fakes' models exist now; the header itself makes new ones
-  const Bytes equaliser = dumpMessage("36 10 00", pattern(20));
-  EXPECT_EQ(allocationsOf([&] { feed(equaliser); }), 0);
-  EXPECT_EQ(tools.temporaryMulti->masterEq[0], pattern(20)[0]) << "it was received";
-}
-
-TEST_F(Memory, AFooterAllocatesNothing) {
-  send("0E 0A 05");
-  const Bytes footer = dumpMessage("0F 0A 05");
-  EXPECT_EQ(allocationsOf([&] { feed(footer); }), 0);
-  EXPECT_FALSE(isHeaderOpen());
 }
 
 TEST_F(Memory, RejectionsAllocateNothing) {
@@ -84,25 +64,207 @@ TEST_F(Memory, RejectionsAllocateNothing) {
   Basekit::Tracer::setThreadSink(before);
 }
 
-TEST_F(Memory, ABuiltDumpMessageAllocatesAtMostTwice) {
-  for (const Block& block : kSystemBlocks) {
-    const Bytes message = requestMessage(block.address);
-    // Two for the message and the list that holds it, one for the list of blocks.
-    const long count = allocationsOf([&] { EXPECT_EQ(feed(message), BulkMsg_BulkRequest); });
-    EXPECT_LE(count, 3) << block.address;
-    EXPECT_GE(count, 1) << "nothing was built";
+// ---- All parameter blocks ----
+
+struct Uncounted {
+  ~Uncounted() { allocations.counting = before; }
+  const bool before = std::exchange(allocations.counting, false);
+};
+
+// An editor whose models are its own: what is allocated to make them, or for a node to be found by its path or a name
+// to be kept, is not the module's.
+class UncountedJobTools : public FakeJobTools {
+ public:
+  explicit UncountedJobTools(Calls& calls) : FakeJobTools(calls), system_(calls) {}
+
+  long stores = 0;
+
+  bool initTemporaryVoiceModel(CMA::TemporaryCoreModel* model, std::uint16_t number, bool normalVoice) override {
+    return uncounted([&] { return FakeJobTools::initTemporaryVoiceModel(model, number, normalVoice); });
+  }
+  bool initTemporaryMultiModel(CMA::TemporaryCoreModel* model, std::uint32_t state) override {
+    return uncounted([&] { return FakeJobTools::initTemporaryMultiModel(model, state); });
+  }
+  bool initTemporaryArpeggioModel(CMA::TemporaryCoreModel* model, bool ofVoice, std::uint16_t number,
+                                  bool asNew) override {
+    return uncounted([&] { return FakeJobTools::initTemporaryArpeggioModel(model, ofVoice, number, asNew); });
+  }
+  bool initTemporaryMasterModel(CMA::TemporaryCoreModel* model) override {
+    return uncounted([&] { return FakeJobTools::initTemporaryMasterModel(model); });
+  }
+  bool initTemporaryRemoteModel(CMA::TemporaryCoreModel* model) override {
+    return uncounted([&] { return FakeJobTools::initTemporaryRemoteModel(model); });
+  }
+  unsigned long loadForReceivedSysExBulk(CMA::TemporaryCoreModel* model, std::uint8_t mid, std::uint8_t lo) override {
+    return uncounted([&] { return FakeJobTools::loadForReceivedSysExBulk(model, mid, lo); });
+  }
+  unsigned long storeForReceivedSysExBulk(CMA::TemporaryCoreModel* model, std::uint8_t mid, std::uint8_t lo) override {
+    ++stores;
+    return FakeJobTools::storeForReceivedSysExBulk(model, mid, lo);
+  }
+  CMA::SystemParameterModel* getSystemModel() override { return &system_; }
+
+  // The live models as a header needs them: parts that select a voice of `bank`, and the voice of one of them.
+  void makeLive(std::uint16_t voice, bool isNormalVoice, CMA::BankSelect bank) {
+    settle(&liveVoice(voice, isNormalVoice));
+    settle(&liveMulti());
+    settle(&liveArpeggio());
+    settle(&liveMaster());
+    settle(&liveRemote());
+    for (auto& part : liveMulti().parts) {
+      part->bankProgram[0] = bank.msb;
+      part->bankProgram[1] = bank.lsb;
+    }
+  }
+
+ private:
+  struct System : FakeSystem {
+    using FakeSystem::FakeSystem;
+    QuickSetupNode* getQuickSetup(std::uint32_t index) override {
+      const Uncounted path;
+      return FakeSystem::getQuickSetup(index);
+    }
+  };
+
+  template <typename Make>
+  auto uncounted(Make make) -> decltype(make()) {
+    const Uncounted models;
+    const auto result = make();
+    for (std::uint16_t number = 0; number < 16; ++number) settle(temporaryVoice(number));
+    settle(temporaryMulti.get());
+    settle(temporaryArpeggio.get());
+    settle(temporaryMaster.get());
+    settle(temporaryRemote.get());
+    return result;
+  }
+  // Nothing is allocated in a model from here on: there is room for its names, and the paths of its nodes are short.
+  template <typename Model>
+  static void settle(Model* model) {
+    if (model == nullptr || model->path.empty()) return;
+    ParameterBlocks::Models names;
+    names.add(*model);
+    for (const auto& [path, name] : names.names) name->text.reserve(32);
+    model->path.clear();
+  }
+
+  System system_;
+};
+
+// Notes the count of allocations at each message that is sent.
+struct CountingBridge : BulkDumpBridge {
+  explicit CountingBridge(BulkDumpAssistant* assistant) : BulkDumpBridge(assistant) { counts.reserve(1000); }
+  void sendSysEx(const unsigned char* message, std::uint32_t /*length*/, DevicePortNum) override {
+    if (counts.size() < counts.capacity()) counts.push_back({{message[7], message[8], message[9]}, allocations.count});
+  }
+  struct Count {
+    std::array<std::uint8_t, 3> address;
+    long allocations;
+  };
+  std::vector<Count> counts;
+};
+
+// An assistant in that editor.
+class MemoryOfBlocks : public Memory {
+ protected:
+  void expectNoAllocation(const Bytes& message, std::uint32_t from) {
+    BulkMsgType type = BulkMsg_NotSysEx;
+    const auto receive = [&] { type = own.receiveBulkDump(message.data(), message.size(), DevicePortNum(from)); };
+    EXPECT_EQ(allocationsOf(receive), 0) << textOf(message);
+    EXPECT_EQ(type, BulkMsg_BulkDump);
+  }
+  // The counts of the messages of the answer: the first with what was allocated before it.
+  const std::vector<CountingBridge::Count>& request(const std::string& address) {
+    ownBridge.counts.clear();
+    const Bytes message = requestMessage(address);
+    allocationsOf(
+        [&] { EXPECT_EQ(own.receiveBulkDump(message.data(), message.size(), DevicePort_Main), BulkMsg_BulkRequest); });
+    return ownBridge.counts;
+  }
+
+  UncountedJobTools ownTools{record};
+  OpenAssistant own{&manager, nullptr, nullptr, &ownTools, &work, false};
+  CountingBridge ownBridge{&own};
+};
+
+// What is reported as not received fails these tests as a trace that nobody took.
+TEST_F(MemoryOfBlocks, AReceivedSystemBlockAllocatesNothing) {
+  for (const InstrumentMap::Block& block : systemBlocks()) {
+    const Bytes data = pattern(InstrumentMap::executers()[block.executer - 1].dataLength);
+    for (const std::uint32_t from : kPorts) expectNoAllocation(dumpMessage(addressOf(block), data), from);
   }
 }
 
-TEST_F(Memory, TheMessagesOfALongAnswerAllocateAtMostTwiceEach) {
-  request("0E 5F 00");
-  const long messages = long(sent().size());
-  ASSERT_GT(messages, 20);
-  const Bytes message = requestMessage("0E 5F 00");
-  const long count = allocationsOf([&] { feed(message); });
-  constexpr long kListOfBlocks = 8;  // it grows by doubling
-  EXPECT_LE(count, 2 * messages + kListOfBlocks);
+TEST_F(MemoryOfBlocks, ASystemBlockBuiltIntoAMessageAllocatesAtMostTwice) {
+  constexpr long kListOfBlocks = 1;
+  for (const InstrumentMap::Block& block : systemBlocks()) {
+    const std::vector<CountingBridge::Count>& built = request(addressOf(block));
+    ASSERT_EQ(built.size(), 1U);
+    EXPECT_LE(built[0].allocations, 2 + kListOfBlocks) << addressOf(block);
+    EXPECT_GE(built[0].allocations, 1) << "nothing was built";
+  }
 }
+
+class MemoryOfUnits : public MemoryOfBlocks, public testing::WithParamInterface<Opening> {
+ protected:
+  void SetUp() override {
+    MemoryOfBlocks::SetUp();
+    ownTools.makeLive(voice, list() != InstrumentMap::drumVoice, GetParam().bank);
+  }
+
+  InstrumentMap::List list() const {
+    const unsigned type = GetParam().type;
+    if (type == 9) return GetParam().bankType == 2 ? InstrumentMap::drumVoice : InstrumentMap::normalVoice;
+    if (type <= 4 || type == 10) return InstrumentMap::normalVoice;
+    if (type <= 8) return InstrumentMap::drumVoice;
+    if (type == 11) return InstrumentMap::multi;
+    if (type <= 13) return InstrumentMap::performance;
+    return type <= 15 ? InstrumentMap::master : InstrumentMap::remote;
+  }
+  const std::vector<InstrumentMap::Block>& blocks() const { return InstrumentMap::lists().at(list()); }
+
+  const std::string header = GetParam().address;
+  const std::uint16_t voice = GetParam().type == 9 ? bytesOf(header)[2] : 0;
+};
+
+// Those that admit blocks: without the voice of a part whose bank is none.
+std::vector<Opening> unitOpenings() {
+  std::vector<Opening> openings(std::begin(kOpenings), std::end(kOpenings));
+  std::erase_if(openings, [](const Opening& opening) {
+    return opening.address == nullptr || (opening.type == 9 && opening.bankType == 0);
+  });
+  return openings;
+}
+INSTANTIATE_TEST_SUITE_P(Of, MemoryOfUnits, testing::ValuesIn(unitOpenings()), nameOf);
+
+TEST_P(MemoryOfUnits, AHeaderEachOfItsBlocksAndItsFooterAllocateNothing) {
+  for (const std::uint32_t from : kPorts) {
+    expectNoAllocation(dumpMessage(header), from);
+    for (const InstrumentMap::Block& block : blocks()) {
+      const ParameterBlocks::Kind& kind = ParameterBlocks::kindOf(block.type);
+      const Bytes data = ParameterBlocks::patternOf(kind, ParameterBlocks::stepsOf(kind, block.index));
+      expectNoAllocation(dumpMessage(addressOf(block), data), from);
+    }
+    expectNoAllocation(dumpMessage("0F" + header.substr(2)), from);
+  }
+  EXPECT_EQ(ownTools.stores, long(std::size(kPorts)));
+}
+
+TEST_P(MemoryOfUnits, EachMessageOfTheAnswerAllocatesAtMostTwice) {
+  const std::size_t count = blocks().size() + 2;
+  const long listOfBlocks = long(std::bit_width(count - 1)) + 1;  // it grows by doubling, before the first message
+  for (int time = 0; time < 2; ++time) {
+    const std::vector<CountingBridge::Count>& answer = request(header);
+    ASSERT_EQ(answer.size(), count);
+    long before = listOfBlocks;
+    for (const CountingBridge::Count& built : answer) {
+      EXPECT_LE(built.allocations - before, 2) << textOf(built.address.data(), 3);
+      before = built.allocations;
+    }
+    EXPECT_GE(answer.back().allocations, 1) << "nothing was built";
+  }
+}
+
+// ---- Storage that runs out ----
 
 TEST_F(Memory, WhenStorageRunsOutARequestFailsAndTheNextIsAnswered) {
   const Bytes message = requestMessage("00 00 00");
