@@ -4,14 +4,10 @@
 // An input that begins with F0 is a raw stream. Any other is a list of commands, which reach deeper: dumps and requests
 // of addresses that exist, with the right checksum, and settings that change between them.
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "AddressRows.h"
@@ -21,8 +17,10 @@
 #include "contents/ContentsWork.h"
 #include "contents/Library.h"
 #include "contents/ModelStore.h"
+#include "input.h"
 #include "midi/MidiFile.h"
 #include "require.h"
+#include "scratch.h"
 
 namespace {
 
@@ -45,45 +43,6 @@ const std::vector<Block>& blocks() {
   }();
   return all;
 }
-
-// A library of this process, unchanged between inputs: each runs in a transaction that is taken back.
-class Scratch {
- public:
-  Scratch() : path_(std::filesystem::temp_directory_path() / ("receive_fuzz." + std::to_string(getpid()))) {
-    std::filesystem::remove_all(path_);
-  }
-  ~Scratch() { std::filesystem::remove_all(path_); }
-  Scratch(const Scratch&) = delete;
-  Scratch& operator=(const Scratch&) = delete;
-  std::filesystem::path file() const { return path_ / "library.db"; }
-
- private:
-  std::filesystem::path path_;
-};
-
-class Input {
- public:
-  Input(const std::uint8_t* data, std::size_t size) : left_(data, size) {}
-  bool empty() const { return left_.empty(); }
-  std::uint8_t byte() {
-    if (left_.empty()) return 0;
-    const std::uint8_t next = left_.front();
-    left_ = left_.subspan(1);
-    return next;
-  }
-  unsigned word() {
-    const unsigned high = byte();
-    return high << 8 | byte();
-  }
-  Bytes bytes(std::size_t count) {
-    Bytes taken(left_.begin(), left_.begin() + std::ptrdiff_t(std::min(count, left_.size())));
-    left_ = left_.subspan(taken.size());
-    return taken;
-  }
-
- private:
-  std::span<const std::uint8_t> left_;
-};
 
 class Instrument {
  public:
@@ -207,8 +166,9 @@ void run(Instrument& instrument, Input input) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const Scratch scratch;
-  static Editor::Library library(scratch.file());
+  // Unchanged between inputs: each runs in a transaction that is taken back.
+  static const Scratch scratch("receive_fuzz");
+  static Editor::Library library(scratch.library());
   const Editor::Library::Transaction unchanged(library);
   Instrument instrument(library);
   if (size > 0 && data[0] == BDA::kStartOfExclusive) {
