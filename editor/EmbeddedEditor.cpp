@@ -128,8 +128,8 @@ Record EmbeddedEditor::handle(std::span<const std::uint8_t> message, BDA::Device
   if (reading.kind == Reading::Kind::dump &&
       (reading.address->hi == BDA::kFooterHi || reading.address->hi == BDA::kTriggerHi)) {
     if (!inRun_) nameChanges(record);
-    if (isEditBufferFooter(*reading.address) && record.result == BDA::BulkMsg_BulkDump && !hasFailed(record) &&
-        !record.shown.empty())
+    if (!inRun_ && isEditBufferFooter(*reading.address) && record.result == BDA::BulkMsg_BulkDump &&
+        !hasFailed(record) && !record.shown.empty())
       record.contents.push_back(nameOrBytes({BDA::kHeaderHi, reading.address->mid, reading.address->lo}));
     changed = !record.contents.empty();
   }
@@ -205,6 +205,16 @@ void EmbeddedEditor::nameChanges(Record& record) {
     if (last[name] == Change::Kind::Removed) record.removed.push_back(name);
 }
 
+namespace {
+
+std::string noteOf(const std::vector<std::uint64_t>& doubtful) {
+  if (doubtful.empty()) return {};
+  return fmt::format("refused, and in it all the same, is what message{} {} carried", doubtful.size() == 1 ? "" : "s",
+                     fmt::join(doubtful, ", "));
+}
+
+}  // namespace
+
 void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_t number) {
   const auto end = [&](UnitReport::State state, std::uint64_t first, BulkAddress address) -> UnitReport& {
     return record.ended.emplace_back(UnitReport{state, first, number, address, {}, {}});
@@ -218,7 +228,12 @@ void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_
   };
   const auto endHeld = [&](UnitReport::State state) {
     UnitReport& unit = end(state, held_.empty() ? number : held_.front().message, *reading.address);
-    for (const Held& held : held_) unit.blocks.push_back(held.address);
+    std::vector<std::uint64_t> doubtful;
+    for (const Held& held : held_) {
+      unit.blocks.push_back(held.address);
+      if (held.isDoubtful) doubtful.push_back(held.message);
+    }
+    if (state == UnitReport::State::written) unit.note = noteOf(doubtful);
     held_.clear();
   };
 
@@ -231,16 +246,25 @@ void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_
   if (isTaken && isList(*reading.address, BDA::List::header)) {
     abandon();
     open_.emplace(*reading.address, number);
-  } else if (isTaken && open_ && open_->isClosedBy(*reading.address)) {
+    doubtful_.clear();
+    if (editBufferOf(reading.address->mid) == EditBuffer::partVoice)
+      open_->expectVoice(tools().live(EditBuffer::partVoice, reading.address->lo).voice->isDrum());
+  }
+  if (isTakenAnyway && open_) doubtful_.push_back(number);
+  if (isTaken && open_ && open_->isClosedBy(*reading.address)) {
     record.missing = open_->missing();
-    end(record.missing.empty() ? UnitReport::State::complete : UnitReport::State::incomplete, open_->firstMessage(),
-        open_->header())
-        .blocks = record.missing;
+    UnitReport& unit = end(record.missing.empty() ? UnitReport::State::complete : UnitReport::State::incomplete,
+                           open_->firstMessage(), open_->header());
+    unit.blocks = record.missing;
+    unit.note = noteOf(doubtful_);
     open_.reset();
   } else if (isTaken && reading.address->hi == BDA::kFileDumpHi) {
     const auto same =
         std::find_if(held_.begin(), held_.end(), [&](const Held& held) { return held.address == *reading.address; });
-    if (same == held_.end()) held_.push_back({*reading.address, number});
+    if (same == held_.end())
+      held_.push_back({*reading.address, number, isTakenAnyway});
+    else
+      same->isDoubtful = isTakenAnyway;
   } else if (isTaken && open_) {
     open_->arrive(*reading.address);
   }
@@ -300,18 +324,14 @@ std::string EmbeddedEditor::whyRefused(const Record& record, const Reading& read
 
 // The file dumps that a refused write trigger has not written.
 std::string EmbeddedEditor::heldInVain() const {
-  constexpr std::size_t kMostNames = 5;
   std::string names;
-  std::size_t count = 0;
   for (const Held& held : held_) {
     const std::optional<ContentId> id = contentOfFileDump({held.address.mid, held.address.lo});
     const auto isIt = [&](const Change& change) { return id && change.id == canonical(*id); };
     if (std::any_of(changes_.begin(), changes_.end(), isIt)) continue;
-    if (++count > kMostNames) continue;
-    names +=
-        fmt::format("{} {} (message {})", count == 1 ? "; not written:" : ",", nameOrBytes(held.address), held.message);
+    names += fmt::format("{} {} (message {})", names.empty() ? "; not written:" : ",", nameOrBytes(held.address),
+                         held.message);
   }
-  if (count > kMostNames) names += fmt::format(" and {} more", count - kMostNames);
   return names;
 }
 

@@ -88,6 +88,7 @@ class EmbeddedEditor {
   struct Held {
     BulkAddress address;
     std::uint64_t message;
+    bool isDoubtful;  // refused, and taken all the same
   };
 
   Library library_;
@@ -95,6 +96,7 @@ class EmbeddedEditor {
   ContentsWork work_;
   AssistantHost host_;
   std::optional<OpenUnit> open_;
+  std::vector<std::uint64_t> doubtful_;  // of the open unit: messages that were refused, and taken all the same
   std::vector<Held> held_;
   bool inRun_ = false;
   std::string storeError_;       // of the message that is being handled

@@ -37,6 +37,8 @@ const char* wordOf(Outcome outcome) {
 
 Outcome outcomeOf(const AssistantHost::Effects& effects, const Reading& reading, bool libraryChanged) {
   const bool isDump = reading.kind == Reading::Kind::dump;
+  // The header of an empty mixing voice, whatever is wrong with it: its footer says so again, and is acted upon.
+  if (isDump && reading.address->hi == BDA::kHeaderHi && marksEmptyVoice(*reading.address)) return Outcome::ignored;
   switch (effects.result) {
     case BDA::BulkMsg_OtherModel:
     case BDA::BulkMsg_NotSysEx:
@@ -60,8 +62,6 @@ Outcome outcomeOf(const AssistantHost::Effects& effects, const Reading& reading,
     case BDA::BulkMsg_BulkDump:
       break;
   }
-  // The header of an empty mixing voice: its footer will say so again, and is acted upon.
-  if (isDump && reading.address->hi == BDA::kHeaderHi && marksEmptyVoice(*reading.address)) return Outcome::ignored;
   if (hasFailed(effects)) return Outcome::refused;
   if (libraryChanged) return Outcome::stored;
   if (effects.shown.empty()) return Outcome::ignored;

@@ -52,8 +52,7 @@ class BulkExecuter {
   virtual void setBlockInfo(const Address& address, std::uint32_t blockType, std::uint32_t blockIndex);
   // Replaces `messages` with the complete bulk dump messages of the block: one, unless a subclass says otherwise.
   virtual BDAErr getBulkDumpMessage(std::vector<std::vector<std::uint8_t>>& messages);
-  // Replaces `message` with one complete bulk dump. After a failure it is empty, or F0 7D when the device number is
-  // OFF.
+  // Replaces `message` with one complete bulk dump. What a failure leaves there is not to be sent.
   virtual BDAErr getBulkDumpMessageImplement(std::vector<std::uint8_t>& message);
   // Receives the data bytes of a bulk dump.
   virtual BDAErr setBulkDumpMessage(const std::uint8_t* data, std::uint32_t length);

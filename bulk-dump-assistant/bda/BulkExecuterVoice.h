@@ -46,7 +46,13 @@ class BulkExecuterElementBase : public BulkExecuterVoiceBase {
     explicit Uncorrected(Parameter& parameter) : parameter_(parameter) { parameter_.changeCorrectType(false); }
     Uncorrected(const Uncorrected&) = delete;
     Uncorrected& operator=(const Uncorrected&) = delete;
-    ~Uncorrected() { parameter_.changeCorrectType(true); }
+    ~Uncorrected() {
+      try {
+        parameter_.changeCorrectType(true);
+      } catch (...) {
+        // The failure that came first is told.
+      }
+    }
 
    private:
     Parameter& parameter_;

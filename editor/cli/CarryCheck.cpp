@@ -110,12 +110,18 @@ class Scratch {
   AssistantHost host_;
 };
 
-// Turns over every bit that a block could hold, but in the values that decide what the other blocks are.
-struct TurnOver {
+// Other values than those that are there, but where they decide what the other blocks are. A bit that is carried shows
+// when it is turned over; a switch is carried as on or off, whatever else its value says.
+enum class Other : std::uint8_t { turnedOver, off, on };
+struct Replace {
+  Other by;
+
   void group(const std::string& key, ArrayGroup& group) {
     if (key == "bankProgram" || key == "type") return;
     std::vector<std::uint16_t> values = group.values();
-    for (std::uint16_t& value : values) value = std::uint16_t(value ^ (group.width() == Width::byte ? 0x7F : 0x3FFF));
+    for (std::uint16_t& value : values)
+      value = by == Other::turnedOver ? std::uint16_t(value ^ (group.width() == Width::byte ? 0xFF : 0xFFFF))
+                                      : std::uint16_t(by == Other::on);
     group.assign(values);
   }
   void name(const char* /*key*/, NameText& name) {
@@ -184,14 +190,19 @@ CarryCheck checkCarried(const Target& target, const ModelSet& models) {
   if (wrong.empty()) return check;
 
   // A parameter that no block holds stays as it was, whatever is sent: only the others count.
-  ModelSet other = wanted;
-  TurnOver turnOver;
-  forEachModel(other, [&](const char* /*key*/, auto& model) { visitFields(model, turnOver); });
-  const ModelSet otherArrived = passThrough(target, other, fresh).value_or(*arrived);
   std::set<std::string> held;
-  for (const std::vector<std::string>& moved :
-       {differingPaths(*arrived, otherArrived), differingPaths(*arrived, fresh), differingPaths(otherArrived, fresh)})
-    held.insert(moved.begin(), moved.end());
+  const auto findMoved = [&](const ModelSet& from, const ModelSet& to) {
+    for (std::string& path : differingPaths(from, to)) held.insert(std::move(path));
+  };
+  findMoved(*arrived, fresh);
+  for (const Other by : {Other::turnedOver, Other::off, Other::on}) {
+    ModelSet other = wanted;
+    Replace replace{by};
+    forEachModel(other, [&](const char* /*key*/, auto& model) { visitFields(model, replace); });
+    const ModelSet otherArrived = passThrough(target, other, fresh).value_or(*arrived);
+    findMoved(*arrived, otherArrived);
+    findMoved(otherArrived, fresh);
+  }
   for (const std::string& path : wrong) {
     if (!held.contains(path)) continue;
     check.refusal = fmt::format("{}: {} cannot be carried, it would arrive as {}", path, valueAt(toJson(wanted), path),

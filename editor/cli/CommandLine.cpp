@@ -240,7 +240,7 @@ void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
   if (output.empty() && trace.empty()) return;
   FilesInUse files;
   files.addLibrary(program.libraryFile());
-  files.add(program.nameFile(), "these are the names of waveforms and arpeggios");
+  files.add(program.nameFileOf(program.libraryFile()), "these are the names of waveforms and arpeggios");
   if (readsFiles)
     for (const std::string& file : given.words) files.add(file, "this is also an input");
   if (!output.empty()) files.addOutput(output, "-o");

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 
 #include "cli/Compare.h"
 #include "cli/InputFiles.h"
@@ -26,11 +27,12 @@ bool isLibrary(const std::string& path) {
 // A library, or a file that a scratch library has received.
 class Side {
  public:
-  Side(const std::string& path, Program& program) {
-    if (isLibrary(path)) {
-      library_ = program.openEditor(path);
+  // `input` is nothing for a library.
+  Side(const std::string& path, const std::optional<InputFiles>& input, Program& program) {
+    if (input) {
+      receive(*input, program);
     } else {
-      receive(path, program);
+      library_ = program.openEditor(path);
     }
   }
 
@@ -39,8 +41,7 @@ class Side {
 
  private:
   // What is refused is told, and is missing from the comparison: that alone makes it fail.
-  void receive(const std::string& path, Program& program) {
-    const InputFiles input({path});
+  void receive(const InputFiles& input, Program& program) {
     scratch_ = std::make_unique<ScratchLibrary>();
     const auto complain = [&](const std::string& text) {
       program.console.problem(text);
@@ -61,7 +62,8 @@ class Side {
       }
       progress.step(message.bytes.size());
     });
-    for (const UnitReport& unit : editor().openUnits()) complain(describeUnit(unit));
+    for (const UnitReport& unit : editor().openUnits())
+      complain(fmt::format("{}: {}", input.place(unit.firstMessage), describeUnit(unit)));
     run.commit();
   }
 
@@ -76,8 +78,14 @@ void diff(const std::string& firstPath, const std::string& secondPath, Program& 
   for (const std::string& path : {firstPath, secondPath})
     if (path != "-" && !std::filesystem::exists(path))
       throw Failure(kUnusableInput, fmt::format("{}: No such file or directory", escape(path)));
-  Side first(firstPath, program);
-  Side second(secondPath, program);
+  // Read before a scratch library takes Ctrl-C for its own: standard input may never end.
+  const auto read = [&](const std::string& path) {
+    return isLibrary(path) ? std::nullopt : std::optional(InputFiles({path}, program.console));
+  };
+  const std::optional<InputFiles> firstInput = read(firstPath);
+  const std::optional<InputFiles> secondInput = read(secondPath);
+  Side first(firstPath, firstInput, program);
+  Side second(secondPath, secondInput, program);
   const Library::Transaction firstState(first.editor().library(), Library::Transaction::Access::Read);
   const Library::Transaction secondState(second.editor().library(), Library::Transaction::Access::Read);
   first.editor().tools().reload();

@@ -21,39 +21,47 @@ bool isBroken(const MidiFile& midi) {
 
 }  // namespace
 
-InputFiles::InputFiles(const std::vector<std::string>& paths) {
+InputFiles::InputFiles(const std::vector<std::string>& paths, Console& console) {
   for (const std::string& path : paths) {
     std::string error;
     const auto bytes = loadBytes(path, error);
     if (!bytes) throw Failure(kUnusableInput, fmt::format("{}: {}", displayName(path), error));
     files_.push_back({path, readMidiFile(*bytes)});
-    const MidiFile& midi = files_.back().midi;
-    if (!midi.messages.empty()) continue;
-    Console console;
-    reportLosses(console);
+    if (!files_.back().midi.messages.empty()) continue;
+    reportLosses(files_.back(), console);
     throw Failure(kUnusableInput, fmt::format("{}: no System Exclusive message in it", displayName(path)));
   }
 }
 
 bool InputFiles::reportLosses(Console& console) const {
   bool whole = true;
-  for (const File& file : files_) {
-    const std::string name = displayName(file.name);
-    for (const MidiFile::Error& error : file.midi.errors)
-      console.problem(fmt::format("{}: offset {}: {}", name, error.offset, error.text));
-    std::uint64_t realTime = 0;  // a clock sends one every few milliseconds
-    for (const MidiFile::Dropped& dropped : file.midi.dropped) {
-      const bool isRealTime = dropped.reason == StreamJoiner::Reason::RealTime;
-      if (isRealTime) realTime += dropped.count;
-      const std::string line = fmt::format("{}: offset {}: {} byte{} dropped, {}", name, dropped.offset, dropped.count,
-                                           dropped.count == 1 ? "" : "s", describe(dropped.reason));
-      isRealTime ? console.detail(line) : console.problem(line);
-    }
-    if (realTime > 0)
-      console.problem(fmt::format("{}: {} real-time byte{} dropped", name, realTime, realTime == 1 ? "" : "s"));
-    whole = whole && !isBroken(file.midi);
-  }
+  for (const File& file : files_) whole = reportLosses(file, console) && whole;
   return whole;
+}
+
+bool InputFiles::reportLosses(const File& file, Console& console) {
+  const std::string name = displayName(file.name);
+  for (const MidiFile::Error& error : file.midi.errors)
+    console.problem(fmt::format("{}: offset {}: {}", name, error.offset, error.text));
+  std::uint64_t realTime = 0;  // a clock sends one every few milliseconds
+  for (const MidiFile::Dropped& dropped : file.midi.dropped) {
+    const bool isRealTime = dropped.reason == StreamJoiner::Reason::RealTime;
+    if (isRealTime) realTime += dropped.count;
+    const std::string line = fmt::format("{}: offset {}: {} byte{} dropped, {}", name, dropped.offset, dropped.count,
+                                         dropped.count == 1 ? "" : "s", describe(dropped.reason));
+    isRealTime ? console.detail(line) : console.problem(line);
+  }
+  if (realTime > 0)
+    console.problem(fmt::format("{}: {} real-time byte{} dropped", name, realTime, realTime == 1 ? "" : "s"));
+  return !isBroken(file.midi);
+}
+
+std::string InputFiles::place(std::uint64_t number) const {
+  std::string place;
+  forEachMessage([&](const Message& message) {
+    if (message.number == number) place = placeOf(message);
+  });
+  return place;
 }
 
 std::uint64_t InputFiles::countMessages() const {

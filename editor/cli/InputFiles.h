@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -19,8 +20,9 @@ class InputFiles {
     std::span<const std::uint8_t> bytes;
   };
 
-  // "-" is standard input. Throws Failure (kUnusableInput) for a file that cannot be read or has no message in it.
-  explicit InputFiles(const std::vector<std::string>& paths);
+  // "-" is standard input. Throws Failure (kUnusableInput) for a file that cannot be read or has no message in it; what
+  // bytes it has instead is told first.
+  InputFiles(const std::vector<std::string>& paths, Console& console);
 
   // Tells which bytes became no message, and why. False when that broke a message or a file; stray bytes and real-time
   // messages are only told.
@@ -33,6 +35,8 @@ class InputFiles {
       for (const MidiFile::Message& message : file.midi.messages)
         visit(Message{++number, file.name, message.offset, message.bytes});
   }
+  // Where the message of that number stands, as placeOf says it.
+  std::string place(std::uint64_t number) const;
   bool areSeveral() const { return files_.size() > 1; }
   std::uint64_t countMessages() const;
 
@@ -41,6 +45,8 @@ class InputFiles {
     std::string name;
     MidiFile midi;
   };
+  static bool reportLosses(const File& file, Console& console);
+
   std::vector<File> files_;
 };
 

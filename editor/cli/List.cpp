@@ -77,7 +77,7 @@ void forEachReading(const InputFiles& input, bool json, Console& console, Visit 
 }  // namespace
 
 void list(const Words& files, bool json, Program& program) {
-  const InputFiles input(files);
+  const InputFiles input(files, program.console);
   if (!input.reportLosses(program.console)) program.refuse();
   forEachReading(input, json, program.console, [&](const InputFiles::Message&, const Reading& reading) {
     if (isBroken(reading)) program.refuse();
@@ -86,7 +86,7 @@ void list(const Words& files, bool json, Program& program) {
 
 void verify(const Words& files, bool json, Program& program) {
   Console& console = program.console;
-  const InputFiles input(files);
+  const InputFiles input(files, program.console);
   const bool whole = input.reportLosses(console);
   std::size_t messages = 0;
   std::size_t brokenMessages = 0;

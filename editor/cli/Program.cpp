@@ -16,9 +16,7 @@ std::string fromEnvironment(const char* name) {
   return value == nullptr ? "" : value;
 }
 
-void giveNames(EditorJobTools& tools, const std::string& file, bool isRequired) {
-  if (!isRequired && !std::filesystem::exists(file)) return;
-  NameLists names = loadNames(file);
+void giveNames(EditorJobTools& tools, NameLists names, const std::string& file) {
   std::string error = tools.setWaveNames(std::move(names.waveforms));
   if (error.empty()) error = tools.setArpeggioNames(std::move(names.arpeggios));
   if (!error.empty()) throw Failure(kUnusableInput, fmt::format("{}: {}", escape(file), error));
@@ -44,9 +42,12 @@ void Program::requireLibrary() const {
 std::unique_ptr<EmbeddedEditor> Program::openEditor(const std::string& file) {
   std::error_code unknown;
   const bool isNew = !std::filesystem::exists(file, unknown);
+  const std::string nameFile = nameFileOf(file);
+  std::optional<NameLists> names;  // read before there is a new library
+  if (!names_.empty() || std::filesystem::exists(nameFile, unknown)) names = loadNames(nameFile);
   try {
     auto editor = std::make_unique<EmbeddedEditor>(file);
-    giveNames(editor->tools(), names_.empty() ? file + ".names" : names_, !names_.empty());
+    if (names) giveNames(editor->tools(), std::move(*names), nameFile);
     if (isNew) console.note(fmt::format("{}: new library", escape(file)));
     return editor;
   } catch (const LibraryError& error) {

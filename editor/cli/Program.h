@@ -21,7 +21,7 @@ class Program {
   void requireLibrary() const;
   // The names of waveforms and arpeggios; without it the file beside the library, or else the built-in ones.
   void setNameFile(const std::string& file) { names_ = file; }
-  std::string nameFile() const { return names_.empty() ? libraryFile() + ".names" : names_; }
+  std::string nameFileOf(const std::string& library) const { return names_.empty() ? library + ".names" : names_; }
   // Opens it, or `file`; one that does not exist is created, and that is told. Throws Failure (kUnusableInput).
   std::unique_ptr<EmbeddedEditor> openEditor() { return openEditor(libraryFile()); }
   std::unique_ptr<EmbeddedEditor> openEditor(const std::string& file);

@@ -31,7 +31,7 @@ class Receiving {
       : program_(program),
         console_(program.console),
         port_(BDA::DevicePortNum(options.port)),
-        input_(files),
+        input_(files, program.console),
         progress_(program.console, "receive", "messages", input_.countMessages()),
         editor_(program.openEditor()),
         trace_(options.trace) {
@@ -44,22 +44,27 @@ class Receiving {
     try {
       input_.forEachMessage([&](const InputFiles::Message& message) { receive(message); });
     } catch (...) {
-      commitOutputs();  // what was done was done
+      try {
+        commitOutputs();  // what was done was done
+      } catch (const Failure& second) {
+        complain(second.what());
+      }
       throw;
     }
-    for (const UnitReport& unit : editor_->openUnits()) complain(describeUnit(unit));
+    for (const UnitReport& unit : editor_->openUnits())
+      complain(fmt::format("{}: {}", input_.place(unit.firstMessage), describeUnit(unit)));
     commitOutputs();
     if (answers_ && !hasAnswers_) console_.note("no request was answered: nothing is written");
     std::string summary;
     for (const auto& [outcome, messages] : tally_)
-      summary += fmt::format("{}{} {}", summary.empty() ? "" : ", ", messages, wordOf(outcome));
+      if (messages > 0) summary += fmt::format("{}{} {}", summary.empty() ? "" : ", ", messages, wordOf(outcome));
     console_.note(summary);
   }
 
  private:
   void commitOutputs() {
-    trace_.commit();
     if (answers_ && hasAnswers_) answers_->commit();
+    trace_.commit();
   }
 
   void complain(const std::string& text) {
@@ -72,12 +77,20 @@ class Receiving {
     const Record record = handle(message);
     ++tally_[record.outcome];
     tell(message, record);
-    trace_.add({message.number, &message.file, message.offset}, port_, message.bytes, record);
+    try {
+      trace_.add({message.number, &message.file, message.offset}, port_, message.bytes, record);
+    } catch (const Failure& failure) {
+      throw Failure(failure.code(),
+                    fmt::format("{}: {}; nothing after it is handled", placeOf(message), failure.what()));
+    }
     for (const UnitReport& unit : record.ended)
-      if (isBroken(unit)) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
+      if (isBroken(unit) || !unit.note.empty()) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
     for (const std::string& text : record.log)
       if (!text.empty()) console_.detail(fmt::format("    {}", escape(text.substr(0, text.find('\n')))));
-    if (record.libraryFailed && readMessage(message.bytes).kind == Reading::Kind::dump)
+    const Reading reading = readMessage(message.bytes);
+    if (record.outcome != Outcome::refused && reading.verdict == Reading::Verdict::fileDumpBroken)
+      complain(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
+    if (record.libraryFailed && reading.kind == Reading::Kind::dump)
       throw Failure(kWrongUsage, fmt::format("{}: the library failed, nothing after it is handled", placeOf(message)));
   }
 
@@ -125,8 +138,11 @@ class Receiving {
   }
 
   void answer(const InputFiles::Message& message, const Record& record, const std::string& what) {
-    if (const std::string why = whyUnsendable(record.sent); answers_ && !why.empty())
+    if (const std::string why = whyUnsendable(record.sent); answers_ && !why.empty()) {
+      --tally_[Outcome::answered];
+      ++tally_[Outcome::refused];
       return complain(fmt::format("{}: {}: {}", placeOf(message), what, why));
+    }
     console_.line(fmt::format("answered: {}, {} ({})", what, count(record.sent.size(), "message"), placeOf(message)));
     if (!answers_) return;
     for (const AssistantHost::Sent& sent : record.sent) answers_->write(sent.bytes);
@@ -194,14 +210,18 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
       ++answered;
       for (const AssistantHost::Sent& sent : record.sent) answers.push_back(sent.bytes);
     } catch (const LibraryError& error) {
-      trace.commit();
+      try {
+        trace.commit();
+      } catch (const Failure& second) {
+        program.console.problem(second.what());
+      }
       throw Failure(kWrongUsage, fmt::format("{} ({}): not asked, nor is anything after it: {}", nameOrBytes(address),
                                              formatAddress(address), escape(error.what())));
     }
   }
+  if (answered > 0) writeAnswers(answers, options.output, program.console);
   trace.commit();
   if (answered == 0) throw Failure(kRefused, "no address was answered, nothing is written");
-  writeAnswers(answers, options.output, program.console);
   program.console.note(fmt::format("{} answered, {}", fmt::format("{} address{}", answered, answered == 1 ? "" : "es"),
                                    count(answers.size(), "message")));
 }

@@ -19,7 +19,10 @@ namespace {
 class Restoring {
  public:
   Restoring(const std::string& file, Program& program)
-      : program_(program), console_(program.console), input_({file}), messages_(input_.countMessages()) {}
+      : program_(program),
+        console_(program.console),
+        input_({file}, program.console),
+        messages_(input_.countMessages()) {}
 
   void run(bool dryRun) {
     verify();
@@ -62,12 +65,9 @@ class Restoring {
       const Reading reading = readMessage(message.bytes);
       if (isBroken(reading))
         complain(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
-      judge(follower.next(reading, message.number), placeOf(message));
+      if (reading.kind != Reading::Kind::request) judge(follower.next(reading, message.number), placeOf(message));
     });
-    for (const UnitReport& unit : follower.finish())
-      input_.forEachMessage([&](const InputFiles::Message& message) {
-        if (message.number == unit.firstMessage) judge({unit}, placeOf(message));
-      });
+    for (const UnitReport& unit : follower.finish()) judge({unit}, input_.place(unit.firstMessage));
     if (problems > kMostProblems) console_.problem(fmt::format("and {} more", problems - kMostProblems));
     if (problems != 0) giveUp();
   }

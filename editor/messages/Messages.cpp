@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 #include "AddressRows.h"
 #include "FileDumpCodec.h"
 #include "bda/BulkDumpAssistant.h"
@@ -28,9 +30,9 @@ void judge(Reading& reading, Reading::Verdict verdict, std::string note) {
   reading.note = std::move(note);
 }
 
-// Why the field of a file dump can never be written; empty for one that can. The field is the packed name and the
-// packed bytes, each behind its length in two bytes of seven bits; no bytes mean that the content is removed. What
-// follows them counts for nothing.
+// Why the field of a file dump is not a content and nothing else; empty for one that is. The field is the packed name
+// and the packed bytes, each behind its length in two bytes of seven bits; no bytes mean that the content is removed.
+// What follows them counts for nothing: somebody's data is lost there.
 std::string whyNoContent(std::span<const std::uint8_t> field) {
   constexpr std::size_t kCount = 2;
   const auto countAt = [&](std::size_t at) { return std::size_t(field[at]) << 7 | field[at + 1]; };
@@ -41,11 +43,11 @@ std::string whyNoContent(std::span<const std::uint8_t> field) {
   if (name > left) return fmt::format("its name has {}, but there is room for {}", bytes(name), left);
   left -= name;
   const std::size_t content = countAt(kCount + name);
-  if (content == 0) return {};
   if (content > left) return fmt::format("its content has {}, but there is room for {}", bytes(content), left);
   for (const auto& [what, size] : {std::pair("name", name), std::pair("content", content)})
-    if (size % BDA::FileDumpCodec::kPackedGroup == 1)
+    if (content > 0 && size % BDA::FileDumpCodec::kPackedGroup == 1)
       return fmt::format("its {} has {}, the last of which is a packed group without data", what, bytes(size));
+  if (content < left) return bytes(left - content) + " behind its content, which are not used";
   return {};
 }
 

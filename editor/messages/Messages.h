@@ -25,7 +25,7 @@ struct Reading {
     checksumWrong,
     lengthWrong,       // does not fit the message's own byte count, or its type
     blockLengthWrong,  // fits, but the block at that address has another length
-    fileDumpBroken,    // fits, but what it carries is no content: it can be held, and never written
+    fileDumpBroken,    // fits, but it carries no content, which is never written, or more than one
     unknownAddress,
     typeUnknown,
   };

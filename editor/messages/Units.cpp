@@ -32,6 +32,10 @@ void OpenUnit::expect(std::size_t list) {
   });
 }
 
+void OpenUnit::expectVoice(bool isDrum) {
+  if (blocks_.empty()) expect(std::size_t(isDrum ? BDA::List::drumVoice : BDA::List::normalVoice));
+}
+
 bool OpenUnit::arrive(BulkAddress block) {
   const std::size_t list = BDA::listOf(block.hi);
   const bool isVoiceBlock = isList(list, BDA::List::normalVoice) || isList(list, BDA::List::drumVoice);
@@ -48,7 +52,11 @@ bool OpenUnit::isClosedBy(BulkAddress footer) const {
 }
 
 std::vector<BulkAddress> OpenUnit::missing() const {
-  if (blocks_.empty()) return {BulkAddress{0x40, 0x00, 0x00}};
+  if (blocks_.empty()) {
+    OpenUnit normal = *this;
+    normal.expectVoice(false);
+    return normal.missing();
+  }
   std::vector<BulkAddress> missing;
   for (const Block& block : blocks_)
     if (!block.arrived) missing.push_back(block.address);

@@ -18,11 +18,13 @@ class OpenUnit {
   BulkAddress header() const { return header_; }
   std::uint64_t firstMessage() const { return firstMessage_; }
 
+  // Which kind of voice the part of a multi takes, where that is known before its blocks come.
+  void expectVoice(bool isDrum);
   // False when the header does not admit the block.
   bool arrive(BulkAddress block);
   bool isClosedBy(BulkAddress footer) const;
   // The blocks that did not arrive, in table order. The voice of a multi part is a normal or a drum voice as its first
-  // block tells; without any, its voice common block stands for all.
+  // block tells; without any, those of a normal voice are missing.
   std::vector<BulkAddress> missing() const;
 
  private:

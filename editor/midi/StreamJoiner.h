@@ -22,7 +22,8 @@ class StreamJoiner {
   };
 
   // Offsets count from the first byte fed. Calls come in the order in which the stream decides them, so a real-time
-  // byte inside a message comes before the message. The receiver must not throw and must not call the joiner.
+  // byte inside a message comes before the message. The receiver must not call the joiner; when it throws, the joiner
+  // is of no further use.
   class Receiver {
    public:
     // A complete message, real-time bytes inside taken out. `offset` is that of its F0. The bytes are valid only during

@@ -87,11 +87,40 @@ TEST_F(Receive, whatIsStillOpenAtTheEndIsNamed) {
   write("a.syx", {dump({0x0C, 0x50, 0x04}, {0, 0, 0, 2, 0, 0x41}), blockDump(kHeader), blockDump(kElement)});
   const Result run = bda({"receive", "a.syx"});
   EXPECT_THAT(run, Exits(3));
-  EXPECT_THAT(run.err, HasSubstr("voice:user1:6: still open at the end, without footer"));
-  EXPECT_THAT(run.err, HasSubstr("1 file dump still held at the end, without write trigger (from message 1): file dump "
+  EXPECT_THAT(run.err,
+              HasSubstr("a.syx: message 2 at offset 18: voice:user1:6: still open at the end, without footer"));
+  EXPECT_THAT(run.err, HasSubstr("a.syx: message 1 at offset 0: 1 file dump still held at the end, without write "
+                                 "trigger (from message 1): file dump "
                                  "of multi 5 (0C 50 04)"));
   EXPECT_THAT(run.out, Not(HasSubstr("stored")));
   EXPECT_THAT(bda({"contents"}).out, IsEmpty());
+}
+
+TEST_F(Receive, refusedDataThatTheInstrumentTakesAllTheSameIsToldWhenItIsStored) {
+  Bytes reverb = blockDump({0x40, 0x01, 0x00});
+  --reverb[6];  // the last data byte, a 0, stands where the checksum should
+  const Bytes whole = unit(kHeader, BDA::List::normalVoice);
+  std::string sent = text(whole);
+  sent.replace(sent.find(text(blockDump({0x40, 0x01, 0x00}))), reverb.size(), text(reverb));
+  Bytes file = dump({0x0C, 0x50, 0x04}, {0, 2, 0x00, 0x41, 0, 2, 0x00, 0x42, 0});
+  --file[6];
+  write("a.syx", sent + text(file) + text(dump({0x11, 0, 0})));
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("refused: normal voice reverb: wrong length"));
+  EXPECT_THAT(run.err, HasSubstr("voice:user1:6: complete (messages 1 to 26); refused, and in it all the same, is what "
+                                 "message 3 carried"));
+  EXPECT_THAT(run.err, HasSubstr("; refused, and in it all the same, is what message 27 carried"));
+}
+
+TEST_F(Receive, bytesBehindAContentAreTold) {
+  write("a.syx", {dump({0x0C, 0x50, 0x04}, {0, 2, 0x00, 0x41, 0, 2, 0x00, 0x42, 0, 0}), dump({0x11, 0, 0})});
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.out, HasSubstr("stored: file:multi:5"));
+  EXPECT_THAT(run.err,
+              HasSubstr("a.syx: message 1 at offset 0: broken file dump: 2 bytes behind its content, which are "
+                        "not used"));
 }
 
 TEST_F(Receive, aUnitMayGoOnInTheNextFile) {
@@ -220,6 +249,22 @@ TEST_F(Receive, theTraceAndTheAnswersCanBeOneRun) {
   const Result run = bda({"receive", "a.syx", "-o", "answers.syx", "--trace", "-"});
   ASSERT_THAT(lines(run.out), SizeIs(1));
   EXPECT_THAT(run.out, HasSubstr(R"("outcome":"answered")"));
+}
+
+TEST_F(Receive, aTraceThatCannotBeWrittenEndsTheRunButKeepsTheAnswers) {
+  write("a.syx", {request({0, 0x40, 0})});
+  const Result run = bda({"receive", "a.syx", "-o", "b.syx", "--trace", "/dev/full"});
+  EXPECT_THAT(run, Exits(1));
+  EXPECT_THAT(run.err, HasSubstr("/dev/full: cannot write it: No space left on device"));
+  EXPECT_EQ(read("b.syx"), text(blockDump({0, 0x40, 0})));
+  EXPECT_THAT(bda({"request", "004000", "-o", "c.syx", "--trace", "/dev/full"}), Exits(1));
+  EXPECT_EQ(read("c.syx"), read("b.syx"));
+
+  std::string many;
+  for (int i = 0; i < 1000; ++i) many += text(request({0, 0x40, 0}));
+  write("many.syx", many);
+  EXPECT_THAT(bda({"receive", "many.syx", "--trace", "/dev/full"}).err,
+              HasSubstr("No space left on device; nothing after it is handled"));
 }
 
 TEST_F(Receive, quietSaysOnlyWhatWentWrong) {

@@ -272,8 +272,8 @@ TEST_F(Faults, WhateverABlockThrowsTheNextDumpWorks) {
   // Calls from inside a receiver or a job; elsewhere the editor must not throw.
   const auto isInside = [](const std::string& call) {
     return call == "store" || call == "load" || call == "set" || call == "set16" || call == "setName" ||
-           call.rfind("init", 0) == 0 || call.rfind("temporary", 0) == 0 || call == "system.common" ||
-           call == "system.adPart[0]" || call == "system.quickSetup[0]" || call == "send";
+           call == "changeCorrectType" || call.rfind("init", 0) == 0 || call.rfind("temporary", 0) == 0 ||
+           call == "system.common" || call == "system.adPart[0]" || call == "system.quickSetup[0]" || call == "send";
   };
   for (const auto& [name, play] : kScenarios) {
     played(play);

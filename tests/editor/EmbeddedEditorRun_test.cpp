@@ -11,7 +11,7 @@
 
 using Editor::EmbeddedEditor;
 using Editor::Outcome;
-using Session = Editor::EmbeddedEditor::Run;
+using OneRun = Editor::EmbeddedEditor::Run;
 using Access = Editor::Library::Transaction::Access;
 
 namespace {
@@ -55,7 +55,7 @@ class EmbeddedEditorRun : public testing::Test {
 
 TEST_F(EmbeddedEditorRun, nothingIsOnDiskBeforeTheCommit) {
   const Editor::ModelSet before = system();
-  Session run(*editor);
+  OneRun run(*editor);
   sendMaster(0);
   EXPECT_EQ(sendSystem(1), Outcome::completed);
   EXPECT_EQ(contents(), 0u);
@@ -65,10 +65,18 @@ TEST_F(EmbeddedEditorRun, nothingIsOnDiskBeforeTheCommit) {
   EXPECT_NE(system(), before);
 }
 
+TEST_F(EmbeddedEditorRun, noEditBufferIsSaidToBeStoredBeforeTheCommit) {
+  OneRun run(*editor);
+  send(blockDump({0x0E, 0x7F, 0x00}));
+  const Editor::Record record = editor->handle(blockDump({0x0F, 0x7F, 0x00}), BDA::DevicePort_Main, ++count);
+  EXPECT_EQ(record.outcome, Outcome::completed);
+  EXPECT_THAT(record.contents, testing::IsEmpty());
+}
+
 TEST_F(EmbeddedEditorRun, withoutACommitEverythingIsTakenBack) {
   const Editor::ModelSet before = system();
   {
-    const Session run(*editor);
+    const OneRun run(*editor);
     sendMaster(0);
     sendSystem(1);
     EXPECT_NE(editor->tools().liveSystem(), before);
@@ -81,7 +89,7 @@ TEST_F(EmbeddedEditorRun, withoutACommitEverythingIsTakenBack) {
 }
 
 TEST_F(EmbeddedEditorRun, aMessageThatIsRefusedLeavesTheOthers) {
-  Session run(*editor);
+  OneRun run(*editor);
   sendSystem(1);
   EXPECT_EQ(send(damaged(blockDump({0x00, 0x06, 0x00}, 2))), Outcome::refused);
   EXPECT_EQ(send(dump({0x00, 0x06, 0x00}, Bytes(4))), Outcome::refused);
@@ -97,11 +105,11 @@ TEST_F(EmbeddedEditorRun, howTheLibraryListensIsNotInTheWayAndStaysAsItWas) {
   set(Editor::SystemModel::kDeviceNumber, CMA::DeviceNumber_Off);
   const Editor::ModelSet before = system();
   {
-    const Session reading(*editor, Access::Read);
+    const OneRun reading(*editor, Access::Read);
     EXPECT_EQ(send(request({0x00, 0x06, 0x00})), Outcome::answered);
   }
   {
-    Session writing(*editor);
+    OneRun writing(*editor);
     EXPECT_EQ(sendSystem(0), Outcome::completed);
     EXPECT_EQ(sendSystem(0, 1), Outcome::refused);
     writing.commit();
@@ -112,7 +120,7 @@ TEST_F(EmbeddedEditorRun, howTheLibraryListensIsNotInTheWayAndStaysAsItWas) {
 
 TEST_F(EmbeddedEditorRun, messagesForAnyDeviceAreTakenWhenAskedFor) {
   const Editor::ModelSet before = system();
-  Session run(*editor, Access::Write, Session::Devices::any);
+  OneRun run(*editor, Access::Write, OneRun::Devices::any);
   EXPECT_EQ(sendSystem(0, 9), Outcome::completed);
   run.commit();
   EXPECT_EQ(system(), before);
@@ -120,7 +128,7 @@ TEST_F(EmbeddedEditorRun, messagesForAnyDeviceAreTakenWhenAskedFor) {
 
 TEST_F(EmbeddedEditorRun, oneStateIsSeenWhateverOthersChange) {
   EmbeddedEditor other(directory / "library.db");
-  const Session run(*editor, Access::Read);
+  const OneRun run(*editor, Access::Read);
   const auto answer = [&] {
     return editor->handle(request({0x00, 0x06, 0x00}), BDA::DevicePort_Main, 1).sent[0].bytes;
   };

@@ -234,6 +234,22 @@ TEST_F(EmbeddedEditorTest, theHeaderOfAnEmptyMixingVoiceIsIgnoredThoughTheModule
   EXPECT_EQ(record.outcome, Outcome::ignored);
 }
 
+TEST_F(EmbeddedEditorTest, theHeaderOfAnEmptyMixingVoiceIsIgnoredWhateverIsWrongWithIt) {
+  EXPECT_EQ(send(damaged(dump({0x0E, 0x31, 0x45}))).outcome, Outcome::ignored);
+  EXPECT_EQ(send(dump({0x0E, 0x31, 0x45}, {}, 4)).outcome, Outcome::ignored);
+  EXPECT_EQ(send(damaged(dump({0x0E, 0x31, 0x05}))).outcome, Outcome::refused);
+}
+
+TEST_F(EmbeddedEditorTest, aPartWithoutBlocksLacksThoseOfTheVoiceThatItTakes) {
+  send(dump({0x0E, 0x30, 0x02}));
+  EXPECT_EQ(send(dump({0x0F, 0x30, 0x02})).missing, blocksOf(BDA::List::normalVoice));
+  Editor::ModelSet multi = editor->tools().live(Editor::EditBuffer::multi);
+  ASSERT_TRUE(multi.multi->part[2].bankProgram.assign({63, 40, 3}));
+  editor->tools().replaceLive(Editor::EditBuffer::multi, 0, multi);
+  send(dump({0x0E, 0x30, 0x02}));
+  EXPECT_EQ(send(dump({0x0F, 0x30, 0x02})).missing, blocksOf(BDA::List::drumVoice));
+}
+
 TEST_F(EmbeddedEditorTest, aWrongDeviceNumberIsRefused) {
   const Record record = send(dump(kSystemCommon, Bytes(68), 4));
   EXPECT_EQ(record.result, BDA::BulkMsg_WrongDeviceNumber);

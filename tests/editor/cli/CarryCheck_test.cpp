@@ -52,6 +52,26 @@ TEST(CarryCheck, aDrumVoiceOfAPartIsCarried) {
   EXPECT_THAT(checkCarried(target, models).refusal, StartsWith("voice.key[72].params[0]: 255 cannot be carried"));
 }
 
+// Which sends 1 for 1 and 0 for all else.
+TEST(CarryCheck, aSwitchIsOnOrOff) {
+  const Target target = parseTarget("master:1");
+  ModelSet models = fresh(target);
+  set(models.master->zone[0].params, 12, 1);
+  EXPECT_EQ(checkCarried(target, models).refusal, "");
+  for (const int value : {2, 0x7E, 0x81, 0xFF}) {
+    set(models.master->zone[0].params, 12, std::uint16_t(value));
+    EXPECT_EQ(checkCarried(target, models).refusal,
+              "master.zone[0].params[12]: " + std::to_string(value) + " cannot be carried, it would arrive as 0");
+  }
+}
+
+TEST(CarryCheck, theLowBitsOfAPerformancesLastArpeggioParameterAreRefused) {
+  const Target target = parseTarget("performance:a:1");
+  ModelSet models = fresh(target);
+  set(models.arpeggio->common, 5, 1);
+  EXPECT_EQ(checkCarried(target, models).refusal, "arpeggio.common[5]: 1 cannot be carried, it would arrive as 0");
+}
+
 TEST(CarryCheck, anEightBitValueInASevenBitFieldIsRefusedByItsPath) {
   const Target target = parseTarget("system");
   ModelSet models = fresh(target);

@@ -55,15 +55,17 @@ TEST(Messages, aBlockOfAnotherLengthIsNamedWithTheRightOne) {
 
 TEST(Messages, fileDumpsComeInAnyLength) {
   EXPECT_EQ(readMessage(dump({0x0C, 0x0A, 0x05}, Bytes(4))).verdict, Verdict::good);
-  EXPECT_EQ(readMessage(dump({0x0C, 0x0A, 0x05}, Bytes(400))).verdict, Verdict::good);
+  Bytes field(404);
+  field[2] = 3;  // 3 * 128 + 16 bytes of content
+  field[3] = 16;
+  EXPECT_EQ(readMessage(dump({0x0C, 0x0A, 0x05}, field)).verdict, Verdict::good);
 }
 
-TEST(Messages, aFileDumpThatCannotBeWrittenIsBroken) {
+TEST(Messages, aFileDumpThatIsNotOneContentIsBroken) {
   const auto read = [](const Bytes& field) { return readMessage(dump({0x0C, 0x0A, 0x05}, field)); };
   const Bytes good[] = {{0, 0, 0, 0},     // no content: it is removed
                         {0, 1, 0, 0, 0},  // whatever its name
-                        {0, 2, 0, 'A', 0, 2, 0, 'B'},
-                        {0, 0, 0, 2, 0, 'B', 1, 2, 3}};  // what follows counts for nothing
+                        {0, 2, 0, 'A', 0, 2, 0, 'B'}};
   for (const Bytes& field : good) EXPECT_EQ(read(field).verdict, Verdict::good) << testing::PrintToString(field);
   const std::pair<Bytes, const char*> broken[] = {
       {{}, "0 bytes of data, a file dump has at least 4"},
@@ -74,6 +76,8 @@ TEST(Messages, aFileDumpThatCannotBeWrittenIsBroken) {
       {{0, 2, 0, 'A', 0, 3, 0, 'B'}, "its content has 3 bytes, but there is room for 2"},
       {{0, 1, 0, 0, 2, 0, 'B'}, "its name has 1 byte, the last of which is a packed group without data"},
       {{0, 0, 0, 1, 0}, "its content has 1 byte, the last of which is a packed group without data"},
+      {{0, 0, 0, 2, 0, 'B', 1, 2, 3}, "3 bytes behind its content, which are not used"},
+      {{0, 1, 0, 0, 0, 1}, "1 byte behind its content, which are not used"},
       {{0, 0, 0, 9, 0, 1, 2, 3, 4, 5, 6, 7, 0},
        "its content has 9 bytes, the last of which is a packed group without data"}};
   for (const auto& [field, note] : broken) {

@@ -182,6 +182,12 @@ TEST_F(Units, messagesForDifferentDevicesAreNoted) {
               HasSubstr("complete (messages 1 to 26); its messages are for different devices: 1, 5"));
 }
 
+TEST_F(Units, theVoiceOfAPartWithoutBlocksLacksThemAll) {
+  block({0x0E, 0x30, 0x02}).block({0x0F, 0x30, 0x02}).finish();
+  ASSERT_THAT(states(), ElementsAre(State::incomplete));
+  EXPECT_EQ(reports[0].blocks, blocksOf(BDA::List::normalVoice));
+}
+
 TEST_F(Units, theTwoAddressesOfAMixingVoiceAreOnePlace) {
   send(dump(parseAddress("file:voice:mix:5"), Bytes(4)))
       .send(dump(parseAddress("file:mix:1:5"), Bytes(4)))
