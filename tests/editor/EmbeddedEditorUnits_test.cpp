@@ -311,7 +311,7 @@ struct UnitKind {
 
 void PrintTo(const UnitKind& kind, std::ostream* out) { *out << kind.name; }
 
-class UnitOf : public Units, public testing::WithParamInterface<UnitKind> {
+class WholeUnit : public Units, public testing::WithParamInterface<UnitKind> {
  protected:
   // The live editor as the unit needs it: a part plays the kind of voice that the part's bank says.
   void prepare(const Unit& unit) {
@@ -330,7 +330,7 @@ class UnitOf : public Units, public testing::WithParamInterface<UnitKind> {
 };
 
 INSTANTIATE_TEST_SUITE_P(
-    Every, UnitOf,
+    Every, WholeUnit,
     testing::Values(
         UnitKind{"PresetNormalVoice", 1, InstrumentMap::normalVoice},
         UnitKind{"GmNormalVoice", 2, InstrumentMap::normalVoice},
@@ -349,7 +349,7 @@ INSTANTIATE_TEST_SUITE_P(
         UnitKind{"Remote", 16, InstrumentMap::remote}, UnitKind{"RemoteEditBuffer", 17, InstrumentMap::remote}),
     [](const auto& test) { return std::string(test.param.name); });
 
-TEST_P(UnitOf, OfRandomBytesComesBackWithEachByteInItsPlaceAndOutlivesShowAndApply) {
+TEST_P(WholeUnit, OfRandomBytesComesBackWithEachByteInItsPlaceAndOutlivesShowAndApply) {
   check([&](Random& random) {
     const Unit unit = anyUnit(random);
     prepare(unit);
