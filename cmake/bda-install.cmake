@@ -2,10 +2,8 @@
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/bda)
-if(TARGET bda AND TARGET bda-platform)
-  install(EXPORT bda-targets NAMESPACE bda:: DESTINATION ${package_dir})
-  configure_package_config_file(cmake/bdaConfig.cmake.in bdaConfig.cmake INSTALL_DESTINATION ${package_dir})
-  write_basic_package_version_file(bdaConfigVersion.cmake COMPATIBILITY SameMinorVersion)
-  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/bdaConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/bdaConfigVersion.cmake
-          DESTINATION ${package_dir})
-endif()
+install(EXPORT bda-targets NAMESPACE bda:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/bdaConfig.cmake.in bdaConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(bdaConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/bdaConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/bdaConfigVersion.cmake
+        DESTINATION ${package_dir})
