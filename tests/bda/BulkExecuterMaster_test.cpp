@@ -91,15 +91,5 @@ TEST_F(MasterTest, AMissingModelIsReportedInTwoWays) {
             Lines{"BulkExecuterMaster.cpp [BDA::BulkExecuterMasterZone::execBulkBlock] error :model is NULL !\n"});
 }
 
-TEST_F(MasterTest, AnyLoadSkippedFlagBut1MeansTheTemporaryModel) {
-  for (const unsigned type : {106U, 107U})
-    for (const int flag : {0, 2, 255}) {
-      serve(type, false);
-      served->setLoadSkipped(std::uint8_t(flag));
-      const Bytes data = pattern();
-      EXPECT_EQ(receive(data), expectedCalls(data)) << type << ", " << flag;
-    }
-}
-
 }  // namespace
 }  // namespace BDA

@@ -218,16 +218,6 @@ TEST_F(MultiTest, TheInsertionIsChosenByTypeNotByExecuter) {
     }
 }
 
-TEST_F(MultiTest, AnyLoadSkippedFlagBut1MeansTheTemporaryModels) {
-  for (const unsigned type : {82U, 89U, 90U, 91U, 94U, 102U})
-    for (const int flag : {0, 2, 255}) {
-      serve(type, false);
-      served->setLoadSkipped(std::uint8_t(flag));
-      const Bytes data = pattern();
-      EXPECT_EQ(receive(data), expectedCalls(data)) << type << ", " << flag;
-    }
-}
-
 TEST_F(MultiTest, RunsSkipBytesAndIndicesAsEffectsAndEqualizersDo) {
   serve(87, false);
   for (unsigned index = 0; index < 256; ++index) multi().masterEq[index] = 0x55;

@@ -63,15 +63,5 @@ TEST_F(RemoteTest, WrongLengthsAndMissingModelsAreReported) {
   EXPECT_EQ(calls(), Lines{});
 }
 
-TEST_F(RemoteTest, AnyLoadSkippedFlagBut1MeansTheTemporaryModel) {
-  for (const unsigned type : {109U, 110U})
-    for (const int flag : {0, 2, 255}) {
-      serve(type, false);
-      served->setLoadSkipped(std::uint8_t(flag));
-      const Bytes data = pattern();
-      EXPECT_EQ(receive(data), expectedCalls(data)) << type << ", " << flag;
-    }
-}
-
 }  // namespace
 }  // namespace BDA

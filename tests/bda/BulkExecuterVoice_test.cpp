@@ -61,15 +61,6 @@ TEST_F(VoiceTest, TheEditBufferIsReadFromTheLiveVoiceAndMulti) {
   EXPECT_EQ(loaded[46], 44);
 }
 
-TEST_F(VoiceTest, AnyLoadSkippedFlagBut0MeansTheLiveModels) {
-  serve(62, true);
-  for (const int flag : {1, 2, 255}) {
-    served->setLoadSkipped(std::uint8_t(flag));
-    const Bytes data = pattern();
-    EXPECT_EQ(receive(data), expectedCalls(data)) << flag;
-  }
-}
-
 TEST_F(VoiceTest, ReceivingWritesToTheLiveModelsWhenTheFlagSaysSo) {
   serve(61, true);
   receive(pattern());

@@ -65,6 +65,21 @@ TEST_P(ParameterBlock, SetsItsParametersInOrder) {
   });
 }
 
+TEST_P(ParameterBlock, AnyOtherLoadSkippedFlagMeansTheLiveModelsToVoicesAndTheTemporaryOnesToAllElse) {
+  forEachBlock([this] {
+    const bool isLive = served->getLoadSkipped() == 1;
+    const bool isVoice = kind->file == "Voice";
+    if (isLive != isVoice) return;
+    for (const std::uint8_t flag : Bytes{2, 0x80, 255}) {
+      served->setLoadSkipped(flag);
+      const Bytes data = pattern();
+      EXPECT_EQ(receive(data), expectedCalls(data)) << unsigned{flag};
+      EXPECT_EQ(dump(), ParameterBlocks::canonical(steps, data)) << unsigned{flag};
+      calls();
+    }
+  });
+}
+
 TEST_P(ParameterBlock, EachBitOfTheDataReachesItsParametersAndNoOthers) {
   forEachBlock([this] {
     const Bytes before = pattern();
