@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "BulkMessage.h"
 #include "CMA/JobTools.h"
