@@ -7,6 +7,8 @@
 #include <string_view>
 
 #include "AddressRows.h"
+#include "EditorNumbers.h"
+#include "FileDumpCodec.h"
 #include "ScreenText.h"
 
 namespace Editor {
@@ -14,8 +16,8 @@ namespace Editor {
 namespace {
 
 constexpr std::size_t kLongestFileDump = 0x3FFF;
-constexpr std::uint16_t kMixingVoicesFull = 46;
-constexpr std::uint16_t kFirstResettingId = 41;  // from here on the shown ids tell that the open header was forgotten
+// From here on the shown ids tell that the open header was forgotten.
+constexpr std::uint16_t kFirstResettingId = BDA::kReceiveSwitchOffMessage;
 
 bool isList(BulkAddress address, BDA::List list) { return BDA::listOf(address.hi) == std::size_t(list); }
 
@@ -209,8 +211,8 @@ namespace {
 
 std::string noteOf(const std::vector<std::uint64_t>& doubtful) {
   if (doubtful.empty()) return {};
-  return fmt::format("refused, and in it all the same, is what message{} {} carried", doubtful.size() == 1 ? "" : "s",
-                     fmt::join(doubtful, ", "));
+  return fmt::format("refused, and in it all the same, is what {} {} carried",
+                     doubtful.size() == 1 ? "message" : "messages", fmt::join(doubtful, ", "));
 }
 
 }  // namespace
@@ -240,7 +242,7 @@ void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_
   const bool isDump = record.result == BDA::BulkMsg_BulkDump && reading.address.has_value();
   // A dump whose length is wrong is refused in words, but taken when the byte where its checksum should be is 0.
   const bool isTakenAnyway = record.outcome == Outcome::refused && reading.verdict == Reading::Verdict::lengthWrong &&
-                             lastShown(record) == kStillReceiving;
+                             lastShown(record) == BDA::kReceiving;
   const bool isTaken =
       isDump && (isTakenAnyway || (record.outcome != Outcome::refused && record.outcome != Outcome::ignored));
   if (isTaken && isList(*reading.address, BDA::List::header)) {
@@ -302,7 +304,7 @@ std::string EmbeddedEditor::whyRefused(const Record& record, const Reading& read
     default:
       break;
   }
-  if (lastShown(record) == kMixingVoicesFull) return "there is no room for another mixing voice";
+  if (lastShown(record) == BDA::kMixingVoiceFullMessage) return "there is no room for another mixing voice";
   if (isBroken(reading)) return fmt::format("{}: {}", wordOf(reading.verdict), reading.note);
   if (!storeError_.empty()) return storeError_;
   const BulkAddress address = reading.address.value_or(BulkAddress{});
@@ -337,7 +339,7 @@ std::string EmbeddedEditor::heldInVain() const {
 
 // As many data bytes as a file dump of what is stored there would have.
 std::size_t EmbeddedEditor::fileDumpSize(BulkAddress address) {
-  const auto packed = [](std::size_t size) { return size + (size + 6) / 7; };
+  const auto packed = [](std::size_t size) { return BDA::FileDumpCodec::packedSize(size); };
   const std::optional<ContentId> id = contentOfFileDump({address.mid, address.lo});
   const std::optional<Library::Content> content = id ? library_.content(*id) : std::nullopt;
   return content ? packed(content->name.size()) + packed(content->bytes.size()) + 4 : 0;
@@ -388,7 +390,7 @@ void EmbeddedEditor::Run::commit() {
 std::vector<std::uint8_t> EmbeddedEditor::requestFor(BulkAddress address) {
   const unsigned setting = tools().liveSystem().system->utility.values()[SystemModel::kDeviceNumber];
   const auto device = std::uint8_t(setting < 16 ? setting : 0);
-  return {0xF0, 0x7D, std::uint8_t(0x20 | device), 0x7F, 0x14, address.hi, address.mid, address.lo, 0xF7};
+  return requestMessage(address, device);
 }
 
 }  // namespace Editor

@@ -1,6 +1,7 @@
 #include "Outcome.h"
 
 #include "AddressRows.h"
+#include "EditorNumbers.h"
 
 namespace Editor {
 
@@ -9,8 +10,7 @@ std::uint16_t lastShown(const AssistantHost::Effects& effects) {
 }
 
 bool hasFailed(const AssistantHost::Effects& effects) {
-  constexpr std::uint16_t kFirstErrorId = 40;
-  return !effects.log.empty() || lastShown(effects) >= kFirstErrorId;
+  return !effects.log.empty() || lastShown(effects) >= BDA::kCheckSumErrorMessage;  // the first of the errors
 }
 
 const char* wordOf(Outcome outcome) {
@@ -65,7 +65,7 @@ Outcome outcomeOf(const AssistantHost::Effects& effects, const Reading& reading,
   if (hasFailed(effects)) return Outcome::refused;
   if (libraryChanged) return Outcome::stored;
   if (effects.shown.empty()) return Outcome::ignored;
-  return lastShown(effects) == kStillReceiving ? Outcome::accepted : Outcome::completed;
+  return lastShown(effects) == BDA::kReceiving ? Outcome::accepted : Outcome::completed;
 }
 
 const char* nameOf(BDA::BulkMsgType result) {

@@ -20,9 +20,6 @@ enum class Outcome : std::uint8_t {
 };
 const char* wordOf(Outcome outcome);
 
-// Shown while a unit is open, or a file dump is held.
-inline constexpr std::uint16_t kStillReceiving = 11;
-
 // The id that stands on the screen after the message; 0: it has shown none.
 std::uint16_t lastShown(const AssistantHost::Effects& effects);
 

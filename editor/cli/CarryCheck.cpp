@@ -6,6 +6,7 @@
 #include <set>
 
 #include "AssistantHost.h"
+#include "messages/Messages.h"
 #include "models/ModelJson.h"
 
 namespace Editor {
@@ -78,8 +79,7 @@ class Scratch {
     Messages messages;
     for (const BulkAddress address :
          target_.kind == Target::Kind::system ? systemAddresses() : std::vector<BulkAddress>{*target_.header}) {
-      const std::uint8_t request[] = {0xF0, 0x7D, 0x20, 0x7F, 0x14, address.hi, address.mid, address.lo, 0xF7};
-      const AssistantHost::Effects effects = host_.handle(request, BDA::DevicePort_Main);
+      const AssistantHost::Effects effects = host_.handle(requestMessage(address), BDA::DevicePort_Main);
       if (!effects.log.empty() || effects.sent.empty()) return std::nullopt;
       for (const AssistantHost::Sent& sent : effects.sent) {
         messages.push_back(sent.bytes);

@@ -13,10 +13,6 @@ namespace Editor {
 
 namespace {
 
-[[noreturn]] void refuse(const Target& target, const std::string& why) {
-  throw Failure(kRefused, fmt::format("{}: {}", target.name, why));
-}
-
 [[noreturn]] void refuseEmpty(const Target& target) { refuse(target, "nothing is stored there"); }
 
 Target contentTarget(const std::string& word) {
@@ -30,14 +26,6 @@ Target contentTarget(const std::string& word) {
 
 // ---- rename ----
 
-// The name that the models are stored under.
-NameText& nameIn(ModelSet& models) {
-  if (models.voice) return models.voice->name;
-  if (models.multi) return models.multi->name;
-  if (models.master) return models.master->name;
-  return models.remote->name1;
-}
-
 // The blocks of the multi that is edited hold no name, nor does the file dump of the single content.
 bool hasName(const Target& target) {
   return target.kind == Target::Kind::editBuffer ? target.buffer != EditBuffer::multi
@@ -46,8 +34,7 @@ bool hasName(const Target& target) {
 
 void checkName(const Target& target, const std::string& name, std::size_t most) {
   if (std::any_of(name.begin(), name.end(), [](char c) { return c < ' ' || c > '~'; }))
-    refuse(target,
-           fmt::format("\"{}\" has a character that cannot be carried: expected printable ASCII", escape(name)));
+    refuse(target, fmt::format("\"{}\" has a character that cannot be carried: expected printable ASCII", name));
   if (name.size() > most)
     refuse(target, fmt::format("\"{}\" has {} characters, a name here has at most {}", name, name.size(), most));
 }
@@ -62,10 +49,10 @@ void renameContent(EmbeddedEditor& editor, const Target& target, const std::stri
     editor.library().rename(target.content, name);
     return;
   }
-  checkName(target, name, nameIn(models).capacity());
-  nameIn(models).assign(name);
+  checkName(target, name, nameIn(models)->capacity());
+  nameIn(models)->assign(name);
   std::string why;
-  if (!editor.store().storeModels(target.content, name, models, why)) refuse(target, escape(why));
+  if (!editor.store().storeModels(target.content, name, models, why)) refuse(target, why);
 }
 
 }  // namespace
@@ -87,8 +74,8 @@ void rename(const Words& words, Program& program) {
   } else {
     editor->tools().reload();  // now that nobody changes it
     ModelSet models = loadTarget(*editor, target);
-    checkName(target, name, nameIn(models).capacity());
-    nameIn(models).assign(name);
+    checkName(target, name, nameIn(models)->capacity());
+    nameIn(models)->assign(name);
     storeTarget(*editor, target, models);
   }
   transaction.commit();

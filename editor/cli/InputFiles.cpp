@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "cli/Failure.h"
+#include "midi/Counted.h"
 
 namespace Editor {
 
@@ -47,12 +48,11 @@ bool InputFiles::reportLosses(const File& file, Console& console) {
   for (const MidiFile::Dropped& dropped : file.midi.dropped) {
     const bool isRealTime = dropped.reason == StreamJoiner::Reason::RealTime;
     if (isRealTime) realTime += dropped.count;
-    const std::string line = fmt::format("{}: offset {}: {} byte{} dropped, {}", name, dropped.offset, dropped.count,
-                                         dropped.count == 1 ? "" : "s", describe(dropped.reason));
+    const std::string line = fmt::format("{}: offset {}: {} dropped, {}", name, dropped.offset,
+                                         counted(dropped.count, "byte"), describe(dropped.reason));
     isRealTime ? console.detail(line) : console.problem(line);
   }
-  if (realTime > 0)
-    console.problem(fmt::format("{}: {} real-time byte{} dropped", name, realTime, realTime == 1 ? "" : "s"));
+  if (realTime > 0) console.problem(fmt::format("{}: {} dropped", name, counted(realTime, "real-time byte")));
   return !isBroken(file.midi);
 }
 

@@ -9,6 +9,7 @@
 #include "cli/Verbs.h"
 #include "messages/Messages.h"
 #include "messages/Units.h"
+#include "midi/Counted.h"
 
 namespace Editor {
 
@@ -54,8 +55,7 @@ std::string toLine(const InputFiles::Message& message, const Reading& reading) {
   std::string line = fmt::format("{:>6} {:>9}  {:<26} {:>2}  {:<8}  {}", message.number, message.offset,
                                  wordOf(reading.verdict), reading.device ? std::to_string(*reading.device) : "-",
                                  reading.address ? formatAddress(*reading.address) : "-", describeContent(reading));
-  if (reading.kind == Reading::Kind::dump)
-    line += fmt::format(", {} data byte{}", reading.dataBytes, reading.dataBytes == 1 ? "" : "s");
+  if (reading.kind == Reading::Kind::dump) line += ", " + counted(reading.dataBytes, "data byte");
   if (reading.checksum) line += fmt::format(", checksum {:02X}", *reading.checksum);
   if (!reading.note.empty()) line += fmt::format(" ({})", reading.note);
   return line;
@@ -111,8 +111,8 @@ void verify(const Words& files, bool json, Program& program) {
   });
   tellUnits(follower.finish());
   if (!whole || brokenMessages + brokenUnits != 0) program.refuse();
-  console.note(fmt::format("{} message{}, {} broken; {} unit{}, {} broken", messages, messages == 1 ? "" : "s",
-                           brokenMessages, units, units == 1 ? "" : "s", brokenUnits));
+  console.note(fmt::format("{}, {} broken; {}, {} broken", counted(messages, "message"), brokenMessages,
+                           counted(units, "unit"), brokenUnits));
 }
 
 }  // namespace Editor

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <png.h>
 
+#include "BulkMessage.h"
 #include "cli/Failure.h"
 #include "messages/Messages.h"
 
@@ -10,7 +11,6 @@ namespace Editor {
 
 namespace {
 
-constexpr std::size_t kDataAt = 10;
 constexpr std::size_t kHeadBytes = 7;    // number of blocks, width, height (14 bits each), 0
 constexpr std::size_t kNumberBytes = 2;  // of a block
 
@@ -32,7 +32,7 @@ std::string assemblePicture(const std::vector<AssistantHost::Sent>& messages, Pi
         *reading.address != (isFirst ? kScreen : kScreenData) ||
         (isFirst ? reading.dataBytes != kHeadBytes : reading.dataBytes <= kNumberBytes))
       return fmt::format("message {} is none of a screen capture", i + 1);
-    const std::span<const std::uint8_t> data = message.subspan(kDataAt, reading.dataBytes);
+    const std::span<const std::uint8_t> data = message.subspan(BDA::kDataAt, reading.dataBytes);
     if (isFirst) {
       blocks = numberAt(data, 0);
       picture.width = numberAt(data, 2);

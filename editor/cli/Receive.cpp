@@ -1,7 +1,6 @@
-// The verbs that hand messages to the assistant: receive and request.
+// The verb receive: messages handed to the library's instrument, and what became of each.
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <map>
@@ -11,19 +10,14 @@
 #include "cli/InputFiles.h"
 #include "cli/OutputFile.h"
 #include "cli/Progress.h"
-#include "cli/Targets.h"
 #include "cli/Trace.h"
 #include "cli/Verbs.h"
-#include "midi/Hex.h"
+#include "midi/Counted.h"
 #include "midi/MidiFile.h"
 
 namespace Editor {
 
 namespace {
-
-std::string count(std::size_t n, const char* one) { return fmt::format("{} {}{}", n, one, n == 1 ? "" : "s"); }
-
-// ---- receive ----
 
 class Receiving {
  public:
@@ -143,7 +137,7 @@ class Receiving {
       ++tally_[Outcome::refused];
       return complain(fmt::format("{}: {}: {}", placeOf(message), what, why));
     }
-    console_.line(fmt::format("answered: {}, {} ({})", what, count(record.sent.size(), "message"), placeOf(message)));
+    console_.line(fmt::format("answered: {}, {} ({})", what, counted(record.sent.size(), "message"), placeOf(message)));
     if (!answers_) return;
     for (const AssistantHost::Sent& sent : record.sent) answers_->write(sent.bytes);
     hasAnswers_ = true;
@@ -167,63 +161,6 @@ void receive(const Words& files, const ExchangeOptions& options, Program& progra
   if (options.output == "-" && options.trace == "-")
     throw Failure(kWrongUsage, "answers and trace cannot both go to standard output");
   Receiving(files, options, program).run();
-}
-
-// ---- request ----
-
-namespace {
-
-// Without a file: bytes to a pipe, hex to a terminal.
-void writeAnswers(const std::vector<std::vector<std::uint8_t>>& answers, const std::string& path, Console& console) {
-  if (path.empty() && ::isatty(STDOUT_FILENO) != 0) {
-    for (const std::vector<std::uint8_t>& message : answers) console.line(formatHex(message));
-    return;
-  }
-  OutputFile file(path.empty() ? "-" : path);
-  for (const std::vector<std::uint8_t>& message : answers) file.write(message);
-  file.commit();
-}
-
-}  // namespace
-
-void request(const Words& words, const ExchangeOptions& options, Program& program) {
-  const std::vector<BulkAddress> addresses = parseAddresses(words);
-  const auto port = BDA::DevicePortNum(options.port);
-  if (options.trace == "-" && (options.output.empty() || options.output == "-"))
-    throw Failure(kWrongUsage, "answers and trace cannot both go to standard output");
-  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
-  Trace trace(options.trace);
-  std::vector<std::vector<std::uint8_t>> answers;
-  std::size_t answered = 0;
-  std::uint64_t number = 0;
-  for (const BulkAddress address : addresses) {
-    try {
-      const std::vector<std::uint8_t> message = editor->requestFor(address);
-      const Record record = editor->handle(message, port, ++number);
-      trace.add({number, nullptr, std::nullopt}, port, message, record);
-      if (const std::string why = whyUnanswered(record); !why.empty()) {
-        program.console.problem(fmt::format("{} ({}, {}): no answer: {}", nameOrBytes(address), formatAddress(address),
-                                            describeAddress(address), escape(why)));
-        program.refuse();
-        continue;
-      }
-      ++answered;
-      for (const AssistantHost::Sent& sent : record.sent) answers.push_back(sent.bytes);
-    } catch (const LibraryError& error) {
-      try {
-        trace.commit();
-      } catch (const Failure& second) {
-        program.console.problem(second.what());
-      }
-      throw Failure(kWrongUsage, fmt::format("{} ({}): not asked, nor is anything after it: {}", nameOrBytes(address),
-                                             formatAddress(address), escape(error.what())));
-    }
-  }
-  if (answered > 0) writeAnswers(answers, options.output, program.console);
-  trace.commit();
-  if (answered == 0) throw Failure(kRefused, "no address was answered, nothing is written");
-  program.console.note(fmt::format("{} answered, {}", fmt::format("{} address{}", answered, answered == 1 ? "" : "es"),
-                                   count(answers.size(), "message")));
 }
 
 }  // namespace Editor

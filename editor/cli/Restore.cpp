@@ -11,6 +11,7 @@
 #include "cli/Progress.h"
 #include "cli/ScratchLibrary.h"
 #include "cli/Verbs.h"
+#include "midi/Counted.h"
 
 namespace Editor {
 
@@ -111,8 +112,8 @@ class Restoring {
     }
     for (const ContentId id : stored) console_.detail(fmt::format("stored: {}", nameOf(id)));
     for (const ContentId id : removed) console_.detail(fmt::format("removed: {}", nameOf(id)));
-    console_.note(fmt::format("restored: {} message{}, {} content{} stored, {} removed", dumps_, dumps_ == 1 ? "" : "s",
-                              stored.size(), stored.size() == 1 ? "" : "s", removed.size()));
+    console_.note(fmt::format("restored: {}, {} stored, {} removed", counted(dumps_, "message"),
+                              counted(stored.size(), "content"), removed.size()));
   }
 
   // Everything but the commit. `untouched` is the same library through other eyes: it sees what is committed.
@@ -123,9 +124,9 @@ class Restoring {
     receive(editor, "dry run");
     const std::vector<Difference> changes = compareLibraries(untouched, editor, Reception::ignored);
     for (const Difference& change : changes) tell(change);
-    console_.note(changes.empty() ? "nothing would change"
-                                  : fmt::format("{} content{} or setting{} would change", changes.size(),
-                                                changes.size() == 1 ? "" : "s", changes.size() == 1 ? "" : "s"));
+    console_.note(changes.empty()
+                      ? "nothing would change"
+                      : counted(changes.size(), "content or setting", "contents or settings") + " would change");
   }
 
   void tell(const Difference& change) {
@@ -137,8 +138,8 @@ class Restoring {
         console_.line(fmt::format("would store: {} \"{}\"", change.target, showName(change.name)));
         break;
       case Difference::Kind::changed:
-        console_.line(fmt::format("would change: {} ({} difference{})", change.target, change.details.size(),
-                                  change.details.size() == 1 ? "" : "s"));
+        console_.line(
+            fmt::format("would change: {} ({})", change.target, counted(change.details.size(), "difference")));
         for (const std::string& detail : change.details) console_.detail(fmt::format("    {}", detail));
         break;
     }

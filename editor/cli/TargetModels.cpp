@@ -9,10 +9,6 @@ namespace Editor {
 
 namespace {
 
-[[noreturn]] void refuse(const Target& target, const std::string& why) {
-  throw Failure(kRefused, fmt::format("{}: {}", target.name, escape(why)));
-}
-
 // Contents that have no format of ours: their bytes are somebody else's.
 void requireFormat(const Target& target) {
   if (haveSameShape(emptySetFor(target.content), ModelSet()))

@@ -29,6 +29,10 @@ BulkAddress parse(const std::string& text) {
 
 }  // namespace
 
+void refuse(const Target& target, const std::string& why) {
+  throw Failure(kRefused, fmt::format("{}: {}", target.name, escape(why)));
+}
+
 std::vector<std::string> joinAddresses(const std::vector<std::string>& words) {
   std::vector<std::string> joined;
   for (std::size_t i = 0; i < words.size(); ++i) {

@@ -21,6 +21,9 @@ struct Target {
   ContentId content;
 };
 
+// Throws Failure (kRefused), which names the target.
+[[noreturn]] void refuse(const Target& target, const std::string& why);
+
 // The words of a command line as addresses or names: three words of two digits each are one address.
 std::vector<std::string> joinAddresses(const std::vector<std::string>& words);
 

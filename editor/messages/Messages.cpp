@@ -5,24 +5,22 @@
 #include <utility>
 
 #include "AddressRows.h"
+#include "BulkMessage.h"
 #include "FileDumpCodec.h"
 #include "bda/BulkDumpAssistant.h"
+#include "midi/Counted.h"
 
 namespace Editor {
 
 namespace {
 
-constexpr std::size_t kShortest = 9;
-constexpr std::size_t kRequestLength = 9;
-constexpr std::size_t kDumpFrame = 12;  // all bytes of a dump but its data
-constexpr std::size_t kDumpDataAt = 10;
-constexpr std::uint8_t kMakerId = 0x7D;
-
-enum : std::uint8_t { kDumpType = 0x00, kType1 = 0x10, kRequestType = 0x20, kType3 = 0x30, kType4 = 0x40 };
-
 bool isForThisInstrument(std::span<const std::uint8_t> message) {
-  return message.size() >= kShortest && message[1] == kMakerId &&
-         ((message[3] == 0x7F && message[4] == 0x14) || message[4] == 0x15);
+  return message.size() >= BDA::kRequestLength && message[1] == BDA::kMakerId &&
+         ((message[3] == BDA::kModelId1 && message[4] == BDA::kModelId2) || message[4] == BDA::kOtherModelId2);
+}
+
+BulkAddress addressAt(std::span<const std::uint8_t> message, std::size_t at) {
+  return {message[at], message[at + 1], message[at + 2]};
 }
 
 void judge(Reading& reading, Reading::Verdict verdict, std::string note) {
@@ -36,18 +34,19 @@ void judge(Reading& reading, Reading::Verdict verdict, std::string note) {
 std::string whyNoContent(std::span<const std::uint8_t> field) {
   constexpr std::size_t kCount = 2;
   const auto countAt = [&](std::size_t at) { return std::size_t(field[at]) << 7 | field[at + 1]; };
-  const auto bytes = [](std::size_t count) { return fmt::format("{} byte{}", count, count == 1 ? "" : "s"); };
-  if (field.size() < 2 * kCount) return bytes(field.size()) + " of data, a file dump has at least 4";
+  if (field.size() < 2 * kCount) return counted(field.size(), "byte") + " of data, a file dump has at least 4";
   std::size_t left = field.size() - 2 * kCount;
   const std::size_t name = countAt(0);
-  if (name > left) return fmt::format("its name has {}, but there is room for {}", bytes(name), left);
+  if (name > left) return fmt::format("its name has {}, but there is room for {}", counted(name, "byte"), left);
   left -= name;
   const std::size_t content = countAt(kCount + name);
-  if (content > left) return fmt::format("its content has {}, but there is room for {}", bytes(content), left);
+  if (content > left)
+    return fmt::format("its content has {}, but there is room for {}", counted(content, "byte"), left);
   for (const auto& [what, size] : {std::pair("name", name), std::pair("content", content)})
     if (content > 0 && size % BDA::FileDumpCodec::kPackedGroup == 1)
-      return fmt::format("its {} has {}, the last of which is a packed group without data", what, bytes(size));
-  if (content < left) return bytes(left - content) + " behind its content, which are not used";
+      return fmt::format("its {} has {}, the last of which is a packed group without data", what,
+                         counted(size, "byte"));
+  if (content < left) return counted(left - content, "byte") + " behind its content, which are not used";
   return {};
 }
 
@@ -67,32 +66,32 @@ void judgeAddress(Reading& reading, std::span<const std::uint8_t> data) {
 }
 
 void readDump(Reading& reading, std::span<const std::uint8_t> message) {
-  if (message.size() < kDumpFrame) {
+  if (message.size() < BDA::kDumpFrame) {
     reading.kind = Reading::Kind::invalid;
     return judge(reading, Reading::Verdict::lengthWrong,
-                 fmt::format("{} bytes, a dump has at least {}", message.size(), kDumpFrame));
+                 fmt::format("{} bytes, a dump has at least {}", message.size(), BDA::kDumpFrame));
   }
-  reading.address = BulkAddress{message[7], message[8], message[9]};
-  reading.dataBytes = message.size() - kDumpFrame;
-  const std::size_t counted = std::size_t(message[5]) * 128 + message[6];
-  if (counted != reading.dataBytes)
+  reading.address = addressAt(message, BDA::kDumpAddressAt);
+  reading.dataBytes = message.size() - BDA::kDumpFrame;
+  const std::size_t promised = BDA::byteCountOf(message.data());
+  if (promised != reading.dataBytes)
     return judge(reading, Reading::Verdict::lengthWrong,
-                 fmt::format("{} data bytes, its byte count says {}", reading.dataBytes, counted));
+                 fmt::format("{} data bytes, its byte count says {}", reading.dataBytes, promised));
   reading.checksum = message[message.size() - 2];
   reading.expectedChecksum = BDA::Utility::calcCheckSum(message.data(), message.size());
   if (*reading.checksum != *reading.expectedChecksum)
     return judge(reading, Reading::Verdict::checksumWrong,
                  fmt::format("checksum {:02X}, expected {:02X}", *reading.checksum, *reading.expectedChecksum));
-  judgeAddress(reading, message.subspan(kDumpDataAt, reading.dataBytes));
+  judgeAddress(reading, message.subspan(BDA::kDataAt, reading.dataBytes));
 }
 
 void readRequest(Reading& reading, std::span<const std::uint8_t> message) {
-  if (message.size() != kRequestLength) {
+  if (message.size() != BDA::kRequestLength) {
     reading.kind = Reading::Kind::invalid;
     return judge(reading, Reading::Verdict::lengthWrong,
-                 fmt::format("{} bytes, a request has {}", message.size(), kRequestLength));
+                 fmt::format("{} bytes, a request has {}", message.size(), BDA::kRequestLength));
   }
-  reading.address = BulkAddress{message[5], message[6], message[7]};
+  reading.address = addressAt(message, BDA::kRequestAddressAt);
   judgeAddress(reading, {});
 }
 
@@ -101,20 +100,20 @@ void readRequest(Reading& reading, std::span<const std::uint8_t> message) {
 Reading readMessage(std::span<const std::uint8_t> message) {
   Reading reading;
   if (!isForThisInstrument(message)) return reading;
-  reading.device = (message[2] & 0x0Fu) + 1;
+  reading.device = unsigned(message[2] & BDA::kDeviceMask) + 1;
   reading.verdict = Reading::Verdict::good;
-  switch (message[2] & 0xF0) {
-    case kDumpType:
+  switch (message[2] & BDA::kTypeMask) {
+    case BDA::kTypeDump:
       reading.kind = Reading::Kind::dump;
       readDump(reading, message);
       break;
-    case kRequestType:
+    case BDA::kTypeRequest:
       reading.kind = Reading::Kind::request;
       readRequest(reading, message);
       break;
-    case kType1:
-    case kType3:
-    case kType4:
+    case BDA::kType1:
+    case BDA::kType3:
+    case BDA::kType4:
       reading.kind = Reading::Kind::other;
       break;
     default:
@@ -122,6 +121,18 @@ Reading readMessage(std::span<const std::uint8_t> message) {
       judge(reading, Reading::Verdict::typeUnknown, fmt::format("no message has type {}", message[2] >> 4));
   }
   return reading;
+}
+
+std::vector<std::uint8_t> requestMessage(BulkAddress address, std::uint8_t device) {
+  return {BDA::kStartOfExclusive,
+          BDA::kMakerId,
+          std::uint8_t(BDA::kTypeRequest | device),
+          BDA::kModelId1,
+          BDA::kModelId2,
+          address.hi,
+          address.mid,
+          address.lo,
+          BDA::kEndOfExclusive};
 }
 
 const char* wordOf(Reading::Kind kind) {

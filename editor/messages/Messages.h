@@ -42,6 +42,9 @@ struct Reading {
 
 Reading readMessage(std::span<const std::uint8_t> message);
 
+// The request of that address, for an instrument with that device number (0 to 15).
+std::vector<std::uint8_t> requestMessage(BulkAddress address, std::uint8_t device = 0);
+
 const char* wordOf(Reading::Kind kind);
 const char* wordOf(Reading::Verdict verdict);
 // Good and foreign messages are fine, all others are broken.

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "AddressRows.h"
+#include "midi/Counted.h"
 #include "models/ContentAddress.h"
 
 namespace Editor {
@@ -232,12 +233,11 @@ std::string describeState(const UnitReport& unit) {
                                 ? fmt::format("message {}", unit.lastMessage)
                                 : fmt::format("messages {} to {}", unit.firstMessage, unit.lastMessage);
   const std::size_t count = unit.blocks.size();
-  const auto plural = [&](const char* one) { return fmt::format("{} {}{}", count, one, count == 1 ? "" : "s"); };
   switch (unit.state) {
     case UnitReport::State::complete:
       return fmt::format("{}: complete ({})", name, where);
     case UnitReport::State::incomplete:
-      return fmt::format("{}: {} missing ({}): {}", name, plural("block"), where, describeBlocks(unit.blocks));
+      return fmt::format("{}: {} missing ({}): {}", name, counted(count, "block"), where, describeBlocks(unit.blocks));
     case UnitReport::State::abandoned:
       return fmt::format("{}: abandoned ({}), by {} at message {}", name, where, unit.cause, unit.lastMessage);
     case UnitReport::State::open:
@@ -248,14 +248,14 @@ std::string describeState(const UnitReport& unit) {
       return fmt::format("{} closes no open header ({})", describeAddress(unit.address), where);
     case UnitReport::State::written:
       if (count == 0) return fmt::format("{}: nothing held to write ({})", name, where);
-      return fmt::format("{}: {} ({}): {}", name, plural("file dump"), where, describeBlocks(unit.blocks));
+      return fmt::format("{}: {} ({}): {}", name, counted(count, "file dump"), where, describeBlocks(unit.blocks));
     case UnitReport::State::held:
-      return fmt::format("{} still held at the end, without write trigger (from message {}): {}", plural("file dump"),
-                         unit.firstMessage, describeBlocks(unit.blocks));
+      return fmt::format("{} still held at the end, without write trigger (from message {}): {}",
+                         counted(count, "file dump"), unit.firstMessage, describeBlocks(unit.blocks));
     case UnitReport::State::discarded:
       if (count == 0) return fmt::format("{}: can be requested, but not stored ({})", name, where);
       return fmt::format("{}: can be requested, but not stored ({}); it discards {}: {}", name, where,
-                         plural("held file dump"), describeBlocks(unit.blocks));
+                         counted(count, "held file dump"), describeBlocks(unit.blocks));
   }
   return name;
 }

@@ -7,6 +7,8 @@
 #include <system_error>
 #include <utility>
 
+#include "midi/Counted.h"
+
 namespace Editor {
 
 namespace {
@@ -70,8 +72,6 @@ std::uint32_t bigEndian(Bytes bytes) {
   return value;
 }
 
-std::string counted(std::size_t bytes) { return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes"); }
-
 // Takes bytes off the front of what is left, as far as they are there.
 struct Cursor {
   Bytes left;
@@ -96,7 +96,7 @@ struct Cursor {
   }
 
   // As many bytes as the number before them says.
-  std::optional<Bytes> counted() {
+  std::optional<Bytes> takeCounted() {
     const auto count = number();
     return count ? take(*count) : std::nullopt;
   }
@@ -130,7 +130,7 @@ class StandardReader {
   void readChunks(std::size_t at) {
     while (at < source_.size()) {
       if (source_.size() - at < kChunkHead) {
-        return error(at, counted(source_.size() - at) + " after the last chunk");
+        return error(at, counted(source_.size() - at, "byte") + " after the last chunk");
       }
       const Bytes head = source_.subspan(at, kChunkHead);
       const std::uint32_t promised = bigEndian(head.subspan(4));
@@ -139,7 +139,7 @@ class StandardReader {
       if (isTrack) ++track_;
       if (length != promised) {
         error(at, (isTrack ? "track " + std::to_string(track_) : "unknown chunk") +
-                      " is cut short: " + std::to_string(length) + " of " + counted(promised));
+                      " is cut short: " + std::to_string(length) + " of " + counted(promised, "byte"));
       }
       if (isTrack) readTrack(source_.subspan(at + kChunkHead, length));
       at += kChunkHead + length;
@@ -159,7 +159,8 @@ class StandardReader {
     if (problem != nullptr) {
       std::string text = "track " + std::to_string(track_) + ": " + problem;
       if (!track.empty())
-        text += ", " + counted(track.size()) + " of the track " + (track.size() == 1 ? "is" : "are") + " not read";
+        text +=
+            ", " + counted(track.size(), "byte") + " of the track " + (track.size() == 1 ? "is" : "are") + " not read";
       error(offsetOf(track), std::move(text));
     }
   }
@@ -187,13 +188,13 @@ class StandardReader {
       if (!data || !allData(*data)) return "broken channel event";
       joiner_.finish();
     } else if (status == 0xF0 || status == 0xF7) {
-      const auto data = in.counted();
+      const auto data = in.takeCounted();
       if (!data) return "System Exclusive event of a wrong length";
       if (status == 0xF0) join(event.first(1));
       join(*data);
     } else if (status == 0xFF) {
       const auto type = in.take(1);
-      if (!type || !in.counted()) return "meta event of a wrong length";
+      if (!type || !in.takeCounted()) return "meta event of a wrong length";
       ended = type->front() == 0x2F;
     } else {
       return "a status byte that begins no event";

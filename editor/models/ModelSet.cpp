@@ -35,12 +35,24 @@ ModelSet emptySetFor(ContentId id) {
   return emptySetFor(isContent(id) && id.type == ContSrv::ContType_Multi ? kMulti : 0);
 }
 
+namespace {
+
+template <typename Set>
+auto* findName(Set& set) {
+  if (set.voice) return &set.voice->name;
+  if (set.multi) return &set.multi->name;
+  if (set.master) return &set.master->name;
+  if (set.remote) return &set.remote->name1;
+  return decltype(&set.voice->name)(nullptr);
+}
+
+}  // namespace
+
+NameText* nameIn(ModelSet& set) { return findName(set); }
+
 std::string nameOf(const ModelSet& set) {
-  if (set.voice) return set.voice->name.text();
-  if (set.multi) return set.multi->name.text();
-  if (set.master) return set.master->name.text();
-  if (set.remote) return set.remote->name1.text();
-  return {};
+  const NameText* const name = findName(set);
+  return name == nullptr ? std::string() : name->text();
 }
 
 namespace {

@@ -55,7 +55,9 @@ ModelSet emptySetFor(unsigned headerType, bool drum = false);
 // What a content in our format holds, fresh; empty for contents that never have our format.
 ModelSet emptySetFor(ContentId id);
 
-// The name that a set is stored under: that of its voice, else of the multi, master or remote.
+// The name that a set is stored under: that of its voice, else of the multi, master or remote. Null or empty for a set
+// of none of these.
+NameText* nameIn(ModelSet& set);
 std::string nameOf(const ModelSet& set);
 
 // Where two sets differ, as paths: "voice.element[3].params[12]", "multi.name". What only one of them has is one path,
