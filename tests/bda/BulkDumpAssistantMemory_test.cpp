@@ -153,8 +153,10 @@ class UncountedJobTools : public FakeJobTools {
 // Notes the count of allocations at each message that is sent.
 struct CountingBridge : BulkDumpBridge {
   explicit CountingBridge(BulkDumpAssistant* assistant) : BulkDumpBridge(assistant) { counts.reserve(1000); }
-  void sendSysEx(const unsigned char* message, std::uint32_t /*length*/, DevicePortNum) override {
-    if (counts.size() < counts.capacity()) counts.push_back({{message[7], message[8], message[9]}, allocations.count});
+  void sendSysEx(const unsigned char* message, std::uint32_t length, DevicePortNum) override {
+    constexpr std::uint32_t kNotice = 5;
+    if (length > kNotice && counts.size() < counts.capacity())
+      counts.push_back({{message[7], message[8], message[9]}, allocations.count});
   }
   struct Count {
     std::array<std::uint8_t, 3> address;
