@@ -52,7 +52,9 @@ class FullLibrary {
     const std::optional<Editor::ContentId> content = Editor::contentOfFileDump(place);
     if (!content || !Editor::isWritableFileDump({BDA::kFileDumpHi, place.mid, place.lo})) return;
     const Editor::ModelSet models = Editor::emptySetFor(*content);
-    library.store(*content, Editor::encodeContent(models), fmt::format("Content {:02X} {:02X}", place.mid, place.lo));
+    const bool hasName = content->type != ContSrv::ContType_Single;  // whose file dump carries none
+    library.store(*content, Editor::encodeContent(models),
+                  hasName ? fmt::format("Content {:02X} {:02X}", place.mid, place.lo) : std::string());
   }
 
   std::filesystem::path directory_;
