@@ -2,7 +2,7 @@
 
 // An editor without a store: one model of each kind, always open. What is measured through it is the module.
 
-#include "CMA/JobTools.h"
+#include "bda/platform/CMA/JobTools.h"
 #include "models/ModelSet.h"
 #include "models/Models.h"
 

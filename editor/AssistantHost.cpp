@@ -3,10 +3,10 @@
 #include <cstring>
 #include <utility>
 
-#include "Basekit/Tracer.h"
-#include "CMA/MessageModelInterface.h"
-#include "EvtSrv/EventPort.h"
-#include "EvtSrv/EventPortManager.h"
+#include "bda/platform/Basekit/Tracer.h"
+#include "bda/platform/CMA/MessageModelInterface.h"
+#include "bda/platform/EvtSrv/EventPort.h"
+#include "bda/platform/EvtSrv/EventPortManager.h"
 
 namespace Editor {
 

@@ -9,14 +9,14 @@
 #include "BulkExecuterCreator.h"
 #include "BulkMessage.h"
 #include "BulkTable.h"
-#include "CMA/JobTools.h"
-#include "CMA/MessageModelInterface.h"
-#include "ContSrv/ContSrv.h"
 #include "EditorNumbers.h"
-#include "EvtSrv/EventPort.h"
 #include "Failure.h"
 #include "JobBulkBDA.h"
 #include "Receiver.h"
+#include "bda/platform/CMA/JobTools.h"
+#include "bda/platform/CMA/MessageModelInterface.h"
+#include "bda/platform/ContSrv/ContSrv.h"
+#include "bda/platform/EvtSrv/EventPort.h"
 
 namespace BDA {
 namespace {

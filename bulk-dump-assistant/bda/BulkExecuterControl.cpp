@@ -2,8 +2,8 @@
 
 #include "AddressRows.h"
 #include "BulkMessage.h"
-#include "CMA/JobTools.h"
-#include "StmcSrv/State.h"
+#include "bda/platform/CMA/JobTools.h"
+#include "bda/platform/StmcSrv/State.h"
 
 namespace BDA {
 namespace {

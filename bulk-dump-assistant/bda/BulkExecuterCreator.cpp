@@ -12,7 +12,7 @@
 #include "BulkExecuterRemote.h"
 #include "BulkExecuterSystem.h"
 #include "BulkExecuterVoice.h"
-#include "CMA/JobTools.h"
+#include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
 namespace {

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "BulkMessage.h"
-#include "CMA/JobTools.h"
-#include "ContSrv/ContSrv.h"
+#include "bda/platform/CMA/JobTools.h"
+#include "bda/platform/ContSrv/ContSrv.h"
 
 namespace BDA {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "BulkExecuter.h"
-#include "ContSrv/ContSrv.h"
+#include "bda/platform/ContSrv/ContSrv.h"
 
 namespace BDA {
 

@@ -6,8 +6,8 @@
 
 #include "AddressRows.h"
 #include "BulkMessage.h"
-#include "CMA/JobTools.h"
 #include "FileDumpCodec.h"
+#include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
 namespace {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "BulkExecuter.h"
-#include "ContSrv/ContSrv.h"
+#include "bda/platform/ContSrv/ContSrv.h"
 
 namespace EvtSrv {
 class EventPortManager;

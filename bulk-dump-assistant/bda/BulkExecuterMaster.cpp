@@ -1,8 +1,8 @@
 #include "BulkExecuterMaster.h"
 
-#include "CMA/JobTools.h"
 #include "MasterRemoteLayouts.h"
 #include "ModelNodes.h"
+#include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
 namespace {

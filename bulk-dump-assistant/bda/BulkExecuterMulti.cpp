@@ -1,9 +1,9 @@
 #include "BulkExecuterMulti.h"
 
-#include "CMA/JobTools.h"
 #include "EditorNumbers.h"
 #include "ModelNodes.h"
 #include "MultiLayouts.h"
+#include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
 namespace {

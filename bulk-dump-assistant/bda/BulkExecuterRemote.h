@@ -1,7 +1,7 @@
 #pragma once
 
 #include "BulkExecuter.h"
-#include "CMA/ParameterModels.h"
+#include "bda/platform/CMA/ParameterModels.h"
 
 namespace BDA {
 

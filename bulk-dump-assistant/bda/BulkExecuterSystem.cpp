@@ -1,8 +1,8 @@
 #include "BulkExecuterSystem.h"
 
-#include "CMA/JobTools.h"
 #include "ModelNodes.h"
 #include "SystemLayouts.h"
+#include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
 namespace {

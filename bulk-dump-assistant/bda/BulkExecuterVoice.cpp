@@ -1,8 +1,8 @@
 #include "BulkExecuterVoice.h"
 
-#include "CMA/JobTools.h"
 #include "ModelNodes.h"
 #include "VoiceLayouts.h"
+#include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
 namespace {

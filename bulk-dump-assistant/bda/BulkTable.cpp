@@ -4,9 +4,9 @@
 
 #include "AddressIndex.h"
 #include "BulkExecuterCreator.h"
-#include "CMA/JobTools.h"
-#include "CMA/VoiceBanks.h"
 #include "Failure.h"
+#include "bda/platform/CMA/JobTools.h"
+#include "bda/platform/CMA/VoiceBanks.h"
 
 namespace BDA {
 namespace {

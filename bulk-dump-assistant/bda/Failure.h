@@ -14,7 +14,7 @@
 
 #include <type_traits>
 
-#include "Basekit/Tracer.h"
+#include "bda/platform/Basekit/Tracer.h"
 
 namespace BDA {
 

@@ -1,9 +1,9 @@
 #include "JobBulkBDA.h"
 
-#include "CMA/JobTools.h"
 #include "EditorNumbers.h"
 #include "Failure.h"
 #include "bda/BulkDumpAssistant.h"
+#include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
 namespace {

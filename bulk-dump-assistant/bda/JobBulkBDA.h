@@ -5,7 +5,7 @@
 
 #include "AddressRows.h"
 #include "BulkMessage.h"
-#include "CMA/Job.h"
+#include "bda/platform/CMA/Job.h"
 
 namespace BDA {
 

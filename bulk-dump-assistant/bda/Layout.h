@@ -17,8 +17,8 @@
 #include <cstdint>
 #include <span>
 
-#include "CMA/ParameterGroup.h"
-#include "ModelSrv/ModelPart.h"
+#include "bda/platform/CMA/ParameterGroup.h"
+#include "bda/platform/ModelSrv/ModelPart.h"
 
 namespace BDA {
 

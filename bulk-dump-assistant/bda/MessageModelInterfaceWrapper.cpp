@@ -2,8 +2,8 @@
 
 #include <new>
 
-#include "CMA/MessageModelInterface.h"
-#include "EvtSrv/EventPort.h"
+#include "bda/platform/CMA/MessageModelInterface.h"
+#include "bda/platform/EvtSrv/EventPort.h"
 
 namespace BDA {
 

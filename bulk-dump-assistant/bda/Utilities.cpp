@@ -2,10 +2,10 @@
 #include <cstring>
 
 #include "BulkMessage.h"
-#include "CMA/JobTools.h"
 #include "EditorNumbers.h"
 #include "Failure.h"
 #include "bda/BulkDumpAssistant.h"
+#include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
 namespace {

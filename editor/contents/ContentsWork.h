@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "ContSrv/ContSrv.h"
+#include "bda/platform/ContSrv/ContSrv.h"
 #include "contents/Library.h"
 
 namespace Editor {

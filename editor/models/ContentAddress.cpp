@@ -1,7 +1,7 @@
 #include "models/ContentAddress.h"
 
 #include "AddressRows.h"
-#include "CMA/VoiceBanks.h"
+#include "bda/platform/CMA/VoiceBanks.h"
 
 namespace Editor {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "ContSrv/ContSrv.h"
+#include "bda/platform/ContSrv/ContSrv.h"
 
 // Which content or edit buffer an address of the instrument names, and the other way round.
 namespace Editor {

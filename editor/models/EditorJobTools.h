@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "CMA/JobTools.h"
+#include "bda/platform/CMA/JobTools.h"
 #include "models/ContentStore.h"
 
 namespace Editor {

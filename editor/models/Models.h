@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "CMA/ParameterModels.h"
+#include "bda/platform/CMA/ParameterModels.h"
 
 // The parameter models of the embedded editor: plain arrays behind the platform's interfaces. A model is a value: it
 // can be copied and compared, and starts with every parameter 0 and every name empty.

@@ -1,4 +1,4 @@
-#include "Basekit/Tracer.h"
+#include "bda/platform/Basekit/Tracer.h"
 
 #include <cstdarg>
 #include <cstdio>

@@ -1,8 +1,8 @@
-#include "CMA/JobTools.h"
-#include "CMA/MessageModelInterface.h"
-#include "CMA/VoiceBanks.h"
-#include "EvtSrv/EventPort.h"
-#include "EvtSrv/EventPortManager.h"
+#include "bda/platform/CMA/JobTools.h"
+#include "bda/platform/CMA/MessageModelInterface.h"
+#include "bda/platform/CMA/VoiceBanks.h"
+#include "bda/platform/EvtSrv/EventPort.h"
+#include "bda/platform/EvtSrv/EventPortManager.h"
 
 namespace CMA {
 

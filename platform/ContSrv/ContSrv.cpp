@@ -1,6 +1,6 @@
-#include "ContSrv/ContSrv.h"
+#include "bda/platform/ContSrv/ContSrv.h"
 
-#include "EvtSrv/EventPortManager.h"
+#include "bda/platform/EvtSrv/EventPortManager.h"
 
 namespace ContSrv {
 

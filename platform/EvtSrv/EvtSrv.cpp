@@ -1,6 +1,6 @@
-#include "EvtSrv/EventPort.h"
-#include "EvtSrv/EventPortManager.h"
-#include "EvtSrv/MemoryHolder.h"
+#include "bda/platform/EvtSrv/EventPort.h"
+#include "bda/platform/EvtSrv/EventPortManager.h"
+#include "bda/platform/EvtSrv/MemoryHolder.h"
 
 namespace EvtSrv {
 

@@ -1,4 +1,4 @@
-#include "ModelSrv/ModelPart.h"
+#include "bda/platform/ModelSrv/ModelPart.h"
 
 namespace ModelSrv {
 

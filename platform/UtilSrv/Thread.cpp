@@ -1,4 +1,4 @@
-#include "UtilSrv/Thread.h"
+#include "bda/platform/UtilSrv/Thread.h"
 
 namespace UtilSrv {
 namespace {

@@ -3,9 +3,9 @@
 // A bulk table on a recording platform, and what it should answer by the second map.
 
 #include "BulkTable.h"
-#include "CMA/VoiceBanks.h"
 #include "ExecuterFixture.h"
 #include "InstrumentMap.h"
+#include "bda/platform/CMA/VoiceBanks.h"
 
 namespace BDA {
 

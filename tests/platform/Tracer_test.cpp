@@ -1,4 +1,4 @@
-#include "Basekit/Tracer.h"
+#include "bda/platform/Basekit/Tracer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -12,13 +12,13 @@
 #include <string_view>
 #include <vector>
 
-#include "Basekit/Tracer.h"
-#include "CMA/JobTools.h"
-#include "ContSrv/ContSrv.h"
-#include "EvtSrv/EventPort.h"
-#include "EvtSrv/EventPortManager.h"
-#include "UtilSrv/Thread.h"
 #include "bda/BulkDumpAssistant.h"
+#include "bda/platform/Basekit/Tracer.h"
+#include "bda/platform/CMA/JobTools.h"
+#include "bda/platform/ContSrv/ContSrv.h"
+#include "bda/platform/EvtSrv/EventPort.h"
+#include "bda/platform/EvtSrv/EventPortManager.h"
+#include "bda/platform/UtilSrv/Thread.h"
 #include "support/Bytes.h"
 
 namespace Testing {

@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "CMA/DeviceNumber.h"
-#include "UtilSrv/Thread.h"
 #include "bda/Export.h"
 #include "bda/MessageModelInterfaceWrapper.h"
+#include "bda/platform/CMA/DeviceNumber.h"
+#include "bda/platform/UtilSrv/Thread.h"
 
 namespace CMA {
 class JobReceiver;

@@ -6,10 +6,10 @@
 
 #include <memory>
 
-#include "EvtSrv/EventPort.h"
-#include "EvtSrv/EventPortManager.h"
 #include "ModelMaker.h"
-#include "StmcSrv/State.h"
+#include "bda/platform/EvtSrv/EventPort.h"
+#include "bda/platform/EvtSrv/EventPortManager.h"
+#include "bda/platform/StmcSrv/State.h"
 #include "support/MemoryContentStore.h"
 
 namespace Editor {

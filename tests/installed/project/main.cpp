@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "Basekit/Tracer.h"
-#include "CMA/JobTools.h"
 #include "bda/BulkDumpAssistant.h"
+#include "bda/platform/Basekit/Tracer.h"
+#include "bda/platform/CMA/JobTools.h"
 
 namespace {
 

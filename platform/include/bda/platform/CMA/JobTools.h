@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "CMA/Job.h"
-#include "CMA/ParameterModels.h"
-#include "Export.h"
+#include "bda/Export.h"
+#include "bda/platform/CMA/Job.h"
+#include "bda/platform/CMA/ParameterModels.h"
 
 namespace EvtSrv {
 class EventPortManager;

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "CMA/ParameterGroup.h"
-#include "Export.h"
-#include "ModelSrv/ModelPart.h"
+#include "bda/Export.h"
+#include "bda/platform/CMA/ParameterGroup.h"
+#include "bda/platform/ModelSrv/ModelPart.h"
 
 namespace EvtSrv {
 class EventPort;

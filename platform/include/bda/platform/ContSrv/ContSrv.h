@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Export.h"
+#include "bda/Export.h"
 
 namespace EvtSrv {
 class EventPortManager;

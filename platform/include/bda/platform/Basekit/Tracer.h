@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "Export.h"
+#include "bda/Export.h"
 
 namespace Basekit {
 

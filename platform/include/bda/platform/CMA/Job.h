@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Export.h"
+#include "bda/Export.h"
 
 namespace EvtSrv {
 class MemoryHolder;

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "Export.h"
+#include "bda/Export.h"
 
 namespace EvtSrv {
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "Export.h"
+#include "bda/Export.h"
 
 namespace EvtSrv {
 class EventPort;

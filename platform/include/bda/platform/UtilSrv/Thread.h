@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "Export.h"
+#include "bda/Export.h"
 
 namespace UtilSrv {
 
