@@ -1,12 +1,14 @@
 #include "BulkExecuterFileDump.h"
 
 #include <algorithm>
+#include <limits>
 #include <new>
 #include <utility>
 
 #include "AddressRows.h"
 #include "BulkMessage.h"
 #include "FileDumpCodec.h"
+#include "GiveBack.h"
 #include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
@@ -157,6 +159,13 @@ const Failure<>* split(std::span<const std::uint8_t> field, Field& parts) {
   if (dataAt + dataSize > field.size()) return &Write::kData;
   parts = {field.subspan(kCountBytes, nameSize), field.subspan(dataAt, dataSize)};
   return nullptr;
+}
+
+// The length of a file as that of a buffer. More than memory can address is more than any buffer takes: making one ends
+// as storage that runs out.
+std::size_t lengthInMemory(std::int64_t size) {
+  constexpr auto kMost = std::uint64_t{std::numeric_limits<std::size_t>::max()};
+  return std::size_t(std::min(std::uint64_t(size), kMost));
 }
 
 void append(std::vector<std::uint8_t>& field, const std::vector<std::uint8_t>& packed) {
@@ -344,10 +353,11 @@ BDAErr BulkExecuterFileDump::writeFileDump(FileDumpBuffer& buffer, std::int64_t&
     Write::kNoFile();
     return BDA_ERR;
   }
+  GiveBack opened([&] { return work_->closeDataFile(file, 0); });
   ContSrv::Data* const data = file->openData();
   if (data == nullptr) {
     Write::kNoData();
-    if (!isSuccess(work_->closeDataFile(file, 0))) Write::kUnopenedNotClosed();
+    if (!isSuccess(opened.now())) Write::kUnopenedNotClosed();
     return BDA_ERR;
   }
 
@@ -359,7 +369,7 @@ BDAErr BulkExecuterFileDump::writeFileDump(FileDumpBuffer& buffer, std::int64_t&
     Write::kDataNotClosed(int(closed));
     result = BDA_ERR;
   }
-  if (const auto closed = work_->closeDataFile(file, 0); !isSuccess(closed)) {
+  if (const auto closed = opened.now(); !isSuccess(closed)) {
     Write::kFileNotClosed(int(closed));
     result = BDA_ERR;
   }
@@ -467,10 +477,11 @@ BDAErr BulkExecuterFileDump::readFileDump(std::vector<std::uint8_t>& field) {
     field.assign(2 * kCountBytes, 0);
     return BDA_OK;
   }
+  GiveBack opened([&] { return work_->closeDataFile(file, 0); });
   ContSrv::Data* const data = file->openData();
   if (data == nullptr) {
     Read::kNoData();
-    if (const auto closed = work_->closeDataFile(file, 0); !isSuccess(closed)) Read::kFileNotClosed(int(closed));
+    if (const auto closed = opened.now(); !isSuccess(closed)) Read::kFileNotClosed(int(closed));
     return BDA_ERR;
   }
 
@@ -484,7 +495,7 @@ BDAErr BulkExecuterFileDump::readFileDump(std::vector<std::uint8_t>& field) {
     }
     if (const std::int64_t size = data->getSize(); size != 0) {
       std::vector<std::uint8_t> bytes;
-      if (size > 0) bytes.resize(std::size_t(size));
+      if (size > 0) bytes.resize(lengthInMemory(size));
       if (size < 0 || data->read(bytes.data(), size) < size) {
         Read::kNotRead();
         result = BDA_ERR;
@@ -508,7 +519,7 @@ BDAErr BulkExecuterFileDump::readFileDump(std::vector<std::uint8_t>& field) {
     Read::kDataNotClosed(int(closed));
     result = BDA_ERR;
   }
-  if (const auto closed = work_->closeDataFile(file, 0); !isSuccess(closed)) {
+  if (const auto closed = opened.now(); !isSuccess(closed)) {
     Read::kFileNotClosed(int(closed));
     result = BDA_ERR;
   }

@@ -3,6 +3,7 @@
 #include "BulkMessage.h"
 #include "BulkTable.h"
 #include "Failure.h"
+#include "SystemSettings.h"
 
 namespace BDA {
 namespace {
@@ -48,14 +49,6 @@ BulkDumpReceiver::BulkDumpReceiver(BulkTable* table, CMA::JobTools* jobTools, Bu
       noticeType_(kNoticeType) {}
 
 BDAErr BulkDumpReceiver::receiveBulkDump(const std::uint8_t* message, std::uint32_t length, DevicePortNum port) {
-  try {
-    return receive(message, length, port);
-  } catch (...) {
-    return BDA_ERR;
-  }
-}
-
-BDAErr BulkDumpReceiver::receive(const std::uint8_t* message, std::uint32_t length, DevicePortNum port) {
   if (length < kDumpFrame) {
     kInvalidLength(int(length));
     return BDA_ERR_DATA_LENGTH;
@@ -82,7 +75,7 @@ BDAErr BulkDumpReceiver::receive(const std::uint8_t* message, std::uint32_t leng
 void BulkDumpReceiver::sendNotice(DevicePortNum port) {
   if (port != DevicePort_Echo && port != DevicePort_Remote) return;
   unsigned char device = 0;
-  if (Utility::getDeviceNumber(*jobTools_, &device) == CMA::DeviceNumber_Off) return;
+  if (readDeviceNumber(*jobTools_, &device) == CMA::DeviceNumber_Off) return;
   notice_[kNoticeDeviceAt] = noticeType_ | device;
   send(notice_, port);
 }
@@ -92,14 +85,6 @@ BulkRequestReceiver::BulkRequestReceiver(BulkTable* table, CMA::JobTools* jobToo
     : BulkReceiverBase(table, jobTools, bridge), work_(work) {}
 
 BDAErr BulkRequestReceiver::receiveBulkRequest(const std::uint8_t* message, std::uint32_t length, DevicePortNum port) {
-  try {
-    return answer(message, length, port);
-  } catch (...) {
-    return BDA_ERR;
-  }
-}
-
-BDAErr BulkRequestReceiver::answer(const std::uint8_t* message, std::uint32_t length, DevicePortNum port) {
   if (length != kRequestLength) return BDA_ERR_DATA_LENGTH;
   if (bridge_ == nullptr) {
     kNoBridgeForRequest();

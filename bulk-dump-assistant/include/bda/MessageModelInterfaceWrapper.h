@@ -15,7 +15,7 @@ namespace BDA {
 // editor never uses it itself.
 class MessageModelInterfaceWrapper {
  public:
-  // `silent` true: no message model is created and every operation does nothing.
+  // open(), unless `silent` is true: then no message model is created and every operation does nothing.
   MessageModelInterfaceWrapper(EvtSrv::EventPortManager* manager, const char* modelName, bool silent,
                                unsigned char channel);
   // A copy shares the message model; destroying both is an error.
@@ -23,6 +23,8 @@ class MessageModelInterfaceWrapper {
   MessageModelInterfaceWrapper& operator=(const MessageModelInterfaceWrapper& other) = default;
   virtual ~MessageModelInterfaceWrapper();
 
+  // Creates the message model; it stays null when it cannot be allocated.
+  void open(EvtSrv::EventPortManager* manager, const char* modelName, unsigned char channel);
   void setId(std::uint16_t id);
   void flush();
 
