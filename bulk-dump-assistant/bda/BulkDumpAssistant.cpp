@@ -33,29 +33,42 @@ constexpr const char* kReceive = "BDA::BulkDumpAssistant::receiveBulkDump";
 constexpr const char* kCheckAddress = "BDA::BulkDumpAssistant::checkAddress";
 
 constexpr Failure<int> kMixingVoiceNotRemoved{{kFile, 24, "bulkMixVoiceDeletion"},
+                                              Refusal::mixingVoiceNotRemoved,
                                               "error: failed to remove mixing voices ! [ ContSrvResult = %d ]\n"};
-constexpr Failure<> kDeviceOff{{kFile, 237, kCheckMessage}, "Device Number is set to [OFF]... so can't send SysExc.\n"};
+constexpr Failure<> kDeviceOff{
+    {kFile, 237, kCheckMessage}, Refusal::deviceNumberOff, "Device Number is set to [OFF]... so can't send SysExc.\n"};
 constexpr Failure<int, int> kWrongDevice{
     {kFile, 245, kCheckMessage},
+    Refusal::wrongDeviceNumber,
     "Wrong Device Number... so can't send SysExc. Utility DevNum=[%d], Message Dev Num=[%d]\n"};
-constexpr Failure<> kDumpSwitchOff{{kFile, 262, kCheckMessage}, "Receive Bulk Sw is OFF !!!\n"};
+constexpr Failure<> kDumpSwitchOff{
+    {kFile, 262, kCheckMessage}, Refusal::receiveSwitchOff, "Receive Bulk Sw is OFF !!!\n"};
 // The sum that was computed stands as the received one, the message's own as the correct one; the editor relies on it.
 constexpr Failure<unsigned, unsigned, unsigned, unsigned, unsigned> kWrongCheckSum{
     {kFile, 267, kCheckMessage},
+    Refusal::wrongCheckSum,
     "Check Sum Error!: Address=[%02x,%02x,%02x], Received Check Sum=[ 0x%02x ], Correct Check Sum=[ 0x%02x ]\n"};
-constexpr Failure<> kRequestSwitchOff{{kFile, 287, kCheckMessage}, "Receive Bulk Sw is OFF !!!\n"};
-constexpr Failure<> kDumpWhileLoading{{kFile, 365, kReceive},
-                                      "error : can't receive bulk while loding/saving file !\n"};
-constexpr Failure<> kRequestWhileLoading{{kFile, 484, kReceive},
-                                         "error : can't receive bulk while loading/saving file !\n"};
-constexpr Failure<> kReceivingError{{kFile, 573, kReceive}, "ERROR: Bulk Dump Msg receiving error!\n"};
-constexpr Failure<> kUnknownType{{kFile, 580, kReceive}, "ERROR: Bulk Dump Msg receiving error!\n"};
-constexpr Failure<> kModeError{{kFile, 623, kCheckAddress}, "error : mode error...!\n"};
-constexpr Failure<> kVoiceTypeError{{kFile, 630, kCheckAddress}, "error : voice type error...!\n"};
-constexpr Failure<> kEditCompareError{{kFile, 637, kCheckAddress}, "error : edit/compare error...!\n"};
-constexpr Failure<> kSampleAuditionError{{kFile, 643, kCheckAddress}, "error : sample audition error...!\n"};
-constexpr Failure<> kMixingVoiceFull{{kFile, 654, kCheckAddress}, "error : mixing voice full !\n"};
+constexpr Failure<> kRequestSwitchOff{
+    {kFile, 287, kCheckMessage}, Refusal::receiveSwitchOff, "Receive Bulk Sw is OFF !!!\n"};
+constexpr Failure<> kDumpWhileLoading{
+    {kFile, 365, kReceive}, Refusal::loadingOrSaving, "error : can't receive bulk while loding/saving file !\n"};
+constexpr Failure<> kRequestWhileLoading{
+    {kFile, 484, kReceive}, Refusal::loadingOrSaving, "error : can't receive bulk while loading/saving file !\n"};
+constexpr Failure<> kReceivingError{
+    {kFile, 573, kReceive}, Refusal::malformedMessage, "ERROR: Bulk Dump Msg receiving error!\n"};
+constexpr Failure<> kUnknownType{
+    {kFile, 580, kReceive}, Refusal::malformedMessage, "ERROR: Bulk Dump Msg receiving error!\n"};
+constexpr Failure<> kModeError{{kFile, 623, kCheckAddress}, Refusal::wrongMode, "error : mode error...!\n"};
+constexpr Failure<> kVoiceTypeError{
+    {kFile, 630, kCheckAddress}, Refusal::wrongVoiceTypeInMode, "error : voice type error...!\n"};
+constexpr Failure<> kEditCompareError{
+    {kFile, 637, kCheckAddress}, Refusal::editCompare, "error : edit/compare error...!\n"};
+constexpr Failure<> kSampleAuditionError{
+    {kFile, 643, kCheckAddress}, Refusal::sampleAudition, "error : sample audition error...!\n"};
+constexpr Failure<> kMixingVoiceFull{
+    {kFile, 654, kCheckAddress}, Refusal::mixingVoicesFull, "error : mixing voice full !\n"};
 constexpr Failure<int> kUnknownCheckResult{{kFile, 660, kCheckAddress},
+                                           Refusal::unknownModeResult,
                                            "error : unknown jobTools check result ! [ JOB::Result = %d ]\n"};
 
 // What the mode check's results mean, in the order in which they are compared.
@@ -98,6 +111,7 @@ bool attempt(Action action) noexcept {
     action();
     return true;
   } catch (...) {
+    Notes::thrown();
     return false;
   }
 }
@@ -116,6 +130,17 @@ Address addressAt(const unsigned char* bytes) { return {bytes[0], bytes[1], byte
 
 bool isLoadingOrSaving(ContSrv::Work* work) { return work != nullptr && work->getLoadSaveFlag() == kFileIsBusy; }
 
+BulkDumpOutcome outcomeOfStoring(const Reception& reception) {
+  return reception.handedOver > 0 ? BulkDumpOutcome::handedToStore : BulkDumpOutcome::nothingToDo;
+}
+
+// Of a dump that its block has taken.
+BulkDumpOutcome outcomeOfDump(BDAErr result, const Reception& reception) {
+  if (isOfKind(result, BDA_INFO_FOOTER | BDA_INFO_FILE_DUMP_CONTROL)) return outcomeOfStoring(reception);
+  if (isOfKind(result, BDA_INFO_SYSTEM | BDA_INFO_EDITOR)) return BulkDumpOutcome::completed;
+  return BulkDumpOutcome::accepted;
+}
+
 // What is longer than 32 bits can tell is refused for its length; it must not seem to be shorter.
 std::uint32_t lengthIn32Bits(unsigned long length) {
   return std::uint32_t(std::min<std::uint64_t>(length, std::numeric_limits<std::uint32_t>::max()));
@@ -128,6 +153,7 @@ bool bulkMixVoiceDeletion(ContSrv::Work* work, const Address& address) {
     return false;
   if (work == nullptr) return false;
   const ContSrv::_ContResult result = work->removeMixingVoice(ContSrv::ContType_Multi, 0, address.getLo() & 0x0FU);
+  if (result == ContSrv::ContRes_Success) Notes::handedOver();
   if (result == ContSrv::ContRes_Success || result == ContSrv::ContRes_DoNothing) return true;
   kMixingVoiceNotRemoved(int(result));
   return false;
@@ -180,7 +206,8 @@ BulkDumpAssistant::BulkDumpAssistant(EvtSrv::EventPortManager* eventPortManager,
       messageShown_(kNoMessage),
       savedPolicy_(kReceivePolicy),
       savedPriority_(0),
-      boosted_(false) {
+      boosted_(false),
+      observer_(nullptr) {
   const std::size_t jobsBefore = bulkJobs == nullptr ? 0 : bulkJobs->size();
   const bool stands = attempt([&] {
     if (!silent) messageModel_.open(eventPortManager, CMA::BDA::ModelName, 0);
@@ -234,6 +261,8 @@ void BulkDumpAssistant::registerBDABridge(BulkDumpBridge* bridge) {
   if (dumpReceiver_ != nullptr) dumpReceiver_->setBridge(bridge);
   if (requestReceiver_ != nullptr) requestReceiver_->setBridge(bridge);
 }
+
+void BulkDumpAssistant::registerObserver(BulkDumpObserver* observer) { observer_ = observer; }
 
 void BulkDumpAssistant::bdaLoop() {}
 
@@ -296,27 +325,36 @@ BulkMsgType BulkDumpAssistant::classify(const unsigned char* message, unsigned l
 }
 
 BulkMsgType BulkDumpAssistant::receiveBulkDump(const unsigned char* message, unsigned long length, DevicePortNum port) {
-  return receive(message, length, port).type;
+  return receive(message, length, port).kind;
 }
 
 Reception BulkDumpAssistant::receive(const unsigned char* message, unsigned long length, DevicePortNum port) noexcept {
   Reception reception;
-  if (!attempt([&] { handle(message, length, port, reception); })) {
-    reception.hasThrown = true;
-    if (messageShown_ != kNoMessage && !attempt([&] { show(kErrorMessage); })) messageShown_ = kNoMessage;
-    init();
+  {
+    const Notes notes(observer_ == nullptr ? nullptr : &reception);
+    if (!attempt([&] { handle(message, length, port, reception); })) {
+      reception.hasThrown = true;
+      if (messageShown_ != kNoMessage && !attempt([&] { show(kErrorMessage); })) messageShown_ = kNoMessage;
+      init();
+    }
+  }
+  if (observer_ != nullptr) {
+    if (isFailure(reception.result) && reception.refusal == BulkDumpRefusal::none)
+      reception.refusal = BulkDumpRefusal::blockFailed;
+    if (reception.refusal != BulkDumpRefusal::none) reception.outcome = BulkDumpOutcome::refused;
+    attempt([&] { observer_->bulkDumpHandled(reception); });
   }
   return reception;
 }
 
 void BulkDumpAssistant::handle(const unsigned char* message, unsigned long length, DevicePortNum port,
                                Reception& reception) {
-  reception.type = classify(message, length);
+  reception.kind = classify(message, length);
   // A kind of message that the instrument sends on its own; not worth a word to those it is not for.
   const auto isUnasked = [message] {
     return (message[2] & kTypeMask) == kType3 && message[5] == 0x70 && message[6] == 0x00 && message[7] == 0x06;
   };
-  switch (reception.type) {
+  switch (reception.kind) {
     case BulkMsg_BulkDump:
       return receiveDump(message, length, port, reception);
     case BulkMsg_BulkRequest:
@@ -324,15 +362,21 @@ void BulkDumpAssistant::handle(const unsigned char* message, unsigned long lengt
     case BulkMsg_Type1:
     case BulkMsg_Type3:
     case BulkMsg_Type4:
+      return;
     case BulkMsg_OtherModel:
     case BulkMsg_NotSysEx:
+      reception.outcome = BulkDumpOutcome::notOurs;
       return;
     case BulkMsg_CheckSumError:  // the open header stays: the sender may repeat the block
+      reception.setAddress(message + kDumpAddressAt);
       return show(kCheckSumErrorMessage);
     case BulkMsg_DeviceNumberOff:
     case BulkMsg_WrongDeviceNumber:
-      if (isUnasked()) return;
-      show(reception.type == BulkMsg_DeviceNumberOff ? kDeviceOffMessage : kWrongDeviceMessage);
+      if (isUnasked()) {
+        reception.refusal = BulkDumpRefusal::none;
+        return;
+      }
+      show(reception.kind == BulkMsg_DeviceNumberOff ? kDeviceOffMessage : kWrongDeviceMessage);
       return init();
     case BulkMsg_ReceiveSwOff:
       show(kReceiveSwitchOffMessage);
@@ -354,7 +398,11 @@ void BulkDumpAssistant::handle(const unsigned char* message, unsigned long lengt
 void BulkDumpAssistant::receiveDump(const unsigned char* message, unsigned long length, DevicePortNum port,
                                     Reception& reception) {
   const Address address = addressAt(message + kDumpAddressAt);
-  if (bulkMixVoiceDeletion(work_, address)) return;
+  reception.setAddress(message + kDumpAddressAt);
+  if (bulkMixVoiceDeletion(work_, address)) {
+    reception.outcome = outcomeOfStoring(reception);
+    return;
+  }
 
   const BDAErr admitted = admit(address);
   if (isFailure(admitted)) return init();
@@ -373,13 +421,17 @@ void BulkDumpAssistant::receiveDump(const unsigned char* message, unsigned long 
     GiveBack output([this] { jobTools_->resumeOutputMidi(); });
     if (dumpReceiver_ != nullptr && bulkTable_ != nullptr)
       result = dumpReceiver_->receiveBulkDump(message, lengthIn32Bits(length), port);
+    else
+      Notes::refusal(BulkDumpRefusal::notConstructed);
     output.now();
   });
   restoreReceivePriority();
   if (!isWhole) result = BDA_ERR;
   reception.hasThrown = !isWhole;
+  reception.result = result;
 
   constexpr BDAErr kUnitCompleted = BDA_INFO_EDITOR | BDA_INFO_SYSTEM | BDA_INFO_FOOTER | BDA_INFO_FILE_DUMP_CONTROL;
+  reception.outcome = outcomeOfDump(result, reception);
   if (isFailure(result) && isOfKind(result, BDA_ERR_NOT_FOUND)) {
     close();
   } else if (isFailure(result)) {
@@ -398,7 +450,11 @@ void BulkDumpAssistant::receiveDump(const unsigned char* message, unsigned long 
 void BulkDumpAssistant::answerRequest(const unsigned char* message, unsigned long length, DevicePortNum port,
                                       Reception& reception) {
   const Address address = addressAt(message + kRequestAddressAt);
-  if (sendEmptyMixingVoice(*jobTools_, work_, bridge_, address, port)) return;
+  reception.setAddress(message + kRequestAddressAt);
+  if (sendEmptyMixingVoice(*jobTools_, work_, bridge_, address, port)) {
+    reception.outcome = BulkDumpOutcome::answered;
+    return;
+  }
 
   if (isFailure(admit(address))) return init();
   if (port == DevicePort_Thru) return;
@@ -412,11 +468,18 @@ void BulkDumpAssistant::answerRequest(const unsigned char* message, unsigned lon
   reception.hasThrown = !attempt([&] {
     if (requestReceiver_ != nullptr && bulkTable_ != nullptr)
       result = requestReceiver_->receiveBulkRequest(message, std::uint32_t(length), port);
+    else
+      Notes::refusal(BulkDumpRefusal::notConstructed);
   });
+  reception.result = result;
+  reception.outcome = BulkDumpOutcome::answered;
   if (isFailure(result)) {
     show(kErrorMessage);
   } else {
-    if (isOfKind(result, BDA_INFO_SWALLOWED)) reception.type = BulkMsg_RequestSkipped;
+    if (isOfKind(result, BDA_INFO_SWALLOWED)) {
+      reception.kind = BulkMsg_RequestSkipped;
+      reception.outcome = BulkDumpOutcome::nothingToSend;
+    }
     close();
   }
   init();

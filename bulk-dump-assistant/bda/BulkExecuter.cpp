@@ -13,6 +13,7 @@ namespace {
 
 constexpr const char* kFile = "..\\..\\bda\\BulkExecuter.cpp";
 constexpr Failure<> kCannotCreate{{kFile, Line::ofThisSource(), "BDA::BulkExecuter::getBulkDumpMessageImplement"},
+                                  Refusal::dumpNotCreated,
                                   "Bulk create Error !!!\n"};
 
 }  // namespace

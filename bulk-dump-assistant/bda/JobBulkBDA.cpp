@@ -10,8 +10,8 @@
 namespace BDA {
 namespace {
 
-constexpr Failure<> kJobFailed{{"..\\..\\bda\\JobBulkBDA.cpp", 125, "BDA::JobBulkTools::sendBulkReqToBDA"},
-                               "Job Bulk Error !!!\n"};
+constexpr Failure<> kJobFailed{
+    {"..\\..\\bda\\JobBulkBDA.cpp", 125, "BDA::JobBulkTools::sendBulkReqToBDA"}, Refusal::none, "Job Bulk Error !!!\n"};
 
 constexpr std::uint8_t kOn = 1;
 
@@ -39,7 +39,7 @@ unsigned long JobBulkTools::sendBulkReqToBDA(BulkRequestMessage& request) try {
   const Reception reception = assistant_->receive(request.data(), request.size(), DevicePort_Main);
   receiveSwitch.now();
   if (reception.hasThrown) return CMA::JOB::Result_UnknownError;
-  if (reception.type == BulkMsg_BulkRequest) return CMA::JOB::Result_Success;
+  if (reception.kind == BulkMsg_BulkRequest) return CMA::JOB::Result_Success;
   kJobFailed();
   return CMA::JOB::Result_UnknownError;
 } catch (...) {

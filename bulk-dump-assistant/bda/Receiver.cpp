@@ -11,15 +11,18 @@ namespace {
 constexpr const char* kFile = "..\\..\\bda\\Receiver.cpp";
 constexpr const char* kDump = "BDA::BulkDumpReceiver::receiveBulkDump";
 constexpr const char* kRequest = "BDA::BulkRequestReceiver::receiveBulkRequest";
-constexpr Failure<int> kInvalidLength{{kFile, 94, kDump}, "error : invalid length ! [ length = %d ]\n"};
-constexpr Failure<> kNoBridgeForDump{{kFile, 101, kDump}, "error : bda bridge is NULL !\n"};
-constexpr Failure<unsigned, unsigned, unsigned> kNoBlock{{kFile, 116, kDump},
-                                                         "error : not found block [ %02x, %02x, %02x ]\n"};
-constexpr Failure<unsigned> kBlockFailed{{kFile, 128, kDump}, "error : setBulkDumpMessage() ! [ BDAErr = 0x%02x ] \n"};
-constexpr Failure<> kNoBridgeForRequest{{kFile, 216, kRequest}, "error : bda bridge is NULL ! \n"};
-constexpr Failure<unsigned, unsigned, unsigned> kNoAddress{{kFile, 225, kRequest},
-                                                           "error : not found address ! [ %02x %02x %02x ]\n"};
-constexpr Failure<unsigned> kDumpFailed{{kFile, 251, kRequest}, "error : getBulkDumpMessage() ! [ BDAErr = 0x%02x ]\n"};
+constexpr Failure<int> kInvalidLength{
+    {kFile, 94, kDump}, Refusal::malformedMessage, "error : invalid length ! [ length = %d ]\n"};
+constexpr Failure<> kNoBridgeForDump{{kFile, 101, kDump}, Refusal::noBridge, "error : bda bridge is NULL !\n"};
+constexpr Failure<unsigned, unsigned, unsigned> kNoBlock{
+    {kFile, 116, kDump}, Refusal::noBlock, "error : not found block [ %02x, %02x, %02x ]\n"};
+constexpr Failure<unsigned> kBlockFailed{
+    {kFile, 128, kDump}, Refusal::blockFailed, "error : setBulkDumpMessage() ! [ BDAErr = 0x%02x ] \n"};
+constexpr Failure<> kNoBridgeForRequest{{kFile, 216, kRequest}, Refusal::noBridge, "error : bda bridge is NULL ! \n"};
+constexpr Failure<unsigned, unsigned, unsigned> kNoAddress{
+    {kFile, 225, kRequest}, Refusal::noBlock, "error : not found address ! [ %02x %02x %02x ]\n"};
+constexpr Failure<unsigned> kDumpFailed{
+    {kFile, 251, kRequest}, Refusal::blockFailed, "error : getBulkDumpMessage() ! [ BDAErr = 0x%02x ]\n"};
 
 constexpr BDAErr kUnitCompleted =
     BDA_INFO_FOOTER | BDA_INFO_FILE_DUMP | BDA_INFO_SYSTEM | BDA_INFO_EDITOR | BDA_INFO_FILE_DUMP_CONTROL;

@@ -10,9 +10,9 @@ namespace BDA {
 namespace {
 
 constexpr const char* kFile = "..\\..\\bda\\Utilities.cpp";
-constexpr Failure<int> kWrongLength{{kFile, 139, "BDA::Utility::calcCheckSum"},
-                                    "error : wrong length ! [length = %d]\n"};
-constexpr BareMessage kTooShort{"Message is too short!!!\n"};
+constexpr Failure<int> kWrongLength{
+    {kFile, 139, "BDA::Utility::calcCheckSum"}, Refusal::wrongByteCount, "error : wrong length ! [length = %d]\n"};
+constexpr BareMessage kTooShort{Refusal::wrongByteCount, "Message is too short!!!\n"};
 
 std::uint64_t load(const unsigned char* bytes) {
   std::uint64_t word = 0;

@@ -21,6 +21,7 @@ namespace BDA {
 
 class Address;
 class BulkDumpAssistant;
+class BulkDumpObserver;
 class BulkDumpReceiver;
 class BulkExecuterCreator;
 class BulkRequestReceiver;
@@ -142,6 +143,9 @@ class BDA_API BulkDumpAssistant {
   // Sends from now on through `bridge`, not owned; null: nothing can be sent, and every block is refused.
   void registerBDABridge(BulkDumpBridge* bridge);
 
+  // Tells `observer` from now on how each message fared (bda/BulkDumpObserver.h). Not owned; null, as at first: nobody.
+  void registerObserver(BulkDumpObserver* observer);
+
   // What kind of message this is and whether the settings admit it, 0 to 11; BulkMsg_ReceiveError, too, when the
   // settings' model throws. Writes log lines, changes nothing. Here and in receiveBulkDump `message` is only read, and
   // only during the call; null or no bytes are BulkMsg_NotSysEx.
@@ -149,8 +153,9 @@ class BDA_API BulkDumpAssistant {
 
   // Handles one complete System Exclusive message that arrived on `port`, and tells what kind of message it was, not
   // how it fared: a dump that was refused, or a request that failed, still gives BulkMsg_BulkDump and
-  // BulkMsg_BulkRequest. All that it does with the bridge and the editor's services is done when it returns. Once a
-  // service threw, the kind is what was known by then, BulkMsg_ReceiveError if nothing was.
+  // BulkMsg_BulkRequest; a BulkDumpObserver is told how it fared. All that it does with the bridge and the editor's
+  // services is done when it returns. Once a service threw, the kind is what was known by then, BulkMsg_ReceiveError if
+  // nothing was.
   BulkMsgType receiveBulkDump(const unsigned char* message, unsigned long length, DevicePortNum port);
 
   // A hook that does nothing, whenever it is called.
@@ -216,6 +221,7 @@ class BDA_API BulkDumpAssistant {
   UtilSrv::Thread::_PolicyType savedPolicy_;
   UtilSrv::Thread::_PriorityType savedPriority_;
   bool boosted_;
+  BulkDumpObserver* observer_;
 };
 
 }  // namespace BDA
