@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <map>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -13,6 +15,7 @@
 #include "AddressRows.h"
 #include "ExecuterNumbers.h"
 #include "MasterRemoteLayouts.h"
+#include "ModelSizes.h"
 #include "MultiLayouts.h"
 #include "SystemLayouts.h"
 #include "VoiceLayouts.h"
@@ -163,6 +166,23 @@ std::string parametersOf(const Section& section, const Row& row) {
   return text;
 }
 
+// What an editor needs to hold all of it.
+std::string sizesOfModels() {
+  std::string text =
+      "\n## The models\n\nHow many parameters each group has and how wide they are, how many characters each name "
+      "and how many nodes each\nlist: the constants of `bda/platform/CMA/ParameterModels.h`. They include the "
+      "few parameters that no block carries.\n\n| group | parameters | bits |\n|---|---|---|\n";
+  for (const ModelSizes::Group& group : ModelSizes::kGroups)
+    text += std::string("| ") + group.path + print(" | %zu | %d |\n", group.size.count, group.size.bits);
+  text += "\n| name | characters |\n|---|---|\n";
+  for (const ModelSizes::Count& name : ModelSizes::kNames)
+    text += std::string("| ") + name.path + print(" | %zu |\n", name.count);
+  text += "\n| list | nodes |\n|---|---|\n";
+  for (const ModelSizes::Count& list : ModelSizes::kLists)
+    text += std::string("| ") + list.path + print(" | %zu |\n", list.count);
+  return text;
+}
+
 std::string listing() {
   std::string text =
       "# The layouts of the parameter blocks\n\n"
@@ -187,7 +207,7 @@ std::string listing() {
     }
     if (!unused.empty()) text += "\nUnused: " + unused + ".\n";
   }
-  return text;
+  return text + sizesOfModels();
 }
 
 TEST(LayoutListing, ThePageInDocsIsWhatTheTablesSay) {
@@ -196,6 +216,63 @@ TEST(LayoutListing, ThePageInDocsIsWhatTheTablesSay) {
   std::stringstream page;
   page << std::ifstream(path, std::ios::binary).rdbuf();
   EXPECT_EQ(page.str(), listing()) << "run this test with BDA_UPDATE_DOCS=1 and read what changed";
+}
+
+struct Reach {
+  std::size_t count = 0;
+  std::set<int> widths;
+};
+
+bool isWide(Routine routine) {
+  return routine == Routine::setWideByteParam || routine == Routine::setPairParam || routine == Routine::setNibbleWord;
+}
+
+// How far the rows of all sections reach into each group. "multi.insertionA (B)" are two.
+std::map<std::string, Reach> reachOfRows() {
+  std::map<std::string, Reach> reach;
+  const auto note = [&reach](std::string path, const Row& row, std::size_t last) {
+    path = ModelSizes::anyNode(path);
+    Texts paths{path.substr(0, path.find(' '))};
+    if (path.ends_with("A (B)")) paths.push_back(paths.front().substr(0, paths.front().size() - 1) + "B");
+    for (const std::string& of : paths) {
+      reach[of].count = std::max(reach[of].count, last + 1);
+      reach[of].widths.insert(isWide(row.routine) ? 16 : 8);
+    }
+  };
+  for (const Section& section : sections())
+    for (const Row& row : section.rows) {
+      if (isName(row)) continue;
+      note(section.groups[row.slot], row, std::size_t(row.index) + row.count - 1);
+      if (row.routine == Routine::setNibbleParams) note(section.groups[row.slot2], row, row.index2);
+    }
+  return reach;
+}
+
+TEST(LayoutListing, TheModelsAreAsLargeAsTheRowsReach) {
+  const std::map<std::string, Reach> reach = reachOfRows();
+  std::set<std::string> withoutRows;
+  for (const ModelSizes::Group& group : ModelSizes::kGroups) {
+    const auto found = reach.find(group.path);
+    if (found == reach.end()) {
+      withoutRows.insert(group.path);
+      continue;
+    }
+    EXPECT_EQ(group.size.count, found->second.count) << group.path;
+    EXPECT_EQ(std::set<int>{group.size.bits}, found->second.widths) << group.path;
+  }
+  EXPECT_EQ(withoutRows,
+            (std::set<std::string>{"voice.type", "arpeggio.tempo", "system.utility", "additional.params"}));
+  EXPECT_EQ(reach.size() + withoutRows.size(), ModelSizes::kGroups.size()) << "a row reaches a group without a size";
+}
+
+TEST(LayoutListing, TheNamesAreAsLongAsTheRowsCarry) {
+  std::map<std::string, std::size_t> carried;
+  for (const Section& section : sections())
+    for (const Row& row : section.rows)
+      if (isName(row)) carried[section.names[row.slot]] = row.count;
+  std::map<std::string, std::size_t> stated;
+  for (const ModelSizes::Count& name : ModelSizes::kNames) stated[name.path] = name.count;
+  EXPECT_EQ(stated, carried);
 }
 
 TEST(LayoutListing, NamesEveryBlockOfParametersOnce) {

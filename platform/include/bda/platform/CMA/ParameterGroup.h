@@ -1,10 +1,18 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "bda/Export.h"
 
 namespace CMA {
+
+// How large a group has to be for all that the module asks of it: its parameters are those of index 0 to `count` - 1,
+// all of them `bits` wide.
+struct GroupSize {
+  std::size_t count;
+  int bits = 8;  // or 16
+};
 
 // One parameter node of a model: a run of parameters addressed by index. A parameter is one byte or 16 bits wide; the
 // caller knows which. Owned by its model, used on the thread that handles bulk messages.

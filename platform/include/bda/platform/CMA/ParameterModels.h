@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "bda/Export.h"
@@ -13,14 +14,38 @@ class EventPort;
 // The parameter models of the instrument. An editor implements them; they belong to it, or to the temporary model they
 // were opened in. Every getter gives null when the model has no such group, name or node: callers then treat the whole
 // model as missing. All of it runs on the thread that handles bulk messages.
+//
+// How large the models are stands with them, under the names of the getters: k...Size is what a group holds, k...Length
+// the characters of a name, k...Count the nodes, which are numbered from 0. It is what the module uses, over all kinds
+// of contents: who keeps as much can take every dump and answer every request.
 namespace CMA {
+
+// An effect: its type and its parameters.
+inline constexpr GroupSize kEffectSize{21, 16};
 
 // A voice and what belongs to it alone. A normal voice has elements and no keys, a drum voice keys and no elements.
 class BDA_PLATFORM_API VoiceParameterModel {
  public:
+  static constexpr std::size_t kNameLength = 20;
+  static constexpr GroupSize kTypeSize{1};
+  static constexpr GroupSize kCommonSize{93};
+  static constexpr GroupSize kCommonExtraSize{1};
+  static constexpr GroupSize kArpeggioCommonSize{7};
+  static constexpr GroupSize kArpeggioTempoSize{1, 16};
+  static constexpr GroupSize kArpeggioEntrySize{38};
+  static constexpr GroupSize kArpeggioSixSize{6, 16};
+  static constexpr GroupSize kInsertionASize = kEffectSize;
+  static constexpr GroupSize kInsertionBSize = kEffectSize;
+  static constexpr GroupSize kInsertionLSize{37, 16};
+  static constexpr std::size_t kElementCount = 8;  // of a normal voice
+  static constexpr std::size_t kKeyCount = 73;     // of a drum voice
+
   // One of the up to eight elements of a normal voice.
   class BDA_PLATFORM_API ElementNode {
    public:
+    static constexpr GroupSize kParamsSize{137};
+    static constexpr GroupSize kWaveSize{1, 16};
+
     // The parameters whose meaning depends on the kind of wave.
     class BDA_PLATFORM_API ExceptionalParam8 {
      public:
@@ -38,6 +63,9 @@ class BDA_PLATFORM_API VoiceParameterModel {
   // One of the 73 keys of a drum voice.
   class BDA_PLATFORM_API KeyNode {
    public:
+    static constexpr GroupSize kParamsSize{125};
+    static constexpr GroupSize kWaveSize{1, 16};
+
     virtual ~KeyNode();
     virtual ParameterGroup* getParams() = 0;
     virtual ParameterGroup* getWave() = 0;
@@ -66,8 +94,26 @@ class BDA_PLATFORM_API VoiceParameterModel {
 // A multi or a performance: parts, effects, audio input.
 class BDA_PLATFORM_API MultiParameterModel {
  public:
+  static constexpr std::size_t kNameLength = 20;
+  static constexpr GroupSize kCommonSize{41};
+  static constexpr GroupSize kReverbSize = kEffectSize;
+  static constexpr GroupSize kReverbSettingsSize{2};
+  static constexpr GroupSize kChorusSize = kEffectSize;
+  static constexpr GroupSize kChorusSettingsSize{3};
+  static constexpr GroupSize kInsertionASize = kEffectSize;
+  static constexpr GroupSize kInsertionBSize = kEffectSize;
+  static constexpr GroupSize kMasterEqSize{18};
+  static constexpr GroupSize kMasterEffectSize = kEffectSize;
+  static constexpr GroupSize kMasterEffectSettingsSize{1};
+  static constexpr std::size_t kAdPartCount = 1;
+  static constexpr std::size_t kPartCount = 16;  // of a multi; the dumps of a performance reach the first four
+
   class BDA_PLATFORM_API PartNode {
    public:
+    static constexpr GroupSize kBankProgramSize{3};
+    static constexpr GroupSize kMainSize{58};
+    static constexpr GroupSize kExtraSize{7};
+
     virtual ~PartNode();
 
     // Parameters 0, 1, 2: bank select MSB, bank select LSB, program number.
@@ -84,6 +130,8 @@ class BDA_PLATFORM_API MultiParameterModel {
   // An audio input part.
   class BDA_PLATFORM_API AdPartNode {
    public:
+    static constexpr GroupSize kParamsSize{8};
+
     virtual ~AdPartNode();
     virtual ParameterGroup* getParams() = 0;
   };
@@ -110,8 +158,15 @@ class BDA_PLATFORM_API MultiParameterModel {
 
 class BDA_PLATFORM_API ArpeggioParameterModel {
  public:
+  static constexpr GroupSize kTempoSize{1, 16};
+  static constexpr GroupSize kCommonSize{7};
+  static constexpr std::size_t kPartCount = 16;
+
   class BDA_PLATFORM_API PartNode {
    public:
+    static constexpr GroupSize kParamsSize{39};
+    static constexpr GroupSize kSixSize{6, 16};
+
     virtual ~PartNode();
     virtual ParameterGroup* getParams() = 0;
     virtual ParameterGroup* getSix() = 0;
@@ -128,8 +183,14 @@ class BDA_PLATFORM_API ArpeggioParameterModel {
 // A master: what the instrument starts with, and four zones of the keyboard.
 class BDA_PLATFORM_API MasterParameterModel {
  public:
+  static constexpr std::size_t kNameLength = 20;
+  static constexpr GroupSize kCommonSize{8};
+  static constexpr std::size_t kZoneCount = 4;
+
   class BDA_PLATFORM_API ZoneNode {
    public:
+    static constexpr GroupSize kParamsSize{33};
+
     virtual ~ZoneNode();
     virtual ParameterGroup* getParams() = 0;
   };
@@ -144,8 +205,17 @@ class BDA_PLATFORM_API MasterParameterModel {
 // A remote setting: what the panel's controllers send to a computer.
 class BDA_PLATFORM_API RemoteParameterModel {
  public:
+  static constexpr std::size_t kName1Length = 13;
+  static constexpr std::size_t kName2Length = 12;
+  static constexpr GroupSize kCommonSize{2};
+  static constexpr std::size_t kControllerCount = 12;
+
   class BDA_PLATFORM_API ControllerNode {
    public:
+    static constexpr std::size_t kName1Length = 9;
+    static constexpr std::size_t kName2Length = 15;
+    static constexpr GroupSize kParamsSize{2};
+
     virtual ~ControllerNode();
     virtual ModelSrv::ModelPart* getName1() = 0;
     virtual ModelSrv::ModelPart* getName2() = 0;
@@ -163,8 +233,23 @@ class BDA_PLATFORM_API RemoteParameterModel {
 // The system settings of the instrument; always live.
 class BDA_PLATFORM_API SystemParameterModel {
  public:
+  static constexpr GroupSize kCommonSize{50};
+  static constexpr GroupSize kTuneSize{1, 16};
+  static constexpr std::size_t kAdPartCount = 1;
+  static constexpr GroupSize kMasterEqSize{18};
+  static constexpr GroupSize kMasterEffectSize = kEffectSize;
+  static constexpr GroupSize kMasterEffectSettingsSize{1};
+  static constexpr std::size_t kQuickSetupCount = 6;
+  static constexpr GroupSize kSequencerSize{7};
+  static constexpr GroupSize kRemoteSize{2};
+  static constexpr GroupSize kUtilitySize{52};
+
   class BDA_PLATFORM_API AdPartNode {
    public:
+    static constexpr GroupSize kParamsSize{6};
+    static constexpr GroupSize kInsertionASize = kEffectSize;
+    static constexpr GroupSize kInsertionBSize = kEffectSize;
+
     virtual ~AdPartNode();
     virtual ParameterGroup* getParams() = 0;
     virtual ParameterGroup* getInsertionA() = 0;
@@ -173,6 +258,9 @@ class BDA_PLATFORM_API SystemParameterModel {
 
   class BDA_PLATFORM_API QuickSetupNode {
    public:
+    static constexpr std::size_t kNameLength = 8;
+    static constexpr GroupSize kParamsSize{2};
+
     virtual ~QuickSetupNode();
     virtual ModelSrv::ModelPart* getName() = 0;
     virtual ParameterGroup* getParams() = 0;
@@ -197,6 +285,8 @@ class BDA_PLATFORM_API SystemParameterModel {
 // What does not fit elsewhere. Parameter 0 is cleared before the editor shows that it is storing.
 class BDA_PLATFORM_API AdditionalParameterModel {
  public:
+  static constexpr GroupSize kParamsSize{1};
+
   virtual ~AdditionalParameterModel();
 
   virtual ParameterGroup* getParams() = 0;
