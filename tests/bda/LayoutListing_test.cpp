@@ -18,6 +18,7 @@
 #include "ModelSizes.h"
 #include "MultiLayouts.h"
 #include "SystemLayouts.h"
+#include "TravellingBits.h"
 #include "VoiceLayouts.h"
 
 namespace {
@@ -166,6 +167,25 @@ std::string parametersOf(const Section& section, const Row& row) {
   return text;
 }
 
+// Of each byte of a step, if they differ.
+std::string bitsOf(const Row& row) {
+  std::string text = print("%02X", unsigned{claimedBits(row, 0)});
+  for (int n = 1; n < bytesPerStep(row.routine); ++n)
+    if (claimedBits(row, n) != claimedBits(row, 0)) text += print(", %02X", unsigned{claimedBits(row, n)});
+  return text;
+}
+
+std::string unusedIn(const Section& section) {
+  std::string text;
+  for (const Gap& gap : section.gaps) {
+    if (!text.empty()) text += ", ";
+    text += span(gap.first, gap.last);
+    if (gap.mask != 0xFF)
+      text += print(gap.step == 1 ? " (bits %02X)" : " (bits %02X of high bytes)", unsigned{gap.mask});
+  }
+  return text;
+}
+
 // What an editor needs to hold all of it.
 std::string sizesOfModels() {
   std::string text =
@@ -188,23 +208,23 @@ std::string listing() {
       "# The layouts of the parameter blocks\n\n"
       "Which data bytes of a bulk dump carry which parameters, by their path in `bda show --json`, in the order in "
       "which\n"
-      "they are converted. Byte 0 is the first after the address. Bits without a row are ignored when received and 0 "
-      "when\n"
-      "dumped. In a path, i counts the addresses of the block from 0.\n\n"
+      "they are converted. Byte 0 is the first after the address. In a path, i counts the addresses of the block from "
+      "0.\n\n"
+      "The bits of a byte that travel stand as a mask; two masks are those of the high and the low byte of a pair. All "
+      "others\n"
+      "are unused: ignored when received and 0 when dumped. Bit 7 travels wherever the mask has it, although no MIDI "
+      "cable can\n"
+      "carry it: bytes are received and dumped as they are. Pairs alone are dumped without it; received, the high byte "
+      "is\n"
+      "shifted and the low one ORed onto it, as they come.\n\n"
       "This page is generated from the tables that the module converts by; a test compares the two.\n";
   for (const Section& section : sections()) {
     text += "\n## " + section.title + "\n\n" + addressesOf(section) + ": " + std::to_string(section.length) +
             " data bytes.\n\n| bytes | bits | carry | parameters |\n|---|---|---|---|\n";
     for (const Row& row : section.rows)
-      text += "| " + span(row.byte, lastByte(row)) + " | " +
-              print("%02X", unsigned(row.routine == Routine::setSharedByteParam ? 0x7F : claimedBits(row))) + " | " +
-              wordOf(row.routine) + " | " + parametersOf(section, row) + " |\n";
-    std::string unused;
-    for (const Gap& gap : section.gaps) {
-      if (!unused.empty()) unused += ", ";
-      unused += span(gap.first, gap.last);
-      if (gap.mask != 0x7F) unused += print(" (bits %02X)", unsigned(gap.mask));
-    }
+      text += "| " + span(row.byte, lastByte(row)) + " | " + bitsOf(row) + " | " + wordOf(row.routine) + " | " +
+              parametersOf(section, row) + " |\n";
+    const std::string unused = unusedIn(section);
     if (!unused.empty()) text += "\nUnused: " + unused + ".\n";
   }
   return text + sizesOfModels();
@@ -216,6 +236,16 @@ TEST(LayoutListing, ThePageInDocsIsWhatTheTablesSay) {
   std::stringstream page;
   page << std::ifstream(path, std::ios::binary).rdbuf();
   EXPECT_EQ(page.str(), listing()) << "run this test with BDA_UPDATE_DOCS=1 and read what changed";
+}
+
+TEST(LayoutListing, EveryBitTravelsThatIsNotUnused) {
+  for (const Section& section : sections()) {
+    Testing::Bytes expected(section.length, 0xFF);
+    for (const Gap& gap : section.gaps)
+      for (std::size_t byte = gap.first; byte <= gap.last; byte += gap.step)
+        expected[byte] = std::uint8_t(expected[byte] & ~gap.mask);
+    EXPECT_EQ(TravellingBits::of(section.rows, section.length), expected) << section.title;
+  }
 }
 
 struct Reach {
