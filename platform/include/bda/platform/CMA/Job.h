@@ -24,7 +24,8 @@ enum Result : unsigned long {
 
 }  // namespace JOB
 
-// An operation of the editor. The editor keeps its jobs in a vector and runs them on its job thread.
+// An operation of the editor, which keeps its jobs in a vector and runs them. To run one of the assistant's is to hand
+// it a message: on any thread, but never beside BulkDumpAssistant::receiveBulkDump, nor from inside sendSysEx.
 class BDA_PLATFORM_API JobReceiver {
  public:
   virtual ~JobReceiver();

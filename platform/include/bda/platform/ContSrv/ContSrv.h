@@ -74,7 +74,8 @@ class BDA_PLATFORM_API Work {
  public:
   virtual ~Work();
 
-  // 1 while the editor loads or saves a content file; bulk messages are then refused. Any other value: free.
+  // 1 while the editor loads or saves a content file: dumps and requests are then refused, but for a footer that
+  // empties a mixing voice and a request for an empty one. Any other value: free.
   virtual unsigned char getLoadSaveFlag() = 0;
 
   // Mixing voice `voice` of the content (`type`, `number`): removal, name, number. There are 0 to 15, and
