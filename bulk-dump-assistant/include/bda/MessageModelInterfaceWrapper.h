@@ -9,6 +9,7 @@ namespace EvtSrv {
 class EventPortManager;
 }
 
+// The bulk dump assistant.
 namespace BDA {
 
 // The way of numbered messages to the editor's screen. Visible here because the assistant holds one by value; an
@@ -23,7 +24,9 @@ class MessageModelInterfaceWrapper {
   MessageModelInterfaceWrapper& operator=(const MessageModelInterfaceWrapper& other) = default;
   virtual ~MessageModelInterfaceWrapper();
 
+  // Shows message `id`.
   void setId(std::uint16_t id);
+  // Delivers what was set, now.
   void flush();
 
  private:
