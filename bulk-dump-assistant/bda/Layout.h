@@ -182,8 +182,7 @@ inline constexpr std::size_t kMaxLength = 512;
 constexpr int lastByte(const Row& row) { return row.byte + row.count * bytesPerStep(row.routine) - 1; }
 
 // The bits of byte `n` of a step that travel: those that change a parameter when received, or can be 1 when dumped.
-// Nothing is masked that need not be: bit 7, which no MIDI cable carries, travels with the rest of a byte, and of a
-// pair when received.
+// Bit 7, which no MIDI cable carries, is among them where a byte is taken as it comes.
 constexpr std::uint8_t claimedBits(const Row& row, int n) {
   const bool isHigh = n == 0;
   switch (row.routine) {
