@@ -9,6 +9,7 @@ namespace EvtSrv {
 class EventPortManager;
 }
 
+// The bulk dump assistant.
 namespace BDA {
 
 // The way of numbered messages to the editor's screen. Visible here because the assistant holds one by value; an
@@ -25,7 +26,9 @@ class MessageModelInterfaceWrapper {
 
   // Creates the message model; it stays null when it cannot be allocated.
   void open(EvtSrv::EventPortManager* manager, const char* modelName, unsigned char channel);
+  // Shows message `id`.
   void setId(std::uint16_t id);
+  // Delivers what was set, now.
   void flush();
 
  private:
