@@ -2,6 +2,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <cstdint>
+#include <functional>
+#include <vector>
 
 #include <rapidcheck.h>
 
@@ -14,6 +19,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using Bytes = Library::Bytes;
 using Content = Library::Content;
+using Kind = LibraryError::Kind;
 
 TEST_F(LibraryTest, KeepsAnyNameAndAnyBytes) {
   Library library(file);
@@ -29,6 +35,53 @@ TEST_F(LibraryTest, KeepsZerosAndBytesAbove7F) {
   const std::string name("a\0b\xFF\x80", 5);
   library.store(kVoice, Bytes{0, 255, 0, 128}, name);
   EXPECT_EQ(library.content(kVoice), (Content{name, {0, 255, 0, 128}}));
+}
+
+#if SIZE_MAX > UINT32_MAX  // elsewhere nothing has such a size
+TEST_F(LibraryTest, BytesThatSQLiteCannotCountAreRefusedAndNotCut) {
+  // Of 4 GiB and 16 bytes an int keeps the 16. No page of them is ever touched.
+  constexpr std::size_t kSize = (std::size_t{1} << 32) + 16;
+  void* const pages = ::mmap(nullptr, kSize, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  ASSERT_NE(pages, MAP_FAILED);
+  const std::span<const std::uint8_t> huge(static_cast<const std::uint8_t*>(pages), kSize);
+  Library library(file);
+  library.store(kVoice, Bytes{1}, "old");
+  library.storeLive("system", Bytes{1});
+  for (const auto& store : std::vector<std::function<void()>>{[&] { library.store(kVoice, huge, "new"); },
+                                                              [&] { library.store(kMulti, huge, "new"); },
+                                                              [&] { library.storeLive("system", huge); }}) {
+    const auto error = errorOf(store);
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->kind(), Kind::Failed);
+  }
+  EXPECT_EQ(library.content(kVoice), (Content{"old", {1}}));
+  EXPECT_THAT(library.contents(), ElementsAre(kVoice));
+  EXPECT_EQ(library.live("system"), Bytes{1});
+  library.store(kVoice, Bytes{2}, "new");
+  EXPECT_EQ(library.content(kVoice), (Content{"new", {2}}));
+  ::munmap(pages, kSize);
+}
+#endif
+
+// Cut to the bits that it has room for it would be that of another content, or no flag at all.
+TEST_F(LibraryTest, ANumberOutOfRangeIsDamage) {
+  Library library(file);
+  PlainDatabase plain(file);
+  const auto isDamage = [&](const std::function<void()>& operation) {
+    const auto error = errorOf(operation);
+    return error && error->kind() == Kind::Damaged;
+  };
+  for (const char* const numbers : {"4, 4298901509", "4294967300, 4144133", "4, -1", "-1, 1"}) {
+    plain(std::string("DELETE FROM contents; INSERT INTO contents VALUES(") + numbers + ", x'', x'01')");
+    EXPECT_TRUE(isDamage([&] { library.contents(); })) << numbers;
+  }
+  plain("DELETE FROM contents; INSERT INTO contents VALUES(4, 4299096064, x'', x'01')");  // 3F8000 and 4 GiB
+  EXPECT_TRUE(isDamage([&] { library.mixingVoiceCount(); }));
+  for (const char* const flag : {"256", "-1"}) {
+    plain(std::string("DELETE FROM favourites; INSERT INTO favourites VALUES(4, 1, ") + flag + ")");
+    EXPECT_TRUE(isDamage([&] { library.favourite({4, 1}); })) << flag;
+    EXPECT_TRUE(isDamage([&] { library.favourites(); })) << flag;
+  }
 }
 
 TEST_F(LibraryTest, StoringReplacesNameAndBytes) {

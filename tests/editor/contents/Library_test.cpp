@@ -189,6 +189,17 @@ TEST_F(LibraryTest, ALockedLibraryIsNamedAfterTheBusyTimeout) {
   EXPECT_TRUE(library.content(kVoice));
 }
 
+TEST_F(LibraryTest, ATimeThatSQLiteCannotCountIsWaitedToo) {
+  Library library(file, {.busyTimeout = milliseconds(std::int64_t{1} << 32)});
+  PlainDatabase other(file);
+  other("BEGIN IMMEDIATE");
+  std::thread writer([&] { EXPECT_NO_THROW(library.store(kVoice, Bytes{1}, "x")); });
+  std::this_thread::sleep_for(milliseconds(50));
+  other("COMMIT");
+  writer.join();
+  EXPECT_TRUE(library.content(kVoice));
+}
+
 // As one has it for a moment that another program is creating.
 TEST_F(LibraryTest, ALibraryWithoutItsLogWaitsForTheLockThatKeepsItFromOne) {
   { Library library(file); }
