@@ -224,18 +224,22 @@ _ContResult ContentsWork::requestOverWriteConfig(_ContType type) {
   return write([] { return ContSrv::ContRes_Success; });
 }
 
-_ContResult ContentsWork::removeContents(_ContType type, const std::vector<std::uint32_t>& numbers, bool sync) {
-  const _ContResult removed = write([&] {
+_ContResult ContentsWork::remove(_ContType type, std::span<const std::uint32_t> numbers) {
+  return write([&] {
     bool any = false;
     for (const std::uint32_t number : numbers) any = library_.remove({type, number}) || any;
     return any ? ContSrv::ContRes_Success : ContSrv::ContRes_DoNothing;
   });
+}
+
+_ContResult ContentsWork::removeContents(_ContType type, const std::vector<std::uint32_t>& numbers, bool sync) {
+  const _ContResult removed = remove(type, numbers);
   const _ContResult synced = sync ? this->sync() : ContSrv::ContRes_Success;
   return synced == ContSrv::ContRes_Success ? removed : synced;
 }
 
 _ContResult ContentsWork::removeContent(_ContType type, std::uint32_t number) {
-  return removeContents(type, {number}, false);
+  return remove(type, {&number, 1});
 }
 
 _ContResult ContentsWork::getDataFilePath(_ContType type, std::uint32_t number, std::string& path) {
@@ -257,10 +261,11 @@ _ContResult ContentsWork::getContentName(_ContType type, std::uint32_t number, s
 _ContResult ContentsWork::setContentName(_ContType type, std::uint32_t number, const std::string& name, bool sync) {
   const ContentId id{type, number};
   for (const std::unique_ptr<File>& file : files_)
-    if (file->takesName(id)) {
-      file->setName(name);
-      return ContSrv::ContRes_Success;
-    }
+    if (file->takesName(id))
+      return write([&] {
+        file->setName(name);
+        return ContSrv::ContRes_Success;
+      });
   if (!isContent(id)) return ContSrv::ContRes_NoSuchContent;
   const _ContResult renamed =
       write([&] { return library_.rename(id, name) ? ContSrv::ContRes_Success : ContSrv::ContRes_EmptyContent; });

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -74,6 +75,7 @@ class ContentsWork final : public ContSrv::Work {
   ContSrv::_ContResult read(Operation operation);
   template <typename Operation>
   ContSrv::_ContResult write(Operation operation);
+  ContSrv::_ContResult remove(ContSrv::_ContType type, std::span<const std::uint32_t> numbers);
   void fail(const char* what);
   bool inPass() const { return pass_.has_value() || failed_; }
 

@@ -278,7 +278,10 @@ auto Library::run(Operation operation) const -> decltype(operation()) {
 }
 
 Library::Transaction::Transaction(Library& library, Access access)
-    : library_(library), outer_(library.open_.size()), changes_(library.pending_.size()) {
+    : library_(library),
+      outer_(library.open_.size()),
+      changes_(library.pending_.size()),
+      undo_(outer_ == 0 ? "ROLLBACK" : "ROLLBACK TO " + savepoint() + "; RELEASE " + savepoint()) {
   library.open_.reserve(outer_ + 1);
   library.run([&] {
     SQLite::Database& connection = library.database_->connection;
@@ -294,11 +297,7 @@ Library::Transaction::~Transaction() {
   if (self == open.end()) return;  // committed, or ended with an outer one
   open.erase(self, open.end());
   library_.pending_.resize(changes_);
-  SQLite::Database& connection = library_.database_->connection;
-  if (outer_ == 0)
-    connection.tryExec("ROLLBACK");
-  else if (!library_.database_->transactionLost())
-    connection.tryExec("ROLLBACK TO " + savepoint() + "; RELEASE " + savepoint());
+  if (outer_ == 0 || !library_.database_->transactionLost()) library_.database_->connection.tryExec(undo_);
 }
 
 void Library::Transaction::requireTransaction() const {

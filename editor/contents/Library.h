@@ -89,6 +89,7 @@ class Library {
     Library& library_;
     const std::size_t outer_;    // how many transactions it is inside of
     const std::size_t changes_;  // how many were pending when it began
+    const std::string undo_;     // kept ready: to take something back needs no storage
   };
 
   struct Content {

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "editor/contents/ContentsWorkFixture.h"
+#include "support/Allocations.h"
 
 namespace Editor {
 namespace {
@@ -143,6 +144,37 @@ TEST_F(ContentsWorkTest, AFileWithoutANameLeavesNone) {
   write(kVoice, {2});
   EXPECT_EQ(work.sync(), ContRes_Success);
   EXPECT_EQ(onDisk(kVoice), (Content{"", {2}}));
+}
+
+// Every allocation fails once, alone and with all that follow it.
+TEST_F(ContentsWorkTest, WhenStorageRunsOutAContentIsTheOldOneOrTheNewOne) {
+  const Content before{"an old name that needs storage", {1}};
+  const Content after{"a new name that needs storage", Bytes(1000, 2)};
+  const std::string path = pathOf(kVoice);
+  const auto replace = [&] {
+    DataFile* const opened = work.openDataFile(path, OpenMode_Write);
+    if (opened == nullptr) return;
+    Data* const data = opened->openData();
+    work.setContentName(4, kVoice.number, after.name, false);
+    data->write(after.bytes.data(), std::int64_t(after.bytes.size()));
+    opened->closeDataWithoutSync(data);
+    work.closeDataFile(opened, 0);
+    work.removeContent(4, kMixingVoice.number);
+    work.sync();
+  };
+  for (const bool onwards : {false, true}) {
+    bool isReplaced = false;
+    for (long number = 1; !isReplaced; ++number) {
+      library.store(kVoice, before.bytes, before.name);
+      library.store(kMixingVoice, before.bytes, before.name);
+      Testing::allocations.ofWithFailure(number, onwards, replace);
+      work.abandonPass();
+      isReplaced = onDisk(kVoice) == after && !onDisk(kMixingVoice);
+      EXPECT_TRUE(isReplaced || (onDisk(kVoice) == before && onDisk(kMixingVoice) == before))
+          << "allocation " << number;
+      ASSERT_LT(number, 1000);
+    }
+  }
 }
 
 TEST_F(ContentsWorkTest, ANameGoesToTheFileThatIsOpenForIt) {
