@@ -106,7 +106,10 @@ class ContentsWork::File final : public ContSrv::DataFile {
     state_ = State::Closed;
     if (!store) return ContSrv::ContRes_Success;  // whoever wrote, or could not, knows already
     return work_.write([this] {
-      work_.library_.store(id_, data_.bytes(), name_);
+      if (name_)
+        work_.library_.store(id_, data_.bytes(), *name_);
+      else
+        work_.library_.store(id_, data_.bytes());
       return ContSrv::ContRes_Success;
     });
   }
@@ -121,7 +124,7 @@ class ContentsWork::File final : public ContSrv::DataFile {
   ContentId id_;
   bool forWriting_;
   FileData data_;
-  std::string name_;
+  std::optional<std::string> name_;
   State state_ = State::Fresh;
 };
 

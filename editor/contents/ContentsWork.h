@@ -56,8 +56,8 @@ class ContentsWork final : public ContSrv::Work {
   // Names a content, or the file that is open for writing there: its name is stored, or not, with its bytes.
   ContSrv::_ContResult setContentName(ContSrv::_ContType type, std::uint32_t number, const std::string& name,
                                       bool sync) override;
-  // A file that is written replaces the whole content when its data is closed: bytes and name, which is empty when it
-  // was given none. If any write failed, or there was none, the content stays as it is.
+  // A file that is written replaces the content's bytes when its data is closed, and its name if it was given one. If
+  // any write failed, or there was none, the content stays as it is.
   ContSrv::DataFile* openDataFile(const std::string& path, ContSrv::_OpenMode mode) override;
   ContSrv::_ContResult closeDataFile(ContSrv::DataFile* file, int mode) override;
   ContSrv::_ContResult sync() override;

@@ -169,6 +169,9 @@ struct Library::Database {
     SQLite::Statement store{database_,
                             "INSERT INTO contents(type, number, name, bytes) VALUES(?, ?, ?, ?) "
                             "ON CONFLICT DO UPDATE SET name = excluded.name, bytes = excluded.bytes"};
+    SQLite::Statement storeBytes{database_,
+                                 "INSERT INTO contents(type, number, name, bytes) VALUES(?, ?, x'', ?) "
+                                 "ON CONFLICT DO UPDATE SET bytes = excluded.bytes"};
     SQLite::Statement rename{database_, "UPDATE contents SET name = ? WHERE type = ? AND number = ?"};
     SQLite::Statement remove{database_, "DELETE FROM contents WHERE type = ? AND number = ?"};
     SQLite::Statement voices{database_, "SELECT number FROM contents WHERE type = ?"};
@@ -356,6 +359,13 @@ std::vector<ContentId> Library::contents() {
 void Library::store(ContentId id, std::span<const std::uint8_t> bytes, const std::string& name) {
   change([&] {
     Query(database_->statements->store, id, bytesOf(name), bytes).changes();
+    pending_.push_back({Change::Kind::Stored, canonical(id)});
+  });
+}
+
+void Library::store(ContentId id, std::span<const std::uint8_t> bytes) {
+  change([&] {
+    Query(database_->statements->storeBytes, id, bytes).changes();
     pending_.push_back({Change::Kind::Stored, canonical(id)});
   });
 }

@@ -104,6 +104,8 @@ class Library {
   std::optional<std::string> contentName(ContentId id);
   std::vector<ContentId> contents();  // by type and number
   void store(ContentId id, std::span<const std::uint8_t> bytes, const std::string& name);
+  // The content keeps its name; a new one has the empty name.
+  void store(ContentId id, std::span<const std::uint8_t> bytes);
   bool rename(ContentId id, const std::string& name);  // false: nothing is stored there
   bool remove(ContentId id);                           // false: nothing was stored there
 

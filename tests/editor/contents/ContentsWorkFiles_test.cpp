@@ -139,11 +139,53 @@ TEST_F(ContentsWorkTest, OneFailedFileDoesNotStopTheOthers) {
   EXPECT_THAT(other.contents(), ElementsAre(kVoice, kOtherVoice));
 }
 
-TEST_F(ContentsWorkTest, AFileWithoutANameLeavesNone) {
+TEST_F(ContentsWorkTest, AContentThatIsWrittenAndNotNamedKeepsItsName) {
   library.store(kVoice, Bytes{1}, "old");
   write(kVoice, {2});
   EXPECT_EQ(work.sync(), ContRes_Success);
-  EXPECT_EQ(onDisk(kVoice), (Content{"", {2}}));
+  EXPECT_EQ(onDisk(kVoice), (Content{"old", {2}}));
+  write(kVoice, {3}, "new");
+  write(kVoice, {4});
+  EXPECT_EQ(work.sync(), ContRes_Success);
+  EXPECT_EQ(onDisk(kVoice), (Content{"new", {4}}));
+  write(kVoice, {5}, "");
+  EXPECT_EQ(work.sync(), ContRes_Success);
+  EXPECT_EQ(onDisk(kVoice), (Content{"", {5}}));
+}
+
+TEST_F(ContentsWorkTest, AContentForWhichNoNameWasSetHasTheEmptyName) {
+  write(kVoice, {1});
+  EXPECT_EQ(work.sync(), ContRes_Success);
+  EXPECT_EQ(onDisk(kVoice), (Content{"", {1}}));
+  std::string name = "something";
+  EXPECT_EQ(work.getContentName(4, kVoice.number, name), ContRes_Success);
+  EXPECT_EQ(name, "");
+}
+
+TEST_F(ContentsWorkTest, ANameGoesWithTheContentThatIsRemoved) {
+  library.store(kMixingVoice, Bytes{1}, "old");
+  EXPECT_EQ(work.removeMixingVoice(1, 1, ContentNumber_All), ContRes_Success);
+  write(kMixingVoice, {2});
+  EXPECT_EQ(work.sync(), ContRes_Success);
+  EXPECT_EQ(onDisk(kMixingVoice), (Content{"", {2}}));
+}
+
+TEST_F(ContentsWorkTest, ANameThatTheLibraryRefusesLeavesEverythingAsItWas) {
+  library.store(kVoice, Bytes{1}, "old");
+  plain(
+      "CREATE TRIGGER full BEFORE INSERT ON contents WHEN new.name = CAST('new' AS BLOB) "
+      "BEGIN SELECT RAISE(ABORT, 'disk full'); END");
+  write(kOtherVoice, {1}, "good");
+  DataFile* const opened = work.openDataFile(pathOf(kVoice), OpenMode_Write);
+  Data* const data = opened->openData();
+  EXPECT_EQ(work.setContentName(4, kVoice.number, "new", false), ContRes_Success);  // not before the bytes
+  const std::uint8_t byte = 2;
+  EXPECT_EQ(data->write(&byte, 1), 1);
+  EXPECT_EQ(opened->closeDataWithoutSync(data), ContRes_StoreError);
+  EXPECT_EQ(work.closeDataFile(opened, 0), ContRes_Success);
+  EXPECT_EQ(work.sync(), ContRes_StoreError);
+  EXPECT_EQ(onDisk(kVoice), (Content{"old", {1}}));
+  EXPECT_THAT(other.contents(), ElementsAre(kVoice));
 }
 
 // Every allocation fails once, alone and with all that follow it.

@@ -92,6 +92,29 @@ TEST_F(LibraryTest, StoringReplacesNameAndBytes) {
   EXPECT_THAT(library.contents(), ElementsAre(kVoice));
 }
 
+TEST_F(LibraryTest, BytesAloneLeaveTheNameThatIsThere) {
+  Library library(file);
+  library.store(kVoice, Bytes{1, 2}, "old");
+  library.store(kSameMixingVoice, Bytes{1}, "mix");
+  library.takeChanges();
+  library.store(kVoice, Bytes{3});
+  library.store(kBank15Voice, Bytes{4});
+  EXPECT_EQ(library.content(kVoice), (Content{"old", {3}}));
+  EXPECT_EQ(library.content(kSameMixingVoice), (Content{"mix", {4}}));
+  EXPECT_THAT(library.takeChanges(),
+              ElementsAre(Change{Change::Kind::Stored, kVoice}, Change{Change::Kind::Stored, kBank15Voice}));
+}
+
+TEST_F(LibraryTest, BytesAloneAreAContentWithTheEmptyName) {
+  Library library(file);
+  library.store(kVoice, Bytes{1});
+  EXPECT_EQ(library.content(kVoice), (Content{"", {1}}));
+  library.store(kMulti, Bytes{1}, "old");
+  EXPECT_TRUE(library.remove(kMulti));
+  library.store(kMulti, Bytes{2});
+  EXPECT_EQ(library.content(kMulti), (Content{"", {2}}));
+}
+
 TEST_F(LibraryTest, ListsContentsByTypeAndNumber) {
   Library library(file);
   for (const ContentId id : {ContentId{14, 0}, ContentId{4, 9}, ContentId{1, 127}, ContentId{4, 8}})
