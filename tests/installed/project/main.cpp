@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Export.h"
 #include "bda/BulkDumpAssistant.h"
 #include "bda/platform/Basekit/Tracer.h"
 #include "bda/platform/CMA/JobTools.h"
@@ -103,7 +104,7 @@ struct Log : Basekit::TracerSink {
   int lines = 0;
 };
 
-int failures = 0;
+EDITOR_INTERNAL int failures = 0;
 
 void expect(bool fact, const char* what) {
   std::printf("%s: %s\n", fact ? "ok" : "FAILED", what);
