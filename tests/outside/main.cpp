@@ -11,6 +11,7 @@
 #include "bda/BulkDumpAssistant.h"
 #include "bda/platform/Basekit/Tracer.h"
 #include "bda/platform/CMA/JobTools.h"
+#include "bda/version.h"
 
 namespace {
 
@@ -114,6 +115,8 @@ void expect(bool fact, const char* what) {
 }  // namespace
 
 int main() {
+  expect(std::strcmp(BDA::libraryVersion(), BDA_VERSION_STRING) == 0, "it runs with what it was compiled with");
+
   Log log;
   Basekit::Tracer::setThreadSink(&log);
 
