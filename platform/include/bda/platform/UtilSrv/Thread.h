@@ -39,9 +39,7 @@ class BDA_PLATFORM_API Thread {
   _PolicyType getPolicy() const noexcept;
   _PriorityType getPriority() const noexcept;
   // `mode` is 0: at once. False while not attached, and when the system refuses, for want of a privilege above all; the
-  // thread then goes on as it was. Nothing is traced: running unboosted is no failure.
-  // `mode` is 0: at once. False when the system refuses, for want of a privilege above all; the thread then goes on as
-  // it was. Nothing is traced: to run as before is no failure.
+  // thread then goes on as it was. Nothing is traced: to run as before is no failure.
   bool change(_PolicyType policy, _PriorityType priority, int mode) noexcept;
   // Leaves the thread as it is now scheduled.
   void detach() noexcept;
