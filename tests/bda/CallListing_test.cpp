@@ -67,11 +67,9 @@ std::string listed(const std::string& call) {
   for (const Renaming& renaming : kRenamings) {
     if (!startsWith(call, renaming.recorded)) continue;
     if (renaming.isWhole) return renaming.listed;
-    const std::string name = renaming.listed + call.substr(std::string_view(renaming.recorded).size());
-    const auto with = [](const std::string& text, const char* kind, const char* isNormal) {
-      return std::regex_replace(text, std::regex(kind), isNormal);
-    };
-    return with(with(name, ", normal\\)", ", true)"), ", drum\\)", ", false)");
+    std::string name = renaming.listed + call.substr(std::string_view(renaming.recorded).size());
+    name = std::regex_replace(name, std::regex(", normal\\)"), ", true)");
+    return std::regex_replace(name, std::regex(", drum\\)"), ", false)");
   }
   return call;
 }
@@ -92,30 +90,33 @@ std::string kindOf(const std::string& call) {
   return verb;
 }
 
-// "set x 45, set16" for a run of calls that set parameters, "getContentName x 128" for one of other calls. What is
-// called once or twice stays as it is.
+// "set x 45, set16": how often each operation occurs.
+Calls counts(const Calls& run) {
+  std::vector<std::pair<std::string, int>> found;
+  for (const std::string& call : run) {
+    const std::string verb = verbOf(call);
+    const auto known = std::find_if(found.begin(), found.end(), [&](const auto& one) { return one.first == verb; });
+    if (known == found.end())
+      found.emplace_back(verb, 1);
+    else
+      ++known->second;
+  }
+  Calls result;
+  for (const auto& [verb, count] : found) result.push_back(count == 1 ? verb : verb + " x " + std::to_string(count));
+  return result;
+}
+
+// Runs of calls are counted: of those on parameters two and more, of others three and more.
 Calls counted(const Calls& calls) {
   Calls result;
   for (auto first = calls.begin(); first != calls.end();) {
     const std::string kind = kindOf(*first);
     const auto last = std::find_if(first, calls.end(), [&](const auto& call) { return kindOf(call) != kind; });
-    const bool isParameters = kind == "set" || kind == "get";
-    if (first->find('(') == std::string::npos || last - first < (isParameters ? 2 : 3)) {
-      result.insert(result.end(), first, last);
-    } else {
-      std::vector<std::pair<std::string, int>> counts;
-      for (auto call = first; call != last; ++call) {
-        const std::string verb = verbOf(*call);
-        const auto known =
-            std::find_if(counts.begin(), counts.end(), [&](const auto& one) { return one.first == verb; });
-        if (known == counts.end())
-          counts.emplace_back(verb, 1);
-        else
-          ++known->second;
-      }
-      for (const auto& [verb, count] : counts)
-        result.push_back(count == 1 ? verb : verb + " x " + std::to_string(count));
-    }
+    const bool isCall = first->find('(') != std::string::npos;
+    const bool isCounted = isCall && last - first >= (kind == "set" || kind == "get" ? 2 : 3);
+    const Calls run(first, last);
+    const Calls told = isCounted ? counts(run) : run;
+    result.insert(result.end(), told.begin(), told.end());
     first = last;
   }
   return result;
@@ -252,14 +253,17 @@ class CallListing : public AssistantFixture {
     rows_.push_back(rowOf(address, calls()));
   }
   // What is done with a block, between suspendOutputMidi and resumeOutputMidi.
-  void block(const std::string& address, const Bytes& data = {}) {
+  Calls callsOfBlock(const std::string& address, const Bytes& data) {
     forget();
     send(address, data);
     const Calls all = calls();
     const auto first = std::find(all.begin(), all.end(), "suspendOutputMidi");
     const auto last = std::find(first, all.end(), "resumeOutputMidi");
-    ASSERT_NE(last, all.end()) << address;
-    rows_.push_back(rowOf(address, Calls(first + 1, last)));
+    EXPECT_NE(last, all.end()) << address;
+    return last == all.end() ? Calls() : Calls(first + 1, last);
+  }
+  void block(const std::string& address, const Bytes& data = {}) {
+    rows_.push_back(rowOf(address, callsOfBlock(address, data)));
   }
   // A header, all blocks that stand behind it, and its footer. A block that does what one of an earlier unit did is
   // told of by that one.
@@ -311,13 +315,9 @@ class CallListing : public AssistantFixture {
   void opened() {
     std::vector<Row> kinds;
     for (const AddressRow& row : kHeaderRows) {
-      forget();
-      send(text(row.hi, row.mid.first, row.lo.last));
-      const Calls all = calls();
-      const auto first = std::find(all.begin(), all.end(), "suspendOutputMidi");
       std::string mids = textOf({row.mid.first});
       if (row.mid.size() > 1) mids += "-" + textOf({row.mid.last});
-      const Row kind = rowOf(mids, Calls(first + 1, std::find(first, all.end(), "resumeOutputMidi")));
+      const Row kind = rowOf(mids, callsOfBlock(text(row.hi, row.mid.first, row.lo.last), {}));
       const auto known =
           std::find_if(kinds.begin(), kinds.end(), [&](const Row& one) { return one.calls == kind.calls; });
       if (known == kinds.end())
