@@ -21,8 +21,7 @@
 #include <utility>
 #include <vector>
 
-#include "bda/BulkDumpAssistant.h"
-#include "bda/platform/Basekit/Tracer.h"
+#include "bda/BulkDumpObserver.h"
 #include "bda/platform/CMA/JobTools.h"
 #include "bda/platform/CMA/VoiceBanks.h"
 #include "bda/platform/ContSrv/ContSrv.h"
@@ -36,20 +35,20 @@ using Bytes = std::vector<Byte>;
 template <typename... Interfaces>
 struct All : Interfaces... {};
 
-// ---- How a message fared: what was stored, and what the tracer told -------------------------------------------------
+// ---- How a message fared
+// ---------------------------------------------------------------------------------------------
 
-struct Journal final : Basekit::TracerSink {
-  void write(const char* text, std::size_t length) noexcept override { failures.append(text, length); }
-
-  // Tells what became of the message that was just handled, unless it was simply taken, and begins anew.
-  void tell(BDA::BulkMsgType kind) {
-    if (kind >= BDA::BulkMsg_CheckSumError && kind <= BDA::BulkMsg_ReceiveError) failures += "not admitted\n";
-    if (!failures.empty()) std::printf("  refused: %s", failures.c_str());
+// What the assistant knows of it, and what the store has done meanwhile.
+struct Journal final : BDA::BulkDumpObserver {
+  void bulkDumpHandled(const BDA::BulkDumpReport& report) override {
+    if (report.outcome == BDA::BulkDumpOutcome::refused)
+      std::printf("  refused (%d): %02X %02X %02X\n", int(report.refusal), report.address[0], report.address[1],
+                  report.address[2]);
     if (!stored.empty()) std::printf("  stored:%s\n", stored.c_str());
-    failures = stored = "";
+    stored.clear();
   }
 
-  std::string failures, stored;
+  std::string stored;
 };
 
 // ---- Models: arrays by the paths that docs/layouts.md names, as "voice.element[3].params" ---------------------------
@@ -367,11 +366,9 @@ int main(int argc, char** argv) {
   Cable cable;
   BDA::BulkDumpAssistant assistant(&store, nullptr, nullptr, &editor, &store, true);
   assistant.registerBDABridge(&cable);
-  Basekit::Tracer::setThreadSink(&store.journal);
+  assistant.registerObserver(&store.journal);
   const auto hand = [&](const Bytes& message) {
-    const BDA::BulkMsgType kind = assistant.receiveBulkDump(message.data(), message.size(), BDA::DevicePort_Main);
-    store.journal.tell(kind);
-    return kind;
+    return assistant.receiveBulkDump(message.data(), message.size(), BDA::DevicePort_Main);
   };
 
   bool isAllBack = argc > 1;
@@ -394,6 +391,5 @@ int main(int argc, char** argv) {
     std::printf("  %zu requested: %s\n", requests.size(), isBack ? "every byte came back" : "NOT every byte came back");
     isAllBack = isAllBack && isBack;
   }
-  Basekit::Tracer::setThreadSink(nullptr);
   return isAllBack ? 0 : 1;
 }

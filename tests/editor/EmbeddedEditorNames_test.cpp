@@ -84,7 +84,7 @@ TEST_F(EmbeddedEditorOldName, staysWhenTheNewOneCannotBeUnpacked) {
   EXPECT_EQ(after(kBrokenName, packed(Bytes{4})), (Content{"Old", {4}}));
   EXPECT_EQ(record.outcome, Outcome::refused);
   EXPECT_THAT(record.contents, ElementsAre("voice:user1:6"));
-  EXPECT_THAT(record.reason, HasSubstr("Decode Error"));
+  EXPECT_THAT(record.reason, HasSubstr("could not be unpacked"));
 }
 
 TEST_F(EmbeddedEditorOldName, staysWhenTheLastGroupOfTheNewOneCannotBeUnpacked) {

@@ -64,8 +64,8 @@ enum BulkMsgType : std::uint32_t {
 // The port on which a message arrived or leaves. Other values pass through unchanged.
 enum DevicePortNum : std::uint32_t {
   DevicePort_Main = 1,    // dumps that arrive here are echoed on DevicePort_Echo
-  DevicePort_Echo = 4,    // gets completion notices
-  DevicePort_Remote = 5,  // gets completion notices, and whatever port they came on the answers and notices of remotes
+  DevicePort_Echo = 4,    // gets the echoes; a completion notice answers here what arrives here
+  DevicePort_Remote = 5,  // likewise; and gets the answers and notices of remotes, whatever port they came on
   DevicePort_Thru = 6,    // as DevicePort_Main, but no bulk request is answered save that for an empty mixing voice
 };
 
@@ -166,6 +166,7 @@ class BDA_API BulkDumpAssistant {
   void init();
   // Whether the editor's mode admits the address: 0, 8 (ignore it) or a failure (bit 31), which is logged and shown.
   unsigned long checkAddress(const Address& address);
+  // Whether the address is the footer of an edit buffer, which is handed to the editor without a message of storing.
   bool isEditBufferFooter(const Address& address);
   // Replaces the on-screen message, by its number:
   //   1, 2     a footer of a bank or a write trigger is being stored; that has ended, well or not
@@ -197,7 +198,7 @@ class BDA_API BulkDumpAssistant {
   void show(std::uint16_t id);
   void close();
 
-  void raiseReceivePriority();
+  void raiseReceivePriority();  // to round robin, priority 1
   void restoreReceivePriority();
   void destroyParts() noexcept;
 
