@@ -241,9 +241,7 @@ _ContResult ContentsWork::removeContents(_ContType type, const std::vector<std::
   return synced == ContSrv::ContRes_Success ? removed : synced;
 }
 
-_ContResult ContentsWork::removeContent(_ContType type, std::uint32_t number) {
-  return remove(type, {&number, 1});
-}
+_ContResult ContentsWork::removeContent(_ContType type, std::uint32_t number) { return remove(type, {&number, 1}); }
 
 _ContResult ContentsWork::getDataFilePath(_ContType type, std::uint32_t number, std::string& path) {
   if (!isContent({type, number})) return ContSrv::ContRes_NoSuchContent;
