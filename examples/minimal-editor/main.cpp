@@ -35,9 +35,7 @@ using Bytes = std::vector<Byte>;
 template <typename... Interfaces>
 struct All : Interfaces... {};
 
-// ---- How a message fared
-// ---------------------------------------------------------------------------------------------
-
+// ---- How a message fared -------------------------------------------------------------------------------------------
 // What the assistant knows of it, and what the store has done meanwhile.
 struct Journal final : BDA::BulkDumpObserver {
   void bulkDumpHandled(const BDA::BulkDumpReport& report) override {
