@@ -36,6 +36,7 @@ template <typename... Interfaces>
 struct All : Interfaces... {};
 
 // ---- How a message fared -------------------------------------------------------------------------------------------
+
 // What the assistant knows of it, and what the store has done meanwhile.
 struct Journal final : BDA::BulkDumpObserver {
   void bulkDumpHandled(const BDA::BulkDumpReport& report) override {
