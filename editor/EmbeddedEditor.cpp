@@ -315,7 +315,7 @@ std::string EmbeddedEditor::whyRefused(const Record& record, const Reading& read
     default:
       break;
   }
-  if (record.report.refusal == BDA::BulkDumpRefusal::mixingVoicesFull) return wordsOf(record.report.refusal);
+  if (lastShown(record) == BDA::kMixingVoiceFullMessage) return wordsOf(BDA::BulkDumpRefusal::mixingVoicesFull);
   if (isBroken(reading)) return fmt::format("{}: {}", wordOf(reading.verdict), reading.note);
   if (!storeError_.empty()) return storeError_;
   const BulkAddress address = reading.address.value_or(BulkAddress{});

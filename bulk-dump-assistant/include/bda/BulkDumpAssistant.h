@@ -115,8 +115,9 @@ class BDA_API BulkDumpBridge {
 //
 // Exceptions: none comes out, whoever threw. What a service throws, or storage that runs out, ends the message like any
 // failure of its block: with 44 on the screen where a message was being shown, the open header forgotten and nothing
-// more in the log; MIDI output is resumed and the thread's scheduling restored if they had been suspended and changed.
-// The next message finds everything in order.
+// more in the log (but what a file dump that cannot be written or read has to say); MIDI output is resumed and the
+// thread's scheduling restored if they had been suspended and changed. What a block meets is still echoed, what is
+// thrown before or after it ends the message there. The next message finds everything in order.
 class BDA_API BulkDumpAssistant {
  public:
   // Nothing that is handed over changes owner, and all of it outlives the assistant; `jobTools` must not be null.
@@ -129,8 +130,9 @@ class BDA_API BulkDumpAssistant {
   //                     vector before or when the assistant goes. Null: they are appended nowhere
   //   work              the contents store; null: nothing that needs it succeeds
   //   silent            true: no on-screen messages
-  // When a service throws, all that was made is undone (`bulkJobs` is as before, the temporary model destroyed), and
-  // the assistant refuses every dump and request. What merely cannot be allocated is missing, and the rest works.
+  // When a service throws, all that was made but the way to the screen is undone (`bulkJobs` is as before, the
+  // temporary model destroyed), and the assistant refuses every dump and request. What merely cannot be allocated is
+  // missing, and the rest works.
   BulkDumpAssistant(EvtSrv::EventPortManager* eventPortManager, std::vector<CMA::JobReceiver*>* jobReceivers,
                     std::vector<CMA::JobReceiver*>* bulkJobs, CMA::JobTools* jobTools, ContSrv::Work* work,
                     bool silent);
@@ -144,6 +146,7 @@ class BDA_API BulkDumpAssistant {
   void registerBDABridge(BulkDumpBridge* bridge);
 
   // Tells `observer` from now on how each message fared (bda/BulkDumpObserver.h). Not owned; null, as at first: nobody.
+  // The editor unregisters its observer before destroying it.
   void registerObserver(BulkDumpObserver* observer);
 
   // What kind of message this is and whether the settings admit it, 0 to 11; BulkMsg_ReceiveError, too, when the

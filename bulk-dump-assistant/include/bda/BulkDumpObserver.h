@@ -14,7 +14,7 @@ enum class BulkDumpOutcome : std::uint8_t {
   handedToStore,  // a footer stored the temporary model, a write trigger wrote or removed contents, or an empty mixing
                   // voice was removed
   completed,      // taken at once, without a unit: a system block, favorites
-  nothingToDo,    // a write trigger with nothing held, the removal of a mixing voice that is not there
+  nothingToDo,    // a write trigger with nothing to write or remove, the removal of a mixing voice that is not there
   answered,       // a request: all its dumps were sent
   nothingToSend,  // a request for blocks that are swallowed
   ignored,        // not handled here (BulkMsg_Type1 ...), or ignored by the editor's mode; a request on DevicePort_Thru
@@ -110,15 +110,17 @@ enum class BulkDumpRefusal : std::uint8_t {
 // What is told of one message.
 struct BulkDumpReport {
   BulkMsgType kind = BulkMsg_ReceiveError;  // what receiveBulkDump returns
-  bool hasAddress = false;                  // of dumps, also with a wrong checksum, and requests
+  bool hasAddress = false;                  // of valid dumps, of those with a wrong checksum, and of requests
   std::uint8_t address[3] = {0, 0, 0};      // high, middle, low byte
-  // The result of the block, 0 if none was asked. Bit 31 set: failure. A refused dump whose result is a success was
-  // taken all the same: something was wrong with it that the instrument overlooks.
-  std::uint32_t result = 0;
+  std::uint32_t result = 0;                 // of the block; bit 31 set: failure. 0, too, if none was asked
+  // Of a dump: its block has taken it, or its empty mixing voice was removed. A refused dump that was taken all the
+  // same has something wrong with it that the instrument overlooks.
+  bool isTaken = false;
   BulkDumpOutcome outcome = BulkDumpOutcome::ignored;
   BulkDumpRefusal refusal = BulkDumpRefusal::none;  // unless `outcome` is refused
   // How many contents were handed to the store: written or removed by a write trigger, also by one that was refused for
-  // the rest (the mixing voices of a multi, removed together, count as one); 1 of a footer.
+  // the rest (the mixing voices of a multi, removed together, count as one); 1 of a footer. What was written, but not
+  // without a failure, does not count.
   std::uint32_t handedOver = 0;
 };
 
