@@ -144,7 +144,7 @@ TEST_F(EmbeddedEditorOldName, isThatOfTheLastDumpAtEitherAddressOfAMixingVoice) 
   const ContentId mixingVoice{4, 0x3F3C03};
   const BulkAddress addresses[] = {{0x0C, 0x31, 0x03}, {0x0C, 0x13, 0x00}};
   editor.library().store(mixingVoice, kOld.bytes, kOld.name);
-  for (const std::size_t last : {0, 1}) {
+  for (const std::size_t last : {0U, 1U}) {
     send(fileDump(addresses[1 - last], packed("New"), packed(Bytes{4})));
     send(fileDump(addresses[last], kNoName, packed(Bytes{5})));
     trigger();
