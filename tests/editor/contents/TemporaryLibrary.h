@@ -49,11 +49,13 @@ inline void writeFile(const std::filesystem::path& file, const std::string& byte
   if (!out.flush()) throw std::runtime_error("cannot write " + file.string());
 }
 
-// Another program that works on the same file, without anything of ours in between.
+// Another program that works on the same file, without anything of ours in between. It waits for a lock as one does: who
+// opens a library holds one for a moment.
 class PlainDatabase {
  public:
   explicit PlainDatabase(const std::filesystem::path& file) {
     if (sqlite3_open(file.c_str(), &database_) != SQLITE_OK) throw std::runtime_error(sqlite3_errmsg(database_));
+    sqlite3_busy_timeout(database_, 10'000);
   }
   PlainDatabase(const PlainDatabase&) = delete;
   PlainDatabase& operator=(const PlainDatabase&) = delete;
