@@ -2,12 +2,12 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <algorithm>
 #include <set>
 
 #include "support/AssistantFixture.h"
+#include "support/OwnScheduling.h"
 #include "support/ScriptedExecuter.h"
 
 namespace {
@@ -603,24 +603,18 @@ class Dump : public AssistantFixture {
  protected:
   // Not the scheduling that a priority given back to nobody would leave.
   void SetUp() override {
-    setOwnPolicy(SCHED_BATCH);
+    ASSERT_TRUE(setOwnScheduling(kUnusual));
     AssistantFixture::SetUp();
   }
   void TearDown() override {
     AssistantFixture::TearDown();
-    setOwnPolicy(SCHED_OTHER);
+    setOwnScheduling({});
   }
-  static void setOwnPolicy(int policy) {
-    const sched_param parameters{};
-    ASSERT_EQ(pthread_setschedparam(pthread_self(), policy, &parameters), 0);
+  static std::string changeTo(const OwnScheduling& to) {
+    return "thread.change(" + std::to_string(to.policy) + ", " + std::to_string(to.priority) + ", 0)";
   }
   // The scheduling of this thread, which a boost must give back.
-  std::string ownScheduling() const {
-    int policy = -1;
-    sched_param parameters{};
-    pthread_getschedparam(pthread_self(), &policy, &parameters);
-    return "thread.change(" + std::to_string(policy) + ", " + std::to_string(parameters.sched_priority) + ", 0)";
-  }
+  static std::string changeToOwn() { return changeTo(ownScheduling()); }
 };
 
 TEST_F(Dump, ASystemBlockIsReceivedClosedAndEchoed) {
@@ -643,8 +637,8 @@ TEST_F(Dump, AHeaderStaysOpenAndItsMessageShown) {
 TEST_F(Dump, AFooterIsStoredUnderARaisedPriority) {
   send("0E 0A 05");
   forget();
-  const std::string before = ownScheduling();
-  ASSERT_EQ(before, "thread.change(3, 0, 0)");
+  const std::string before = changeToOwn();
+  ASSERT_EQ(before, changeTo(kUnusual));
   EXPECT_EQ(send("0F 0A 05"), BulkMsg_BulkDump);
   EXPECT_THAT(calls(),
               ElementsAre("checkMode(0F 0A 05)", "getLoadSaveFlag", "setId(12)", "set(additional.params, 0, 0, flag 1)",
@@ -652,8 +646,26 @@ TEST_F(Dump, AFooterIsStoredUnderARaisedPriority) {
                           "thread.getPriority", "thread.change(2, 1, 0)", "suspendOutputMidi", "store(0A 05)",
                           "resumeOutputMidi", before, "thread.detach", "setId(2)",
                           "send(4, " + textOf(dumpMessage("0F 0A 05")) + ")"));
-  EXPECT_EQ(ownScheduling(), before);
+  EXPECT_EQ(changeToOwn(), before);
   EXPECT_FALSE(isHeaderOpen());
+}
+
+TEST_F(Dump, AFooterIsStoredByAThreadThatIsLeftAlone) {
+  using UtilSrv::Thread;
+  Thread::setScheduling(Thread::Scheduling::LeftAlone);
+  send("0E 0A 05");
+  forget();
+  OwnScheduling inside;
+  record.during("store", [&] { inside = ownScheduling(); });
+  EXPECT_EQ(send("0F 0A 05"), BulkMsg_BulkDump);
+  Thread::setScheduling(Thread::Scheduling::System);
+  EXPECT_THAT(
+      callsWithout({"setId", "flush", "set"}),
+      ElementsAre("checkMode(0F 0A 05)", "getLoadSaveFlag", "thread.attach", "thread.getPolicy", "thread.getPriority",
+                  "thread.change(2, 1, 0)", "suspendOutputMidi", "store(0A 05)", "resumeOutputMidi",
+                  "thread.change(0, 0, 0)", "thread.detach", "send(4, " + textOf(dumpMessage("0F 0A 05")) + ")"));
+  EXPECT_TRUE(inside == kUnusual);
+  EXPECT_EQ(changeToOwn(), changeTo(kUnusual));
 }
 
 TEST_F(Dump, AnEditBufferFooterIsStoredAsAnOrdinaryBlock) {
@@ -852,7 +864,7 @@ TEST_F(Dump, OnlyALoadSaveFlagOf1Blocks) {
 TEST_F(Dump, WhatABlockThrowsStillResumesMidiAndRestoresThePriority) {
   send("0E 0A 05");
   forget();
-  const std::string before = ownScheduling();
+  const std::string before = changeToOwn();
   record.raise("store");
   EXPECT_EQ(send("0F 0A 05"), BulkMsg_BulkDump);
   EXPECT_THAT(shown(), ElementsAre(12, 1, 2, 44));
@@ -864,7 +876,7 @@ TEST_F(Dump, WhatABlockThrowsStillResumesMidiAndRestoresThePriority) {
 }
 
 TEST_F(Dump, ADumpFromInsideAStoreDoesNotSaveTheRaisedPriority) {
-  const std::string before = ownScheduling();
+  const std::string before = changeToOwn();
   bool inside = false;
   record.during("store", [&] {
     if (std::exchange(inside, true)) return;
@@ -879,7 +891,7 @@ TEST_F(Dump, ADumpFromInsideAStoreDoesNotSaveTheRaisedPriority) {
   for (const std::string& call : calls())
     if (call.rfind("thread.change", 0) == 0) changes.push_back(call);
   EXPECT_THAT(changes, ElementsAre("thread.change(2, 1, 0)", before));
-  EXPECT_EQ(ownScheduling(), before);
+  EXPECT_EQ(changeToOwn(), before);
 }
 
 // Literal rules that lose data, kept on purpose.

@@ -2,41 +2,35 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <string>
-#include <thread>
-#include <type_traits>
 #include <vector>
+
+#include "support/OwnScheduling.h"
 
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+using namespace Testing;
+using ::testing::ElementsAreArray;
 using UtilSrv::Thread;
 
-// The calling thread's own view.
-struct Scheduling {
-  Scheduling() {
-    sched_param parameters{};
-    pthread_getschedparam(pthread_self(), &policy, &parameters);
-    priority = parameters.sched_priority;
+// This thread is scheduled in an unusual way, and the test's choice of scheduling ends with it.
+class ThreadTest : public ::testing::Test {
+ protected:
+  void SetUp() override { ASSERT_TRUE(setOwnScheduling(kUnusual)); }
+  void TearDown() override {
+    Thread::setScheduling(Thread::Scheduling::System);
+    setOwnScheduling({});
   }
-  bool operator==(const Scheduling& other) const { return policy == other.policy && priority == other.priority; }
-  int policy = -1;
-  int priority = -1;
-};
+  void expectLeftAlone() {
+    EXPECT_EQ(thread.getPolicy(), 0);
+    EXPECT_EQ(thread.getPriority(), 0);
+    EXPECT_FALSE(thread.change(0, 0, 0));
+    EXPECT_TRUE(ownScheduling() == kUnusual);
+  }
 
-// Runs `body` on a thread whose scheduling is not the one that an unattached Thread tells of. Every thread may ask for
-// it.
-template <typename Body>
-void onBatchThread(Body body) {
-  std::thread([&] {
-    const sched_param parameters{};
-    ASSERT_EQ(pthread_setschedparam(pthread_self(), SCHED_BATCH, &parameters), 0);
-    body();
-  }).join();
-}
+  Thread thread;
+};
 
 struct Listener : UtilSrv::ThreadListener {
   Listener() : before(Thread::setThreadListener(this)) {}
@@ -52,93 +46,65 @@ struct Listener : UtilSrv::ThreadListener {
   std::vector<std::string> calls;
 };
 
-TEST(Thread, ReadsTheSchedulingOfTheAttachedThread) {
-  onBatchThread([] {
-    Thread thread;
-    thread.attach();
-    EXPECT_EQ(thread.getPolicy(), SCHED_BATCH);
-    EXPECT_EQ(thread.getPriority(), 0);
-    if (!thread.change(SCHED_RR, 1, 0)) return;  // a matter of privilege
-    EXPECT_EQ(thread.getPolicy(), SCHED_RR);
-    EXPECT_EQ(thread.getPriority(), 1);
-  });
-}
-
-TEST(Thread, UnattachedItReads0AndChangesNothing) {
-  onBatchThread([] {
-    const auto expectUnattached = [](Thread& thread) {
-      EXPECT_EQ(thread.getPolicy(), 0);
-      EXPECT_EQ(thread.getPriority(), 0);
-      EXPECT_FALSE(thread.change(SCHED_OTHER, 0, 0));
-      EXPECT_EQ(Scheduling().policy, SCHED_BATCH);
-    };
-    Thread thread;
-    expectUnattached(thread);
-    thread.attach();
-    thread.detach();
-    expectUnattached(thread);
-  });
-}
-
-TEST(Thread, ChangeTellsWhetherTheSystemAllowedIt) {
-  std::thread([] {
-    Thread thread;
-    thread.attach();
-    EXPECT_TRUE(thread.change(SCHED_BATCH, 0, 0));
-    const Scheduling before;
-    EXPECT_EQ(before.policy, SCHED_BATCH);
-    const bool changed = thread.change(SCHED_RR, 1, 0);
-    const Scheduling after;
-    EXPECT_EQ(after.policy, changed ? SCHED_RR : SCHED_BATCH);
-    EXPECT_EQ(after.priority, changed ? 1 : 0);
-    EXPECT_TRUE(thread.change(SCHED_BATCH, 0, 0));
-    EXPECT_TRUE(Scheduling() == before);
-  }).join();
-}
-
-TEST(Thread, ImpossibleSchedulingIsRefused) {
-  const Scheduling before;
-  Thread thread;
+TEST_F(ThreadTest, ReadsAndChangesWhatTheSystemSchedulesAndNothingElsewhere) {
   thread.attach();
-  EXPECT_FALSE(thread.change(2, 1000, 0));
-  EXPECT_FALSE(thread.change(12345, 0, 0));
-  EXPECT_TRUE(Scheduling() == before);
+  if (!kHasScheduling) {
+    expectLeftAlone();
+    return;
+  }
+  EXPECT_EQ(thread.getPolicy(), kUnusual.policy);
+  EXPECT_EQ(thread.getPriority(), kUnusual.priority);
+  EXPECT_TRUE(thread.change(0, 0, 0));
+  EXPECT_TRUE(ownScheduling() == OwnScheduling{});
 }
 
-TEST(Thread, ACopyIsAttachedToTheSameThread) {
-  onBatchThread([] {
-    Thread thread;
-    thread.attach();
-    const Thread copy(thread);
-    Thread assigned;
-    assigned = thread;
-    EXPECT_EQ(copy.getPolicy(), SCHED_BATCH);
-    EXPECT_EQ(assigned.getPolicy(), SCHED_BATCH);
-    EXPECT_TRUE(assigned.change(SCHED_OTHER, 0, 0));
-    EXPECT_EQ(Scheduling().policy, SCHED_OTHER);
-    EXPECT_EQ(copy.getPolicy(), SCHED_OTHER);
-  });
-}
-
-TEST(Thread, ItsListenerHearsEveryCallOfItsThreadOnly) {
-  Listener listener;
-  const Scheduling before;
-  Thread thread;
+TEST_F(ThreadTest, UnattachedItReads0AndChangesNothing) {
+  expectLeftAlone();
   thread.attach();
-  thread.getPolicy();
-  thread.getPriority();
-  thread.change(before.policy, before.priority, 0);
   thread.detach();
-  EXPECT_THAT(
-      listener.calls,
-      ElementsAre("attach", "getPolicy", "getPriority",
-                  "change " + std::to_string(before.policy) + " " + std::to_string(before.priority) + " 0", "detach"));
-  listener.calls.clear();
-  std::thread([] {
-    Thread other;
-    other.attach();
-  }).join();
-  EXPECT_THAT(listener.calls, IsEmpty());
+  expectLeftAlone();
+}
+
+TEST_F(ThreadTest, AnEditorHasItsThreadsLeftAlone) {
+  Thread::setScheduling(Thread::Scheduling::LeftAlone);
+  thread.attach();
+  expectLeftAlone();
+  const Thread copy(thread);
+  EXPECT_EQ(copy.getPolicy(), 0);
+}
+
+TEST_F(ThreadTest, WhatIsAttachedWhenItIsToBeLeftAloneIsStillRestored) {
+  thread.attach();
+  const Thread::_PolicyType policy = thread.getPolicy();
+  const Thread::_PriorityType priority = thread.getPriority();
+  thread.change(0, 0, 0);
+  Thread::setScheduling(Thread::Scheduling::LeftAlone);
+  thread.change(policy, priority, 0);
+  EXPECT_TRUE(ownScheduling() == kUnusual);
+  thread.attach();
+  expectLeftAlone();
+}
+
+TEST_F(ThreadTest, SchedulingIsTheSystemsUntilAnEditorSaysOtherwise) {
+  EXPECT_EQ(Thread::setScheduling(Thread::Scheduling::LeftAlone), Thread::Scheduling::System);
+  EXPECT_EQ(Thread::setScheduling(Thread::Scheduling::System), Thread::Scheduling::LeftAlone);
+  thread.attach();
+  EXPECT_EQ(thread.change(0, 0, 0), kHasScheduling);
+}
+
+TEST_F(ThreadTest, ItsListenerHearsEveryCallAlsoOfWhatIsLeftAlone) {
+  const std::string change = "change " + std::to_string(kUnusual.policy) + " " + std::to_string(kUnusual.priority);
+  const std::vector<std::string> everyCall{"attach", "getPolicy", "getPriority", change + " 0", "detach"};
+  for (const Thread::Scheduling scheduling : {Thread::Scheduling::System, Thread::Scheduling::LeftAlone}) {
+    Thread::setScheduling(scheduling);
+    Listener listener;
+    thread.attach();
+    thread.getPolicy();
+    thread.getPriority();
+    thread.change(kUnusual.policy, kUnusual.priority, 0);
+    thread.detach();
+    EXPECT_THAT(listener.calls, ElementsAreArray(everyCall));
+  }
 }
 
 }  // namespace

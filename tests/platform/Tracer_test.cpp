@@ -4,14 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
 
 using Basekit::Tracer;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 struct Lines : Basekit::TracerSink {
   Lines() : before(Tracer::setThreadSink(this)) {}
@@ -59,21 +57,6 @@ TEST(Tracer, SettingASinkReturnsTheOneBefore) {
   }
   Tracer::dumpError("outer\n");
   EXPECT_THAT(outer.texts, ElementsAre("outer\n"));
-}
-
-TEST(Tracer, EachThreadHasItsOwnSink) {
-  Lines mine;
-  std::vector<std::string> theirs;
-  Basekit::TracerSink* found = &mine;
-  std::thread([&] {
-    found = Tracer::setThreadSink(nullptr);
-    Lines lines;
-    Tracer::dumpError("theirs\n");
-    theirs = lines.texts;
-  }).join();
-  EXPECT_EQ(found, nullptr);
-  EXPECT_THAT(theirs, ElementsAre("theirs\n"));
-  EXPECT_THAT(mine.texts, IsEmpty());
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <pthread.h>
-
 #include <cstdint>
 
 #include "bda/Export.h"
@@ -12,6 +10,9 @@ class ThreadListener;
 
 // The scheduling of one thread. Attach it to the calling thread, read and change its policy and priority, detach.
 // A copy is attached to the same thread. Used on the attached thread only.
+//
+// An editor that wants its threads left alone says so once, with setScheduling. They are left alone, too, where the
+// system has no POSIX scheduling: on Windows and in WebAssembly.
 class BDA_PLATFORM_API Thread {
  public:
   // Scheduling policies by their numbers on Linux: 0 other, 1 first in first out, 2 round robin.
@@ -19,27 +20,36 @@ class BDA_PLATFORM_API Thread {
   // Priority within the policy, 0 for policy 0, 1 (lowest) to 99 for the real-time policies.
   using _PriorityType = std::int32_t;
 
+  enum class Scheduling {
+    System,    // the system's: what is changed is changed
+    LeftAlone  // nothing is read or changed: a Thread is as one that nobody attached
+  };
+
   Thread() noexcept;
   Thread(const Thread& other) noexcept;
   Thread& operator=(const Thread& other) noexcept;
   ~Thread();
 
-  // To the calling thread, whatever it was attached to.
+  // To the calling thread, whatever it was attached to. Attaches to none where scheduling is left alone.
   void attach() noexcept;
   // 0 while not attached.
   _PolicyType getPolicy() const noexcept;
   _PriorityType getPriority() const noexcept;
-  // `mode` is 0: at once. False when the system refuses, for want of a privilege above all; the thread then goes on as
-  // it was. Nothing is traced: running unboosted is no failure.
+  // `mode` is 0: at once. False while not attached, and when the system refuses, for want of a privilege above all; the
+  // thread then goes on as it was. Nothing is traced: running unboosted is no failure.
   bool change(_PolicyType policy, _PriorityType priority, int mode) noexcept;
   // Leaves the thread as it is now scheduled.
   void detach() noexcept;
+
+  // For all threads of the process, Scheduling::System by default; returns the one before. Called on any thread, best
+  // before the first assistant is made. It is asked at attach(): what is attached by then goes on, so that a priority
+  // that is raised now is restored. The module's calls stay the same, and listeners hear them all.
+  static Scheduling setScheduling(Scheduling scheduling) noexcept;
 
   // Tells `listener` of every call of these operations on the calling thread (null: nobody); returns the one before.
   static ThreadListener* setThreadListener(ThreadListener* listener) noexcept;
 
  private:
-  pthread_t thread_;
   bool attached_;
 };
 
