@@ -1,10 +1,9 @@
 #include "BulkExecuterCreator.h"
 
-#include <cxxabi.h>
-
-#include <cstdlib>
+#include <algorithm>
 #include <memory>
 #include <set>
+#include <string>
 #include <typeinfo>
 
 #include "BulkExecuterFavorite.h"
@@ -17,11 +16,11 @@ namespace {
 
 using Testing::allocations;
 
+// Its name without the namespace. Compilers spell it N3BDA18BulkExecuterHeaderE or class BDA::BulkExecuterHeader.
 std::string classOf(const BulkExecuter& executer) {
-  int status = 0;
-  const std::unique_ptr<char, void (*)(void*)> name(
-      abi::__cxa_demangle(typeid(executer).name(), nullptr, nullptr, &status), std::free);
-  return status == 0 ? name.get() : typeid(executer).name();
+  std::string name = typeid(executer).name();
+  if (name.starts_with('N') && name.ends_with('E')) name.pop_back();
+  return name.substr(std::min(name.find("BulkExecuter"), name.size()));
 }
 
 class BulkExecuterCreatorTest : public ExecuterFixture {
@@ -42,7 +41,7 @@ TEST_F(BulkExecuterCreatorTest, MakesEveryExecuterOfItsClassAndLength) {
   for (const InstrumentMap::Executer& expected : InstrumentMap::executers()) {
     const BulkExecuter* const made = creator.getExecuter(expected.number);
     ASSERT_NE(made, nullptr) << expected.number;
-    EXPECT_EQ(classOf(*made), expected.className) << expected.number;
+    EXPECT_EQ("BDA::" + classOf(*made), expected.className) << expected.number;
     EXPECT_EQ(made->getDataLength(), expected.dataLength) << expected.number;
   }
 }

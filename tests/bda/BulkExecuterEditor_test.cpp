@@ -392,10 +392,10 @@ TEST_F(ScreenCapture, TwoBlocksOf1025BytesHaveByteCounts1026And3) {
 
 TEST_F(ScreenCapture, AnImageThatCannotBeHadIsARefusalWithoutMessage) {
   tools.screenImage = pattern(1025);
-  for (const long result : {0x80000000L, 0x82000000L, 1L, 8L, 0x400L}) {
-    record.answer("screenImage", result);
+  for (const std::uint32_t result : {0x80000000u, 0x82000000u, 1u, 8u, 0x400u}) {
+    record.answer("screenImage", long(result));
     std::vector<Bytes> messages;
-    EXPECT_EQ(capture(messages), 0x80000000u | std::uint32_t(result)) << "whatever but 0 is a failure";
+    EXPECT_EQ(capture(messages), 0x80000000u | result) << "whatever but 0 is a failure";
     EXPECT_THAT(messages, IsEmpty());
   }
   record.heal();

@@ -28,9 +28,9 @@ unsigned naiveCheckSum(const Bytes& message) {
   return (128 - sum % 128) % 128;
 }
 
-std::vector<std::string> wrongLength(std::size_t length) {
+std::vector<std::string> wrongLength(unsigned long length) {
   return failure("Utilities", 139, "BDA::Utility::calcCheckSum",
-                 "error : wrong length ! [length = " + std::to_string(length) + "]\n");
+                 "error : wrong length ! [length = " + std::to_string(int(length)) + "]\n");
 }
 
 const std::vector<std::string> kTooShort{"Message is too short!!!\n"};
@@ -109,9 +109,10 @@ TEST_F(UtilitiesTest, NullMessageHasNoCheckSum) {
 
 TEST_F(UtilitiesTest, LengthIsComparedInFullWidth) {
   const Bytes message = dumpMessage("00 00 00");
-  constexpr unsigned long kFitsIn32BitsOnly = 0x1'0000'000CUL;
-  EXPECT_EQ(Utility::calcCheckSum(message.data(), kFitsIn32BitsOnly), 0U);
-  EXPECT_EQ(trace.take(), wrongLength(12));
+  for (unsigned long bit = 0x8000; bit != 0; bit <<= 1) {
+    EXPECT_EQ(Utility::calcCheckSum(message.data(), 12 + bit), 0U);
+    EXPECT_EQ(trace.take(), wrongLength(12 + bit));
+  }
 }
 
 TEST_F(UtilitiesTest, BitSevenOfTheByteCountIsNotMasked) {

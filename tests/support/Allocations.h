@@ -6,13 +6,14 @@
 #include <algorithm>
 #include <array>
 #include <climits>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
 namespace Testing {
 
 struct Allocations {
-  static constexpr std::size_t kMoreThanThereIs = std::size_t{1} << 40;
+  static constexpr std::uint64_t kMoreThanThereIs = std::min<std::uint64_t>(std::uint64_t{1} << 40, PTRDIFF_MAX);
 
   std::array<long, 5> failing{};  // the numbers of those that fail, from 1
   long failingFrom = LONG_MAX;    // as do this one and all that follow
