@@ -8,7 +8,14 @@ include(GoogleTest)
 
 # The headers of the test libraries are half of what a test compiles: once for all of them, unless
 # CMAKE_DISABLE_PRECOMPILE_HEADERS is on, as in the clang preset, which proves that each test includes what it needs.
-# Test code is not optimised, except for exhaustive sweeps: it takes half the time to compile.
+# Test code is not optimised, except for exhaustive sweeps and where an emulator runs it: it takes half the time to compile.
+set(bda_everyday_optimisation -O0)
+set(bda_patience 1)
+if(CMAKE_CROSSCOMPILING_EMULATOR)
+  set(bda_everyday_optimisation -O1)
+  set(bda_patience 5)
+endif()
+
 function(bda_compile_test_code target optimisation)
   target_link_libraries(${target} PRIVATE bda-warnings rapidcheck_gtest rapidcheck GTest::gmock_main)
   target_compile_options(${target} PRIVATE ${optimisation})
@@ -16,7 +23,7 @@ function(bda_compile_test_code target optimisation)
 endfunction()
 
 add_library(bda-test-headers OBJECT ${CMAKE_CURRENT_LIST_DIR}/bda-test-headers.cpp)
-bda_compile_test_code(bda-test-headers -O0)
+bda_compile_test_code(bda-test-headers ${bda_everyday_optimisation})
 target_precompile_headers(bda-test-headers PRIVATE <gmock/gmock.h> <gtest/gtest.h> <rapidcheck/gtest.h>)
 
 function(bda_add_test)
@@ -39,7 +46,7 @@ function(bda_add_test)
     bda_compile_test_code(${arg_NAME} -O1)
   else()
     set(timeout 120)
-    bda_compile_test_code(${arg_NAME} -O0)
+    bda_compile_test_code(${arg_NAME} ${bda_everyday_optimisation})
     target_precompile_headers(${arg_NAME} REUSE_FROM bda-test-headers)
   endif()
   if(arg_UNITY)  # a fixture in an unnamed namespace is nothing odd in a file that is included
@@ -50,7 +57,8 @@ function(bda_add_test)
                                                  BDA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   if(BDA_ONE_PIECE_TESTS)
     add_test(NAME ${arg_NAME} COMMAND ${arg_NAME} --gtest_brief=1)
-    set_tests_properties(${arg_NAME} PROPERTIES TIMEOUT 600)
+    math(EXPR timeout "600 * ${bda_patience}")
+    set_tests_properties(${arg_NAME} PROPERTIES TIMEOUT ${timeout})
   else()
     gtest_discover_tests(${arg_NAME} TEST_PREFIX ${arg_NAME}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
                          PROPERTIES TIMEOUT ${timeout})

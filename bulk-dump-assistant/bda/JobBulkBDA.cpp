@@ -54,7 +54,7 @@ unsigned long JobBulkTools::sendBulkReqToBDA(BulkRequestMessage& request) try {
   const BulkMsgType type = [&] {
     ReceiveSwitch receiveSwitch(jobTools_->getSystemModel(), savedReceiveSwitch_);
     receiveSwitch.set(kOn);
-    return assistant_->receiveBulkDump(request.data(), request.size(), DevicePort_Main);
+    return assistant_->receiveBulkDump(request.data(), kRequestLength, DevicePort_Main);
   }();
   if (type == BulkMsg_BulkRequest) return CMA::JOB::Result_Success;
   kJobFailed();
