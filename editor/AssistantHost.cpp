@@ -47,6 +47,14 @@ class Outputs final : public BDA::BulkDumpBridge {
   std::vector<AssistantHost::Sent> sent_;
 };
 
+// Hears how messages fared.
+class Reports final : public BDA::BulkDumpObserver {
+ public:
+  BDA::BulkDumpReport last;
+
+  void bulkDumpHandled(const BDA::BulkDumpReport& report) override { last = report; }
+};
+
 // Hears the tracer as long as it lives.
 class Listener final : public Basekit::TracerSink {
  public:
@@ -68,10 +76,12 @@ struct AssistantHost::Parts {
   Parts(ContentStore& store, ContSrv::Work* work)
       : screen(work), tools(store, &screen), assistant(&screen, &receivers, &jobs, &tools, work, false) {
     assistant.registerBDABridge(&outputs);
+    assistant.registerObserver(&reports);
   }
 
   Screen screen;
   Outputs outputs;
+  Reports reports;
   EditorJobTools tools;
   std::vector<CMA::JobReceiver*> receivers;
   std::vector<CMA::JobReceiver*> jobs;
@@ -91,6 +101,7 @@ AssistantHost::Effects AssistantHost::handle(std::span<const std::uint8_t> messa
     const Listener listener(effects.log);
     effects.result = parts_->assistant.receiveBulkDump(message.data(), message.size(), port);
   }
+  effects.report = parts_->reports.last;
   effects.shown = parts_->screen.take();
   effects.sent = parts_->outputs.take();
   return effects;

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "bda/BulkDumpAssistant.h"
+#include "bda/BulkDumpObserver.h"
 #include "models/EditorJobTools.h"
 
 namespace Editor {
@@ -23,6 +23,7 @@ class AssistantHost {
   // What one message did.
   struct Effects {
     BDA::BulkMsgType result = BDA::BulkMsg_NotSysEx;
+    BDA::BulkDumpReport report;        // how it fared, as far as the assistant knows
     std::vector<std::uint16_t> shown;  // ids given to the message model, in order
     std::vector<std::string> log;      // the tracer's texts as they came
     std::vector<Sent> sent;            // echo, notices and answers, in order

@@ -49,19 +49,6 @@ bool hasForgottenHeader(const Record& record) {
   }
 }
 
-// The tracer's messages without their places, on one line.
-std::string messagesOf(const std::vector<std::string>& log) {
-  constexpr std::string_view kPlace = "..\\";
-  std::string text;
-  for (const std::string& line : log) {
-    if (line.compare(0, kPlace.size(), kPlace) == 0) continue;
-    const std::size_t end = line.find_last_not_of(" \n");
-    if (!text.empty()) text += "; ";
-    text += line.substr(0, end + 1);
-  }
-  return text;
-}
-
 }  // namespace
 
 std::string nameOf(ContentId content) {
@@ -304,7 +291,7 @@ std::string EmbeddedEditor::whyRefused(const Record& record, const Reading& read
     default:
       break;
   }
-  if (lastShown(record) == BDA::kMixingVoiceFullMessage) return "there is no room for another mixing voice";
+  if (record.report.refusal == BDA::BulkDumpRefusal::mixingVoicesFull) return wordsOf(record.report.refusal);
   if (isBroken(reading)) return fmt::format("{}: {}", wordOf(reading.verdict), reading.note);
   if (!storeError_.empty()) return storeError_;
   const BulkAddress address = reading.address.value_or(BulkAddress{});
@@ -321,7 +308,7 @@ std::string EmbeddedEditor::whyRefused(const Record& record, const Reading& read
   if (record.result == BDA::BulkMsg_BulkRequest && reading.address->hi == BDA::kFileDumpHi)
     if (const std::size_t size = fileDumpSize(*reading.address); size > kLongestFileDump)
       return fmt::format("its file dump would have {} data bytes, at most {} are possible", size, kLongestFileDump);
-  return record.log.empty() ? "storage ran out" : messagesOf(record.log);
+  return wordsOf(record.report.refusal);
 }
 
 // The file dumps that a refused write trigger has not written.

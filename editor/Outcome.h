@@ -23,9 +23,10 @@ const char* wordOf(Outcome outcome);
 // The id that stands on the screen after the message; 0: it has shown none.
 std::uint16_t lastShown(const AssistantHost::Effects& effects);
 
-// Whether anything went wrong: storage that runs out in the module leaves no line in the log, only its id on the
-// screen.
+// Whether the assistant refused it.
 bool hasFailed(const AssistantHost::Effects& effects);
+// Why, for its user.
+const char* wordsOf(BDA::BulkDumpRefusal refusal);
 
 // What a message's effects mean: the assistant's result alone does not tell how a dump fared. `libraryChanged`: the
 // message is a footer or a trigger that stored or removed something.

@@ -13,7 +13,9 @@
 #include "AddressRows.h"
 #include "AssistantHost.h"
 #include "BulkMessage.h"
+#include "EditorNumbers.h"
 #include "ExecuterNumbers.h"
+#include "Outcome.h"
 #include "contents/ContentsWork.h"
 #include "contents/Library.h"
 #include "contents/ModelStore.h"
@@ -53,6 +55,13 @@ class Instrument {
     const Editor::AssistantHost::Effects effects =
         host_.handle(std::span(message.data(), message.size()), BDA::DevicePortNum(port));
     require(effects.result <= BDA::BulkMsg_RequestSkipped, "a result that does not exist");
+    require(effects.report.kind == effects.result, "an observer that was told of something else");
+    // What is logged, or shown as an error, is a refusal, but for a message of another device that was not asked for.
+    const bool isUnasked = effects.shown.empty() && (effects.result == BDA::BulkMsg_DeviceNumberOff ||
+                                                     effects.result == BDA::BulkMsg_WrongDeviceNumber);
+    const bool isError = !effects.shown.empty() && effects.shown.back() >= BDA::kCheckSumErrorMessage;
+    require(Editor::hasFailed(effects) == ((!effects.log.empty() && !isUnasked) || isError),
+            "a refusal that log and screen do not know, or one that they alone know");
     for (const Editor::AssistantHost::Sent& sent : effects.sent) {
       const bool isEcho = sent.bytes == message;
       require(isEcho || (sent.bytes.size() >= 5 && sent.bytes.front() == 0xF0 && sent.bytes.back() == 0xF7),

@@ -8,8 +8,10 @@ namespace {
 
 constexpr const char* kFile = "..\\..\\bda\\BulkBlock.cpp";
 constexpr const char* kNoExecuter = "BulkExecuter is NULL !!!\n";
-constexpr Failure<> kCannotReceive{{kFile, Line::ofThisSource(), "BDA::BulkBlock::setBulkDumpMessage"}, kNoExecuter};
-constexpr Failure<> kCannotDump{{kFile, Line::ofThisSource(), "BDA::BulkBlock::getBulkDumpMessage"}, kNoExecuter};
+constexpr Failure<> kCannotReceive{
+    {kFile, Line::ofThisSource(), "BDA::BulkBlock::setBulkDumpMessage"}, Refusal::noExecuter, kNoExecuter};
+constexpr Failure<> kCannotDump{
+    {kFile, Line::ofThisSource(), "BDA::BulkBlock::getBulkDumpMessage"}, Refusal::noExecuter, kNoExecuter};
 
 }  // namespace
 

@@ -1,8 +1,11 @@
 #include "bda/BulkDumpAssistant.h"
 
+#include <algorithm>
 #include <array>
+#include <limits>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "AddressRows.h"
 #include "BDAErr.h"
@@ -11,8 +14,11 @@
 #include "BulkTable.h"
 #include "EditorNumbers.h"
 #include "Failure.h"
+#include "GiveBack.h"
 #include "JobBulkBDA.h"
 #include "Receiver.h"
+#include "Reception.h"
+#include "SystemSettings.h"
 #include "bda/platform/CMA/JobTools.h"
 #include "bda/platform/CMA/MessageModelInterface.h"
 #include "bda/platform/ContSrv/ContSrv.h"
@@ -27,29 +33,42 @@ constexpr const char* kReceive = "BDA::BulkDumpAssistant::receiveBulkDump";
 constexpr const char* kCheckAddress = "BDA::BulkDumpAssistant::checkAddress";
 
 constexpr Failure<int> kMixingVoiceNotRemoved{{kFile, 24, "bulkMixVoiceDeletion"},
+                                              Refusal::mixingVoiceNotRemoved,
                                               "error: failed to remove mixing voices ! [ ContSrvResult = %d ]\n"};
-constexpr Failure<> kDeviceOff{{kFile, 237, kCheckMessage}, "Device Number is set to [OFF]... so can't send SysExc.\n"};
+constexpr Failure<> kDeviceOff{
+    {kFile, 237, kCheckMessage}, Refusal::deviceNumberOff, "Device Number is set to [OFF]... so can't send SysExc.\n"};
 constexpr Failure<int, int> kWrongDevice{
     {kFile, 245, kCheckMessage},
+    Refusal::wrongDeviceNumber,
     "Wrong Device Number... so can't send SysExc. Utility DevNum=[%d], Message Dev Num=[%d]\n"};
-constexpr Failure<> kDumpSwitchOff{{kFile, 262, kCheckMessage}, "Receive Bulk Sw is OFF !!!\n"};
+constexpr Failure<> kDumpSwitchOff{
+    {kFile, 262, kCheckMessage}, Refusal::receiveSwitchOff, "Receive Bulk Sw is OFF !!!\n"};
 // The sum that was computed stands as the received one, the message's own as the correct one; the editor relies on it.
 constexpr Failure<unsigned, unsigned, unsigned, unsigned, unsigned> kWrongCheckSum{
     {kFile, 267, kCheckMessage},
+    Refusal::wrongCheckSum,
     "Check Sum Error!: Address=[%02x,%02x,%02x], Received Check Sum=[ 0x%02x ], Correct Check Sum=[ 0x%02x ]\n"};
-constexpr Failure<> kRequestSwitchOff{{kFile, 287, kCheckMessage}, "Receive Bulk Sw is OFF !!!\n"};
-constexpr Failure<> kDumpWhileLoading{{kFile, 365, kReceive},
-                                      "error : can't receive bulk while loding/saving file !\n"};
-constexpr Failure<> kRequestWhileLoading{{kFile, 484, kReceive},
-                                         "error : can't receive bulk while loading/saving file !\n"};
-constexpr Failure<> kReceivingError{{kFile, 573, kReceive}, "ERROR: Bulk Dump Msg receiving error!\n"};
-constexpr Failure<> kUnknownType{{kFile, 580, kReceive}, "ERROR: Bulk Dump Msg receiving error!\n"};
-constexpr Failure<> kModeError{{kFile, 623, kCheckAddress}, "error : mode error...!\n"};
-constexpr Failure<> kVoiceTypeError{{kFile, 630, kCheckAddress}, "error : voice type error...!\n"};
-constexpr Failure<> kEditCompareError{{kFile, 637, kCheckAddress}, "error : edit/compare error...!\n"};
-constexpr Failure<> kSampleAuditionError{{kFile, 643, kCheckAddress}, "error : sample audition error...!\n"};
-constexpr Failure<> kMixingVoiceFull{{kFile, 654, kCheckAddress}, "error : mixing voice full !\n"};
+constexpr Failure<> kRequestSwitchOff{
+    {kFile, 287, kCheckMessage}, Refusal::receiveSwitchOff, "Receive Bulk Sw is OFF !!!\n"};
+constexpr Failure<> kDumpWhileLoading{
+    {kFile, 365, kReceive}, Refusal::loadingOrSaving, "error : can't receive bulk while loding/saving file !\n"};
+constexpr Failure<> kRequestWhileLoading{
+    {kFile, 484, kReceive}, Refusal::loadingOrSaving, "error : can't receive bulk while loading/saving file !\n"};
+constexpr Failure<> kReceivingError{
+    {kFile, 573, kReceive}, Refusal::malformedMessage, "ERROR: Bulk Dump Msg receiving error!\n"};
+constexpr Failure<> kUnknownType{
+    {kFile, 580, kReceive}, Refusal::malformedMessage, "ERROR: Bulk Dump Msg receiving error!\n"};
+constexpr Failure<> kModeError{{kFile, 623, kCheckAddress}, Refusal::wrongMode, "error : mode error...!\n"};
+constexpr Failure<> kVoiceTypeError{
+    {kFile, 630, kCheckAddress}, Refusal::wrongVoiceTypeInMode, "error : voice type error...!\n"};
+constexpr Failure<> kEditCompareError{
+    {kFile, 637, kCheckAddress}, Refusal::editCompare, "error : edit/compare error...!\n"};
+constexpr Failure<> kSampleAuditionError{
+    {kFile, 643, kCheckAddress}, Refusal::sampleAudition, "error : sample audition error...!\n"};
+constexpr Failure<> kMixingVoiceFull{
+    {kFile, 654, kCheckAddress}, Refusal::mixingVoicesFull, "error : mixing voice full !\n"};
 constexpr Failure<int> kUnknownCheckResult{{kFile, 660, kCheckAddress},
+                                           Refusal::unknownModeResult,
                                            "error : unknown jobTools check result ! [ JOB::Result = %d ]\n"};
 
 // What the mode check's results mean, in the order in which they are compared.
@@ -85,6 +104,18 @@ constexpr EmptyDump kEmptyMixingVoiceHeader{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 
 constexpr EmptyDump kEmptyMixingVoiceFooter{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0x00, kFooterHi, kMixingVoiceMid,
                                             0xFF, 0xFF, 0xF7};
 
+// False when something was thrown.
+template <typename Action>
+bool attempt(Action action) noexcept {
+  try {
+    action();
+    return true;
+  } catch (...) {
+    Notes::thrown();
+    return false;
+  }
+}
+
 // Null when storage runs out, in the object itself or in what it is made of.
 template <typename Object, typename... Arguments>
 Object* make(Arguments... arguments) {
@@ -97,15 +128,23 @@ Object* make(Arguments... arguments) {
 
 Address addressAt(const unsigned char* bytes) { return {bytes[0], bytes[1], bytes[2]}; }
 
-bool isReceiveSwitchOn(CMA::JobTools& jobTools) {
-  std::uint8_t on = 0;
-  CMA::SystemParameterModel* const system = jobTools.getSystemModel();
-  if (CMA::ParameterGroup* const utility = system == nullptr ? nullptr : system->getUtility())
-    utility->get(&on, kReceiveSwitchParameter);
-  return on != 0;
+bool isLoadingOrSaving(ContSrv::Work* work) { return work != nullptr && work->getLoadSaveFlag() == kFileIsBusy; }
+
+BulkDumpOutcome outcomeOfStoring(const Reception& reception) {
+  return reception.handedOver > 0 ? BulkDumpOutcome::handedToStore : BulkDumpOutcome::nothingToDo;
 }
 
-bool isLoadingOrSaving(ContSrv::Work* work) { return work != nullptr && work->getLoadSaveFlag() == kFileIsBusy; }
+// Of a dump that its block has taken.
+BulkDumpOutcome outcomeOfDump(BDAErr result, const Reception& reception) {
+  if (isOfKind(result, BDA_INFO_FOOTER | BDA_INFO_FILE_DUMP_CONTROL)) return outcomeOfStoring(reception);
+  if (isOfKind(result, BDA_INFO_SYSTEM | BDA_INFO_EDITOR)) return BulkDumpOutcome::completed;
+  return BulkDumpOutcome::accepted;
+}
+
+// What is longer than 32 bits can tell is refused for its length; it must not seem to be shorter.
+std::uint32_t lengthIn32Bits(unsigned long length) {
+  return std::uint32_t(std::min<std::uint64_t>(length, std::numeric_limits<std::uint32_t>::max()));
+}
 
 // A footer that marks its mixing voice as empty removes the voice. True when that was done: the message is then used
 // up, without a mode check, and while a file is loaded or saved as well.
@@ -114,6 +153,7 @@ bool bulkMixVoiceDeletion(ContSrv::Work* work, const Address& address) {
     return false;
   if (work == nullptr) return false;
   const ContSrv::_ContResult result = work->removeMixingVoice(ContSrv::ContType_Multi, 0, address.getLo() & 0x0FU);
+  if (result == ContSrv::ContRes_Success) Notes::handedOver();
   if (result == ContSrv::ContRes_Success || result == ContSrv::ContRes_DoNothing) return true;
   kMixingVoiceNotRemoved(int(result));
   return false;
@@ -130,7 +170,7 @@ bool sendEmptyMixingVoice(CMA::JobTools& jobTools, ContSrv::Work* work, BulkDump
   if (work->getMixingVoiceName(ContSrv::ContType_Multi, 0, address.getLo(), name) != ContSrv::ContRes_EmptyContent)
     return false;
   unsigned char device = 0;
-  if (Utility::getDeviceNumber(jobTools, &device) == CMA::DeviceNumber_Off) return false;
+  if (readDeviceNumber(jobTools, &device) == CMA::DeviceNumber_Off) return false;
   const auto filledIn = [&](EmptyDump dump) {
     dump[kDeviceAt] = device;
     dump[kVoiceAt] = address.getLo() | kEmptyVoice;
@@ -154,48 +194,66 @@ BulkDumpAssistant::BulkDumpAssistant(EvtSrv::EventPortManager* eventPortManager,
       executerCreator_(nullptr),
       jobReceivers_(jobReceivers),
       jobTools_(jobTools),
-      messageModel_(eventPortManager, CMA::BDA::ModelName, silent, 0),
+      messageModel_(eventPortManager, CMA::BDA::ModelName, true, 0),  // opened below
       bridge_(nullptr),
       temporaryModel_(nullptr),
+      normalVoiceJob_(nullptr),
+      drumVoiceJob_(nullptr),
+      performanceJob_(nullptr),
+      mixJob_(nullptr),
+      masterJob_(nullptr),
       work_(work),
       messageShown_(kNoMessage),
       savedPolicy_(kReceivePolicy),
       savedPriority_(0),
-      boosted_(false) {
-  temporaryModel_ = jobTools_->createTemporaryModel();
-  normalVoiceJob_ = make<JobNormalVoiceBulkBDA>(this, jobTools_, &messageModel_);
-  drumVoiceJob_ = make<JobDrumVoiceBulkBDA>(this, jobTools_, &messageModel_);
-  performanceJob_ = make<JobPerformanceBulkBDA>(this, jobTools_, &messageModel_);
-  mixJob_ = make<JobMixBulkBDA>(this, jobTools_, &messageModel_);
-  masterJob_ = make<JobMasterBulkBDA>(this, jobTools_, &messageModel_);
-  try {
+      boosted_(false),
+      observer_(nullptr) {
+  const std::size_t jobsBefore = bulkJobs == nullptr ? 0 : bulkJobs->size();
+  const bool stands = attempt([&] {
+    if (!silent) messageModel_.open(eventPortManager, CMA::BDA::ModelName, 0);
+    temporaryModel_ = jobTools_->createTemporaryModel();
+    normalVoiceJob_ = make<JobNormalVoiceBulkBDA>(this, jobTools_, &messageModel_);
+    drumVoiceJob_ = make<JobDrumVoiceBulkBDA>(this, jobTools_, &messageModel_);
+    performanceJob_ = make<JobPerformanceBulkBDA>(this, jobTools_, &messageModel_);
+    mixJob_ = make<JobMixBulkBDA>(this, jobTools_, &messageModel_);
+    masterJob_ = make<JobMasterBulkBDA>(this, jobTools_, &messageModel_);
+    // When storage runs out the editor's vector is as it was, and the assistant works without its jobs.
     if (bulkJobs != nullptr)
-      bulkJobs->insert(bulkJobs->end(), {normalVoiceJob_, drumVoiceJob_, performanceJob_, mixJob_, masterJob_});
-  } catch (...) {
-    // Storage ran out: the editor's vector is as it was, and the assistant works without its jobs.
-  }
-  executerCreator_ = make<BulkExecuterCreator>(eventPortManager, jobReceivers_, jobTools_, temporaryModel_, work_);
-  bulkTable_ = make<BulkTable>(executerCreator_, &messageModel_, jobTools_);
-  BulkDumpBridge* const noBridge = nullptr;
-  dumpReceiver_ = make<BulkDumpReceiver>(bulkTable_, jobTools_, noBridge, &messageModel_);
-  requestReceiver_ = make<BulkRequestReceiver>(bulkTable_, jobTools_, noBridge, work_);
+      attempt([&] {
+        bulkJobs->insert(bulkJobs->end(), {normalVoiceJob_, drumVoiceJob_, performanceJob_, mixJob_, masterJob_});
+      });
+    // What this throws comes from the editor: an executer that cannot be allocated is merely missing.
+    executerCreator_ =
+        new (std::nothrow) BulkExecuterCreator(eventPortManager, jobReceivers_, jobTools_, temporaryModel_, work_);
+    bulkTable_ = make<BulkTable>(executerCreator_, &messageModel_, jobTools_);
+    BulkDumpBridge* const noBridge = nullptr;
+    dumpReceiver_ = make<BulkDumpReceiver>(bulkTable_, jobTools_, noBridge, &messageModel_);
+    requestReceiver_ = make<BulkRequestReceiver>(bulkTable_, jobTools_, noBridge, work_);
+  });
+  if (stands) return;
+  if (bulkJobs != nullptr) bulkJobs->resize(jobsBefore);
+  destroyParts();
 }
 
 BulkDumpAssistant::BulkDumpAssistant(const BulkDumpAssistant& other) = default;
 BulkDumpAssistant& BulkDumpAssistant::operator=(const BulkDumpAssistant& other) = default;
 
 // The members die after this, in reverse order: the thread, then the message model.
-BulkDumpAssistant::~BulkDumpAssistant() {
-  delete normalVoiceJob_;
-  delete drumVoiceJob_;
-  delete performanceJob_;
-  delete mixJob_;
-  delete masterJob_;
-  delete requestReceiver_;
-  delete dumpReceiver_;
-  delete bulkTable_;
-  delete executerCreator_;
-  if (temporaryModel_ != nullptr) jobTools_->destroyTemporaryModel(temporaryModel_);
+BulkDumpAssistant::~BulkDumpAssistant() { destroyParts(); }
+
+void BulkDumpAssistant::destroyParts() noexcept {
+  const auto destroy = [](auto*& part) { delete std::exchange(part, nullptr); };
+  destroy(normalVoiceJob_);
+  destroy(drumVoiceJob_);
+  destroy(performanceJob_);
+  destroy(mixJob_);
+  destroy(masterJob_);
+  destroy(requestReceiver_);
+  destroy(dumpReceiver_);
+  destroy(bulkTable_);
+  destroy(executerCreator_);
+  if (CMA::TemporaryCoreModel* const model = std::exchange(temporaryModel_, nullptr))
+    attempt([&] { jobTools_->destroyTemporaryModel(model); });
 }
 
 void BulkDumpAssistant::registerBDABridge(BulkDumpBridge* bridge) {
@@ -204,16 +262,24 @@ void BulkDumpAssistant::registerBDABridge(BulkDumpBridge* bridge) {
   if (requestReceiver_ != nullptr) requestReceiver_->setBridge(bridge);
 }
 
+void BulkDumpAssistant::registerObserver(BulkDumpObserver* observer) { observer_ = observer; }
+
 void BulkDumpAssistant::bdaLoop() {}
 
 BulkMsgType BulkDumpAssistant::checkBulkDumpMessage(const unsigned char* message, unsigned long length) {
+  BulkMsgType type = BulkMsg_ReceiveError;
+  attempt([&] { type = classify(message, length); });
+  return type;
+}
+
+BulkMsgType BulkDumpAssistant::classify(const unsigned char* message, unsigned long length) {
   if (message == nullptr || length == 0 || message[0] != kStartOfExclusive) return BulkMsg_NotSysEx;
   if (length < kRequestLength || message[1] != kMakerId) return BulkMsg_OtherModel;
   const bool isModel = message[3] == kModelId1 && message[4] == kModelId2;
   if (!isModel && message[4] != kOtherModelId2) return BulkMsg_OtherModel;
 
   unsigned char utilDeviceNum = 0;
-  const CMA::DeviceNumber setting = Utility::getDeviceNumber(*jobTools_, &utilDeviceNum);
+  const CMA::DeviceNumber setting = readDeviceNumber(*jobTools_, &utilDeviceNum);
   const unsigned char device = message[2] & kDeviceMask;
   if (setting == CMA::DeviceNumber_Off) {
     kDeviceOff();
@@ -259,137 +325,183 @@ BulkMsgType BulkDumpAssistant::checkBulkDumpMessage(const unsigned char* message
 }
 
 BulkMsgType BulkDumpAssistant::receiveBulkDump(const unsigned char* message, unsigned long length, DevicePortNum port) {
-  const BulkMsgType type = checkBulkDumpMessage(message, length);
+  return receive(message, length, port).kind;
+}
+
+Reception BulkDumpAssistant::receive(const unsigned char* message, unsigned long length, DevicePortNum port) noexcept {
+  Reception reception;
+  {
+    const Notes notes(observer_ == nullptr ? nullptr : &reception);
+    if (!attempt([&] { handle(message, length, port, reception); })) {
+      reception.hasThrown = true;
+      if (messageShown_ != kNoMessage && !attempt([&] { show(kErrorMessage); })) messageShown_ = kNoMessage;
+      init();
+    }
+  }
+  if (observer_ != nullptr) {
+    if (isFailure(reception.result) && reception.refusal == BulkDumpRefusal::none)
+      reception.refusal = BulkDumpRefusal::blockFailed;
+    if (reception.refusal != BulkDumpRefusal::none) reception.outcome = BulkDumpOutcome::refused;
+    attempt([&] { observer_->bulkDumpHandled(reception); });
+  }
+  return reception;
+}
+
+void BulkDumpAssistant::handle(const unsigned char* message, unsigned long length, DevicePortNum port,
+                               Reception& reception) {
+  reception.kind = classify(message, length);
   // A kind of message that the instrument sends on its own; not worth a word to those it is not for.
   const auto isUnasked = [message] {
     return (message[2] & kTypeMask) == kType3 && message[5] == 0x70 && message[6] == 0x00 && message[7] == 0x06;
   };
-  switch (type) {
+  switch (reception.kind) {
     case BulkMsg_BulkDump:
-      return receiveDump(message, length, port);
+      return receiveDump(message, length, port, reception);
     case BulkMsg_BulkRequest:
-      return answerRequest(message, length, port);
+      return answerRequest(message, length, port, reception);
     case BulkMsg_Type1:
     case BulkMsg_Type3:
     case BulkMsg_Type4:
+      return;
     case BulkMsg_OtherModel:
     case BulkMsg_NotSysEx:
-      break;
+      reception.outcome = BulkDumpOutcome::notOurs;
+      return;
     case BulkMsg_CheckSumError:  // the open header stays: the sender may repeat the block
-      showMsg(kCheckSumErrorMessage);
-      break;
+      reception.setAddress(message + kDumpAddressAt);
+      return show(kCheckSumErrorMessage);
     case BulkMsg_DeviceNumberOff:
     case BulkMsg_WrongDeviceNumber:
-      if (isUnasked()) break;
-      showMsg(type == BulkMsg_DeviceNumberOff ? kDeviceOffMessage : kWrongDeviceMessage);
-      init();
-      break;
+      if (isUnasked()) {
+        reception.refusal = BulkDumpRefusal::none;
+        return;
+      }
+      show(reception.kind == BulkMsg_DeviceNumberOff ? kDeviceOffMessage : kWrongDeviceMessage);
+      return init();
     case BulkMsg_ReceiveSwOff:
-      showMsg(kReceiveSwitchOffMessage);
-      init();
-      break;
+      show(kReceiveSwitchOffMessage);
+      return init();
     case BulkMsg_ReceiveError:
       kReceivingError();
-      showMsg(kErrorMessage);
-      init();
-      break;
+      show(kErrorMessage);
+      return init();
     default:
       kUnknownType();
-      showMsg(kErrorMessage);
-      init();
-      break;
+      show(kErrorMessage);
+      return init();
   }
-  return type;
 }
 
 // A block of the system, of the editor or a write trigger completes a unit too: in the midst of a voice it closes the
 // voice's header, and the rest of the voice is refused. So does a request, and what it loads overwrites what was
 // received of the voice: there is one temporary model. Senders keep units apart.
-BulkMsgType BulkDumpAssistant::receiveDump(const unsigned char* message, unsigned long length, DevicePortNum port) {
+void BulkDumpAssistant::receiveDump(const unsigned char* message, unsigned long length, DevicePortNum port,
+                                    Reception& reception) {
   const Address address = addressAt(message + kDumpAddressAt);
-  if (bulkMixVoiceDeletion(work_, address)) return BulkMsg_BulkDump;
-
-  const auto admitted = BDAErr(checkAddress(address));
-  if (isFailure(admitted)) {
-    init();
-    return BulkMsg_BulkDump;
+  reception.setAddress(message + kDumpAddressAt);
+  if (bulkMixVoiceDeletion(work_, address)) {
+    reception.outcome = outcomeOfStoring(reception);
+    return;
   }
-  if (isOfKind(admitted, BDA_INFO_SWALLOWED)) return BulkMsg_BulkDump;
+
+  const BDAErr admitted = admit(address);
+  if (isFailure(admitted)) return init();
+  if (isOfKind(admitted, BDA_INFO_SWALLOWED)) return;
   if (isLoadingOrSaving(work_)) {
     kDumpWhileLoading();
-    init();
-    return BulkMsg_BulkDump;
+    return init();
   }
 
   const bool stores = (address.getHi() == kFooterHi && !isEditBufferFooter(address)) || address.getHi() == kTriggerHi;
-  showMsg(stores ? kStoring : kReceiving);
+  show(stores ? kStoring : kReceiving);
   if (stores) raiseReceivePriority();
-
-  jobTools_->suspendOutputMidi();
-  const BDAErr result = dumpReceiver_ == nullptr || bulkTable_ == nullptr
-                            ? BDA_ERR
-                            : dumpReceiver_->receiveBulkDump(message, std::uint32_t(length), port);
-  jobTools_->resumeOutputMidi();
+  BDAErr result = BDA_ERR;
+  const bool isWhole = attempt([&] {
+    jobTools_->suspendOutputMidi();
+    GiveBack output([this] { jobTools_->resumeOutputMidi(); });
+    if (dumpReceiver_ != nullptr && bulkTable_ != nullptr)
+      result = dumpReceiver_->receiveBulkDump(message, lengthIn32Bits(length), port);
+    else
+      Notes::refusal(BulkDumpRefusal::notConstructed);
+    output.now();
+  });
   restoreReceivePriority();
+  if (!isWhole) result = BDA_ERR;
+  reception.hasThrown = !isWhole;
+  reception.result = result;
 
   constexpr BDAErr kUnitCompleted = BDA_INFO_EDITOR | BDA_INFO_SYSTEM | BDA_INFO_FOOTER | BDA_INFO_FILE_DUMP_CONTROL;
+  reception.outcome = outcomeOfDump(result, reception);
   if (isFailure(result) && isOfKind(result, BDA_ERR_NOT_FOUND)) {
-    closeMsg();
+    close();
   } else if (isFailure(result)) {
-    showMsg(isOfKind(result, BDA_ERR_MIXING_VOICE_FULL) ? kMixingVoiceFullMessage : kErrorMessage);
+    show(isOfKind(result, BDA_ERR_MIXING_VOICE_FULL) ? kMixingVoiceFullMessage : kErrorMessage);
     init();
   } else if (isOfKind(result, kUnitCompleted)) {
-    closeMsg();
+    close();
     init();
   }
-  if (messageShown_ == kStoring) closeMsg();
+  if (messageShown_ == kStoring) close();
 
   if ((port == DevicePort_Main || port == DevicePort_Thru) && bridge_ != nullptr)
-    bridge_->sendSysEx(message, std::uint32_t(length), DevicePort_Echo);
-  return BulkMsg_BulkDump;
+    bridge_->sendSysEx(message, lengthIn32Bits(length), DevicePort_Echo);
 }
 
-BulkMsgType BulkDumpAssistant::answerRequest(const unsigned char* message, unsigned long length, DevicePortNum port) {
+void BulkDumpAssistant::answerRequest(const unsigned char* message, unsigned long length, DevicePortNum port,
+                                      Reception& reception) {
   const Address address = addressAt(message + kRequestAddressAt);
-  if (sendEmptyMixingVoice(*jobTools_, work_, bridge_, address, port)) return BulkMsg_BulkRequest;
-
-  if (isFailure(BDAErr(checkAddress(address)))) {
-    init();
-    return BulkMsg_BulkRequest;
+  reception.setAddress(message + kRequestAddressAt);
+  if (sendEmptyMixingVoice(*jobTools_, work_, bridge_, address, port)) {
+    reception.outcome = BulkDumpOutcome::answered;
+    return;
   }
-  if (port == DevicePort_Thru) return BulkMsg_BulkRequest;
+
+  if (isFailure(admit(address))) return init();
+  if (port == DevicePort_Thru) return;
   if (isLoadingOrSaving(work_)) {
     kRequestWhileLoading();
-    init();
-    return BulkMsg_BulkRequest;
+    return init();
   }
 
-  showMsg(kAnswering);
-  const BDAErr result = requestReceiver_ == nullptr || bulkTable_ == nullptr
-                            ? BDA_ERR
-                            : requestReceiver_->receiveBulkRequest(message, std::uint32_t(length), port);
-  BulkMsgType type = BulkMsg_BulkRequest;
+  show(kAnswering);
+  BDAErr result = BDA_ERR;
+  reception.hasThrown = !attempt([&] {
+    if (requestReceiver_ != nullptr && bulkTable_ != nullptr)
+      result = requestReceiver_->receiveBulkRequest(message, std::uint32_t(length), port);
+    else
+      Notes::refusal(BulkDumpRefusal::notConstructed);
+  });
+  reception.result = result;
+  reception.outcome = BulkDumpOutcome::answered;
   if (isFailure(result)) {
-    showMsg(kErrorMessage);
+    show(kErrorMessage);
   } else {
-    if (isOfKind(result, BDA_INFO_SWALLOWED)) type = BulkMsg_RequestSkipped;
-    closeMsg();
+    if (isOfKind(result, BDA_INFO_SWALLOWED)) {
+      reception.kind = BulkMsg_RequestSkipped;
+      reception.outcome = BulkDumpOutcome::nothingToSend;
+    }
+    close();
   }
   init();
-  return type;
 }
 
 unsigned long BulkDumpAssistant::checkAddress(const Address& address) {
+  BDAErr admitted = BDA_ERR;
+  attempt([&] { admitted = admit(address); });
+  return admitted;
+}
+
+std::uint32_t BulkDumpAssistant::admit(const Address& address) {
   const unsigned long result =
       jobTools_->checkModeForReceivedSysExBulk(temporaryModel_, address.getHi(), address.getMid(), address.getLo());
   for (const ModeCheck& check : kModeChecks) {
     if (result != check.result) continue;
     if (check.failure != nullptr) (*check.failure)();
-    if (check.message != kNoMessage) showMsg(check.message);
+    if (check.message != kNoMessage) show(check.message);
     return check.answer;
   }
   kUnknownCheckResult(int(result));
-  showMsg(kErrorMessage);
+  show(kErrorMessage);
   return BDA_ERR;
 }
 
@@ -401,7 +513,16 @@ bool BulkDumpAssistant::isEditBufferFooter(const Address& address) {
 }
 
 void BulkDumpAssistant::showMsg(std::uint16_t id) {
-  closeMsg();
+  attempt([&] { show(id); });
+}
+
+void BulkDumpAssistant::closeMsg() {
+  attempt([&] { close(); });
+}
+
+void BulkDumpAssistant::show(std::uint16_t id) {
+  close();
+  messageShown_ = id;  // from the first step on: a throw on the way is then told in its place
   if (id == kStoring) {
     if (CMA::AdditionalParameterModel* const additional = jobTools_->getAdditionalModel()) {
       constexpr std::uint8_t kCleared = 0;
@@ -411,10 +532,9 @@ void BulkDumpAssistant::showMsg(std::uint16_t id) {
   }
   messageModel_.setId(id);
   messageModel_.flush();
-  messageShown_ = id;
 }
 
-void BulkDumpAssistant::closeMsg() {
+void BulkDumpAssistant::close() {
   // Each of these has a message of its own, the next number, that takes it off the screen; the others stay.
   if (messageShown_ == kStoring || messageShown_ == kReceiving || messageShown_ == kAnswering)
     messageModel_.setId(std::uint16_t(messageShown_ + 1));

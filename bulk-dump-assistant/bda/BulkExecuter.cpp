@@ -5,6 +5,7 @@
 
 #include "BulkMessage.h"
 #include "CommonLayouts.h"
+#include "SystemSettings.h"
 #include "bda/BulkDumpAssistant.h"
 
 namespace BDA {
@@ -12,6 +13,7 @@ namespace {
 
 constexpr const char* kFile = "..\\..\\bda\\BulkExecuter.cpp";
 constexpr Failure<> kCannotCreate{{kFile, Line::ofThisSource(), "BDA::BulkExecuter::getBulkDumpMessageImplement"},
+                                  Refusal::dumpNotCreated,
                                   "Bulk create Error !!!\n"};
 
 }  // namespace
@@ -95,7 +97,7 @@ BDAErr BulkExecuter::writeBulkDumpHead(std::vector<std::uint8_t>& message) {
   message.push_back(kStartOfExclusive);
   message.push_back(kMakerId);
   unsigned char device = 0;
-  if (Utility::getDeviceNumber(*jobTools_, &device) == CMA::DeviceNumber_Off) return BDA_ERR;
+  if (readDeviceNumber(*jobTools_, &device) == CMA::DeviceNumber_Off) return BDA_ERR;
   message.push_back(device);
   message.push_back(kModelId1);
   message.push_back(kModelId2);

@@ -33,7 +33,8 @@ struct BlockFailures {
 consteval BlockFailures blockFailures(const char* file, const char* function, const char* wrongLength,
                                       const char* noModel = "Temporary Model is NULL !!!\n",
                                       Line line = Line::ofThisSource()) {
-  return {{{file, line, function}, noModel}, {{file, line, function}, wrongLength}};
+  return {{{file, line, function}, Refusal::modelMissing, noModel},
+          {{file, line, function}, Refusal::wrongDataLength, wrongLength}};
 }
 
 // Converts between the data bytes of one kind of block and the parameters of the editor's models. One executer serves

@@ -11,12 +11,17 @@ namespace {
 constexpr const char* kFile = "..\\..\\bda\\BulkExecuterControl.cpp";
 constexpr const char* kHeader = "BDA::BulkExecuterHeader::execBulkBlock";
 constexpr const char* kFooter = "BDA::BulkExecuterFooter::execBulkBlock";
-constexpr Failure<> kWrongVoiceType{{kFile, Line::ofThisSource(), kHeader}, "Voice Type Error !!!\n"};
-constexpr Failure<> kNoSuchHeader{{kFile, Line::ofThisSource(), kHeader}, "error : model init failure!\n"};
+constexpr Failure<> kWrongVoiceType{
+    {kFile, Line::ofThisSource(), kHeader}, Refusal::unknownVoiceType, "Voice Type Error !!!\n"};
+constexpr Failure<> kNoSuchHeader{
+    {kFile, Line::ofThisSource(), kHeader}, Refusal::unknownHeader, "error : model init failure!\n"};
 constexpr Failure<int> kCannotLoad{{kFile, Line::ofThisSource(), kHeader},
+                                   Refusal::notLoaded,
                                    "error : jobTools->loadForReceivedSysExBulk()! [ ret = %d]\n"};
-constexpr Failure<> kNotReceiving{{kFile, Line::ofThisSource(), kFooter}, "error : wrong bulk type!\n"};
+constexpr Failure<> kNotReceiving{
+    {kFile, Line::ofThisSource(), kFooter}, Refusal::wrongDirection, "error : wrong bulk type!\n"};
 constexpr Failure<int> kCannotStore{{kFile, Line::ofThisSource(), kFooter},
+                                    Refusal::notStored,
                                     "error : jobTools->storeForReceivedSysExBulk()! [ret = %d]\n"};
 
 constexpr std::uint32_t kMultiHeader = 11;
@@ -169,6 +174,7 @@ BDAErr BulkExecuterFooter::execBulkBlock(std::uint8_t* /*data*/, std::uint32_t /
     kCannotStore(int(stored));
     return BDA_ERR;
   }
+  Notes::handedOver();
   return result;
 }
 

@@ -142,12 +142,11 @@ constexpr NumberRange kRangeOfNoBank{0xCCCCCCCC, 3};
 
 BulkExecuterCreator::BulkExecuterCreator(EvtSrv::EventPortManager* eventPortManager,
                                          std::vector<CMA::JobReceiver*>* jobReceivers, CMA::JobTools* jobTools,
-                                         CMA::TemporaryCoreModel* temporaryModel, ContSrv::Work* work)
-    : executers_{} {
+                                         CMA::TemporaryCoreModel* temporaryModel, ContSrv::Work* work) {
   const Arguments arguments{eventPortManager, jobReceivers, jobTools, temporaryModel, work, &sharedState_};
   for (const Executers& row : kExecuters)
     for (std::size_t number = row.first; number <= row.last; ++number)
-      executers_[number - 1] = row.make(arguments, kExecuterDataLength[number]);
+      executers_[number - 1].reset(row.make(arguments, kExecuterDataLength[number]));
 
   std::array<NumberRange, kFavoriteBanks.size()> ranges{};
   for (std::size_t i = 0; i < ranges.size(); ++i) {
@@ -157,14 +156,12 @@ BulkExecuterCreator::BulkExecuterCreator(EvtSrv::EventPortManager* eventPortMana
   const NumberRange* next = ranges.data();
   for (std::size_t number = kFirstFavorite; number <= kExecuterCount; ++number) {
     const NumberRange& range = number == kFavoriteOfNoBank ? kRangeOfNoBank : *next++;
-    executers_[number - 1] = new (std::nothrow)
-        BulkExecuterFavorite(jobReceivers, jobTools, temporaryModel, &sharedState_, kExecuterDataLength[number], work,
-                             ContSrv::ContType_Voice, range.first, range.end);
+    executers_[number - 1].reset(new (std::nothrow) BulkExecuterFavorite(
+        jobReceivers, jobTools, temporaryModel, &sharedState_, kExecuterDataLength[number], work,
+        ContSrv::ContType_Voice, range.first, range.end));
   }
 }
 
-BulkExecuterCreator::~BulkExecuterCreator() {
-  for (BulkExecuter* executer : executers_) delete executer;
-}
+BulkExecuterCreator::~BulkExecuterCreator() = default;
 
 }  // namespace BDA

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <memory>
 #include <vector>
 
 #include "BulkExecuter.h"
@@ -19,6 +20,7 @@ namespace BDA {
 class BulkExecuterCreator {
  public:
   // What is handed over is the front end's and outlives the creator. An executer that cannot be allocated stays null.
+  // Lets through what the editor throws when it is asked for content numbers.
   BulkExecuterCreator(EvtSrv::EventPortManager* eventPortManager, std::vector<CMA::JobReceiver*>* jobReceivers,
                       CMA::JobTools* jobTools, CMA::TemporaryCoreModel* temporaryModel, ContSrv::Work* work);
   BulkExecuterCreator(const BulkExecuterCreator&) = delete;
@@ -27,11 +29,11 @@ class BulkExecuterCreator {
 
   // Executer 1 to 77; null for any other number, and where there is none.
   BulkExecuter* getExecuter(std::size_t number) const {
-    return number >= 1 && number <= kExecuterCount ? executers_[number - 1] : nullptr;
+    return number >= 1 && number <= kExecuterCount ? executers_[number - 1].get() : nullptr;
   }
 
  private:
-  std::array<BulkExecuter*, kExecuterCount> executers_;
+  std::array<std::unique_ptr<BulkExecuter>, kExecuterCount> executers_;
   ExecuterSharedState sharedState_;
 };
 

@@ -15,26 +15,39 @@ constexpr const char* kFile = "..\\..\\bda\\BulkExecuterEditor.cpp";
 
 constexpr const char* kWave = "BDA::BulkExecuterEditorWaveName::execBulkBlock";
 constexpr Failure<unsigned, unsigned> kWaveLength{
-    {kFile, Line::ofThisSource(), kWave}, "Wrong data length. (Editor Wave Name): Correct = [%02x], Data = [%02x]\n"};
-constexpr Failure<> kWaveIsRequestOnly{{kFile, Line::ofThisSource(), kWave}, "Editor wave bulk is request only !!!\n"};
-constexpr Failure<> kNoWaveName{{kFile, Line::ofThisSource(), kWave}, "Wave Name getting error !!!\n"};
-constexpr Failure<> kWaveNameTooLong{{kFile, Line::ofThisSource(), kWave}, "WaveName is too long !!!\n"};
+    {kFile, Line::ofThisSource(), kWave},
+    Refusal::wrongDataLength,
+    "Wrong data length. (Editor Wave Name): Correct = [%02x], Data = [%02x]\n"};
+constexpr Failure<> kWaveIsRequestOnly{
+    {kFile, Line::ofThisSource(), kWave}, Refusal::requestOnly, "Editor wave bulk is request only !!!\n"};
+constexpr Failure<> kNoWaveName{
+    {kFile, Line::ofThisSource(), kWave}, Refusal::nameNotFound, "Wave Name getting error !!!\n"};
+constexpr Failure<> kWaveNameTooLong{
+    {kFile, Line::ofThisSource(), kWave}, Refusal::nameTooLong, "WaveName is too long !!!\n"};
 
 constexpr const char* kArp = "BDA::BulkExecuterEditorArpName::execBulkBlock";
 constexpr Failure<unsigned, unsigned> kArpLength{
-    {kFile, Line::ofThisSource(), kArp}, "Wrong data length. (Editor Arp Name): Correct = [%02x], Data = [%02x]\n"};
-constexpr Failure<> kArpIsRequestOnly{{kFile, Line::ofThisSource(), kArp}, "Editor arp bulk is request only !!!\n"};
-constexpr Failure<> kNoArpName{{kFile, Line::ofThisSource(), kArp}, "Arp Name getting error !!!\n"};
-constexpr Failure<> kArpNameTooLong{{kFile, Line::ofThisSource(), kArp}, "WaveName is too long !!!\n"};  // by contract
+    {kFile, Line::ofThisSource(), kArp},
+    Refusal::wrongDataLength,
+    "Wrong data length. (Editor Arp Name): Correct = [%02x], Data = [%02x]\n"};
+constexpr Failure<> kArpIsRequestOnly{
+    {kFile, Line::ofThisSource(), kArp}, Refusal::requestOnly, "Editor arp bulk is request only !!!\n"};
+constexpr Failure<> kNoArpName{
+    {kFile, Line::ofThisSource(), kArp}, Refusal::nameNotFound, "Arp Name getting error !!!\n"};
+constexpr Failure<> kArpNameTooLong{
+    {kFile, Line::ofThisSource(), kArp}, Refusal::nameTooLong, "WaveName is too long !!!\n"};  // by contract
 
 constexpr const char* kMulti = "BDA::BulkExecuterEditorMultiName::execBulkBlock";
 constexpr Failure<unsigned, unsigned> kMultiLength{
-    {kFile, Line::ofThisSource(), kMulti}, "Wrong data length. (Editor Multi Name): Correct = [%02x], Data = [%02x]\n"};
-constexpr Failure<> kMultiIsRequestOnly{{kFile, Line::ofThisSource(), kMulti},
-                                        "error : multi name bulk is request only !\n"};
-constexpr Failure<int> kNoMultiName{{kFile, Line::ofThisSource(), kMulti}, "error : can't get multi name [ret = %d]\n"};
-constexpr Failure<int> kMultiNameTooLong{{kFile, Line::ofThisSource(), kMulti},
-                                         "error : too long multi name [size = %d]\n"};
+    {kFile, Line::ofThisSource(), kMulti},
+    Refusal::wrongDataLength,
+    "Wrong data length. (Editor Multi Name): Correct = [%02x], Data = [%02x]\n"};
+constexpr Failure<> kMultiIsRequestOnly{
+    {kFile, Line::ofThisSource(), kMulti}, Refusal::requestOnly, "error : multi name bulk is request only !\n"};
+constexpr Failure<int> kNoMultiName{
+    {kFile, Line::ofThisSource(), kMulti}, Refusal::nameNotFound, "error : can't get multi name [ret = %d]\n"};
+constexpr Failure<int> kMultiNameTooLong{
+    {kFile, Line::ofThisSource(), kMulti}, Refusal::nameTooLong, "error : too long multi name [size = %d]\n"};
 
 struct Slots {
   std::uint32_t count;

@@ -8,15 +8,20 @@ constexpr const char* kForBulkDump = "BDA::BulkExecuterFavorite::execBulkBlockFo
 constexpr const char* kForBulkReq = "BDA::BulkExecuterFavorite::execBulkBlockForBulkReq";
 constexpr Failure<unsigned, unsigned> kWrongLength{
     {kFile, Line::ofThisSource(), "BDA::BulkExecuterFavorite::execBulkBlock"},
+    Refusal::wrongDataLength,
     "error : invalid length. ( Favorite ): Correct = [0x%02x], Data = [0x%02x]\n"};
 constexpr Failure<int> kInvalidLo{{kFile, Line::ofThisSource(), kForBulkDump},
+                                  Refusal::noSuchFavorites,
                                   "error : invalid lo address ! [ lo = %d ]\n"};
 constexpr Failure<int, int, unsigned> kNotSet{
     {kFile, Line::ofThisSource(), kForBulkDump},
+    Refusal::favoriteNotSet,
     "error : contWork->setContentFavoriteFlag() ! [ ContSrvResult = %d, contType = %d, contNum = 0x%x ]\n"};
-constexpr Failure<int> kWrongLo{{kFile, Line::ofThisSource(), kForBulkReq}, "error : wrong lo address ! [ lo = %d ]\n"};
+constexpr Failure<int> kWrongLo{
+    {kFile, Line::ofThisSource(), kForBulkReq}, Refusal::noSuchFavorites, "error : wrong lo address ! [ lo = %d ]\n"};
 constexpr Failure<int, int, unsigned> kNotRead{
     {kFile, Line::ofThisSource(), kForBulkReq},
+    Refusal::favoriteNotRead,
     "error : contWork->getContentInformation() ! [ ContSrvResult = %d, contType = %d, contNum = 0x%x ]\n"};
 
 }  // namespace

@@ -1,104 +1,26 @@
 #include "BulkExecuterFileDump.h"
 
 #include <algorithm>
+#include <limits>
 #include <new>
 #include <utility>
 
 #include "AddressRows.h"
 #include "BulkMessage.h"
 #include "FileDumpCodec.h"
+#include "FileDumpFailures.h"
+#include "GiveBack.h"
 #include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
+
 namespace {
 
-constexpr const char* kFile = "..\\..\\bda\\BulkExecuterFileDump.cpp";
-
-constexpr Failure<> kBufferOverflow{{kFile, Line::ofThisSource(), "BDA::FileDumpBuffer::initData"},
-                                    "File Dump Buufer's data is over flow !!!\n"};
-constexpr Failure<> kEncodeError{{kFile, Line::ofThisSource(), "BDA::BulkExecuterFileDump::encode"},
-                                 "Encode Error !!!\n"};
-
-constexpr const char* kDecode = "BDA::BulkExecuterFileDump::decode";
-constexpr Failure<> kLengthError{{kFile, Line::ofThisSource(), kDecode}, "Length Error !!!\n"};
-constexpr Failure<> kDecodeError{{kFile, Line::ofThisSource(), kDecode}, "Decode Error !!!\n"};
-
-constexpr Failure<> kTypeError{{kFile, Line::ofThisSource(), "BDA::BulkExecuterFileDump::getContentsType"},
-                               "Get Contents Type Error !!!\n"};
-constexpr Failure<> kNumberError{{kFile, Line::ofThisSource(), "BDA::BulkExecuterFileDump::getContentsNumber"},
-                                 "Get Contents Number Error !!!\n"};
-
-namespace Set {
-constexpr const char* kFunction = "BDA::BulkExecuterFileDump::setBulkDumpMessage";
-constexpr Failure<> kTooLong{{kFile, Line::ofThisSource(), kFunction}, "File Dump over length !!!!\n"};
-constexpr Failure<int> kNotRemoved{{kFile, Line::ofThisSource(), kFunction},
-                                   "error: failed to remove mixing voices ! [ ContSrvResult = %d ]\n"};
-constexpr Failure<> kNoType{{kFile, Line::ofThisSource(), kFunction}, "error : content type error ! \n"};
-constexpr Failure<int> kNoNumber{{kFile, Line::ofThisSource(), kFunction},
-                                 "error : wrong content number ! [ res = %d ] \n"};
-constexpr Failure<> kNoMemory{{kFile, Line::ofThisSource(), kFunction}, "error: memory over flow ! \n"};
-}  // namespace Set
-
-namespace Write {
-constexpr const char* kAll = "BDA::BulkExecuterFileDump::writeFileDumps";
-constexpr Failure<int> kNoSum{{kFile, Line::ofThisSource(), kAll},
-                              "error : contentsWork->getMixingVoiceSumSync() ! [ ContSrvResult = %d ]\n"};
-constexpr Failure<int> kNoOverWrite{{kFile, Line::ofThisSource(), kAll},
-                                    "error : contentsWork->requestOverWriteConfig() ! [ ContSrvResult = %d ]\n"};
-constexpr Failure<int, int> kNotRemoved{
-    {kFile, Line::ofThisSource(), kAll},
-    "error : contentsWork->removeContents() ! [ ContType = %d, ContSrvResult = %d ]\n"};
-
-constexpr const char* kOne = "BDA::BulkExecuterFileDump::writeFileDump";
-constexpr Failure<> kEmpty{{kFile, Line::ofThisSource(), kOne}, "error : file dump is empty !\n"};
-constexpr Failure<> kLength{{kFile, Line::ofThisSource(), kOne}, "error : file dump length error !\n"};
-constexpr Failure<> kData{{kFile, Line::ofThisSource(), kOne}, "error : file dump data error !\n"};
-constexpr Failure<int> kContentNotRemoved{{kFile, Line::ofThisSource(), kOne},
-                                          "error : contentsWork->removeContent() ! [ ContSrvResult = %d ]\n"};
-constexpr Failure<int> kNoPath{{kFile, Line::ofThisSource(), kOne},
-                               "error : contentsWork->getDataFilePath() ! [ ContSrvResult = %d ]\n"};
-constexpr Failure<int> kTooManyMixingVoices{{kFile, Line::ofThisSource(), kOne},
-                                            "error: over num of mixing voices [ num of mixvoice = %d ] !\n"};
-constexpr Failure<> kNoFile{{kFile, Line::ofThisSource(), kOne}, "error : contentsWork->openDataFile() !\n"};
-constexpr Failure<> kNoData{{kFile, Line::ofThisSource(), kOne}, "error : contentsDataFile->openData() !\n"};
-constexpr Failure<> kUnopenedNotClosed{{kFile, Line::ofThisSource(), kOne},
-                                       "error : contentsWork->closeDataFile() !\n"};
-constexpr Failure<int> kNoName{{kFile, Line::ofThisSource(), kOne},
-                               "error : contentsWork->setContentName() ! ret = [%d]\n"};
-constexpr Failure<> kNameUndecoded{{kFile, Line::ofThisSource(), kOne}, "Decode Error !!!\n"};
-constexpr Failure<int> kNotWritten{{kFile, Line::ofThisSource(), kOne},
-                                   "error : contentsData->write() ! [ res size = %d ] \n"};
-constexpr Failure<> kDataUndecoded{{kFile, Line::ofThisSource(), kOne}, "error : decode error !\n"};
-constexpr Failure<int> kDataNotClosed{{kFile, Line::ofThisSource(), kOne},
-                                      "error : contentsDataFile->closeDataWithoutSync() ! [ ContSrvResult = %d ]\n"};
-constexpr Failure<int> kFileNotClosed{{kFile, Line::ofThisSource(), kOne},
-                                      "error : contentsWork->closeDataFile() ! [ ContSrvResult = %d ]\n"};
-}  // namespace Write
-
-namespace Read {
-constexpr const char* kFunction = "BDA::BulkExecuterFileDump::readFileDump";
-constexpr Failure<int> kNoType{{kFile, Line::ofThisSource(), kFunction},
-                               "error : wrong content type ! [ ContType = %d ] \n"};
-constexpr Failure<int> kNoNumber{{kFile, Line::ofThisSource(), kFunction},
-                                 "error : wrong content number ! [ res = %d ] \n"};
-constexpr Failure<int> kNoPath{{kFile, Line::ofThisSource(), kFunction},
-                               "error : contentsWork->getDataFilePath() ! [ ContSrvResult = %d ]\n"};
-constexpr Failure<int> kNoName{{kFile, Line::ofThisSource(), kFunction},
-                               "error : contentsWork->getContentName() ! [ ContSrvResult = %d ]\n"};
-constexpr Failure<> kNoData{{kFile, Line::ofThisSource(), kFunction},
-                            "error : contentsDataFile->openData(). data is null !\n"};
-constexpr Failure<> kNameUnencoded{{kFile, Line::ofThisSource(), kFunction}, "error : name encode error ! \n"};
-constexpr Failure<> kNotRead{{kFile, Line::ofThisSource(), kFunction}, "error : content data read error ! \n"};
-constexpr Failure<unsigned> kTooLong{{kFile, Line::ofThisSource(), kFunction},
-                                     "error: file dump data is over flow ! [ size = 0x%02x, max = 0x3FFF ]\n"};
-constexpr Failure<int> kDataNotClosed{{kFile, Line::ofThisSource(), kFunction},
-                                      "error : contentsDataFile->closeData() ! [ ContSrvResult = %d ]\n"};
-constexpr Failure<int> kFileNotClosed{{kFile, Line::ofThisSource(), kFunction},
-                                      "error : contentsWork->closeDataFile() ! [ ContSrvResult = %d ]\n"};
-}  // namespace Read
-
-constexpr Failure<> kCannotRead{{kFile, Line::ofThisSource(), "BDA::BulkExecuterFileDump::getBulkDumpMessageImplement"},
-                                "Read File Dump Error !!!\n"};
+namespace Codec = FileDumpFailures::Codec;
+namespace Naming = FileDumpFailures::Naming;
+namespace Set = FileDumpFailures::Set;
+namespace Write = FileDumpFailures::Write;
+namespace Read = FileDumpFailures::Read;
 
 constexpr std::uint8_t kRemoveMixingVoicesMid = 0x01;
 constexpr std::uint32_t kMaxField = 0x3FFF;
@@ -159,6 +81,13 @@ const Failure<>* split(std::span<const std::uint8_t> field, Field& parts) {
   return nullptr;
 }
 
+// The length of a file as that of a buffer. More than memory can address is more than any buffer takes: making one ends
+// as storage that runs out.
+std::size_t lengthInMemory(std::int64_t size) {
+  constexpr auto kMost = std::uint64_t{std::numeric_limits<std::size_t>::max()};
+  return std::size_t(std::min(std::uint64_t(size), kMost));
+}
+
 void append(std::vector<std::uint8_t>& field, const std::vector<std::uint8_t>& packed) {
   std::array<std::uint8_t, kCountBytes> count{};
   BulkExecuterFileDump::splitByteCount(count.data(), count.data() + 1, std::uint32_t(packed.size()));
@@ -179,7 +108,7 @@ void FileDumpBuffer::initData(const std::uint8_t* data, std::uint32_t size) {
   try {
     if (size > 0) data_.insert(data_.begin(), data, data + size);
   } catch (const std::bad_alloc&) {
-    kBufferOverflow();
+    Set::kBufferOverflow();
     throw;
   }
 }
@@ -237,6 +166,7 @@ BDAErr BulkExecuterFileDump::removeMixingVoices() {
   for (unsigned long multi = 0; multi < kMultiCount; ++multi) {
     const ContSrv::_ContResult removed =
         work_->removeMixingVoice(ContSrv::ContType_Multi, multi, ContSrv::ContentNumber_All);
+    if (isSuccess(removed)) Notes::handedOver();
     if (isSuccessOrNothingToDo(removed)) continue;
     Set::kNotRemoved(int(removed));
     result = BDA_ERR;
@@ -287,7 +217,8 @@ BDAErr BulkExecuterFileDump::writeFileDumps() {
     if (contType != previousType && buffer != held.front()) result |= flushType(previousType, removeList);
     try {
       result |= writeFileDump(*buffer, mixingVoiceCount, mixingVoiceMaximum, removeList);
-    } catch (...) {  // storage ran out before its file was open; the pass goes on and ends as any other
+    } catch (...) {  // before or after its file was open; the pass goes on and ends as any other
+      Notes::thrown();
       result |= BDA_ERR;
     }
     previousType = contType;
@@ -305,7 +236,9 @@ BDAErr BulkExecuterFileDump::flushType(std::uint32_t contType, std::vector<std::
     result = BDA_ERR;
   }
   if (!removeList.empty()) {
-    if (const auto removed = work_->removeContents(contType, removeList, false); !isSuccessOrNothingToDo(removed)) {
+    const auto removed = work_->removeContents(contType, removeList, false);
+    if (isSuccess(removed)) Notes::handedOver(removeList.size());
+    if (!isSuccessOrNothingToDo(removed)) {
       Write::kNotRemoved(int(contType), int(removed));
       result = BDA_ERR;
     }
@@ -344,10 +277,11 @@ BDAErr BulkExecuterFileDump::writeFileDump(FileDumpBuffer& buffer, std::int64_t&
     Write::kNoFile();
     return BDA_ERR;
   }
+  GiveBack opened([&] { return work_->closeDataFile(file, 0); });
   ContSrv::Data* const data = file->openData();
   if (data == nullptr) {
     Write::kNoData();
-    if (!isSuccess(work_->closeDataFile(file, 0))) Write::kUnopenedNotClosed();
+    if (!isSuccess(opened.now())) Write::kUnopenedNotClosed();
     return BDA_ERR;
   }
 
@@ -359,10 +293,11 @@ BDAErr BulkExecuterFileDump::writeFileDump(FileDumpBuffer& buffer, std::int64_t&
     Write::kDataNotClosed(int(closed));
     result = BDA_ERR;
   }
-  if (const auto closed = work_->closeDataFile(file, 0); !isSuccess(closed)) {
+  if (const auto closed = opened.now(); !isSuccess(closed)) {
     Write::kFileNotClosed(int(closed));
     result = BDA_ERR;
   }
+  if (!isFailure(result)) Notes::handedOver();
   return result;
 }
 
@@ -379,6 +314,7 @@ BDAErr BulkExecuterFileDump::writeName(std::uint32_t contType, std::uint32_t con
       return BDA_ERR;
     }
   } catch (...) {
+    Notes::thrown();
   }
   Write::kNameUndecoded();
   return BDA_ERR;
@@ -394,6 +330,7 @@ BDAErr BulkExecuterFileDump::writeData(ContSrv::Data& data, std::span<const std:
       return BDA_ERR;
     }
   } catch (...) {
+    Notes::thrown();
   }
   Write::kDataUndecoded();
   return BDA_ERR;
@@ -406,6 +343,7 @@ BDAErr BulkExecuterFileDump::removeFileDump(const FileDumpBuffer& buffer, std::i
     return BDA_OK;
   }
   const ContSrv::_ContResult removed = work_->removeContent(buffer.getContType(), buffer.getContNumber());
+  if (isSuccess(removed)) Notes::handedOver();
   if (isSuccess(removed) && mixingVoiceCount > 0) --mixingVoiceCount;
   if (isSuccessOrNothingToDo(removed)) return BDA_OK;
   Write::kContentNotRemoved(int(removed));
@@ -426,7 +364,7 @@ BDAErr BulkExecuterFileDump::getBulkDumpMessageImplement(std::vector<std::uint8_
     std::vector<std::uint8_t> field;
     result |= readFileDump(field);
     if (isFailure(result)) {
-      kCannotRead();
+      Read::kCannotRead();
       return result;
     }
     message.insert(message.end(), field.begin(), field.end());
@@ -467,40 +405,19 @@ BDAErr BulkExecuterFileDump::readFileDump(std::vector<std::uint8_t>& field) {
     field.assign(2 * kCountBytes, 0);
     return BDA_OK;
   }
+  GiveBack opened([&] { return work_->closeDataFile(file, 0); });
   ContSrv::Data* const data = file->openData();
   if (data == nullptr) {
     Read::kNoData();
-    if (const auto closed = work_->closeDataFile(file, 0); !isSuccess(closed)) Read::kFileNotClosed(int(closed));
+    if (const auto closed = opened.now(); !isSuccess(closed)) Read::kFileNotClosed(int(closed));
     return BDA_ERR;
   }
 
   BDAErr result = BDA_OK;
-  std::vector<std::uint8_t> encodedName;
-  std::vector<std::uint8_t> encodedData;
   try {
-    if (!encode(std::vector<std::uint8_t>(name.begin(), name.end()), encodedName)) {
-      Read::kNameUnencoded();
-      result = BDA_ERR;
-    }
-    if (const std::int64_t size = data->getSize(); size != 0) {
-      std::vector<std::uint8_t> bytes;
-      if (size > 0) bytes.resize(std::size_t(size));
-      if (size < 0 || data->read(bytes.data(), size) < size) {
-        Read::kNotRead();
-        result = BDA_ERR;
-      } else if (!encode(bytes, encodedData)) {
-        result = BDA_ERR;
-      }
-    }
-    const std::size_t total = encodedName.size() + encodedData.size() + 2 * kCountBytes;
-    if (total > kMaxField) {
-      Read::kTooLong(unsigned(total));
-      result = BDA_ERR;
-    }
-    field.reserve(total);
-    append(field, encodedName);
-    append(field, encodedData);
+    result = readField(*data, name, field);
   } catch (...) {  // storage ran out: the file may be of any size
+    Notes::thrown();
     Read::kNotRead();
     result = BDA_ERR;
   }
@@ -508,10 +425,40 @@ BDAErr BulkExecuterFileDump::readFileDump(std::vector<std::uint8_t>& field) {
     Read::kDataNotClosed(int(closed));
     result = BDA_ERR;
   }
-  if (const auto closed = work_->closeDataFile(file, 0); !isSuccess(closed)) {
+  if (const auto closed = opened.now(); !isSuccess(closed)) {
     Read::kFileNotClosed(int(closed));
     result = BDA_ERR;
   }
+  return result;
+}
+
+// The packed name and the packed file, which is read into a buffer of its size. Also what fails fills `field`.
+BDAErr BulkExecuterFileDump::readField(ContSrv::Data& data, const std::string& name, std::vector<std::uint8_t>& field) {
+  BDAErr result = BDA_OK;
+  std::vector<std::uint8_t> encodedName;
+  std::vector<std::uint8_t> encodedData;
+  if (!encode(std::vector<std::uint8_t>(name.begin(), name.end()), encodedName)) {
+    Read::kNameUnencoded();
+    result = BDA_ERR;
+  }
+  if (const std::int64_t size = data.getSize(); size != 0) {
+    std::vector<std::uint8_t> bytes;
+    if (size > 0) bytes.resize(lengthInMemory(size));
+    if (size < 0 || data.read(bytes.data(), size) < size) {
+      Read::kNotRead();
+      result = BDA_ERR;
+    } else if (!encode(bytes, encodedData)) {
+      result = BDA_ERR;
+    }
+  }
+  const std::size_t total = encodedName.size() + encodedData.size() + 2 * kCountBytes;
+  if (total > kMaxField) {
+    Read::kTooLong(unsigned(total));
+    result = BDA_ERR;
+  }
+  field.reserve(total);
+  append(field, encodedName);
+  append(field, encodedData);
   return result;
 }
 
@@ -519,14 +466,14 @@ BDAErr BulkExecuterFileDump::readFileDump(std::vector<std::uint8_t>& field) {
 
 std::uint32_t BulkExecuterFileDump::getContentsType() const {
   if (const FileDumpBlock* const block = findBlock(getBlockType())) return block->contType;
-  kTypeError();
+  Naming::kTypeError();
   return ContSrv::ContType_None;
 }
 
 std::int32_t BulkExecuterFileDump::getContentsNumber(std::uint32_t& number) const {
   const FileDumpBlock* const block = findBlock(getBlockType());
   if (block == nullptr) {
-    kNumberError();
+    Naming::kNumberError();
     return -1;
   }
   const std::uint8_t lo = getAddress().getLo();
@@ -560,7 +507,7 @@ bool BulkExecuterFileDump::encode(const std::vector<std::uint8_t>& source, std::
   if (source.empty()) return true;
   destination.resize(FileDumpCodec::packedSize(source.size()));
   if (FileDumpCodec::encode(source, destination.data())) return true;
-  kEncodeError();
+  Codec::kEncodeError();
   return false;
 }
 
@@ -569,10 +516,10 @@ bool BulkExecuterFileDump::decode(const std::vector<std::uint8_t>& source, std::
   const std::span<const std::uint8_t> groups(source.data(), isWhole ? source.size() : source.size() - 1);
   destination.resize(FileDumpCodec::unpackedSize(groups.size()));
   if (!groups.empty() && !FileDumpCodec::decode(groups, destination.data())) {
-    kDecodeError();
+    Codec::kDecodeError();
     return false;
   }
-  if (!isWhole) kLengthError();
+  if (!isWhole) Codec::kLengthError();
   return isWhole;
 }
 

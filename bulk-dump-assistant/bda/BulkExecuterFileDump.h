@@ -87,6 +87,7 @@ class BulkExecuterFileDump : public BulkExecuter {
   BDAErr flushType(std::uint32_t contType, std::vector<std::uint32_t>& removeList);
   BDAErr writeName(std::uint32_t contType, std::uint32_t contNumber, std::span<const std::uint8_t> packed);
   BDAErr writeData(ContSrv::Data& data, std::span<const std::uint8_t> packed);
+  static BDAErr readField(ContSrv::Data& data, const std::string& name, std::vector<std::uint8_t>& field);
   BDAErr removeFileDump(const FileDumpBuffer& buffer, std::int64_t& mixingVoiceCount,
                         std::vector<std::uint32_t>& removeList);
 

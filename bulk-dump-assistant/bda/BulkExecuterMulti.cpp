@@ -25,6 +25,7 @@ constexpr BlockFailures kInsAB =
     blockFailures(kFile, "BDA::BulkExecuterMultiCommonInsAB::execBulkBlock",
                   "Wrong data length. (normal Voice Ins AB): Correct = [%02x], Data = [%02x]\n");
 constexpr Failure<> kWrongInsertion{{kFile, Line::ofThisSource(), "BDA::BulkExecuterMultiCommonInsAB::execBulkBlock"},
+                                    Refusal::wrongBlockType,
                                     "Multi AD Part Ins Block Error !\n"};
 constexpr BlockFailures kPart = blockFailures(kFile, "BDA::BulkExecuterMultiPart::execBulkBlock",
                                               "Wrong data length. (Multi Part): Correct = [%02x], Data = [%02x]\n");

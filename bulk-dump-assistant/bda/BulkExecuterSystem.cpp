@@ -18,6 +18,7 @@ constexpr BlockFailures kAdInsAB =
     blockFailures(kFile, "BDA::BulkExecuterSystemAdInsAB::execBulkBlock",
                   "Wrong data length. (System AD Ins AB): Correct = [%02x], Data = [%02x]\n");
 constexpr Failure<> kWrongInsertion{{kFile, Line::ofThisSource(), "BDA::BulkExecuterSystemAdInsAB::execBulkBlock"},
+                                    Refusal::wrongBlockType,
                                     "Multi AD Part Ins Block Error !\n"};
 constexpr BlockFailures kMeq = blockFailures(kFile, "BDA::BulkExecuterSystemMeq::execBulkBlock",
                                              "Wrong data length. (System MEQ): Correct = [%02x], Data = [%02x]\n");

@@ -24,6 +24,7 @@ constexpr BlockFailures kInsAB =
     blockFailures(kFile, "BDA::BulkExecuterVoiceCommonInsAB::execBulkBlock",
                   "Wrong data length. (normal Voice Ins AB): Correct = [%02x], Data = [%02x]\n");
 constexpr Failure<> kWrongInsertion{{kFile, Line::ofThisSource(), "BDA::BulkExecuterVoiceCommonInsAB::execBulkBlock"},
+                                    Refusal::wrongBlockType,
                                     "Ins Block Error !\n"};
 constexpr BlockFailures kInsL =
     blockFailures(kFile, "BDA::BulkExecuterVoiceCommonInsL::execBulkBlock",

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BulkExecuter.h"
+#include "GiveBack.h"
 #include "bda/platform/CMA/ParameterModels.h"
 
 namespace BDA {
@@ -33,30 +34,13 @@ class BulkExecuterElementBase : public BulkExecuterVoiceBase {
                         std::uint8_t isReceive) const {
     const BDAErr result = checkBlock<kLayout>(failures, targets, data, length);
     if (isFailure(result)) return result;
-    const Uncorrected uncorrected(*element->getExceptionalParam());
+    CMA::VoiceParameterModel::ElementNode::ExceptionalParam8& dependent = *element->getExceptionalParam();
+    dependent.changeCorrectType(false);
+    GiveBack correction([&] { dependent.changeCorrectType(true); });
     convert<kLayout>(targets, data, isReceive);
+    correction.now();
     return result;
   }
-
- private:
-  class Uncorrected {
-   public:
-    using Parameter = CMA::VoiceParameterModel::ElementNode::ExceptionalParam8;
-
-    explicit Uncorrected(Parameter& parameter) : parameter_(parameter) { parameter_.changeCorrectType(false); }
-    Uncorrected(const Uncorrected&) = delete;
-    Uncorrected& operator=(const Uncorrected&) = delete;
-    ~Uncorrected() {
-      try {
-        parameter_.changeCorrectType(true);
-      } catch (...) {
-        // The failure that came first is told.
-      }
-    }
-
-   private:
-    Parameter& parameter_;
-  };
 };
 
 // 80 bytes (normal voice), 72 (drum voice): name and common settings.

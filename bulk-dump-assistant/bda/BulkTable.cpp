@@ -16,21 +16,25 @@ constexpr const char* kHolder = "BDA::BulkTable::getBulkBlockHolderForBulkReq";
 // Of voice blocks too, which are no footers.
 constexpr const char* kMismatchText = "error : this footer don't much header! [hi=%02x, mid=%02x, lo=%02x]\n";
 using Mismatch = Failure<unsigned, unsigned, unsigned>;
-constexpr Mismatch kFooterBankMismatch{{kFile, Line::ofThisSource(), "BDA::BulkTable::findBulkDumpFooter"},
-                                       kMismatchText};
-constexpr Mismatch kFooterMismatch{{kFile, Line::ofThisSource(), "BDA::BulkTable::findBulkDumpFooter"}, kMismatchText};
-constexpr Mismatch kNormalVoiceMismatch{{kFile, Line::ofThisSource(), "BDA::BulkTable::findBulkDumpNVce"},
-                                        kMismatchText};
-constexpr Mismatch kDrumVoiceMismatch{{kFile, Line::ofThisSource(), "BDA::BulkTable::findBulkDumpDVce"}, kMismatchText};
-constexpr Failure<unsigned, unsigned, unsigned> kNotFound{{kFile, Line::ofThisSource(), kHolder},
-                                                          "error : not found bulk block ! [ %02x %02x %02x ]\n"};
+constexpr Mismatch kFooterBankMismatch{
+    {kFile, Line::ofThisSource(), "BDA::BulkTable::findBulkDumpFooter"}, Refusal::headerMismatch, kMismatchText};
+constexpr Mismatch kFooterMismatch{
+    {kFile, Line::ofThisSource(), "BDA::BulkTable::findBulkDumpFooter"}, Refusal::headerMismatch, kMismatchText};
+constexpr Mismatch kNormalVoiceMismatch{
+    {kFile, Line::ofThisSource(), "BDA::BulkTable::findBulkDumpNVce"}, Refusal::headerMismatch, kMismatchText};
+constexpr Mismatch kDrumVoiceMismatch{
+    {kFile, Line::ofThisSource(), "BDA::BulkTable::findBulkDumpDVce"}, Refusal::headerMismatch, kMismatchText};
+constexpr Failure<unsigned, unsigned, unsigned> kNotFound{
+    {kFile, Line::ofThisSource(), kHolder}, Refusal::noBlock, "error : not found bulk block ! [ %02x %02x %02x ]\n"};
 constexpr Failure<int> kInvalidRequest{{kFile, Line::ofThisSource(), kHolder},
+                                       Refusal::notRequestedAlone,
                                        "error : invalid bulk req address ! [ blockType = %d ]\n"};
-constexpr Failure<int> kInvalidBank{{kFile, Line::ofThisSource(), kHolder},
-                                    "error : invalid bank Type ! [ bank = %d ] \n"};
-constexpr Failure<int> kUnknownHeader{{kFile, Line::ofThisSource(), kHolder},
-                                      "error : not found block ! [ blockType = %d ]\n"};
-constexpr Failure<> kNoFooter{{kFile, Line::ofThisSource(), kHolder}, "error : not found footer bulk block !\n"};
+constexpr Failure<int> kInvalidBank{
+    {kFile, Line::ofThisSource(), kHolder}, Refusal::wrongBank, "error : invalid bank Type ! [ bank = %d ] \n"};
+constexpr Failure<int> kUnknownHeader{
+    {kFile, Line::ofThisSource(), kHolder}, Refusal::unknownHeader, "error : not found block ! [ blockType = %d ]\n"};
+constexpr Failure<> kNoFooter{
+    {kFile, Line::ofThisSource(), kHolder}, Refusal::unknownHeader, "error : not found footer bulk block !\n"};
 
 void report(const Mismatch& mismatch, const Address& address) {
   mismatch(address.getHi(), address.getMid(), address.getLo());

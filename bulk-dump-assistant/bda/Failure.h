@@ -4,17 +4,19 @@
 // relies on both. So both are data: a source file declares its failures at its top, and the code that fails calls one:
 //
 //     constexpr Failure<int> kWrongLength{
-//         {kFile, 139, "BDA::Utility::calcCheckSum"}, "error : wrong length ! [length = %d]\n"};
+//         {kFile, 139, "BDA::Utility::calcCheckSum"}, Refusal::wrongByteCount, "error : wrong length ! [length =
+//         %d]\n"};
 //     ...
 //     kWrongLength(int(length));
 //     return 0;
 //
 // The compiler checks each message's conversions against the argument types, so that a failure path that nothing has
-// run yet cannot print rubbish.
+// run yet cannot print rubbish. The refusal is what an observer of the assistant is told.
 
 #include <type_traits>
 
 #include "Compiler.h"
+#include "Reception.h"
 #include "bda/platform/Basekit/Tracer.h"
 
 namespace BDA {
@@ -30,6 +32,8 @@ class Line {
  private:
   int number_;
 };
+
+using Refusal = BulkDumpRefusal;
 
 struct Site {
   const char* file;
@@ -87,28 +91,37 @@ consteval void checkMessage(const char* text) {
 template <typename... Arguments>
 class Failure {
  public:
-  consteval Failure(Site site, const char* message) : site_(site), message_(message) {
+  consteval Failure(Site site, Refusal refusal, const char* message)
+      : site_(site), refusal_(refusal), message_(message) {
     detail::checkMessage<Arguments...>(message);
   }
 
   void operator()(Arguments... arguments) const {
     Basekit::Tracer::dumpError("%s:%d [%s] ", site_.file, site_.line.number(), site_.function);
     Basekit::Tracer::dumpError(message_, arguments...);
+    Notes::refusal(refusal_);
   }
 
  private:
   Site site_;
+  Refusal refusal_;
   const char* message_;
 };
 
 // The one report that carries no location.
 class BareMessage {
  public:
-  consteval explicit BareMessage(const char* message) : message_(message) { detail::checkMessage<>(message); }
+  consteval BareMessage(Refusal refusal, const char* message) : refusal_(refusal), message_(message) {
+    detail::checkMessage<>(message);
+  }
 
-  void operator()() const { Basekit::Tracer::dumpError(message_); }
+  void operator()() const {
+    Basekit::Tracer::dumpError(message_);
+    Notes::refusal(refusal_);
+  }
 
  private:
+  Refusal refusal_;
   const char* message_;
 };
 

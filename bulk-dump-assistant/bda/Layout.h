@@ -8,8 +8,8 @@
 //
 // The same rows receive and dump. Before a layout can be used the compiler proves (see kIsSound) that
 //   * every row lies inside the block;
-//   * no bit of a data byte is claimed by two rows;
-//   * the bits that no row claims are exactly the declared gaps;
+//   * no bit of a data byte is written by two rows;
+//   * the bits that no row claims are exactly the declared gaps, bit 7 of every byte included;
 //   * no parameter is written by two rows.
 
 #include <array>
@@ -52,11 +52,12 @@ struct Row {
   std::uint16_t index2 = 0;
 };
 
-// Data bits that carry nothing: ignored when received, 0 when dumped.
+// Data bits that carry nothing: ignored when received, 0 when dumped. `step` 2 leaves out every other byte.
 struct Gap {
   std::uint16_t first;
   std::uint16_t last;
   std::uint8_t mask;
+  std::uint16_t step = 1;
 };
 
 // ---- How rows are written ------------------------------------------------------------------------------------------
@@ -142,12 +143,15 @@ constexpr Row setNameParam(int first, int length, int slot) {
   return {Routine::setNameParam, std::uint16_t(first), std::uint16_t(length), std::uint8_t(slot), 0};
 }
 
-constexpr Gap gap(int byte) { return {std::uint16_t(byte), std::uint16_t(byte), 0x7F}; }
-constexpr Gap gap(int first, int last) { return {std::uint16_t(first), std::uint16_t(last), 0x7F}; }
-constexpr Gap spareBits(int byte, int mask) { return {std::uint16_t(byte), std::uint16_t(byte), std::uint8_t(mask)}; }
 constexpr Gap spareBits(int first, int last, int mask) {
   return {std::uint16_t(first), std::uint16_t(last), std::uint8_t(mask)};
 }
+constexpr Gap spareBits(int byte, int mask) { return spareBits(byte, byte, mask); }
+constexpr Gap gap(int first, int last) { return spareBits(first, last, 0xFF); }
+constexpr Gap gap(int byte) { return gap(byte, byte); }
+// Of the high byte of a split pair, or of all pairs in bytes `first`..`last`, bit 0 alone travels.
+constexpr Gap spareOfSplit(int high) { return spareBits(high, 0xFE); }
+constexpr Gap spareOfSplitRun(int first, int last) { return {std::uint16_t(first), std::uint16_t(last), 0xFE, 2}; }
 
 template <std::size_t RowCount, std::size_t GapCount>
 struct Layout {
@@ -158,12 +162,13 @@ struct Layout {
 template <std::size_t RowCount, std::size_t GapCount>
 Layout(int, std::array<Row, RowCount>, std::array<Gap, GapCount>) -> Layout<RowCount, GapCount>;
 
-template <std::size_t... Counts>
-constexpr auto join(const std::array<Row, Counts>&... parts) {
-  std::array<Row, (Counts + ...)> all{};
+// Rows, or gaps, one list behind the other.
+template <typename Item, std::size_t... Counts>
+constexpr auto join(const std::array<Item, Counts>&... parts) {
+  std::array<Item, (Counts + ...)> all{};
   std::size_t size = 0;
   const auto append = [&](const auto& part) {
-    for (const Row& row : part) all[size++] = row;
+    for (const Item& item : part) all[size++] = item;
   };
   (append(parts), ...);
   return all;
@@ -175,17 +180,38 @@ inline constexpr int kNone = -1;
 inline constexpr std::size_t kMaxLength = 512;
 
 constexpr int lastByte(const Row& row) { return row.byte + row.count * bytesPerStep(row.routine) - 1; }
-constexpr std::uint8_t claimedBits(const Row& row) {
+
+// The bits of byte `n` of a step that travel: those that change a parameter when received, or can be 1 when dumped.
+// Bit 7, which no MIDI cable carries, is among them where a byte is taken as it comes.
+constexpr std::uint8_t claimedBits(const Row& row, int n) {
+  const bool isHigh = n == 0;
   switch (row.routine) {
-    case Routine::setBitParam:
-      return row.mask;
+    case Routine::setSplitByteParam:
+      return isHigh ? 0x01 : 0xFF;
+    case Routine::setSplitByteHigh:
+      return 0x01;
+    case Routine::setNibbleSplitParam:
+      return isHigh ? 0x0F : 0xFF;
     case Routine::setLowNibble:
     case Routine::setNibbleWord:
       return 0x0F;
+    case Routine::setBitParam:
+      return row.mask;
+    default:
+      return 0xFF;
+  }
+}
+// The bits of its bytes that a row writes when dumped, so that no other row may: all of them, but for the routines that
+// share a byte. A row that shares another row's byte counts for nothing here.
+constexpr std::uint8_t writtenBits(const Row& row) {
+  switch (row.routine) {
+    case Routine::setLowNibble:
+    case Routine::setBitParam:
+      return claimedBits(row, 0);
     case Routine::setSharedByteParam:
       return 0;
     default:
-      return 0x7F;
+      return 0xFF;
   }
 }
 constexpr bool isName(const Row& row) { return row.routine == Routine::setNameParam; }
@@ -227,12 +253,12 @@ constexpr int firstRowOutside(const L& layout) {
 }
 
 template <typename L>
-constexpr int firstByteClaimedTwice(const L& layout) {
-  Bits claimed{};
+constexpr int firstByteWrittenTwice(const L& layout) {
+  Bits written{};
   for (const Row& row : layout.rows)
     for (std::size_t byte = row.byte; byte <= std::size_t(lastByte(row)); ++byte) {
-      if ((claimed[byte] & claimedBits(row)) != 0) return int(byte);
-      claimed[byte] = std::uint8_t(claimed[byte] | claimedBits(row));
+      if ((written[byte] & writtenBits(row)) != 0) return int(byte);
+      written[byte] = std::uint8_t(written[byte] | writtenBits(row));
     }
   return kNone;
 }
@@ -241,8 +267,10 @@ template <typename L>
 constexpr Bits claimedIn(const L& layout) {
   Bits claimed{};
   for (const Row& row : layout.rows)
-    for (std::size_t byte = row.byte; byte <= std::size_t(lastByte(row)); ++byte)
-      claimed[byte] = std::uint8_t(claimed[byte] | claimedBits(row));
+    for (int byte = row.byte; byte <= lastByte(row); ++byte) {
+      std::uint8_t& bits = claimed[std::size_t(byte)];
+      bits = std::uint8_t(bits | claimedBits(row, (byte - row.byte) % bytesPerStep(row.routine)));
+    }
   return claimed;
 }
 
@@ -250,7 +278,7 @@ template <typename L>
 constexpr int firstGapThatIsClaimed(const L& layout) {
   const Bits claimed = claimedIn(layout);
   for (const Gap& unused : layout.gaps)
-    for (std::size_t byte = unused.first; byte <= unused.last; ++byte)
+    for (std::size_t byte = unused.first; byte <= unused.last; byte += unused.step)
       if (byte >= layout.length || (claimed[byte] & unused.mask) != 0) return int(byte);
   return kNone;
 }
@@ -259,10 +287,10 @@ template <typename L>
 constexpr int firstByteNeitherClaimedNorGap(const L& layout) {
   Bits known = claimedIn(layout);
   for (const Gap& unused : layout.gaps)
-    for (std::size_t byte = unused.first; byte <= unused.last; ++byte)
+    for (std::size_t byte = unused.first; byte <= unused.last; byte += unused.step)
       known[byte] = std::uint8_t(known[byte] | unused.mask);
   for (std::size_t byte = 0; byte < layout.length; ++byte)
-    if (known[byte] != 0x7F) return int(byte);
+    if (known[byte] != 0xFF) return int(byte);
   return kNone;
 }
 
@@ -294,10 +322,14 @@ constexpr int firstRowWithUsedTarget(const L& layout) {
 }
 
 template <typename L>
-constexpr int firstSharedByteThatIsNotClaimed(const L& layout) {
-  const Bits claimed = claimedIn(layout);
-  for (const Row& row : layout.rows)
-    if (row.routine == Routine::setSharedByteParam && claimed[row.byte] == 0) return row.byte;
+constexpr int firstSharedByteThatIsNotWritten(const L& layout) {
+  for (const Row& row : layout.rows) {
+    if (row.routine != Routine::setSharedByteParam) continue;
+    bool isWritten = false;
+    for (const Row& other : layout.rows)
+      isWritten = isWritten || (other.byte <= row.byte && row.byte <= lastByte(other) && writtenBits(other) != 0);
+    if (!isWritten) return row.byte;
+  }
   return kNone;
 }
 
@@ -305,11 +337,11 @@ template <const auto& kLayout>
 constexpr bool isSound() {
   static_assert(kLayout.length <= kMaxLength);
   static_assert(firstRowOutside(kLayout) == kNone, "a row lies outside the block (row number on the left)");
-  static_assert(firstByteClaimedTwice(kLayout) == kNone, "two rows claim this data byte");
+  static_assert(firstByteWrittenTwice(kLayout) == kNone, "two rows write this data byte");
   static_assert(firstGapThatIsClaimed(kLayout) == kNone, "this byte is declared a gap but a row claims it");
   static_assert(firstByteNeitherClaimedNorGap(kLayout) == kNone, "this byte is neither claimed nor a declared gap");
   static_assert(firstRowWithUsedTarget(kLayout) == kNone, "two rows write the same parameter (row number on the left)");
-  static_assert(firstSharedByteThatIsNotClaimed(kLayout) == kNone, "this shared byte is claimed by no other row");
+  static_assert(firstSharedByteThatIsNotWritten(kLayout) == kNone, "this shared byte is written by no other row");
   return true;
 }
 

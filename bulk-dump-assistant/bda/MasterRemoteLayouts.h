@@ -28,7 +28,7 @@ inline constexpr Layout kLayout{
         setBitParam(13, 0x10, 0, 28), setBitParam(13, 0x20, 0, 29), setBitParam(13, 0x40, 0, 30),
         setByteRun(14, 15, 0, 31),
     },
-    std::array{spareBits(0, 0x40), gap(5), spareBits(11, 0x60), spareBits(13, 0x08)}};
+    std::array{spareBits(0, 0xC0), gap(5), spareBits(11, 0xE0), spareBits(12, 0x80), spareBits(13, 0x88)}};
 
 }  // namespace MasterZone
 

@@ -10,12 +10,17 @@ namespace BDA {
 MessageModelInterfaceWrapper::MessageModelInterfaceWrapper(EvtSrv::EventPortManager* manager, const char* modelName,
                                                            bool silent, unsigned char channel)
     : interface_(nullptr) {
-  if (!silent) interface_ = new (std::nothrow) CMA::MessageModelInterface(manager, modelName, channel);
+  if (!silent) open(manager, modelName, channel);
 }
 
 MessageModelInterfaceWrapper::~MessageModelInterfaceWrapper() {
   delete interface_;
   interface_ = nullptr;
+}
+
+void MessageModelInterfaceWrapper::open(EvtSrv::EventPortManager* manager, const char* modelName,
+                                        unsigned char channel) {
+  interface_ = new (std::nothrow) CMA::MessageModelInterface(manager, modelName, channel);
 }
 
 void MessageModelInterfaceWrapper::setId(std::uint16_t id) {

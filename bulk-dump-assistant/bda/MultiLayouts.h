@@ -27,9 +27,23 @@ inline constexpr std::array kRows{
     setByteRun(54, 55, extra, 3),        setSplitByteParam(56, 57, extra, 5), setByteParam(58, extra, 6),
     setByteRun(60, 61, main, 56),
 };
-inline constexpr Layout kLayout{62, kRows,
-                                std::array{gap(0), gap(20), gap(23), gap(29), spareBits(31, 0x03), spareBits(32, 0x10),
-                                           gap(44), gap(47), gap(51), gap(59)}};
+inline constexpr std::array kGaps{
+    spareBits(16, 0xF0),
+    gap(20),
+    gap(23),
+    gap(29),
+    spareBits(31, 0x83),
+    spareBits(32, 0x90),
+    spareBits(33, 0x80),
+    gap(44),
+    gap(47),
+    spareOfSplit(48),
+    gap(51),
+    spareOfSplit(52),
+    spareOfSplit(56),
+    gap(59),
+};
+inline constexpr Layout kLayout{62, kRows, join(std::array{gap(0)}, kGaps)};
 
 }  // namespace MultiPart
 
@@ -41,9 +55,7 @@ inline constexpr std::array kOwnRows{
     setByteParam(0, MultiPart::main, 0),
     setSharedByteParam(30, MultiPart::main, 55),
 };
-inline constexpr Layout kLayout{63, join(kOwnRows, MultiPart::kRows),
-                                std::array{gap(20), gap(23), gap(29), spareBits(31, 0x03), spareBits(32, 0x10), gap(44),
-                                           gap(47), gap(51), gap(59), gap(62)}};
+inline constexpr Layout kLayout{63, join(kOwnRows, MultiPart::kRows), join(MultiPart::kGaps, std::array{gap(62)})};
 
 }  // namespace PerfPart
 
@@ -67,15 +79,16 @@ inline constexpr std::array kBeforeSwitches{
     setByteRun(63, 64, common, 28),
     setByteParam(75, common, 40),
 };
-inline constexpr Layout kLayout{80,
-                                join(kBeforeSwitches,
-                                     std::array{
-                                         setBitParam(77, 0x01, part0 + 14, kPartInsertionSwitch),
-                                         setBitParam(77, 0x02, part0 + 15, kPartInsertionSwitch),
-                                         setBitParam(77, 0x20, adPart0, kAdPartInsertionSwitch),
-                                     },
-                                     partSwitchRows()),
-                                std::array{gap(0, 29), gap(31, 62), gap(65, 74), gap(76), spareBits(77, 0x5C)}};
+inline constexpr Layout kLayout{
+    80,
+    join(kBeforeSwitches,
+         std::array{
+             setBitParam(77, 0x01, part0 + 14, kPartInsertionSwitch),
+             setBitParam(77, 0x02, part0 + 15, kPartInsertionSwitch),
+             setBitParam(77, 0x20, adPart0, kAdPartInsertionSwitch),
+         },
+         partSwitchRows()),
+    std::array{gap(0, 29), gap(31, 62), gap(65, 74), gap(76), spareBits(77, 0xDC), spareBits(78, 79, 0x80)}};
 
 }  // namespace MultiCommon
 
@@ -103,7 +116,7 @@ inline constexpr Layout kLayout{
              setBitParam(80, 0x08, part0 + 3, kPartInsertionSwitch),
          }),
     std::array{gap(20, 23), gap(26, 29), gap(32), gap(39), gap(44, 45), gap(48), gap(52), gap(55), gap(61, 62), gap(65),
-               gap(68, 75), gap(77), spareBits(78, 0x5F), gap(79), spareBits(80, 0x70)}};
+               gap(68, 75), gap(77), spareBits(78, 0xDF), gap(79), spareBits(80, 0xF0)}};
 
 }  // namespace PerfCommon
 
@@ -114,9 +127,10 @@ inline constexpr std::array kRows{
     setByteRun(4, 5, 0, 0),
     setSplitRun(6, 11, 0, 2),
 };
-inline constexpr Layout kMulti{14, join(kRows, std::array{setSplitByteParam(12, 13, 0, 5)}), std::array{gap(1, 3)}};
+inline constexpr std::array kGaps{gap(1, 3), spareOfSplitRun(6, 11), spareOfSplit(12)};
+inline constexpr Layout kMulti{14, join(kRows, std::array{setSplitByteParam(12, 13, 0, 5)}), kGaps};
 // A performance's block ends within the last pair: the low 7 bits of index 5 do not travel, by contract.
-inline constexpr Layout kPerformance{13, join(kRows, std::array{setSplitByteHigh(12, 0, 5)}), std::array{gap(1, 3)}};
+inline constexpr Layout kPerformance{13, join(kRows, std::array{setSplitByteHigh(12, 0, 5)}), kGaps};
 
 }  // namespace MultiCommonArp
 
@@ -124,20 +138,21 @@ namespace MultiPartArp {
 
 enum Slot { arpeggio, six };
 
-inline constexpr Layout kLayout{72,
-                                std::array{
-                                    setByteRun(0, 2, arpeggio, 0),
-                                    setByteParam(3, arpeggio, 38),
-                                    setByteRun(6, 17, arpeggio, 3),
-                                    setSplitRun(18, 21, arpeggio, 15),
-                                    setSplitByteParam(26, 27, arpeggio, 17),
-                                    setByteRun(28, 29, arpeggio, 20),  // crossed with the next row by contract
-                                    setByteRun(30, 31, arpeggio, 18),
-                                    setByteRun(32, 35, arpeggio, 22),
-                                    setSplitRun(36, 59, arpeggio, 26),
-                                    setPairRun(60, 71, six, 0),
-                                },
-                                std::array{gap(4, 5), gap(22, 25)}};
+inline constexpr Layout kLayout{
+    72,
+    std::array{
+        setByteRun(0, 2, arpeggio, 0),
+        setByteParam(3, arpeggio, 38),
+        setByteRun(6, 17, arpeggio, 3),
+        setSplitRun(18, 21, arpeggio, 15),
+        setSplitByteParam(26, 27, arpeggio, 17),
+        setByteRun(28, 29, arpeggio, 20),  // crossed with the next row by contract
+        setByteRun(30, 31, arpeggio, 18),
+        setByteRun(32, 35, arpeggio, 22),
+        setSplitRun(36, 59, arpeggio, 26),
+        setPairRun(60, 71, six, 0),
+    },
+    std::array{gap(4, 5), spareOfSplitRun(18, 21), gap(22, 25), spareOfSplit(26), spareOfSplitRun(36, 59)}};
 
 }  // namespace MultiPartArp
 

@@ -3,6 +3,7 @@
 #include "BulkMessage.h"
 #include "BulkTable.h"
 #include "Failure.h"
+#include "SystemSettings.h"
 
 namespace BDA {
 namespace {
@@ -10,15 +11,18 @@ namespace {
 constexpr const char* kFile = "..\\..\\bda\\Receiver.cpp";
 constexpr const char* kDump = "BDA::BulkDumpReceiver::receiveBulkDump";
 constexpr const char* kRequest = "BDA::BulkRequestReceiver::receiveBulkRequest";
-constexpr Failure<int> kInvalidLength{{kFile, 94, kDump}, "error : invalid length ! [ length = %d ]\n"};
-constexpr Failure<> kNoBridgeForDump{{kFile, 101, kDump}, "error : bda bridge is NULL !\n"};
-constexpr Failure<unsigned, unsigned, unsigned> kNoBlock{{kFile, 116, kDump},
-                                                         "error : not found block [ %02x, %02x, %02x ]\n"};
-constexpr Failure<unsigned> kBlockFailed{{kFile, 128, kDump}, "error : setBulkDumpMessage() ! [ BDAErr = 0x%02x ] \n"};
-constexpr Failure<> kNoBridgeForRequest{{kFile, 216, kRequest}, "error : bda bridge is NULL ! \n"};
-constexpr Failure<unsigned, unsigned, unsigned> kNoAddress{{kFile, 225, kRequest},
-                                                           "error : not found address ! [ %02x %02x %02x ]\n"};
-constexpr Failure<unsigned> kDumpFailed{{kFile, 251, kRequest}, "error : getBulkDumpMessage() ! [ BDAErr = 0x%02x ]\n"};
+constexpr Failure<int> kInvalidLength{
+    {kFile, 94, kDump}, Refusal::malformedMessage, "error : invalid length ! [ length = %d ]\n"};
+constexpr Failure<> kNoBridgeForDump{{kFile, 101, kDump}, Refusal::noBridge, "error : bda bridge is NULL !\n"};
+constexpr Failure<unsigned, unsigned, unsigned> kNoBlock{
+    {kFile, 116, kDump}, Refusal::noBlock, "error : not found block [ %02x, %02x, %02x ]\n"};
+constexpr Failure<unsigned> kBlockFailed{
+    {kFile, 128, kDump}, Refusal::blockFailed, "error : setBulkDumpMessage() ! [ BDAErr = 0x%02x ] \n"};
+constexpr Failure<> kNoBridgeForRequest{{kFile, 216, kRequest}, Refusal::noBridge, "error : bda bridge is NULL ! \n"};
+constexpr Failure<unsigned, unsigned, unsigned> kNoAddress{
+    {kFile, 225, kRequest}, Refusal::noBlock, "error : not found address ! [ %02x %02x %02x ]\n"};
+constexpr Failure<unsigned> kDumpFailed{
+    {kFile, 251, kRequest}, Refusal::blockFailed, "error : getBulkDumpMessage() ! [ BDAErr = 0x%02x ]\n"};
 
 constexpr BDAErr kUnitCompleted =
     BDA_INFO_FOOTER | BDA_INFO_FILE_DUMP | BDA_INFO_SYSTEM | BDA_INFO_EDITOR | BDA_INFO_FILE_DUMP_CONTROL;
@@ -48,14 +52,6 @@ BulkDumpReceiver::BulkDumpReceiver(BulkTable* table, CMA::JobTools* jobTools, Bu
       noticeType_(kNoticeType) {}
 
 BDAErr BulkDumpReceiver::receiveBulkDump(const std::uint8_t* message, std::uint32_t length, DevicePortNum port) {
-  try {
-    return receive(message, length, port);
-  } catch (...) {
-    return BDA_ERR;
-  }
-}
-
-BDAErr BulkDumpReceiver::receive(const std::uint8_t* message, std::uint32_t length, DevicePortNum port) {
   if (length < kDumpFrame) {
     kInvalidLength(int(length));
     return BDA_ERR_DATA_LENGTH;
@@ -82,7 +78,7 @@ BDAErr BulkDumpReceiver::receive(const std::uint8_t* message, std::uint32_t leng
 void BulkDumpReceiver::sendNotice(DevicePortNum port) {
   if (port != DevicePort_Echo && port != DevicePort_Remote) return;
   unsigned char device = 0;
-  if (Utility::getDeviceNumber(*jobTools_, &device) == CMA::DeviceNumber_Off) return;
+  if (readDeviceNumber(*jobTools_, &device) == CMA::DeviceNumber_Off) return;
   notice_[kNoticeDeviceAt] = noticeType_ | device;
   send(notice_, port);
 }
@@ -92,14 +88,6 @@ BulkRequestReceiver::BulkRequestReceiver(BulkTable* table, CMA::JobTools* jobToo
     : BulkReceiverBase(table, jobTools, bridge), work_(work) {}
 
 BDAErr BulkRequestReceiver::receiveBulkRequest(const std::uint8_t* message, std::uint32_t length, DevicePortNum port) {
-  try {
-    return answer(message, length, port);
-  } catch (...) {
-    return BDA_ERR;
-  }
-}
-
-BDAErr BulkRequestReceiver::answer(const std::uint8_t* message, std::uint32_t length, DevicePortNum port) {
   if (length != kRequestLength) return BDA_ERR_DATA_LENGTH;
   if (bridge_ == nullptr) {
     kNoBridgeForRequest();

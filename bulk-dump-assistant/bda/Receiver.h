@@ -34,12 +34,11 @@ class BulkDumpReceiver : public BulkReceiverBase {
   BulkDumpReceiver(BulkTable* table, CMA::JobTools* jobTools, BulkDumpBridge* bridge,
                    MessageModelInterfaceWrapper* messageModel);
 
-  // The block's result, or why no block was asked. Fails (BDA_ERR) when storage runs out on the way; throws nothing.
+  // The block's result, or why no block was asked. Lets through what is thrown on the way.
   virtual BDAErr receiveBulkDump(const std::uint8_t* message, std::uint32_t length, DevicePortNum port);
   virtual void setBridge(BulkDumpBridge* bridge) { bridge_ = bridge; }
 
  private:
-  BDAErr receive(const std::uint8_t* message, std::uint32_t length, DevicePortNum port);
   void sendNotice(DevicePortNum port);
 
   std::vector<std::uint8_t> notice_;
@@ -53,13 +52,11 @@ class BulkRequestReceiver : public BulkReceiverBase {
   BulkRequestReceiver(BulkTable* table, CMA::JobTools* jobTools, BulkDumpBridge* bridge, ContSrv::Work* work);
 
   // The blocks' results, ORed; BDA_INFO_SWALLOWED when there is nothing to send. What was built before a failure has
-  // been sent. Fails (BDA_ERR) when storage runs out on the way; throws nothing.
+  // been sent. Lets through what is thrown on the way.
   virtual BDAErr receiveBulkRequest(const std::uint8_t* message, std::uint32_t length, DevicePortNum port);
   virtual void setBridge(BulkDumpBridge* bridge) { bridge_ = bridge; }
 
  private:
-  BDAErr answer(const std::uint8_t* message, std::uint32_t length, DevicePortNum port);
-
   [[maybe_unused]] ContSrv::Work* work_;  // only kept
 };
 

@@ -28,7 +28,7 @@ inline constexpr Layout kLayout{
         setByteParam(62, common, 48),
         setByteParam(64, common, 49),
     },
-    std::array{spareBits(2, 5, 0x70), gap(12), gap(14, 16), gap(19), gap(22, 23), gap(25, 26), gap(32, 34), gap(36, 39),
+    std::array{spareBits(2, 5, 0xF0), gap(12), gap(14, 16), gap(19), gap(22, 23), gap(25, 26), gap(32, 34), gap(36, 39),
                gap(52), gap(54), gap(56), gap(58), gap(61), gap(63), gap(65, 67)}};
 
 }  // namespace SystemCommon

@@ -2,18 +2,17 @@
 #include <cstring>
 
 #include "BulkMessage.h"
-#include "EditorNumbers.h"
 #include "Failure.h"
+#include "SystemSettings.h"
 #include "bda/BulkDumpAssistant.h"
-#include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
 namespace {
 
 constexpr const char* kFile = "..\\..\\bda\\Utilities.cpp";
-constexpr Failure<int> kWrongLength{{kFile, 139, "BDA::Utility::calcCheckSum"},
-                                    "error : wrong length ! [length = %d]\n"};
-constexpr BareMessage kTooShort{"Message is too short!!!\n"};
+constexpr Failure<int> kWrongLength{
+    {kFile, 139, "BDA::Utility::calcCheckSum"}, Refusal::wrongByteCount, "error : wrong length ! [length = %d]\n"};
+constexpr BareMessage kTooShort{Refusal::wrongByteCount, "Message is too short!!!\n"};
 
 std::uint64_t load(const unsigned char* bytes) {
   std::uint64_t word = 0;
@@ -84,15 +83,12 @@ bool Utility::isCorrectCheckSum(const unsigned char* message, unsigned long leng
 }
 
 CMA::DeviceNumber Utility::getDeviceNumber(CMA::JobTools& jobTools, unsigned char* nibble) {
-  std::uint8_t setting = CMA::DeviceNumber_Off;
-  CMA::SystemParameterModel* const system = jobTools.getSystemModel();
-  if (CMA::ParameterGroup* const utility = system == nullptr ? nullptr : system->getUtility()) {
-    setting = 0;
-    utility->get(&setting, kDeviceNumberParameter);
+  try {
+    return readDeviceNumber(jobTools, nibble);
+  } catch (...) {
+    if (nibble != nullptr) *nibble = 0;
+    return CMA::DeviceNumber_Off;
   }
-  const bool isDevice = setting != CMA::DeviceNumber_All && setting != CMA::DeviceNumber_Off;
-  if (nibble != nullptr) *nibble = isDevice ? setting : std::uint8_t{0};
-  return static_cast<CMA::DeviceNumber>(setting);
 }
 
 }  // namespace BDA

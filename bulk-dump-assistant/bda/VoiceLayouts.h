@@ -37,14 +37,13 @@ inline constexpr std::array kDrumTail{
     setByteRun(70, 71, common, 37),
 };
 
-inline constexpr Layout kNormal{
-    80, join(kShared, kNormalTail),
-    std::array{gap(20, 23), gap(26, 29), gap(39), gap(47), gap(55), gap(60, 62), gap(78, 79)}};
-inline constexpr Layout kDrum{72, join(kShared, kDrumTail),
-                              std::array{gap(20, 23), gap(26, 29), gap(39), gap(47), gap(55), gap(60, 62), gap(64)}};
+inline constexpr std::array kSharedGaps{gap(20, 23),      gap(26, 29),      gap(39), spareOfSplit(44), gap(47),
+                                        spareOfSplit(48), spareOfSplit(52), gap(55), gap(60, 62)};
+
+inline constexpr Layout kNormal{80, join(kShared, kNormalTail), join(kSharedGaps, std::array{gap(78, 79)})};
+inline constexpr Layout kDrum{72, join(kShared, kDrumTail), join(kSharedGaps, std::array{gap(64)})};
 // What a block of neither type would carry.
-inline constexpr Layout kEither{64, kShared,
-                                std::array{gap(20, 23), gap(26, 29), gap(39), gap(47), gap(55), gap(60, 62)}};
+inline constexpr Layout kEither{64, kShared, kSharedGaps};
 
 }  // namespace VoiceCommon
 
@@ -66,7 +65,8 @@ inline constexpr Layout kLayout{86,
                                     setSplitRun(50, 73, entry, 26),
                                     setPairRun(74, 85, six, 0),
                                 },
-                                std::array{gap(1), gap(4, 13), gap(15, 19), gap(36, 39)}};
+                                std::array{gap(1), gap(4, 13), gap(15, 19), spareOfSplitRun(32, 35), gap(36, 39),
+                                           spareOfSplit(40), spareOfSplitRun(50, 73)}};
 
 }  // namespace VoiceCommonArp
 
@@ -108,7 +108,10 @@ constexpr auto controllerRow() {
 inline constexpr auto kRows = join(controllerRow<0>(), controllerRow<1>(), controllerRow<2>(), controllerRow<3>(),
                                    controllerRow<4>(), controllerRow<5>());
 
-inline constexpr Layout kDrum{24, kRows, std::array<Gap, 0>{}};
+inline constexpr std::array kGaps{spareOfSplit(2),  spareOfSplit(6),  spareOfSplit(10),
+                                  spareOfSplit(14), spareOfSplit(18), spareOfSplit(22)};
+
+inline constexpr Layout kDrum{24, kRows, kGaps};
 inline constexpr Layout kNormal{60,
                                 join(kRows,
                                      std::array{
@@ -123,7 +126,7 @@ inline constexpr Layout kNormal{60,
                                          setByteRun(43, 58, 0, 76),
                                          setByteParam(59, 0, 92),
                                      }),
-                                std::array<Gap, 0>{}};
+                                kGaps};
 
 }  // namespace VoiceCommonCtrl
 
@@ -131,48 +134,50 @@ namespace NormalVoiceElmOsc {
 
 enum Slot { element, wave };
 
-inline constexpr Layout kLayout{
-    88,
-    std::array{
-        setByteRun(0, 1, element, 0),       setByteParam(4, element, 2),
-        setPairParam(2, 3, wave, 0),        setByteRun(5, 16, element, 6),
-        setByteParam(17, element, 20),      setBitParam(19, 0x01, element, 22),
-        setBitParam(19, 0x02, element, 23), setBitParam(19, 0x04, element, 24),
-        setBitParam(19, 0x08, element, 25), setBitParam(19, 0x10, element, 26),
-        setBitParam(19, 0x20, element, 27), setBitParam(21, 0x01, element, 28),
-        setBitParam(21, 0x02, element, 29), setBitParam(21, 0x04, element, 30),
-        setByteRun(22, 23, element, 31),    setByteRun(26, 38, element, 33),
-        setByteRun(40, 43, element, 46),    setByteRun(44, 47, element, 51),
-        setSplitRun(48, 55, element, 55),   setByteParam(56, element, 59),
-        setByteParam(57, element, 50),  // out of order by contract
-        setByteRun(58, 69, element, 60),    setSplitRun(70, 79, element, 72),
-        setByteRun(80, 86, element, 77),
-    },
-    std::array{gap(18), spareBits(19, 0x40), gap(20), spareBits(21, 0x78), gap(24, 25), gap(39), gap(87)}};
+inline constexpr Layout kLayout{88,
+                                std::array{
+                                    setByteRun(0, 1, element, 0),       setByteParam(4, element, 2),
+                                    setPairParam(2, 3, wave, 0),        setByteRun(5, 16, element, 6),
+                                    setByteParam(17, element, 20),      setBitParam(19, 0x01, element, 22),
+                                    setBitParam(19, 0x02, element, 23), setBitParam(19, 0x04, element, 24),
+                                    setBitParam(19, 0x08, element, 25), setBitParam(19, 0x10, element, 26),
+                                    setBitParam(19, 0x20, element, 27), setBitParam(21, 0x01, element, 28),
+                                    setBitParam(21, 0x02, element, 29), setBitParam(21, 0x04, element, 30),
+                                    setByteRun(22, 23, element, 31),    setByteRun(26, 38, element, 33),
+                                    setByteRun(40, 43, element, 46),    setByteRun(44, 47, element, 51),
+                                    setSplitRun(48, 55, element, 55),   setByteParam(56, element, 59),
+                                    setByteParam(57, element, 50),  // out of order by contract
+                                    setByteRun(58, 69, element, 60),    setSplitRun(70, 79, element, 72),
+                                    setByteRun(80, 86, element, 77),
+                                },
+                                std::array{gap(18), spareBits(19, 0xC0), gap(20), spareBits(21, 0xF8), gap(24, 25),
+                                           gap(39), spareOfSplitRun(48, 55), spareOfSplitRun(70, 79), gap(87)}};
 
 }  // namespace NormalVoiceElmOsc
 
 namespace NormalVoiceElmFilter {
 
-inline constexpr Layout kLayout{74,
-                                std::array{
-                                    setByteParam(0, 0, 84),
-                                    setSplitByteParam(2, 3, 0, 85),
-                                    setByteRun(4, 6, 0, 86),
-                                    setSplitRun(8, 13, 0, 89),
-                                    setByteRun(14, 18, 0, 92),
-                                    setSplitRun(20, 29, 0, 97),
-                                    setByteRun(30, 36, 0, 102),
-                                    setByteRun(37, 40, 0, 109),
-                                    setSplitRun(42, 49, 0, 113),
-                                    setByteRun(50, 53, 0, 117),
-                                    setSplitByteParam(54, 55, 0, 121),
-                                    setByteParam(56, 0, 122),
-                                    setSplitByteParam(58, 59, 0, 123),
-                                    setByteParam(60, 0, 124),
-                                    setByteRun(62, 73, 0, 125),
-                                },
-                                std::array{gap(1), gap(7), gap(19), gap(41), gap(57), gap(61)}};
+inline constexpr Layout kLayout{
+    74,
+    std::array{
+        setByteParam(0, 0, 84),
+        setSplitByteParam(2, 3, 0, 85),
+        setByteRun(4, 6, 0, 86),
+        setSplitRun(8, 13, 0, 89),
+        setByteRun(14, 18, 0, 92),
+        setSplitRun(20, 29, 0, 97),
+        setByteRun(30, 36, 0, 102),
+        setByteRun(37, 40, 0, 109),
+        setSplitRun(42, 49, 0, 113),
+        setByteRun(50, 53, 0, 117),
+        setSplitByteParam(54, 55, 0, 121),
+        setByteParam(56, 0, 122),
+        setSplitByteParam(58, 59, 0, 123),
+        setByteParam(60, 0, 124),
+        setByteRun(62, 73, 0, 125),
+    },
+    std::array{gap(1), spareOfSplit(2), gap(7), spareOfSplitRun(8, 13), gap(19), spareOfSplitRun(20, 29), gap(41),
+               spareOfSplitRun(42, 49), spareOfSplit(54), gap(57), spareOfSplit(58), gap(61)}};
 
 }  // namespace NormalVoiceElmFilter
 
@@ -200,7 +205,8 @@ inline constexpr Layout kLayout{46,
                                     setSplitByteParam(42, 43, key, 123),
                                     setByteParam(44, key, 124),
                                 },
-                                std::array{gap(13), gap(16), gap(20, 22), gap(24, 25), gap(29), gap(41), gap(45)}};
+                                std::array{gap(13), gap(16), gap(20, 22), gap(24, 25), gap(29), spareOfSplit(30),
+                                           spareOfSplit(34), spareOfSplit(38), gap(41), spareOfSplit(42), gap(45)}};
 
 }  // namespace DrumVoiceKey
 

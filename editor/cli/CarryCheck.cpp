@@ -6,6 +6,7 @@
 #include <set>
 
 #include "AssistantHost.h"
+#include "Outcome.h"
 #include "messages/Messages.h"
 #include "models/ModelJson.h"
 
@@ -80,7 +81,7 @@ class Scratch {
     for (const BulkAddress address :
          target_.kind == Target::Kind::system ? systemAddresses() : std::vector<BulkAddress>{*target_.header}) {
       const AssistantHost::Effects effects = host_.handle(requestMessage(address), BDA::DevicePort_Main);
-      if (!effects.log.empty() || effects.sent.empty()) return std::nullopt;
+      if (hasFailed(effects) || effects.sent.empty()) return std::nullopt;
       for (const AssistantHost::Sent& sent : effects.sent) {
         messages.push_back(sent.bytes);
         for (std::size_t i = 1; i + 1 < messages.back().size(); ++i) messages.back()[i] &= 0x7F;

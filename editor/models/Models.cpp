@@ -84,7 +84,7 @@ void NameText::getFromServer(char* buffer, std::size_t capacity) const { text_.c
 
 // ---- What the models do --------------------------------------------------------------------------------------------
 
-VoiceModel::VoiceModel(bool drum) : element(drum ? 0 : kElements), key(drum ? kKeys : 0) {
+VoiceModel::VoiceModel(bool drum) : element(drum ? 0 : kElementCount), key(drum ? kKeyCount : 0) {
   const std::uint16_t kind = drum ? 1 : 0;
   type.set(&kind, 0, 0);
 }

@@ -45,7 +45,7 @@ class Wire {
 // A run of parameters, all of one width.
 class ArrayGroup final : public CMA::ParameterGroup {
  public:
-  explicit ArrayGroup(std::size_t length, Width width = Width::byte) : width_(width), values_(length) {}
+  explicit ArrayGroup(CMA::GroupSize size) : width_(size.bits == 8 ? Width::byte : Width::word), values_(size.count) {}
   ArrayGroup(const ArrayGroup&) = default;
   ArrayGroup& operator=(const ArrayGroup& other);
 
@@ -110,17 +110,8 @@ void visitNodes(const char* key, Nodes& nodes, Visitor& visitor) {
   visitor.list(key, nodes.size(), [&](std::size_t i) { visitFields(nodes[i], visitor); });
 }
 
-// The numbers of nodes that never vary.
-inline constexpr std::size_t kElements = 8;
-inline constexpr std::size_t kKeys = 73;
-inline constexpr std::size_t kParts = 16;
-inline constexpr std::size_t kAdParts = 1;
-inline constexpr std::size_t kZones = 4;
-inline constexpr std::size_t kControllers = 12;
-inline constexpr std::size_t kQuickSetups = 6;
-
-// Values of one effect: type, and its parameters.
-inline constexpr std::size_t kEffectParams = 21;
+// The parts of a multi, each of which plays a voice.
+inline constexpr std::size_t kParts = CMA::MultiParameterModel::kPartCount;
 
 class VoiceModel final : public CMA::VoiceParameterModel {
  public:
@@ -130,8 +121,8 @@ class VoiceModel final : public CMA::VoiceParameterModel {
       void changeCorrectType(bool /*correct*/) override {}
     };
 
-    ArrayGroup params{137};
-    ArrayGroup wave{1, Width::word};
+    ArrayGroup params{kParamsSize};
+    ArrayGroup wave{kWaveSize};
     Uncorrected exceptional;
 
     CMA::ParameterGroup* getParams() override { return &params; }
@@ -146,8 +137,8 @@ class VoiceModel final : public CMA::VoiceParameterModel {
   };
 
   struct Key final : KeyNode {
-    ArrayGroup params{125};
-    ArrayGroup wave{1, Width::word};
+    ArrayGroup params{kParamsSize};
+    ArrayGroup wave{kWaveSize};
 
     CMA::ParameterGroup* getParams() override { return &params; }
     CMA::ParameterGroup* getWave() override { return &wave; }
@@ -164,17 +155,17 @@ class VoiceModel final : public CMA::VoiceParameterModel {
   // By what it is made of; parameter 0 of the type group is data like any other.
   bool isDrum() const { return !key.empty(); }
 
-  NameText name{20};
-  ArrayGroup type{1};
-  ArrayGroup common{93};
-  ArrayGroup commonExtra{1};
-  ArrayGroup arpeggioCommon{7};
-  ArrayGroup arpeggioTempo{1, Width::word};
-  ArrayGroup arpeggioEntry{38};
-  ArrayGroup arpeggioSix{6, Width::word};
-  ArrayGroup insertionA{kEffectParams, Width::word};
-  ArrayGroup insertionB{kEffectParams, Width::word};
-  ArrayGroup insertionL{kEffectParams + 16, Width::word};
+  NameText name{kNameLength};
+  ArrayGroup type{kTypeSize};
+  ArrayGroup common{kCommonSize};
+  ArrayGroup commonExtra{kCommonExtraSize};
+  ArrayGroup arpeggioCommon{kArpeggioCommonSize};
+  ArrayGroup arpeggioTempo{kArpeggioTempoSize};
+  ArrayGroup arpeggioEntry{kArpeggioEntrySize};
+  ArrayGroup arpeggioSix{kArpeggioSixSize};
+  ArrayGroup insertionA{kInsertionASize};
+  ArrayGroup insertionB{kInsertionBSize};
+  ArrayGroup insertionL{kInsertionLSize};
   std::vector<Element> element;
   std::vector<Key> key;
 
@@ -215,9 +206,9 @@ class VoiceModel final : public CMA::VoiceParameterModel {
 class MultiModel final : public CMA::MultiParameterModel {
  public:
   struct Part final : PartNode {
-    ArrayGroup bankProgram{3};
-    ArrayGroup main{58};
-    ArrayGroup extra{7};
+    ArrayGroup bankProgram{kBankProgramSize};
+    ArrayGroup main{kMainSize};
+    ArrayGroup extra{kExtraSize};
 
     CMA::ParameterGroup* getBankProgram() override { return &bankProgram; }
     CMA::ParameterGroup* getMain() override { return &main; }
@@ -235,7 +226,7 @@ class MultiModel final : public CMA::MultiParameterModel {
   };
 
   struct AdPart final : AdPartNode {
-    ArrayGroup params{8};
+    ArrayGroup params{kParamsSize};
 
     CMA::ParameterGroup* getParams() override { return &params; }
 
@@ -245,19 +236,19 @@ class MultiModel final : public CMA::MultiParameterModel {
     }
   };
 
-  NameText name{20};
-  ArrayGroup common{41};
-  ArrayGroup reverb{kEffectParams, Width::word};
-  ArrayGroup reverbSettings{2};
-  ArrayGroup chorus{kEffectParams, Width::word};
-  ArrayGroup chorusSettings{3};
-  ArrayGroup insertionA{kEffectParams, Width::word};
-  ArrayGroup insertionB{kEffectParams, Width::word};
-  ArrayGroup masterEq{18};
-  ArrayGroup masterEffect{kEffectParams, Width::word};
-  ArrayGroup masterEffectSettings{1};
-  std::vector<AdPart> adPart{kAdParts};
-  std::vector<Part> part{kParts};
+  NameText name{kNameLength};
+  ArrayGroup common{kCommonSize};
+  ArrayGroup reverb{kReverbSize};
+  ArrayGroup reverbSettings{kReverbSettingsSize};
+  ArrayGroup chorus{kChorusSize};
+  ArrayGroup chorusSettings{kChorusSettingsSize};
+  ArrayGroup insertionA{kInsertionASize};
+  ArrayGroup insertionB{kInsertionBSize};
+  ArrayGroup masterEq{kMasterEqSize};
+  ArrayGroup masterEffect{kMasterEffectSize};
+  ArrayGroup masterEffectSettings{kMasterEffectSettingsSize};
+  std::vector<AdPart> adPart{kAdPartCount};
+  std::vector<Part> part{kPartCount};
 
   ModelSrv::ModelPart* getName() override { return &name; }
   CMA::ParameterGroup* getCommon() override { return &common; }
@@ -295,8 +286,8 @@ class MultiModel final : public CMA::MultiParameterModel {
 class ArpeggioModel final : public CMA::ArpeggioParameterModel {
  public:
   struct Part final : PartNode {
-    ArrayGroup params{39};
-    ArrayGroup six{6, Width::word};
+    ArrayGroup params{kParamsSize};
+    ArrayGroup six{kSixSize};
 
     CMA::ParameterGroup* getParams() override { return &params; }
     CMA::ParameterGroup* getSix() override { return &six; }
@@ -308,9 +299,9 @@ class ArpeggioModel final : public CMA::ArpeggioParameterModel {
     }
   };
 
-  ArrayGroup tempo{1, Width::word};
-  ArrayGroup common{7};
-  std::vector<Part> part{kParts};
+  ArrayGroup tempo{kTempoSize};
+  ArrayGroup common{kCommonSize};
+  std::vector<Part> part{kPartCount};
 
   CMA::ParameterGroup* getTempo() override { return &tempo; }
   CMA::ParameterGroup* getCommon() override { return &common; }
@@ -327,7 +318,7 @@ class ArpeggioModel final : public CMA::ArpeggioParameterModel {
 class MasterModel final : public CMA::MasterParameterModel {
  public:
   struct Zone final : ZoneNode {
-    ArrayGroup params{33};
+    ArrayGroup params{kParamsSize};
 
     CMA::ParameterGroup* getParams() override { return &params; }
 
@@ -337,9 +328,9 @@ class MasterModel final : public CMA::MasterParameterModel {
     }
   };
 
-  NameText name{20};
-  ArrayGroup common{8};
-  std::vector<Zone> zone{kZones};
+  NameText name{kNameLength};
+  ArrayGroup common{kCommonSize};
+  std::vector<Zone> zone{kZoneCount};
 
   ModelSrv::ModelPart* getName() override { return &name; }
   CMA::ParameterGroup* getCommon() override { return &common; }
@@ -356,9 +347,9 @@ class MasterModel final : public CMA::MasterParameterModel {
 class RemoteModel final : public CMA::RemoteParameterModel {
  public:
   struct Controller final : ControllerNode {
-    NameText name1{9};
-    NameText name2{15};
-    ArrayGroup params{2};
+    NameText name1{kName1Length};
+    NameText name2{kName2Length};
+    ArrayGroup params{kParamsSize};
 
     ModelSrv::ModelPart* getName1() override { return &name1; }
     ModelSrv::ModelPart* getName2() override { return &name2; }
@@ -372,10 +363,10 @@ class RemoteModel final : public CMA::RemoteParameterModel {
     }
   };
 
-  NameText name1{13};
-  NameText name2{12};
-  ArrayGroup common{2};
-  std::vector<Controller> controller{kControllers};
+  NameText name1{kName1Length};
+  NameText name2{kName2Length};
+  ArrayGroup common{kCommonSize};
+  std::vector<Controller> controller{kControllerCount};
 
   ModelSrv::ModelPart* getName1() override { return &name1; }
   ModelSrv::ModelPart* getName2() override { return &name2; }
@@ -398,9 +389,9 @@ class SystemModel final : public CMA::SystemParameterModel {
   static constexpr std::uint16_t kDeviceNumber = 51;  // see CMA::DeviceNumber
 
   struct AdPart final : AdPartNode {
-    ArrayGroup params{6};
-    ArrayGroup insertionA{kEffectParams, Width::word};
-    ArrayGroup insertionB{kEffectParams, Width::word};
+    ArrayGroup params{kParamsSize};
+    ArrayGroup insertionA{kInsertionASize};
+    ArrayGroup insertionB{kInsertionBSize};
 
     CMA::ParameterGroup* getParams() override { return &params; }
     CMA::ParameterGroup* getInsertionA() override { return &insertionA; }
@@ -415,8 +406,8 @@ class SystemModel final : public CMA::SystemParameterModel {
   };
 
   struct QuickSetup final : QuickSetupNode {
-    NameText name{8};
-    ArrayGroup params{2};
+    NameText name{kNameLength};
+    ArrayGroup params{kParamsSize};
 
     ModelSrv::ModelPart* getName() override { return &name; }
     CMA::ParameterGroup* getParams() override { return &params; }
@@ -428,16 +419,16 @@ class SystemModel final : public CMA::SystemParameterModel {
     }
   };
 
-  ArrayGroup common{50};
-  ArrayGroup tune{1, Width::word};
-  std::vector<AdPart> adPart{kAdParts};
-  ArrayGroup masterEq{18};
-  ArrayGroup masterEffect{kEffectParams, Width::word};
-  ArrayGroup masterEffectSettings{1};
-  std::vector<QuickSetup> quickSetup{kQuickSetups};
-  ArrayGroup sequencer{7};
-  ArrayGroup remote{2};
-  ArrayGroup utility{52};
+  ArrayGroup common{kCommonSize};
+  ArrayGroup tune{kTuneSize};
+  std::vector<AdPart> adPart{kAdPartCount};
+  ArrayGroup masterEq{kMasterEqSize};
+  ArrayGroup masterEffect{kMasterEffectSize};
+  ArrayGroup masterEffectSettings{kMasterEffectSettingsSize};
+  std::vector<QuickSetup> quickSetup{kQuickSetupCount};
+  ArrayGroup sequencer{kSequencerSize};
+  ArrayGroup remote{kRemoteSize};
+  ArrayGroup utility{kUtilitySize};
 
   CMA::ParameterGroup* getCommon() override { return &common; }
   CMA::ParameterGroup* getTune() override { return &tune; }
@@ -467,7 +458,7 @@ class SystemModel final : public CMA::SystemParameterModel {
 
 class AdditionalModel final : public CMA::AdditionalParameterModel {
  public:
-  ArrayGroup params{1};
+  ArrayGroup params{kParamsSize};
   // Who is told that the parameters are to be shown; not part of the value, not owned.
   Wire<EvtSrv::EventPort> eventPort;
 

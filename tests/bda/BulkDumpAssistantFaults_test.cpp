@@ -1,21 +1,16 @@
-// The editor fails: every call that a scenario makes on it is made to fail, and to throw, at its first, second ... last
-// use. What it says and shows is what is stated for that call. Nothing may leak out of that: Midi is resumed, the
-// priority given back, and the scenario runs afterwards as if nothing had been.
+// The editor fails: every call that a scenario makes on it is made to fail at its first, second ... last use. What it
+// says and shows is what is stated for that call. Nothing may leak out of that: Midi is resumed, the priority given
+// back, and the scenario runs afterwards as if nothing had been.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <map>
-#include <new>
 #include <set>
 #include <string_view>
 
-#include "AddressRows.h"
-#include "ExecuterNumbers.h"
-#include "bda/BulkDumpAssistant.h"
-#include "support/AssistantFixture.h"
+#include "FaultScenarios.h"
 
 namespace {
 
@@ -92,66 +87,8 @@ bool concerns(std::string_view name, const std::string& call) {
          call[name.size()] == '[';
 }
 
-// Opens what scenarios need of the fixture.
-class Faults : public AssistantFixture {
+class Faults : public FaultScenarios {
  public:
-  void feed(const Bytes& message, DevicePortNum from = DevicePort_Main) {
-    assistant->receiveBulkDump(message.data(), message.size(), from);
-  }
-  void dump(const char* address, const Bytes& data = {}) { feed(dumpMessage(address, data)); }
-  void ask(const char* address) { feed(requestMessage(address)); }
-
-  using Play = void (Faults::*)();
-  void systemDump() {
-    dump("00 00 00", pattern(68));
-    dump("00 50 00", pattern(10));
-    dump("00 40 00", pattern(8));
-  }
-  void storedVoice() {
-    dump("0E 0A 05");
-    dump("0F 0A 05");
-  }
-  void storedMultiAndRemote() {
-    dump("0E 5F 00");
-    dump("0F 5F 00");
-    dump("0E 60 01");
-    dump("0F 60 01");
-    feed(dumpMessage("00 20 00", pattern(20)), DevicePort_Echo);
-  }
-  void mixingVoice() {
-    dump("0F 31 45");
-    ask("0E 31 05");
-  }
-  void systemRequest() {
-    ask("00 00 00");
-    ask("00 50 00");
-    ask("00 06 00");
-  }
-  void masterRequest() { ask("0E 70 03"); }
-  // A whole unit: header, all blocks, footer, and the request of it.
-  template <std::uint8_t mid, List list>
-  void unit() {
-    const auto addressOf = [](std::uint8_t hi, std::uint8_t middle, std::uint8_t lo) {
-      char text[9];
-      std::snprintf(text, sizeof text, "%02X %02X %02X", hi, middle, lo);
-      return std::string(text);
-    };
-    const auto send = [&](std::uint8_t hi, std::uint8_t middle, std::uint8_t lo, std::size_t length) {
-      dump(addressOf(hi, middle, lo).c_str(), pattern(length));
-    };
-    send(kHeaderHi, mid, 0, 0);
-    forEachAddress(kParameterRows, [&](const AddressRow& row, std::uint8_t middle, std::uint8_t lo) {
-      if (listOf(row.hi) == std::size_t(list)) send(row.hi, middle, lo, kExecuterDataLength[executerOf(row, middle)]);
-    });
-    send(kFooterHi, mid, 0, 0);
-    ask(addressOf(kHeaderHi, mid, 0).c_str());
-  }
-  void job() { bulkJobs.at(4)->execEvent(nullptr, nullptr); }
-  void unknown() {
-    dump("05 05 05");
-    ask("05 05 05");
-  }
-
   struct Played {
     std::vector<std::string> calls;
     std::vector<std::string> log;
@@ -170,25 +107,6 @@ class Faults : public AssistantFixture {
     made.calls = record.take();
     forget();
     return made;
-  }
-
-  // The uses of a call that fail in turn: all, or where there are many the first, the last and some between.
-  static std::vector<unsigned> turns(unsigned uses) {
-#ifdef BDA_SAMPLED
-    constexpr unsigned kMost = 4;
-#else
-    constexpr unsigned kMost = 20;
-#endif
-    std::vector<unsigned> chosen;
-    for (unsigned nth = 1; nth <= uses; nth += 1 + uses / (kMost + 1)) chosen.push_back(nth);
-    if (chosen.back() != uses) chosen.push_back(uses);
-    return chosen;
-  }
-
-  // Elements, keys, parts ... are alike: the first of each stands for all.
-  static bool isOneOfMany(const std::string& call) {
-    const std::size_t at = call.rfind('[');
-    return at != std::string::npos && call.compare(at, 3, "[0]") != 0;
   }
 
   // What differs from the good run begins with what is stated for that call. The row that says it, null: silent.
@@ -214,32 +132,11 @@ class Faults : public AssistantFixture {
     return nullptr;
   }
 
-  static long count(const std::vector<std::string>& list, const char* call) {
-    return std::count_if(list.begin(), list.end(), [&](const std::string& line) { return line.rfind(call, 0) == 0; });
-  }
-
   static void expectEverythingGivenBack(const std::vector<std::string>& made, const std::string& what) {
     EXPECT_EQ(count(made, "suspendOutputMidi"), count(made, "resumeOutputMidi")) << what;
     EXPECT_EQ(count(made, "thread.attach"), count(made, "thread.detach")) << what;
     EXPECT_EQ(count(made, "thread.change"), 2 * count(made, "thread.attach")) << what;
   }
-};
-
-constexpr std::pair<const char*, Faults::Play> kScenarios[] = {
-    {"system dump", &Faults::systemDump},
-    {"stored voice", &Faults::storedVoice},
-    {"stored multi and remote", &Faults::storedMultiAndRemote},
-    {"mixing voice", &Faults::mixingVoice},
-    {"system request", &Faults::systemRequest},
-    {"master request", &Faults::masterRequest},
-    {"job", &Faults::job},
-    {"unknown addresses", &Faults::unknown},
-    {"normal voice", &Faults::unit<0x0F, List::normalVoice>},
-    {"drum voice", &Faults::unit<0x28, List::drumVoice>},
-    {"performance", &Faults::unit<0x4F, List::performance>},
-    {"multi", &Faults::unit<0x5F, List::multi>},
-    {"master", &Faults::unit<0x7F, List::master>},
-    {"remote", &Faults::unit<0x6F, List::remote>},
 };
 
 TEST_F(Faults, WhateverCallOfTheEditorFailsIsReportedAsStatedAndTheNextDumpWorks) {
@@ -250,7 +147,7 @@ TEST_F(Faults, WhateverCallOfTheEditorFailsIsReportedAsStatedAndTheNextDumpWorks
     const Played good = played(play);
     const auto uses = record.uses();
     ASSERT_FALSE(uses.empty());
-    ASSERT_TRUE(good.log.empty() || play == &Faults::unknown) << name;
+    ASSERT_TRUE(good.log.empty() || play == &FaultScenarios::unknown) << name;
     for (const auto& [call, times] : uses) {
       if (isOneOfMany(call)) continue;
       for (const unsigned nth : turns(times)) {
@@ -268,38 +165,6 @@ TEST_F(Faults, WhateverCallOfTheEditorFailsIsReportedAsStatedAndTheNextDumpWorks
   for (const Stated& stated : kStated) EXPECT_TRUE(seen.contains(&stated)) << stated.call << ": " << stated.says;
 }
 
-TEST_F(Faults, WhateverABlockThrowsTheNextDumpWorks) {
-  // Calls from inside a receiver or a job; elsewhere the editor must not throw.
-  const auto isInside = [](const std::string& call) {
-    return call == "store" || call == "load" || call == "set" || call == "set16" || call == "setName" ||
-           call == "changeCorrectType" || call.rfind("init", 0) == 0 || call.rfind("temporary", 0) == 0 ||
-           call == "system.common" || call == "system.adPart[0]" || call == "system.quickSetup[0]" || call == "send";
-  };
-  for (const auto& [name, play] : kScenarios) {
-    played(play);
-    record.heal();
-    const Played good = played(play);
-    const auto uses = record.uses();
-    for (const auto& [call, times] : uses) {
-      if (!isInside(call) || isOneOfMany(call)) continue;
-      for (const unsigned nth : turns(times)) {
-        const std::string what = std::string(name) + ": " + call + " at use " + std::to_string(nth);
-        record.heal();
-        record.raise(call, nth);
-        try {
-          expectEverythingGivenBack(played(play).calls, what);
-        } catch (const std::bad_alloc&) {
-          // The screen, the job's own use of the switch and the echo run in the editor's name.
-          EXPECT_TRUE(call == "send" || call == "set") << what;
-          traceScope.take();
-        }
-        record.heal();
-        ASSERT_TRUE(played(play) == good) << what;
-      }
-    }
-  }
-}
-
 TEST_F(Faults, FailuresShowTheirIdsInOrder) {
   const struct Row {
     const char* call;
@@ -308,12 +173,16 @@ TEST_F(Faults, FailuresShowTheirIdsInOrder) {
     std::vector<int> shown;
     std::size_t lines;
   } rows[] = {
-      {"checkMode", 1, &Faults::storedVoice, {45, 1, 2}, 6},  // header refused; the footer fits none: twice, not found
-      {"store", 1, &Faults::storedVoice, {11, 12, 1, 2, 44}, 4},
-      {"initVoice", 1, &Faults::storedVoice, {11, 12, 1, 2}, 0},  // the editor's own affair
-      {"initMulti", 1, &Faults::storedVoice, {11, 12, 1, 2}, 0},
-      {"load", 1, &Faults::masterRequest, {13, 14, 44}, 4},
-      {"removeMixingVoice", 1, &Faults::mixingVoice, {1, 2}, 4},
+      {"checkMode",
+       1,
+       &FaultScenarios::storedVoice,
+       {45, 1, 2},
+       6},  // header refused; the footer fits none: twice, not found
+      {"store", 1, &FaultScenarios::storedVoice, {11, 12, 1, 2, 44}, 4},
+      {"initVoice", 1, &FaultScenarios::storedVoice, {11, 12, 1, 2}, 0},  // the editor's own affair
+      {"initMulti", 1, &FaultScenarios::storedVoice, {11, 12, 1, 2}, 0},
+      {"load", 1, &FaultScenarios::masterRequest, {13, 14, 44}, 4},
+      {"removeMixingVoice", 1, &FaultScenarios::mixingVoice, {1, 2}, 4},
   };
   for (const Row& row : rows) {
     assistant->init();

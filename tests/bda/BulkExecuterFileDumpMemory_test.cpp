@@ -289,7 +289,9 @@ TEST_F(FileDumpMemory, WhenStorageRunsOutInAnAnswerItFailsAndIsClosedAndTheNextI
 }
 
 TEST_F(FileDumpMemory, AFileGreaterThanAnyMemoryCannotBeRead) {
-  for (const std::int64_t size : {std::int64_t{1} << 40, std::int64_t{1} << 62, INT64_MAX}) {
+  // With 32 bits for sizes these just above 4 GiB must not become buffers of 16 or 28 bytes.
+  constexpr std::int64_t k4GiB = std::int64_t{1} << 32;
+  for (const std::int64_t size : {k4GiB + 16, k4GiB + 28, k4GiB << 8, std::int64_t{1} << 62, INT64_MAX}) {
     still_.size = size;
     sink_.clear();
     std::vector<Bytes> messages;

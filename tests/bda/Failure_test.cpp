@@ -11,14 +11,16 @@ using namespace Testing;
 using BDA::BareMessage;
 using BDA::Failure;
 using BDA::Line;
+using BDA::Refusal;
 using ::testing::ElementsAre;
 
 constexpr const char* kFile = "..\\..\\bda\\Failure.cpp";
-constexpr Failure<> kPlain{{kFile, 24, "f"}, "plain\n"};
-constexpr Failure<int, unsigned, const char*> kWithArguments{{kFile, 139, "BDA::X::f"}, "%d 0x%02x %s, 100%%\n"};
+constexpr Failure<> kPlain{{kFile, 24, "f"}, Refusal::noBlock, "plain\n"};
+constexpr Failure<int, unsigned, const char*> kWithArguments{
+    {kFile, 139, "BDA::X::f"}, Refusal::noBlock, "%d 0x%02x %s, 100%%\n"};
 constexpr int kHere = __LINE__;
-constexpr Failure<> kFree{{kFile, Line::ofThisSource(), "f"}, "free\n"};
-constexpr BareMessage kBare{"bare\n"};
+constexpr Failure<> kFree{{kFile, Line::ofThisSource(), "f"}, Refusal::noBlock, "free\n"};
+constexpr BareMessage kBare{Refusal::noBlock, "bare\n"};
 
 TEST(Failure, WritesLocationAndMessageAsTwoTexts) {
   TraceScope trace;

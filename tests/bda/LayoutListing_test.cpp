@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <map>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -13,8 +15,10 @@
 #include "AddressRows.h"
 #include "ExecuterNumbers.h"
 #include "MasterRemoteLayouts.h"
+#include "ModelSizes.h"
 #include "MultiLayouts.h"
 #include "SystemLayouts.h"
+#include "TravellingBits.h"
 #include "VoiceLayouts.h"
 
 namespace {
@@ -163,31 +167,67 @@ std::string parametersOf(const Section& section, const Row& row) {
   return text;
 }
 
+// Of each byte of a step, if they differ.
+std::string bitsOf(const Row& row) {
+  std::string text = print("%02X", unsigned{claimedBits(row, 0)});
+  for (int n = 1; n < bytesPerStep(row.routine); ++n)
+    if (claimedBits(row, n) != claimedBits(row, 0)) text += print(", %02X", unsigned{claimedBits(row, n)});
+  return text;
+}
+
+std::string unusedIn(const Section& section) {
+  std::string text;
+  for (const Gap& gap : section.gaps) {
+    if (!text.empty()) text += ", ";
+    text += span(gap.first, gap.last);
+    if (gap.mask != 0xFF)
+      text += print(gap.step == 1 ? " (bits %02X)" : " (bits %02X of high bytes)", unsigned{gap.mask});
+  }
+  return text;
+}
+
+// What an editor needs to hold all of it.
+std::string sizesOfModels() {
+  std::string text =
+      "\n## The models\n\nHow many parameters each group has and how wide they are, how many characters each name "
+      "and how many nodes each\nlist: the constants of `bda/platform/CMA/ParameterModels.h`. They include the "
+      "few parameters that no block carries.\n\n| group | parameters | bits |\n|---|---|---|\n";
+  for (const ModelSizes::Group& group : ModelSizes::kGroups)
+    text += std::string("| ") + group.path + print(" | %zu | %d |\n", group.size.count, group.size.bits);
+  text += "\n| name | characters |\n|---|---|\n";
+  for (const ModelSizes::Count& name : ModelSizes::kNames)
+    text += std::string("| ") + name.path + print(" | %zu |\n", name.count);
+  text += "\n| list | nodes |\n|---|---|\n";
+  for (const ModelSizes::Count& list : ModelSizes::kLists)
+    text += std::string("| ") + list.path + print(" | %zu |\n", list.count);
+  return text;
+}
+
 std::string listing() {
   std::string text =
       "# The layouts of the parameter blocks\n\n"
       "Which data bytes of a bulk dump carry which parameters, by their path in `bda show --json`, in the order in "
       "which\n"
-      "they are converted. Byte 0 is the first after the address. Bits without a row are ignored when received and 0 "
-      "when\n"
-      "dumped. In a path, i counts the addresses of the block from 0.\n\n"
+      "they are converted. Byte 0 is the first after the address. In a path, i counts the addresses of the block from "
+      "0.\n\n"
+      "The bits of a byte that travel stand as a mask; two masks are those of the high and the low byte of a pair. All "
+      "others\n"
+      "are unused: ignored when received and 0 when dumped. Bit 7 travels wherever the mask has it, although no MIDI "
+      "cable can\n"
+      "carry it: bytes are received and dumped as they are. Pairs alone are dumped without it; received, the high byte "
+      "is\n"
+      "shifted and the low one ORed onto it, as they come.\n\n"
       "This page is generated from the tables that the module converts by; a test compares the two.\n";
   for (const Section& section : sections()) {
     text += "\n## " + section.title + "\n\n" + addressesOf(section) + ": " + std::to_string(section.length) +
             " data bytes.\n\n| bytes | bits | carry | parameters |\n|---|---|---|---|\n";
     for (const Row& row : section.rows)
-      text += "| " + span(row.byte, lastByte(row)) + " | " +
-              print("%02X", unsigned(row.routine == Routine::setSharedByteParam ? 0x7F : claimedBits(row))) + " | " +
-              wordOf(row.routine) + " | " + parametersOf(section, row) + " |\n";
-    std::string unused;
-    for (const Gap& gap : section.gaps) {
-      if (!unused.empty()) unused += ", ";
-      unused += span(gap.first, gap.last);
-      if (gap.mask != 0x7F) unused += print(" (bits %02X)", unsigned(gap.mask));
-    }
+      text += "| " + span(row.byte, lastByte(row)) + " | " + bitsOf(row) + " | " + wordOf(row.routine) + " | " +
+              parametersOf(section, row) + " |\n";
+    const std::string unused = unusedIn(section);
     if (!unused.empty()) text += "\nUnused: " + unused + ".\n";
   }
-  return text;
+  return text + sizesOfModels();
 }
 
 TEST(LayoutListing, ThePageInDocsIsWhatTheTablesSay) {
@@ -196,6 +236,73 @@ TEST(LayoutListing, ThePageInDocsIsWhatTheTablesSay) {
   std::stringstream page;
   page << std::ifstream(path, std::ios::binary).rdbuf();
   EXPECT_EQ(page.str(), listing()) << "run this test with BDA_UPDATE_DOCS=1 and read what changed";
+}
+
+TEST(LayoutListing, EveryBitTravelsThatIsNotUnused) {
+  for (const Section& section : sections()) {
+    Testing::Bytes expected(section.length, 0xFF);
+    for (const Gap& gap : section.gaps)
+      for (std::size_t byte = gap.first; byte <= gap.last; byte += gap.step)
+        expected[byte] = std::uint8_t(expected[byte] & ~gap.mask);
+    EXPECT_EQ(TravellingBits::of(section.rows, section.length), expected) << section.title;
+  }
+}
+
+struct Reach {
+  std::size_t count = 0;
+  std::set<int> widths;
+};
+
+bool isWide(Routine routine) {
+  return routine == Routine::setWideByteParam || routine == Routine::setPairParam || routine == Routine::setNibbleWord;
+}
+
+// How far the rows of all sections reach into each group. "multi.insertionA (B)" are two.
+std::map<std::string, Reach> reachOfRows() {
+  std::map<std::string, Reach> reach;
+  const auto note = [&reach](std::string path, const Row& row, std::size_t last) {
+    path = ModelSizes::anyNode(path);
+    Texts paths{path.substr(0, path.find(' '))};
+    if (path.ends_with("A (B)")) paths.push_back(paths.front().substr(0, paths.front().size() - 1) + "B");
+    for (const std::string& of : paths) {
+      reach[of].count = std::max(reach[of].count, last + 1);
+      reach[of].widths.insert(isWide(row.routine) ? 16 : 8);
+    }
+  };
+  for (const Section& section : sections())
+    for (const Row& row : section.rows) {
+      if (isName(row)) continue;
+      note(section.groups[row.slot], row, std::size_t(row.index) + row.count - 1);
+      if (row.routine == Routine::setNibbleParams) note(section.groups[row.slot2], row, row.index2);
+    }
+  return reach;
+}
+
+TEST(LayoutListing, TheModelsAreAsLargeAsTheRowsReach) {
+  const std::map<std::string, Reach> reach = reachOfRows();
+  std::set<std::string> withoutRows;
+  for (const ModelSizes::Group& group : ModelSizes::kGroups) {
+    const auto found = reach.find(group.path);
+    if (found == reach.end()) {
+      withoutRows.insert(group.path);
+      continue;
+    }
+    EXPECT_EQ(group.size.count, found->second.count) << group.path;
+    EXPECT_EQ(std::set<int>{group.size.bits}, found->second.widths) << group.path;
+  }
+  EXPECT_EQ(withoutRows,
+            (std::set<std::string>{"voice.type", "arpeggio.tempo", "system.utility", "additional.params"}));
+  EXPECT_EQ(reach.size() + withoutRows.size(), ModelSizes::kGroups.size()) << "a row reaches a group without a size";
+}
+
+TEST(LayoutListing, TheNamesAreAsLongAsTheRowsCarry) {
+  std::map<std::string, std::size_t> carried;
+  for (const Section& section : sections())
+    for (const Row& row : section.rows)
+      if (isName(row)) carried[section.names[row.slot]] = row.count;
+  std::map<std::string, std::size_t> stated;
+  for (const ModelSizes::Count& name : ModelSizes::kNames) stated[name.path] = name.count;
+  EXPECT_EQ(stated, carried);
 }
 
 TEST(LayoutListing, NamesEveryBlockOfParametersOnce) {

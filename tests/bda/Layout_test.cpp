@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "CommonLayouts.h"
+#include "TravellingBits.h"
 #include "support/RecordingPlatform.h"
 
 namespace BDA {
@@ -18,21 +21,21 @@ constexpr std::array<Gap, 0> kNoGaps{};
 constexpr Layout kByte{1, std::array{setByteParam(0, 0, 7)}, kNoGaps};
 constexpr Layout kWideByte{1, std::array{setWideByteParam(0, 0, 7)}, kNoGaps};
 constexpr Layout kPair{2, std::array{setPairParam(0, 1, 0, 7)}, kNoGaps};
-constexpr Layout kSplitByte{2, std::array{setSplitByteParam(0, 1, 0, 7)}, kNoGaps};
-constexpr Layout kSplitHigh{1, std::array{setSplitByteHigh(0, 0, 7)}, kNoGaps};
-constexpr Layout kNibbleSplit{2, std::array{setNibbleSplitParam(0, 1, 0, 7)}, kNoGaps};
+constexpr Layout kSplitByte{2, std::array{setSplitByteParam(0, 1, 0, 7)}, std::array{spareOfSplit(0)}};
+constexpr Layout kSplitHigh{1, std::array{setSplitByteHigh(0, 0, 7)}, std::array{spareOfSplit(0)}};
+constexpr Layout kNibbleSplit{2, std::array{setNibbleSplitParam(0, 1, 0, 7)}, std::array{spareBits(0, 0xF0)}};
 constexpr Layout kNibbles{1, std::array{setNibbleParams(0, 0, 4, 1, 3)}, kNoGaps};
 constexpr Layout kLowNibble{1, std::array{setLowNibble(0, 0, 7), setBitParam(0, 0x10, 0, 8)},
-                            std::array{spareBits(0, 0x60)}};
+                            std::array{spareBits(0, 0xE0)}};
 constexpr Layout kBits{1,
                        std::array{setBitParam(0, 0x01, 0, 0), setBitParam(0, 0x06, 0, 1), setBitParam(0, 0x40, 1, 0)},
-                       std::array{spareBits(0, 0x38)}};
-constexpr Layout kWord{4, std::array{setNibbleWord(0, 3, 0, 7)}, std::array{spareBits(0, 3, 0x70)}};
+                       std::array{spareBits(0, 0xB8)}};
+constexpr Layout kWord{4, std::array{setNibbleWord(0, 3, 0, 7)}, std::array{spareBits(0, 3, 0xF0)}};
 constexpr Layout kName{8, std::array{setNameParam(0, 8, 0)}, kNoGaps};
 constexpr Layout kShared{1, std::array{setByteParam(0, 0, 1), setSharedByteParam(0, 1, 2)}, kNoGaps};
 constexpr Layout kDumped{2, std::array{dumpByteRun(0, 1, 0, 3)}, kNoGaps};
 constexpr Layout kRuns{9, std::array{setByteRun(0, 2, 0, 10), setPairRun(3, 6, 1, 20), setSplitRun(7, 8, 0, 30)},
-                       kNoGaps};
+                       std::array{spareOfSplitRun(7, 8)}};
 // One of each, for what all have in common.
 constexpr Layout kAll{20,
                       std::array{setByteParam(0, 0, 0), setWideByteParam(1, 0, 1), setPairParam(2, 3, 0, 2),
@@ -40,7 +43,8 @@ constexpr Layout kAll{20,
                                  setNibbleParams(8, 0, 5, 0, 6), setBitParam(9, 0x01, 0, 7), setLowNibble(10, 0, 8),
                                  setNibbleWord(11, 14, 0, 9), setSplitByteHigh(15, 0, 10), dumpByteRun(16, 16, 0, 11),
                                  setSharedByteParam(0, 0, 12), setNameParam(18, 2, 0)},
-                      std::array{spareBits(9, 0x7E), spareBits(10, 0x70), spareBits(11, 14, 0x70), gap(17)}};
+                      std::array{spareOfSplit(4), spareBits(6, 0xF0), spareBits(9, 0xFE), spareBits(10, 0xF0),
+                                 spareBits(11, 14, 0xF0), spareOfSplit(15), gap(17)}};
 
 class LayoutTest : public testing::Test {
  protected:
@@ -319,6 +323,36 @@ TEST_F(LayoutTest, GapsAreLeftAloneWhenDumped) {
   EXPECT_EQ(data[17], 0);
   EXPECT_EQ(data[10], 0x0F);
   EXPECT_EQ(data[11], 0x0F);
+}
+
+TEST(Layout, ClaimsOfEveryFormTheBitsThatTravel) {
+  std::set<Routine> tried;
+  for (const Row& row : kAll.rows) {
+    const auto routine = unsigned(row.routine);
+    const std::vector<Row> alone{row};
+    const Bytes bits = TravellingBits::of(alone, kAll.length);
+    for (int byte = 0; byte < kAll.length; ++byte) {
+      const bool isOfRow = byte >= row.byte && byte <= lastByte(row);
+      const unsigned claimed = isOfRow ? claimedBits(row, (byte - row.byte) % bytesPerStep(row.routine)) : 0U;
+      EXPECT_EQ(bits[std::size_t(byte)], claimed) << "routine " << routine << ", byte " << byte - row.byte;
+    }
+    tried.insert(row.routine);
+  }
+  EXPECT_EQ(tried.size(), std::size_t(Routine::dumpByteParam) + 1) << "a form is missing";
+}
+
+TEST(Layout, ARowDumpsOverAllOfItsBytesUnlessItSharesThem) {
+  for (const Row& row : kAll.rows) {
+    if (row.routine == Routine::setSharedByteParam || isName(row)) continue;
+    Testing::Calls calls;
+    FakeGroup group{calls, "group"};
+    const std::array<CMA::ParameterGroup*, 1> groups{&group};
+    Bytes data(kAll.length, 0xFF);
+    convertRows(std::array{row}, groups, {}, data.data(), 0);  // of a parameter that is 0
+    for (int byte = row.byte; byte <= lastByte(row); ++byte) {
+      EXPECT_EQ(data[std::size_t(byte)], writtenBits(row) == 0xFF ? 0x00 : 0xFF) << "routine " << unsigned(row.routine);
+    }
+  }
 }
 
 TEST(Layout, CountsItsGroupsAndNames) {

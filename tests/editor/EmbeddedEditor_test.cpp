@@ -297,21 +297,6 @@ TEST_F(EmbeddedEditorTest, aMixingVoiceThatFindsNoRoomIsRefused) {
   EXPECT_EQ(record.reason, "there is no room for another mixing voice");
 }
 
-// This editor's mode check never skips a dump and knows no wrong mode; others may.
-TEST(Outcome, ofADumpThatTheModeCheckSkippedIsIgnored) {
-  Editor::AssistantHost::Effects effects;
-  effects.result = BDA::BulkMsg_BulkDump;
-  EXPECT_EQ(outcomeOf(effects, Editor::readMessage(blockDump(kSystemCommon)), false), Outcome::ignored);
-}
-
-TEST(Outcome, ofADumpThatTheModeCheckRefusedIsRefused) {
-  Editor::AssistantHost::Effects effects;
-  effects.result = BDA::BulkMsg_BulkDump;
-  effects.shown = {45};
-  effects.log = {"place ", "error : mode error...!\n"};
-  EXPECT_EQ(outcomeOf(effects, Editor::readMessage(blockDump(kSystemCommon)), false), Outcome::refused);
-}
-
 TEST_F(EmbeddedEditorTest, aRequestIsAnswered) {
   const Record record = send(request(kSystemCommon));
   EXPECT_EQ(record.result, BDA::BulkMsg_BulkRequest);
@@ -502,7 +487,7 @@ TEST_F(EmbeddedEditorTest, aRefusedTriggerNamesWhatItHasNotWritten) {
   const Record record = send(dump({0x11, 0x00, 0x00}));
   EXPECT_EQ(record.outcome, Outcome::refused);
   EXPECT_THAT(record.contents, ElementsAre("file:multi:5"));
-  EXPECT_THAT(record.reason, HasSubstr("file dump data error"));
+  EXPECT_THAT(record.reason, HasSubstr("a file dump ends before its content does"));
   EXPECT_THAT(record.reason, HasSubstr("; not written: file:multi:6 (message 2)"));
 }
 
@@ -536,17 +521,34 @@ TEST_F(EmbeddedEditorTest, aWrongLengthThatTheModuleTakesCountsAsArrived) {
 
 // ---- What fails without a line in the log ----
 
-TEST(Outcome, anErrorOnTheScreenAloneIsARefusal) {
-  const auto outcomeOf = [](BDA::BulkMsgType result, const Bytes& message, std::initializer_list<int> ids) {
-    const Editor::AssistantHost::Effects effects{result, shown(ids), {}, {{BDA::DevicePort_Main, {}}}};
-    return Editor::outcomeOf(effects, Editor::readMessage(message), false);
+TEST(Outcome, isTheAssistantsWordUnlessTheLibraryChanged) {
+  const auto outcomeOf = [](BDA::BulkDumpOutcome told, bool libraryChanged, std::initializer_list<int> ids) {
+    Editor::AssistantHost::Effects effects;
+    effects.report.outcome = told;
+    effects.shown = shown(ids);
+    return Editor::outcomeOf(effects, Editor::readMessage(blockDump(kSystemCommon)), libraryChanged);
   };
-  EXPECT_EQ(outcomeOf(BDA::BulkMsg_BulkDump, blockDump(kSystemCommon), {11, 12}), Outcome::completed);
-  EXPECT_EQ(outcomeOf(BDA::BulkMsg_BulkDump, blockDump(kSystemCommon), {11, 12, 44}), Outcome::refused);
-  EXPECT_EQ(outcomeOf(BDA::BulkMsg_BulkRequest, request(kSystemCommon), {13, 14}), Outcome::answered);
-  EXPECT_EQ(outcomeOf(BDA::BulkMsg_BulkRequest, request(kSystemCommon), {13, 14, 44}), Outcome::refused);
-  EXPECT_EQ(outcomeOf(BDA::BulkMsg_RequestSkipped, request(kHeader), {13, 14}), Outcome::nothingToSend);
-  EXPECT_EQ(outcomeOf(BDA::BulkMsg_RequestSkipped, request(kHeader), {13, 14, 44}), Outcome::refused);
+  using Told = BDA::BulkDumpOutcome;
+  EXPECT_EQ(outcomeOf(Told::notOurs, false, {}), Outcome::notOurs);
+  EXPECT_EQ(outcomeOf(Told::ignored, false, {}), Outcome::ignored);
+  EXPECT_EQ(outcomeOf(Told::accepted, false, {11}), Outcome::accepted);
+  EXPECT_EQ(outcomeOf(Told::completed, false, {11, 12}), Outcome::completed);
+  EXPECT_EQ(outcomeOf(Told::handedToStore, true, {12, 1, 2}), Outcome::stored);
+  EXPECT_EQ(outcomeOf(Told::handedToStore, false, {12, 11, 12}), Outcome::completed) << "an edit buffer";
+  EXPECT_EQ(outcomeOf(Told::handedToStore, true, {}), Outcome::stored) << "a mixing voice was removed";
+  EXPECT_EQ(outcomeOf(Told::nothingToDo, false, {}), Outcome::ignored) << "there was no such mixing voice";
+  EXPECT_EQ(outcomeOf(Told::nothingToDo, false, {1, 2}), Outcome::completed) << "a trigger with nothing held";
+  EXPECT_EQ(outcomeOf(Told::answered, false, {13, 14}), Outcome::answered);
+  EXPECT_EQ(outcomeOf(Told::nothingToSend, false, {13, 14}), Outcome::nothingToSend);
+  EXPECT_EQ(outcomeOf(Told::refused, true, {11, 12, 44}), Outcome::refused);
+}
+
+TEST(Outcome, hasWordsForEveryRefusal) {
+  for (int refusal = 1; refusal <= int(BDA::BulkDumpRefusal::notConstructed); ++refusal) {
+    const std::string words = Editor::wordsOf(BDA::BulkDumpRefusal(refusal));
+    EXPECT_GT(words.size(), 10U) << refusal;
+  }
+  EXPECT_STREQ(Editor::wordsOf(BDA::BulkDumpRefusal::none), "");
 }
 
 TEST_F(EmbeddedEditorTest, aContentThatCannotBeReadIsNotAnsweredAsAnEmptyOne) {

@@ -18,31 +18,31 @@ using namespace BDA;
 constexpr Site kSite{"f.cpp", 1, "f"};
 
 #if BAD == 0
-constexpr Failure<int, const char*, unsigned> kFailure{kSite, "%d %s %02x 100%%\n"};
+constexpr Failure<int, const char*, unsigned> kFailure{kSite, Refusal::none, "%d %s %02x 100%%\n"};
 #elif BAD == 1
-constexpr Failure<> kFailure{kSite, "length = %d\n"};
+constexpr Failure<> kFailure{kSite, Refusal::none, "length = %d\n"};
 #elif BAD == 2
-constexpr Failure<int, int> kFailure{kSite, "length = %d\n"};
+constexpr Failure<int, int> kFailure{kSite, Refusal::none, "length = %d\n"};
 #elif BAD == 3
-constexpr Failure<int> kFailure{kSite, "name = %s\n"};
+constexpr Failure<int> kFailure{kSite, Refusal::none, "name = %s\n"};
 #elif BAD == 4
-constexpr Failure<> kFailure{kSite, "no newline"};
+constexpr Failure<> kFailure{kSite, Refusal::none, "no newline"};
 #elif BAD == 5
-constexpr Failure<int> kFailure{kSite, "%f\n"};
+constexpr Failure<int> kFailure{kSite, Refusal::none, "%f\n"};
 #elif BAD == 6
-constexpr Failure<int> kFailure{kSite, "byte = %02x\n"};
+constexpr Failure<int> kFailure{kSite, Refusal::none, "byte = %02x\n"};
 #elif BAD == 7
-constexpr Failure<unsigned> kFailure{kSite, "length = %d\n"};
+constexpr Failure<unsigned> kFailure{kSite, Refusal::none, "length = %d\n"};
 #elif BAD == 8
-constexpr Failure<const char*> kFailure{kSite, "length = %d\n"};
+constexpr Failure<const char*> kFailure{kSite, Refusal::none, "length = %d\n"};
 #elif BAD == 9  // wider than the conversion
-constexpr Failure<unsigned long> kFailure{kSite, "length = %d\n"};
+constexpr Failure<unsigned long> kFailure{kSite, Refusal::none, "length = %d\n"};
 #elif BAD == 10
-constexpr Failure<unsigned> kFailure{kSite, "byte = %02lx\n"};
+constexpr Failure<unsigned> kFailure{kSite, Refusal::none, "byte = %02lx\n"};
 #elif BAD == 11
-constexpr BareMessage kFailure{"length = %d\n"};
+constexpr BareMessage kFailure{Refusal::none, "length = %d\n"};
 #elif BAD == 12
-constexpr BareMessage kFailure{"no newline"};
+constexpr BareMessage kFailure{Refusal::none, "no newline"};
 #endif
 
 const auto& use = kFailure;

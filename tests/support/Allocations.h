@@ -13,7 +13,7 @@
 namespace Testing {
 
 struct Allocations {
-  static constexpr std::uint64_t kMoreThanThereIs = std::min<std::uint64_t>(std::uint64_t{1} << 40, PTRDIFF_MAX);
+  static constexpr std::uint64_t kMoreThanThereIs = std::min(std::uint64_t{1} << 32, std::uint64_t{PTRDIFF_MAX});
 
   std::array<long, 5> failing{};  // the numbers of those that fail, from 1
   long failingFrom = LONG_MAX;    // as do this one and all that follow

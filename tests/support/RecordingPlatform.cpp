@@ -56,6 +56,7 @@ void Calls::heal() {
   scripts_.clear();
   actions_.clear();
   uses_.clear();
+  thrown_ = 0;
 }
 
 std::vector<std::string> Calls::take() { return std::exchange(list_, {}); }
@@ -81,6 +82,7 @@ long Calls::scripted(std::string_view name, long good, long bad) {
     case Script::throws:
       break;
   }
+  ++thrown_;
   throw std::bad_alloc();
 }
 
@@ -273,13 +275,16 @@ FakeJobTools::~FakeJobTools() = default;
 void FakeJobTools::expectTemporary(const CMA::TemporaryCoreModel* model) const { EXPECT_EQ(model, created_); }
 
 CMA::TemporaryCoreModel* FakeJobTools::createTemporaryModel() {
-  const bool made = calls_.use("createTemporaryModel", 1, 0, [] { return call("createTemporaryModel"); }) != 0;
-  created_ = made ? &temporaryModel : nullptr;
+  created_ = nullptr;
+  if (calls_.use("createTemporaryModel", 1, 0, [] { return call("createTemporaryModel"); }) != 0)
+    created_ = &temporaryModel;
+  if (created_ != nullptr) ++standing_;
   return created_;
 }
 
 void FakeJobTools::destroyTemporaryModel(CMA::TemporaryCoreModel* model) {
   EXPECT_EQ(model, &temporaryModel);
+  if (--standing_ == 0) created_ = nullptr;
   calls_.use("destroyTemporaryModel", 1, 0, [] { return call("destroyTemporaryModel"); });
 }
 
@@ -607,10 +612,9 @@ ContSrv::DataFile* FakeWork::openDataFile(const std::string& path, ContSrv::_Ope
 
 ContSrv::_ContResult FakeWork::closeDataFile(ContSrv::DataFile* file, int mode) {
   EXPECT_EQ(file, file_.get());
-  const long result =
-      calls_.use("closeDataFile", ContSrv::ContRes_Success, kStoreFailed, [&] { return call("closeDataFile", mode); });
   file_.reset();
-  return ContSrv::_ContResult(result);
+  return ContSrv::_ContResult(
+      calls_.use("closeDataFile", ContSrv::ContRes_Success, kStoreFailed, [&] { return call("closeDataFile", mode); }));
 }
 
 ContSrv::_ContResult FakeWork::sync() {

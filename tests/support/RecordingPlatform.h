@@ -39,6 +39,8 @@ class Calls {
   void during(std::string_view name, std::function<void()> action) { actions_[std::string(name)] = std::move(action); }
   // Everything works again; counting starts anew.
   void heal();
+  // How often a call threw since construction or heal().
+  unsigned thrown() const { return thrown_; }
 
   // How often each call was used since construction or heal().
   const std::map<std::string, unsigned, std::less<>>& uses() const { return uses_; }
@@ -79,6 +81,7 @@ class Calls {
 
   std::vector<std::string> list_;
   std::map<std::string, unsigned, std::less<>> uses_;
+  unsigned thrown_ = 0;
   std::map<std::string, std::map<unsigned, Script>, std::less<>> scripts_;
   std::map<std::string, std::function<void()>, std::less<>> actions_;
 };
@@ -441,6 +444,7 @@ class FakeJobTools : public CMA::JobTools {
 
   Calls& calls_;
   CMA::TemporaryCoreModel* created_ = &temporaryModel;
+  int standing_ = 0;  // temporary models that were created and not yet destroyed
   std::map<std::uint16_t, std::unique_ptr<FakeVoice>> liveVoices_;
   std::map<std::uint16_t, std::unique_ptr<FakeVoice>> temporaryVoices_;
   std::unique_ptr<FakeMulti> liveMulti_;

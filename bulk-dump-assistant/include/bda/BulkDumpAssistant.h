@@ -21,6 +21,7 @@ namespace BDA {
 
 class Address;
 class BulkDumpAssistant;
+class BulkDumpObserver;
 class BulkDumpReceiver;
 class BulkExecuterCreator;
 class BulkRequestReceiver;
@@ -30,6 +31,7 @@ class JobMasterBulkBDA;
 class JobMixBulkBDA;
 class JobNormalVoiceBulkBDA;
 class JobPerformanceBulkBDA;
+struct Reception;
 
 // The messages, F0 to F7:
 //
@@ -109,8 +111,12 @@ class BDA_API BulkDumpBridge {
 //
 // Threads: it creates none and locks nothing. Construction, bridge registration and destruction run on the editor's
 // thread, receiveBulkDump on any one thread at a time, never beside one of the others. Two assistants do not share
-// state. It throws nothing of its own: when storage runs out a message fails, of which the screen tells (44), but the
-// log only where a file dump is concerned. An editor's services should not throw.
+// state.
+//
+// Exceptions: none comes out, whoever threw. What a service throws, or storage that runs out, ends the message like any
+// failure of its block: with 44 on the screen where a message was being shown, the open header forgotten and nothing
+// more in the log; MIDI output is resumed and the thread's scheduling restored if they had been suspended and changed.
+// The next message finds everything in order.
 class BDA_API BulkDumpAssistant {
  public:
   // Nothing that is handed over changes owner, and all of it outlives the assistant; `jobTools` must not be null.
@@ -123,6 +129,8 @@ class BDA_API BulkDumpAssistant {
   //                     vector before or when the assistant goes. Null: they are appended nowhere
   //   work              the contents store; null: nothing that needs it succeeds
   //   silent            true: no on-screen messages
+  // When a service throws, all that was made is undone (`bulkJobs` is as before, the temporary model destroyed), and
+  // the assistant refuses every dump and request. What merely cannot be allocated is missing, and the rest works.
   BulkDumpAssistant(EvtSrv::EventPortManager* eventPortManager, std::vector<CMA::JobReceiver*>* jobReceivers,
                     std::vector<CMA::JobReceiver*>* bulkJobs, CMA::JobTools* jobTools, ContSrv::Work* work,
                     bool silent);
@@ -135,14 +143,19 @@ class BDA_API BulkDumpAssistant {
   // Sends from now on through `bridge`, not owned; null: nothing can be sent, and every block is refused.
   void registerBDABridge(BulkDumpBridge* bridge);
 
-  // What kind of message this is and whether the settings admit it, 0 to 11. Writes log lines, changes nothing. Here
-  // and in receiveBulkDump `message` is only read, and only during the call; null or no bytes are BulkMsg_NotSysEx.
+  // Tells `observer` from now on how each message fared (bda/BulkDumpObserver.h). Not owned; null, as at first: nobody.
+  void registerObserver(BulkDumpObserver* observer);
+
+  // What kind of message this is and whether the settings admit it, 0 to 11; BulkMsg_ReceiveError, too, when the
+  // settings' model throws. Writes log lines, changes nothing. Here and in receiveBulkDump `message` is only read, and
+  // only during the call; null or no bytes are BulkMsg_NotSysEx.
   BulkMsgType checkBulkDumpMessage(const unsigned char* message, unsigned long length);
 
   // Handles one complete System Exclusive message that arrived on `port`, and tells what kind of message it was, not
   // how it fared: a dump that was refused, or a request that failed, still gives BulkMsg_BulkDump and
-  // BulkMsg_BulkRequest. How it fared is on the screen and in the log. All that it does with the bridge and the
-  // editor's services is done when it returns.
+  // BulkMsg_BulkRequest; a BulkDumpObserver is told how it fared. All that it does with the bridge and the editor's
+  // services is done when it returns. Once a service threw, the kind is what was known by then, BulkMsg_ReceiveError if
+  // nothing was.
   BulkMsgType receiveBulkDump(const unsigned char* message, unsigned long length, DevicePortNum port);
 
   // A hook that does nothing, whenever it is called.
@@ -170,10 +183,23 @@ class BDA_API BulkDumpAssistant {
   void closeMsg();
 
  private:
+  friend class JobBulkTools;  // a job tells a throw from an answer
+
+  // As receiveBulkDump, but tells more.
+  Reception receive(const unsigned char* message, unsigned long length, DevicePortNum port) noexcept;
+
+  // All of these let through what a service throws.
+  void handle(const unsigned char* message, unsigned long length, DevicePortNum port, Reception& reception);
+  void receiveDump(const unsigned char* message, unsigned long length, DevicePortNum port, Reception& reception);
+  void answerRequest(const unsigned char* message, unsigned long length, DevicePortNum port, Reception& reception);
+  BulkMsgType classify(const unsigned char* message, unsigned long length);
+  std::uint32_t admit(const Address& address);
+  void show(std::uint16_t id);
+  void close();
+
   void raiseReceivePriority();
   void restoreReceivePriority();
-  BulkMsgType receiveDump(const unsigned char* message, unsigned long length, DevicePortNum port);
-  BulkMsgType answerRequest(const unsigned char* message, unsigned long length, DevicePortNum port);
+  void destroyParts() noexcept;
 
   BulkDumpReceiver* dumpReceiver_;
   BulkRequestReceiver* requestReceiver_;
@@ -195,6 +221,7 @@ class BDA_API BulkDumpAssistant {
   UtilSrv::Thread::_PolicyType savedPolicy_;
   UtilSrv::Thread::_PriorityType savedPriority_;
   bool boosted_;
+  BulkDumpObserver* observer_;
 };
 
 }  // namespace BDA

@@ -30,11 +30,11 @@ void setByte(CMA::ParameterGroup& group, std::uint16_t index, std::uint8_t value
 // ---- Groups --------------------------------------------------------------------------------------------------------
 
 TEST(ArrayGroup, StartsWithEveryParameterZero) {
-  EXPECT_EQ(ArrayGroup(3).values(), (std::vector<std::uint16_t>{0, 0, 0}));
+  EXPECT_EQ(ArrayGroup({3}).values(), (std::vector<std::uint16_t>{0, 0, 0}));
 }
 
 TEST(ArrayGroup, KeepsWhatIsSet) {
-  ArrayGroup group(3, Width::word);
+  ArrayGroup group({3, 16});
   const std::uint16_t wide = 0x1234;
   const std::uint8_t narrow = 0xFF;
   EXPECT_TRUE(group.set(&wide, 0, 0));
@@ -48,7 +48,7 @@ TEST(ArrayGroup, KeepsWhatIsSet) {
 }
 
 TEST(ArrayGroup, RefusesParametersThatItHasNot) {
-  ArrayGroup group(3);
+  ArrayGroup group({3});
   std::uint8_t narrow = 0x55;
   std::uint16_t wide = 0x5566;
   for (const std::uint16_t index : std::initializer_list<std::uint16_t>{3, 4, 0xFFFF}) {
@@ -59,16 +59,16 @@ TEST(ArrayGroup, RefusesParametersThatItHasNot) {
   }
   EXPECT_EQ(narrow, 0x55);
   EXPECT_EQ(wide, 0x5566);
-  EXPECT_EQ(group, ArrayGroup(3));
+  EXPECT_EQ(group, ArrayGroup({3}));
 }
 
 TEST(ArrayGroup, NeverCutsAValue) {
-  ArrayGroup bytes(1);
+  ArrayGroup bytes({1});
   const std::uint16_t wide = 0x100;
   EXPECT_FALSE(bytes.set(&wide, 0, 1));
   EXPECT_EQ(byte(bytes, 0), 0);
 
-  ArrayGroup words(1, Width::word);
+  ArrayGroup words({1, 16});
   EXPECT_TRUE(words.set(&wide, 0, 1));
   std::uint8_t narrow = 0x77;
   EXPECT_FALSE(words.get(&narrow, 0));
@@ -76,18 +76,18 @@ TEST(ArrayGroup, NeverCutsAValue) {
 }
 
 TEST(ArrayGroup, AssignsAllOrNothing) {
-  ArrayGroup group(2);
+  ArrayGroup group({2});
   EXPECT_FALSE(group.assign({1}));
   EXPECT_FALSE(group.assign({1, 2, 3}));
   EXPECT_FALSE(group.assign({1, 256}));
-  EXPECT_EQ(group, ArrayGroup(2));
+  EXPECT_EQ(group, ArrayGroup({2}));
   EXPECT_TRUE(group.assign({1, 255}));
   EXPECT_EQ(group.values(), (std::vector<std::uint16_t>{1, 255}));
 }
 
 TEST(ArrayGroup, TellsItsWatcherOfEveryNewValueAndOfNothingElse) {
   CountingWatcher watcher;
-  ArrayGroup group(2);
+  ArrayGroup group({2});
   group.watch(&watcher);
   setByte(group, 0, 0);
   EXPECT_EQ(watcher.changes, 0) << "the value that it had";
@@ -100,15 +100,15 @@ TEST(ArrayGroup, TellsItsWatcherOfEveryNewValueAndOfNothingElse) {
   EXPECT_EQ(watcher.changes, 1);
   group.assign({7, 1});
   EXPECT_EQ(watcher.changes, 2);
-  group = ArrayGroup(2);
+  group = ArrayGroup({2});
   EXPECT_EQ(watcher.changes, 3);
-  group = ArrayGroup(2);
+  group = ArrayGroup({2});
   EXPECT_EQ(watcher.changes, 3);
 }
 
 TEST(ArrayGroup, IsCopiedWithoutItsWatcher) {
   CountingWatcher watcher;
-  ArrayGroup group(1);
+  ArrayGroup group({1});
   group.watch(&watcher);
   ArrayGroup copy = group;
   setByte(copy, 0, 1);

@@ -4,6 +4,7 @@
 
 #include "bda/Export.h"
 
+// Debug output of the editor.
 namespace Basekit {
 
 // Receives what is traced on one thread. The editor owns its sinks.

@@ -12,6 +12,7 @@ namespace EvtSrv {
 class EventPortManager;
 }
 
+// The editor's own: its models and jobs, the numbers by which it knows devices and banks, its screen.
 namespace CMA {
 
 // A scratch copy of every kind of model, filled by a bulk dump before it is stored, or loaded before it is dumped.
@@ -43,7 +44,7 @@ class BDA_PLATFORM_API JobTools {
   virtual bool initTemporaryMasterModel(TemporaryCoreModel* model) = 0;
   virtual bool initTemporaryRemoteModel(TemporaryCoreModel* model) = 0;
 
-  // Null while that kind is not open in `model`, or not under that number.
+  // What is open in `model`; null while that kind is not open, or not under that number.
   virtual VoiceParameterModel* getTemporaryVoiceModel(TemporaryCoreModel* model, std::uint16_t number) = 0;
   virtual MultiParameterModel* getTemporaryMultiModel(TemporaryCoreModel* model) = 0;
   virtual ArpeggioParameterModel* getTemporaryArpeggioModel(TemporaryCoreModel* model) = 0;
@@ -56,6 +57,7 @@ class BDA_PLATFORM_API JobTools {
   virtual ArpeggioParameterModel* getArpeggioModel() = 0;
   virtual MasterParameterModel* getMasterModel() = 0;
   virtual RemoteParameterModel* getRemoteModel() = 0;
+  // What is always live: the system settings, and what fits nowhere else.
   virtual SystemParameterModel* getSystemModel() = 0;
   virtual AdditionalParameterModel* getAdditionalModel() = 0;
 

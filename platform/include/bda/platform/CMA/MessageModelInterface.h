@@ -11,6 +11,7 @@ class EventPortManager;
 
 namespace CMA {
 
+// What the editor knows the bulk dump assistant by.
 namespace BDA {
 
 // The name under which the bulk dump assistant's message model registers.
@@ -28,6 +29,7 @@ class BDA_PLATFORM_API MessageModelInterface {
   MessageModelInterface& operator=(const MessageModelInterface&) = delete;
   ~MessageModelInterface();
 
+  // Posts message `id`: it takes the place of the one before it. Nothing without a port.
   void setId(std::uint16_t id);
   // The port on which the ids leave; null when nothing is shown.
   EvtSrv::EventPort* getEventPort() const { return port_; }

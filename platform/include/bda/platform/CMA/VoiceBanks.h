@@ -8,8 +8,8 @@ namespace CMA {
 
 // A bank select message pair, controllers 0 (MSB) and 32 (LSB).
 struct BankSelect {
-  std::uint8_t msb;
-  std::uint8_t lsb;
+  std::uint8_t msb;  // controller 0
+  std::uint8_t lsb;  // controller 32
 };
 
 // Bank select of every voice bank by its code: 0-7 preset normal voices, 8-10 user normal voices, 11 preset and 12 user

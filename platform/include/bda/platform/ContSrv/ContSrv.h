@@ -16,7 +16,8 @@ namespace ContSrv {
 
 // Result of an operation. Which results count as good, the caller's contract says: most take ContRes_Success alone.
 using _ContResult = std::int32_t;
-inline constexpr _ContResult ContRes_Success = 0;
+
+inline constexpr _ContResult ContRes_Success = 0;        // it is done
 inline constexpr _ContResult ContRes_DoNothing = 1;      // nothing was there to be done
 inline constexpr _ContResult ContRes_EmptyContent = 2;   // the number is valid, no content is stored there
 inline constexpr _ContResult ContRes_Failure = 3;        // failures are 3 and above
@@ -25,7 +26,8 @@ inline constexpr _ContResult ContRes_StoreError = 5;     // the store itself fai
 
 // Kind of a content.
 using _ContType = std::uint32_t;
-inline constexpr _ContType ContType_None = 0;
+
+inline constexpr _ContType ContType_None = 0;     // no kind
 inline constexpr _ContType ContType_Multi = 1;    // numbers 0 to 127
 inline constexpr _ContType ContType_Voice = 4;    // numbers as CMA::JobTools::getVoiceContentNumber gives them
 inline constexpr _ContType ContType_Single = 14;  // number 0 alone, without a name
@@ -36,13 +38,15 @@ inline constexpr unsigned long ContentNumber_All = 0xFFFFFFFF;
 // A slot's favourite flag, kept as it came; 0 means no favourite.
 using _ContFavoriteFlag = std::uint8_t;
 
+// What a file is opened for.
 enum _OpenMode : std::int32_t {
-  OpenMode_Read = 0,
-  OpenMode_Write = 1,
+  OpenMode_Read = 0,   // to be read from its beginning
+  OpenMode_Write = 1,  // to be written from its beginning
 };
 
+// What is known of a slot beside its content.
 struct ContentInformation {
-  _ContFavoriteFlag favoriteFlag = 0;
+  _ContFavoriteFlag favoriteFlag = 0;  // 0: no favourite
 };
 
 // The bytes of an open data file. Owned by its DataFile.
@@ -50,9 +54,10 @@ class BDA_PLATFORM_API Data {
  public:
   virtual ~Data();
 
-  // The number of bytes written, less than `size` on failure (never read as an error code).
+  // Writes behind what was written before. The number of bytes written, less than `size` on failure (never read as an
+  // error code).
   virtual std::int64_t write(const std::uint8_t* bytes, std::int64_t size) = 0;
-  // The number of bytes read, less than `size` at the end or on failure.
+  // Reads on from where the last read ended. The number of bytes read, less than `size` at the end or on failure.
   virtual std::int64_t read(std::uint8_t* bytes, std::int64_t size) = 0;
   // The number of bytes that can be read; negative on failure.
   virtual std::int64_t getSize() = 0;
@@ -63,18 +68,21 @@ class BDA_PLATFORM_API DataFile {
  public:
   virtual ~DataFile();
 
-  // Null on failure; the file must still be closed.
+  // The file's bytes, the DataFile's. Null on failure; the file must still be closed.
   virtual Data* openData() = 0;
+  // Ends what openData began; what was written is on disk when it returns ContRes_Success.
   virtual _ContResult closeData(Data* data) = 0;
   // As closeData, but what was written reaches the disk only with Work::sync.
   virtual _ContResult closeDataWithoutSync(Data* data) = 0;
 };
 
+// The store. It belongs to the editor and outlives everything that was constructed with it.
 class BDA_PLATFORM_API Work {
  public:
   virtual ~Work();
 
-  // 1 while the editor loads or saves a content file; bulk messages are then refused. Any other value: free.
+  // 1 while the editor loads or saves a content file: dumps and requests are then refused, but for a footer that
+  // empties a mixing voice and a request for an empty one. Any other value: free.
   virtual unsigned char getLoadSaveFlag() = 0;
 
   // Mixing voice `voice` of the content (`type`, `number`): removal, name, number. There are 0 to 15, and
@@ -96,7 +104,9 @@ class BDA_PLATFORM_API Work {
 
   // A path is a name that openDataFile understands, nothing more.
   virtual _ContResult getDataFilePath(_ContType type, std::uint32_t number, std::string& path) = 0;
+  // The name under which a content is listed; of a slot without content ContRes_EmptyContent. `name` starts empty.
   virtual _ContResult getContentName(_ContType type, std::uint32_t number, std::string& name) = 0;
+  // Called while the content's file is open, before its bytes are written. `sync` false: on disk with the next sync.
   virtual _ContResult setContentName(_ContType type, std::uint32_t number, const std::string& name, bool sync) = 0;
   // Null when the file cannot be opened; for reading also when no content is stored there. The Work owns the file.
   // For reading, null is always answered as an empty content: an editor whose store failed has to notice that itself.
@@ -115,6 +125,7 @@ class BDA_PLATFORM_API Work {
   virtual _ContResult getContentInformation(_ContType type, std::uint32_t number, ContentInformation& information) = 0;
 };
 
+// Where the store of an editor is asked for.
 class BDA_PLATFORM_API WorkManager {
  public:
   // The store that belongs to an event port manager; null for a null manager or one without store.

@@ -6,6 +6,7 @@ namespace ContSrv {
 class Work;
 }
 
+// Events: how models reach the editor's screen and pages.
 namespace EvtSrv {
 
 class EventPort;

@@ -12,8 +12,9 @@ class BDA_PLATFORM_API MemoryHolder {
  public:
   virtual ~MemoryHolder();
 
-  // Null when size() is 0.
+  // The bytes; null when there are none.
   virtual const std::uint8_t* data() const = 0;
+  // How many they are.
   virtual std::size_t size() const = 0;
 };
 

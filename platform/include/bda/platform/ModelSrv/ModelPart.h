@@ -4,6 +4,7 @@
 
 #include "bda/Export.h"
 
+// Parts of models that are no parameters: names.
 namespace ModelSrv {
 
 // The whole part, not one of its elements.

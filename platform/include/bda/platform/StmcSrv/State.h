@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+// The state machine of the editor.
 namespace StmcSrv {
 
 // States of the editor's state machine that a temporary model can be opened for.

@@ -4,6 +4,7 @@
 
 #include "bda/Export.h"
 
+// Threads.
 namespace UtilSrv {
 
 class ThreadListener;
@@ -20,23 +21,26 @@ class BDA_PLATFORM_API Thread {
   // Priority within the policy, 0 for policy 0, 1 (lowest) to 99 for the real-time policies.
   using _PriorityType = std::int32_t;
 
+  // What these operations do to threads.
   enum class Scheduling {
     System,    // the system's: what is changed is changed
     LeftAlone  // nothing is read or changed: a Thread is as one that nobody attached
   };
 
+  // Attached to no thread.
   Thread() noexcept;
+  // Attached to the thread of `other`, or to none like it.
   Thread(const Thread& other) noexcept;
   Thread& operator=(const Thread& other) noexcept;
   ~Thread();
 
   // To the calling thread, whatever it was attached to. Attaches to none where scheduling is left alone.
   void attach() noexcept;
-  // 0 while not attached.
+  // How the thread is scheduled now; 0 while not attached.
   _PolicyType getPolicy() const noexcept;
   _PriorityType getPriority() const noexcept;
   // `mode` is 0: at once. False while not attached, and when the system refuses, for want of a privilege above all; the
-  // thread then goes on as it was. Nothing is traced: running unboosted is no failure.
+  // thread then goes on as it was. Nothing is traced: to run as before is no failure.
   bool change(_PolicyType policy, _PriorityType priority, int mode) noexcept;
   // Leaves the thread as it is now scheduled.
   void detach() noexcept;
@@ -58,6 +62,7 @@ class BDA_PLATFORM_API ThreadListener {
  public:
   virtual ~ThreadListener();
 
+  // The operation of that name is about to run; it runs whatever the listener does.
   virtual void attached() noexcept = 0;
   virtual void policyRead() noexcept = 0;
   virtual void priorityRead() noexcept = 0;

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+
+#include "bda/BulkDumpObserver.h"
+
+namespace BDA {
+
+// What became of one message, as far as it is known.
+struct Reception : BulkDumpReport {
+  bool hasThrown = false;  // a service, or storage that ran out
+
+  void setAddress(const std::uint8_t* bytes) {
+    hasAddress = true;
+    std::copy_n(bytes, 3, address);
+  }
+};
+
+// Makes `reception` the one that the calling thread's messages are noted in, as long as it lives. Null: nobody wants
+// to know.
+class Notes {
+ public:
+  explicit Notes(Reception* reception) noexcept;
+  Notes(const Notes&) = delete;
+  Notes& operator=(const Notes&) = delete;
+  ~Notes();
+
+  // The first refusal of a message is the reason; what follows from it is not.
+  static void refusal(BulkDumpRefusal refusal) noexcept;
+  // Of what was just caught.
+  static void thrown() noexcept;
+  static void handedOver(std::size_t contents = 1) noexcept;
+
+ private:
+  Reception* before_;
+};
+
+}  // namespace BDA

@@ -1,0 +1,128 @@
+#pragma once
+
+#include <cstdint>
+
+#include "bda/BulkDumpAssistant.h"
+
+// How each message fared, for an editor that wants to tell its user without reading the log.
+namespace BDA {
+
+// What became of a message. It tells what the assistant knows: what was handed to the store is not yet stored, for the
+// last step of a write trigger (ContSrv::Work::sync) is not looked at. An editor joins it with its own store's errors.
+enum class BulkDumpOutcome : std::uint8_t {
+  accepted,       // a block of an open unit, a header, or a file dump that waits for its write trigger
+  handedToStore,  // a footer stored the temporary model, a write trigger wrote or removed contents, or an empty mixing
+                  // voice was removed
+  completed,      // taken at once, without a unit: a system block, favorites
+  nothingToDo,    // a write trigger with nothing held, the removal of a mixing voice that is not there
+  answered,       // a request: all its dumps were sent
+  nothingToSend,  // a request for blocks that are swallowed
+  ignored,        // not handled here (BulkMsg_Type1 ...), or ignored by the editor's mode; a request on DevicePort_Thru
+  notOurs,        // BulkMsg_OtherModel, BulkMsg_NotSysEx
+  refused,        // see BulkDumpRefusal
+};
+
+// Why a message was refused: the first thing that went wrong.
+enum class BulkDumpRefusal : std::uint8_t {
+  none,
+
+  // The message itself, and the system's settings.
+  malformedMessage,   // BulkMsg_ReceiveError: a length that does not fit its type, or an unknown type
+  wrongByteCount,     // the byte count does not fit the length
+  wrongCheckSum,      //
+  deviceNumberOff,    // the device-number setting is OFF
+  wrongDeviceNumber,  // for another device number
+  receiveSwitchOff,   // the receive-bulk switch is off
+
+  // The editor's mode (CMA::JobTools::checkModeForReceivedSysExBulk).
+  wrongMode,             // CMA::JOB::Result_CurrentStateError
+  wrongVoiceTypeInMode,  // CMA::JOB::Result_VoiceTypeError
+  editCompare,           // CMA::JOB::Result_EditCompareModeError
+  sampleAudition,        // CMA::JOB::Result_SampleAuditionError
+  mixingVoicesFull,      // CMA::JOB::Result_MixingVoiceFullError, or more mixing voices written than there may be
+  unknownModeResult,     // a result that is none of CMA::JOB::Result
+  loadingOrSaving,       // a content file is being loaded or saved (ContSrv::Work::getLoadSaveFlag)
+
+  // The address.
+  noBlock,            // no block has this address, or no open header admits it
+  headerMismatch,     // a footer, or a voice's block, that does not fit the open header, or comes without one
+  unknownHeader,      // no models, no blocks or no footer belong to such a header
+  unknownVoiceType,   // a header of a voice that is neither a normal nor a drum voice
+  wrongBank,          // a request for the voice of a part whose bank is none
+  notRequestedAlone,  // a block that is sent with its header only
+  requestOnly,        // a dump of names, which can only be requested
+  wrongBlockType,     // of an insertion effect, which is neither A nor B
+
+  // The block and its models.
+  wrongDataLength,  // not the block's
+  modelMissing,     // the editor gave no model, or a model without that part
+  wrongDirection,   // a footer that is not received
+  dumpNotCreated,   // a dump could not be built
+  blockFailed,      // and nothing more is known
+  noExecuter,       // the block's converter could not be allocated
+  notLoaded,        // CMA::JobTools::loadForReceivedSysExBulk
+  notStored,        // CMA::JobTools::storeForReceivedSysExBulk
+
+  // Names and favorites.
+  nameNotFound,     // of a waveform, an arpeggio, a multi
+  nameTooLong,      //
+  noSuchFavorites,  // a low address byte beyond the contents of the bank
+  favoriteNotSet,   // ContSrv::Work::setContentFavoriteFlag
+  favoriteNotRead,  // ContSrv::Work::getContentInformation
+
+  // File dumps.
+  fileDumpTooLong,         // more than 16,383 data bytes
+  emptyFileDump,           // no data bytes at all
+  fileDumpNameCutShort,    // the data end before the name does
+  fileDumpDataCutShort,    // the data end before the content does
+  notPacked,               //
+  notUnpacked,             // a name or a content that no packing gives
+  noContentType,           // the address names no content
+  noContentNumber,         // the address names no content
+  mixingVoicesNotCounted,  // ContSrv::Work::getMixingVoiceSumSync
+  mixingVoiceNotRemoved,   // ContSrv::Work::removeMixingVoice
+  overwriteRefused,        // ContSrv::Work::requestOverWriteConfig
+  contentNotRemoved,       // ContSrv::Work::removeContent, removeContents
+  noFilePath,              // ContSrv::Work::getDataFilePath
+  fileNotOpened,           // ContSrv::Work::openDataFile
+  fileNotClosed,           // ContSrv::Work::closeDataFile
+  dataNotOpened,           // ContSrv::DataFile::openData
+  dataNotClosed,           // ContSrv::DataFile::closeData, closeDataWithoutSync
+  dataNotWritten,          // ContSrv::Data::write
+  dataNotRead,             // ContSrv::Data::read, getSize
+  nameNotSet,              // ContSrv::Work::setContentName
+  nameNotRead,             // ContSrv::Work::getContentName
+
+  // The assistant itself.
+  noBridge,        // none is registered
+  outOfMemory,     // storage ran out
+  serviceThrew,    // a service of the editor threw an exception
+  notConstructed,  // its construction was undone
+};
+
+// What is told of one message.
+struct BulkDumpReport {
+  BulkMsgType kind = BulkMsg_ReceiveError;  // what receiveBulkDump returns
+  bool hasAddress = false;                  // of dumps, also with a wrong checksum, and requests
+  std::uint8_t address[3] = {0, 0, 0};      // high, middle, low byte
+  // The result of the block, 0 if none was asked. Bit 31 set: failure. A refused dump whose result is a success was
+  // taken all the same: something was wrong with it that the instrument overlooks.
+  std::uint32_t result = 0;
+  BulkDumpOutcome outcome = BulkDumpOutcome::ignored;
+  BulkDumpRefusal refusal = BulkDumpRefusal::none;  // unless `outcome` is refused
+  // How many contents were handed to the store: written or removed by a write trigger, also by one that was refused for
+  // the rest (the mixing voices of a multi, removed together, count as one); 1 of a footer.
+  std::uint32_t handedOver = 0;
+};
+
+// What an editor implements to be told how messages fared (BulkDumpAssistant::registerObserver). It stays the editor's.
+class BulkDumpObserver {
+ public:
+  virtual ~BulkDumpObserver() = default;
+
+  // The last thing that happens in every receiveBulkDump, and in the request that a job makes: on the calling thread,
+  // once. What it throws is dropped. It must not hand the assistant a message.
+  virtual void bulkDumpHandled(const BulkDumpReport& report) = 0;
+};
+
+}  // namespace BDA
