@@ -1,9 +1,44 @@
-# find_package(bda) gives an outside project bda::bda and bda::platform.
+# What is installed, and where, in three components: runtime is what a program needs that uses the libraries,
+# development what one needs to compile it, program is bda.
+include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
+# Libraries and program side by side in one tree, found without LD_LIBRARY_PATH before and after installation.
+if(PROJECT_IS_TOP_LEVEL AND CMAKE_EXECUTABLE_FORMAT STREQUAL "ELF")
+  set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}:$ORIGIN")
+endif()
+
+# find_package(bda) gives an outside project bda::bda and bda::platform.
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/bda)
-install(EXPORT bda-targets NAMESPACE bda:: DESTINATION ${package_dir})
+install(EXPORT bda-targets NAMESPACE bda:: DESTINATION ${package_dir} COMPONENT development)
 configure_package_config_file(cmake/bdaConfig.cmake.in bdaConfig.cmake INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file(bdaConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file(bdaConfigVersion.cmake VERSION ${BDA_VERSION} COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/bdaConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/bdaConfigVersion.cmake
-        DESTINATION ${package_dir})
+        DESTINATION ${package_dir} COMPONENT development)
+
+# pkg-config knows the folders relative to its own files, so that what is installed can be moved.
+set(pc_dir ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH BDA_PC_TO_PREFIX ${pc_dir} ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" BDA_PC_TO_PREFIX ${BDA_PC_TO_PREFIX})
+file(RELATIVE_PATH BDA_PC_TO_INCLUDE ${pc_dir} ${CMAKE_INSTALL_FULL_INCLUDEDIR})
+if(NOT BDA_IS_SHARED)
+  set(BDA_PC_DEFINE " -DBDA_STATIC")
+endif()
+
+# bda_install_library(target): a library, its headers and what pkg-config has to know, in cmake/<target>.pc.in.
+function(bda_install_library target)
+  install(TARGETS ${target} EXPORT bda-targets
+          RUNTIME COMPONENT runtime
+          LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
+          ARCHIVE COMPONENT development)
+  install(DIRECTORY include/bda DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${target}.pc.in ${target}.pc @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${target}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+          COMPONENT development)
+endfunction()
+
+if(NOT BDA_DEBS)  # whose packages have their own form of it
+  foreach(component IN ITEMS runtime development program)
+    install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/bda COMPONENT ${component})
+  endforeach()
+endif()

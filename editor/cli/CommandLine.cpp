@@ -10,6 +10,7 @@
 #include <new>
 #include <string_view>
 
+#include "bda/version.h"
 #include "cli/FilesInUse.h"
 #include "cli/Verbs.h"
 
@@ -205,7 +206,7 @@ constexpr const char* kAddresses =
 
 void addCommonOptions(CLI::App& app, Program& program) {
   app.set_help_flag("-h,--help", "Say this and exit");
-  app.set_version_flag("-V,--version", "bda " BDA_VERSION, "Say the version and exit");
+  app.set_version_flag("-V,--version", "bda " BDA_VERSION_STRING, "Say the version and exit");
   app.add_option_function<std::string>(
          "--library", [&program](const std::string& file) { program.setLibraryFile(file); },
          "The library; default $BDA_LIBRARY, $XDG_DATA_HOME/bda/library.db, ~/.local/share/bda/library.db")

@@ -1,52 +1,32 @@
-# cmake -DNM=... -DLIBRARY=... -P symbols.cmake
-execute_process(COMMAND ${NM} --dynamic --demangle --defined-only ${LIBRARY} OUTPUT_VARIABLE output
+# cmake -DNM=... -DLIBRARY=... -DLIST=... -P symbols.cmake
+#
+# A shared library shows the symbols of the list, each by its full name, and no other. The list is sorted; names that
+# stand for several symbols, such as a constructor's, are in it once.
+cmake_minimum_required(VERSION 3.25)
+execute_process(COMMAND ${NM} --dynamic --demangle --defined-only ${LIBRARY} OUTPUT_VARIABLE shown
                 COMMAND_ERROR_IS_FATAL ANY)
-string(REGEX REPLACE "\n$" "" output "${output}")
-string(REPLACE ";" "," output "${output}")
-string(REPLACE "\n" ";" lines "${output}")
+# 0000000000001220 T BDA::BulkDumpBridge::BulkDumpBridge(BDA::BulkDumpAssistant*)
+string(REGEX REPLACE "\n$" "" shown "${shown}")
+string(REPLACE "\n" ";" shown "${shown}")
+list(TRANSFORM shown REPLACE "^[0-9a-f]+ [A-Za-z] " "")
+list(REMOVE_DUPLICATES shown)
+list(SORT shown)
+file(STRINGS ${LIST} listed)
 
-set(strangers)
-foreach(line IN LISTS lines)
-  # 0000000000001220 T BDA::BulkDumpBridge::BulkDumpBridge(BDA::BulkDumpAssistant*)
-  string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" symbol "${line}")
-  if(NOT symbol MATCHES "^BDA::(BulkDumpAssistant|BulkDumpBridge|Utility)::(~?[A-Za-z]+|operator=)\\(" AND
-     NOT symbol MATCHES "^(vtable|typeinfo|typeinfo name) for BDA::BulkDumpBridge$")
-    string(APPEND strangers "  ${line}\n")
-  endif()
-endforeach()
-if(strangers)
-  message(FATAL_ERROR "${LIBRARY} shows more than its three classes:\n${strangers}")
+set(sorted ${listed})
+list(REMOVE_DUPLICATES sorted)
+list(SORT sorted)
+if(NOT sorted STREQUAL listed)
+  message(FATAL_ERROR "${LIST} is not sorted, or has a name twice")
 endif()
-
-# And all that an editor may call, or derive from, is there.
-set(assistant BDA::BulkDumpAssistant)
-set(bridge BDA::BulkDumpBridge)
-set(wanted
-    "${assistant}::BulkDumpAssistant(EvtSrv::EventPortManager*"
-    "${assistant}::BulkDumpAssistant(${assistant} const&)"
-    "${assistant}::operator=(${assistant} const&)"
-    "${assistant}::~BulkDumpAssistant()"
-    "${assistant}::registerBDABridge(${bridge}*)"
-    "${assistant}::checkBulkDumpMessage(unsigned char const*, unsigned long)"
-    "${assistant}::receiveBulkDump(unsigned char const*, unsigned long, BDA::DevicePortNum)"
-    "${assistant}::bdaLoop()"
-    "${assistant}::init()"
-    "${assistant}::checkAddress(BDA::Address const&)"
-    "${assistant}::isEditBufferFooter(BDA::Address const&)"
-    "${assistant}::showMsg(unsigned short)"
-    "${assistant}::closeMsg()"
-    "${bridge}::BulkDumpBridge(${assistant}*)"
-    "${bridge}::BulkDumpBridge(${bridge} const&)"
-    "${bridge}::operator=(${bridge} const&)"
-    "${bridge}::~BulkDumpBridge()"
-    "vtable for ${bridge}"
-    "typeinfo for ${bridge}"
-    "BDA::Utility::calcCheckSum(unsigned char const*, unsigned long)"
-    "BDA::Utility::isCorrectCheckSum(unsigned char const*, unsigned long)"
-    "BDA::Utility::getDeviceNumber(CMA::JobTools&, unsigned char*)")
-foreach(symbol IN LISTS wanted)
-  string(FIND "${output}" " ${symbol}" position)
-  if(position EQUAL -1)
-    message(FATAL_ERROR "${LIBRARY} lacks ${symbol}")
-  endif()
-endforeach()
+if(NOT shown STREQUAL listed)
+  set(strangers ${shown})
+  list(REMOVE_ITEM strangers ${listed})
+  set(missing ${listed})
+  list(REMOVE_ITEM missing ${shown})
+  list(JOIN strangers "\n  " strangers)
+  list(JOIN missing "\n  " missing)
+  message(FATAL_ERROR "${LIBRARY} shows what is not listed:\n  ${strangers}\nand lacks what is:\n  ${missing}")
+endif()
+list(LENGTH listed count)
+message("${count} symbols")

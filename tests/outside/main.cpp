@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "Export.h"
 #include "bda/BulkDumpAssistant.h"
 #include "bda/platform/Basekit/Tracer.h"
 #include "bda/platform/CMA/JobTools.h"
+#include "bda/version.h"
 
 namespace {
 
@@ -103,7 +105,7 @@ struct Log : Basekit::TracerSink {
   int lines = 0;
 };
 
-int failures = 0;
+EDITOR_INTERNAL int failures = 0;
 
 void expect(bool fact, const char* what) {
   std::printf("%s: %s\n", fact ? "ok" : "FAILED", what);
@@ -113,6 +115,8 @@ void expect(bool fact, const char* what) {
 }  // namespace
 
 int main() {
+  expect(std::strcmp(BDA::libraryVersion(), BDA_VERSION_STRING) == 0, "it runs with what it was compiled with");
+
   Log log;
   Basekit::Tracer::setThreadSink(&log);
 

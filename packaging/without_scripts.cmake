@@ -1,0 +1,11 @@
+# CPACK_POST_BUILD_SCRIPTS: no package of ours needs a maintainer script, so the ones that CPack wrote are taken out.
+foreach(package IN LISTS CPACK_PACKAGE_FILES)
+  set(tree ${CPACK_TEMPORARY_DIRECTORY}/unpacked)
+  file(REMOVE_RECURSE ${tree})
+  execute_process(COMMAND dpkg-deb --raw-extract ${package} ${tree} COMMAND_ERROR_IS_FATAL ANY)
+  file(GLOB scripts ${tree}/DEBIAN/postinst ${tree}/DEBIAN/postrm)
+  if(scripts)
+    file(REMOVE ${scripts})
+    execute_process(COMMAND dpkg-deb --root-owner-group --build ${tree} ${package} COMMAND_ERROR_IS_FATAL ANY)
+  endif()
+endforeach()

@@ -1,0 +1,26 @@
+# cmake -DALONE=... -DHOST=... -P cache.cmake: the cache of a project with us, beside that of the same project alone.
+cmake_minimum_required(VERSION 3.25)
+
+# bda_read_cache(folder result): its entries but ours, those that tell how we were fetched, and CMake's count of folders.
+function(bda_read_cache folder result)
+  file(STRINGS ${folder}/CMakeCache.txt entries REGEX "^[A-Za-z_\"].*:[A-Z]+=")
+  list(FILTER entries EXCLUDE REGEX "^(BDA_|bda_|FETCHCONTENT_|OUTSIDE_|CMAKE_NUMBER_OF_MAKEFILES:)")
+  list(TRANSFORM entries REPLACE "${folder}" "<build>")
+  list(SORT entries)
+  set(${result} "${entries}" PARENT_SCOPE)
+endfunction()
+
+bda_read_cache(${ALONE} alone)
+bda_read_cache(${HOST} host)
+if(NOT "CMAKE_BUILD_TYPE:STRING=" IN_LIST alone)
+  message(FATAL_ERROR "the project alone has a build type already")
+endif()
+if(NOT alone STREQUAL host)
+  set(added ${host})
+  list(REMOVE_ITEM added ${alone})
+  set(missing ${alone})
+  list(REMOVE_ITEM missing ${host})
+  list(JOIN added "\n  " added)
+  list(JOIN missing "\n  " missing)
+  message(FATAL_ERROR "with us:\n  ${added}\nwithout:\n  ${missing}")
+endif()

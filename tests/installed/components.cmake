@@ -1,0 +1,28 @@
+# cmake -DBUILD=... -DPREFIX=... -DWORK=... -P components.cmake: the three components, each by itself, are what is
+# installed at once; they share the licence and nothing else.
+cmake_minimum_required(VERSION 3.25)
+set(runtime "lib/[^/]+[.]so[.][0-9.]+")
+set(program "bin/bda")
+set(development "include/bda/.+[.]h|lib/[^/]+[.]so|lib/pkgconfig/[^/]+[.]pc|lib/cmake/bda/[^/]+[.]cmake")
+set(licence "share/doc/bda/LICENSE")
+
+file(REMOVE_RECURSE ${WORK})
+set(together)
+foreach(component IN ITEMS runtime program development)
+  execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/${component} --component ${component}
+                  OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  file(GLOB_RECURSE files RELATIVE ${WORK}/${component} ${WORK}/${component}/*)
+  list(APPEND together ${files})
+  set(strangers ${files})
+  list(FILTER strangers EXCLUDE REGEX "^(${${component}}|${licence})$")
+  if(strangers OR NOT licence IN_LIST files OR files STREQUAL licence)
+    message(FATAL_ERROR "${component} has ${files}")
+  endif()
+endforeach()
+list(REMOVE_DUPLICATES together)
+list(SORT together)
+file(GLOB_RECURSE files RELATIVE ${PREFIX} ${PREFIX}/*)
+list(SORT files)
+if(NOT together STREQUAL files)
+  message(FATAL_ERROR "together: ${together}\nat once: ${files}")
+endif()
