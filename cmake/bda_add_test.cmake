@@ -8,10 +8,11 @@ include(GoogleTest)
 
 # The headers of the test libraries are half of what a test compiles: once for all of them, unless
 # CMAKE_DISABLE_PRECOMPILE_HEADERS is on, as in the clang preset, which proves that each test includes what it needs.
-# Test code is not optimised, except for exhaustive sweeps and where an emulator runs it: it takes half the time to compile.
+# Test code is not optimised, except for exhaustive sweeps and where an emulated processor runs it: it
+# takes half the time to compile.
 set(bda_everyday_optimisation -O0)
 set(bda_patience 1)
-if(CMAKE_CROSSCOMPILING_EMULATOR)
+if(CMAKE_CROSSCOMPILING_EMULATOR MATCHES qemu)
   # g++ 12 inlines one half of a pair of replaced operators new and delete, and then misses the other.
   set(bda_everyday_optimisation -O1 $<$<CXX_COMPILER_ID:GNU>:-Wno-mismatched-new-delete>)
   set(bda_patience 5)
