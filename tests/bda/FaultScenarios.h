@@ -20,7 +20,7 @@ class FaultScenarios : public AssistantFixture {
  public:
   // One message; how it fares is for the test to note.
   virtual void feed(const Bytes& message, BDA::DevicePortNum from = BDA::DevicePort_Main) {
-    assistant->receiveBulkDump(message.data(), message.size(), from);
+    assistant->receiveBulkDump(message.data(), lengthOf(message), from);
   }
   void dump(const char* address, const Bytes& data = {}) { feed(dumpMessage(address, data)); }
   void ask(const char* address) { feed(requestMessage(address)); }
