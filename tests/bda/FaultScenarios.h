@@ -113,7 +113,7 @@ class FaultScenarios : public AssistantFixture {
     return at != std::string::npos && call.compare(at, 3, "[0]") != 0;
   }
 
-  static long count(const std::vector<std::string>& list, const char* call) {
+  static std::ptrdiff_t count(const std::vector<std::string>& list, const char* call) {
     return std::count_if(list.begin(), list.end(), [&](const std::string& line) { return line.rfind(call, 0) == 0; });
   }
 };
