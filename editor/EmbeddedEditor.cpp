@@ -156,6 +156,7 @@ void EmbeddedEditor::handleDump(Record& record, const Reading& reading, std::spa
     const std::size_t before = library_.pendingChanges().size();
     if (!inRun_) tools().reload();  // another program may have changed the live models
     hand(record, message, port);
+    if (isTrigger(reading)) leaveNameless(before);
     kept = isTrigger(reading) || (!hasFailed(record) && storeError_.empty());
     std::vector<std::string> saved;
     if (kept && !tools().saveChanged(saved)) throw LibraryError(LibraryError::Kind::Failed, tools().lastError());
@@ -172,6 +173,17 @@ void EmbeddedEditor::handleDump(Record& record, const Reading& reading, std::spa
   }
   if (!inRun_) changes_ = library_.takeChanges();
   if (!kept) tools().reload();
+}
+
+// The store keeps the name of a content that is written and not named: of a dump whose name is broken, and it cannot
+// know, of one that says that there is none.
+void EmbeddedEditor::leaveNameless(std::size_t firstChange) {
+  const std::vector<Change> changes(library_.pendingChanges().begin() + std::ptrdiff_t(firstChange),
+                                    library_.pendingChanges().end());
+  for (const Change& change : changes) {
+    if (change.kind != Change::Kind::Stored || !nameless_.contains(change.id)) continue;
+    if (library_.contentName(change.id) != "") library_.rename(change.id, "");
+  }
 }
 
 void EmbeddedEditor::reloadIfPossible() {
@@ -224,6 +236,7 @@ void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_
     }
     if (state == UnitReport::State::written) unit.note = noteOf(doubtful);
     held_.clear();
+    nameless_.clear();
   };
 
   const bool isDump = record.result == BDA::BulkMsg_BulkDump && reading.address.has_value();
@@ -248,12 +261,7 @@ void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_
     unit.note = noteOf(doubtful_);
     open_.reset();
   } else if (isTaken && reading.address->hi == BDA::kFileDumpHi) {
-    const auto same =
-        std::find_if(held_.begin(), held_.end(), [&](const Held& held) { return held.address == *reading.address; });
-    if (same == held_.end())
-      held_.push_back({*reading.address, number, isTakenAnyway});
-    else
-      same->isDoubtful = isTakenAnyway;
+    hold(reading, number, isTakenAnyway);
   } else if (isTaken && open_) {
     open_->arrive(*reading.address);
   }
@@ -263,6 +271,22 @@ void EmbeddedEditor::follow(Record& record, const Reading& reading, std::uint64_
       lastShown(record) >= kFirstResettingId && !held_.empty())
     endHeld(UnitReport::State::discarded);
   if (hasForgottenHeader(record)) abandon();
+}
+
+// A dump that comes again takes the place of the one that is held, and a mixing voice has two addresses.
+void EmbeddedEditor::hold(const Reading& reading, std::uint64_t number, bool isDoubtful) {
+  const BulkAddress address = *reading.address;
+  const auto same = std::find_if(held_.begin(), held_.end(), [&](const Held& held) { return held.address == address; });
+  if (same == held_.end())
+    held_.push_back({address, number, isDoubtful});
+  else
+    same->isDoubtful = isDoubtful;
+  const std::optional<ContentId> content = contentOfFileDump({address.mid, address.lo});
+  if (!content) return;
+  if (reading.isNamed)
+    nameless_.erase(canonical(*content));
+  else
+    nameless_.insert(canonical(*content));
 }
 
 std::vector<UnitReport> EmbeddedEditor::openUnits() const {
@@ -291,7 +315,7 @@ std::string EmbeddedEditor::whyRefused(const Record& record, const Reading& read
     default:
       break;
   }
-  if (record.report.refusal == BDA::BulkDumpRefusal::mixingVoicesFull) return wordsOf(record.report.refusal);
+  if (lastShown(record) == BDA::kMixingVoiceFullMessage) return wordsOf(BDA::BulkDumpRefusal::mixingVoicesFull);
   if (isBroken(reading)) return fmt::format("{}: {}", wordOf(reading.verdict), reading.note);
   if (!storeError_.empty()) return storeError_;
   const BulkAddress address = reading.address.value_or(BulkAddress{});

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -77,9 +78,11 @@ class EmbeddedEditor {
   void handleDump(Record& record, const Reading& reading, std::span<const std::uint8_t> message,
                   BDA::DevicePortNum port);
   void hand(Record& record, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
+  void leaveNameless(std::size_t firstChange);
   void nameChanges(Record& record);
   void reloadIfPossible();
   void follow(Record& record, const Reading& reading, std::uint64_t number);
+  void hold(const Reading& reading, std::uint64_t number, bool isDoubtful);
   std::vector<std::string> screenLines();
   std::size_t fileDumpSize(BulkAddress address);
   std::string whyRefused(const Record& record, const Reading& reading);
@@ -98,6 +101,7 @@ class EmbeddedEditor {
   std::optional<OpenUnit> open_;
   std::vector<std::uint64_t> doubtful_;  // of the open unit: messages that were refused, and taken all the same
   std::vector<Held> held_;
+  std::set<ContentId> nameless_;  // the contents whose dump carries no name, of those held
   bool inRun_ = false;
   std::string storeError_;       // of the message that is being handled
   std::vector<Change> changes_;  // of that message, committed or not

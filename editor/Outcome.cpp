@@ -1,5 +1,7 @@
 #include "Outcome.h"
 
+#include <iterator>
+
 #include "AddressRows.h"
 #include "EditorNumbers.h"
 
@@ -35,129 +37,86 @@ const char* wordOf(Outcome outcome) {
   return "?";
 }
 
-const char* wordsOf(BDA::BulkDumpRefusal refusal) {
-  using Refusal = BDA::BulkDumpRefusal;
-  switch (refusal) {
-    case Refusal::none:
-      return "";
-    case Refusal::malformedMessage:
-      return "it is no dump and no request";
-    case Refusal::wrongByteCount:
-      return "its byte count does not fit its length";
-    case Refusal::wrongCheckSum:
-      return "its checksum is wrong";
-    case Refusal::deviceNumberOff:
-      return "the device number is off";
-    case Refusal::wrongDeviceNumber:
-      return "it is for another device number";
-    case Refusal::receiveSwitchOff:
-      return "receive-bulk is off";
-    case Refusal::wrongMode:
-      return "the editor's mode does not admit it";
-    case Refusal::wrongVoiceTypeInMode:
-      return "it is for the other type of voice";
-    case Refusal::editCompare:
-      return "the editor is comparing";
-    case Refusal::sampleAudition:
-      return "the editor is playing a sample";
-    case Refusal::mixingVoicesFull:
-      return "there is no room for another mixing voice";
-    case Refusal::unknownModeResult:
-      return "the editor's mode is not known";
-    case Refusal::loadingOrSaving:
-      return "a content file is being loaded or saved";
-    case Refusal::noBlock:
-      return "no block is found at its address";
-    case Refusal::headerMismatch:
-      return "it does not fit the open header";
-    case Refusal::unknownHeader:
-      return "no unit begins with such a header";
-    case Refusal::unknownVoiceType:
-      return "its voice is neither a normal nor a drum voice";
-    case Refusal::wrongBank:
-      return "the part selects no bank of voices";
-    case Refusal::notRequestedAlone:
-      return "it is not answered by itself, only with the header that it belongs to";
-    case Refusal::requestOnly:
-      return "it can only be requested";
-    case Refusal::wrongBlockType:
-      return "it belongs to no insertion effect";
-    case Refusal::wrongDataLength:
-      return "it has not the number of data bytes of its block";
-    case Refusal::modelMissing:
-      return "the editor has no model for it";
-    case Refusal::wrongDirection:
-      return "a footer carries nothing to send";
-    case Refusal::dumpNotCreated:
-      return "its dump could not be built";
-    case Refusal::blockFailed:
-      return "its block failed";
-    case Refusal::noExecuter:
-      return "its block has no converter";
-    case Refusal::notLoaded:
-      return "it could not be loaded";
-    case Refusal::notStored:
-      return "it could not be stored";
-    case Refusal::nameNotFound:
-      return "a name could not be found";
-    case Refusal::nameTooLong:
-      return "a name is too long";
-    case Refusal::noSuchFavorites:
-      return "the bank has no such favorites";
-    case Refusal::favoriteNotSet:
-      return "a favorite could not be set";
-    case Refusal::favoriteNotRead:
-      return "a favorite could not be read";
-    case Refusal::fileDumpTooLong:
-      return "its file dump would have more data bytes than are possible";
-    case Refusal::emptyFileDump:
-      return "a file dump has no data bytes";
-    case Refusal::fileDumpNameCutShort:
-      return "a file dump ends before its name does";
-    case Refusal::fileDumpDataCutShort:
-      return "a file dump ends before its content does";
-    case Refusal::notPacked:
-      return "a content could not be packed";
-    case Refusal::notUnpacked:
-      return "a file dump could not be unpacked";
-    case Refusal::noContentType:
-    case Refusal::noContentNumber:
-      return "its address names no content";
-    case Refusal::mixingVoicesNotCounted:
-      return "the mixing voices could not be counted";
-    case Refusal::mixingVoiceNotRemoved:
-      return "a mixing voice could not be removed";
-    case Refusal::overwriteRefused:
-      return "the library does not let contents be overwritten";
-    case Refusal::contentNotRemoved:
-      return "a content could not be removed";
-    case Refusal::noFilePath:
-      return "the library has no place for a content";
-    case Refusal::fileNotOpened:
-    case Refusal::dataNotOpened:
-      return "a content could not be opened";
-    case Refusal::fileNotClosed:
-    case Refusal::dataNotClosed:
-      return "a content could not be closed";
-    case Refusal::dataNotWritten:
-      return "a content could not be written";
-    case Refusal::dataNotRead:
-      return "a content could not be read";
-    case Refusal::nameNotSet:
-      return "a name could not be set";
-    case Refusal::nameNotRead:
-      return "a name could not be read";
-    case Refusal::noBridge:
-      return "there is no way to send anything";
-    case Refusal::outOfMemory:
-      return "storage ran out";
-    case Refusal::serviceThrew:
-      return "the editor failed";
-    case Refusal::notConstructed:
-      return "the assistant could not be set up";
-  }
-  return "?";
-}
+namespace {
+
+using Refusal = BDA::BulkDumpRefusal;
+
+struct Words {
+  Refusal refusal;
+  const char* words;
+};
+constexpr Words kWords[] = {
+    {Refusal::none, ""},
+    {Refusal::malformedMessage, "it is no dump and no request"},
+    {Refusal::wrongByteCount, "its byte count does not fit its length"},
+    {Refusal::wrongCheckSum, "its checksum is wrong"},
+    {Refusal::deviceNumberOff, "the device number is off"},
+    {Refusal::wrongDeviceNumber, "it is for another device number"},
+    {Refusal::receiveSwitchOff, "receive-bulk is off"},
+    {Refusal::wrongMode, "the editor's mode does not admit it"},
+    {Refusal::wrongVoiceTypeInMode, "it is for the other type of voice"},
+    {Refusal::editCompare, "the editor is comparing"},
+    {Refusal::sampleAudition, "the editor is playing a sample"},
+    {Refusal::mixingVoicesFull, "there is no room for another mixing voice"},
+    {Refusal::unknownModeResult, "the editor's mode is not known"},
+    {Refusal::loadingOrSaving, "a content file is being loaded or saved"},
+    {Refusal::noBlock, "no block is found at its address"},
+    {Refusal::headerMismatch, "it does not fit the open header"},
+    {Refusal::unknownHeader, "no unit begins with such a header"},
+    {Refusal::unknownVoiceType, "its voice is neither a normal nor a drum voice"},
+    {Refusal::wrongBank, "the part selects no bank of voices"},
+    {Refusal::notRequestedAlone, "it is not answered by itself, only with the header that it belongs to"},
+    {Refusal::requestOnly, "it can only be requested"},
+    {Refusal::wrongBlockType, "it belongs to no insertion effect"},
+    {Refusal::wrongDataLength, "it has not the number of data bytes of its block"},
+    {Refusal::modelMissing, "the editor has no model for it"},
+    {Refusal::wrongDirection, "a footer carries nothing to send"},
+    {Refusal::dumpNotCreated, "its dump could not be built"},
+    {Refusal::blockFailed, "its block failed"},
+    {Refusal::noExecuter, "its block has no converter"},
+    {Refusal::notLoaded, "it could not be loaded"},
+    {Refusal::notStored, "it could not be stored"},
+    {Refusal::nameNotFound, "a name could not be found"},
+    {Refusal::nameTooLong, "a name is too long"},
+    {Refusal::noSuchFavorites, "the bank has no such favorites"},
+    {Refusal::favoriteNotSet, "a favorite could not be set"},
+    {Refusal::favoriteNotRead, "a favorite could not be read"},
+    {Refusal::fileDumpTooLong, "its file dump would have more data bytes than are possible"},
+    {Refusal::emptyFileDump, "a file dump has no data bytes"},
+    {Refusal::fileDumpNameCutShort, "a file dump ends before its name does"},
+    {Refusal::fileDumpDataCutShort, "a file dump ends before its content does"},
+    {Refusal::notPacked, "a content could not be packed"},
+    {Refusal::notUnpacked, "a file dump could not be unpacked"},
+    {Refusal::noContentType, "its address names no content"},
+    {Refusal::noContentNumber, "its address names no content"},
+    {Refusal::mixingVoicesNotCounted, "the mixing voices could not be counted"},
+    {Refusal::mixingVoiceNotRemoved, "a mixing voice could not be removed"},
+    {Refusal::overwriteRefused, "the library does not let contents be overwritten"},
+    {Refusal::contentNotRemoved, "a content could not be removed"},
+    {Refusal::noFilePath, "the library has no place for a content"},
+    {Refusal::fileNotOpened, "a content could not be opened"},
+    {Refusal::fileNotClosed, "a content could not be closed"},
+    {Refusal::dataNotOpened, "a content could not be opened"},
+    {Refusal::dataNotClosed, "a content could not be closed"},
+    {Refusal::dataNotWritten, "a content could not be written"},
+    {Refusal::dataNotRead, "a content could not be read"},
+    {Refusal::nameNotSet, "a name could not be set"},
+    {Refusal::nameNotRead, "a name could not be read"},
+    {Refusal::noBridge, "there is no way to send anything"},
+    {Refusal::outOfMemory, "storage ran out"},
+    {Refusal::serviceThrew, "the editor failed"},
+    {Refusal::notConstructed, "the assistant could not be set up"},
+};
+static_assert(std::size(kWords) == std::size_t(Refusal::notConstructed) + 1);
+static_assert([] {
+  for (std::size_t i = 0; i < std::size(kWords); ++i)
+    if (std::size_t(kWords[i].refusal) != i) return false;
+  return true;
+}());
+
+}  // namespace
+
+const char* wordsOf(BDA::BulkDumpRefusal refusal) { return kWords[std::size_t(refusal)].words; }
 
 Outcome outcomeOf(const AssistantHost::Effects& effects, const Reading& reading, bool libraryChanged) {
   const bool isDump = reading.kind == Reading::Kind::dump;

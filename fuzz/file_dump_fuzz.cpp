@@ -101,11 +101,14 @@ struct Model {
     const auto unpack = [&](std::size_t from, std::size_t to) {
       return Plain::decode({field.begin() + std::ptrdiff_t(from), field.begin() + std::ptrdiff_t(to)});
     };
-    // Bytes are stored without a name that cannot be unpacked, a name is not without its bytes.
+    // A name that cannot be unpacked leaves the old one to the new bytes, a name is not stored without its bytes.
     const Plain::Unpacked name = unpack(2, dataCountAt);
     const Plain::Unpacked data = unpack(dataCountAt + 2, end);
-    const std::string text(name.bytes.begin(), name.bytes.end());
-    if (data.isWhole) stored[id] = {name.isWhole ? text : std::string(), data.bytes};
+    if (data.isWhole) {
+      Content& content = stored[id];
+      if (name.isWhole) content.name.assign(name.bytes.begin(), name.bytes.end());
+      content.bytes = data.bytes;
+    }
     return name.isWhole && data.isWhole;
   }
 };

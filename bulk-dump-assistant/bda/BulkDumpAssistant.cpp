@@ -104,18 +104,6 @@ constexpr EmptyDump kEmptyMixingVoiceHeader{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 
 constexpr EmptyDump kEmptyMixingVoiceFooter{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0x00, kFooterHi, kMixingVoiceMid,
                                             0xFF, 0xFF, 0xF7};
 
-// False when something was thrown.
-template <typename Action>
-bool attempt(Action action) noexcept {
-  try {
-    action();
-    return true;
-  } catch (...) {
-    Notes::thrown();
-    return false;
-  }
-}
-
 // Null when storage runs out, in the object itself or in what it is made of.
 template <typename Object, typename... Arguments>
 Object* make(Arguments... arguments) {
@@ -178,7 +166,10 @@ bool sendEmptyMixingVoice(CMA::JobTools& jobTools, ContSrv::Work* work, BulkDump
     return dump;
   };
   for (const EmptyDump& dump : {filledIn(kEmptyMixingVoiceHeader), filledIn(kEmptyMixingVoiceFooter)})
-    if (bridge != nullptr) bridge->sendSysEx(dump.data(), std::uint32_t{kDumpFrame}, port);
+    if (bridge != nullptr)
+      bridge->sendSysEx(dump.data(), std::uint32_t{kDumpFrame}, port);
+    else
+      Notes::refusal(BulkDumpRefusal::noBridge);
   return true;
 }
 
@@ -208,6 +199,7 @@ BulkDumpAssistant::BulkDumpAssistant(EvtSrv::EventPortManager* eventPortManager,
       savedPriority_(0),
       boosted_(false),
       observer_(nullptr) {
+  const Notes nobody(nullptr);
   const std::size_t jobsBefore = bulkJobs == nullptr ? 0 : bulkJobs->size();
   const bool stands = attempt([&] {
     if (!silent) messageModel_.open(eventPortManager, CMA::BDA::ModelName, 0);
@@ -231,6 +223,7 @@ BulkDumpAssistant::BulkDumpAssistant(EvtSrv::EventPortManager* eventPortManager,
     requestReceiver_ = make<BulkRequestReceiver>(bulkTable_, jobTools_, noBridge, work_);
   });
   if (stands) return;
+  work_ = nullptr;  // so that empty mixing voices, too, are neither removed nor told of
   if (bulkJobs != nullptr) bulkJobs->resize(jobsBefore);
   destroyParts();
 }
@@ -267,6 +260,7 @@ void BulkDumpAssistant::registerObserver(BulkDumpObserver* observer) { observer_
 void BulkDumpAssistant::bdaLoop() {}
 
 BulkMsgType BulkDumpAssistant::checkBulkDumpMessage(const unsigned char* message, unsigned long length) {
+  const Notes nobody(nullptr);
   BulkMsgType type = BulkMsg_ReceiveError;
   attempt([&] { type = classify(message, length); });
   return type;
@@ -297,7 +291,9 @@ BulkMsgType BulkDumpAssistant::classify(const unsigned char* message, unsigned l
         kDumpSwitchOff();
         return BulkMsg_ReceiveSwOff;
       }
-      if (Utility::isCorrectCheckSum(message, length)) return BulkMsg_BulkDump;
+      const bool isCorrect = Utility::isCorrectCheckSum(message, length);
+      if (length != byteCountOf(message) + kDumpFrame) Notes::refusal(BulkDumpRefusal::wrongByteCount);
+      if (isCorrect) return BulkMsg_BulkDump;
       const unsigned char computed = Utility::calcCheckSum(message, length);
       // By the low part of the byte count alone, which may lead out of the message.
       const std::size_t receivedAt = message[kByteCountAt + 1] + kDataAt;
@@ -330,19 +326,21 @@ BulkMsgType BulkDumpAssistant::receiveBulkDump(const unsigned char* message, uns
 
 Reception BulkDumpAssistant::receive(const unsigned char* message, unsigned long length, DevicePortNum port) noexcept {
   Reception reception;
+  BulkDumpObserver* const observer = observer_;
   {
-    const Notes notes(observer_ == nullptr ? nullptr : &reception);
+    const Notes notes(observer == nullptr ? nullptr : &reception);
     if (!attempt([&] { handle(message, length, port, reception); })) {
       reception.hasThrown = true;
       if (messageShown_ != kNoMessage && !attempt([&] { show(kErrorMessage); })) messageShown_ = kNoMessage;
       init();
     }
   }
-  if (observer_ != nullptr) {
+  if (observer != nullptr) {
     if (isFailure(reception.result) && reception.refusal == BulkDumpRefusal::none)
       reception.refusal = BulkDumpRefusal::blockFailed;
     if (reception.refusal != BulkDumpRefusal::none) reception.outcome = BulkDumpOutcome::refused;
-    attempt([&] { observer_->bulkDumpHandled(reception); });
+    const Notes nobody(nullptr);
+    attempt([&] { observer->bulkDumpHandled(reception); });
   }
   return reception;
 }
@@ -400,6 +398,7 @@ void BulkDumpAssistant::receiveDump(const unsigned char* message, unsigned long 
   const Address address = addressAt(message + kDumpAddressAt);
   reception.setAddress(message + kDumpAddressAt);
   if (bulkMixVoiceDeletion(work_, address)) {
+    reception.isTaken = true;
     reception.outcome = outcomeOfStoring(reception);
     return;
   }
@@ -429,6 +428,7 @@ void BulkDumpAssistant::receiveDump(const unsigned char* message, unsigned long 
   if (!isWhole) result = BDA_ERR;
   reception.hasThrown = !isWhole;
   reception.result = result;
+  reception.isTaken = !isFailure(result);
 
   constexpr BDAErr kUnitCompleted = BDA_INFO_EDITOR | BDA_INFO_SYSTEM | BDA_INFO_FOOTER | BDA_INFO_FILE_DUMP_CONTROL;
   reception.outcome = outcomeOfDump(result, reception);
@@ -486,6 +486,7 @@ void BulkDumpAssistant::answerRequest(const unsigned char* message, unsigned lon
 }
 
 unsigned long BulkDumpAssistant::checkAddress(const Address& address) {
+  const Notes nobody(nullptr);
   BDAErr admitted = BDA_ERR;
   attempt([&] { admitted = admit(address); });
   return admitted;
@@ -513,10 +514,12 @@ bool BulkDumpAssistant::isEditBufferFooter(const Address& address) {
 }
 
 void BulkDumpAssistant::showMsg(std::uint16_t id) {
+  const Notes nobody(nullptr);
   attempt([&] { show(id); });
 }
 
 void BulkDumpAssistant::closeMsg() {
+  const Notes nobody(nullptr);
   attempt([&] { close(); });
 }
 

@@ -153,8 +153,15 @@ BDAErr BulkExecuterFileDump::setBulkDumpMessage(const std::uint8_t* data, std::u
     return BDA_ERR;
   }
   std::uint32_t contNumber = 0;
-  if (const std::int32_t result = getContentsNumber(contNumber); result < 0) {
-    Set::kNoNumber(result);
+  std::int32_t found = -1;
+  try {
+    found = getContentsNumber(contNumber);
+  } catch (...) {  // of the editor's services
+    clearFileDumpBuffers();
+    throw;
+  }
+  if (found < 0) {
+    Set::kNoNumber(found);
     clearFileDumpBuffers();
     return BDA_ERR;
   }
@@ -164,8 +171,12 @@ BDAErr BulkExecuterFileDump::setBulkDumpMessage(const std::uint8_t* data, std::u
 BDAErr BulkExecuterFileDump::removeMixingVoices() {
   BDAErr result = BDA_OK;
   for (unsigned long multi = 0; multi < kMultiCount; ++multi) {
-    const ContSrv::_ContResult removed =
-        work_->removeMixingVoice(ContSrv::ContType_Multi, multi, ContSrv::ContentNumber_All);
+    ContSrv::_ContResult removed = ContSrv::ContRes_Failure;
+    if (!attempt(
+            [&] { removed = work_->removeMixingVoice(ContSrv::ContType_Multi, multi, ContSrv::ContentNumber_All); })) {
+      result = BDA_ERR;
+      continue;
+    }
     if (isSuccess(removed)) Notes::handedOver();
     if (isSuccessOrNothingToDo(removed)) continue;
     Set::kNotRemoved(int(removed));
@@ -229,22 +240,27 @@ BDAErr BulkExecuterFileDump::writeFileDumps() {
   return result;
 }
 
+// What the store throws here is a failure like any other: what was written is still to be synchronised.
 BDAErr BulkExecuterFileDump::flushType(std::uint32_t contType, std::vector<std::uint32_t>& removeList) {
   BDAErr result = BDA_OK;
-  if (const auto requested = work_->requestOverWriteConfig(contType); !isSuccess(requested)) {
-    Write::kNoOverWrite(int(requested));
-    result = BDA_ERR;
-  }
-  if (!removeList.empty()) {
-    const auto removed = work_->removeContents(contType, removeList, false);
-    if (isSuccess(removed)) Notes::handedOver(removeList.size());
-    if (!isSuccessOrNothingToDo(removed)) {
-      Write::kNotRemoved(int(contType), int(removed));
+  bool isWhole = attempt([&] {
+    if (const auto requested = work_->requestOverWriteConfig(contType); !isSuccess(requested)) {
+      Write::kNoOverWrite(int(requested));
       result = BDA_ERR;
     }
+  });
+  if (!removeList.empty()) {
+    isWhole &= attempt([&] {
+      const auto removed = work_->removeContents(contType, removeList, false);
+      if (isSuccess(removed)) Notes::handedOver(removeList.size());
+      if (!isSuccessOrNothingToDo(removed)) {
+        Write::kNotRemoved(int(contType), int(removed));
+        result = BDA_ERR;
+      }
+    });
     removeList.clear();
   }
-  return result;
+  return isWhole ? result : BDA_ERR;
 }
 
 BDAErr BulkExecuterFileDump::writeFileDump(FileDumpBuffer& buffer, std::int64_t& mixingVoiceCount,
@@ -416,7 +432,7 @@ BDAErr BulkExecuterFileDump::readFileDump(std::vector<std::uint8_t>& field) {
   BDAErr result = BDA_OK;
   try {
     result = readField(*data, name, field);
-  } catch (...) {  // storage ran out: the file may be of any size
+  } catch (...) {  // by the store, or because storage ran out: the file may be of any size
     Notes::thrown();
     Read::kNotRead();
     result = BDA_ERR;

@@ -3,12 +3,10 @@
 // Failure reports. A failure writes two texts through the platform's tracer, a location and a message, and the editor
 // relies on both. So both are data: a source file declares its failures at its top, and the code that fails calls one:
 //
-//     constexpr Failure<int> kWrongLength{
-//         {kFile, 139, "BDA::Utility::calcCheckSum"}, Refusal::wrongByteCount, "error : wrong length ! [length =
-//         %d]\n"};
+//     constexpr Failure<int> kTooLong{{kFile, 12, "BDA::X::f"}, Refusal::nameTooLong, "too long [size = %d]\n"};
 //     ...
-//     kWrongLength(int(length));
-//     return 0;
+//     kTooLong(int(size));
+//     return BDA_ERR;
 //
 // The compiler checks each message's conversions against the argument types, so that a failure path that nothing has
 // run yet cannot print rubbish. The refusal is what an observer of the assistant is told.

@@ -24,8 +24,8 @@ class JobBulkTools {
 
   // Fills in the request's device number and runs it with the receive-bulk switch on, whatever its setting, which is
   // restored. A JOB::Result: Result_UnknownError when the device number is OFF or the message was no request that
-  // could be answered, or when something was thrown. An answer that failed on the way is a success here: the log and
-  // the screen tell.
+  // could be answered, or when something was thrown. An answer that failed on the way is a success here: the log,
+  // the screen and the observer tell.
   unsigned long sendBulkReqToBDA(BulkRequestMessage& request);
 
  private:

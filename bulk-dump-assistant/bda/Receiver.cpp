@@ -112,6 +112,7 @@ BDAErr BulkRequestReceiver::receiveBulkRequest(const std::uint8_t* message, std:
       break;
     }
     for (const std::vector<std::uint8_t>& sysEx : sysExs) send(sysEx, sendPort);
+    if (bridge_ == nullptr) Notes::refusal(Refusal::noBridge);
   }
   return result;
 }

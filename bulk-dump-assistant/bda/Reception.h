@@ -36,4 +36,16 @@ class Notes {
   Reception* before_;
 };
 
+// False when something was thrown, which is noted.
+template <typename Action>
+bool attempt(Action action) noexcept {
+  try {
+    action();
+    return true;
+  } catch (...) {
+    Notes::thrown();
+    return false;
+  }
+}
+
 }  // namespace BDA

@@ -10,9 +10,10 @@ namespace BDA {
 namespace {
 
 constexpr const char* kFile = "..\\..\\bda\\Utilities.cpp";
+// Anybody may call these; of messages that are handled the assistant notes why they are refused.
 constexpr Failure<int> kWrongLength{
-    {kFile, 139, "BDA::Utility::calcCheckSum"}, Refusal::wrongByteCount, "error : wrong length ! [length = %d]\n"};
-constexpr BareMessage kTooShort{Refusal::wrongByteCount, "Message is too short!!!\n"};
+    {kFile, 139, "BDA::Utility::calcCheckSum"}, Refusal::none, "error : wrong length ! [length = %d]\n"};
+constexpr BareMessage kTooShort{Refusal::none, "Message is too short!!!\n"};
 
 std::uint64_t load(const unsigned char* bytes) {
   std::uint64_t word = 0;

@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <new>
+#include <stdexcept>
 #include <string_view>
 
 #include "bda/version.h"
@@ -281,6 +282,7 @@ int run(int argc, const char* const* argv, Program& program) {
 }  // namespace
 
 int runProgram(int argc, const char* const* argv) {
+  constexpr const char* kOutOfMemory = "bda: out of memory";
   Program program;
   int code = kWrongUsage;
   try {
@@ -289,7 +291,9 @@ int runProgram(int argc, const char* const* argv) {
     program.console.problem(fmt::format("bda: {}", failure.what()));
     code = failure.code();
   } catch (const std::bad_alloc&) {
-    program.console.problem("bda: out of memory");
+    program.console.problem(kOutOfMemory);
+  } catch (const std::length_error&) {  // of what no memory could hold
+    program.console.problem(kOutOfMemory);
   } catch (const std::exception& error) {
     program.console.problem(fmt::format("bda: {}", escape(error.what())));
   }

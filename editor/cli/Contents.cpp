@@ -103,7 +103,7 @@ void contents(bool json, Program& program) {
   }
   const auto stored =
       std::count_if(entries.begin(), entries.end(), [](const Entry& entry) { return entry.content.has_value(); });
-  program.console.note(counted(std::size_t(stored), "content") + " stored");
+  program.console.note(counted(std::uint64_t(stored), "content") + " stored");
 }
 
 }  // namespace Editor

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -19,8 +20,8 @@ class FilesInUse {
  private:
   struct File {
     std::string path;  // absolute, links followed
-    unsigned long device = 0;
-    unsigned long inode = 0;  // 0: it does not exist
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;  // 0: it does not exist
     std::string what;
   };
   static bool identify(const std::string& path, int standardStream, File& file);

@@ -106,7 +106,10 @@ class ContentsWork::File final : public ContSrv::DataFile {
     state_ = State::Closed;
     if (!store) return ContSrv::ContRes_Success;  // whoever wrote, or could not, knows already
     return work_.write([this] {
-      work_.library_.store(id_, data_.bytes(), name_);
+      if (name_)
+        work_.library_.store(id_, data_.bytes(), *name_);
+      else
+        work_.library_.store(id_, data_.bytes());
       return ContSrv::ContRes_Success;
     });
   }
@@ -121,7 +124,7 @@ class ContentsWork::File final : public ContSrv::DataFile {
   ContentId id_;
   bool forWriting_;
   FileData data_;
-  std::string name_;
+  std::optional<std::string> name_;
   State state_ = State::Fresh;
 };
 
@@ -224,19 +227,21 @@ _ContResult ContentsWork::requestOverWriteConfig(_ContType type) {
   return write([] { return ContSrv::ContRes_Success; });
 }
 
-_ContResult ContentsWork::removeContents(_ContType type, const std::vector<std::uint32_t>& numbers, bool sync) {
-  const _ContResult removed = write([&] {
+_ContResult ContentsWork::remove(_ContType type, std::span<const std::uint32_t> numbers) {
+  return write([&] {
     bool any = false;
     for (const std::uint32_t number : numbers) any = library_.remove({type, number}) || any;
     return any ? ContSrv::ContRes_Success : ContSrv::ContRes_DoNothing;
   });
+}
+
+_ContResult ContentsWork::removeContents(_ContType type, const std::vector<std::uint32_t>& numbers, bool sync) {
+  const _ContResult removed = remove(type, numbers);
   const _ContResult synced = sync ? this->sync() : ContSrv::ContRes_Success;
   return synced == ContSrv::ContRes_Success ? removed : synced;
 }
 
-_ContResult ContentsWork::removeContent(_ContType type, std::uint32_t number) {
-  return removeContents(type, {number}, false);
-}
+_ContResult ContentsWork::removeContent(_ContType type, std::uint32_t number) { return remove(type, {&number, 1}); }
 
 _ContResult ContentsWork::getDataFilePath(_ContType type, std::uint32_t number, std::string& path) {
   if (!isContent({type, number})) return ContSrv::ContRes_NoSuchContent;
@@ -257,10 +262,11 @@ _ContResult ContentsWork::getContentName(_ContType type, std::uint32_t number, s
 _ContResult ContentsWork::setContentName(_ContType type, std::uint32_t number, const std::string& name, bool sync) {
   const ContentId id{type, number};
   for (const std::unique_ptr<File>& file : files_)
-    if (file->takesName(id)) {
-      file->setName(name);
-      return ContSrv::ContRes_Success;
-    }
+    if (file->takesName(id))
+      return write([&] {
+        file->setName(name);
+        return ContSrv::ContRes_Success;
+      });
   if (!isContent(id)) return ContSrv::ContRes_NoSuchContent;
   const _ContResult renamed =
       write([&] { return library_.rename(id, name) ? ContSrv::ContRes_Success : ContSrv::ContRes_EmptyContent; });

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -55,8 +56,8 @@ class ContentsWork final : public ContSrv::Work {
   // Names a content, or the file that is open for writing there: its name is stored, or not, with its bytes.
   ContSrv::_ContResult setContentName(ContSrv::_ContType type, std::uint32_t number, const std::string& name,
                                       bool sync) override;
-  // A file that is written replaces the whole content when its data is closed: bytes and name, which is empty when it
-  // was given none. If any write failed, or there was none, the content stays as it is.
+  // A file that is written replaces the content's bytes when its data is closed, and its name if it was given one. If
+  // any write failed, or there was none, the content stays as it is.
   ContSrv::DataFile* openDataFile(const std::string& path, ContSrv::_OpenMode mode) override;
   ContSrv::_ContResult closeDataFile(ContSrv::DataFile* file, int mode) override;
   ContSrv::_ContResult sync() override;
@@ -74,6 +75,7 @@ class ContentsWork final : public ContSrv::Work {
   ContSrv::_ContResult read(Operation operation);
   template <typename Operation>
   ContSrv::_ContResult write(Operation operation);
+  ContSrv::_ContResult remove(ContSrv::_ContType type, std::span<const std::uint32_t> numbers);
   void fail(const char* what);
   bool inPass() const { return pass_.has_value() || failed_; }
 

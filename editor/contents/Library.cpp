@@ -8,9 +8,11 @@
 #include <array>
 #include <chrono>
 #include <cstring>
+#include <limits>
 #include <string_view>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
@@ -30,6 +32,11 @@ constexpr const char* kSchema = R"sql(
   CREATE TABLE settings(name TEXT NOT NULL PRIMARY KEY, value INTEGER NOT NULL) STRICT, WITHOUT ROWID;
 )sql";
 
+// SQLite counts in int. What int cannot count is beyond SQLite's own limit of texts and blobs too, and ends like that.
+void requireCountable(std::size_t size) {
+  if (!std::in_range<int>(size)) throw SQLite::Exception("string or blob too big", SQLITE_TOOBIG);
+}
+
 // One execution of a prepared statement: binds from left to right, reads columns, leaves it ready for the next.
 class Query {
  public:
@@ -46,13 +53,20 @@ class Query {
   bool changes() { return statement_.exec() > 0; }
 
   std::int64_t integer(int column) const { return statement_.getColumn(column).getInt64(); }
+  // An integer that only somebody else can have made too large for what it stands for.
+  template <typename Number>
+  Number number(int column) const {
+    const std::int64_t value = integer(column);
+    if (!std::in_range<Number>(value)) throw SQLite::Exception("a number in it is out of range", SQLITE_CORRUPT);
+    return Number(value);
+  }
   template <typename Blob>
   Blob blob(int column) const {
     const SQLite::Column value = statement_.getColumn(column);
     const auto* const first = static_cast<const typename Blob::value_type*>(value.getBlob());
     return first == nullptr ? Blob() : Blob(first, first + value.getBytes());
   }
-  ContentId id() const { return {std::uint32_t(integer(0)), std::uint32_t(integer(1))}; }
+  ContentId id() const { return {number<std::uint32_t>(0), number<std::uint32_t>(1)}; }
 
  private:
   // The only way of an id into the file: no content is ever kept there twice.
@@ -64,9 +78,13 @@ class Query {
   void bind(std::int64_t value) { statement_.bind(++bound_, value); }
   // An empty span has no address, and SQLite would make a null of that.
   void bind(std::span<const std::uint8_t> bytes) {
+    requireCountable(bytes.size());
     statement_.bind(++bound_, bytes.empty() ? static_cast<const void*>("") : bytes.data(), int(bytes.size()));
   }
-  void bind(const std::string& text) { statement_.bind(++bound_, text); }
+  void bind(const std::string& text) {
+    requireCountable(text.size());
+    statement_.bind(++bound_, text);
+  }
 
   SQLite::Statement& statement_;
   int bound_ = 0;
@@ -119,12 +137,12 @@ void createDirectories(const std::filesystem::path& directory) {
 
 struct Library::Database {
   Database(const std::filesystem::path& file, const Options& options)
-      : connection(file.c_str(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, int(options.busyTimeout.count()),
-                   options.vfs) {}
+      : busyTimeout(std::clamp(options.busyTimeout, std::chrono::milliseconds::zero(), kForEver)),
+        connection(file.c_str(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, int(busyTimeout.count()), options.vfs) {}
 
   std::int64_t integer(const char* sql) { return connection.execAndGet(sql).getInt64(); }
   // Two that change the mode at once could wait for each other, so SQLite lets neither wait: that is left to us.
-  std::string keepWriteAheadLog(std::chrono::milliseconds busyTimeout) {
+  std::string keepWriteAheadLog() {
     const auto deadline = std::chrono::steady_clock::now() + busyTimeout;
     while (true) {
       try {
@@ -138,6 +156,8 @@ struct Library::Database {
   // An SQLite error may have ended the transaction behind our back; what came next would then be written alone.
   bool transactionLost() const { return sqlite3_get_autocommit(connection.getHandle()) != 0; }
 
+  static constexpr std::chrono::milliseconds kForEver{std::numeric_limits<int>::max()};  // as long as SQLite can wait
+  const std::chrono::milliseconds busyTimeout;
   SQLite::Database connection;
 
   struct Statements {
@@ -149,6 +169,9 @@ struct Library::Database {
     SQLite::Statement store{database_,
                             "INSERT INTO contents(type, number, name, bytes) VALUES(?, ?, ?, ?) "
                             "ON CONFLICT DO UPDATE SET name = excluded.name, bytes = excluded.bytes"};
+    SQLite::Statement storeBytes{database_,
+                                 "INSERT INTO contents(type, number, name, bytes) VALUES(?, ?, x'', ?) "
+                                 "ON CONFLICT DO UPDATE SET bytes = excluded.bytes"};
     SQLite::Statement rename{database_, "UPDATE contents SET name = ? WHERE type = ? AND number = ?"};
     SQLite::Statement remove{database_, "DELETE FROM contents WHERE type = ? AND number = ?"};
     SQLite::Statement voices{database_, "SELECT number FROM contents WHERE type = ?"};
@@ -215,8 +238,7 @@ Library::Library(const std::filesystem::path& file, const Options& options)
     if (version < kVersion) fail(SQLITE_CORRUPT, "its version is missing");
 
     // Not before the file is known as ours: this writes to it. A library stays in that mode.
-    if (database_->keepWriteAheadLog(options.busyTimeout) != "wal")
-      fail(SQLITE_CANTOPEN, "no write-ahead log can be kept beside it");
+    if (database_->keepWriteAheadLog() != "wal") fail(SQLITE_CANTOPEN, "no write-ahead log can be kept beside it");
     try {
       database_->statements.emplace(connection);
     } catch (const SQLite::Exception& error) {
@@ -259,7 +281,10 @@ auto Library::run(Operation operation) const -> decltype(operation()) {
 }
 
 Library::Transaction::Transaction(Library& library, Access access)
-    : library_(library), outer_(library.open_.size()), changes_(library.pending_.size()) {
+    : library_(library),
+      outer_(library.open_.size()),
+      changes_(library.pending_.size()),
+      undo_(outer_ == 0 ? "ROLLBACK" : "ROLLBACK TO " + savepoint() + "; RELEASE " + savepoint()) {
   library.open_.reserve(outer_ + 1);
   library.run([&] {
     SQLite::Database& connection = library.database_->connection;
@@ -275,11 +300,7 @@ Library::Transaction::~Transaction() {
   if (self == open.end()) return;  // committed, or ended with an outer one
   open.erase(self, open.end());
   library_.pending_.resize(changes_);
-  SQLite::Database& connection = library_.database_->connection;
-  if (outer_ == 0)
-    connection.tryExec("ROLLBACK");
-  else if (!library_.database_->transactionLost())
-    connection.tryExec("ROLLBACK TO " + savepoint() + "; RELEASE " + savepoint());
+  if (outer_ == 0 || !library_.database_->transactionLost()) library_.database_->connection.tryExec(undo_);
 }
 
 void Library::Transaction::requireTransaction() const {
@@ -342,6 +363,13 @@ void Library::store(ContentId id, std::span<const std::uint8_t> bytes, const std
   });
 }
 
+void Library::store(ContentId id, std::span<const std::uint8_t> bytes) {
+  change([&] {
+    Query(database_->statements->storeBytes, id, bytes).changes();
+    pending_.push_back({Change::Kind::Stored, canonical(id)});
+  });
+}
+
 bool Library::rename(ContentId id, const std::string& name) {
   bool renamed = false;
   change([&] {
@@ -363,7 +391,7 @@ bool Library::remove(ContentId id) {
 std::uint8_t Library::favourite(ContentId id) {
   return run([&] {
     Query query(database_->statements->favourite, id);
-    return query.next() ? std::uint8_t(query.integer(0)) : std::uint8_t(0);
+    return query.next() ? query.number<std::uint8_t>(0) : std::uint8_t(0);
   });
 }
 
@@ -371,7 +399,7 @@ std::vector<std::pair<ContentId, std::uint8_t>> Library::favourites() {
   return run([&] {
     std::vector<std::pair<ContentId, std::uint8_t>> flags;
     for (Query query(database_->statements->favourites); query.next();)
-      flags.emplace_back(query.id(), std::uint8_t(query.integer(2)));
+      flags.emplace_back(query.id(), query.number<std::uint8_t>(2));
     return flags;
   });
 }
@@ -391,7 +419,7 @@ std::int64_t Library::mixingVoiceCount() {
   return run([&] {
     std::int64_t count = 0;
     for (Query query(database_->statements->voices, ContSrv::ContType_Voice); query.next();)
-      if (isMixingVoice({ContSrv::ContType_Voice, std::uint32_t(query.integer(0))})) ++count;
+      if (isMixingVoice({ContSrv::ContType_Voice, query.number<std::uint32_t>(0)})) ++count;
     return count;
   });
 }

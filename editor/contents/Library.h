@@ -89,6 +89,7 @@ class Library {
     Library& library_;
     const std::size_t outer_;    // how many transactions it is inside of
     const std::size_t changes_;  // how many were pending when it began
+    const std::string undo_;     // kept ready: to take something back needs no storage
   };
 
   struct Content {
@@ -103,6 +104,8 @@ class Library {
   std::optional<std::string> contentName(ContentId id);
   std::vector<ContentId> contents();  // by type and number
   void store(ContentId id, std::span<const std::uint8_t> bytes, const std::string& name);
+  // The content keeps its name; a new one has the empty name.
+  void store(ContentId id, std::span<const std::uint8_t> bytes);
   bool rename(ContentId id, const std::string& name);  // false: nothing is stored there
   bool remove(ContentId id);                           // false: nothing was stored there
 

@@ -28,11 +28,12 @@ void judge(Reading& reading, Reading::Verdict verdict, std::string note) {
   reading.note = std::move(note);
 }
 
+constexpr std::size_t kCount = 2;  // bytes of the length of a name, and of the bytes, in a file dump
+
 // Why the field of a file dump is not a content and nothing else; empty for one that is. The field is the packed name
 // and the packed bytes, each behind its length in two bytes of seven bits; no bytes mean that the content is removed.
 // What follows them counts for nothing: somebody's data is lost there.
 std::string whyNoContent(std::span<const std::uint8_t> field) {
-  constexpr std::size_t kCount = 2;
   const auto countAt = [&](std::size_t at) { return std::size_t(field[at]) << 7 | field[at + 1]; };
   if (field.size() < 2 * kCount) return counted(field.size(), "byte") + " of data, a file dump has at least 4";
   std::size_t left = field.size() - 2 * kCount;
@@ -73,6 +74,8 @@ void readDump(Reading& reading, std::span<const std::uint8_t> message) {
   }
   reading.address = addressAt(message, BDA::kDumpAddressAt);
   reading.dataBytes = message.size() - BDA::kDumpFrame;
+  reading.isNamed = reading.address->hi == BDA::kFileDumpHi && reading.dataBytes >= kCount &&
+                    (message[BDA::kDataAt] != 0 || message[BDA::kDataAt + 1] != 0);
   const std::size_t promised = BDA::byteCountOf(message.data());
   if (promised != reading.dataBytes)
     return judge(reading, Reading::Verdict::lengthWrong,

@@ -35,6 +35,7 @@ struct Reading {
   std::optional<unsigned> device;                // 1 to 16; nothing: foreign
   std::optional<BulkAddress> address;            // of dumps and requests that are long enough to have one
   std::size_t dataBytes = 0;                     // of a dump
+  bool isNamed = false;                          // of a file dump: it carries a name, whatever is wrong with it
   std::optional<std::uint8_t> checksum;          // the one that the dump carries
   std::optional<std::uint8_t> expectedChecksum;  // the one that it should carry
   std::string note;                              // why it is not good, in words

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace Editor {
 
 // "1 byte", "2 bytes"; `several` where an s does not do.
-inline std::string counted(std::size_t count, std::string_view one, std::string_view several = {}) {
+inline std::string counted(std::uint64_t count, std::string_view one, std::string_view several = {}) {
   std::string text = std::to_string(count) + ' ';
   if (count == 1 || several.empty())
     text += one;

@@ -303,6 +303,46 @@ TEST_F(ThrowsOnce, AJobTellsOfWhatWasThrownButNotOfAnAnswerThatFailed) {
   EXPECT_EQ(bulkJobs[4]->execEvent(nullptr, nullptr), CMA::JOB::Result_Success);
 }
 
+TEST_F(ThrowsOnce, NothingStaysHeldForALaterTrigger) {
+  for (const char* call : {"removeMixingVoice", "voiceContentNumber", "getMixingVoiceNumber"}) {
+    SCOPED_TRACE(call);
+    record.heal();
+    send("0C 50 05", BDA::fieldOf("Song", pattern(3)));
+    record.heal();
+    record.raise(call, 1);
+    send(call == std::string_view("removeMixingVoice")    ? "11 01 00"
+         : call == std::string_view("voiceContentNumber") ? "0C 0A 01"
+                                                          : "0C 10 01",
+         BDA::kEmptyDump);
+    EXPECT_EQ(record.thrown(), 1U);
+    record.heal();
+    forget();
+    trace();
+    send("11 00 00");
+    EXPECT_EQ(FaultScenarios::count(calls(), "openDataFile"), 0);
+  }
+}
+
+TEST_F(ThrowsOnce, APassOfWhichSomethingWasWrittenIsSynchronised) {
+  for (const char* call : {"requestOverWriteConfig", "removeContents", "openData", "closeDataWithoutSync"}) {
+    SCOPED_TRACE(call);
+    record.heal();
+    send("0C 0A 05", BDA::fieldOf("Voice", pattern(3)));
+    send("0C 0A 06", BDA::kEmptyDump);
+    send("0C 50 05", BDA::fieldOf("Song", pattern(3)));
+    forget();
+    record.heal();
+    record.raise(call, 1);
+    send("11 00 00");
+    trace();
+    EXPECT_EQ(record.thrown(), 1U);
+    const std::vector<std::string> made = calls();
+    EXPECT_EQ(FaultScenarios::count(made, "openDataFile"), 2);
+    EXPECT_EQ(FaultScenarios::count(made, "sync"), 1);
+    EXPECT_EQ(shown().back(), 44);
+  }
+}
+
 class ThrowsInConstruction : public AssistantFixture {
  protected:
   void SetUp() override {}
@@ -332,8 +372,10 @@ TEST_F(ThrowsInConstruction, WhatItMadeIsUndoneAndEveryMessageRefused) {
       registerBridge();
       EXPECT_EQ(send("00 40 00", pattern(8)), BulkMsg_BulkDump);
       EXPECT_EQ(request("00 40 00"), BulkMsg_BulkRequest);
+      EXPECT_EQ(send("0F 31 45"), BulkMsg_BulkDump);
+      EXPECT_EQ(FaultScenarios::count(calls(), "removeMixingVoice"), 0);
       const bool hasScreen = std::string_view(call) != "openPort";
-      EXPECT_EQ(shown(), hasScreen ? Ids({11, 12, 44, 13, 14, 44}) : Ids());
+      EXPECT_EQ(shown(), hasScreen ? Ids({11, 12, 44, 13, 14, 44, 1, 2, 44}) : Ids());
       forget();
       assistant.reset();
       EXPECT_THAT(calls(), IsEmpty()) << "twice";

@@ -58,6 +58,11 @@ class Observer : public FaultScenarios {
     if (perMessage) perMessage(trace(), shown());
   }
 
+  void runJob(std::size_t number) override {
+    FaultScenarios::runJob(number);
+    if (perMessage) perMessage(trace(), shown());
+  }
+
   RecordingObserver observer{record};
   std::function<void(const std::vector<std::string>& log, const std::vector<int>& ids)> perMessage;
 };
@@ -272,6 +277,54 @@ TEST_F(Observer, SeesThatARefusedDumpWasTakenAllTheSame) {
   EXPECT_EQ(report.kind, BulkMsg_BulkDump);
   EXPECT_EQ(report.outcome, Outcome::refused);
   EXPECT_EQ(report.refusal, Refusal::wrongByteCount);
+  EXPECT_TRUE(report.isTaken);
+  record.answer("checkMode", CMA::JOB::Result_CurrentStateError);
+  sendBytes(message);
+  EXPECT_FALSE(told().isTaken);
+}
+
+TEST_F(Observer, HearsNothingOfWhatAnEditorAsksMeanwhile) {
+  const Bytes notice = bytesOf("F0 7D 60 02 F7");
+  const Bytes broken = bytesOf("F0 7D 50 7F 14 00 00 00 F7");
+  record.during("send", [&] {
+    Utility::isCorrectCheckSum(notice.data(), notice.size());
+    assistant->checkBulkDumpMessage(broken.data(), broken.size());
+  });
+  const BulkDumpReport report = toldOf("00 40 00", pattern(8));
+  EXPECT_EQ(report.outcome, Outcome::completed);
+  EXPECT_EQ(report.refusal, Refusal::none);
+}
+
+TEST_F(Observer, IsToldOfAnAnswerThatCouldNotBeSentWhole) {
+  record.during("send", [&] { assistant->registerBDABridge(nullptr); });
+  EXPECT_EQ(toldOfRequest("0E 70 03").refusal, Refusal::noBridge);
+}
+
+TEST_F(Observer, IsToldWhyARequestFailed) {
+  const struct Row {
+    Refusal refusal;
+    const char* failing;
+    const char* address;
+  } rows[] = {
+      {Refusal::notLoaded, "load", "0E 70 03"},
+      {Refusal::notRequestedAlone, nullptr, "0F 5F 00"},
+      {Refusal::nameNotRead, "getContentName", "0C 50 05"},
+      {Refusal::noFilePath, "getDataFilePath", "0C 50 05"},
+      {Refusal::favoriteNotRead, "getContentInformation", "71 00 00"},
+      {Refusal::nameNotFound, "waveformName", "70 20 00"},
+      {Refusal::noBlock, nullptr, "05 05 05"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.address);
+    record.heal();
+    if (std::string_view(row.address) == "0F 5F 00") send("0E 5F 00");
+    observer.reports();
+    if (row.failing != nullptr) record.fail(row.failing);
+    const BulkDumpReport report = toldOfRequest(row.address);
+    EXPECT_EQ(report.outcome, Outcome::refused);
+    EXPECT_EQ(report.refusal, row.refusal) << int(report.refusal);
+    EXPECT_FALSE(report.isTaken);
+  }
 }
 
 TEST_F(Observer, IsToldWhatWasThrown) {

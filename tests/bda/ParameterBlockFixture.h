@@ -88,8 +88,7 @@ class ParameterBlockFixture : public ExecuterFixture {
       // A live voice is asked for by number.
       nodes.insert(modelPath.substr(0, modelPath.find('[')));
       for (std::size_t end = rest.find('.', 1); !rest.empty(); end = rest.find('.', end + 1)) {
-        const std::string node = rest.substr(0, end);
-        nodes.insert(node == ".adPart[0]" ? "multi.adPart" : modelPath + node);
+        nodes.insert(modelPath + rest.substr(0, end));
         if (end == std::string::npos) break;
       }
     }

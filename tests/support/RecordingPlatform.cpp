@@ -196,7 +196,7 @@ FakeMulti::FakeMulti(Calls& recordedCalls, const std::string& recordedPath)
 FakeMulti::~FakeMulti() = default;
 
 CMA::MultiParameterModel::AdPartNode* FakeMulti::getAdPart(std::uint32_t part) {
-  return part == 0 ? givenModel(calls, "multi.adPart", adPart.get()) : nullptr;
+  return part == 0 ? givenModel(calls, path + ".adPart[0]", adPart.get()) : nullptr;
 }
 CMA::MultiParameterModel::PartNode* FakeMulti::getPart(std::uint32_t part) {
   return given(calls, parts, path + ".part", part);

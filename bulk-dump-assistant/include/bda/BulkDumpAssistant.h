@@ -64,8 +64,8 @@ enum BulkMsgType : std::uint32_t {
 // The port on which a message arrived or leaves. Other values pass through unchanged.
 enum DevicePortNum : std::uint32_t {
   DevicePort_Main = 1,    // dumps that arrive here are echoed on DevicePort_Echo
-  DevicePort_Echo = 4,    // gets completion notices
-  DevicePort_Remote = 5,  // gets completion notices, and whatever port they came on the answers and notices of remotes
+  DevicePort_Echo = 4,    // gets the echoes; a completion notice answers here what arrives here
+  DevicePort_Remote = 5,  // likewise; and gets the answers and notices of remotes, whatever port they came on
   DevicePort_Thru = 6,    // as DevicePort_Main, but no bulk request is answered save that for an empty mixing voice
 };
 
@@ -115,8 +115,9 @@ class BDA_API BulkDumpBridge {
 //
 // Exceptions: none comes out, whoever threw. What a service throws, or storage that runs out, ends the message like any
 // failure of its block: with 44 on the screen where a message was being shown, the open header forgotten and nothing
-// more in the log; MIDI output is resumed and the thread's scheduling restored if they had been suspended and changed.
-// The next message finds everything in order.
+// more in the log (but what a file dump that cannot be written or read has to say); MIDI output is resumed and the
+// thread's scheduling restored if they had been suspended and changed. What a block meets is still echoed, what is
+// thrown before or after it ends the message there. The next message finds everything in order.
 class BDA_API BulkDumpAssistant {
  public:
   // Nothing that is handed over changes owner, and all of it outlives the assistant; `jobTools` must not be null.
@@ -129,8 +130,9 @@ class BDA_API BulkDumpAssistant {
   //                     vector before or when the assistant goes. Null: they are appended nowhere
   //   work              the contents store; null: nothing that needs it succeeds
   //   silent            true: no on-screen messages
-  // When a service throws, all that was made is undone (`bulkJobs` is as before, the temporary model destroyed), and
-  // the assistant refuses every dump and request. What merely cannot be allocated is missing, and the rest works.
+  // When a service throws, all that was made but the way to the screen is undone (`bulkJobs` is as before, the
+  // temporary model destroyed), and the assistant refuses every dump and request. What merely cannot be allocated is
+  // missing, and the rest works.
   BulkDumpAssistant(EvtSrv::EventPortManager* eventPortManager, std::vector<CMA::JobReceiver*>* jobReceivers,
                     std::vector<CMA::JobReceiver*>* bulkJobs, CMA::JobTools* jobTools, ContSrv::Work* work,
                     bool silent);
@@ -144,6 +146,7 @@ class BDA_API BulkDumpAssistant {
   void registerBDABridge(BulkDumpBridge* bridge);
 
   // Tells `observer` from now on how each message fared (bda/BulkDumpObserver.h). Not owned; null, as at first: nobody.
+  // The editor unregisters its observer before destroying it.
   void registerObserver(BulkDumpObserver* observer);
 
   // What kind of message this is and whether the settings admit it, 0 to 11; BulkMsg_ReceiveError, too, when the
@@ -166,6 +169,7 @@ class BDA_API BulkDumpAssistant {
   void init();
   // Whether the editor's mode admits the address: 0, 8 (ignore it) or a failure (bit 31), which is logged and shown.
   unsigned long checkAddress(const Address& address);
+  // Whether the address is the footer of an edit buffer, which is handed to the editor without a message of storing.
   bool isEditBufferFooter(const Address& address);
   // Replaces the on-screen message, by its number:
   //   1, 2     a footer of a bank or a write trigger is being stored; that has ended, well or not
@@ -197,7 +201,7 @@ class BDA_API BulkDumpAssistant {
   void show(std::uint16_t id);
   void close();
 
-  void raiseReceivePriority();
+  void raiseReceivePriority();  // to round robin, priority 1
   void restoreReceivePriority();
   void destroyParts() noexcept;
 

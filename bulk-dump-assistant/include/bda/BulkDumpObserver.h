@@ -14,7 +14,7 @@ enum class BulkDumpOutcome : std::uint8_t {
   handedToStore,  // a footer stored the temporary model, a write trigger wrote or removed contents, or an empty mixing
                   // voice was removed
   completed,      // taken at once, without a unit: a system block, favorites
-  nothingToDo,    // a write trigger with nothing held, the removal of a mixing voice that is not there
+  nothingToDo,    // a write trigger with nothing to write or remove, the removal of a mixing voice that is not there
   answered,       // a request: all its dumps were sent
   nothingToSend,  // a request for blocks that are swallowed
   ignored,        // not handled here (BulkMsg_Type1 ...), or ignored by the editor's mode; a request on DevicePort_Thru
@@ -24,17 +24,19 @@ enum class BulkDumpOutcome : std::uint8_t {
 
 // Why a message was refused: the first thing that went wrong.
 enum class BulkDumpRefusal : std::uint8_t {
-  none,
+  none,  // nothing was
 
   // The message itself, and the system's settings.
+
   malformedMessage,   // BulkMsg_ReceiveError: a length that does not fit its type, or an unknown type
   wrongByteCount,     // the byte count does not fit the length
-  wrongCheckSum,      //
+  wrongCheckSum,      // the checksum is not that of the data
   deviceNumberOff,    // the device-number setting is OFF
   wrongDeviceNumber,  // for another device number
   receiveSwitchOff,   // the receive-bulk switch is off
 
   // The editor's mode (CMA::JobTools::checkModeForReceivedSysExBulk).
+
   wrongMode,             // CMA::JOB::Result_CurrentStateError
   wrongVoiceTypeInMode,  // CMA::JOB::Result_VoiceTypeError
   editCompare,           // CMA::JOB::Result_EditCompareModeError
@@ -44,6 +46,7 @@ enum class BulkDumpRefusal : std::uint8_t {
   loadingOrSaving,       // a content file is being loaded or saved (ContSrv::Work::getLoadSaveFlag)
 
   // The address.
+
   noBlock,            // no block has this address, or no open header admits it
   headerMismatch,     // a footer, or a voice's block, that does not fit the open header, or comes without one
   unknownHeader,      // no models, no blocks or no footer belong to such a header
@@ -54,6 +57,7 @@ enum class BulkDumpRefusal : std::uint8_t {
   wrongBlockType,     // of an insertion effect, which is neither A nor B
 
   // The block and its models.
+
   wrongDataLength,  // not the block's
   modelMissing,     // the editor gave no model, or a model without that part
   wrongDirection,   // a footer that is not received
@@ -64,21 +68,23 @@ enum class BulkDumpRefusal : std::uint8_t {
   notStored,        // CMA::JobTools::storeForReceivedSysExBulk
 
   // Names and favorites.
+
   nameNotFound,     // of a waveform, an arpeggio, a multi
-  nameTooLong,      //
+  nameTooLong,      // a name is longer than its field
   noSuchFavorites,  // a low address byte beyond the contents of the bank
   favoriteNotSet,   // ContSrv::Work::setContentFavoriteFlag
   favoriteNotRead,  // ContSrv::Work::getContentInformation
 
   // File dumps.
+
   fileDumpTooLong,         // more than 16,383 data bytes
   emptyFileDump,           // no data bytes at all
   fileDumpNameCutShort,    // the data end before the name does
   fileDumpDataCutShort,    // the data end before the content does
-  notPacked,               //
+  notPacked,               // a name or a content could not be packed
   notUnpacked,             // a name or a content that no packing gives
-  noContentType,           // the address names no content
-  noContentNumber,         // the address names no content
+  noContentType,           // the address is of no type of content
+  noContentNumber,         // the address has no number in the store
   mixingVoicesNotCounted,  // ContSrv::Work::getMixingVoiceSumSync
   mixingVoiceNotRemoved,   // ContSrv::Work::removeMixingVoice
   overwriteRefused,        // ContSrv::Work::requestOverWriteConfig
@@ -94,6 +100,7 @@ enum class BulkDumpRefusal : std::uint8_t {
   nameNotRead,             // ContSrv::Work::getContentName
 
   // The assistant itself.
+
   noBridge,        // none is registered
   outOfMemory,     // storage ran out
   serviceThrew,    // a service of the editor threw an exception
@@ -103,15 +110,17 @@ enum class BulkDumpRefusal : std::uint8_t {
 // What is told of one message.
 struct BulkDumpReport {
   BulkMsgType kind = BulkMsg_ReceiveError;  // what receiveBulkDump returns
-  bool hasAddress = false;                  // of dumps, also with a wrong checksum, and requests
+  bool hasAddress = false;                  // of valid dumps, of those with a wrong checksum, and of requests
   std::uint8_t address[3] = {0, 0, 0};      // high, middle, low byte
-  // The result of the block, 0 if none was asked. Bit 31 set: failure. A refused dump whose result is a success was
-  // taken all the same: something was wrong with it that the instrument overlooks.
-  std::uint32_t result = 0;
+  std::uint32_t result = 0;                 // of the block; bit 31 set: failure. 0, too, if none was asked
+  // Of a dump: its block has taken it, or its empty mixing voice was removed. A refused dump that was taken all the
+  // same has something wrong with it that the instrument overlooks.
+  bool isTaken = false;
   BulkDumpOutcome outcome = BulkDumpOutcome::ignored;
   BulkDumpRefusal refusal = BulkDumpRefusal::none;  // unless `outcome` is refused
   // How many contents were handed to the store: written or removed by a write trigger, also by one that was refused for
-  // the rest (the mixing voices of a multi, removed together, count as one); 1 of a footer.
+  // the rest (the mixing voices of a multi, removed together, count as one); 1 of a footer. What was written, but not
+  // without a failure, does not count.
   std::uint32_t handedOver = 0;
 };
 

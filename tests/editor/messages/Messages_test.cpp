@@ -88,6 +88,17 @@ TEST(Messages, aFileDumpThatIsNotOneContentIsBroken) {
   EXPECT_EQ(readMessage(dump({0x11, 0x00, 0x00}, {0})).verdict, Verdict::good);  // the trigger's data is not looked at
 }
 
+TEST(Messages, aFileDumpIsNamedWhateverIsWrongWithTheName) {
+  const auto isNamed = [](const Bytes& field) { return readMessage(dump({0x0C, 0x0A, 0x00}, field)).isNamed; };
+  EXPECT_TRUE(isNamed({0, 2, 0, 'A', 0, 2, 0, 'B'}));
+  EXPECT_TRUE(isNamed({0, 1, 0, 0, 2, 0, 'B'}));
+  EXPECT_TRUE(isNamed({1, 0}));
+  EXPECT_FALSE(isNamed({0, 0, 0, 2, 0, 'B'}));
+  EXPECT_FALSE(isNamed({1}));
+  EXPECT_FALSE(isNamed({}));
+  EXPECT_FALSE(readMessage(blockDump({0x41, 0x02, 0x00}, 0x01)).isNamed);
+}
+
 TEST(Messages, anAddressOutsideTheMapIsUnknown) {
   EXPECT_EQ(readMessage(dump({0x46, 0x06, 0x00}, Bytes(24))).verdict, Verdict::unknownAddress);
   EXPECT_EQ(readMessage(request({0x0E, 0x60, 0x32})).verdict, Verdict::unknownAddress);

@@ -105,11 +105,18 @@ class BDA_PLATFORM_API Work {
   // A path is a name that openDataFile understands, nothing more.
   virtual _ContResult getDataFilePath(_ContType type, std::uint32_t number, std::string& path) = 0;
   // The name under which a content is listed; of a slot without content ContRes_EmptyContent. `name` starts empty.
+  // A name belongs to the content, not to its file: it stays when the file is written, until another one is set or the
+  // content is removed. A content for which none was set has the empty name, and answers it with ContRes_Success.
   virtual _ContResult getContentName(_ContType type, std::uint32_t number, std::string& name) = 0;
-  // Called while the content's file is open, before its bytes are written. `sync` false: on disk with the next sync.
+  // While a file of the content is open for writing the name is that of what is written, also where no content is
+  // stored yet: it takes effect together with the bytes, or not at all. The bulk dump assistant sets it there, between
+  // openData and write. A dump that carries no name sets none, nor does one whose name cannot be unpacked: the store
+  // cannot tell the two apart, and the old name stays. That the former means the empty name only its message tells.
+  // `sync` false: on disk with the next sync.
   virtual _ContResult setContentName(_ContType type, std::uint32_t number, const std::string& name, bool sync) = 0;
   // Null when the file cannot be opened; for reading also when no content is stored there. The Work owns the file.
   // For reading, null is always answered as an empty content: an editor whose store failed has to notice that itself.
+  // To open for writing changes nothing: bytes and name stay until Data::write has succeeded.
   virtual DataFile* openDataFile(const std::string& path, _OpenMode mode) = 0;
   // `mode` is 0. The file is gone afterwards, whatever the result.
   virtual _ContResult closeDataFile(DataFile* file, int mode) = 0;

@@ -21,7 +21,7 @@ class BDA_PLATFORM_API Thread {
   // Priority within the policy, 0 for policy 0, 1 (lowest) to 99 for the real-time policies.
   using _PriorityType = std::int32_t;
 
-  // What these operations do to threads.
+  // Whether threads are scheduled as asked, or left as they are.
   enum class Scheduling {
     System,    // the system's: what is changed is changed
     LeftAlone  // nothing is read or changed: a Thread is as one that nobody attached
