@@ -58,11 +58,12 @@ function(bda_add_test)
   target_compile_definitions(${arg_NAME} PRIVATE $<$<BOOL:${BDA_SAMPLED}>:BDA_SAMPLED>
                                                  BDA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   if(BDA_ONE_PIECE_TESTS)
-    add_test(NAME ${arg_NAME} COMMAND ${arg_NAME} --gtest_brief=1)
+    add_test(NAME ${arg_NAME} COMMAND ${arg_NAME} --gtest_brief=1 --gtest_filter=*${left_out_TESTS})
     math(EXPR timeout "600 * ${bda_patience}")
     set_tests_properties(${arg_NAME} PROPERTIES TIMEOUT ${timeout})
   else()
-    gtest_discover_tests(${arg_NAME} TEST_PREFIX ${arg_NAME}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+    gtest_discover_tests(${arg_NAME} TEST_PREFIX ${arg_NAME}. TEST_FILTER "*${left_out_TESTS}"
+                         DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
                          PROPERTIES TIMEOUT ${timeout})
   endif()
 endfunction()

@@ -1,5 +1,5 @@
 # bda_left_out(test result): whether tests/left-out names that test for BDA_PLATFORM, which a toolchain file sets.
-# result_TESTS holds the tests of that program which it names one by one, as a filter of GoogleTest.
+# result_TESTS holds the tests of that program which it names one by one, as what follows the * of a filter of GoogleTest.
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/left-out)
 set(bda_left_out)
 if(BDA_PLATFORM)
@@ -16,6 +16,7 @@ function(bda_left_out test result)
       string(APPEND filter ":${CMAKE_MATCH_1}")
     endif()
   endforeach()
+  string(REGEX REPLACE "^:" "-" filter "${filter}")
   set(${result} ${all} PARENT_SCOPE)
   set(${result}_TESTS ${filter} PARENT_SCOPE)
 endfunction()
