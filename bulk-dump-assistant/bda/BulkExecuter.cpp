@@ -116,8 +116,9 @@ void BulkExecuter::writeBulkDumpBody(std::vector<std::uint8_t>& message, const A
 }
 
 void BulkExecuter::writeBulkDumpEnd(std::vector<std::uint8_t>& message) {
-  constexpr unsigned long kStillToCome = 2;  // checksum and F7
-  message.push_back(Utility::calcCheckSum(message.data(), message.size() + kStillToCome));
+  constexpr std::size_t kStillToCome = 2;  // checksum and F7
+  const std::size_t length = message.size() + kStillToCome;
+  message.push_back(Utility::calcCheckSum(message.data(), static_cast<unsigned long>(length)));
   message.push_back(kEndOfExclusive);
 }
 

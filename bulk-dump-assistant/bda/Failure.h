@@ -13,6 +13,7 @@
 
 #include <type_traits>
 
+#include "Compiler.h"
 #include "Reception.h"
 #include "bda/platform/Basekit/Tracer.h"
 
@@ -23,8 +24,7 @@ namespace BDA {
 class Line {
  public:
   constexpr Line(int fixedByContract) : number_(fixedByContract) {}  // NOLINT(google-explicit-constructor): a number
-  // __builtin_LINE: as std::source_location, which clang 14 does not find in libstdc++.
-  static constexpr Line ofThisSource(int line = __builtin_LINE()) { return {line}; }
+  static constexpr Line ofThisSource(int line = BDA_CALLERS_LINE) { return {line}; }
   constexpr int number() const { return number_; }
 
  private:

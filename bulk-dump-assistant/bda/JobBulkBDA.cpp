@@ -36,7 +36,7 @@ unsigned long JobBulkTools::sendBulkReqToBDA(BulkRequestMessage& request) try {
   if (utility != nullptr) utility->get(&savedReceiveSwitch_, kReceiveSwitchParameter);
   GiveBack receiveSwitch([&] { setSwitch(savedReceiveSwitch_); });
   setSwitch(kOn);
-  const Reception reception = assistant_->receive(request.data(), request.size(), DevicePort_Main);
+  const Reception reception = assistant_->receive(request.data(), kRequestLength, DevicePort_Main);
   receiveSwitch.now();
   if (reception.hasThrown) return CMA::JOB::Result_UnknownError;
   if (reception.kind == BulkMsg_BulkRequest) return CMA::JOB::Result_Success;

@@ -248,7 +248,7 @@ TEST_F(Files, TwoAssistantsHoldTheirOwnDumps) {
   FakeBridge otherBridge(record, &other);
   hold("0C 50 05", fieldOf("Song", pattern(3)));
   const Bytes trigger = dumpMessage(kTrigger);
-  other.receiveBulkDump(trigger.data(), trigger.size(), DevicePort_Main);
+  other.receiveBulkDump(trigger.data(), lengthOf(trigger), DevicePort_Main);
   EXPECT_THAT(work.contents, IsEmpty());
   send(kTrigger);
   EXPECT_EQ(work.contents.size(), 1u);

@@ -135,7 +135,7 @@ TEST_F(Construction, TwoAssistantsHaveTheirOwnHeaderMessageAndBridge) {
   FakeBridge otherBridge(otherRecord, &other);
   otherRecord.take();
   const Bytes footer = dumpMessage("0F 5F 00");
-  other.receiveBulkDump(footer.data(), footer.size(), DevicePort_Main);
+  other.receiveBulkDump(footer.data(), lengthOf(footer), DevicePort_Main);
   trace();
   EXPECT_THAT(otherRecord.take(), Not(Contains("store(5F 00)"))) << "the other one's header is not open";
   EXPECT_THAT(calls(), IsEmpty());
@@ -224,7 +224,7 @@ class Copy : public AssistantFixture {
 TEST_F(Copy, SharesTheOpenHeader) {
   OpenAssistant& copy = copyOf(*assistant);
   const Bytes header = dumpMessage("0E 5F 00");
-  EXPECT_EQ(copy.receiveBulkDump(header.data(), header.size(), DevicePort_Main), BulkMsg_BulkDump);
+  EXPECT_EQ(copy.receiveBulkDump(header.data(), lengthOf(header), DevicePort_Main), BulkMsg_BulkDump);
   EXPECT_TRUE(isHeaderOpen());
   openHeader();
   copy.init();

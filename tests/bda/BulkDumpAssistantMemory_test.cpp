@@ -37,7 +37,7 @@ class Memory : public AssistantFixture {
     record.records = true;
   }
   BulkMsgType feed(const Bytes& message, std::uint32_t from = 1) {
-    return assistant->receiveBulkDump(message.data(), message.size(), DevicePortNum(from));
+    return assistant->receiveBulkDump(message.data(), lengthOf(message), DevicePortNum(from));
   }
 };
 
@@ -170,7 +170,7 @@ class MemoryOfBlocks : public Memory {
  protected:
   void expectNoAllocation(const Bytes& message, std::uint32_t from) {
     BulkMsgType type = BulkMsg_NotSysEx;
-    const auto receive = [&] { type = own.receiveBulkDump(message.data(), message.size(), DevicePortNum(from)); };
+    const auto receive = [&] { type = own.receiveBulkDump(message.data(), lengthOf(message), DevicePortNum(from)); };
     EXPECT_EQ(allocationsOf(receive), 0) << textOf(message);
     EXPECT_EQ(type, BulkMsg_BulkDump);
   }
@@ -178,8 +178,9 @@ class MemoryOfBlocks : public Memory {
   const std::vector<CountingBridge::Count>& request(const std::string& address) {
     ownBridge.counts.clear();
     const Bytes message = requestMessage(address);
-    allocationsOf(
-        [&] { EXPECT_EQ(own.receiveBulkDump(message.data(), message.size(), DevicePort_Main), BulkMsg_BulkRequest); });
+    allocationsOf([&] {
+      EXPECT_EQ(own.receiveBulkDump(message.data(), lengthOf(message), DevicePort_Main), BulkMsg_BulkRequest);
+    });
     return ownBridge.counts;
   }
 
@@ -302,14 +303,14 @@ TEST_F(Memory, WhenStorageRunsOutInsideADumpItFailsAndTheNextIsReceived) {
   FakeBridge ownBridge(record, &own);
   const Bytes header = dumpMessage("0E 0A 05");
   const Bytes footer = dumpMessage("0F 0A 05");
-  own.receiveBulkDump(header.data(), header.size(), DevicePort_Main);
+  own.receiveBulkDump(header.data(), lengthOf(header), DevicePort_Main);
   forget();
-  withFailure(1, true, [&] { own.receiveBulkDump(footer.data(), footer.size(), DevicePort_Main); });
+  withFailure(1, true, [&] { own.receiveBulkDump(footer.data(), lengthOf(footer), DevicePort_Main); });
   EXPECT_EQ(greedy.suspended, 0);
   own.closeMsg();
   EXPECT_EQ(shown(), std::vector<int>{}) << "44 has no closing id";
-  own.receiveBulkDump(header.data(), header.size(), DevicePort_Main);
-  own.receiveBulkDump(footer.data(), footer.size(), DevicePort_Main);
+  own.receiveBulkDump(header.data(), lengthOf(header), DevicePort_Main);
+  own.receiveBulkDump(footer.data(), lengthOf(footer), DevicePort_Main);
   EXPECT_EQ(shown(), (std::vector<int>{11, 12, 1, 2}));
 }
 
@@ -342,9 +343,9 @@ TEST_F(Memory, WhenStorageRunsOutWhileItIsConstructedItStandsAndGoes) {
     FakeBridge own(record, made);
     for (const char* address : {"00 40 00", "0E 0A 05", "0F 0A 05", "0E 5F 00", "36 10 00", "05 05 05", "71 00 00"}) {
       const Bytes dump = dumpMessage(address, pattern(8));
-      EXPECT_EQ(made->receiveBulkDump(dump.data(), dump.size(), DevicePort_Main), BulkMsg_BulkDump);
+      EXPECT_EQ(made->receiveBulkDump(dump.data(), lengthOf(dump), DevicePort_Main), BulkMsg_BulkDump);
       const Bytes ask = requestMessage(address);
-      const BulkMsgType type = made->receiveBulkDump(ask.data(), ask.size(), DevicePort_Main);
+      const BulkMsgType type = made->receiveBulkDump(ask.data(), lengthOf(ask), DevicePort_Main);
       EXPECT_TRUE(type == BulkMsg_BulkRequest || type == BulkMsg_RequestSkipped);
     }
     for (CMA::JobReceiver* job : jobs)

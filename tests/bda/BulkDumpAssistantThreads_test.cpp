@@ -23,8 +23,8 @@ TEST(BulkDumpAssistantThreads, TwoAssistantsOnTwoThreadsDoNotDisturbEachOther) {
     const Bytes block = dumpMessage("00 40 00", pattern(8), device);
     const Bytes mixingRequest = requestMessage("0E 31 0" + std::to_string(device), device);
     for (int i = 0; i < 300; ++i) {
-      ownAssistant.receiveBulkDump(block.data(), block.size(), DevicePort_Main);
-      ownAssistant.receiveBulkDump(mixingRequest.data(), mixingRequest.size(), DevicePort_Main);
+      ownAssistant.receiveBulkDump(block.data(), lengthOf(block), DevicePort_Main);
+      ownAssistant.receiveBulkDump(mixingRequest.data(), lengthOf(mixingRequest), DevicePort_Main);
       own.take();
       if (ownBridge.messages.size() == 3 && ownBridge.messages[0].bytes == block &&
           ownBridge.messages[1].bytes[9] == (0x40 | device) && ownBridge.messages[2].bytes[2] == device)

@@ -37,7 +37,7 @@ struct Handled {
 class Throws : public FaultScenarios, public ::testing::WithParamInterface<Scenario> {
  public:
   void feed(const Bytes& message, DevicePortNum from) override {
-    handle(false, [&] { return assistant->receiveBulkDump(message.data(), message.size(), from); });
+    handle(false, [&] { return assistant->receiveBulkDump(message.data(), lengthOf(message), from); });
   }
   void runJob(std::size_t number) override {
     handle(true, [&] { return bulkJobs.at(number)->execEvent(nullptr, nullptr); });
@@ -276,7 +276,7 @@ TEST_F(ThrowsOnce, AScreenThatAlwaysThrowsLosesNoPriorityAndNoOutput) {
 TEST_F(ThrowsOnce, TheOperationsOfADerivedEditorLetNothingOut) {
   const Bytes message = dumpMessage("00 40 00", pattern(8));
   record.raise("system");
-  EXPECT_EQ(assistant->checkBulkDumpMessage(message.data(), message.size()), BulkMsg_ReceiveError);
+  EXPECT_EQ(assistant->checkBulkDumpMessage(message.data(), lengthOf(message)), BulkMsg_ReceiveError);
   std::uint8_t nibble = 7;
   EXPECT_EQ(Utility::getDeviceNumber(tools, &nibble), CMA::DeviceNumber_Off);
   EXPECT_EQ(nibble, 0);

@@ -158,7 +158,7 @@ class WholeUnits : public testing::Test {
   BulkMsgType sendBytes(const Bytes& message) {
     const std::unique_ptr<std::uint8_t[]> exact(new std::uint8_t[message.size()]);
     std::copy(message.begin(), message.end(), exact.get());
-    return assistant.receiveBulkDump(exact.get(), message.size(), DevicePort_Main);
+    return assistant.receiveBulkDump(exact.get(), Testing::lengthOf(message), DevicePort_Main);
   }
   Lines send(const std::string& address, const Bytes& data = {}) {
     EXPECT_EQ(sendBytes(Testing::dumpMessage(address, data)), BulkMsg_BulkDump);

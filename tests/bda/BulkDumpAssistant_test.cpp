@@ -60,7 +60,7 @@ class Classification : public AssistantFixture {
   BulkMsgType check(const Bytes& message, std::size_t length) {
     const std::unique_ptr<std::uint8_t[]> exact(new std::uint8_t[length]());
     std::copy_n(message.begin(), std::min(length, message.size()), exact.get());
-    return assistant->checkBulkDumpMessage(exact.get(), length);
+    return assistant->checkBulkDumpMessage(exact.get(), static_cast<unsigned long>(length));
   }
   void TearDown() override {
     EXPECT_THAT(calls(), IsEmpty()) << "a classification has no effect but its lines";
@@ -798,7 +798,7 @@ TEST_F(Dump, DumpsOfPorts1And6AreEchoedUnchangedOnPort4) {
 
 TEST_F(Dump, TheEchoIsTheCallersOwnBuffer) {
   const Bytes message = dumpMessage("00 40 00", pattern(8));
-  assistant->receiveBulkDump(message.data(), message.size(), DevicePort_Main);
+  assistant->receiveBulkDump(message.data(), lengthOf(message), DevicePort_Main);
   ASSERT_EQ(bridge->pointers.size(), 1U);
   EXPECT_EQ(bridge->pointers[0], message.data());
 }
@@ -881,7 +881,7 @@ TEST_F(Dump, ADumpFromInsideAStoreDoesNotSaveTheRaisedPriority) {
   record.during("store", [&] {
     if (std::exchange(inside, true)) return;
     const Bytes footer = dumpMessage("0F 0A 05");
-    assistant->receiveBulkDump(footer.data(), footer.size(), DevicePort_Echo);
+    assistant->receiveBulkDump(footer.data(), lengthOf(footer), DevicePort_Echo);
   });
   send("0E 0A 05");
   forget();

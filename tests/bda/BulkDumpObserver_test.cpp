@@ -350,7 +350,7 @@ TEST_F(Observer, IsToldThatTheAssistantWasNotConstructed) {
   record.heal();
   undone.registerObserver(&observer);
   const Bytes message = dumpMessage("00 40 00", pattern(8));
-  undone.receiveBulkDump(message.data(), message.size(), DevicePort_Main);
+  undone.receiveBulkDump(message.data(), lengthOf(message), DevicePort_Main);
   const std::vector<BulkDumpReport> reports = observer.reports();
   ASSERT_EQ(reports.size(), 1U);
   EXPECT_EQ(reports[0].refusal, Refusal::notConstructed);
@@ -358,7 +358,7 @@ TEST_F(Observer, IsToldThatTheAssistantWasNotConstructed) {
 
 TEST_F(Observer, IsToldOfTheRequestsOfJobsButNotOfChecks) {
   const Bytes message = dumpMessage("00 40 00", pattern(8));
-  assistant->checkBulkDumpMessage(message.data(), message.size());
+  assistant->checkBulkDumpMessage(message.data(), lengthOf(message));
   EXPECT_TRUE(observer.reports().empty());
   forget();
   bulkJobs[4]->execEvent(nullptr, nullptr);

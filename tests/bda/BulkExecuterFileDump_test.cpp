@@ -160,7 +160,7 @@ TEST_F(FileDump, BlocksOfOtherTypesAreRefusedAndDiscardWhatIsHeld) {
     ASSERT_THAT(reports(), IsEmpty());
     at("11 00 00").setBulkDumpMessage(nullptr, 0);
     const Lines made = calls();
-    const long writes = std::count(made.begin(), made.end(), "write(5)");
+    const std::ptrdiff_t writes = std::count(made.begin(), made.end(), "write(5)");
     ASSERT_EQ(writes, writable.contains(type) ? 1 : 0) << type;
   }
 }

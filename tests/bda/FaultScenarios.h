@@ -20,7 +20,7 @@ class FaultScenarios : public AssistantFixture {
  public:
   // One message; how it fares is for the test to note.
   virtual void feed(const Bytes& message, BDA::DevicePortNum from = BDA::DevicePort_Main) {
-    assistant->receiveBulkDump(message.data(), message.size(), from);
+    assistant->receiveBulkDump(message.data(), lengthOf(message), from);
   }
   void dump(const char* address, const Bytes& data = {}) { feed(dumpMessage(address, data)); }
   void ask(const char* address) { feed(requestMessage(address)); }
@@ -113,7 +113,7 @@ class FaultScenarios : public AssistantFixture {
     return at != std::string::npos && call.compare(at, 3, "[0]") != 0;
   }
 
-  static long count(const std::vector<std::string>& list, const char* call) {
+  static std::ptrdiff_t count(const std::vector<std::string>& list, const char* call) {
     return std::count_if(list.begin(), list.end(), [&](const std::string& line) { return line.rfind(call, 0) == 0; });
   }
 };

@@ -215,7 +215,7 @@ TEST(FileDumpCodecGroup, EncodesUpTo7BytesAndRefusesMore) {
     } else if (count == 0) {
       EXPECT_EQ(out[0], 0) << "a leading byte alone";
     } else {
-      const Bytes group(source.begin(), source.begin() + count);
+      const Bytes group(source.data(), source.data() + count);
       EXPECT_EQ(Bytes(out.get(), out.get() + count + 1), Plain::encode(group)) << count;
     }
   }
@@ -232,7 +232,7 @@ TEST(FileDumpCodecGroup, DecodesUpTo8BytesAndRefusesMore) {
     if (isRefused || count < 2) {
       EXPECT_EQ(out[0], 0xEE) << "nothing is written";
     } else {
-      const Bytes group(packed.begin(), packed.begin() + count);
+      const Bytes group(packed.data(), packed.data() + count);
       EXPECT_EQ(Bytes(out.get(), out.get() + room), Plain::decode(group).bytes) << count;
     }
   }

@@ -672,7 +672,7 @@ inline Lines expectedCalls(const Steps& steps, unsigned blockIndex, const Bytes&
         lines.push_back("correctBankSelAndProgramNum(" + step.path.substr(0, step.path.rfind('.')) + ", " +
                         std::to_string(blockIndex) + ", " + std::to_string(at[0]) + ", " + std::to_string(at[1]) +
                         ", " + std::to_string(at[2]) + ", true)");
-        for (unsigned i = 0; i < 3; ++i) lines.push_back(setLine(step, i, at[i]));
+        for (unsigned i = 0; i < 3; ++i) lines.push_back(setLine(step, i, at[std::ptrdiff_t(i)]));
         break;
       case Routine::off:
         lines.push_back("insertionSwitchAllOff(" + step.path + ")");

@@ -37,8 +37,8 @@ const std::vector<std::string> kTooShort{"Message is too short!!!\n"};
 
 class UtilitiesTest : public ::testing::Test {
  protected:
-  unsigned calc(const Bytes& message) { return Utility::calcCheckSum(message.data(), message.size()); }
-  bool isCorrect(const Bytes& message) { return Utility::isCorrectCheckSum(message.data(), message.size()); }
+  unsigned calc(const Bytes& message) { return Utility::calcCheckSum(message.data(), lengthOf(message)); }
+  bool isCorrect(const Bytes& message) { return Utility::isCorrectCheckSum(message.data(), lengthOf(message)); }
 
   TraceScope trace;
 };
@@ -59,14 +59,14 @@ TEST_F(UtilitiesTest, CheckSumEqualsThePlainSumForEveryDataLengthUpTo300) {
   for (std::size_t length = 0; length <= 300; ++length) {
     const Bytes message = dumpMessage("7F 7F 7F", pattern(length));
     const auto exact = exactly(message, message.size());
-    ASSERT_EQ(Utility::calcCheckSum(exact.get(), message.size()), naiveCheckSum(message)) << length;
-    ASSERT_TRUE(Utility::isCorrectCheckSum(exact.get(), message.size())) << length;
+    ASSERT_EQ(Utility::calcCheckSum(exact.get(), lengthOf(message)), naiveCheckSum(message)) << length;
+    ASSERT_TRUE(Utility::isCorrectCheckSum(exact.get(), lengthOf(message))) << length;
   }
 }
 
 RC_GTEST_PROP(UtilitiesProperty, CheckSumEqualsThePlainSumForAnyBytes, (std::vector<std::uint8_t> data)) {
   const Bytes message = dumpMessage("00 00 00", data);
-  RC_ASSERT(Utility::calcCheckSum(message.data(), message.size()) == naiveCheckSum(message));
+  RC_ASSERT(Utility::calcCheckSum(message.data(), lengthOf(message)) == naiveCheckSum(message));
 }
 
 TEST_F(UtilitiesTest, LargestMessageIsSummed) {
@@ -84,9 +84,9 @@ TEST_F(UtilitiesTest, CheckSumDoesNotReadTheLastTwoBytes) {
 }
 
 TEST_F(UtilitiesTest, EveryLengthButTheRightOneIsLoggedAndGives0) {
-  for (const std::size_t dataLength : {0U, 1U, 8U, 31U, 128U}) {
+  for (const unsigned long dataLength : {0U, 1U, 8U, 31U, 128U}) {
     const Bytes message = dumpMessage("0E 31 42", pattern(dataLength));
-    for (std::size_t length = 0; length <= dataLength + 13; ++length) {
+    for (unsigned long length = 0; length <= dataLength + 13; ++length) {
       const auto exact = exactly(message, length);
       const unsigned checkSum = Utility::calcCheckSum(exact.get(), length);
       if (length == dataLength + 12) {
@@ -128,9 +128,9 @@ TEST_F(UtilitiesTest, BitSevenOfTheByteCountIsNotMasked) {
 }
 
 TEST_F(UtilitiesTest, ShorterThanItsDataIsTooShortWithoutLocation) {
-  for (const std::size_t dataLength : {0U, 1U, 8U, 68U, 128U}) {
+  for (const unsigned long dataLength : {0U, 1U, 8U, 68U, 128U}) {
     const Bytes message = dumpMessage("00 00 00", pattern(dataLength));
-    for (std::size_t length = 0; length < dataLength + 10; ++length) {
+    for (unsigned long length = 0; length < dataLength + 10; ++length) {
       const auto exact = exactly(message, length);
       ASSERT_FALSE(Utility::isCorrectCheckSum(exact.get(), length));
       ASSERT_EQ(trace.take(), kTooShort) << length;
@@ -139,7 +139,7 @@ TEST_F(UtilitiesTest, ShorterThanItsDataIsTooShortWithoutLocation) {
 }
 
 TEST_F(UtilitiesTest, EndingWhereTheCheckSumShouldStandIsWrongWithoutReadingOn) {
-  for (const std::size_t dataLength : {0U, 8U, 128U}) {
+  for (const unsigned long dataLength : {0U, 8U, 128U}) {
     const Bytes message = dumpMessage("00 00 00", pattern(dataLength));
     const auto exact = exactly(message, dataLength + 10);
     EXPECT_FALSE(Utility::isCorrectCheckSum(exact.get(), dataLength + 10));
@@ -148,8 +148,8 @@ TEST_F(UtilitiesTest, EndingWhereTheCheckSumShouldStandIsWrongWithoutReadingOn) 
 }
 
 TEST_F(UtilitiesTest, WithoutItsF7OrWithBytesAfterItOnlyACheckSumOf0Passes) {
-  for (const std::size_t dataLength : {0U, 8U}) {
-    for (const std::size_t length : {dataLength + 11, dataLength + 13, dataLength + 14, dataLength + 40}) {
+  for (const unsigned long dataLength : {0U, 8U}) {
+    for (const unsigned long length : {dataLength + 11, dataLength + 13, dataLength + 14, dataLength + 40}) {
       for (unsigned checkSum = 0; checkSum < 256; ++checkSum) {
         Bytes message = dumpMessage("00 00 00", pattern(dataLength));
         message[dataLength + 10] = std::uint8_t(checkSum);

@@ -46,7 +46,7 @@ BDA::BulkMsgType AssistantFixture::sendBytes(Bytes message) {
   flips_.clear();
   const std::unique_ptr<std::uint8_t[]> exact(new std::uint8_t[message.size()]);
   std::copy(message.begin(), message.end(), exact.get());
-  return assistant->receiveBulkDump(exact.get(), message.size(), port);
+  return assistant->receiveBulkDump(exact.get(), lengthOf(message), port);
 }
 
 void AssistantFixture::openHeader() {

@@ -14,6 +14,12 @@ Bytes bytesOf(std::string_view hex);
 std::string textOf(const std::uint8_t* bytes, std::size_t count);
 std::string textOf(const Bytes& bytes);
 
+// In the type of the module's lengths, which has 32 bits on some systems.
+template <typename Message>
+unsigned long lengthOf(const Message& message) {
+  return static_cast<unsigned long>(message.size());
+}
+
 // 7-bit bytes of a block, no two neighbours alike, so that a value at the wrong place shows.
 Bytes pattern(std::size_t length);
 

@@ -1,0 +1,22 @@
+# bda_left_out(test result): whether tests/left-out names that test for BDA_PLATFORM, which a toolchain file sets.
+# result_TESTS holds the tests of that program which it names one by one, as what follows the * of a filter of GoogleTest.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/left-out)
+set(bda_left_out)
+if(BDA_PLATFORM)
+  file(STRINGS ${PROJECT_SOURCE_DIR}/tests/left-out bda_left_out REGEX "^${BDA_PLATFORM} ")
+endif()
+
+function(bda_left_out test result)
+  set(all FALSE)
+  set(filter)
+  foreach(line IN LISTS bda_left_out)
+    if(line MATCHES "^[^ ]+ +${test} ")
+      set(all TRUE)
+    elseif(line MATCHES "^[^ ]+ +${test}:([^ ]+) ")
+      string(APPEND filter ":${CMAKE_MATCH_1}")
+    endif()
+  endforeach()
+  string(REGEX REPLACE "^:" "-" filter "${filter}")
+  set(${result} ${all} PARENT_SCOPE)
+  set(${result}_TESTS ${filter} PARENT_SCOPE)
+endfunction()
