@@ -321,11 +321,13 @@ BulkMsgType BulkDumpAssistant::classify(const unsigned char* message, unsigned l
 }
 
 BulkMsgType BulkDumpAssistant::receiveBulkDump(const unsigned char* message, unsigned long length, DevicePortNum port) {
-  return receive(message, length, port).kind;
+  Reception reception;
+  receive(message, length, port, reception);
+  return reception.kind;
 }
 
-Reception BulkDumpAssistant::receive(const unsigned char* message, unsigned long length, DevicePortNum port) noexcept {
-  Reception reception;
+void BulkDumpAssistant::receive(const unsigned char* message, unsigned long length, DevicePortNum port,
+                                Reception& reception) noexcept {
   BulkDumpObserver* const observer = observer_;
   {
     const Notes notes(observer == nullptr ? nullptr : &reception);
@@ -342,7 +344,6 @@ Reception BulkDumpAssistant::receive(const unsigned char* message, unsigned long
     const Notes nobody(nullptr);
     attempt([&] { observer->bulkDumpHandled(reception); });
   }
-  return reception;
 }
 
 void BulkDumpAssistant::handle(const unsigned char* message, unsigned long length, DevicePortNum port,
@@ -366,7 +367,7 @@ void BulkDumpAssistant::handle(const unsigned char* message, unsigned long lengt
       reception.outcome = BulkDumpOutcome::notOurs;
       return;
     case BulkMsg_CheckSumError:  // the open header stays: the sender may repeat the block
-      reception.setAddress(message + kDumpAddressAt);
+      reception.setAddress(addressAt(message + kDumpAddressAt));
       return show(kCheckSumErrorMessage);
     case BulkMsg_DeviceNumberOff:
     case BulkMsg_WrongDeviceNumber:
@@ -396,14 +397,14 @@ void BulkDumpAssistant::handle(const unsigned char* message, unsigned long lengt
 void BulkDumpAssistant::receiveDump(const unsigned char* message, unsigned long length, DevicePortNum port,
                                     Reception& reception) {
   const Address address = addressAt(message + kDumpAddressAt);
-  reception.setAddress(message + kDumpAddressAt);
+  reception.setAddress(address);
   if (bulkMixVoiceDeletion(work_, address)) {
     reception.isTaken = true;
     reception.outcome = outcomeOfStoring(reception);
     return;
   }
 
-  const BDAErr admitted = admit(address);
+  const BDAErr admitted = admit(address.getHi(), address.getMid(), address.getLo());
   if (isFailure(admitted)) return init();
   if (isOfKind(admitted, BDA_INFO_SWALLOWED)) return;
   if (isLoadingOrSaving(work_)) {
@@ -450,13 +451,13 @@ void BulkDumpAssistant::receiveDump(const unsigned char* message, unsigned long 
 void BulkDumpAssistant::answerRequest(const unsigned char* message, unsigned long length, DevicePortNum port,
                                       Reception& reception) {
   const Address address = addressAt(message + kRequestAddressAt);
-  reception.setAddress(message + kRequestAddressAt);
+  reception.setAddress(address);
   if (sendEmptyMixingVoice(*jobTools_, work_, bridge_, address, port)) {
     reception.outcome = BulkDumpOutcome::answered;
     return;
   }
 
-  if (isFailure(admit(address))) return init();
+  if (isFailure(admit(address.getHi(), address.getMid(), address.getLo()))) return init();
   if (port == DevicePort_Thru) return;
   if (isLoadingOrSaving(work_)) {
     kRequestWhileLoading();
@@ -488,13 +489,12 @@ void BulkDumpAssistant::answerRequest(const unsigned char* message, unsigned lon
 unsigned long BulkDumpAssistant::checkAddress(const Address& address) {
   const Notes nobody(nullptr);
   BDAErr admitted = BDA_ERR;
-  attempt([&] { admitted = admit(address); });
+  attempt([&] { admitted = admit(address.getHi(), address.getMid(), address.getLo()); });
   return admitted;
 }
 
-std::uint32_t BulkDumpAssistant::admit(const Address& address) {
-  const unsigned long result =
-      jobTools_->checkModeForReceivedSysExBulk(temporaryModel_, address.getHi(), address.getMid(), address.getLo());
+std::uint32_t BulkDumpAssistant::admit(std::uint8_t hi, std::uint8_t mid, std::uint8_t lo) {
+  const unsigned long result = jobTools_->checkModeForReceivedSysExBulk(temporaryModel_, hi, mid, lo);
   for (const ModeCheck& check : kModeChecks) {
     if (result != check.result) continue;
     if (check.failure != nullptr) (*check.failure)();

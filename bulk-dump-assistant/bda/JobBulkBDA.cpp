@@ -36,7 +36,8 @@ unsigned long JobBulkTools::sendBulkReqToBDA(BulkRequestMessage& request) try {
   if (utility != nullptr) utility->get(&savedReceiveSwitch_, kReceiveSwitchParameter);
   GiveBack receiveSwitch([&] { setSwitch(savedReceiveSwitch_); });
   setSwitch(kOn);
-  const Reception reception = assistant_->receive(request.data(), kRequestLength, DevicePort_Main);
+  Reception reception;
+  assistant_->receive(request.data(), kRequestLength, DevicePort_Main, reception);
   receiveSwitch.now();
   if (reception.hasThrown) return CMA::JOB::Result_UnknownError;
   if (reception.kind == BulkMsg_BulkRequest) return CMA::JOB::Result_Success;

@@ -4,17 +4,11 @@
 #include <stdexcept>
 
 namespace BDA {
-namespace {
 
-thread_local Reception* current = nullptr;
-
-}  // namespace
-
-Notes::Notes(Reception* reception) noexcept : before_(current) { current = reception; }
-Notes::~Notes() { current = before_; }
+constinit thread_local Reception* Notes::current_ = nullptr;
 
 void Notes::refusal(BulkDumpRefusal refusal) noexcept {
-  if (current != nullptr && current->refusal == BulkDumpRefusal::none) current->refusal = refusal;
+  if (current_ != nullptr && current_->refusal == BulkDumpRefusal::none) current_->refusal = refusal;
 }
 
 void Notes::thrown() noexcept {
@@ -30,7 +24,7 @@ void Notes::thrown() noexcept {
 }
 
 void Notes::handedOver(std::size_t contents) noexcept {
-  if (current != nullptr) current->handedOver += std::uint32_t(contents);
+  if (current_ != nullptr) current_->handedOver += std::uint32_t(contents);
 }
 
 }  // namespace BDA

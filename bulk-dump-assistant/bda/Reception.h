@@ -1,8 +1,8 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 
+#include "Address.h"
 #include "bda/BulkDumpObserver.h"
 
 namespace BDA {
@@ -11,9 +11,11 @@ namespace BDA {
 struct Reception : BulkDumpReport {
   bool hasThrown = false;  // a service, or storage that ran out
 
-  void setAddress(const std::uint8_t* bytes) {
+  void setAddress(const Address& of) {
     hasAddress = true;
-    std::copy_n(bytes, 3, address);
+    address[0] = of.getHi();
+    address[1] = of.getMid();
+    address[2] = of.getLo();
   }
 };
 
@@ -21,10 +23,10 @@ struct Reception : BulkDumpReport {
 // to know.
 class Notes {
  public:
-  explicit Notes(Reception* reception) noexcept;
+  explicit Notes(Reception* reception) noexcept : before_(current_) { current_ = reception; }
   Notes(const Notes&) = delete;
   Notes& operator=(const Notes&) = delete;
-  ~Notes();
+  ~Notes() { current_ = before_; }
 
   // The first refusal of a message is the reason; what follows from it is not.
   static void refusal(BulkDumpRefusal refusal) noexcept;
@@ -33,6 +35,8 @@ class Notes {
   static void handedOver(std::size_t contents = 1) noexcept;
 
  private:
+  static constinit thread_local Reception* current_;
+
   Reception* before_;
 };
 

@@ -118,7 +118,7 @@ class BDA_API BulkDumpBridge {
 // more in the log (but what a file dump that cannot be written or read has to say); MIDI output is resumed and the
 // thread's scheduling restored if they had been suspended and changed. What a block meets is still echoed, what is
 // thrown before or after it ends the message there. The next message finds everything in order.
-class BDA_API BulkDumpAssistant {
+class BulkDumpAssistant {
  public:
   // Nothing that is handed over changes owner, and all of it outlives the assistant; `jobTools` must not be null.
   //   eventPortManager  through which on-screen messages reach the editor; may be null
@@ -133,44 +133,44 @@ class BDA_API BulkDumpAssistant {
   // When a service throws, all that was made but the way to the screen is undone (`bulkJobs` is as before, the
   // temporary model destroyed), and the assistant refuses every dump and request. What merely cannot be allocated is
   // missing, and the rest works.
-  BulkDumpAssistant(EvtSrv::EventPortManager* eventPortManager, std::vector<CMA::JobReceiver*>* jobReceivers,
-                    std::vector<CMA::JobReceiver*>* bulkJobs, CMA::JobTools* jobTools, ContSrv::Work* work,
-                    bool silent);
+  BDA_API BulkDumpAssistant(EvtSrv::EventPortManager* eventPortManager, std::vector<CMA::JobReceiver*>* jobReceivers,
+                            std::vector<CMA::JobReceiver*>* bulkJobs, CMA::JobTools* jobTools, ContSrv::Work* work,
+                            bool silent);
   // Member by member: a copy shares everything that the source owns. Never destroy a copy next to its source, and an
   // assistant that is assigned to loses what it owned. The jobs keep pointing at the source.
-  BulkDumpAssistant(const BulkDumpAssistant& other);
-  BulkDumpAssistant& operator=(const BulkDumpAssistant& other);
-  ~BulkDumpAssistant();
+  BDA_API BulkDumpAssistant(const BulkDumpAssistant& other);
+  BDA_API BulkDumpAssistant& operator=(const BulkDumpAssistant& other);
+  BDA_API ~BulkDumpAssistant();
 
   // Sends from now on through `bridge`, not owned; null: nothing can be sent, and every block is refused.
-  void registerBDABridge(BulkDumpBridge* bridge);
+  BDA_API void registerBDABridge(BulkDumpBridge* bridge);
 
   // Tells `observer` from now on how each message fared (bda/BulkDumpObserver.h). Not owned; null, as at first: nobody.
   // The editor unregisters its observer before destroying it.
-  void registerObserver(BulkDumpObserver* observer);
+  BDA_API void registerObserver(BulkDumpObserver* observer);
 
   // What kind of message this is and whether the settings admit it, 0 to 11; BulkMsg_ReceiveError, too, when the
   // settings' model throws. Writes log lines, changes nothing. Here and in receiveBulkDump `message` is only read, and
   // only during the call; null or no bytes are BulkMsg_NotSysEx.
-  BulkMsgType checkBulkDumpMessage(const unsigned char* message, unsigned long length);
+  BDA_API BulkMsgType checkBulkDumpMessage(const unsigned char* message, unsigned long length);
 
   // Handles one complete System Exclusive message that arrived on `port`, and tells what kind of message it was, not
   // how it fared: a dump that was refused, or a request that failed, still gives BulkMsg_BulkDump and
   // BulkMsg_BulkRequest; a BulkDumpObserver is told how it fared. All that it does with the bridge and the editor's
   // services is done when it returns. Once a service threw, the kind is what was known by then, BulkMsg_ReceiveError if
   // nothing was.
-  BulkMsgType receiveBulkDump(const unsigned char* message, unsigned long length, DevicePortNum port);
+  BDA_API BulkMsgType receiveBulkDump(const unsigned char* message, unsigned long length, DevicePortNum port);
 
   // A hook that does nothing, whenever it is called.
-  void bdaLoop();
+  BDA_API void bdaLoop();
 
  protected:
   // Forgets the open header: the next block must again begin with one.
-  void init();
+  BDA_API void init();
   // Whether the editor's mode admits the address: 0, 8 (ignore it) or a failure (bit 31), which is logged and shown.
-  unsigned long checkAddress(const Address& address);
+  BDA_API unsigned long checkAddress(const Address& address);
   // Whether the address is the footer of an edit buffer, which is handed to the editor without a message of storing.
-  bool isEditBufferFooter(const Address& address);
+  BDA_API bool isEditBufferFooter(const Address& address);
   // Replaces the on-screen message, by its number:
   //   1, 2     a footer of a bank or a write trigger is being stored; that has ended, well or not
   //   11, 12   any other dump is being received; its unit is complete or has failed, or another message takes over
@@ -182,22 +182,22 @@ class BDA_API BulkDumpAssistant {
   //   45       mode error or voice type error
   //   46       too many mixing voices
   // 1 also tells the editor that it is about to store (CMA::AdditionalParameterModel).
-  void showMsg(std::uint16_t id);
+  BDA_API void showMsg(std::uint16_t id);
   // Shows 2, 12 or 14 after 1, 11 or 13. Other messages stay.
-  void closeMsg();
+  BDA_API void closeMsg();
 
  private:
   friend class JobBulkTools;  // a job tells a throw from an answer
 
   // As receiveBulkDump, but tells more.
-  Reception receive(const unsigned char* message, unsigned long length, DevicePortNum port) noexcept;
+  void receive(const unsigned char* message, unsigned long length, DevicePortNum port, Reception& reception) noexcept;
 
   // All of these let through what a service throws.
   void handle(const unsigned char* message, unsigned long length, DevicePortNum port, Reception& reception);
   void receiveDump(const unsigned char* message, unsigned long length, DevicePortNum port, Reception& reception);
   void answerRequest(const unsigned char* message, unsigned long length, DevicePortNum port, Reception& reception);
   BulkMsgType classify(const unsigned char* message, unsigned long length);
-  std::uint32_t admit(const Address& address);
+  std::uint32_t admit(std::uint8_t hi, std::uint8_t mid, std::uint8_t lo);
   void show(std::uint16_t id);
   void close();
 
