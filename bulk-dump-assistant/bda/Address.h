@@ -16,8 +16,12 @@ class Address {
   virtual std::uint8_t getMid() const { return mid_; }
   virtual std::uint8_t getLo() const { return lo_; }
   virtual Address getAddress() const { return {hi_, mid_, lo_}; }
-  virtual void setAddress(const Address& address) { setAddress(address.hi_, address.mid_, address.lo_); }
-  virtual void setAddress(std::uint8_t hi, std::uint8_t mid, std::uint8_t lo);
+  virtual void setAddress(const Address& address) { Address::setAddress(address.hi_, address.mid_, address.lo_); }
+  virtual void setAddress(std::uint8_t hi, std::uint8_t mid, std::uint8_t lo) {
+    hi_ = hi;
+    mid_ = mid;
+    lo_ = lo;
+  }
   virtual bool isEqual(std::uint8_t hi, std::uint8_t mid, std::uint8_t lo) const {
     return hi_ == hi && mid_ == mid && lo_ == lo;
   }
@@ -39,7 +43,11 @@ class HeaderAddress : public Address {
       : Address(hi, mid, lo), blockType_(blockType), bank_(0) {}
 
   virtual void setHeader(std::uint32_t blockType, std::uint8_t hi, std::uint8_t mid, std::uint8_t lo,
-                         std::uint32_t bank);
+                         std::uint32_t bank) {
+    Address::setAddress(hi, mid, lo);
+    blockType_ = blockType;
+    bank_ = bank;
+  }
   virtual std::uint32_t getBank() const { return bank_; }
 
   std::uint32_t getBlockType() const { return blockType_; }
