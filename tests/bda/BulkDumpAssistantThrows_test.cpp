@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <iterator>
 #include <map>
 #include <numeric>
 #include <string_view>
@@ -163,13 +162,6 @@ TEST_P(Throws, WhateverThrowsEndsTheMessageLikeAFailedBlockAndTheNextWorks) {
   EXPECT_GT(cases, 5U);
 }
 
-std::vector<Scenario> everyScenario() {
-  std::vector<Scenario> all(std::begin(kScenarios), std::end(kScenarios));
-  // What is written by a trigger is told in words of its own, by contract: part of no other test of failing calls.
-  all.push_back({"file dumps", &FaultScenarios::fileDumps});
-  all.push_back({"editor blocks", &FaultScenarios::editorBlocks});
-  return all;
-}
 INSTANTIATE_TEST_SUITE_P(In, Throws, ::testing::ValuesIn(everyScenario()), [](const auto& scenario) {
   std::string name = scenario.param.name;
   std::replace(name.begin(), name.end(), ' ', '_');

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -138,5 +139,13 @@ inline constexpr Scenario kScenarios[] = {
     {"master", &FaultScenarios::unit<0x7F, BDA::List::master>},
     {"remote", &FaultScenarios::unit<0x6F, BDA::List::remote>},
 };
+
+// Those, and what is told in words of its own by contract, for tests that do not look at the words.
+inline std::vector<Scenario> everyScenario() {
+  std::vector<Scenario> all(std::begin(kScenarios), std::end(kScenarios));
+  all.push_back({"file dumps", &FaultScenarios::fileDumps});
+  all.push_back({"editor blocks", &FaultScenarios::editorBlocks});
+  return all;
+}
 
 }  // namespace Testing
