@@ -1,5 +1,5 @@
-# cmake -DEXAMPLES=... -DPROGRAM=... -P minimal_editor.cmake: the editor that makers copy, given all the messages there are,
-# says what minimal-editor.txt has: which contents were stored, and that every byte came back.
+# cmake -DEXAMPLES=... -DPROGRAM=... -P minimal_editor.cmake: the editor that makers copy, given all the messages there
+# are, says what minimal-editor.txt has: which contents were stored, and that every byte came back.
 cmake_minimum_required(VERSION 3.25)
 set(expected_file ${CMAKE_CURRENT_LIST_DIR}/minimal-editor.txt)
 
