@@ -1,5 +1,11 @@
 # What is installed, and where, in three components: runtime is what a program needs that uses the libraries,
-# development what one needs to compile it, program is bda.
+# development what one needs to compile it, program is bda. Inside of somebody else's project, where these are anybody's
+# words, they are bda-runtime, bda-development and bda-program.
+set(BDA_COMPONENT "")
+if(NOT PROJECT_IS_TOP_LEVEL)
+  set(BDA_COMPONENT bda-)
+endif()
+
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -10,11 +16,11 @@ endif()
 
 # find_package(bda) gives an outside project bda::bda and bda::platform.
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/bda)
-install(EXPORT bda-targets NAMESPACE bda:: DESTINATION ${package_dir} COMPONENT development)
+install(EXPORT bda-targets NAMESPACE bda:: DESTINATION ${package_dir} COMPONENT ${BDA_COMPONENT}development)
 configure_package_config_file(cmake/bdaConfig.cmake.in bdaConfig.cmake INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(bdaConfigVersion.cmake VERSION ${BDA_VERSION} COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/bdaConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/bdaConfigVersion.cmake
-        DESTINATION ${package_dir} COMPONENT development)
+        DESTINATION ${package_dir} COMPONENT ${BDA_COMPONENT}development)
 
 # pkg-config knows the folders relative to its own files, so that what is installed can be moved.
 set(pc_dir ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
@@ -28,17 +34,21 @@ endif()
 # bda_install_library(target): a library, its headers and what pkg-config has to know, in cmake/<target>.pc.in.
 function(bda_install_library target)
   install(TARGETS ${target} EXPORT bda-targets
-          RUNTIME COMPONENT runtime
-          LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
-          ARCHIVE COMPONENT development)
-  install(DIRECTORY include/bda DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+          RUNTIME COMPONENT ${BDA_COMPONENT}runtime
+          LIBRARY COMPONENT ${BDA_COMPONENT}runtime NAMELINK_COMPONENT ${BDA_COMPONENT}development
+          ARCHIVE COMPONENT ${BDA_COMPONENT}development)
+  install(DIRECTORY include/bda DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT ${BDA_COMPONENT}development)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/${target}.pc.in ${target}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${target}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-          COMPONENT development)
+          COMPONENT ${BDA_COMPONENT}development)
 endfunction()
 
 if(NOT BDA_DEBS)  # whose packages have their own form of it
-  foreach(component IN ITEMS runtime development program)
-    install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/bda COMPONENT ${component})
+  set(components runtime development)
+  if(BDA_EDITOR)
+    list(APPEND components program)
+  endif()
+  foreach(component IN LISTS components)
+    install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/bda COMPONENT ${BDA_COMPONENT}${component})
   endforeach()
 endif()

@@ -1,7 +1,10 @@
-# cmake -DPKG_CONFIG=... -DPREFIX=... -DLIBDIR=... -DKIND=... -DVERSION=... -DCOMPILER=... -DWORK=... -P pkg_config.cmake
+# cmake -DPKG_CONFIG=... -DPREFIX=... -DLIBDIR=... -DKIND=... -DVERSION=... -DCOMPILER=...
+#       -DEXAMPLES=... -DWORK=... -P pkg_config.cmake
 #
-# The outside project by a compiler and pkg-config alone, after what was installed has moved.
+# The outside project and the editor that makers copy, by a compiler and pkg-config alone, after what was installed has
+# moved.
 cmake_minimum_required(VERSION 3.25)
+include(${CMAKE_CURRENT_LIST_DIR}/minimal_editor.cmake)
 file(REMOVE_RECURSE ${WORK})
 file(COPY ${PREFIX}/ DESTINATION ${WORK}/moved)
 set(ENV{PKG_CONFIG_PATH} ${WORK}/moved/${LIBDIR}/pkgconfig)
@@ -31,7 +34,14 @@ if(static AND NOT "-pthread" IN_LIST flags)
   message(FATAL_ERROR "static libraries bring no threads: ${flags}")
 endif()
 
+# bda_compile(program file option...)
+function(bda_compile program file)
+  execute_process(COMMAND ${COMPILER} -std=c++17 -Wall -Wextra -Wpedantic -Werror ${ARGN} ${file} ${flags}
+                          -Wl,-rpath,${WORK}/moved/${LIBDIR} -o ${program} COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
 set(outside ${CMAKE_CURRENT_LIST_DIR}/../outside)
-execute_process(COMMAND ${COMPILER} -std=c++17 -Wall -Wextra -Wpedantic -Werror -I${outside}/own ${outside}/main.cpp
-                        ${flags} -Wl,-rpath,${WORK}/moved/${LIBDIR} -o ${WORK}/outside COMMAND_ERROR_IS_FATAL ANY)
+bda_compile(${WORK}/outside ${outside}/main.cpp -I${outside}/own)
 execute_process(COMMAND ${WORK}/outside COMMAND_ERROR_IS_FATAL ANY)
+bda_compile(${WORK}/minimal-editor ${EXAMPLES}/minimal-editor/main.cpp)
+bda_run_minimal_editor(${WORK}/minimal-editor)

@@ -1,3 +1,17 @@
+# bda_targets_below(result folder): what that folder of sources, and those that it adds, build or import.
+function(bda_targets_below result folder)
+  get_property(all DIRECTORY ${folder} PROPERTY BUILDSYSTEM_TARGETS)
+  get_property(imported DIRECTORY ${folder} PROPERTY IMPORTED_TARGETS)
+  get_property(subfolders DIRECTORY ${folder} PROPERTY SUBDIRECTORIES)
+  list(APPEND all ${imported})
+  foreach(subfolder IN LISTS subfolders)
+    bda_targets_below(theirs ${subfolder})
+    list(APPEND all ${theirs})
+  endforeach()
+  list(SORT all)
+  set(${result} "${all}" PARENT_SCOPE)
+endfunction()
+
 # bda_what_is_ours(result): a list of all that says how the targets of this folder are built.
 macro(bda_what_is_ours result)
   set(${result})
