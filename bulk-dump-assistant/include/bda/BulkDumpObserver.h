@@ -71,7 +71,7 @@ enum class BulkDumpRefusal : std::uint8_t {
 
   nameNotFound,     // of a waveform, an arpeggio, a multi
   nameTooLong,      // a name is longer than its field
-  noSuchFavorites,  // a low address byte beyond the contents of the bank
+  noSuchFavorites,  // by the numbers of the platform the bank ends before them
   favoriteNotSet,   // ContSrv::Work::setContentFavoriteFlag
   favoriteNotRead,  // ContSrv::Work::getContentInformation
 
