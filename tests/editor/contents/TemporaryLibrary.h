@@ -49,8 +49,8 @@ inline void writeFile(const std::filesystem::path& file, const std::string& byte
   if (!out.flush()) throw std::runtime_error("cannot write " + file.string());
 }
 
-// Another program that works on the same file, without anything of ours in between. It waits for a lock as one does: who
-// opens a library holds one for a moment.
+// Another program that works on the same file, without anything of ours in between. It waits for a lock as one does:
+// who opens a library holds one for a moment.
 class PlainDatabase {
  public:
   explicit PlainDatabase(const std::filesystem::path& file) {
