@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <iterator>
 #include <map>
 #include <numeric>
@@ -84,11 +85,13 @@ bool shows(std::string_view call) {
   return call == "setId" || call.substr(0, 5) == "flush" || call.substr(0, 10) == "additional" || call == "set";
 }
 
-long countOf(const std::vector<std::string>& calls, const char* call) { return FaultScenarios::count(calls, call); }
+std::ptrdiff_t countOf(const std::vector<std::string>& calls, const char* call) {
+  return FaultScenarios::count(calls, call);
+}
 
 void expectEverythingGivenBack(const Handled& handled, const std::string& call) {
   // What could not be suspended is not resumed.
-  const long suspended = countOf(handled.calls, "suspendOutputMidi") - (call == "suspendOutputMidi" ? 1 : 0);
+  const std::ptrdiff_t suspended = countOf(handled.calls, "suspendOutputMidi") - (call == "suspendOutputMidi" ? 1 : 0);
   EXPECT_EQ(countOf(handled.calls, "resumeOutputMidi"), suspended);
   EXPECT_EQ(countOf(handled.calls, "thread.attach"), countOf(handled.calls, "thread.detach"));
   EXPECT_EQ(countOf(handled.calls, "thread.change"), 2 * countOf(handled.calls, "thread.attach"));
