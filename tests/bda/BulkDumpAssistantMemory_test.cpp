@@ -71,11 +71,10 @@ struct Uncounted {
   const bool before = std::exchange(allocations.counting, false);
 };
 
-// An editor whose models are its own: what is allocated to make them, or for a node to be found by its path or a name
-// to be kept, is not the module's.
+// An editor whose models are its own: what is allocated to make them, or for a name to be kept, is not the module's.
 class UncountedJobTools : public FakeJobTools {
  public:
-  explicit UncountedJobTools(Calls& calls) : FakeJobTools(calls), system_(calls) {}
+  using FakeJobTools::FakeJobTools;
 
   long stores = 0;
 
@@ -102,7 +101,6 @@ class UncountedJobTools : public FakeJobTools {
     ++stores;
     return FakeJobTools::storeForReceivedSysExBulk(model, mid, lo);
   }
-  CMA::SystemParameterModel* getSystemModel() override { return &system_; }
 
   // The live models as a header needs them: parts that select a voice of `bank`, and the voice of one of them.
   void makeLive(std::uint16_t voice, bool isNormalVoice, CMA::BankSelect bank) {
@@ -118,14 +116,6 @@ class UncountedJobTools : public FakeJobTools {
   }
 
  private:
-  struct System : FakeSystem {
-    using FakeSystem::FakeSystem;
-    QuickSetupNode* getQuickSetup(std::uint32_t index) override {
-      const Uncounted path;
-      return FakeSystem::getQuickSetup(index);
-    }
-  };
-
   template <typename Make>
   auto uncounted(Make make) -> decltype(make()) {
     const Uncounted models;
@@ -137,7 +127,7 @@ class UncountedJobTools : public FakeJobTools {
     settle(temporaryRemote.get());
     return result;
   }
-  // Nothing is allocated in a model from here on: there is room for its names, and the paths of its nodes are short.
+  // Nothing is allocated in a model from here on: there is room for its names. One without a path has been here.
   template <typename Model>
   static void settle(Model* model) {
     if (model == nullptr || model->path.empty()) return;
@@ -146,8 +136,6 @@ class UncountedJobTools : public FakeJobTools {
     for (const auto& [path, name] : names.names) name->text.reserve(32);
     model->path.clear();
   }
-
-  System system_;
 };
 
 // Notes the count of allocations at each message that is sent.
