@@ -491,8 +491,9 @@ struct FakeWork::File : ContSrv::DataFile, ContSrv::Data {
   std::int64_t read(std::uint8_t* to, std::int64_t size) override {
     const std::int64_t left = std::min(size, std::int64_t(bytes.size() - position));
     const long count = calls.use("read", long(left), 0, [&] { return call("read", size); });
-    std::copy_n(bytes.begin() + std::ptrdiff_t(position), count, to);
-    position += std::size_t(count);
+    const std::size_t copied = std::size_t(std::max(count, 0L));
+    std::copy_n(bytes.begin() + std::ptrdiff_t(position), copied, to);
+    position += copied;
     return count;
   }
   std::int64_t getSize() override {
