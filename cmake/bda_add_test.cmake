@@ -12,10 +12,12 @@ include(GoogleTest)
 # takes half the time to compile.
 set(bda_everyday_optimisation -O0)
 set(bda_patience 1)
+if(CMAKE_CROSSCOMPILING_EMULATOR)
+  set(bda_patience 5)
+endif()
 if(CMAKE_CROSSCOMPILING_EMULATOR MATCHES qemu)
   # g++ 12 inlines one half of a pair of replaced operators new and delete, and then misses the other.
   set(bda_everyday_optimisation -O1 $<$<CXX_COMPILER_ID:GNU>:-Wno-mismatched-new-delete>)
-  set(bda_patience 5)
 endif()
 
 function(bda_compile_test_code target optimisation)

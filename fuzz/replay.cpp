@@ -14,7 +14,7 @@ namespace {
 
 void replay(const std::filesystem::path& path) {
   // Named before it runs: a crash leaves the name of its input as the last line.
-  std::printf("%s\n", path.c_str());
+  std::printf("%s\n", path.string().c_str());
   std::fflush(stdout);
   std::ifstream file(path, std::ios::binary);
   const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};

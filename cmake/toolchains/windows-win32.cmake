@@ -6,8 +6,6 @@ set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-win32)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-win32)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 set(CMAKE_CROSSCOMPILING_EMULATOR /usr/lib/wine/wine64)
-# GoogleTest that is safe for threads wants std::mutex.
-set(CMAKE_CXX_FLAGS_INIT "-DGTEST_IS_THREADSAFE=0 -DGTEST_HAS_PTHREAD=0")
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 set(BUILD_SHARED_LIBS OFF)
 set(BDA_PLATFORM windows-win32)

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <iterator>
 #include <map>
 #include <numeric>
 #include <string_view>
@@ -95,7 +97,9 @@ bool shows(std::string_view call) {
   return call == "setId" || call.substr(0, 5) == "flush" || call.substr(0, 10) == "additional" || call == "set";
 }
 
-long countOf(const std::vector<std::string>& calls, const char* call) { return FaultScenarios::count(calls, call); }
+std::ptrdiff_t countOf(const std::vector<std::string>& calls, const char* call) {
+  return FaultScenarios::count(calls, call);
+}
 
 // Device number and receive switch are asked for before it is known what kind of message came: one read of the
 // system's settings for each.

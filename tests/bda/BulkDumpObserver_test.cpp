@@ -196,8 +196,8 @@ TEST_F(Observer, HearsNothingOfWhatAnEditorAsksMeanwhile) {
   const Bytes notice = bytesOf("F0 7D 60 02 F7");
   const Bytes broken = bytesOf("F0 7D 50 7F 14 00 00 00 F7");
   record.during("send", [&] {
-    Utility::isCorrectCheckSum(notice.data(), notice.size());
-    assistant->checkBulkDumpMessage(broken.data(), broken.size());
+    Utility::isCorrectCheckSum(notice.data(), lengthOf(notice));
+    assistant->checkBulkDumpMessage(broken.data(), lengthOf(broken));
   });
   const BulkDumpReport report = toldOf("00 40 00", pattern(8));
   EXPECT_EQ(report.outcome, Outcome::completed);

@@ -33,19 +33,21 @@ std::vector<std::unique_ptr<Node>> nodes(std::size_t count, Calls& calls, const 
   return made;
 }
 
-// A node as a model hands it out: counted under its path, null beyond the last one or when scripted so.
-template <typename Node>
-Node* given(Calls& calls, const std::vector<std::unique_ptr<Node>>& nodes, const std::string& path,
-            std::uint32_t index) {
-  if (!calls.records) return index < nodes.size() ? nodes[index].get() : nullptr;
-  const std::string name = path + "[" + std::to_string(index) + "]";
-  const bool there = calls.read(name, 1, 0, [&] { return name; }) != 0;
-  return there && index < nodes.size() ? nodes[index].get() : nullptr;
-}
-
 template <typename Made>
 Made* givenModel(Calls& calls, std::string_view name, Made* model) {
   return calls.read(name, 1, 0, [&] { return std::string(name); }) != 0 ? model : nullptr;
+}
+
+// A node as a model hands it out: counted under its path, null beyond the last one or when scripted so. The path is put
+// together only where it is counted: a string of some libraries has room for no more than 10 characters.
+template <typename Node>
+Node* givenNode(Calls& calls, const std::string& model, const char* part, std::uint32_t index, Node* node) {
+  return calls.records ? givenModel(calls, model + part + "[" + std::to_string(index) + "]", node) : node;
+}
+template <typename Node>
+Node* given(Calls& calls, const std::vector<std::unique_ptr<Node>>& nodes, const std::string& model, const char* part,
+            std::uint32_t index) {
+  return givenNode(calls, model, part, index, index < nodes.size() ? nodes[index].get() : nullptr);
 }
 
 constexpr long kStoreFailed = ContSrv::ContRes_Failure;
@@ -168,10 +170,10 @@ CMA::ParameterGroup* FakeVoice::getArpeggioEntry(std::uint32_t entry) {
   return entry == arpeggioEntryIndex ? arpeggioEntry.given() : nullptr;
 }
 CMA::VoiceParameterModel::ElementNode* FakeVoice::getElement(std::uint32_t element) {
-  return given(calls, elements, path + ".element", element);
+  return given(calls, elements, path, ".element", element);
 }
 CMA::VoiceParameterModel::KeyNode* FakeVoice::getKey(std::uint32_t key) {
-  return given(calls, keys, path + ".key", key);
+  return given(calls, keys, path, ".key", key);
 }
 void FakeVoice::Element::Exceptional::changeCorrectType(bool correct) {
   calls.use("changeCorrectType", 1, 0, [&] { return call("changeCorrectType", path, yesNo(correct)); });
@@ -196,10 +198,10 @@ FakeMulti::FakeMulti(Calls& recordedCalls, const std::string& recordedPath)
 FakeMulti::~FakeMulti() = default;
 
 CMA::MultiParameterModel::AdPartNode* FakeMulti::getAdPart(std::uint32_t part) {
-  return part == 0 ? givenModel(calls, path + ".adPart[0]", adPart.get()) : nullptr;
+  return part == 0 ? givenNode(calls, path, ".adPart", 0, adPart.get()) : nullptr;
 }
 CMA::MultiParameterModel::PartNode* FakeMulti::getPart(std::uint32_t part) {
-  return given(calls, parts, path + ".part", part);
+  return given(calls, parts, path, ".part", part);
 }
 void FakeMulti::insertionSwitchAllOff() {
   calls.use("insertionSwitchAllOff", 1, 0, [&] { return call("insertionSwitchAllOff", path); });
@@ -219,7 +221,7 @@ FakeArpeggio::FakeArpeggio(Calls& recordedCalls, const std::string& recordedPath
       parts(nodes<Part>(16, calls, path + ".part")) {}
 FakeArpeggio::~FakeArpeggio() = default;
 CMA::ArpeggioParameterModel::PartNode* FakeArpeggio::getPart(std::uint32_t part) {
-  return given(calls, parts, path + ".part", part);
+  return given(calls, parts, path, ".part", part);
 }
 
 FakeMaster::FakeMaster(Calls& recordedCalls, const std::string& recordedPath)
@@ -230,7 +232,7 @@ FakeMaster::FakeMaster(Calls& recordedCalls, const std::string& recordedPath)
       zones(nodes<Zone>(4, calls, path + ".zone")) {}
 FakeMaster::~FakeMaster() = default;
 CMA::MasterParameterModel::ZoneNode* FakeMaster::getZone(std::uint32_t zone) {
-  return given(calls, zones, path + ".zone", zone);
+  return given(calls, zones, path, ".zone", zone);
 }
 
 FakeRemote::FakeRemote(Calls& recordedCalls, const std::string& recordedPath)
@@ -242,7 +244,7 @@ FakeRemote::FakeRemote(Calls& recordedCalls, const std::string& recordedPath)
       controllers(nodes<Controller>(12, calls, path + ".controller")) {}
 FakeRemote::~FakeRemote() = default;
 CMA::RemoteParameterModel::ControllerNode* FakeRemote::getController(std::uint32_t controller) {
-  return given(calls, controllers, path + ".controller", controller);
+  return given(calls, controllers, path, ".controller", controller);
 }
 
 FakeSystem::FakeSystem(Calls& recordedCalls)
@@ -264,7 +266,7 @@ CMA::SystemParameterModel::AdPartNode* FakeSystem::getAdPart(std::uint32_t part)
   return part == 0 ? givenModel(calls, "system.adPart[0]", adPart.get()) : nullptr;
 }
 CMA::SystemParameterModel::QuickSetupNode* FakeSystem::getQuickSetup(std::uint32_t quickSetup) {
-  return given(calls, quickSetups, "system.quickSetup", quickSetup);
+  return given(calls, quickSetups, "system", ".quickSetup", quickSetup);
 }
 
 EvtSrv::EventPort* FakeAdditional::getEventPort() { return givenModel(calls, "additional.eventPort", &eventPort); }
@@ -489,8 +491,9 @@ struct FakeWork::File : ContSrv::DataFile, ContSrv::Data {
   std::int64_t read(std::uint8_t* to, std::int64_t size) override {
     const std::int64_t left = std::min(size, std::int64_t(bytes.size() - position));
     const long count = calls.use("read", long(left), 0, [&] { return call("read", size); });
-    std::copy_n(bytes.begin() + std::ptrdiff_t(position), count, to);
-    position += std::size_t(count);
+    const std::size_t copied = std::size_t(std::max(count, 0L));
+    std::copy_n(bytes.begin() + std::ptrdiff_t(position), copied, to);
+    position += copied;
     return count;
   }
   std::int64_t getSize() override {
