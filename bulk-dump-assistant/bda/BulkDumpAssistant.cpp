@@ -129,7 +129,7 @@ BulkDumpOutcome outcomeOfDump(BDAErr result, const Reception& reception) {
   return BulkDumpOutcome::accepted;
 }
 
-// What is longer than 32 bits can tell is refused for its length; it must not seem to be shorter.
+// What is longer than 32 bits can tell must not seem to be short.
 std::uint32_t lengthIn32Bits(unsigned long length) {
   return std::uint32_t(std::min<std::uint64_t>(length, std::numeric_limits<std::uint32_t>::max()));
 }
@@ -235,6 +235,7 @@ BulkDumpAssistant& BulkDumpAssistant::operator=(const BulkDumpAssistant& other) 
 BulkDumpAssistant::~BulkDumpAssistant() { destroyParts(); }
 
 void BulkDumpAssistant::destroyParts() noexcept {
+  const Notes nobody(nullptr);
   const auto destroy = [](auto*& part) { delete std::exchange(part, nullptr); };
   destroy(normalVoiceJob_);
   destroy(drumVoiceJob_);
@@ -328,22 +329,20 @@ BulkMsgType BulkDumpAssistant::receiveBulkDump(const unsigned char* message, uns
 
 void BulkDumpAssistant::receive(const unsigned char* message, unsigned long length, DevicePortNum port,
                                 Reception& reception) noexcept {
-  BulkDumpObserver* const observer = observer_;
   {
-    const Notes notes(observer == nullptr ? nullptr : &reception);
+    const Notes notes(&reception);
     if (!attempt([&] { handle(message, length, port, reception); })) {
       reception.hasThrown = true;
       if (messageShown_ != kNoMessage && !attempt([&] { show(kErrorMessage); })) messageShown_ = kNoMessage;
       init();
     }
   }
-  if (observer != nullptr) {
-    if (isFailure(reception.result) && reception.refusal == BulkDumpRefusal::none)
-      reception.refusal = BulkDumpRefusal::blockFailed;
-    if (reception.refusal != BulkDumpRefusal::none) reception.outcome = BulkDumpOutcome::refused;
-    const Notes nobody(nullptr);
-    attempt([&] { observer->bulkDumpHandled(reception); });
-  }
+  if (observer_ == nullptr) return;
+  if (isFailure(reception.result) && reception.refusal == BulkDumpRefusal::none)
+    reception.refusal = BulkDumpRefusal::blockFailed;
+  if (reception.refusal != BulkDumpRefusal::none) reception.outcome = BulkDumpOutcome::refused;
+  const Notes nobody(nullptr);
+  attempt([&] { observer_->bulkDumpHandled(reception); });
 }
 
 void BulkDumpAssistant::handle(const unsigned char* message, unsigned long length, DevicePortNum port,

@@ -301,8 +301,8 @@ BDAErr BulkExecuterFileDump::writeFileDump(FileDumpBuffer& buffer, std::int64_t&
     return BDA_ERR;
   }
 
-  // The file is open before anything is unpacked, by contract: a field that cannot be unpacked leaves the store with a
-  // file on which no write has succeeded.
+  // The file is open before anything is unpacked, by contract: data that cannot be unpacked leave the store with a file
+  // on which no write has succeeded, a name with a content that keeps its old one.
   BDAErr result = field.name.empty() ? BDA_OK : writeName(contType, contNumber, field.name);
   result |= writeData(*data, field.data);
   if (const auto closed = file->closeDataWithoutSync(data); !isSuccess(closed)) {

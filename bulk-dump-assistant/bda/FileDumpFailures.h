@@ -1,7 +1,7 @@
 #pragma once
 
 // What the file dump executer reports: of packed bytes (Codec) and addresses (Naming), while it receives and holds
-// dumps (Set), writes them (Write) and reads contents for an answer (Read).
+// dumps (Set), writes them (Write) and reads contents for an answer (Read). Their lines are those of this file.
 
 #include "Failure.h"
 

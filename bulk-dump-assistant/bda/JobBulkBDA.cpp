@@ -27,8 +27,7 @@ unsigned long JobBulkTools::sendBulkReqToBDA(BulkRequestMessage& request) try {
   request[2] = (device & kDeviceMask) | kTypeRequest;
 
   // Without a system model there is no switch.
-  CMA::SystemParameterModel* const system = jobTools_->getSystemModel();
-  CMA::ParameterGroup* const utility = system == nullptr ? nullptr : system->getUtility();
+  CMA::ParameterGroup* const utility = utilityOf(*jobTools_);
   const auto setSwitch = [utility](std::uint8_t value) {
     if (utility != nullptr) utility->set(&value, kReceiveSwitchParameter, kSetFlag);
   };

@@ -111,8 +111,10 @@ BDAErr BulkRequestReceiver::receiveBulkRequest(const std::uint8_t* message, std:
       kDumpFailed(result);
       break;
     }
-    for (const std::vector<std::uint8_t>& sysEx : sysExs) send(sysEx, sendPort);
-    if (bridge_ == nullptr) Notes::refusal(Refusal::noBridge);
+    for (const std::vector<std::uint8_t>& sysEx : sysExs) {
+      if (bridge_ == nullptr) Notes::refusal(Refusal::noBridge);  // the editor may take it away from inside a send
+      send(sysEx, sendPort);
+    }
   }
   return result;
 }

@@ -6,14 +6,11 @@
 #include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
-namespace {
 
 CMA::ParameterGroup* utilityOf(CMA::JobTools& jobTools) {
   CMA::SystemParameterModel* const system = jobTools.getSystemModel();
   return system == nullptr ? nullptr : system->getUtility();
 }
-
-}  // namespace
 
 CMA::DeviceNumber readDeviceNumber(CMA::JobTools& jobTools, unsigned char* nibble) {
   std::uint8_t setting = CMA::DeviceNumber_Off;

@@ -232,6 +232,40 @@ TEST_F(Observer, IsToldOfTheRequestsOfJobsButNotOfChecks) {
   EXPECT_EQ(reports[0].outcome, Outcome::answered);
 }
 
+TEST_F(Observer, HearsNothingOfAnAssistantThatDiesMeanwhile) {
+  auto dying = std::make_unique<BulkDumpAssistant>(&manager, nullptr, nullptr, &tools, &work, true);
+  record.raise("destroyTemporaryModel");
+  record.during("setId", [&] { dying.reset(); });
+  const BulkDumpReport report = toldOf("00 40 00", pattern(8));
+  EXPECT_EQ(record.thrown(), 1U);
+  EXPECT_EQ(report.outcome, Outcome::completed);
+  EXPECT_EQ(report.refusal, Refusal::none);
+}
+
+TEST_F(Observer, ThatIsRegisteredAtTheEndIsTold) {
+  RecordingObserver other(record);
+  record.during("checkMode", [&] { assistant->registerObserver(&other); });
+  send("00 40 00", Bytes(9));
+  EXPECT_TRUE(observer.reports().empty());
+  const std::vector<BulkDumpReport> reports = other.reports();
+  ASSERT_EQ(reports.size(), 1U);
+  EXPECT_EQ(reports[0].refusal, Refusal::wrongDataLength);
+  record.during("checkMode", [&] { assistant->registerObserver(nullptr); });
+  send("00 40 00", pattern(8));
+  EXPECT_TRUE(other.reports().empty());
+}
+
+// The bridge may go while it sends.
+TEST_F(Observer, IsToldThatAnAnswerWasSentUnlessSomeOfItWasNot) {
+  record.during("send", [&] { assistant->registerBDABridge(nullptr); });
+  EXPECT_EQ(toldOfRequest("00 40 00").outcome, Outcome::answered) << "of one dump";
+  registerBridge();
+  const BulkDumpReport report = toldOfRequest("0E 0A 05");
+  EXPECT_EQ(report.outcome, Outcome::refused);
+  EXPECT_EQ(report.refusal, Refusal::noBridge);
+  record.heal();
+}
+
 TEST_F(Observer, MayThrowAndMayGo) {
   record.raise("observed");
   EXPECT_NO_THROW(send("00 40 00", pattern(8)));

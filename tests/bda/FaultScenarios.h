@@ -89,6 +89,7 @@ class FaultScenarios : public AssistantFixture {
     ask("70 20 00");
     ask("70 10 00");
     ask("70 30 00");
+    ask("51 00 00");
   }
   void unknown() {
     dump("05 05 05");

@@ -110,17 +110,18 @@ enum class BulkDumpRefusal : std::uint8_t {
 // What is told of one message.
 struct BulkDumpReport {
   BulkMsgType kind = BulkMsg_ReceiveError;  // what receiveBulkDump returns
-  bool hasAddress = false;                  // of valid dumps, of those with a wrong checksum, and of requests
+  bool hasAddress = false;                  // of valid dumps and requests, and of dumps with a wrong checksum
   std::uint8_t address[3] = {0, 0, 0};      // high, middle, low byte
   std::uint32_t result = 0;                 // of the block; bit 31 set: failure. 0, too, if none was asked
   // Of a dump: its block has taken it, or its empty mixing voice was removed. A refused dump that was taken all the
-  // same has something wrong with it that the instrument overlooks.
+  // same has something wrong with it that the instrument overlooks, or a service threw when its block was done
+  // (serviceThrew): then the header that it opened is forgotten, and what it stored is told by `handedOver`.
   bool isTaken = false;
   BulkDumpOutcome outcome = BulkDumpOutcome::ignored;
   BulkDumpRefusal refusal = BulkDumpRefusal::none;  // unless `outcome` is refused
   // How many contents were handed to the store: written or removed by a write trigger, also by one that was refused for
-  // the rest (the mixing voices of a multi, removed together, count as one); 1 of a footer. What was written, but not
-  // without a failure, does not count.
+  // the rest; 1 of a footer. What was written, but not without a failure, does not count. Contents removed together
+  // count if the store removes any: each of a type that file dumps removed, the mixing voices of a multi as one.
   std::uint32_t handedOver = 0;
 };
 
@@ -129,8 +130,10 @@ class BulkDumpObserver {
  public:
   virtual ~BulkDumpObserver() = default;
 
-  // The last thing that happens in every receiveBulkDump, and in the request that a job makes: on the calling thread,
-  // once. What it throws is dropped. It must not hand the assistant a message.
+  // The last thing that happens in every receiveBulkDump, on the calling thread, once, of the observer that is
+  // registered then. What it throws is dropped. It must not hand the assistant a message, nor destroy it. Of the
+  // request that a job makes it is told before the job puts the receive-bulk switch back: if that throws, the job fails
+  // all the same.
   virtual void bulkDumpHandled(const BulkDumpReport& report) = 0;
 };
 

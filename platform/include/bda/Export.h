@@ -5,7 +5,7 @@
 //   BDA_PLATFORM_API  a class, a function or a table of libbda-platform
 //
 // BDA_STATIC is defined for whoever compiles or uses static libraries, BDA_EXPORTS and BDA_PLATFORM_EXPORTS while the
-// shared ones are compiled: the CMake targets and pkg-config see to it. The only header that names what is a
+// shared ones are compiled: the CMake targets and pkg-config see to it. The only public header that names what is a
 // compiler's own.
 #if defined(BDA_STATIC)
 #define BDA_API
