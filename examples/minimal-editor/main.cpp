@@ -367,7 +367,8 @@ int main(int argc, char** argv) {
   assistant.registerBDABridge(&cable);
   assistant.registerObserver(&store.journal);
   const auto hand = [&](const Bytes& message) {
-    return assistant.receiveBulkDump(message.data(), message.size(), BDA::DevicePort_Main);
+    const auto length = static_cast<unsigned long>(message.size());
+    return assistant.receiveBulkDump(message.data(), length, BDA::DevicePort_Main);
   };
 
   bool isAllBack = argc > 1;

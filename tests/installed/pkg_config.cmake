@@ -1,5 +1,5 @@
 # cmake -DPKG_CONFIG=... -DPREFIX=... -DLIBDIR=... -DKIND=... -DVERSION=... -DCOMPILER=...
-#       -DEXAMPLES=... -DWORK=... -P pkg_config.cmake
+#       -DEXAMPLE=... -DWORK=... -P pkg_config.cmake
 #
 # The outside project and the editor that makers copy, by a compiler and pkg-config alone, after what was installed has
 # moved.
@@ -43,5 +43,5 @@ endfunction()
 set(outside ${CMAKE_CURRENT_LIST_DIR}/../outside)
 bda_compile(${WORK}/outside ${outside}/main.cpp -I${outside}/own)
 execute_process(COMMAND ${WORK}/outside COMMAND_ERROR_IS_FATAL ANY)
-bda_compile(${WORK}/minimal-editor ${EXAMPLES}/minimal-editor/main.cpp)
+bda_compile(${WORK}/minimal-editor ${EXAMPLE}/main.cpp)
 bda_run_minimal_editor(${WORK}/minimal-editor)
