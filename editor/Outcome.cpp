@@ -87,6 +87,7 @@ constexpr Words kWords[] = {
     {Refusal::fileDumpDataCutShort, "a file dump ends before its content does"},
     {Refusal::notPacked, "a content could not be packed"},
     {Refusal::notUnpacked, "a file dump could not be unpacked"},
+    {Refusal::nameNotUnpacked, "a file dump could not be unpacked"},
     {Refusal::noContentType, "its address names no content"},
     {Refusal::noContentNumber, "its address names no content"},
     {Refusal::mixingVoicesNotCounted, "the mixing voices could not be counted"},

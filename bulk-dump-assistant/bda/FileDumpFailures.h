@@ -13,10 +13,9 @@ namespace Codec {
 inline constexpr const char* kDecode = "BDA::BulkExecuterFileDump::decode";
 inline constexpr Failure<> kEncodeError{
     {kFile, Line::ofThisSource(), "BDA::BulkExecuterFileDump::encode"}, Refusal::notPacked, "Encode Error !!!\n"};
-inline constexpr Failure<> kLengthError{
-    {kFile, Line::ofThisSource(), kDecode}, Refusal::notUnpacked, "Length Error !!!\n"};
-inline constexpr Failure<> kDecodeError{
-    {kFile, Line::ofThisSource(), kDecode}, Refusal::notUnpacked, "Decode Error !!!\n"};
+// What was being unpacked, and is refused for it, says whoever asked for it.
+inline constexpr Failure<> kLengthError{{kFile, Line::ofThisSource(), kDecode}, Refusal::none, "Length Error !!!\n"};
+inline constexpr Failure<> kDecodeError{{kFile, Line::ofThisSource(), kDecode}, Refusal::none, "Decode Error !!!\n"};
 }  // namespace Codec
 
 namespace Naming {
@@ -85,7 +84,7 @@ inline constexpr Failure<> kUnopenedNotClosed{
 inline constexpr Failure<int> kNoName{
     {kFile, Line::ofThisSource(), kOne}, Refusal::nameNotSet, "error : contentsWork->setContentName() ! ret = [%d]\n"};
 inline constexpr Failure<> kNameUndecoded{
-    {kFile, Line::ofThisSource(), kOne}, Refusal::notUnpacked, "Decode Error !!!\n"};
+    {kFile, Line::ofThisSource(), kOne}, Refusal::nameNotUnpacked, "Decode Error !!!\n"};
 inline constexpr Failure<int> kNotWritten{{kFile, Line::ofThisSource(), kOne},
                                           Refusal::dataNotWritten,
                                           "error : contentsData->write() ! [ res size = %d ] \n"};

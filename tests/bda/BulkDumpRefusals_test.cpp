@@ -38,7 +38,7 @@ using Refusal = BulkDumpRefusal;
   DO(notLoaded) DO(notStored)                                                                               \
   DO(nameNotFound) DO(nameTooLong) DO(noSuchFavorites) DO(favoriteNotSet) DO(favoriteNotRead)               \
   DO(fileDumpTooLong) DO(emptyFileDump) DO(fileDumpNameCutShort) DO(fileDumpDataCutShort) DO(notPacked)     \
-  DO(notUnpacked) DO(noContentType)                                                                         \
+  DO(notUnpacked) DO(nameNotUnpacked) DO(noContentType)                                                     \
   DO(noContentNumber) DO(mixingVoicesNotCounted) DO(mixingVoiceNotRemoved) DO(overwriteRefused)             \
   DO(contentNotRemoved) DO(noFilePath) DO(fileNotOpened)                                                    \
   DO(fileNotClosed) DO(dataNotOpened) DO(dataNotClosed) DO(dataNotWritten) DO(dataNotRead) DO(nameNotSet)   \
@@ -299,8 +299,8 @@ Rows ofWriting() {
       wrong(Refusal::emptyFileDump, "trigger", {}),
       wrong(Refusal::fileDumpNameCutShort, "trigger", {0, 5, 1}),
       wrong(Refusal::fileDumpDataCutShort, "trigger", {0, 0, 0, 5, 1}),
-      wrong(Refusal::notUnpacked, "content", {0, 0, 0, 1, 1}),
-      wrong(Refusal::notUnpacked, "name", {0, 1, 1, 0, 2, 0, 1}),
+      wrong(Refusal::notUnpacked, "trigger", {0, 0, 0, 1, 1}),
+      wrong(Refusal::nameNotUnpacked, "trigger", {0, 1, 1, 0, 2, 0, 1}),
       {Refusal::mixingVoicesNotCounted, "trigger", trigger, fails("getMixingVoiceSumSync"), held, 0},
       {Refusal::mixingVoiceNotRemoved, "footer", dump("0F 31 45"), fails("removeMixingVoice")},
       {Refusal::mixingVoiceNotRemoved, "trigger", dump("11 01 00"), fails("removeMixingVoice", 5), {}, 127},

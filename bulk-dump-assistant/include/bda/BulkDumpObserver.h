@@ -82,7 +82,8 @@ enum class BulkDumpRefusal : std::uint8_t {
   fileDumpNameCutShort,    // the data end before the name does
   fileDumpDataCutShort,    // the data end before the content does
   notPacked,               // a name or a content could not be packed
-  notUnpacked,             // a name or a content that no packing gives
+  notUnpacked,             // a content that no packing gives: nothing of it is written
+  nameNotUnpacked,         // a name that no packing gives: the content is written, and keeps its old name
   noContentType,           // the address is of no type of content
   noContentNumber,         // the address has no number in the store
   mixingVoicesNotCounted,  // ContSrv::Work::getMixingVoiceSumSync
