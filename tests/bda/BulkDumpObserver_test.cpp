@@ -21,6 +21,11 @@ using namespace BDA;
 using Outcome = BulkDumpOutcome;
 using Refusal = BulkDumpRefusal;
 
+// Numbers that compiled editors rely on; those of the refusals are pinned by the table of all of them.
+static_assert(int(Outcome::accepted) == 0 && int(Outcome::handedToStore) == 1 && int(Outcome::completed) == 2);
+static_assert(int(Outcome::nothingToDo) == 3 && int(Outcome::answered) == 4 && int(Outcome::nothingToSend) == 5);
+static_assert(int(Outcome::ignored) == 6 && int(Outcome::notOurs) == 7 && int(Outcome::refused) == 8);
+
 class Observer : public FaultScenarios {
  protected:
   void SetUp() override {
@@ -221,12 +226,32 @@ TEST_F(Observer, IsToldWhatWasThrown) {
   EXPECT_EQ(toldOf("00 40 00", pattern(8)).outcome, Outcome::completed);
 }
 
+TEST_F(Observer, SeesThatADumpWasTakenThoughItsEchoThrew) {
+  record.during("send", [] { throw std::runtime_error("no port"); });
+  const BulkDumpReport report = toldOf("00 40 00", pattern(8));
+  EXPECT_EQ(report.outcome, Outcome::refused);
+  EXPECT_EQ(report.refusal, Refusal::serviceThrew);
+  EXPECT_TRUE(report.isTaken);
+}
+
 TEST_F(Observer, IsToldOfTheRequestsOfJobsButNotOfChecks) {
   const Bytes message = dumpMessage("00 40 00", pattern(8));
   assistant->checkBulkDumpMessage(message.data(), lengthOf(message));
   EXPECT_TRUE(observer.reports().empty());
   forget();
   bulkJobs[4]->execEvent(nullptr, nullptr);
+  const std::vector<BulkDumpReport> reports = observer.reports();
+  ASSERT_EQ(reports.size(), 1U);
+  EXPECT_EQ(reports[0].outcome, Outcome::answered);
+}
+
+TEST_F(Observer, IsToldOfAJobsRequestBeforeTheReceiveSwitchIsPutBack) {
+  setReceiveSwitch(0);
+  unsigned sets = 0;
+  record.during("set", [&] {
+    if (++sets == 2) throw std::runtime_error("no switch");
+  });
+  EXPECT_EQ(bulkJobs[4]->execEvent(nullptr, nullptr), CMA::JOB::Result_UnknownError);
   const std::vector<BulkDumpReport> reports = observer.reports();
   ASSERT_EQ(reports.size(), 1U);
   EXPECT_EQ(reports[0].outcome, Outcome::answered);

@@ -49,6 +49,16 @@ using Refusal = BulkDumpRefusal;
 #define BDA_VALUE(name) Refusal::name,
 constexpr Refusal kAll[] = {BDA_FOR_EACH_REFUSAL(BDA_VALUE)};
 
+// Compiled editors rely on the numbers: what is new stands behind all others.
+constexpr bool isNumberedInThisOrder() {
+  unsigned number = 0;
+  for (const Refusal refusal : kAll)
+    if (unsigned(refusal) != number++) return false;
+  return true;
+}
+static_assert(isNumberedInThisOrder());
+static_assert(unsigned(Refusal::notConstructed) == 60);
+
 std::string nameOf(Refusal refusal) {
 #define BDA_CASE(name) \
   case Refusal::name:  \
