@@ -272,7 +272,7 @@ CMA::SystemParameterModel::QuickSetupNode* FakeSystem::getQuickSetup(std::uint32
 EvtSrv::EventPort* FakeAdditional::getEventPort() { return givenModel(calls, "additional.eventPort", &eventPort); }
 
 FakeJobTools::FakeJobTools(Calls& calls) : system(calls), additional(calls), calls_(calls) {}
-FakeJobTools::~FakeJobTools() = default;
+FakeJobTools::~FakeJobTools() { EXPECT_EQ(standing_, 0) << "a temporary model that nobody destroyed"; }
 
 void FakeJobTools::expectTemporary(const CMA::TemporaryCoreModel* model) const { EXPECT_EQ(model, created_); }
 
@@ -515,7 +515,7 @@ struct FakeWork::File : ContSrv::DataFile, ContSrv::Data {
 };
 
 FakeWork::FakeWork(Calls& calls) : calls_(calls) {}
-FakeWork::~FakeWork() = default;
+FakeWork::~FakeWork() { EXPECT_EQ(file_, nullptr) << "a file that nobody closed"; }
 
 unsigned char FakeWork::getLoadSaveFlag() {
   return static_cast<unsigned char>(calls_.use("getLoadSaveFlag", 0, 1, [] { return call("getLoadSaveFlag"); }));
