@@ -10,7 +10,7 @@
 #include <string>
 
 #include "AddressRows.h"
-#include "cli/CommandLine.h"
+#include "CommandLine.h"
 #include "contents/ContentFormat.h"
 #include "contents/Library.h"
 #include "messages/Units.h"

@@ -15,8 +15,8 @@
 #include <vector>
 
 #include "AddressRows.h"
-#include "EmbeddedEditor.h"
 #include "editor/messages/BulkMessages.h"
+#include "exchange/EmbeddedEditor.h"
 #include "input.h"
 #include "models/Models.h"
 #include "require.h"

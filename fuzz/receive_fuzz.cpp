@@ -5,13 +5,13 @@
 #include <cstdint>
 #include <span>
 
-#include "AssistantHost.h"
 #include "EditorNumbers.h"
-#include "Outcome.h"
 #include "commands.h"
 #include "contents/ContentsWork.h"
 #include "contents/Library.h"
 #include "contents/ModelStore.h"
+#include "exchange/AssistantHost.h"
+#include "exchange/Outcome.h"
 #include "scratch.h"
 
 namespace {

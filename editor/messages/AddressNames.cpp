@@ -252,13 +252,37 @@ BulkAddress parseName(const std::string& name) {
                   name));
 }
 
+Role roleOf(const BDA::AddressRow& row) {
+  switch (BDA::List(BDA::listOf(row.hi))) {
+    case BDA::List::header:
+      return Role::header;
+    case BDA::List::footer:
+      return Role::footer;
+    case BDA::List::normalVoice:
+    case BDA::List::drumVoice:
+    case BDA::List::multi:
+    case BDA::List::performance:
+    case BDA::List::master:
+    case BDA::List::remote:
+      return Role::part;
+    case BDA::List::fileDump:
+      return row.hi == BDA::kTriggerHi ? Role::trigger : Role::fileDump;
+    case BDA::List::system:
+    case BDA::List::editorName:
+    case BDA::List::screenCap:
+    case BDA::List::favorite:
+      break;
+  }
+  return Role::alone;
+}
+
 }  // namespace
 
 std::optional<BlockFacts> findBlock(BulkAddress address) {
   std::optional<BlockFacts> facts;
   anyRow([&](const BDA::AddressRow& row) {
     if (row.hi != address.hi || !holds(row.mid, address.mid) || !holds(row.lo, address.lo)) return false;
-    facts = BlockFacts{row.type, std::uint8_t(address.mid - row.mid.first), std::nullopt};
+    facts = BlockFacts{row.type, roleOf(row), std::uint8_t(address.mid - row.mid.first), std::nullopt};
     const unsigned executer = BDA::executerOf(row, address.mid);
     const bool varies = executer == kFileDumpExecuter || executer == kScreenExecuter;
     if (!varies) facts->dataLength = BDA::kExecuterDataLength[executer];
@@ -267,9 +291,10 @@ std::optional<BlockFacts> findBlock(BulkAddress address) {
   return facts;
 }
 
-bool marksEmptyVoice(BulkAddress address) {
-  return (address.hi == BDA::kHeaderHi || address.hi == BDA::kFooterHi) && address.mid == BDA::kMixingVoiceMid &&
-         (address.lo & 0xC0) == BDA::kEmptyVoice;
+Role roleOutsideOfMap(BulkAddress address) {
+  if (address.mid != BDA::kMixingVoiceMid || (address.lo & 0xC0) != BDA::kEmptyVoice) return Role::unknown;
+  if (address.hi == BDA::kHeaderHi) return Role::emptyHeader;
+  return address.hi == BDA::kFooterHi ? Role::emptyFooter : Role::unknown;
 }
 
 std::string formatAddress(BulkAddress address) {
@@ -279,9 +304,9 @@ std::string formatAddress(BulkAddress address) {
 
 std::string describeAddress(BulkAddress address) {
   const bool isControl = address.hi == BDA::kHeaderHi || address.hi == BDA::kFooterHi;
-  if (marksEmptyVoice(address))
+  if (const Role role = roleOutsideOfMap(address); role != Role::unknown)
     return fmt::format("mixing voice {}: {} of an empty voice", (address.lo & 0x0F) + 1,
-                       address.hi == BDA::kHeaderHi ? "header" : "footer");
+                       role == Role::emptyHeader ? "header" : "footer");
   std::string words = "unknown address";
   anyRow([&](const BDA::AddressRow& row) {
     if (row.hi != address.hi || !holds(row.mid, address.mid) || !holds(row.lo, address.lo)) return false;
@@ -299,6 +324,12 @@ std::optional<std::string> nameOf(BulkAddress address) {
   const char* const pattern = namingOf(block->type, address.mid).name;
   if (pattern == nullptr) return std::nullopt;
   return fill(pattern, block->running, address.lo);
+}
+
+std::string nameOf(ContentId content) {
+  if (const auto header = headerOf(content)) return nameOrBytes({BDA::kHeaderHi, header->mid, header->lo});
+  if (const auto dump = fileDumpOf(content)) return nameOrBytes({BDA::kFileDumpHi, dump->mid, dump->lo});
+  return fmt::format("content {} of type {}", content.number, content.type);
 }
 
 std::string nameOrBytes(BulkAddress address) { return nameOf(address).value_or(formatAddress(address)); }

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "models/ContentAddress.h"
+
 namespace Editor {
 
 // The three bytes by which a bulk message names its block.
@@ -23,18 +25,31 @@ inline constexpr BulkAddress kWriteTrigger{0x11, 0x00, 0x00};
 inline constexpr BulkAddress kScreen{0x51, 0x00, 0x00};
 inline constexpr BulkAddress kScreenData{0x51, 0x00, 0x01};
 
+// What a block is for.
+enum class Role : std::uint8_t {
+  unknown,  // not in the map, and none of the following
+  header,   // begins a unit
+  part,     // of a unit: admitted by its header only
+  footer,   // ends it
+  fileDump,
+  trigger,      // has the file dumps that are held written
+  alone,        // taken or answered by itself: system, favourites, lists of names, the screen
+  emptyHeader,  // stands, with its footer, for an empty mixing voice; such addresses are not in the map
+  emptyFooter,
+};
+
 // What the map says of a block.
 struct BlockFacts {
   std::uint8_t type;
+  Role role;
   std::uint8_t running;                     // which of its row's middle bytes the address has, from 0
   std::optional<std::uint16_t> dataLength;  // nothing: it varies
 };
 
 // Nothing when the address is not in the map.
 std::optional<BlockFacts> findBlock(BulkAddress address);
-
-// A header or footer that stands for an empty mixing voice; such an address is not in the map.
-bool marksEmptyVoice(BulkAddress address);
+// Of an address that is not in the map: unknown, emptyHeader or emptyFooter.
+Role roleOutsideOfMap(BulkAddress address);
 
 // "0E 0A 05"
 std::string formatAddress(BulkAddress address);
@@ -46,6 +61,9 @@ std::string describeAddress(BulkAddress address);
 // The short name of a block that can be asked for by itself: "voice:user1:6" for a header, "file:voice:user1:6" for a
 // file dump, "system:quick-setup:3". Footers and the parameter blocks between header and footer have none.
 std::optional<std::string> nameOf(BulkAddress address);
+
+// That of a content's header, or else of its file dump.
+std::string nameOf(ContentId content);
 
 // nameOf, or else the three bytes.
 std::string nameOrBytes(BulkAddress address);

@@ -51,16 +51,22 @@ std::string whyNoContent(std::span<const std::uint8_t> field) {
   return {};
 }
 
+void setAddress(Reading& reading, BulkAddress address) {
+  reading.address = address;
+  reading.block = findBlock(address);
+  reading.role = reading.block ? reading.block->role : roleOutsideOfMap(address);
+}
+
 void judgeAddress(Reading& reading, std::span<const std::uint8_t> data) {
-  const std::optional<BlockFacts> block = findBlock(*reading.address);
+  const std::optional<BlockFacts>& block = reading.block;
   if (!block) {
     const bool isScreen = reading.kind == Reading::Kind::dump && *reading.address == kScreenData;
-    if (marksEmptyVoice(*reading.address) || isScreen) return;
+    if (reading.role != Role::unknown || isScreen) return;
     judge(reading, Reading::Verdict::unknownAddress, fmt::format("no block at {}", formatAddress(*reading.address)));
   } else if (reading.kind == Reading::Kind::dump && block->dataLength && *block->dataLength != reading.dataBytes) {
     judge(reading, Reading::Verdict::blockLengthWrong,
           fmt::format("{} data bytes, this block has {}", reading.dataBytes, *block->dataLength));
-  } else if (reading.kind == Reading::Kind::dump && reading.address->hi == BDA::kFileDumpHi) {
+  } else if (reading.kind == Reading::Kind::dump && reading.role == Role::fileDump) {
     if (std::string why = whyNoContent(data); !why.empty())
       judge(reading, Reading::Verdict::fileDumpBroken, std::move(why));
   }
@@ -72,9 +78,9 @@ void readDump(Reading& reading, std::span<const std::uint8_t> message) {
     return judge(reading, Reading::Verdict::lengthWrong,
                  fmt::format("{} bytes, a dump has at least {}", message.size(), BDA::kDumpFrame));
   }
-  reading.address = addressAt(message, BDA::kDumpAddressAt);
+  setAddress(reading, addressAt(message, BDA::kDumpAddressAt));
   reading.dataBytes = message.size() - BDA::kDumpFrame;
-  reading.isNamed = reading.address->hi == BDA::kFileDumpHi && reading.dataBytes >= kCount &&
+  reading.isNamed = reading.role == Role::fileDump && reading.dataBytes >= kCount &&
                     (message[BDA::kDataAt] != 0 || message[BDA::kDataAt + 1] != 0);
   const std::size_t promised = BDA::byteCountOf(message.data());
   if (promised != reading.dataBytes)
@@ -94,7 +100,7 @@ void readRequest(Reading& reading, std::span<const std::uint8_t> message) {
     return judge(reading, Reading::Verdict::lengthWrong,
                  fmt::format("{} bytes, a request has {}", message.size(), BDA::kRequestLength));
   }
-  reading.address = addressAt(message, BDA::kRequestAddressAt);
+  setAddress(reading, addressAt(message, BDA::kRequestAddressAt));
   judgeAddress(reading, {});
 }
 

@@ -34,6 +34,8 @@ struct Reading {
   Verdict verdict = Verdict::foreign;
   std::optional<unsigned> device;                // 1 to 16; nothing: foreign
   std::optional<BulkAddress> address;            // of dumps and requests that are long enough to have one
+  std::optional<BlockFacts> block;               // what the map says of that address
+  Role role = Role::unknown;                     // of that address
   std::size_t dataBytes = 0;                     // of a dump
   bool isNamed = false;                          // of a file dump: it carries a name, whatever is wrong with it
   std::optional<std::uint8_t> checksum;          // the one that the dump carries

@@ -86,7 +86,7 @@ std::vector<UnitReport> UnitFollower::next(const Reading& reading, std::uint64_t
       // A wrong checksum or byte count and an unknown address lose the message, and leave the open header open.
       if (reading.verdict == Reading::Verdict::good || reading.verdict == Reading::Verdict::blockLengthWrong ||
           reading.verdict == Reading::Verdict::fileDumpBroken)
-        dump(*reading.address, *reading.device, reading.verdict == Reading::Verdict::good);
+        dump(reading);
       break;
   }
   return std::exchange(ended_, {});
@@ -103,34 +103,56 @@ std::vector<UnitReport> UnitFollower::finish() {
   return std::exchange(ended_, {});
 }
 
-void UnitFollower::dump(BulkAddress address, unsigned device, bool good) {
-  if (marksEmptyVoice(address) || address == kScreenData) return;  // outside of the map, as an unknown address
-  const std::size_t list = BDA::listOf(address.hi);
-  if (isList(list, BDA::List::header)) {
-    abandon(describeAddress(address));
-    open_.emplace(address, message_);
-    openDevices_ = {device};
-  } else if (isList(list, BDA::List::footer)) {
-    if (!open_ || !open_->isClosedBy(address)) return report(UnitReport::State::strayFooter, address);
-    std::vector<BulkAddress> missing = open_->missing();
-    report(missing.empty() ? UnitReport::State::complete : UnitReport::State::incomplete, open_->header());
-    ended_.back().firstMessage = open_->firstMessage();
-    ended_.back().blocks = std::move(missing);
-    openDevices_.insert(device);
-    ended_.back().note = noteOf(openDevices_);
-    open_.reset();
-  } else if (isList(list, BDA::List::fileDump)) {
-    address.hi == BDA::kTriggerHi ? writeTrigger(address, device) : fileDump(address, device);
-  } else if (isList(list, BDA::List::system) || isList(list, BDA::List::favorite) ||
-             isList(list, BDA::List::editorName) || isList(list, BDA::List::screenCap)) {
-    abandon(describeAddress(address));
-  } else if (!open_ || !open_->arrive(address)) {
-    report(UnitReport::State::outside, address);
-  } else if (!good) {
-    abandon(describeAddress(address) + " of the wrong length");
-  } else {
-    openDevices_.insert(device);
+void UnitFollower::dump(const Reading& reading) {
+  const BulkAddress address = *reading.address;
+  const unsigned device = *reading.device;
+  switch (reading.role) {
+    case Role::header:
+      abandon(describeAddress(address));
+      open_.emplace(address, message_);
+      openDevices_ = {device};
+      break;
+    case Role::part:
+      part(reading);
+      break;
+    case Role::footer:
+      footer(address, device);
+      break;
+    case Role::fileDump:
+      fileDump(address, device);
+      break;
+    case Role::trigger:
+      writeTrigger(address, device);
+      break;
+    case Role::alone:
+      abandon(describeAddress(address));
+      break;
+    case Role::unknown:  // as an unknown address
+    case Role::emptyHeader:
+    case Role::emptyFooter:
+      break;
   }
+}
+
+void UnitFollower::part(const Reading& reading) {
+  const BulkAddress address = *reading.address;
+  if (!open_ || !open_->arrive(address))
+    report(UnitReport::State::outside, address);
+  else if (reading.verdict != Reading::Verdict::good)
+    abandon(describeAddress(address) + " of the wrong length");
+  else
+    openDevices_.insert(*reading.device);
+}
+
+void UnitFollower::footer(BulkAddress address, unsigned device) {
+  if (!open_ || !open_->isClosedBy(address)) return report(UnitReport::State::strayFooter, address);
+  std::vector<BulkAddress> missing = open_->missing();
+  report(missing.empty() ? UnitReport::State::complete : UnitReport::State::incomplete, open_->header());
+  ended_.back().firstMessage = open_->firstMessage();
+  ended_.back().blocks = std::move(missing);
+  openDevices_.insert(device);
+  ended_.back().note = noteOf(openDevices_);
+  open_.reset();
 }
 
 void UnitFollower::fileDump(BulkAddress address, unsigned device) {

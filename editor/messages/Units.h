@@ -82,7 +82,9 @@ class UnitFollower {
     BulkAddress address;
     std::uint64_t message;
   };
-  void dump(BulkAddress address, unsigned device, bool good);
+  void dump(const Reading& reading);
+  void footer(BulkAddress address, unsigned device);
+  void part(const Reading& reading);
   void fileDump(BulkAddress address, unsigned device);
   void writeTrigger(BulkAddress address, unsigned device);
   void abandon(const std::string& by);

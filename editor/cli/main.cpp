@@ -1,3 +1,0 @@
-#include "cli/CommandLine.h"
-
-int main(int argc, char** argv) { return Editor::runProgram(argc, argv); }

@@ -1,0 +1,83 @@
+#include "exchange/EmbeddedEditor.h"
+
+#include <utility>
+
+#include "exchange/Reason.h"
+#include "exchange/ScreenLines.h"
+#include "exchange/ScreenText.h"
+
+namespace Editor {
+
+namespace {
+
+void setUtility(EditorJobTools& tools, std::uint16_t parameter, std::uint8_t value) {
+  tools.getSystemModel()->getUtility()->set(&value, parameter, 0);
+}
+
+// The blocks that the unit which this message closed has not got.
+std::vector<BulkAddress> missingIn(const std::vector<UnitReport>& ended) {
+  for (const UnitReport& unit : ended)
+    if (unit.state == UnitReport::State::incomplete) return unit.blocks;
+  return {};
+}
+
+}  // namespace
+
+EmbeddedEditor::EmbeddedEditor(const std::filesystem::path& libraryFile, const Library::Options& options)
+    : library_(libraryFile, options),
+      store_(library_),
+      work_(library_),
+      host_(store_, &work_),
+      handover_(library_, work_, host_),
+      units_(host_.tools()) {
+  tools().setScreenPainter([this] { return paintScreen(screenLines(library_, tools())); });
+}
+
+Record EmbeddedEditor::handle(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
+                              std::uint64_t number) {
+  Record record;
+  record.reading = reading;
+  static_cast<Handed&>(record) = handover_.hand(reading, message, port, units_.nameless());
+  static_cast<Touched&>(record) = touchedBy(reading, record);
+  record.outcome = outcomeOf(reading, record, record);
+  if (record.outcome == Outcome::refused) record.reason = reasonOf(reading, record, units_, library_, tools());
+  record.ended = units_.follow(reading, record, record.outcome, number);
+  record.missing = missingIn(record.ended);
+  return record;
+}
+
+EmbeddedEditor::Run::Run(EmbeddedEditor& editor, Library::Transaction::Access access, Devices devices)
+    : editor_(editor), transaction_(std::in_place, editor.library_, access) {
+  EditorJobTools& tools = editor.tools();
+  tools.reload();
+  system_ = tools.liveSystem();
+  const unsigned device = system_.system->utility.values()[SystemModel::kDeviceNumber];
+  setUtility(tools, SystemModel::kReceiveBulk, 1);
+  if (devices == Devices::any)
+    setUtility(tools, SystemModel::kDeviceNumber, CMA::DeviceNumber_All);
+  else if (device == unsigned(CMA::DeviceNumber_Off))
+    setUtility(tools, SystemModel::kDeviceNumber, 0);
+  if (access == Library::Transaction::Access::Write) saveLive(tools);
+  editor.handover_.beginRun();
+}
+
+EmbeddedEditor::Run::~Run() {
+  transaction_.reset();
+  editor_.handover_.endRun();
+}
+
+void EmbeddedEditor::Run::commit() {
+  EditorJobTools& tools = editor_.tools();
+  for (const std::uint16_t parameter : {SystemModel::kReceiveBulk, SystemModel::kDeviceNumber})
+    setUtility(tools, parameter, std::uint8_t(system_.system->utility.values()[parameter]));
+  saveLive(tools);
+  transaction_->commit();
+}
+
+std::vector<std::uint8_t> EmbeddedEditor::requestFor(BulkAddress address) {
+  const unsigned setting = tools().liveSystem().system->utility.values()[SystemModel::kDeviceNumber];
+  const auto device = std::uint8_t(setting < 16 ? setting : 0);
+  return requestMessage(address, device);
+}
+
+}  // namespace Editor

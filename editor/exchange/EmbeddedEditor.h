@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "contents/ModelStore.h"
+#include "exchange/UnitTracker.h"
+
+namespace Editor {
+
+// One message's whole way: what it says of itself, what the assistant and the library did with it, what that means.
+// What it says of contents is on disk, but inside a Run.
+struct Record : Handed, Touched {
+  Reading reading;
+  Outcome outcome = Outcome::ignored;
+  std::string reason;                // refused: why, in words
+  std::vector<BulkAddress> missing;  // blocks of the unit that was stored which had not arrived
+  std::vector<UnitReport> ended;     // units that ended with this message; the trace tells only `missing`
+};
+
+// An editor on a library file: everything that a message changes is one transaction, committed before its outcome is
+// told. Other programs may change the same library at the same time. One thread uses it.
+class EmbeddedEditor {
+ public:
+  // Opens the library, or creates it. Throws LibraryError and LiveModelError.
+  explicit EmbeddedEditor(const std::filesystem::path& libraryFile, const Library::Options& options = {});
+
+  Library& library() { return library_; }
+  ContentStore& store() { return store_; }
+  EditorJobTools& tools() { return host_.tools(); }
+  const EditorJobTools& tools() const { return host_.tools(); }
+
+  // Handles one complete message that arrived on `port`, the `number`th of its run. Throws LibraryError when the
+  // library fails: the message has then changed nothing.
+  Record handle(std::span<const std::uint8_t> message, BDA::DevicePortNum port, std::uint64_t number) {
+    return handle(readMessage(message), message, port, number);
+  }
+  // The same for who has already read it.
+  Record handle(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
+                std::uint64_t number);
+
+  // The units that are still open, and the file dumps that are still held.
+  std::vector<UnitReport> openUnits() const { return units_.open(); }
+
+  // A request for that address as this library's instrument accepts it.
+  std::vector<std::uint8_t> requestFor(BulkAddress address);
+
+  // As long as it lives the messages that are handled are one change of the library, or see one state of it. Their
+  // records name no contents as stored: nothing is, before the commit. One at a time, for one editor.
+  //
+  // It is the user who asks for it, not a cable: receive-bulk counts as on, and a device number that is off as 1.
+  class Run {
+   public:
+    enum class Devices : std::uint8_t { asSet, any };
+
+    explicit Run(EmbeddedEditor& editor, Library::Transaction::Access access = Library::Transaction::Access::Write,
+                 Devices devices = Devices::asSet);
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+    ~Run();  // takes back what was not committed
+
+    void commit();
+
+   private:
+    EmbeddedEditor& editor_;
+    std::optional<Library::Transaction> transaction_;
+    ModelSet system_;  // as it was
+  };
+
+ private:
+  Library library_;
+  ModelStore store_;
+  ContentsWork work_;
+  AssistantHost host_;
+  Handover handover_;
+  UnitTracker units_;
+};
+
+}  // namespace Editor

@@ -1,0 +1,106 @@
+#include "exchange/Handover.h"
+
+#include "exchange/Outcome.h"
+
+namespace Editor {
+
+void saveLive(EditorJobTools& tools) {
+  std::vector<std::string> saved;
+  if (!tools.saveChanged(saved)) throw LibraryError(LibraryError::Kind::Failed, tools.lastError());
+}
+
+Handed Handover::hand(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
+                      const std::set<ContentId>& nameless) {
+  try {
+    if (reading.kind == Reading::Kind::dump) return handDump(reading, message, port, nameless);
+    if (reading.kind == Reading::Kind::request) return handRequest(message, port);
+    Handed handed;
+    hand(handed, message, port);
+    return handed;
+  } catch (const LiveModelError& error) {
+    throw LibraryError(LibraryError::Kind::Damaged, error.what());
+  }
+}
+
+Handed Handover::handRequest(std::span<const std::uint8_t> message, BDA::DevicePortNum port) {
+  Handed handed;
+  const Library::Transaction oneState(library_, Library::Transaction::Access::Read);
+  seeWhatOthersChanged();
+  hand(handed, message, port);
+  return handed;
+}
+
+Handed Handover::handDump(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
+                          const std::set<ContentId>& nameless) {
+  const bool isTrigger = reading.role == Role::trigger;
+  Handed handed;
+  bool isKept = false;
+  try {
+    Library::Transaction transaction(library_);
+    const std::size_t before = library_.pendingChanges().size();
+    seeWhatOthersChanged();
+    hand(handed, message, port);
+    if (isTrigger) leaveNameless(before, nameless);
+    isKept = isTrigger || (!hasFailed(handed) && handed.storeError.empty());
+    if (isKept) {
+      saveLive(host_.tools());
+      transaction.commit();
+    }
+    if (inRun_)
+      handed.changes.assign(library_.pendingChanges().begin() + std::ptrdiff_t(before),
+                            library_.pendingChanges().end());
+  } catch (const std::exception&) {
+    work_.abandonPass();
+    work_.takeError();
+    reloadIfPossible();
+    // What came first is the reason, what follows from it is not.
+    if (!handed.storeError.empty()) throw LibraryError(LibraryError::Kind::Failed, handed.storeError);
+    throw;
+  }
+  if (!inRun_) handed.changes = library_.takeChanges();
+  handed.isKept = isKept && !inRun_;
+  if (!isKept) host_.tools().reload();
+  return handed;
+}
+
+// Hands the message over, and learns what failed behind the assistant's back.
+void Handover::hand(Handed& handed, std::span<const std::uint8_t> message, BDA::DevicePortNum port) {
+  const std::uint64_t failures = library_.failureCount();
+  host_.tools().forgetErrors();
+  static_cast<AssistantHost::Effects&>(handed) = host_.handle(message, port);
+  work_.abandonPass();
+  handed.libraryFailed = library_.failureCount() != failures;
+  handed.storeError = work_.takeError();
+  if (handed.storeError.empty() && hasFailed(handed)) handed.storeError = host_.tools().lastError();
+}
+
+// Another program may have changed the live models, but not while a run holds the library.
+void Handover::seeWhatOthersChanged() {
+  if (!inRun_) host_.tools().reload();
+}
+
+// The store keeps the name of a content that is written and not named: of a dump whose name is broken, and it cannot
+// know, of one that says that there is none.
+void Handover::leaveNameless(std::size_t firstChange, const std::set<ContentId>& nameless) {
+  const std::vector<Change> changes(library_.pendingChanges().begin() + std::ptrdiff_t(firstChange),
+                                    library_.pendingChanges().end());
+  for (const Change& change : changes) {
+    if (change.kind != Change::Kind::Stored || !nameless.contains(change.id)) continue;
+    if (library_.contentName(change.id) != "") library_.rename(change.id, "");
+  }
+}
+
+void Handover::endRun() {
+  inRun_ = false;
+  reloadIfPossible();
+}
+
+void Handover::reloadIfPossible() {
+  try {
+    host_.tools().reload();
+  } catch (const std::exception&) {
+    // The next message reads them again, and tells.
+  }
+}
+
+}  // namespace Editor

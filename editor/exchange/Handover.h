@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <set>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "contents/ContentsWork.h"
+#include "contents/Library.h"
+#include "exchange/AssistantHost.h"
+#include "messages/Messages.h"
+
+namespace Editor {
+
+// What the assistant made of a message, and what that did to the library.
+struct Handed : AssistantHost::Effects {
+  std::vector<Change> changes;  // of contents; inside of a run those that its commit brings to disk
+  bool isKept = false;          // they are on disk: they were not taken back, and no run has still to commit them
+  std::string storeError;       // what first went wrong in the store, also behind the assistant's back; empty: nothing
+  bool libraryFailed = false;   // the library's file failed meanwhile
+};
+
+// Hands messages to the assistant, each in one transaction of the library. A message that was refused leaves no trace
+// there. The write trigger is the exception: what it could write is written, whatever became of the rest.
+class Handover {
+ public:
+  // All outlive this object.
+  Handover(Library& library, ContentsWork& work, AssistantHost& host) : library_(library), work_(work), host_(host) {}
+
+  // `nameless`: the contents for which file dumps without a name are held. Throws LibraryError when the library fails:
+  // the message has then changed nothing.
+  Handed hand(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
+              const std::set<ContentId>& nameless);
+
+  // Between these a run's transaction, which is the caller's, is around all messages.
+  void beginRun() { inRun_ = true; }
+  void endRun();
+  bool isInRun() const { return inRun_; }
+
+ private:
+  Handed handDump(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
+                  const std::set<ContentId>& nameless);
+  Handed handRequest(std::span<const std::uint8_t> message, BDA::DevicePortNum port);
+  void hand(Handed& handed, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
+  void seeWhatOthersChanged();
+  void leaveNameless(std::size_t firstChange, const std::set<ContentId>& nameless);
+  void reloadIfPossible();
+
+  Library& library_;
+  ContentsWork& work_;
+  AssistantHost& host_;
+  bool inRun_ = false;
+};
+
+// Saves the live models that were changed. Throws LibraryError.
+void saveLive(EditorJobTools& tools);
+
+}  // namespace Editor

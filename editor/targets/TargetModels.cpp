@@ -1,0 +1,105 @@
+#include "targets/TargetModels.h"
+
+#include <fmt/format.h>
+
+namespace Editor {
+
+namespace {
+
+// Contents that have no format of ours: their bytes are somebody else's.
+void requireFormat(const Target& target) {
+  if (haveSameShape(emptySetFor(target.content), ModelSet()))
+    refuse(target, "its bytes are kept as they came, they have no parameters");
+}
+
+}  // namespace
+
+ModelSet loadTarget(EmbeddedEditor& editor, const Target& target) {
+  const EditorJobTools& tools = editor.tools();
+  switch (target.kind) {
+    case Target::Kind::system:
+      return tools.liveSystem();
+    case Target::Kind::additional:
+      return tools.liveAdditional();
+    case Target::Kind::editBuffer: {
+      if (target.buffer != EditBuffer::partVoice) return tools.live(target.buffer);
+      ModelSet models = tools.live(EditBuffer::multi);  // whose effects the voice uses
+      models.voice = tools.live(EditBuffer::partVoice, target.part).voice;
+      return models;
+    }
+    case Target::Kind::content:
+      break;
+  }
+  requireFormat(target);
+  ModelSet models = emptySetFor(target.content);
+  std::string why;
+  const ContentStore::Loaded result = editor.store().loadModels(target.content, models, why);
+  if (result != ContentStore::Loaded::ok) refuse(target, why);
+  return models;
+}
+
+ModelSet freshTarget(const Target& target, bool drum) {
+  ModelSet models;
+  switch (target.kind) {
+    case Target::Kind::system:
+      models.system.emplace();
+      return models;
+    case Target::Kind::additional:
+      models.additional.emplace();
+      return models;
+    case Target::Kind::editBuffer:
+      return emptySetFor(headerTypeOf({target.header->mid, target.header->lo}), drum);
+    case Target::Kind::content:
+      break;
+  }
+  requireFormat(target);
+  return emptySetFor(target.content);
+}
+
+void storeTarget(EmbeddedEditor& editor, const Target& target, const ModelSet& models) {
+  EditorJobTools& tools = editor.tools();
+  Library::Transaction transaction(editor.library());
+  tools.reload();  // another program may have changed the live models
+  std::string why;
+  bool stored = false;
+  switch (target.kind) {
+    case Target::Kind::system:
+      stored = tools.replaceSystem(models);
+      break;
+    case Target::Kind::additional:
+      stored = tools.replaceAdditional(models);
+      break;
+    case Target::Kind::editBuffer:
+      if (target.buffer == EditBuffer::partVoice) {
+        ModelSet multi = models;
+        multi.voice.reset();
+        ModelSet voice;
+        voice.voice = models.voice;
+        stored = tools.replaceLive(EditBuffer::multi, 0, multi) &&
+                 tools.replaceLive(EditBuffer::partVoice, target.part, voice);
+      } else {
+        stored = tools.replaceLive(target.buffer, 0, models);
+      }
+      break;
+    case Target::Kind::content: {
+      ModelSet before = emptySetFor(target.content);
+      const ContentStore::Loaded found = editor.store().loadModels(target.content, before, why);
+      if (found == ContentStore::Loaded::opaque || found == ContentStore::Loaded::failed) refuse(target, why);
+      const bool isNew = found == ContentStore::Loaded::empty;
+      if (isNew && isMixingVoice(target.content) &&
+          editor.store().mixingVoiceCount() >= editor.store().mixingVoiceMaximum())
+        refuse(target, fmt::format("there is no room for another mixing voice, {} are stored",
+                                   editor.store().mixingVoiceCount()));
+      if (!editor.store().storeModels(target.content, nameOf(models), models, why)) refuse(target, why);
+      stored = true;
+      break;
+    }
+  }
+  if (!stored) {
+    const std::string error = tools.lastError();
+    refuse(target, error);
+  }
+  transaction.commit();
+}
+
+}  // namespace Editor

@@ -1,0 +1,312 @@
+#include "CommandLine.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <string_view>
+
+#include "bda/version.h"
+#include "input/FilesInUse.h"
+#include "messages/Text.h"
+#include "targets/Targets.h"
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+namespace {
+
+// The words of the command line, whichever verb they are for: only one runs.
+struct Given {
+  Words words;
+  std::string never;
+  std::string file;
+  std::string secondFile;
+  std::string output;
+  std::string setting;
+  std::optional<std::string> value;
+  ExchangeOptions exchange;
+  bool json = false;
+  bool dryRun = false;
+  std::function<void()> verb;  // what to do with them
+};
+
+// As CLI11 checks values: what is wrong with it, or nothing.
+std::string checkFileName(const std::string& name) { return name.empty() ? "an empty file name" : ""; }
+
+constexpr const char* kMessageFiles = "Message files, .syx or .mid by content; - is standard input";
+
+// Leaves out of the usage line what has no name to show.
+class HelpText : public CLI::Formatter {
+ public:
+  std::string make_usage(const CLI::App* app, std::string name) const override {
+    constexpr std::string_view kNameless = " []";
+    std::string usage = Formatter::make_usage(app, std::move(name));
+    if (const std::size_t at = usage.find(kNameless); at != std::string::npos) usage.erase(at, kNameless.size());
+    return usage;
+  }
+};
+
+CLI::Option* addWords(CLI::App& verb, const std::string& name, const std::string& description, Given& given) {
+  CLI::Option* const words = verb.add_option(name, given.words, description)->required();
+  // Never gets a word: as long as a verb misses one, words that begin with - may follow its --.
+  verb.add_option("LAST", given.never)->group("");
+  return words;
+}
+
+void addList(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("list", "What messages a file holds, one line each");
+  addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
+  verb.add_flag("--json", given.json, "One object a line");
+  verb.callback([&] { given.verb = [&] { list(given.words, given.json, program); }; });
+}
+
+void addVerify(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("verify", "Whether every message and every unit of a file is whole");
+  addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
+  verb.add_flag("--json", given.json, "One object a line");
+  verb.callback([&] { given.verb = [&] { verify(given.words, given.json, program); }; });
+}
+
+void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
+  verb.add_option("--port", options.port, "The port on which the messages arrive")
+      ->check([](const std::string& port) {
+        constexpr std::array kPorts{"1", "4", "5", "6"};
+        const bool isPort = std::find(kPorts.begin(), kPorts.end(), port) != kPorts.end();
+        return isPort ? std::string() : fmt::format("\"{}\": expected 1, 4, 5 or 6", port);
+      })
+      ->capture_default_str();
+  verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
+      ->type_name("FILE")
+      ->check(checkFileName);
+}
+
+void addReceive(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("receive", "Feed messages to the library's instrument");
+  addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
+  verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
+      ->type_name("ANSWERS")
+      ->check(checkFileName);
+  addExchangeOptions(verb, given.exchange);
+  verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, program); }; });
+}
+
+void addRequest(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("request", "Ask the library's instrument for dumps, as .syx");
+  addWords(verb, "ADDRESS", "Three hex bytes or names; system means all system blocks", given);
+  verb.add_option("-o,--output", given.exchange.output, "Where the dumps go; default standard output")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  addExchangeOptions(verb, given.exchange);
+  verb.callback([&] { given.verb = [&] { request(given.words, given.exchange, program); }; });
+}
+
+void addShow(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("show", "The parameters of a target");
+  addWords(verb, "TARGET", "system, additional, or a header or file dump", given);
+  verb.add_flag("--json", given.json, "One object, as apply reads it");
+  verb.callback([&] { given.verb = [&] { show(given.words, given.json, program); }; });
+}
+
+void addApply(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("apply", "Replace a whole target by what show --json printed");
+  addWords(verb, "TARGET FILE", "A target as for show, and its JSON; - is standard input", given);
+  verb.callback([&] { given.verb = [&] { apply(given.words, program); }; });
+}
+
+void addSettings(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb =
+      *app.add_subcommand("settings", "The settings of the library: device-number, receive-bulk, mixing-voices");
+  verb.add_option("NAME", given.setting, "Which; default all");
+  verb.add_option("VALUE", given.value, "Its new value");
+  verb.callback([&] { given.verb = [&] { settings(given.setting, given.value, program); }; });
+}
+
+void addContents(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("contents", "What the library holds, by bank");
+  verb.add_flag("--json", given.json, "One object a line");
+  verb.callback([&] { given.verb = [&] { contents(given.json, program); }; });
+}
+
+void addBackup(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("backup", "The whole library as messages that restore takes");
+  verb.add_option("-o,--output", given.output, "Where it goes; - is standard output")
+      ->type_name("FILE")
+      ->required()
+      ->check(checkFileName);
+  verb.callback([&] {
+    given.verb = [&] {
+      program.requireLibrary();
+      backup(given.output, program);
+    };
+  });
+}
+
+void addRestore(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("restore", "Receive all messages of a file into the library, or none");
+  verb.add_option("FILE", given.file, "A backup, or any message file; - is standard input")
+      ->required()
+      ->check(checkFileName);
+  verb.add_flag("--dry-run", given.dryRun, "Say what would change, and change nothing");
+  verb.callback([&] { given.verb = [&] { restore(given.file, given.dryRun, program); }; });
+}
+
+void addDiff(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("diff", "What two libraries or message files do not have in common");
+  verb.add_option("A", given.file, "A library, or a message file; - is standard input")
+      ->required()
+      ->check(checkFileName);
+  verb.add_option("B", given.secondFile, "The same")->required()->check(checkFileName);
+  verb.callback([&] { given.verb = [&] { diff(given.file, given.secondFile, program); }; });
+}
+
+void addRename(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("rename", "Name a content or an edit buffer");
+  addWords(verb, "ADDRESS NAME", "A header or file dump, and up to 20 characters of ASCII", given);
+  verb.callback([&] { given.verb = [&] { rename(given.words, program); }; });
+}
+
+void addFavourite(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("favourite", "Make a voice a favourite, or no longer");
+  addWords(verb, "ADDRESS on|off", "A voice or drum voice of a bank; on or off", given);
+  verb.callback([&] { given.verb = [&] { favourite(given.words, program); }; });
+}
+
+void addRemove(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("remove", "Remove contents: all that are named, or none");
+  addWords(verb, "ADDRESS", "Headers or file dumps", given);
+  verb.callback([&] { given.verb = [&] { remove(given.words, program); }; });
+}
+
+void addScreen(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = *app.add_subcommand("screen", "A picture of the editor's screen");
+  verb.add_option("-o,--output", given.output, "A PNG file; - is standard output")
+      ->type_name("FILE")
+      ->required()
+      ->check(checkFileName);
+  verb.callback([&] { given.verb = [&] { screen(given.output, program); }; });
+}
+
+// In the order of --help.
+constexpr std::array kVerbs{addList,  addVerify,   addReceive,   addRequest, addShow,
+                            addApply, addSettings, addContents,  addBackup,  addRestore,
+                            addDiff,  addRename,   addFavourite, addRemove,  addScreen};
+
+constexpr const char* kAddresses =
+    "An ADDRESS or TARGET is three hex bytes (0E0A05, 0E 0A 05, 0E/0A/05) or a name: voice:user1:6, "
+    "voice:preset3:128,\n"
+    "voice:gm:1, voice:edit, voice:part:4, voice:mix:1, drum:preset:1, drum:user:3, drum:gm, drum:edit,\n"
+    "performance:a:1, performance:edit, multi:edit, master:1, master:edit, remote:1, remote:edit, system, additional,\n"
+    "file:voice:user1:6, file:mix:1:3, file:multi:1, file:single.\n"
+    "\n"
+    "Exit codes: 0 all good, 1 wrong usage or an error of the program, 2 input that cannot be used, 3 something was\n"
+    "refused or is broken (diff: differs), 130 ended by Ctrl-C.";
+
+void addCommonOptions(CLI::App& app, Program& program) {
+  app.set_help_flag("-h,--help", "Say this and exit");
+  app.set_version_flag("-V,--version", "bda " BDA_VERSION_STRING, "Say the version and exit");
+  app.add_option_function<std::string>(
+         "--library", [&program](const std::string& file) { program.setLibraryFile(file); },
+         "The library; default $BDA_LIBRARY, $XDG_DATA_HOME/bda/library.db, ~/.local/share/bda/library.db")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  app.add_option_function<std::string>(
+         "--names", [&program](const std::string& file) { program.setNameFile(file); },
+         "The names of waveforms and arpeggios; default the library's name with .names behind it, if there is such")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  CLI::Option* const verbose = app.add_flag_callback(
+      "-v,--verbose", [&program] { program.console.setLoudness(Console::Loudness::verbose); }, "Say more");
+  app.add_flag_callback(
+         "-q,--quiet", [&program] { program.console.setLoudness(Console::Loudness::quiet); },
+         "Say only what went wrong")
+      ->excludes(verbose);
+}
+
+// "--trace=$UNSET a.syx" would take the file that follows for the option's.
+void refuseEmptyValues(int argc, const char* const* argv) {
+  for (int i = 1; i < argc && std::string_view(argv[i]) != "--"; ++i) {
+    const std::string_view word = argv[i];
+    if (word.substr(0, 2) == "--" && word.find('=') == word.size() - 1)
+      throw Failure(kWrongUsage, fmt::format("{}: an empty value (bda --help tells more)", escape(word)));
+  }
+}
+
+// What is written must be no file that the run needs, nor be written twice.
+void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
+  const std::string& output = given.output.empty() ? given.exchange.output : given.output;
+  const std::string& trace = given.exchange.trace;
+  if (output.empty() && trace.empty()) return;
+  FilesInUse files;
+  files.addLibrary(program.libraryFile());
+  files.add(program.nameFileOf(program.libraryFile()), "these are the names of waveforms and arpeggios");
+  if (readsFiles)
+    for (const std::string& file : given.words) files.add(file, "this is also an input");
+  if (!output.empty()) files.addOutput(output, "-o");
+  if (!trace.empty()) files.addOutput(trace, "--trace");
+}
+
+// Why the command line could not be read.
+std::string whyNotRead(const CLI::App& app, const CLI::ParseError& error) {
+  const Words unknown = app.get_subcommands().empty() ? app.remaining() : Words();
+  if (unknown.empty()) return escape(error.what());
+  const bool isOption = unknown.front().substr(0, 1) == "-";
+  return fmt::format("there is no {} {}", isOption ? "option" : "verb",
+                     isOption ? escape(unknown.front()) : fmt::format("\"{}\"", escape(unknown.front())));
+}
+
+int run(int argc, const char* const* argv, Program& program) {
+  refuseEmptyValues(argc, argv);
+  CLI::App app("Receives, keeps and answers MIDI System Exclusive bulk dumps.", "bda");
+  app.footer(kAddresses);
+  app.formatter(std::make_shared<HelpText>());
+  app.require_subcommand(1);
+  app.fallthrough();
+  addCommonOptions(app, program);
+  Given given;
+  for (const auto addVerb : kVerbs) addVerb(app, given, program);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return app.exit(error);  // --help, --version
+    throw Failure(kWrongUsage, fmt::format("{} (bda --help tells more)", whyNotRead(app, error)));
+  }
+  checkOutputs(given, program, app.got_subcommand("receive"));
+  given.verb();
+  return program.exitCode();
+}
+
+}  // namespace
+
+int runProgram(int argc, const char* const* argv) {
+  constexpr const char* kOutOfMemory = "bda: out of memory";
+  Program program;
+  int code = kWrongUsage;
+  try {
+    code = run(argc, argv, program);
+  } catch (const Failure& failure) {
+    program.console.problem(fmt::format("bda: {}", failure.what()));
+    code = failure.code();
+  } catch (const TargetError& error) {
+    program.console.problem(fmt::format("bda: {}", error.what()));
+    code = error.kind() == TargetError::Kind::refused ? kRefused : kWrongUsage;
+  } catch (const std::bad_alloc&) {
+    program.console.problem(kOutOfMemory);
+  } catch (const std::length_error&) {  // of what no memory could hold
+    program.console.problem(kOutOfMemory);
+  } catch (const std::exception& error) {
+    program.console.problem(fmt::format("bda: {}", escape(error.what())));
+  }
+  if (!program.console.finish()) {
+    program.console.problem("bda: standard output could not be written");
+    if (code == kAllGood) code = kWrongUsage;
+  }
+  return code;
+}
+
+}  // namespace Editor

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "ExitCode.h"
+#include "exchange/EmbeddedEditor.h"
+#include "output/Console.h"
+
+namespace Editor {
+
+// What the verbs share: where they speak, which library they use, how the run ends.
+class Program {
+ public:
+  Console console;
+
+  // The library that the command line, the environment or the default names.
+  std::string libraryFile() const;
+  void setLibraryFile(const std::string& file) { library_ = file; }
+  // Throws Failure (kUnusableInput) unless there is one: for a verb that has no use for a new one.
+  void requireLibrary() const;
+  // The names of waveforms and arpeggios; without it the file beside the library, or else the built-in ones.
+  void setNameFile(const std::string& file) { names_ = file; }
+  std::string nameFileOf(const std::string& library) const { return names_.empty() ? library + ".names" : names_; }
+  // Opens it, or `file`; one that does not exist is created, and that is told. Throws Failure (kUnusableInput).
+  std::unique_ptr<EmbeddedEditor> openEditor() { return openEditor(libraryFile()); }
+  std::unique_ptr<EmbeddedEditor> openEditor(const std::string& file);
+
+  // Something was refused or is broken: the run goes on, and ends with this.
+  void refuse() { exitCode_ = kRefused; }
+  ExitCode exitCode() const { return exitCode_; }
+
+ private:
+  std::string library_;
+  std::string names_;
+  ExitCode exitCode_ = kAllGood;
+};
+
+}  // namespace Editor

@@ -1,0 +1,60 @@
+#include "input/FilesInUse.h"
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "ExitCode.h"
+#include "messages/Text.h"
+#include "output/Console.h"
+#include "output/OutputFile.h"
+
+namespace Editor {
+
+// False for what is no file that could be lost.
+bool FilesInUse::identify(const std::string& path, int standardStream, File& file) {
+  struct stat status {};
+  const bool isStandard = path == "-";
+  const bool exists = (isStandard ? ::fstat(standardStream, &status) : ::stat(path.c_str(), &status)) == 0;
+  if (exists ? !S_ISREG(status.st_mode) : isStandard) return false;
+  if (exists) {
+    file.device = status.st_dev;
+    file.inode = status.st_ino;
+  }
+  if (!isStandard) {
+    std::error_code error;
+    const std::filesystem::path real = std::filesystem::weakly_canonical(followLinks(path), error);
+    file.path = error ? path : std::filesystem::absolute(real, error).string();
+  }
+  return true;
+}
+
+void FilesInUse::add(const std::string& path, const std::string& what) {
+  File file;
+  if (!identify(path, STDIN_FILENO, file)) return;
+  file.what = what;
+  files_.push_back(std::move(file));
+}
+
+void FilesInUse::addLibrary(const std::string& path) {
+  add(path, "this is the library");
+  for (const char* const ending : {"-wal", "-shm", "-journal"})
+    add(followLinks(path) + ending, "this belongs to the library");
+}
+
+void FilesInUse::addOutput(const std::string& path, const std::string& option) {
+  File file;
+  if (!identify(path, STDOUT_FILENO, file)) return;
+  for (const File& other : files_) {
+    const bool isSamePath = !file.path.empty() && file.path == other.path;
+    const bool isSameFile = file.inode != 0 && file.inode == other.inode && file.device == other.device;
+    if (isSamePath || isSameFile)
+      throw Failure(kWrongUsage, fmt::format("{} {}: {}", option, escape(path), other.what));
+  }
+  file.what = fmt::format("{} names this file too", option);
+  files_.push_back(std::move(file));
+}
+
+}  // namespace Editor

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace Editor {
+
+// What the program says: data lines on standard output, everything else on standard error.
+class Console {
+ public:
+  enum class Loudness : std::uint8_t { quiet, normal, verbose };
+
+  void setLoudness(Loudness loudness) { loudness_ = loudness; }
+  bool isVerbose() const { return loudness_ == Loudness::verbose; }
+  // From now on data lines go to standard error: standard output carries bytes.
+  void keepOutputForBytes() { lines_ = stderr; }
+
+  // A line of data.
+  void line(std::string_view text);
+  // A refusal, a broken message: always shown.
+  void problem(std::string_view text);
+  // A summary, a hint: not when quiet.
+  void note(std::string_view text);
+  // Only when verbose.
+  void detail(std::string_view text);
+  // How far a long run has come; in place, on a terminal only. The next text of any kind takes its place.
+  void progress(std::string_view text);
+
+  // The last call. True unless something could not be written to standard output.
+  bool finish();
+
+ private:
+  void print(std::FILE* stream, std::string_view text);
+  void clearProgress();
+
+  Loudness loudness_ = Loudness::normal;
+  std::FILE* lines_ = stdout;
+  bool showsProgress_ = false;
+};
+
+}  // namespace Editor

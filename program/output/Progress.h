@@ -1,0 +1,58 @@
+#pragma once
+
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <iterator>
+#include <string>
+
+#include "output/Console.h"
+
+namespace Editor {
+
+// As long as one lives Ctrl-C, or a reader of standard output that goes away, does not end the program at once: a long
+// run ends between two messages, and what it leaves behind is put away.
+class Interruptible {
+ public:
+  Interruptible();
+  Interruptible(const Interruptible&) = delete;
+  Interruptible& operator=(const Interruptible&) = delete;
+  ~Interruptible();
+
+  // Throws Failure (kInterrupted) once the user has asked for it.
+  static void check();
+
+ private:
+  static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+  struct sigaction previous_[std::size(kSignals)];
+};
+
+// How far a long run has come: items, bytes and the time that is left, in place on a terminal. Every step is a place
+// where Ctrl-C ends the run.
+class Progress {
+ public:
+  // "backup: 120 of 2,600 contents": `verb`, `items` and their count, which may be 0 when it is not known.
+  Progress(Console& console, std::string verb, std::string items, std::uint64_t count);
+
+  // One item of that many bytes is done. Throws as Interruptible::check().
+  void step(std::uint64_t bytes);
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  Console& console_;
+  const std::string verb_;
+  const std::string items_;
+  const std::uint64_t count_;
+  std::uint64_t done_ = 0;
+  std::uint64_t bytes_ = 0;
+  const Clock::time_point start_ = Clock::now();
+  Clock::time_point shown_ = start_;
+  const Interruptible interruptible_;
+};
+
+// "120 of 2600 contents, 1.2 MB, 3 s left"
+std::string describeProgress(std::uint64_t done, std::uint64_t count, const std::string& items, std::uint64_t bytes,
+                             std::chrono::duration<double> elapsed);
+
+}  // namespace Editor

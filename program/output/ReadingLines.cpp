@@ -1,0 +1,70 @@
+#include "output/ReadingLines.h"
+
+#include <fmt/format.h>
+
+#include <nlohmann/json.hpp>
+
+#include "midi/Counted.h"
+
+namespace Editor {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json toJson(const InputFiles::Message& message, const Reading& reading) {
+  Json json{{"message", message.number},          {"file", message.file},
+            {"offset", message.offset},           {"kind", wordOf(reading.kind)},
+            {"verdict", wordOf(reading.verdict)}, {"carries", describeContent(reading)}};
+  if (reading.device) json["device"] = *reading.device;
+  if (reading.address) {
+    json["address"] = formatAddress(*reading.address);
+    if (const auto name = nameOf(*reading.address)) json["name"] = *name;
+  }
+  if (reading.kind == Reading::Kind::dump) json["dataBytes"] = reading.dataBytes;
+  if (reading.checksum) {
+    json["checksum"] = *reading.checksum;
+    json["expectedChecksum"] = *reading.expectedChecksum;
+  }
+  json["bytes"] = message.bytes.size();
+  if (!reading.note.empty()) json["note"] = reading.note;
+  return json;
+}
+
+Json toJson(const UnitReport& unit) {
+  Json blocks = Json::array();
+  for (const BulkAddress block : unit.blocks) blocks.push_back(formatAddress(block));
+  Json json{{"unit", nameOrBytes(unit.address)}, {"address", formatAddress(unit.address)},
+            {"state", wordOf(unit.state)},       {"firstMessage", unit.firstMessage},
+            {"lastMessage", unit.lastMessage},   {"blocks", blocks},
+            {"words", describeUnit(unit)}};
+  if (!unit.note.empty()) json["note"] = unit.note;
+  return json;
+}
+
+// File names need not be UTF-8, and a terminal would obey U+0080 to U+009F.
+std::string toLine(const Json& json) { return json.dump(-1, ' ', true, Json::error_handler_t::replace); }
+
+// "      7      1200  good                     1  41 02 00  element 3 oscillator, 88 data bytes, checksum 1F"
+std::string toLine(const InputFiles::Message& message, const Reading& reading) {
+  std::string line = fmt::format("{:>6} {:>9}  {:<26} {:>2}  {:<8}  {}", message.number, message.offset,
+                                 wordOf(reading.verdict), reading.device ? std::to_string(*reading.device) : "-",
+                                 reading.address ? formatAddress(*reading.address) : "-", describeContent(reading));
+  if (reading.kind == Reading::Kind::dump) line += ", " + counted(reading.dataBytes, "data byte");
+  if (reading.checksum) line += fmt::format(", checksum {:02X}", *reading.checksum);
+  if (!reading.note.empty()) line += fmt::format(" ({})", reading.note);
+  return line;
+}
+
+}  // namespace
+
+std::string lineOf(const InputFiles::Message& message, const Reading& reading, LineForm form) {
+  return form == LineForm::json ? toLine(toJson(message, reading)) : toLine(message, reading);
+}
+
+std::string lineOf(const UnitReport& unit, LineForm form) {
+  if (form == LineForm::json) return toLine(toJson(unit));
+  return fmt::format("{} {}", isBroken(unit) ? "  !!" : "  ==", describeUnit(unit));
+}
+
+}  // namespace Editor

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "exchange/EmbeddedEditor.h"
+#include "output/OutputFile.h"
+
+namespace Editor {
+
+// The trace of a run: one JSON object a line for each message that was handed to the assistant.
+class Trace {
+ public:
+  // Where a message came from; a request of the program's own comes from nowhere.
+  struct Origin {
+    std::uint64_t message;  // from 1, through all files
+    const std::string* file = nullptr;
+    std::optional<std::uint64_t> offset;
+  };
+
+  // "": there is none.
+  explicit Trace(const std::string& path);
+
+  void add(const Origin& origin, BDA::DevicePortNum port, std::span<const std::uint8_t> message, const Record& record);
+  void commit();
+
+ private:
+  std::optional<OutputFile> file_;
+};
+
+}  // namespace Editor

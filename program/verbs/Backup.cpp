@@ -1,0 +1,187 @@
+// The verb backup: the whole library as messages.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <set>
+
+#include "AddressRows.h"
+#include "compare/Compare.h"
+#include "exchange/Answers.h"
+#include "input/ScratchLibrary.h"
+#include "messages/Text.h"
+#include "output/OutputFile.h"
+#include "output/Progress.h"
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+namespace {
+
+struct Item {
+  BulkAddress address;  // to ask for
+  std::string name;
+};
+
+bool isBefore(const Item& a, const Item& b) {
+  // The voices of its parts are of the kinds that the multi's banks make them: it has to stand before them.
+  const auto placeOf = [](BulkAddress address) {
+    const std::uint8_t parts = headerOf(EditBuffer::partVoice).mid;
+    const bool isMulti = address.hi == BDA::kHeaderHi && address.mid == headerOf(EditBuffer::multi).mid;
+    return std::array<int, 3>{address.hi, isMulti ? 2 * parts - 1 : 2 * address.mid, address.lo};
+  };
+  return placeOf(a.address) < placeOf(b.address);
+}
+
+// What a backup asks for, in its order.
+struct Plan {
+  std::vector<Item> fileDumps;
+  std::vector<Item> units;  // header to footer: contents that no file dump stores, and edit buffers
+  std::vector<Item> system;
+  std::vector<Item> favourites;
+  std::vector<std::string> unaddressed;  // contents that have neither
+};
+
+Plan planOf(EmbeddedEditor& editor) {
+  Plan plan;
+  const auto byName = [](BulkAddress address) { return Item{address, nameOrBytes(address)}; };
+  for (const ContentId id : editor.library().contents()) {
+    const std::optional<MidLo> fileDump = fileDumpOf(id);
+    const std::optional<MidLo> header = headerOf(id);
+    if (fileDump && isWritableFileDump({BDA::kFileDumpHi, fileDump->mid, fileDump->lo}))
+      plan.fileDumps.push_back({{BDA::kFileDumpHi, fileDump->mid, fileDump->lo}, nameOf(id)});
+    else if (header)
+      plan.units.push_back({{BDA::kHeaderHi, header->mid, header->lo}, nameOf(id)});
+    else
+      plan.unaddressed.push_back(nameOf(id));
+  }
+  const std::vector<std::string> stored = editor.library().liveKeys();
+  const auto addBuffer = [&](EditBuffer buffer, std::uint8_t part) {
+    const MidLo header = headerOf(buffer, part);
+    if (std::find(stored.begin(), stored.end(), editor.tools().liveKey(buffer, part)) != stored.end())
+      plan.units.push_back(byName({BDA::kHeaderHi, header.mid, header.lo}));
+  };
+  for (const EditBuffer buffer : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
+                                  EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
+    addBuffer(buffer, 0);
+  for (std::uint8_t part = 0; part < kParts; ++part) addBuffer(EditBuffer::partVoice, part);
+  for (const BulkAddress address : systemAddresses()) plan.system.push_back(byName(address));
+  BDA::forEachAddress(BDA::kFavoriteRows, [&](const BDA::AddressRow& row, std::uint8_t mid, std::uint8_t lo) {
+    plan.favourites.push_back(byName({row.hi, mid, lo}));
+  });
+  for (std::vector<Item>* const group : {&plan.fileDumps, &plan.units, &plan.system, &plan.favourites})
+    std::sort(group->begin(), group->end(), isBefore);
+  return plan;
+}
+
+// Asks for everything in one state of the library. Each message is also received by a scratch library: what that does
+// not have in the end, the backup does not carry.
+class BackingUp {
+ public:
+  BackingUp(const std::string& output, Program& program)
+      : program_(program), editor_(program.openEditor()), file_(output) {
+    if (output == "-") program.console.keepOutputForBytes();
+  }
+
+  void run() {
+    using Access = Library::Transaction::Access;
+    const EmbeddedEditor::Run oneState(*editor_, Access::Read);
+    const EmbeddedEditor::Run proof(proof_.editor(), Access::Write, EmbeddedEditor::Run::Devices::any);
+    const Plan plan = planOf(*editor_);
+    const std::size_t count = plan.fileDumps.size() + plan.units.size() + plan.system.size() + plan.favourites.size();
+    Progress progress(program_.console, "backup", "items", count);
+    std::size_t done = 0;
+    const auto add = [&](const std::vector<Item>& items) {
+      for (const Item& item : items) {
+        const std::uint64_t bytes = back(item);
+        if (bytes > 0) ++done;
+        progress.step(bytes);
+      }
+    };
+    for (const std::string& name : plan.unaddressed) leaveOut(name, "no address carries it");
+    add(plan.fileDumps);
+    if (done > 0) back({kWriteTrigger, nameOrBytes(kWriteTrigger)});
+    add(plan.units);
+    add(plan.system);
+    add(plan.favourites);
+    if (messages_ == 0) throw Failure(kRefused, "nothing could be backed up, nothing is written");
+    try {
+      tellWhatIsLost();
+    } catch (const LibraryError& error) {
+      complain(fmt::format("the backup could not be compared with the library: {}", escape(error.what())));
+    }
+    file_.commit();
+    program_.console.note(fmt::format("{} of {} items in {} messages, {} bytes", done, count + plan.unaddressed.size(),
+                                      messages_, bytes_));
+  }
+
+ private:
+  void complain(const std::string& text) {
+    program_.console.problem(text);
+    program_.refuse();
+  }
+
+  void leaveOut(const std::string& name, const std::string& why) {
+    complain(fmt::format("{}: not in the backup: {}", name, escape(why)));
+    leftOut_.insert(name);
+  }
+
+  // The number of bytes written.
+  std::uint64_t back(const Item& item) {
+    const Record record = editor_->handle(editor_->requestFor(item.address), BDA::DevicePort_Main, ++number_);
+    if (const std::string why = whyUnanswered(record); !why.empty()) {
+      leaveOut(item.name, why);
+      return 0;
+    }
+    for (const AssistantHost::Sent& sent : record.sent) {
+      const Record received = proof_.editor().handle(sent.bytes, BDA::DevicePort_Main, ++number_);
+      if (received.outcome != Outcome::refused) continue;
+      leaveOut(item.name, fmt::format("it would not be restored: {}", received.reason));
+      return 0;
+    }
+    std::uint64_t bytes = 0;
+    for (const AssistantHost::Sent& sent : record.sent) {
+      file_.write(sent.bytes);
+      bytes += sent.bytes.size();
+    }
+    messages_ += record.sent.size();
+    bytes_ += bytes;
+    return bytes;
+  }
+
+  void tellWhatIsLost() {
+    constexpr std::size_t kMostDetails = 3;
+    for (const Difference& lost : compareLibraries(*editor_, proof_.editor(), Reception::ignored)) {
+      if (leftOut_.contains(lost.target)) continue;
+      if (lost.kind != Difference::Kind::changed) {
+        complain(fmt::format("{}: not in the backup: no message carries it", lost.target));
+        continue;
+      }
+      std::vector<std::string> details = lost.details;
+      if (details.size() > kMostDetails) {
+        const std::size_t more = details.size() - kMostDetails;
+        details.resize(kMostDetails);
+        details.push_back(fmt::format("and {} more", more));
+      }
+      complain(
+          fmt::format("{}: no message carries this (here | in the backup): {}", lost.target, fmt::join(details, ", ")));
+    }
+  }
+
+  Program& program_;
+  const std::unique_ptr<EmbeddedEditor> editor_;
+  OutputFile file_;
+  ScratchLibrary proof_;
+  std::uint64_t number_ = 0;
+  std::uint64_t messages_ = 0;
+  std::uint64_t bytes_ = 0;
+  std::set<std::string> leftOut_;
+};
+
+}  // namespace
+
+void backup(const std::string& output, Program& program) { BackingUp(output, program).run(); }
+
+}  // namespace Editor

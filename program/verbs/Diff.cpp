@@ -1,0 +1,109 @@
+// The verb diff: what two libraries, or files of messages, do not have in common.
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <optional>
+
+#include "compare/Compare.h"
+#include "input/InputFiles.h"
+#include "input/ScratchLibrary.h"
+#include "messages/Text.h"
+#include "output/Progress.h"
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+namespace {
+
+bool isLibrary(const std::string& path) {
+  constexpr std::string_view kMagic("SQLite format 3\0", 16);
+  std::string magic(kMagic.size(), '\0');
+  std::ifstream(path, std::ios::binary).read(magic.data(), std::streamsize(magic.size()));
+  return path != "-" && magic == kMagic;
+}
+
+// A library, or a file that a scratch library has received.
+class Side {
+ public:
+  // `input` is nothing for a library.
+  Side(const std::string& path, const std::optional<InputFiles>& input, Program& program) {
+    if (input) {
+      receive(*input, program);
+    } else {
+      library_ = program.openEditor(path);
+    }
+  }
+
+  bool isFile() const { return scratch_ != nullptr; }
+  EmbeddedEditor& editor() { return scratch_ ? scratch_->editor() : *library_; }
+
+ private:
+  // What is refused is told, and is missing from the comparison: that alone makes it fail.
+  void receive(const InputFiles& input, Program& program) {
+    scratch_ = std::make_unique<ScratchLibrary>();
+    const auto complain = [&](const std::string& text) {
+      program.console.problem(text);
+      program.refuse();
+    };
+    if (!input.reportLosses(program.console)) program.refuse();
+    Progress progress(program.console, "diff", "messages", input.countMessages());
+    EmbeddedEditor::Run run(editor(), Library::Transaction::Access::Write, EmbeddedEditor::Run::Devices::any);
+    input.forEachMessage([&](const InputFiles::Message& message) {
+      const Reading reading = readMessage(message.bytes);
+      if (reading.kind == Reading::Kind::dump || reading.kind == Reading::Kind::invalid) {
+        const Record record = editor().handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
+        if (record.outcome == Outcome::refused)
+          complain(
+              fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
+        for (const UnitReport& unit : record.ended)
+          if (isBroken(unit)) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
+      }
+      progress.step(message.bytes.size());
+    });
+    for (const UnitReport& unit : editor().openUnits())
+      complain(fmt::format("{}: {}", input.place(unit.firstMessage), describeUnit(unit)));
+    run.commit();
+  }
+
+  std::unique_ptr<EmbeddedEditor> library_;
+  std::unique_ptr<ScratchLibrary> scratch_;
+};
+
+}  // namespace
+
+void diff(const std::string& firstPath, const std::string& secondPath, Program& program) {
+  if (firstPath == "-" && secondPath == "-") throw Failure(kWrongUsage, "standard input cannot be both");
+  for (const std::string& path : {firstPath, secondPath})
+    if (path != "-" && !std::filesystem::exists(path))
+      throw Failure(kUnusableInput, fmt::format("{}: No such file or directory", escape(path)));
+  // Read before a scratch library takes Ctrl-C for its own: standard input may never end.
+  const auto read = [&](const std::string& path) {
+    return isLibrary(path) ? std::nullopt : std::optional(InputFiles({path}, program.console));
+  };
+  const std::optional<InputFiles> firstInput = read(firstPath);
+  const std::optional<InputFiles> secondInput = read(secondPath);
+  Side first(firstPath, firstInput, program);
+  Side second(secondPath, secondInput, program);
+  const Library::Transaction firstState(first.editor().library(), Library::Transaction::Access::Read);
+  const Library::Transaction secondState(second.editor().library(), Library::Transaction::Access::Read);
+  first.editor().tools().reload();
+  second.editor().tools().reload();
+  const Reception reception = first.isFile() || second.isFile() ? Reception::ignored : Reception::compared;
+  const std::vector<Difference> differences = compareLibraries(first.editor(), second.editor(), reception);
+  for (const Difference& difference : differences) {
+    if (difference.kind != Difference::Kind::changed)
+      program.console.line(
+          fmt::format("{}: only in {}: \"{}\"", difference.target,
+                      escape(difference.kind == Difference::Kind::onlyInFirst ? firstPath : secondPath),
+                      showName(difference.name)));
+    for (const std::string& detail : difference.details)
+      program.console.line(fmt::format("{}: {}", difference.target, detail));
+  }
+  if (differences.empty()) return program.console.note("no difference");
+  program.refuse();
+}
+
+}  // namespace Editor

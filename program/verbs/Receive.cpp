@@ -1,0 +1,167 @@
+// The verb receive: messages handed to the library's instrument, and what became of each.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+#include <memory>
+
+#include "exchange/Answers.h"
+#include "input/InputFiles.h"
+#include "messages/Text.h"
+#include "midi/Counted.h"
+#include "midi/MidiFile.h"
+#include "output/OutputFile.h"
+#include "output/Progress.h"
+#include "output/Trace.h"
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+namespace {
+
+class Receiving {
+ public:
+  Receiving(const Words& files, const ExchangeOptions& options, Program& program)
+      : program_(program),
+        console_(program.console),
+        port_(BDA::DevicePortNum(options.port)),
+        input_(files, program.console),
+        progress_(program.console, "receive", "messages", input_.countMessages()),
+        editor_(program.openEditor()),
+        trace_(options.trace) {
+    if (!options.output.empty()) answers_.emplace(options.output);
+    if (options.output == "-" || options.trace == "-") console_.keepOutputForBytes();
+    if (!input_.reportLosses(console_)) program.refuse();
+  }
+
+  void run() {
+    try {
+      input_.forEachMessage([&](const InputFiles::Message& message) { receive(message); });
+    } catch (...) {
+      try {
+        commitOutputs();  // what was done was done
+      } catch (const Failure& second) {
+        complain(second.what());
+      }
+      throw;
+    }
+    for (const UnitReport& unit : editor_->openUnits())
+      complain(fmt::format("{}: {}", input_.place(unit.firstMessage), describeUnit(unit)));
+    commitOutputs();
+    if (answers_ && !hasAnswers_) console_.note("no request was answered: nothing is written");
+    std::string summary;
+    for (const auto& [outcome, messages] : tally_)
+      if (messages > 0) summary += fmt::format("{}{} {}", summary.empty() ? "" : ", ", messages, wordOf(outcome));
+    console_.note(summary);
+  }
+
+ private:
+  void commitOutputs() {
+    if (answers_ && hasAnswers_) answers_->commit();
+    trace_.commit();
+  }
+
+  void complain(const std::string& text) {
+    console_.problem(text);
+    program_.refuse();
+  }
+
+  void receive(const InputFiles::Message& message) {
+    progress_.step(message.bytes.size());
+    const Record record = handle(message);
+    ++tally_[record.outcome];
+    tell(message, record);
+    try {
+      trace_.add({message.number, &message.file, message.offset}, port_, message.bytes, record);
+    } catch (const Failure& failure) {
+      throw Failure(failure.code(),
+                    fmt::format("{}: {}; nothing after it is handled", placeOf(message), failure.what()));
+    }
+    for (const UnitReport& unit : record.ended)
+      if (isBroken(unit) || !unit.note.empty()) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
+    for (const std::string& text : record.log)
+      if (!text.empty()) console_.detail(fmt::format("    {}", escape(text.substr(0, text.find('\n')))));
+    const Reading& reading = record.reading;
+    if (record.outcome != Outcome::refused && reading.verdict == Reading::Verdict::fileDumpBroken)
+      complain(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
+    if (record.libraryFailed && reading.kind == Reading::Kind::dump)
+      throw Failure(kWrongUsage, fmt::format("{}: the library failed, nothing after it is handled", placeOf(message)));
+  }
+
+  Record handle(const InputFiles::Message& message) {
+    try {
+      return editor_->handle(message.bytes, port_, message.number);
+    } catch (const LibraryError& error) {
+      throw Failure(kWrongUsage, fmt::format("{}: not handled, nor is anything after it: {}", placeOf(message),
+                                             escape(error.what())));
+    }
+  }
+
+  void tell(const InputFiles::Message& message, const Record& record) {
+    const std::string what = describeContent(record.reading);
+    const auto line = [&](const std::string& text) {
+      console_.line(fmt::format("{}: {} ({})", wordOf(record.outcome), text, placeOf(message)));
+    };
+    const auto tellContents = [&] {
+      for (const std::string& content : record.contents) {
+        const bool isRemoved = std::find(record.removed.begin(), record.removed.end(), content) != record.removed.end();
+        console_.line(fmt::format("{}: {} ({})", isRemoved ? "removed" : "stored", content, placeOf(message)));
+      }
+    };
+    switch (record.outcome) {
+      case Outcome::stored:
+        tellContents();
+        break;
+      case Outcome::refused:
+        complain(fmt::format("{}: refused: {}: {}", placeOf(message), what, escape(record.reason)));
+        tellContents();
+        break;
+      case Outcome::answered:
+        answer(message, record, what);
+        break;
+      case Outcome::accepted:
+        console_.detail(fmt::format("accepted: {} ({})", what, placeOf(message)));
+        break;
+      case Outcome::notOurs:
+      case Outcome::ignored:
+      case Outcome::nothingToSend:
+      case Outcome::completed:
+        line(what);
+        break;
+    }
+  }
+
+  void answer(const InputFiles::Message& message, const Record& record, const std::string& what) {
+    if (const std::string why = whyUnsendable(record.sent); answers_ && !why.empty()) {
+      --tally_[Outcome::answered];
+      ++tally_[Outcome::refused];
+      return complain(fmt::format("{}: {}: {}", placeOf(message), what, why));
+    }
+    console_.line(fmt::format("answered: {}, {} ({})", what, counted(record.sent.size(), "message"), placeOf(message)));
+    if (!answers_) return;
+    for (const AssistantHost::Sent& sent : record.sent) answers_->write(sent.bytes);
+    hasAnswers_ = true;
+  }
+
+  Program& program_;
+  Console& console_;
+  const BDA::DevicePortNum port_;
+  const InputFiles input_;
+  Progress progress_;
+  const std::unique_ptr<EmbeddedEditor> editor_;
+  Trace trace_;
+  std::optional<OutputFile> answers_;
+  bool hasAnswers_ = false;
+  std::map<Outcome, std::size_t> tally_;
+};
+
+}  // namespace
+
+void receive(const Words& files, const ExchangeOptions& options, Program& program) {
+  if (options.output == "-" && options.trace == "-")
+    throw Failure(kWrongUsage, "answers and trace cannot both go to standard output");
+  Receiving(files, options, program).run();
+}
+
+}  // namespace Editor

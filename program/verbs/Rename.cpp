@@ -1,0 +1,72 @@
+// The verb rename: a new name for a content or an edit buffer.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "contents/ContentFormat.h"
+#include "targets/TargetModels.h"
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+namespace {
+
+// The blocks of the multi that is edited hold no name, nor does the file dump of the single content.
+bool hasName(const Target& target) {
+  return target.kind == Target::Kind::editBuffer ? target.buffer != EditBuffer::multi
+                                                 : target.content.type != ContSrv::ContType_Single;
+}
+
+void checkName(const Target& target, const std::string& name, std::size_t most) {
+  if (std::any_of(name.begin(), name.end(), [](char c) { return c < ' ' || c > '~'; }))
+    refuse(target, fmt::format("\"{}\" has a character that cannot be carried: expected printable ASCII", name));
+  if (name.size() > most)
+    refuse(target, fmt::format("\"{}\" has {} characters, a name here has at most {}", name, name.size(), most));
+}
+
+void renameContent(EmbeddedEditor& editor, const Target& target, const std::string& name) {
+  constexpr std::size_t kLongest = 20;  // in the list of multi names too
+  const std::optional<Library::Content> content = editor.library().content(target.content);
+  if (!content) refuse(target, "nothing is stored there");
+  ModelSet models = emptySetFor(target.content);
+  if (haveSameShape(models, ModelSet()) || decodeContent(content->bytes, models)) {
+    checkName(target, name, kLongest);
+    editor.library().rename(target.content, name);
+    return;
+  }
+  checkName(target, name, nameIn(models)->capacity());
+  nameIn(models)->assign(name);
+  std::string why;
+  if (!editor.store().storeModels(target.content, name, models, why)) refuse(target, why);
+}
+
+}  // namespace
+
+void rename(const Words& words, Program& program) {
+  if (words.size() < 2) throw Failure(kWrongUsage, "expected an address and a name");
+  const std::string& name = words.back();
+  const Words address(words.begin(), words.end() - 1);
+  if (joinAddresses(address).size() > 1)
+    throw Failure(kWrongUsage, "expected one address and one name: a name with blanks stands in quotes");
+  const Target target = parseOneTarget(address);
+  if (target.kind == Target::Kind::system || target.kind == Target::Kind::additional)
+    throw Failure(kWrongUsage, fmt::format("{} has no name", target.name));
+  if (!hasName(target)) refuse(target, "no message carries a name for it");
+  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  Library::Transaction transaction(editor->library());
+  if (target.kind == Target::Kind::content) {
+    renameContent(*editor, target, name);
+  } else {
+    editor->tools().reload();  // now that nobody changes it
+    ModelSet models = loadTarget(*editor, target);
+    checkName(target, name, nameIn(models)->capacity());
+    nameIn(models)->assign(name);
+    storeTarget(*editor, target, models);
+  }
+  transaction.commit();
+  program.console.note(fmt::format("{}: renamed to \"{}\"", target.name, name));
+}
+
+}  // namespace Editor

@@ -1,0 +1,74 @@
+// The verb request: what the library's instrument answers.
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <memory>
+
+#include "exchange/Answers.h"
+#include "messages/Text.h"
+#include "midi/Counted.h"
+#include "midi/Hex.h"
+#include "output/OutputFile.h"
+#include "output/Trace.h"
+#include "targets/Targets.h"
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+namespace {
+
+// Without a file: bytes to a pipe, hex to a terminal.
+void writeAnswers(const std::vector<std::vector<std::uint8_t>>& answers, const std::string& path, Console& console) {
+  if (path.empty() && ::isatty(STDOUT_FILENO) != 0) {
+    for (const std::vector<std::uint8_t>& message : answers) console.line(formatHex(message));
+    return;
+  }
+  OutputFile file(path.empty() ? "-" : path);
+  for (const std::vector<std::uint8_t>& message : answers) file.write(message);
+  file.commit();
+}
+
+}  // namespace
+
+void request(const Words& words, const ExchangeOptions& options, Program& program) {
+  const std::vector<BulkAddress> addresses = parseAddresses(words);
+  const auto port = BDA::DevicePortNum(options.port);
+  if (options.trace == "-" && (options.output.empty() || options.output == "-"))
+    throw Failure(kWrongUsage, "answers and trace cannot both go to standard output");
+  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  Trace trace(options.trace);
+  std::vector<std::vector<std::uint8_t>> answers;
+  std::size_t answered = 0;
+  std::uint64_t number = 0;
+  for (const BulkAddress address : addresses) {
+    try {
+      const std::vector<std::uint8_t> message = editor->requestFor(address);
+      const Record record = editor->handle(message, port, ++number);
+      trace.add({number, nullptr, std::nullopt}, port, message, record);
+      if (const std::string why = whyUnanswered(record); !why.empty()) {
+        program.console.problem(fmt::format("{} ({}, {}): no answer: {}", nameOrBytes(address), formatAddress(address),
+                                            describeAddress(address), escape(why)));
+        program.refuse();
+        continue;
+      }
+      ++answered;
+      for (const AssistantHost::Sent& sent : record.sent) answers.push_back(sent.bytes);
+    } catch (const LibraryError& error) {
+      try {
+        trace.commit();
+      } catch (const Failure& second) {
+        program.console.problem(second.what());
+      }
+      throw Failure(kWrongUsage, fmt::format("{} ({}): not asked, nor is anything after it: {}", nameOrBytes(address),
+                                             formatAddress(address), escape(error.what())));
+    }
+  }
+  if (answered > 0) writeAnswers(answers, options.output, program.console);
+  trace.commit();
+  if (answered == 0) throw Failure(kRefused, "no address was answered, nothing is written");
+  program.console.note(
+      fmt::format("{} answered, {}", counted(answered, "address", "addresses"), counted(answers.size(), "message")));
+}
+
+}  // namespace Editor

@@ -1,0 +1,161 @@
+// The verb restore: messages into the library, all of them or none.
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <memory>
+#include <set>
+
+#include "compare/Compare.h"
+#include "input/InputFiles.h"
+#include "input/ScratchLibrary.h"
+#include "messages/Text.h"
+#include "midi/Counted.h"
+#include "output/Progress.h"
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+namespace {
+
+class Restoring {
+ public:
+  Restoring(const std::string& file, Program& program)
+      : program_(program),
+        console_(program.console),
+        input_({file}, program.console),
+        messages_(input_.countMessages()) {}
+
+  void run(bool dryRun) {
+    verify();
+    const std::string file = program_.libraryFile();
+    if (!dryRun) {
+      const std::unique_ptr<EmbeddedEditor> editor = program_.openEditor(file);
+      EmbeddedEditor::Run run(*editor);
+      receive(*editor, "restore");
+      run.commit();
+      tellChanges(editor->library().takeChanges());
+    } else if (std::filesystem::exists(file)) {
+      const std::unique_ptr<EmbeddedEditor> editor = program_.openEditor(file);
+      const std::unique_ptr<EmbeddedEditor> untouched = program_.openEditor(file);
+      rehearse(*editor, *untouched);
+    } else {  // which would be created
+      ScratchLibrary fresh;
+      ScratchLibrary untouched;
+      rehearse(fresh.editor(), untouched.editor());
+    }
+  }
+
+ private:
+  [[noreturn]] static void giveUp(ExitCode code = kRefused) {
+    throw Failure(code, "nothing is restored, the library is as it was");
+  }
+
+  // Judges the file by itself, before any library is opened.
+  void verify() {
+    constexpr std::size_t kMostProblems = 20;
+    std::size_t problems = input_.reportLosses(console_) ? 0 : 1;
+    const auto complain = [&](const std::string& text) {
+      if (++problems <= kMostProblems) console_.problem(text);
+    };
+    UnitFollower follower;
+    const auto judge = [&](const std::vector<UnitReport>& units, const std::string& place) {
+      for (const UnitReport& unit : units)
+        if (isBroken(unit)) complain(fmt::format("{}: {}", place, describeUnit(unit)));
+    };
+    input_.forEachMessage([&](const InputFiles::Message& message) {
+      const Reading reading = readMessage(message.bytes);
+      if (isBroken(reading))
+        complain(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
+      if (reading.kind != Reading::Kind::request) judge(follower.next(reading, message.number), placeOf(message));
+    });
+    for (const UnitReport& unit : follower.finish()) judge({unit}, input_.place(unit.firstMessage));
+    if (problems > kMostProblems) console_.problem(fmt::format("and {} more", problems - kMostProblems));
+    if (problems != 0) giveUp();
+  }
+
+  void receive(EmbeddedEditor& editor, const char* verb) {
+    Progress progress(console_, verb, "messages", messages_);
+    input_.forEachMessage([&](const InputFiles::Message& message) {
+      const Reading reading = readMessage(message.bytes);
+      if (reading.kind == Reading::Kind::dump) {
+        ++dumps_;
+        const Record record = handle(editor, reading, message);
+        if (record.outcome == Outcome::refused) {
+          console_.problem(
+              fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
+          giveUp(record.libraryFailed ? kWrongUsage : kRefused);
+        }
+      }
+      progress.step(message.bytes.size());
+    });
+    if (!editor.openUnits().empty()) giveUp();
+    if (dumps_ < messages_)
+      console_.note(fmt::format("{} of {} messages are no dumps: ignored", messages_ - dumps_, messages_));
+  }
+
+  static Record handle(EmbeddedEditor& editor, const Reading& reading, const InputFiles::Message& message) {
+    try {
+      return editor.handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
+    } catch (const LibraryError& error) {
+      throw Failure(kWrongUsage, fmt::format("{}: {}; nothing is restored", placeOf(message), escape(error.what())));
+    }
+  }
+
+  void tellChanges(const std::vector<Change>& changes) {
+    std::set<ContentId> stored;
+    std::set<ContentId> removed;
+    for (const Change& change : changes) {
+      if (change.kind != Change::Kind::Stored && change.kind != Change::Kind::Removed) continue;
+      const bool isStored = change.kind == Change::Kind::Stored;
+      (isStored ? stored : removed).insert(change.id);
+      (isStored ? removed : stored).erase(change.id);
+    }
+    for (const ContentId id : stored) console_.detail(fmt::format("stored: {}", nameOf(id)));
+    for (const ContentId id : removed) console_.detail(fmt::format("removed: {}", nameOf(id)));
+    console_.note(fmt::format("restored: {}, {} stored, {} removed", counted(dumps_, "message"),
+                              counted(stored.size(), "content"), removed.size()));
+  }
+
+  // Everything but the commit. `untouched` is the same library through other eyes: it sees what is committed.
+  void rehearse(EmbeddedEditor& editor, EmbeddedEditor& untouched) {
+    const EmbeddedEditor::Run run(editor);
+    const Library::Transaction asItIs(untouched.library(), Library::Transaction::Access::Read);
+    untouched.tools().reload();
+    receive(editor, "dry run");
+    const std::vector<Difference> changes = compareLibraries(untouched, editor, Reception::ignored);
+    for (const Difference& change : changes) tell(change);
+    console_.note(changes.empty()
+                      ? "nothing would change"
+                      : counted(changes.size(), "content or setting", "contents or settings") + " would change");
+  }
+
+  void tell(const Difference& change) {
+    switch (change.kind) {
+      case Difference::Kind::onlyInFirst:
+        console_.line(fmt::format("would remove: {}", change.target));
+        break;
+      case Difference::Kind::onlyInSecond:
+        console_.line(fmt::format("would store: {} \"{}\"", change.target, showName(change.name)));
+        break;
+      case Difference::Kind::changed:
+        console_.line(
+            fmt::format("would change: {} ({})", change.target, counted(change.details.size(), "difference")));
+        for (const std::string& detail : change.details) console_.detail(fmt::format("    {}", detail));
+        break;
+    }
+  }
+
+  Program& program_;
+  Console& console_;
+  const InputFiles input_;
+  const Interruptible interruptible_;  // until everything is told and closed
+  const std::uint64_t messages_;
+  std::uint64_t dumps_ = 0;
+};
+
+}  // namespace
+
+void restore(const std::string& file, bool dryRun, Program& program) { Restoring(file, program).run(dryRun); }
+
+}  // namespace Editor

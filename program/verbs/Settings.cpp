@@ -1,0 +1,99 @@
+// The verb settings: how the library listens.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <memory>
+
+#include "messages/Text.h"
+
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+namespace {
+
+std::uint8_t utilityOf(const EmbeddedEditor& editor, std::uint16_t parameter) {
+  return std::uint8_t(editor.tools().liveSystem().system->utility.values()[parameter]);
+}
+
+void setUtility(EmbeddedEditor& editor, std::uint16_t parameter, std::uint8_t value) {
+  Library::Transaction transaction(editor.library());
+  editor.tools().reload();  // another program may have changed the other system settings
+  ModelSet system = editor.tools().liveSystem();
+  system.system->utility.set(&value, parameter, 0);
+  if (!editor.tools().replaceSystem(system)) throw Failure(kWrongUsage, editor.tools().lastError());
+  transaction.commit();
+}
+
+std::optional<std::int64_t> parseNumber(const std::string& text, std::int64_t least, std::int64_t most) {
+  std::int64_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size() || value < least || value > most) return std::nullopt;
+  return value;
+}
+
+struct Setting {
+  const char* name;
+  const char* values;  // what can be set
+  std::string (*get)(EmbeddedEditor&);
+  bool (*set)(EmbeddedEditor&, const std::string&);  // false: no such value
+};
+
+const std::array kSettings{
+    Setting{"device-number", "1 to 16, all or off",
+            [](EmbeddedEditor& editor) -> std::string {
+              const unsigned device = utilityOf(editor, SystemModel::kDeviceNumber);
+              if (device == unsigned(CMA::DeviceNumber_All)) return "all";
+              if (device == unsigned(CMA::DeviceNumber_Off)) return "off";
+              return std::to_string(device + 1);
+            },
+            [](EmbeddedEditor& editor, const std::string& value) {
+              const auto device = value == "all"   ? std::optional<std::int64_t>(CMA::DeviceNumber_All + 1)
+                                  : value == "off" ? std::optional<std::int64_t>(CMA::DeviceNumber_Off + 1)
+                                                   : parseNumber(value, 1, 16);
+              if (device) setUtility(editor, SystemModel::kDeviceNumber, std::uint8_t(*device - 1));
+              return device.has_value();
+            }},
+    Setting{"receive-bulk", "on or off",
+            [](EmbeddedEditor& editor) -> std::string {
+              return utilityOf(editor, SystemModel::kReceiveBulk) == 0 ? "off" : "on";
+            },
+            [](EmbeddedEditor& editor, const std::string& value) {
+              if (value != "on" && value != "off") return false;
+              setUtility(editor, SystemModel::kReceiveBulk, value == "on" ? 1 : 0);
+              return true;
+            }},
+    Setting{"mixing-voices", "a number from 0 to 2048",
+            [](EmbeddedEditor& editor) { return std::to_string(editor.library().mixingVoiceMaximum()); },
+            [](EmbeddedEditor& editor, const std::string& value) {
+              const auto most = parseNumber(value, 0, Library::kDefaultMixingVoiceMaximum);
+              if (most) editor.library().setMixingVoiceMaximum(*most);
+              return most.has_value();
+            }},
+};
+
+}  // namespace
+
+void settings(const std::string& name, const std::optional<std::string>& value, Program& program) {
+  const auto found =
+      std::find_if(kSettings.begin(), kSettings.end(), [&](const Setting& setting) { return name == setting.name; });
+  if (!name.empty() && found == kSettings.end()) {
+    std::string names;
+    for (const Setting& setting : kSettings) names += fmt::format("{}{}", names.empty() ? "" : ", ", setting.name);
+    throw Failure(kWrongUsage, fmt::format("there is no setting \"{}\": expected {}", escape(name), names));
+  }
+  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  if (name.empty()) {
+    for (const Setting& setting : kSettings)
+      program.console.line(fmt::format("{} {}", setting.name, setting.get(*editor)));
+  } else if (!value) {
+    program.console.line(found->get(*editor));
+  } else if (!found->set(*editor, *value)) {
+    throw Failure(kWrongUsage, fmt::format("{}: \"{}\": expected {}", name, escape(*value), found->values));
+  }
+}
+
+}  // namespace Editor

@@ -1,0 +1,42 @@
+// The verb verify: whether every message and every unit of files is whole, judged without a library.
+
+#include <fmt/format.h>
+
+#include "midi/Counted.h"
+#include "output/ReadingLines.h"
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+void verify(const Words& files, bool json, Program& program) {
+  Console& console = program.console;
+  const LineForm form = json ? LineForm::json : LineForm::words;
+  const InputFiles input(files, program.console);
+  const bool whole = input.reportLosses(console);
+  std::size_t messages = 0;
+  std::size_t brokenMessages = 0;
+  std::size_t units = 0;
+  std::size_t brokenUnits = 0;
+  UnitFollower follower;
+  const auto tellUnits = [&](const std::vector<UnitReport>& ended) {
+    for (const UnitReport& unit : ended) {
+      ++units;
+      if (isBroken(unit)) ++brokenUnits;
+      console.line(lineOf(unit, form));
+    }
+  };
+  printReadings(input, form, console, [&](const InputFiles::Message& message, const Reading& reading) {
+    ++messages;
+    if (isBroken(reading)) {
+      ++brokenMessages;
+      console.problem(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
+    }
+    tellUnits(follower.next(reading, message.number));
+  });
+  tellUnits(follower.finish());
+  if (!whole || brokenMessages + brokenUnits != 0) program.refuse();
+  console.note(fmt::format("{}, {} broken; {}, {} broken", counted(messages, "message"), brokenMessages,
+                           counted(units, "unit"), brokenUnits));
+}
+
+}  // namespace Editor

@@ -1,0 +1,13 @@
+#include "messages/Text.h"
+
+#include <gtest/gtest.h>
+
+TEST(Text, controlCharactersAreEscaped) {
+  EXPECT_EQ(Editor::escape("a\x1B[31m\tb\n\x7F"), "a\\x1B[31m\\x09b\\x0A\\x7F");
+  EXPECT_EQ(Editor::escape("caf\xC3\xA9.syx"), "caf\xC3\xA9.syx");
+}
+
+TEST(Text, namesAreShownAsUtf8) {
+  EXPECT_EQ(Editor::showName("Gr\xFC\xDF"), "Gr\xC3\xBC\xC3\x9F");
+  EXPECT_EQ(Editor::showName("\x01 \x9B"), "\\x01 \\x9B");
+}

@@ -1,0 +1,62 @@
+#include "output/Progress.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include "ExitCode.h"
+
+using Editor::Console;
+using Editor::describeProgress;
+using Editor::Failure;
+using Editor::Interruptible;
+using Editor::Progress;
+
+TEST(Progress, saysItemsBytesAndTheTimeThatIsLeft) {
+  using Seconds = std::chrono::duration<double>;
+  EXPECT_EQ(describeProgress(120, 2600, "contents", 1250000, Seconds(1)), "120 of 2600 contents, 1.2 MB, 21 s left");
+  EXPECT_EQ(describeProgress(2600, 2600, "contents", 0, Seconds(9)), "2600 of 2600 contents, 0.0 MB, 0 s left");
+}
+
+TEST(Progress, ctrlCEndsTheRunAtTheNextStep) {
+  Console console;
+  Progress progress(console, "restore", "messages", 3);
+  EXPECT_NO_THROW(progress.step(1));
+  std::raise(SIGINT);
+  try {
+    progress.step(1);
+    FAIL() << "it went on";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.code(), Editor::kInterrupted);
+    EXPECT_STREQ(failure.what(), "interrupted");
+  }
+}
+
+TEST(Progress, anEarlierCtrlCDoesNotEndALaterRun) {
+  {
+    const Interruptible first;
+    std::raise(SIGINT);
+  }
+  const Interruptible second;
+  EXPECT_NO_THROW(Interruptible::check());
+}
+
+TEST(Progress, insideAnotherOneCtrlCIsNotLost) {
+  const Interruptible outer;
+  {
+    const Interruptible inner;
+    std::raise(SIGINT);
+  }
+  const Interruptible next;
+  EXPECT_THROW(Interruptible::check(), Failure);
+}
+
+TEST(Progress, afterTheRunCtrlCEndsTheProgramAgain) {
+  EXPECT_EXIT(
+      {
+        { const Interruptible run; }
+        std::raise(SIGINT);
+      },
+      testing::KilledBySignal(SIGINT), "");
+}
