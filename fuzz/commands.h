@@ -77,6 +77,22 @@ enum Command : std::uint8_t {
   kCommandCount
 };
 
+// A header, blocks from one place of the map on, and the footer.
+template <typename Editor>
+void playUnit(Editor& editor, Input& input, BDA::DevicePortNum port) {
+  const Block& header = blocks()[input.word() % blocks().size()];
+  const std::size_t first = input.word();
+  const unsigned count = input.byte() % 32U;
+  editor.handle(dumpOf({0x0E, header.mid, header.lo, 0}, {}), port);
+  for (unsigned i = 0; i < count; ++i) {
+    const Block& block = blocks()[(first + i) % 300];
+    Bytes data = input.bytes(block.dataLength);
+    data.resize(block.dataLength);
+    editor.handle(dumpOf(block, data), port);
+  }
+  editor.handle(dumpOf({0x0F, header.mid, header.lo, 0}, {}), port);
+}
+
 template <typename Editor>
 void playCommands(Editor& editor, Input input) {
   std::uint32_t number = BDA::DevicePort_Main;
@@ -120,20 +136,9 @@ void playCommands(Editor& editor, Input input) {
       case kPort:
         number = input.byte() % 8;
         break;
-      case kUnit: {  // a header, blocks from one place of the map on, and the footer
-        const Block& header = blocks()[input.word() % blocks().size()];
-        const std::size_t first = input.word();
-        const unsigned count = input.byte() % 32U;
-        editor.handle(dumpOf({0x0E, header.mid, header.lo, 0}, {}), port);
-        for (unsigned i = 0; i < count; ++i) {
-          const Block& block = blocks()[(first + i) % 300];
-          Bytes data = input.bytes(block.dataLength);
-          data.resize(block.dataLength);
-          editor.handle(dumpOf(block, data), port);
-        }
-        editor.handle(dumpOf({0x0F, header.mid, header.lo, 0}, {}), port);
+      case kUnit:
+        playUnit(editor, input, port);
         break;
-      }
       case kCommandCount:
         break;
     }

@@ -31,6 +31,12 @@ void forEachStep(const Row& row, Data* data, Step step) {
   for (unsigned n = 0; n < row.count; ++n, at += kBytes) step(Word(row.index + n), at);
 }
 
+// The low seven bits of a value in the second byte; those from `shift` on in the first one, as far as its mask goes.
+void putInTwo(Byte* to, unsigned value, unsigned shift, unsigned mask) {
+  to[0] = Byte(value >> shift & mask);
+  to[1] = value & 0x7F;
+}
+
 // The routines of the instrument's blocks, data into the model and back.
 
 void receiveRow(const Row& row, CMA::ParameterGroup& group, CMA::ParameterGroup& group2, const Byte* data) {
@@ -100,28 +106,16 @@ void dumpRow(const Row& row, const CMA::ParameterGroup& group, const CMA::Parame
       forEachStep<1>(row, data, [&](Word index, Byte* to) { to[0] = Byte(getParameter<Word>(group, index)); });
       break;
     case Routine::setPairParam:
-      forEachStep<2>(row, data, [&](Word index, Byte* to) {
-        const unsigned value = getParameter<Word>(group, index);
-        to[0] = value >> 7 & 0x7F;
-        to[1] = value & 0x7F;
-      });
+      forEachStep<2>(row, data, [&](Word index, Byte* to) { putInTwo(to, getParameter<Word>(group, index), 7, 0x7F); });
       break;
     case Routine::setSplitByteParam:
-      forEachStep<2>(row, data, [&](Word index, Byte* to) {
-        const unsigned value = getParameter<Byte>(group, index);
-        to[0] = value >> 7 & 0x01;
-        to[1] = value & 0x7F;
-      });
+      forEachStep<2>(row, data, [&](Word index, Byte* to) { putInTwo(to, getParameter<Byte>(group, index), 7, 0x01); });
       break;
     case Routine::setSplitByteHigh:
       forEachStep<1>(row, data, [&](Word index, Byte* to) { to[0] = getParameter<Byte>(group, index) >> 7 & 0x01; });
       break;
     case Routine::setNibbleSplitParam:
-      forEachStep<2>(row, data, [&](Word index, Byte* to) {
-        const unsigned value = getParameter<Byte>(group, index);
-        to[0] = value >> 4 & 0x7F;
-        to[1] = value & 0x7F;
-      });
+      forEachStep<2>(row, data, [&](Word index, Byte* to) { putInTwo(to, getParameter<Byte>(group, index), 4, 0x7F); });
       break;
     case Routine::setNibbleParams:
       forEachStep<1>(row, data, [&](Word index, Byte* to) {

@@ -181,7 +181,7 @@ class MemoryOfBlocks : public Memory {
 // What is reported as not received fails these tests as a trace that nobody took.
 TEST_F(MemoryOfBlocks, AReceivedSystemBlockAllocatesNothing) {
   for (const InstrumentMap::Block& block : systemBlocks()) {
-    const Bytes data = pattern(InstrumentMap::executers()[block.executer - 1].dataLength);
+    const Bytes data = pattern(InstrumentMap::kExecuters[block.executer - 1].dataLength);
     for (const std::uint32_t from : kPorts) expectNoAllocation(dumpMessage(addressOf(block), data), from);
   }
 }

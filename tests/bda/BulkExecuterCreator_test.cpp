@@ -37,11 +37,11 @@ class BulkExecuterCreatorTest : public ExecuterFixture {
 };
 
 TEST_F(BulkExecuterCreatorTest, MakesEveryExecuterOfItsClassAndLength) {
-  ASSERT_EQ(InstrumentMap::executers().size(), 77u);
-  for (const InstrumentMap::Executer& expected : InstrumentMap::executers()) {
+  ASSERT_EQ(InstrumentMap::kExecuters.size(), 77u);
+  for (const InstrumentMap::Executer& expected : InstrumentMap::kExecuters) {
     const BulkExecuter* const made = creator.getExecuter(expected.number);
     ASSERT_NE(made, nullptr) << expected.number;
-    EXPECT_EQ("BDA::" + classOf(*made), expected.className) << expected.number;
+    EXPECT_EQ(classOf(*made), "BulkExecuter" + std::string(expected.name)) << expected.number;
     EXPECT_EQ(made->getDataLength(), expected.dataLength) << expected.number;
   }
 }

@@ -3,198 +3,21 @@
 #include <algorithm>
 #include <set>
 
+#include "SystemBlocks.h"
 #include "TableFixture.h"
 
 namespace BDA {
 namespace {
 
+using SystemBlocks::Block;
+using SystemBlocks::blocks;
+using SystemBlocks::carriedBits;
+using SystemBlocks::expectedSets;
+using SystemBlocks::Kind;
+using SystemBlocks::Step;
+
 constexpr std::uint8_t kReceive = 1;
 constexpr std::uint8_t kDump = 0;
-
-// ---- The blocks, typed a second time: which bytes carry which parameters, in the order of conversion ----
-
-enum class Kind { byte, wideByte, pair, nibbles, name };
-
-struct Step {
-  Kind kind;
-  std::size_t byte;
-  std::string target;
-  unsigned index = 0;
-  std::size_t size = 1;  // data bytes
-};
-
-struct Block {
-  std::string name;
-  std::size_t executer;
-  std::string address;
-  unsigned type;
-  std::size_t length;
-  std::string classAndTitle[2];    // in reports
-  std::vector<std::string> nodes;  // of the model, each of which may be missing
-  std::vector<Step> steps;
-};
-
-void PrintTo(const Block& block, std::ostream* out) { *out << block.name; }
-
-using Steps = std::vector<Step>;
-
-// Bytes `first` to `last` are one-byte parameters from `index` on.
-Steps bytes(std::size_t first, std::size_t last, const std::string& target, unsigned index) {
-  Steps steps;
-  for (std::size_t byte = first; byte <= last; ++byte)
-    steps.push_back({Kind::byte, byte, target, index + unsigned(byte - first)});
-  return steps;
-}
-
-Steps insertionEffect(const std::string& target) {
-  Steps steps{{Kind::wideByte, 0, target, 0}, {Kind::wideByte, 1, target, 1}, {Kind::wideByte, 2, target, 4}};
-  for (unsigned k = 0; k < 16; ++k) steps.push_back({Kind::pair, 4 + 2 * k, target, 5 + k, 2});
-  return steps;
-}
-
-Steps all(const std::vector<Steps>& parts) {
-  Steps steps;
-  for (const Steps& part : parts) steps.insert(steps.end(), part.begin(), part.end());
-  return steps;
-}
-
-std::vector<Block> makeBlocks() {
-  const std::string common = "system.common";
-  const std::string ad = "system.adPart[0]";
-  std::vector<Block> blocks{
-      {"Common",
-       48,
-       "00 00 00",
-       49,
-       68,
-       {"Common", "System Common"},
-       {"system", common, "system.tune"},
-       all({bytes(0, 1, common, 0),
-            {{Kind::nibbles, 2, "system.tune", 0, 4}},
-            bytes(6, 11, common, 2),
-            bytes(13, 13, common, 8),
-            bytes(17, 18, common, 12),
-            bytes(20, 21, common, 14),
-            bytes(24, 24, common, 16),
-            bytes(27, 31, common, 21),
-            bytes(35, 35, common, 27),
-            bytes(40, 51, common, 28),
-            bytes(53, 53, common, 41),
-            bytes(55, 55, common, 42),
-            bytes(57, 57, common, 44),
-            bytes(59, 60, common, 45),
-            bytes(62, 62, common, 48),
-            bytes(64, 64, common, 49)})},
-      {"Ad",
-       49,
-       "00 40 00",
-       50,
-       8,
-       {"Ad", "System AD"},
-       {"system", ad, ad + ".params"},
-       all({bytes(0, 4, ad + ".params", 0), bytes(6, 6, ad + ".params", 5)})},
-      {"AdInsertionA",
-       50,
-       "00 03 00",
-       51,
-       36,
-       {"AdInsAB", "System AD Ins AB"},
-       {"system", ad, ad + ".insertionA"},
-       insertionEffect(ad + ".insertionA")},
-      {"AdInsertionB",
-       51,
-       "00 04 00",
-       52,
-       36,
-       {"AdInsAB", "System AD Ins AB"},
-       {"system", ad, ad + ".insertionB"},
-       insertionEffect(ad + ".insertionB")},
-      {"MasterEq",
-       52,
-       "00 20 00",
-       53,
-       20,
-       {"Meq", "System MEQ"},
-       {"system", "system.masterEq"},
-       all({bytes(0, 6, "system.masterEq", 0), bytes(8, 10, "system.masterEq", 8), bytes(12, 14, "system.masterEq", 11),
-            bytes(16, 19, "system.masterEq", 14)})},
-      {"MasterEffect",
-       53,
-       "00 21 00",
-       54,
-       38,
-       {"Mef", "System MEF"},
-       {"system", "system.masterEffect", "system.masterEffectSettings"},
-       all({insertionEffect("system.masterEffect"), bytes(36, 36, "system.masterEffectSettings", 0)})},
-      {"Sequencer",
-       55,
-       "00 05 00",
-       58,
-       22,
-       {"Seq", "Seq"},
-       {"system", "system.sequencer"},
-       all({bytes(0, 3, "system.sequencer", 0), bytes(11, 13, "system.sequencer", 4)})},
-      {"Remote",
-       56,
-       "00 06 00",
-       59,
-       5,
-       {"Remote", "Remote"},
-       {"system", "system.remote"},
-       bytes(0, 1, "system.remote", 0)},
-  };
-  for (int number = 0; number < 6; ++number) {
-    const std::string node = "system.quickSetup[" + std::to_string(number) + "]";
-    blocks.push_back({"QuickSetup" + std::to_string(number),
-                      54,
-                      "00 5" + std::to_string(number) + " 00",
-                      57,
-                      10,
-                      {"UserQuickSetup", "User Quick Setup"},
-                      {"system", node, node + ".name", node + ".params"},
-                      all({{{Kind::name, 0, node + ".name", 0, 8}}, bytes(8, 9, node + ".params", 0)})});
-  }
-  return blocks;
-}
-
-const std::vector<Block>& blocks() {
-  static const std::vector<Block> made = makeBlocks();
-  return made;
-}
-
-// What a step writes into the model when it receives.
-unsigned valueOf(const Step& step, const Bytes& data) {
-  const std::uint8_t* const at = data.data() + step.byte;
-  switch (step.kind) {
-    case Kind::pair:
-      return at[0] * 128U | at[1];
-    case Kind::nibbles:
-      return at[0] % 16 * 4096U + at[1] % 16 * 256U + at[2] % 16 * 16U + at[3] % 16;
-    default:
-      return at[0];
-  }
-}
-
-Lines expectedSets(const Block& block, const Bytes& data) {
-  Lines lines;
-  for (const Step& step : block.steps) {
-    if (step.kind == Kind::name) {
-      const std::string text(data.begin() + long(step.byte), data.begin() + long(step.byte + step.size));
-      lines.push_back("setName(" + step.target + ", " + text.c_str() + ")");
-      continue;
-    }
-    lines.push_back((step.kind == Kind::byte ? "set(" : "set16(") + step.target + ", " + std::to_string(step.index) +
-                    ", " + std::to_string(valueOf(step, data)) + ", flag 1)");
-  }
-  return lines;
-}
-
-// The bits of a byte that reach the model: a name takes all eight, as one-byte parameters do.
-unsigned carriedBits(const Block& block, std::size_t byte) {
-  for (const Step& step : block.steps)
-    if (byte >= step.byte && byte < step.byte + step.size) return step.kind == Kind::nibbles ? 0x0F : 0xFF;
-  return 0;
-}
 
 class SystemFixture : public TableFixture {
  protected:

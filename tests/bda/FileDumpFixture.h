@@ -34,6 +34,11 @@ class FileDumpFixture : public ExecuterFixture {
  protected:
   static constexpr std::size_t kNumber = 60;
 
+  // Types of contents.
+  static constexpr std::uint32_t kVoice = 4;
+  static constexpr std::uint32_t kMulti = 1;
+  static constexpr std::uint32_t kSingle = 14;
+
   // What the address map gives to the executer with each address.
   struct Row {
     std::uint8_t firstMid;
@@ -117,6 +122,16 @@ class FileDumpFixture : public ExecuterFixture {
     all.push_back("write(" + std::to_string(size) + ")");
     all.push_back("closeDataWithoutSync");
     all.push_back("closeDataFile(0)");
+    return all;
+  }
+  // What an answer asks of it for one content.
+  static Lines readOf(std::uint32_t type, std::uint32_t number, std::size_t size) {
+    Lines all{"getDataFilePath(" + place(type, number, ", ") + ")"};
+    if (type != kSingle) all.push_back("getContentName(" + place(type, number, ", ") + ")");
+    all.push_back("openDataFile(" + place(type, number, "/") + ", read)");
+    all.insert(all.end(), {"openData", "getSize"});
+    if (size > 0) all.push_back("read(" + std::to_string(size) + ")");
+    all.insert(all.end(), {"closeData", "closeDataFile(0)"});
     return all;
   }
 

@@ -6,7 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
-#include <string>
+#include <string_view>
 #include <vector>
 
 namespace InstrumentMap {
@@ -290,82 +290,87 @@ inline const std::vector<std::int16_t>& positions() {
 
 struct Executer {
   std::size_t number;
-  std::string className;
+  std::string_view name;  // of its class, after BDA::BulkExecuter
   std::uint32_t dataLength;
 };
-inline const std::vector<Executer>& executers() {
-  static const std::vector<Executer> all = [] {
-    std::vector<Executer> made{
-        {1, "Header", 0},
-        {2, "Footer", 0},
-        {3, "VoiceCommon", 80},
-        {4, "VoiceCommonRev", 38},
-        {5, "VoiceCommonCho", 40},
-        {6, "VoiceCommonInsAB", 36},
-        {7, "VoiceCommonInsAB", 36},
-        {8, "VoiceCommonInsL", 68},
-        {9, "VoiceCommonCtrl", 60},
-        {10, "VoiceCommonArp", 86},
-        {11, "NormalVoiceElmOsc", 88},
-        {12, "NormalVoiceElmFilter", 74},
-        {13, "VoiceCommon", 72},
-        {14, "VoiceCommonRev", 38},
-        {15, "VoiceCommonCho", 40},
-        {16, "VoiceCommonInsAB", 36},
-        {17, "VoiceCommonInsAB", 36},
-        {18, "VoiceCommonInsL", 68},
-        {19, "VoiceCommonCtrl", 24},
-        {20, "VoiceCommonArp", 86},
-        {21, "DrumVoiceKey", 46},
-        {22, "MultiCommon", 80},
-        {23, "VoiceCommonRev", 38},
-        {24, "VoiceCommonCho", 40},
-        {25, "MultiCommonInsAB", 36},
-        {26, "MultiCommonInsAB", 36},
-        {27, "MultiCommonMeq", 20},
-        {28, "MultiCommonMef", 38},
-        {29, "MultiCommonArp", 14},
-        {30, "MultiPart", 62},
-        {31, "MultiPartArp", 72},
-        {32, "MultiPartAd", 8},
-        {33, "PerfCommon", 81},
-        {34, "VoiceCommonRev", 38},
-        {35, "VoiceCommonCho", 40},
-        {36, "MultiCommonInsAB", 36},
-        {37, "MultiCommonInsAB", 36},
-        {38, "MultiCommonMeq", 20},
-        {39, "MultiCommonMef", 38},
-        {40, "MultiCommonArp", 13},  // a byte shorter than the multi's
-        {41, "PerfPart", 63},
-        {42, "MultiPartArp", 72},
-        {43, "MultiPartAd", 8},
-        {44, "MasterCommon", 32},
-        {45, "MasterZone", 16},
-        {46, "RemoteCommon", 27},
-        {47, "RemoteController", 26},
-        {48, "SystemCommon", 68},
-        {49, "SystemAd", 8},
-        {50, "SystemAdInsAB", 36},
-        {51, "SystemAdInsAB", 36},
-        {52, "SystemMeq", 20},
-        {53, "SystemMef", 38},
-        {54, "SystemUserQuickSetup", 10},
-        {55, "SystemSeq", 22},
-        {56, "SystemRemote", 5},
-        {57, "EditorWaveName", 448},
-        {58, "EditorArpName", 448},
-        {59, "EditorMultiName", 2560},
-        {60, "FileDump", 0},
-        {61, "ScreenCap", 10240},
-    };
-    for (std::size_t number = 62; number <= 74; ++number) made.push_back({number, "Favorite", 128});
-    made.push_back({75, "Favorite", 64});
-    made.push_back({76, "Favorite", 32});
-    made.push_back({77, "Favorite", 1});
-    for (Executer& executer : made) executer.className = "BDA::BulkExecuter" + executer.className;
-    return made;
-  }();
-  return all;
-}
+inline constexpr auto kExecuters = std::to_array<Executer>({
+    {1, "Header", 0},
+    {2, "Footer", 0},
+    {3, "VoiceCommon", 80},
+    {4, "VoiceCommonRev", 38},
+    {5, "VoiceCommonCho", 40},
+    {6, "VoiceCommonInsAB", 36},
+    {7, "VoiceCommonInsAB", 36},
+    {8, "VoiceCommonInsL", 68},
+    {9, "VoiceCommonCtrl", 60},
+    {10, "VoiceCommonArp", 86},
+    {11, "NormalVoiceElmOsc", 88},
+    {12, "NormalVoiceElmFilter", 74},
+    {13, "VoiceCommon", 72},
+    {14, "VoiceCommonRev", 38},
+    {15, "VoiceCommonCho", 40},
+    {16, "VoiceCommonInsAB", 36},
+    {17, "VoiceCommonInsAB", 36},
+    {18, "VoiceCommonInsL", 68},
+    {19, "VoiceCommonCtrl", 24},
+    {20, "VoiceCommonArp", 86},
+    {21, "DrumVoiceKey", 46},
+    {22, "MultiCommon", 80},
+    {23, "VoiceCommonRev", 38},
+    {24, "VoiceCommonCho", 40},
+    {25, "MultiCommonInsAB", 36},
+    {26, "MultiCommonInsAB", 36},
+    {27, "MultiCommonMeq", 20},
+    {28, "MultiCommonMef", 38},
+    {29, "MultiCommonArp", 14},
+    {30, "MultiPart", 62},
+    {31, "MultiPartArp", 72},
+    {32, "MultiPartAd", 8},
+    {33, "PerfCommon", 81},
+    {34, "VoiceCommonRev", 38},
+    {35, "VoiceCommonCho", 40},
+    {36, "MultiCommonInsAB", 36},
+    {37, "MultiCommonInsAB", 36},
+    {38, "MultiCommonMeq", 20},
+    {39, "MultiCommonMef", 38},
+    {40, "MultiCommonArp", 13},  // a byte shorter than the multi's
+    {41, "PerfPart", 63},
+    {42, "MultiPartArp", 72},
+    {43, "MultiPartAd", 8},
+    {44, "MasterCommon", 32},
+    {45, "MasterZone", 16},
+    {46, "RemoteCommon", 27},
+    {47, "RemoteController", 26},
+    {48, "SystemCommon", 68},
+    {49, "SystemAd", 8},
+    {50, "SystemAdInsAB", 36},
+    {51, "SystemAdInsAB", 36},
+    {52, "SystemMeq", 20},
+    {53, "SystemMef", 38},
+    {54, "SystemUserQuickSetup", 10},
+    {55, "SystemSeq", 22},
+    {56, "SystemRemote", 5},
+    {57, "EditorWaveName", 448},
+    {58, "EditorArpName", 448},
+    {59, "EditorMultiName", 2560},
+    {60, "FileDump", 0},
+    {61, "ScreenCap", 10240},
+    {62, "Favorite", 128},
+    {63, "Favorite", 128},
+    {64, "Favorite", 128},
+    {65, "Favorite", 128},
+    {66, "Favorite", 128},
+    {67, "Favorite", 128},
+    {68, "Favorite", 128},
+    {69, "Favorite", 128},
+    {70, "Favorite", 128},
+    {71, "Favorite", 128},
+    {72, "Favorite", 128},
+    {73, "Favorite", 128},
+    {74, "Favorite", 128},
+    {75, "Favorite", 64},
+    {76, "Favorite", 32},
+    {77, "Favorite", 1},
+});
 
 }  // namespace InstrumentMap

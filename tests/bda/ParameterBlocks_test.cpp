@@ -53,7 +53,7 @@ class ParameterBlock : public ParameterBlockFixture, public testing::WithParamIn
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Of, ParameterBlock, testing::ValuesIn(ParameterBlocks::kinds()), [](const auto& test) {
+INSTANTIATE_TEST_SUITE_P(Of, ParameterBlock, testing::ValuesIn(ParameterBlocks::kKinds), [](const auto& test) {
   return test.param.className + std::to_string(test.param.types.front());
 });
 
@@ -408,9 +408,9 @@ TEST_F(ParameterBlockMap, EveryBlockReachesTheNodeOfItsIndex) {
 TEST_F(ParameterBlockMap, EveryKindHasTheLengthAndClassOfTheMap) {
   for (const InstrumentMap::Block& block : ParameterBlocks::allBlocks()) {
     const Kind& of = ParameterBlocks::kindOf(block.type);
-    const InstrumentMap::Executer& mapped = InstrumentMap::executers().at(block.executer - 1);
+    const InstrumentMap::Executer& mapped = InstrumentMap::kExecuters.at(block.executer - 1);
     EXPECT_EQ(mapped.number, block.executer);
-    EXPECT_EQ(mapped.className, "BDA::BulkExecuter" + of.className);
+    EXPECT_EQ(mapped.name, of.className);
     EXPECT_EQ(mapped.dataLength, of.length);
     EXPECT_EQ(creator.getExecuter(block.executer)->getDataLength(), of.length);
   }

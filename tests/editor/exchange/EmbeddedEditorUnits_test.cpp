@@ -26,7 +26,7 @@ using ParameterBlocks::Routine;
 using ParameterBlocks::Step;
 using ParameterBlocks::Steps;
 
-// ---- The system blocks, typed a second time as ParameterBlocks.h has the others ----
+// ---- The system blocks, typed a second time as ParameterBlockKinds.h has the others ----
 
 const std::vector<ParameterBlocks::Kind>& systemKinds() {
   using ParameterBlocks::insertionEffect;
@@ -419,7 +419,7 @@ TEST_F(Units, FavouritesOfRandomBytesComeBackAsTheyWentAndStandAtTheirVoices) {
   check([&](Random& random) {
     std::vector<Block> banks;
     for (const InstrumentMap::Block& place : InstrumentMap::lists().at(InstrumentMap::favorite)) {
-      Bytes flags(InstrumentMap::executers().at(place.executer - 1).dataLength);
+      Bytes flags(InstrumentMap::kExecuters.at(place.executer - 1).dataLength);
       for (std::uint8_t& flag : flags) flag = anyByte(random);
       banks.push_back({{place.hi, place.mid, place.lo}, {}, flags});
     }
