@@ -26,8 +26,10 @@ if(BDA_SANITIZE)
   add_link_options(-fsanitize=${sanitizers})
 endif()
 
-# The rest is how its developers work: a guest brings no opinions along.
+# The rest is how its developers work: a guest brings no opinions along. Nor is he judged by those of his host, whose
+# warnings may be other ones, and errors.
 if(NOT PROJECT_IS_TOP_LEVEL)
+  target_compile_options(bda-warnings INTERFACE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-w>)
   return()
 endif()
 

@@ -18,8 +18,9 @@ endif()
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/bda)
 install(EXPORT bda-targets NAMESPACE bda:: DESTINATION ${package_dir} COMPONENT ${BDA_COMPONENT}development)
 configure_package_config_file(cmake/bdaConfig.cmake.in bdaConfig.cmake INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file(bdaConfigVersion.cmake VERSION ${BDA_VERSION} COMPATIBILITY SameMinorVersion)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/bdaConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/bdaConfigVersion.cmake
+write_basic_package_version_file(bdaSameMinorVersion.cmake VERSION ${BDA_VERSION} COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/bdaConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/bdaSameMinorVersion.cmake
+              cmake/bdaConfigVersion.cmake
         DESTINATION ${package_dir} COMPONENT ${BDA_COMPONENT}development)
 
 # pkg-config knows the folders relative to its own files, so that what is installed can be moved.

@@ -14,6 +14,7 @@
 
 #include "FaultScenarios.h"
 #include "bda/BulkDumpAssistant.h"
+#include "support/RecordingObserver.h"
 
 namespace {
 
@@ -329,6 +330,37 @@ TEST_F(ThrowsOnce, AJobTellsOfWhatWasThrownButNotOfAnAnswerThatFailed) {
   EXPECT_EQ(bulkJobs[4]->execEvent(nullptr, nullptr), CMA::JOB::Result_UnknownError);
   record.heal();
   EXPECT_EQ(bulkJobs[4]->execEvent(nullptr, nullptr), CMA::JOB::Result_Success);
+}
+
+// What else the trigger has to do is done.
+TEST_F(ThrowsOnce, AWriteTriggerGoesOnWithTheRest) {
+  record.raise("removeMixingVoice", 3);
+  send("11 01 00");
+  EXPECT_EQ(FaultScenarios::count(calls(), "removeMixingVoice"), 128);
+
+  record.heal();
+  send("0C 50 05", BDA::kEmptyDump);
+  forget();
+  record.raise("requestOverWriteConfig", 1);
+  send("11 00 00");
+  EXPECT_EQ(record.thrown(), 1U);
+  const std::vector<std::string> made = calls();
+  EXPECT_EQ(FaultScenarios::count(made, "removeContents"), 1);
+  EXPECT_EQ(FaultScenarios::count(made, "sync"), 1);
+  trace();
+}
+
+TEST_F(ThrowsOnce, TheHeaderIsForgottenWhoeverListens) {
+  RecordingObserver observer(record);
+  assistant->registerObserver(&observer);
+  openHeader();
+  record.heal();
+  record.raise("checkMode", 1);
+  send("00 40 00", pattern(8));
+  EXPECT_EQ(record.thrown(), 1U);
+  record.heal();
+  EXPECT_TRUE(wasForgotten());
+  assistant->registerObserver(nullptr);
 }
 
 TEST_F(ThrowsOnce, NothingStaysHeldForALaterTrigger) {

@@ -123,8 +123,9 @@ TEST_F(Observer, IsToldWhatBecameOfEachDump) {
     EXPECT_EQ(report.handedOver, row.handedOver);
   }
   send("0C 50 05", fieldOf("Song", pattern(3)));
+  send("0C 50 07", kEmptyDump);
   observer.reports();
-  EXPECT_EQ(toldOf("11 00 00").handedOver, 2U) << "one written, one removed";
+  EXPECT_EQ(toldOf("11 00 00").handedOver, 3U) << "one written, two removed";
 }
 
 TEST_F(Observer, IsToldOfARemovedMixingVoiceAndOfOneThatWasNotThere) {
@@ -199,10 +200,14 @@ TEST_F(Observer, SeesThatARefusedDumpWasTakenAllTheSame) {
 
 TEST_F(Observer, HearsNothingOfWhatAnEditorAsksMeanwhile) {
   const Bytes notice = bytesOf("F0 7D 60 02 F7");
-  const Bytes broken = bytesOf("F0 7D 50 7F 14 00 00 00 F7");
+  const Bytes broken = bytesOf("F0 7D 00 7F 14 00 00 00 40 00 01 F7");
+  const Bytes ofAnotherDevice = bytesOf("F0 7D 05 7F 14 00 00 00 40 00 40 F7");
   record.during("send", [&] {
     Utility::isCorrectCheckSum(notice.data(), lengthOf(notice));
-    assistant->checkBulkDumpMessage(broken.data(), lengthOf(broken));
+    EXPECT_EQ(assistant->checkBulkDumpMessage(broken.data(), lengthOf(broken)), BulkMsg_CheckSumError);
+    EXPECT_EQ(assistant->checkBulkDumpMessage(ofAnotherDevice.data(), lengthOf(ofAnotherDevice)),
+              BulkMsg_WrongDeviceNumber);
+    trace();
   });
   const BulkDumpReport report = toldOf("00 40 00", pattern(8));
   EXPECT_EQ(report.outcome, Outcome::completed);
@@ -224,6 +229,17 @@ TEST_F(Observer, IsToldWhatWasThrown) {
   EXPECT_EQ(report.refusal, Refusal::serviceThrew);
   record.heal();
   EXPECT_EQ(toldOf("00 40 00", pattern(8)).outcome, Outcome::completed);
+}
+
+TEST_F(Observer, IsToldThatWhatNoMemoryHoldsRanOutOfIt) {
+  for (const bool hasNoSpace : {false, true}) {
+    record.during("getSize", [hasNoSpace] {
+      if (hasNoSpace) throw std::bad_alloc();
+      throw std::length_error("longer than any vector");
+    });
+    work.contents[{ContSrv::ContType_Multi, 5}] = {"Song", pattern(3)};
+    EXPECT_EQ(toldOfRequest("0C 50 05").refusal, Refusal::outOfMemory);
+  }
 }
 
 TEST_F(Observer, SeesThatADumpWasTakenThoughItsEchoThrew) {

@@ -2,6 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#ifdef __linux__
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#endif
+
 #include <thread>
 
 #include "bda/platform/UtilSrv/Thread.h"
@@ -22,6 +28,20 @@ void onUnusualThread(Body body) {
     body();
   }).join();
 }
+
+#ifdef __linux__
+// Of the calling thread alone, which the C library knows no way to.
+bool giveUpPrivileges() {
+  constexpr long kUnchanged = -1;
+  constexpr long kNobody = 65534;
+#ifdef SYS_setresuid32
+  constexpr long kCall = SYS_setresuid32;
+#else
+  constexpr long kCall = SYS_setresuid;
+#endif
+  return syscall(kCall, kUnchanged, kNobody, kUnchanged) == 0;
+}
+#endif
 
 TEST(ThreadScheduling, IsReadOfTheAttachedThread) {
   onUnusualThread([] {
@@ -49,6 +69,26 @@ TEST(ThreadScheduling, ChangeTellsWhetherTheSystemAllowedIt) {
     EXPECT_TRUE(ownScheduling() == kUnusual);
   }).join();
 }
+
+#ifdef __linux__
+// A priority that somebody else has given: the thread itself has no right to any.
+TEST(ThreadScheduling, OfAThreadWithoutTheRightToItsPriorityStaysWhereItWasLowered) {
+  bool isPossible = true;
+  std::thread([&] {
+    constexpr OwnScheduling kGiven{kRoundRobin, 50};
+    rlimit limit{};
+    isPossible = setOwnScheduling(kGiven) && getrlimit(RLIMIT_RTPRIO, &limit) == 0 && limit.rlim_cur == 0;
+    isPossible = isPossible && giveUpPrivileges();
+    if (!isPossible) return;
+    Thread thread;
+    thread.attach();
+    EXPECT_TRUE(thread.change(kRoundRobin, 1, 0));
+    EXPECT_FALSE(thread.change(kGiven.policy, kGiven.priority, 0));
+    EXPECT_EQ(thread.getPriority(), 1);
+  }).join();
+  if (!isPossible) GTEST_SKIP() << "nobody can give a thread such a priority here";
+}
+#endif
 
 TEST(ThreadScheduling, WhatIsImpossibleIsRefused) {
   const OwnScheduling before = ownScheduling();

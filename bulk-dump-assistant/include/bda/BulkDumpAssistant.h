@@ -116,8 +116,9 @@ class BDA_API BulkDumpBridge {
 // Exceptions: none comes out, whoever threw. What a service throws, or storage that runs out, ends the message like any
 // failure of its block: with 44 on the screen where a message was being shown, the open header forgotten and nothing
 // more in the log (but what a file dump that cannot be written or read has to say); MIDI output is resumed and the
-// thread's scheduling restored if they had been suspended and changed. What a block meets is still echoed, what is
-// thrown before or after it ends the message there. The next message finds everything in order.
+// thread's scheduling restored, as far as the system lets it, if they had been suspended and changed. What a block
+// meets is still echoed, what is thrown before or after it ends the message there. The next message finds everything in
+// order.
 class BulkDumpAssistant {
  public:
   // Nothing that is handed over changes owner, and all of it outlives the assistant; `jobTools` must not be null.

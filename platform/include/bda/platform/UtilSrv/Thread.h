@@ -40,7 +40,8 @@ class BDA_PLATFORM_API Thread {
   _PolicyType getPolicy() const noexcept;
   _PriorityType getPriority() const noexcept;
   // `mode` is 0: at once. False while not attached, and when the system refuses, for want of a privilege above all; the
-  // thread then goes on as it was. Nothing is traced: to run as before is no failure.
+  // thread then goes on as it was. Nothing is traced: to run as before is no failure. To lower a priority needs no
+  // privilege, to raise it again does: a thread that owes its own to somebody else stays where it was lowered to.
   bool change(_PolicyType policy, _PriorityType priority, int mode) noexcept;
   // Leaves the thread as it is now scheduled.
   void detach() noexcept;
