@@ -297,6 +297,12 @@ Role roleOutsideOfMap(BulkAddress address) {
   return address.hi == BDA::kFooterHi ? Role::emptyFooter : Role::unknown;
 }
 
+bool isWritableFileDump(BulkAddress address) {
+  constexpr std::uint8_t kWritable[] = {39, 41, 43, 44, 45, 46};
+  const std::optional<BlockFacts> block = findBlock(address);
+  return block && std::find(std::begin(kWritable), std::end(kWritable), block->type) != std::end(kWritable);
+}
+
 std::string formatAddress(BulkAddress address) {
   const std::array bytes{address.hi, address.mid, address.lo};
   return formatHex(bytes);

@@ -51,6 +51,9 @@ std::optional<BlockFacts> findBlock(BulkAddress address);
 // Of an address that is not in the map: unknown, emptyHeader or emptyFooter.
 Role roleOutsideOfMap(BulkAddress address);
 
+// Whether the instrument stores a file dump of that address; the others can only be requested.
+bool isWritableFileDump(BulkAddress address);
+
 // "0E 0A 05"
 std::string formatAddress(BulkAddress address);
 

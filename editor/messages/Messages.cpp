@@ -30,17 +30,20 @@ void judge(Reading& reading, Reading::Verdict verdict, std::string note) {
 
 constexpr std::size_t kCount = 2;  // bytes of the length of a name, and of the bytes, in a file dump
 
+std::size_t countAt(std::span<const std::uint8_t> field, std::size_t at) {
+  return std::size_t(field[at]) << 7 | field[at + 1];
+}
+
 // Why the field of a file dump is not a content and nothing else; empty for one that is. The field is the packed name
 // and the packed bytes, each behind its length in two bytes of seven bits; no bytes mean that the content is removed.
 // What follows them counts for nothing: somebody's data is lost there.
 std::string whyNoContent(std::span<const std::uint8_t> field) {
-  const auto countAt = [&](std::size_t at) { return std::size_t(field[at]) << 7 | field[at + 1]; };
   if (field.size() < 2 * kCount) return counted(field.size(), "byte") + " of data, a file dump has at least 4";
   std::size_t left = field.size() - 2 * kCount;
-  const std::size_t name = countAt(0);
+  const std::size_t name = countAt(field, 0);
   if (name > left) return fmt::format("its name has {}, but there is room for {}", counted(name, "byte"), left);
   left -= name;
-  const std::size_t content = countAt(kCount + name);
+  const std::size_t content = countAt(field, kCount + name);
   if (content > left)
     return fmt::format("its content has {}, but there is room for {}", counted(content, "byte"), left);
   for (const auto& [what, size] : {std::pair("name", name), std::pair("content", content)})
@@ -57,6 +60,15 @@ void setAddress(Reading& reading, BulkAddress address) {
   reading.role = reading.block ? reading.block->role : roleOutsideOfMap(address);
 }
 
+void judgeFileDump(Reading& reading, std::span<const std::uint8_t> field) {
+  if (std::string why = whyNoContent(field); !why.empty())
+    return judge(reading, Reading::Verdict::fileDumpBroken, std::move(why));
+  const bool hasData = field.size() > 2 * kCount + countAt(field, 0);
+  if (hasData || !isWritableFileDump(*reading.address)) return;
+  reading.removes = contentOfFileDump({reading.address->mid, reading.address->lo});
+  reading.verdict = Reading::Verdict::removes;
+}
+
 void judgeAddress(Reading& reading, std::span<const std::uint8_t> data) {
   const std::optional<BlockFacts>& block = reading.block;
   if (!block) {
@@ -67,8 +79,7 @@ void judgeAddress(Reading& reading, std::span<const std::uint8_t> data) {
     judge(reading, Reading::Verdict::blockLengthWrong,
           fmt::format("{} data bytes, this block has {}", reading.dataBytes, *block->dataLength));
   } else if (reading.kind == Reading::Kind::dump && reading.role == Role::fileDump) {
-    if (std::string why = whyNoContent(data); !why.empty())
-      judge(reading, Reading::Verdict::fileDumpBroken, std::move(why));
+    judgeFileDump(reading, data);
   }
 }
 
@@ -166,6 +177,8 @@ const char* wordOf(Reading::Verdict verdict) {
       return "good";
     case Reading::Verdict::foreign:
       return "not for this instrument";
+    case Reading::Verdict::removes:
+      return "removes";
     case Reading::Verdict::checksumWrong:
       return "checksum wrong";
     case Reading::Verdict::lengthWrong:
@@ -183,7 +196,14 @@ const char* wordOf(Reading::Verdict verdict) {
 }
 
 bool isBroken(const Reading& reading) {
-  return reading.verdict != Reading::Verdict::good && reading.verdict != Reading::Verdict::foreign;
+  switch (reading.verdict) {
+    case Reading::Verdict::good:
+    case Reading::Verdict::removes:
+    case Reading::Verdict::foreign:
+      return false;
+    default:
+      return true;
+  }
 }
 
 std::string describeContent(const Reading& reading) {

@@ -21,6 +21,7 @@ struct Reading {
   };
   enum class Verdict : std::uint8_t {
     good,
+    removes,  // good, and has what stands in its place removed: a file dump without data
     foreign,
     checksumWrong,
     lengthWrong,       // does not fit the message's own byte count, or its type
@@ -38,6 +39,7 @@ struct Reading {
   Role role = Role::unknown;                     // of that address
   std::size_t dataBytes = 0;                     // of a dump
   bool isNamed = false;                          // of a file dump: it carries a name, whatever is wrong with it
+  std::optional<ContentId> removes;              // what a good file dump without data has removed
   std::optional<std::uint8_t> checksum;          // the one that the dump carries
   std::optional<std::uint8_t> expectedChecksum;  // the one that it should carry
   std::string note;                              // why it is not good, in words
@@ -50,7 +52,7 @@ std::vector<std::uint8_t> requestMessage(BulkAddress address, std::uint8_t devic
 
 const char* wordOf(Reading::Kind kind);
 const char* wordOf(Reading::Verdict verdict);
-// Good and foreign messages are fine, all others are broken.
+// Those that are good, that remove something and foreign ones are fine, all others are broken.
 bool isBroken(const Reading& reading);
 
 // What the message carries, in words: "element 3 oscillator", "request of system common" ...

@@ -64,12 +64,6 @@ std::vector<BulkAddress> OpenUnit::missing() const {
   return missing;
 }
 
-bool isWritableFileDump(BulkAddress address) {
-  constexpr std::uint8_t kWritable[] = {39, 41, 43, 44, 45, 46};
-  const std::optional<BlockFacts> block = findBlock(address);
-  return block && std::find(std::begin(kWritable), std::end(kWritable), block->type) != std::end(kWritable);
-}
-
 std::vector<UnitReport> UnitFollower::next(const Reading& reading, std::uint64_t message) {
   message_ = message;
   switch (reading.kind) {
@@ -84,7 +78,7 @@ std::vector<UnitReport> UnitFollower::next(const Reading& reading, std::uint64_t
       break;
     case Reading::Kind::dump:
       // A wrong checksum or byte count and an unknown address lose the message, and leave the open header open.
-      if (reading.verdict == Reading::Verdict::good || reading.verdict == Reading::Verdict::blockLengthWrong ||
+      if (!isBroken(reading) || reading.verdict == Reading::Verdict::blockLengthWrong ||
           reading.verdict == Reading::Verdict::fileDumpBroken)
         dump(reading);
       break;
@@ -119,7 +113,7 @@ void UnitFollower::dump(const Reading& reading) {
       footer(address, device);
       break;
     case Role::fileDump:
-      fileDump(address, device);
+      fileDump(reading);
       break;
     case Role::trigger:
       writeTrigger(address, device);
@@ -155,7 +149,8 @@ void UnitFollower::footer(BulkAddress address, unsigned device) {
   open_.reset();
 }
 
-void UnitFollower::fileDump(BulkAddress address, unsigned device) {
+void UnitFollower::fileDump(const Reading& reading) {
+  const BulkAddress address = *reading.address;
   if (!isWritableFileDump(address)) {
     ended_.push_back(endHeld(UnitReport::State::discarded, address));
     return abandon(describeAddress(address));
@@ -170,15 +165,16 @@ void UnitFollower::fileDump(BulkAddress address, unsigned device) {
   if (same != held_.end()) {
     supersede(*same, "that");
     same->message = message_;
+    same->removes = reading.removes;
   } else {
     // A mixing voice of the first multi has two addresses. Both are written, in the order in which they came to be
     // held.
     const auto content = contentOfFileDump({address.mid, address.lo});
     for (const HeldFileDump& dump : held_)
       if (contentOfFileDump({dump.address.mid, dump.address.lo}) == content) supersede(dump, nameOrBytes(address));
-    held_.push_back({address, message_});
+    held_.push_back({address, message_, reading.removes});
   }
-  heldDevices_.insert(device);
+  heldDevices_.insert(*reading.device);
 }
 
 void UnitFollower::writeTrigger(BulkAddress address, unsigned device) {
@@ -201,7 +197,10 @@ void UnitFollower::report(UnitReport::State state, BulkAddress address) {
 
 UnitReport UnitFollower::endHeld(UnitReport::State state, BulkAddress address) {
   UnitReport ended{state, held_.empty() ? message_ : firstHeld_, message_, address, {}, {}};
-  for (const HeldFileDump& dump : held_) ended.blocks.push_back(dump.address);
+  for (const HeldFileDump& dump : held_) {
+    ended.blocks.push_back(dump.address);
+    if (state == UnitReport::State::written && dump.removes) ended.removes.push_back(*dump.removes);
+  }
   ended.note = noteOf(heldDevices_);
   if (!superseded_.empty()) ended.note += (ended.note.empty() ? "" : "; ") + superseded_;
   held_.clear();
@@ -270,7 +269,9 @@ std::string describeState(const UnitReport& unit) {
       return fmt::format("{} closes no open header ({})", describeAddress(unit.address), where);
     case UnitReport::State::written:
       if (count == 0) return fmt::format("{}: nothing held to write ({})", name, where);
-      return fmt::format("{}: {} ({}): {}", name, counted(count, "file dump"), where, describeBlocks(unit.blocks));
+      return fmt::format("{}: {}{} ({}): {}", name, counted(count, "file dump"),
+                         unit.removes.empty() ? "" : fmt::format(" written, removes {}", unit.removes.size()), where,
+                         describeBlocks(unit.blocks));
     case UnitReport::State::held:
       return fmt::format("{} still held at the end, without write trigger (from message {}): {}",
                          counted(count, "file dump"), unit.firstMessage, describeBlocks(unit.blocks));

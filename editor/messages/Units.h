@@ -56,10 +56,11 @@ struct UnitReport {
   State state = State::complete;
   std::uint64_t firstMessage = 0;
   std::uint64_t lastMessage = 0;
-  BulkAddress address{};            // of the header, the block, the footer, the trigger or the refused file dump
-  std::vector<BulkAddress> blocks;  // incomplete and open: those missing; file dumps: those it is about
-  std::string cause;                // abandoned: by what
-  std::string note = {};            // what is odd about one that is whole
+  BulkAddress address{};                // of the header, the block, the footer, the trigger or the refused file dump
+  std::vector<BulkAddress> blocks;      // incomplete and open: those missing; file dumps: those it is about
+  std::string cause;                    // abandoned: by what
+  std::string note = {};                // what is odd about one that is whole
+  std::vector<ContentId> removes = {};  // written: what the file dumps without data among them removed
 };
 
 const char* wordOf(UnitReport::State state);
@@ -81,11 +82,12 @@ class UnitFollower {
   struct HeldFileDump {
     BulkAddress address;
     std::uint64_t message;
+    std::optional<ContentId> removes;
   };
   void dump(const Reading& reading);
   void footer(BulkAddress address, unsigned device);
   void part(const Reading& reading);
-  void fileDump(BulkAddress address, unsigned device);
+  void fileDump(const Reading& reading);
   void writeTrigger(BulkAddress address, unsigned device);
   void abandon(const std::string& by);
   void report(UnitReport::State state, BulkAddress address);
@@ -100,8 +102,5 @@ class UnitFollower {
   std::string superseded_;  // of the file dumps held: those that came again
   std::vector<UnitReport> ended_;
 };
-
-// Whether the instrument stores a file dump of that address; the others can only be requested.
-bool isWritableFileDump(BulkAddress address);
 
 }  // namespace Editor

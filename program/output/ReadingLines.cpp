@@ -27,6 +27,7 @@ Json toJson(const InputFiles::Message& message, const Reading& reading) {
     json["expectedChecksum"] = *reading.expectedChecksum;
   }
   json["bytes"] = message.bytes.size();
+  if (reading.removes) json["removes"] = Json::array({nameOf(*reading.removes)});
   if (!reading.note.empty()) json["note"] = reading.note;
   return json;
 }
@@ -38,6 +39,10 @@ Json toJson(const UnitReport& unit) {
             {"state", wordOf(unit.state)},       {"firstMessage", unit.firstMessage},
             {"lastMessage", unit.lastMessage},   {"blocks", blocks},
             {"words", describeUnit(unit)}};
+  if (unit.state == UnitReport::State::written) {
+    json["removes"] = Json::array();
+    for (const ContentId id : unit.removes) json["removes"].push_back(nameOf(id));
+  }
   if (!unit.note.empty()) json["note"] = unit.note;
   return json;
 }
@@ -52,6 +57,7 @@ std::string toLine(const InputFiles::Message& message, const Reading& reading) {
                                  reading.address ? formatAddress(*reading.address) : "-", describeContent(reading));
   if (reading.kind == Reading::Kind::dump) line += ", " + counted(reading.dataBytes, "data byte");
   if (reading.checksum) line += fmt::format(", checksum {:02X}", *reading.checksum);
+  if (reading.removes) line += fmt::format(" (removes {})", nameOf(*reading.removes));
   if (!reading.note.empty()) line += fmt::format(" ({})", reading.note);
   return line;
 }

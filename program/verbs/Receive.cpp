@@ -3,10 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <map>
 #include <memory>
 
 #include "exchange/Answers.h"
+#include "exchange/Tally.h"
 #include "input/InputFiles.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
@@ -50,10 +50,7 @@ class Receiving {
       complain(fmt::format("{}: {}", input_.place(unit.firstMessage), describeUnit(unit)));
     commitOutputs();
     if (answers_ && !hasAnswers_) console_.note("no request was answered: nothing is written");
-    std::string summary;
-    for (const auto& [outcome, messages] : tally_)
-      if (messages > 0) summary += fmt::format("{}{} {}", summary.empty() ? "" : ", ", messages, wordOf(outcome));
-    console_.note(summary);
+    console_.note(tally_.words());
   }
 
  private:
@@ -70,8 +67,8 @@ class Receiving {
   void receive(const InputFiles::Message& message) {
     progress_.step(message.bytes.size());
     const Record record = handle(message);
-    ++tally_[record.outcome];
-    tell(message, record);
+    const bool isPassedOn = tell(message, record);
+    isPassedOn ? tally_.add(record) : tally_.addRefused();
     try {
       trace_.add({message.number, &message.file, message.offset}, port_, message.bytes, record);
     } catch (const Failure& failure) {
@@ -98,7 +95,8 @@ class Receiving {
     }
   }
 
-  void tell(const InputFiles::Message& message, const Record& record) {
+  // False for an answer that cannot be passed on.
+  bool tell(const InputFiles::Message& message, const Record& record) {
     const std::string what = describeContent(record.reading);
     const auto line = [&](const std::string& text) {
       console_.line(fmt::format("{}: {} ({})", wordOf(record.outcome), text, placeOf(message)));
@@ -118,8 +116,7 @@ class Receiving {
         tellContents();
         break;
       case Outcome::answered:
-        answer(message, record, what);
-        break;
+        return answer(message, record, what);
       case Outcome::accepted:
         console_.detail(fmt::format("accepted: {} ({})", what, placeOf(message)));
         break;
@@ -130,18 +127,19 @@ class Receiving {
         line(what);
         break;
     }
+    return true;
   }
 
-  void answer(const InputFiles::Message& message, const Record& record, const std::string& what) {
+  bool answer(const InputFiles::Message& message, const Record& record, const std::string& what) {
     if (const std::string why = whyUnsendable(record.sent); answers_ && !why.empty()) {
-      --tally_[Outcome::answered];
-      ++tally_[Outcome::refused];
-      return complain(fmt::format("{}: {}: {}", placeOf(message), what, why));
+      complain(fmt::format("{}: {}: {}", placeOf(message), what, why));
+      return false;
     }
     console_.line(fmt::format("answered: {}, {} ({})", what, counted(record.sent.size(), "message"), placeOf(message)));
-    if (!answers_) return;
+    if (!answers_) return true;
     for (const AssistantHost::Sent& sent : record.sent) answers_->write(sent.bytes);
     hasAnswers_ = true;
+    return true;
   }
 
   Program& program_;
@@ -153,7 +151,7 @@ class Receiving {
   Trace trace_;
   std::optional<OutputFile> answers_;
   bool hasAnswers_ = false;
-  std::map<Outcome, std::size_t> tally_;
+  Tally tally_;
 };
 
 }  // namespace

@@ -29,6 +29,14 @@ void writeAnswers(const std::vector<std::vector<std::uint8_t>>& answers, const s
   file.commit();
 }
 
+// An empty place is answered by a dump without data, which is no harmless one.
+void tellErasers(const std::vector<AssistantHost::Sent>& sent, Console& console) {
+  for (const AssistantHost::Sent& message : sent)
+    if (const Reading reading = readMessage(message.bytes); reading.removes)
+      console.note(fmt::format("{}: nothing is stored there: this dump has whoever receives it remove what is",
+                               nameOrBytes(*reading.address)));
+}
+
 }  // namespace
 
 void request(const Words& words, const ExchangeOptions& options, Program& program) {
@@ -53,6 +61,7 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
         continue;
       }
       ++answered;
+      tellErasers(record.sent, program.console);
       for (const AssistantHost::Sent& sent : record.sent) answers.push_back(sent.bytes);
     } catch (const LibraryError& error) {
       try {

@@ -1,5 +1,6 @@
 // list and verify: what a file holds, judged without a library.
 
+#include "Library.h"
 #include "Program.h"
 
 using Editor::BulkAddress;
@@ -142,6 +143,37 @@ TEST_F(Judge, aFileDumpThatCannotBeStoredBreaksTheFileAndIsNotRestored) {
   }
   EXPECT_THAT(bda({"receive", "a.syx"}), Exits(3));
   EXPECT_FALSE(bda({"contents"}).out.find("user1") != std::string::npos);
+}
+
+// A file dump without data has what stands in its place removed.
+TEST_F(Judge, anEraserLooksLikeOne) {
+  write("a.syx",
+        {fileDump({0x0C, 0x0A, 0x01}, "Kept", {1}), dump({0x0C, 0x0A, 0x00}, Bytes(4)), dump({0x11, 0x00, 0x00})});
+  const Result list = bda({"list", "a.syx"});
+  EXPECT_THAT(list, Exits(0));
+  EXPECT_THAT(lines(list.out)[1], ContainsRegex("removes .*\\(removes voice:user1:1\\)"));
+  const Result verify = bda({"verify", "a.syx"});
+  EXPECT_THAT(verify, Exits(0));
+  EXPECT_THAT(verify.out, HasSubstr("2 file dumps written, removes 1 "));
+
+  const std::vector<std::string> objects = lines(bda({"verify", "--json", "a.syx"}).out);
+  ASSERT_THAT(objects, SizeIs(4));
+  const auto whole = nlohmann::json::parse(objects[0]);
+  EXPECT_EQ(whole["verdict"], "good");
+  EXPECT_FALSE(whole.contains("removes"));
+  const auto eraser = nlohmann::json::parse(objects[1]);
+  EXPECT_EQ(eraser["verdict"], "removes");
+  EXPECT_EQ(eraser["removes"], nlohmann::json::array({"voice:user1:1"}));
+  EXPECT_EQ(nlohmann::json::parse(objects[3])["removes"], nlohmann::json::array({"voice:user1:1"}));
+}
+
+TEST_F(Judge, anEraserThatIsReplacedOrCannotBeStoredRemovesNothing) {
+  write("a.syx",
+        {dump({0x0C, 0x0A, 0x00}, Bytes(4)), fileDump({0x0C, 0x0A, 0x00}, "Kept", {1}), dump({0x11, 0x00, 0x00})});
+  EXPECT_EQ(nlohmann::json::parse(lines(bda({"verify", "--json", "a.syx"}).out).back())["removes"],
+            nlohmann::json::array());
+  write("b.syx", {dump({0x0C, 0x00, 0x00}, Bytes(4))});
+  EXPECT_EQ(nlohmann::json::parse(bda({"list", "--json", "b.syx"}).out)["verdict"], "good");
 }
 
 TEST_F(Judge, fileNamesInJsonAreTheNamesAsGiven) {

@@ -1,5 +1,6 @@
 // receive: what comes in, what is said of it, and what is in the library afterwards.
 
+#include "Library.h"
 #include "Program.h"
 
 #include "contents/Library.h"
@@ -41,6 +42,26 @@ TEST_F(Receive, aWholeVoiceIsStoredAndSaidSo) {
   EXPECT_THAT(bda({"contents"}).out, HasSubstr("voice:user1:6"));
 }
 
+TEST_F(Receive, theLastLineCountsContentsAndARemovalIsNotStored) {
+  write("a.syx",
+        {fileDump({0x0C, 0x50, 0x04}, "One", {1}), fileDump({0x0C, 0x50, 0x05}, "Two", {2}), dump({0x11, 0x00, 0x00})});
+  EXPECT_THAT(lines(bda({"receive", "a.syx"}).err), Contains("2 stored, 2 accepted"));
+  write("b.syx",
+        {dump({0x0C, 0x50, 0x04}, Bytes(4)), fileDump({0x0C, 0x50, 0x06}, "Three", {3}), dump({0x11, 0x00, 0x00})});
+  const Result run = bda({"receive", "b.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(lines(run.err), ElementsAre("1 stored, 1 removed, 2 accepted"));
+}
+
+TEST_F(Receive, whatARefusedTriggerStoredIsCounted) {
+  write("a.syx", {fileDump({0x0C, 0x50, 0x04}, "One", {1}), dump({0x0C, 0x50, 0x05}, {0, 0, 0, 9, 0, 0x41}),
+                  dump({0x11, 0x00, 0x00})});
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(lines(run.out), ElementsAre("stored: file:multi:5 (a.syx: message 3 at offset 40)"));
+  EXPECT_EQ(lines(run.err).back(), "1 stored, 2 accepted, 1 refused");
+}
+
 TEST_F(Receive, refusedMessagesAreToldWithFileOffsetNumberAndReason) {
   ASSERT_THAT(bda({"settings"}), Exits(0));  // makes the library
   write("a.syx", {blockDump({0, 0x40, 0}), damaged(blockDump({0, 0, 0})), dump({0, 0, 0}, Bytes(3)), dump({0x7F, 0, 0}),
@@ -61,7 +82,7 @@ TEST_F(Receive, refusedMessagesAreToldWithFileOffsetNumberAndReason) {
   EXPECT_EQ(told[4], "a.syx: message 6 at offset 147: refused: element 3 oscillator: no open header admits this block");
   EXPECT_EQ(told[5],
             "a.syx: message 7 at offset 247: refused: normal voice user 1, 006: footer: it closes no open header");
-  EXPECT_EQ(told[6], "6 refused, 1 completed");
+  EXPECT_EQ(told[6], "1 completed, 6 refused");
   EXPECT_THAT(bda({"contents"}).out, IsEmpty());
 }
 

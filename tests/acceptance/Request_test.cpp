@@ -40,6 +40,15 @@ TEST_F(Request, answersFollowEachOtherInTheOrderAskedFor) {
   EXPECT_THAT(files(), ElementsAre("a.syx"));
 }
 
+TEST_F(Request, theDumpOfAnEmptyPlaceIsSaidToRemoveWhatIsThere) {
+  const Result run = bda({"request", "file:multi:5", "-o", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(lines(run.err),
+              testing::Contains("file:multi:5: nothing is stored there: this dump has whoever receives it "
+                                "remove what is"));
+  EXPECT_THAT(bda({"request", "system:common", "-o", "a.syx"}).err, testing::Not(HasSubstr("remove")));
+}
+
 TEST_F(Request, theDeviceNumberIsTheLibrarys) {
   bda({"settings", "device-number", "7"});
   EXPECT_THAT(bda({"request", "004000"}).out, StartsWith(text({0xF0, 0x7D, 0x06, 0x7F, 0x14})));

@@ -54,7 +54,7 @@ TEST(Messages, aBlockOfAnotherLengthIsNamedWithTheRightOne) {
 }
 
 TEST(Messages, fileDumpsComeInAnyLength) {
-  EXPECT_EQ(readMessage(dump({0x0C, 0x0A, 0x05}, Bytes(4))).verdict, Verdict::good);
+  EXPECT_EQ(readMessage(dump({0x0C, 0x0A, 0x05}, Bytes(4))).verdict, Verdict::removes);
   Bytes field(404);
   field[2] = 3;  // 3 * 128 + 16 bytes of content
   field[3] = 16;
@@ -63,10 +63,12 @@ TEST(Messages, fileDumpsComeInAnyLength) {
 
 TEST(Messages, aFileDumpThatIsNotOneContentIsBroken) {
   const auto read = [](const Bytes& field) { return readMessage(dump({0x0C, 0x0A, 0x05}, field)); };
-  const Bytes good[] = {{0, 0, 0, 0},     // no content: it is removed
-                        {0, 1, 0, 0, 0},  // whatever its name
-                        {0, 2, 0, 'A', 0, 2, 0, 'B'}};
-  for (const Bytes& field : good) EXPECT_EQ(read(field).verdict, Verdict::good) << testing::PrintToString(field);
+  EXPECT_EQ(read({0, 2, 0, 'A', 0, 2, 0, 'B'}).verdict, Verdict::good);
+  for (const Bytes& field : {Bytes{0, 0, 0, 0}, Bytes{0, 1, 0, 0, 0}}) {  // no content, whatever its name
+    EXPECT_EQ(read(field).verdict, Verdict::removes) << testing::PrintToString(field);
+    EXPECT_EQ(read(field).removes, (Editor::ContentId{4, 0x3F0805}));
+    EXPECT_FALSE(isBroken(read(field)));
+  }
   const std::pair<Bytes, const char*> broken[] = {
       {{}, "0 bytes of data, a file dump has at least 4"},
       {{0}, "1 byte of data, a file dump has at least 4"},
