@@ -48,7 +48,7 @@ inline Bytes dumpOf(const Block& block, const Bytes& data) {
       block.hi, block.mid, block.lo};
   std::copy(head.begin(), head.end(), message.begin());
   std::copy(data.begin(), data.end(), message.begin() + std::ptrdiff_t(BDA::kDataAt));
-  message[message.size() - 2] = BDA::Utility::calcCheckSum(message.data(), message.size());
+  message[message.size() - 2] = BDA::Utility::calcCheckSum(message.data(), static_cast<unsigned long>(message.size()));
   message.back() = 0xF7;
   return message;
 }
