@@ -57,6 +57,17 @@ bool InputFiles::reportLosses(const File& file, Console& console) {
   return !isBroken(file.midi);
 }
 
+std::vector<InputFiles::Loss> InputFiles::lossesOf(const File& file) {
+  std::vector<Loss> losses;
+  for (const MidiFile::Error& error : file.midi.errors)
+    losses.push_back({file.name, error.offset, 0, error.text, Loss::Kind::brokenFile});
+  for (const MidiFile::Dropped& dropped : file.midi.dropped)
+    losses.push_back({file.name, dropped.offset, dropped.count, describe(dropped.reason),
+                      breaksAMessage(dropped.reason) ? Loss::Kind::cutShort : Loss::Kind::loose});
+  std::stable_sort(losses.begin(), losses.end(), [](const Loss& a, const Loss& b) { return a.offset < b.offset; });
+  return losses;
+}
+
 std::string InputFiles::place(std::uint64_t number) const {
   std::string place;
   forEachMessage([&](const Message& message) {

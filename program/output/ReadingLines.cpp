@@ -64,6 +64,13 @@ std::string toLine(const InputFiles::Message& message, const Reading& reading) {
 
 }  // namespace
 
+std::string jsonOf(const InputFiles::Loss& loss) {
+  Json json{{"file", loss.file}, {"offset", loss.offset}, {"dropped", loss.dropped}, {"reason", loss.reason}};
+  if (loss.kind == InputFiles::Loss::Kind::cutShort) json["verdict"] = "cut short";
+  if (loss.kind == InputFiles::Loss::Kind::brokenFile) json["verdict"] = "broken file";
+  return toLine(json);
+}
+
 std::string lineOf(const InputFiles::Message& message, const Reading& reading, LineForm form) {
   return form == LineForm::json ? toLine(toJson(message, reading)) : toLine(message, reading);
 }

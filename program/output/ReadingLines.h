@@ -13,19 +13,26 @@ namespace Editor {
 enum class LineForm : std::uint8_t { words, json };
 std::string lineOf(const InputFiles::Message& message, const Reading& reading, LineForm form);
 std::string lineOf(const UnitReport& unit, LineForm form);
+// In JSON: for people the console tells losses as problems.
+std::string jsonOf(const InputFiles::Loss& loss);
 
-// Prints the line of every message, under a heading for each of several files, and calls visit(message, reading).
+// Prints the line of every message, under a heading for each of several files or with the losses between them, and
+// calls visit(message, reading).
 template <typename Visit>
 void printReadings(const InputFiles& input, LineForm form, Console& console, Visit visit) {
   const std::string* file = nullptr;
-  input.forEachMessage([&](const InputFiles::Message& message) {
-    if (input.areSeveral() && form == LineForm::words && file != &message.file)
-      console.line(displayName(message.file) + ":");
-    file = &message.file;
-    const Reading reading = readMessage(message.bytes);
-    console.line(lineOf(message, reading, form));
-    visit(message, reading);
-  });
+  input.forEachPiece(
+      [&](const InputFiles::Message& message) {
+        if (input.areSeveral() && form == LineForm::words && file != &message.file)
+          console.line(displayName(message.file) + ":");
+        file = &message.file;
+        const Reading reading = readMessage(message.bytes);
+        console.line(lineOf(message, reading, form));
+        visit(message, reading);
+      },
+      [&](const InputFiles::Loss& loss) {
+        if (form == LineForm::json) console.line(jsonOf(loss));
+      });
 }
 
 }  // namespace Editor

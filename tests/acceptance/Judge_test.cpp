@@ -176,6 +176,44 @@ TEST_F(Judge, anEraserThatIsReplacedOrCannotBeStoredRemovesNothing) {
   EXPECT_EQ(nlohmann::json::parse(bda({"list", "--json", "b.syx"}).out)["verdict"], "good");
 }
 
+TEST_F(Judge, whatBecameNoMessageHasAnObjectOfItsOwnInItsPlace) {
+  const std::string message = text(blockDump({0x00, 0x40, 0x00}));  // 20 bytes
+  write("loose.syx", "\x01\x02" + message + "\xFE" + message);
+  const Result loose = bda({"list", "--json", "loose.syx"});
+  EXPECT_THAT(loose, Exits(0));
+  const std::vector<std::string> objects = lines(loose.out);
+  ASSERT_THAT(objects, SizeIs(4));
+  EXPECT_EQ(objects[0], R"({"file":"loose.syx","offset":0,"dropped":2,"reason":"outside of any message"})");
+  EXPECT_EQ(nlohmann::json::parse(objects[1])["offset"], 2);
+  EXPECT_EQ(objects[2], R"({"file":"loose.syx","offset":22,"dropped":1,"reason":"real-time"})");
+  EXPECT_EQ(nlohmann::json::parse(objects[3])["offset"], 23);
+
+  write("cut.syx", message.substr(0, 5) + message + message.substr(0, 7));
+  for (const char* verb : {"list", "verify"}) {
+    const Result cut = bda({verb, "--json", "cut.syx"});
+    EXPECT_THAT(cut, Exits(3));
+    ASSERT_THAT(lines(cut.out), SizeIs(3));
+    const auto first = nlohmann::json::parse(lines(cut.out)[0]);
+    EXPECT_EQ(first["dropped"], 5);
+    EXPECT_EQ(first["verdict"], "cut short");
+    EXPECT_EQ(nlohmann::json::parse(lines(cut.out)[2])["offset"], 25);
+  }
+}
+
+TEST_F(Judge, aBrokenFileHasAnObjectThatSaysSo) {
+  const Bytes message = blockDump({0x00, 0x40, 0x00});
+  const Bytes track{0x00, 0xF0, std::uint8_t(message.size() - 1)};
+  std::string midi("MThd\0\0\0\6\0\0\0\1\0\x60MTrk\0\0\0\x7F", 22);  // the track is shorter than it says
+  midi += text(track) + text({message.begin() + 1, message.end()});
+  write("song.mid", midi);
+  const Result run = bda({"list", "--json", "song.mid"});
+  EXPECT_THAT(run, Exits(3));
+  ASSERT_THAT(lines(run.out), SizeIs(3));  // it has no end-of-track event either
+  const auto broken = nlohmann::json::parse(lines(run.out)[0]);
+  EXPECT_EQ(broken["verdict"], "broken file");
+  EXPECT_EQ(broken["dropped"], 0);
+}
+
 TEST_F(Judge, fileNamesInJsonAreTheNamesAsGiven) {
   write("a\tb\xC3\xA9.syx", {blockDump({0, 0, 0})});
   const Result run = bda({"list", "--json", "a\tb\xC3\xA9.syx"});
