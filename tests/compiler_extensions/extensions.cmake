@@ -8,12 +8,13 @@ string(CONCAT extensions ${extensions})
 set(allowed_platform/include/bda/Export.h "__attribute|__declspec")
 set(allowed_bulk-dump-assistant/bda/Compiler.h "__builtin_")
 set(allowed_platform/UtilSrv/Thread.cpp "pthread[.]h")
-set(allowed_tests/support/OwnScheduling.h "pthread[.]h")
+set(allowed_tests/support/OwnScheduling.h "pthread[.]h|sys/[a-z]+[.]h|unistd[.]h")
 
 file(GLOB_RECURSE sources RELATIVE ${ROOT}
      ${ROOT}/platform/*.h ${ROOT}/platform/*.cpp ${ROOT}/bulk-dump-assistant/*.h ${ROOT}/bulk-dump-assistant/*.cpp
      ${ROOT}/tests/bda/*.h ${ROOT}/tests/bda/*.cpp ${ROOT}/tests/platform/*.cpp ${ROOT}/tests/support/*.h
-     ${ROOT}/tests/support/*.cpp ${ROOT}/fuzz/codec_fuzz.cpp ${ROOT}/fuzz/replay.cpp)
+     ${ROOT}/tests/support/*.cpp ${ROOT}/fuzz/codec_fuzz.cpp ${ROOT}/fuzz/assistant_fuzz.cpp ${ROOT}/fuzz/replay.cpp
+     ${ROOT}/fuzz/commands.h ${ROOT}/fuzz/input.h ${ROOT}/fuzz/require.h)
 list(LENGTH sources count)
 if(count LESS 100)
   message(FATAL_ERROR "only ${count} sources found under ${ROOT}")

@@ -2,12 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#ifdef __linux__
-#include <sys/resource.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-#endif
-
 #include <thread>
 
 #include "bda/platform/UtilSrv/Thread.h"
@@ -28,20 +22,6 @@ void onUnusualThread(Body body) {
     body();
   }).join();
 }
-
-#ifdef __linux__
-// Of the calling thread alone, which the C library knows no way to.
-bool giveUpPrivileges() {
-  constexpr long kUnchanged = -1;
-  constexpr long kNobody = 65534;
-#ifdef SYS_setresuid32
-  constexpr long kCall = SYS_setresuid32;
-#else
-  constexpr long kCall = SYS_setresuid;
-#endif
-  return syscall(kCall, kUnchanged, kNobody, kUnchanged) == 0;
-}
-#endif
 
 TEST(ThreadScheduling, IsReadOfTheAttachedThread) {
   onUnusualThread([] {
@@ -70,15 +50,12 @@ TEST(ThreadScheduling, ChangeTellsWhetherTheSystemAllowedIt) {
   }).join();
 }
 
-#ifdef __linux__
 // A priority that somebody else has given: the thread itself has no right to any.
 TEST(ThreadScheduling, OfAThreadWithoutTheRightToItsPriorityStaysWhereItWasLowered) {
-  bool isPossible = true;
+  bool isPossible = false;
   std::thread([&] {
     constexpr OwnScheduling kGiven{kRoundRobin, 50};
-    rlimit limit{};
-    isPossible = setOwnScheduling(kGiven) && getrlimit(RLIMIT_RTPRIO, &limit) == 0 && limit.rlim_cur == 0;
-    isPossible = isPossible && giveUpPrivileges();
+    isPossible = setOwnScheduling(kGiven) && giveUpRightToPriority();
     if (!isPossible) return;
     Thread thread;
     thread.attach();
@@ -88,7 +65,6 @@ TEST(ThreadScheduling, OfAThreadWithoutTheRightToItsPriorityStaysWhereItWasLower
   }).join();
   if (!isPossible) GTEST_SKIP() << "nobody can give a thread such a priority here";
 }
-#endif
 
 TEST(ThreadScheduling, WhatIsImpossibleIsRefused) {
   const OwnScheduling before = ownScheduling();

@@ -5,6 +5,11 @@
 #if !defined(_WIN32) && !defined(__EMSCRIPTEN__)
 #include <pthread.h>
 #endif
+#ifdef __linux__
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#endif
 
 namespace Testing {
 
@@ -46,5 +51,23 @@ inline bool setOwnScheduling(const OwnScheduling& own) {
 }
 
 #endif
+
+// The calling thread, and no other, may raise its priority no more; false where that cannot be had.
+inline bool giveUpRightToPriority() {
+#ifdef __linux__
+#ifdef SYS_setresuid32
+  constexpr long kSetUsers = SYS_setresuid32;
+#else
+  constexpr long kSetUsers = SYS_setresuid;
+#endif
+  constexpr long kUnchanged = -1;
+  constexpr long kNobody = 65534;
+  rlimit limit{};
+  return getrlimit(RLIMIT_RTPRIO, &limit) == 0 && limit.rlim_cur == 0 &&
+         syscall(kSetUsers, kUnchanged, kNobody, kUnchanged) == 0;
+#else
+  return false;
+#endif
+}
 
 }  // namespace Testing
