@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <functional>
 #include <memory>
 #include <new>
@@ -285,6 +286,7 @@ int run(int argc, const char* const* argv, Program& program) {
 
 int runProgram(int argc, const char* const* argv) {
   constexpr const char* kOutOfMemory = "bda: out of memory";
+  std::signal(SIGPIPE, SIG_IGN);  // that nobody reads what is said is no reason to leave work half done
   Program program;
   int code = kWrongUsage;
   try {
@@ -304,9 +306,9 @@ int runProgram(int argc, const char* const* argv) {
   }
   if (!program.console.finish()) {
     program.console.problem("bda: standard output could not be written");
-    if (code == kAllGood) code = kWrongUsage;
+    program.failOutput();
   }
-  return code;
+  return program.hasOutputFailed() ? int(kWrongUsage) : code;
 }
 
 }  // namespace Editor

@@ -28,12 +28,16 @@ class Program {
 
   // Something was refused or is broken: the run goes on, and ends with this.
   void refuse() { exitCode_ = kRefused; }
+  // An output could not be written: the run may go on, and ends with that, whatever else is found.
+  void failOutput() { hasOutputFailed_ = true; }
+  bool hasOutputFailed() const { return hasOutputFailed_; }
   ExitCode exitCode() const { return exitCode_; }
 
  private:
   std::string library_;
   std::string names_;
   ExitCode exitCode_ = kAllGood;
+  bool hasOutputFailed_ = false;
 };
 
 }  // namespace Editor

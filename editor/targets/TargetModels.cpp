@@ -34,6 +34,7 @@ ModelSet loadTarget(EmbeddedEditor& editor, const Target& target) {
   ModelSet models = emptySetFor(target.content);
   std::string why;
   const ContentStore::Loaded result = editor.store().loadModels(target.content, models, why);
+  if (result == ContentStore::Loaded::failed) throw LibraryError(LibraryError::Kind::Failed, why);
   if (result != ContentStore::Loaded::ok) refuse(target, why);
   return models;
 }
@@ -56,10 +57,16 @@ ModelSet freshTarget(const Target& target, bool drum) {
   return emptySetFor(target.content);
 }
 
+void failToStore(const Library& library, std::uint64_t failures, const Target& target, const std::string& why) {
+  if (library.failureCount() != failures) throw LibraryError(LibraryError::Kind::Failed, why);
+  refuse(target, why);
+}
+
 void storeTarget(EmbeddedEditor& editor, const Target& target, const ModelSet& models) {
   EditorJobTools& tools = editor.tools();
   Library::Transaction transaction(editor.library());
   tools.reload();  // another program may have changed the live models
+  const std::uint64_t failures = editor.library().failureCount();
   std::string why;
   bool stored = false;
   switch (target.kind) {
@@ -84,21 +91,18 @@ void storeTarget(EmbeddedEditor& editor, const Target& target, const ModelSet& m
     case Target::Kind::content: {
       ModelSet before = emptySetFor(target.content);
       const ContentStore::Loaded found = editor.store().loadModels(target.content, before, why);
-      if (found == ContentStore::Loaded::opaque || found == ContentStore::Loaded::failed) refuse(target, why);
+      if (found == ContentStore::Loaded::failed) throw LibraryError(LibraryError::Kind::Failed, why);
+      if (found == ContentStore::Loaded::opaque) refuse(target, why);
       const bool isNew = found == ContentStore::Loaded::empty;
       if (isNew && isMixingVoice(target.content) &&
           editor.store().mixingVoiceCount() >= editor.store().mixingVoiceMaximum())
         refuse(target, fmt::format("there is no room for another mixing voice, {} are stored",
                                    editor.store().mixingVoiceCount()));
-      if (!editor.store().storeModels(target.content, nameOf(models), models, why)) refuse(target, why);
-      stored = true;
+      stored = editor.store().storeModels(target.content, nameOf(models), models, why);
       break;
     }
   }
-  if (!stored) {
-    const std::string error = tools.lastError();
-    refuse(target, error);
-  }
+  if (!stored) failToStore(editor.library(), failures, target, why.empty() ? tools.lastError() : why);
   transaction.commit();
 }
 

@@ -7,13 +7,20 @@
 
 namespace Editor {
 
-// The models of a target as they are in the library. Throws TargetError (refused) when there are none.
+// The models of a target as they are in the library. Throws TargetError (refused) when there are none, and
+// LibraryError.
 ModelSet loadTarget(EmbeddedEditor& editor, const Target& target);
 
 // Models of the shape that the target takes, fresh. `drum` counts where the target has both kinds of voice.
 ModelSet freshTarget(const Target& target, bool drum);
 
-// Replaces the whole target in one transaction. Throws TargetError (refused), with nothing changed.
+// Replaces the whole target in one transaction. Throws TargetError (refused), or LibraryError when it was the library
+// that failed, with nothing changed.
 void storeTarget(EmbeddedEditor& editor, const Target& target, const ModelSet& models);
+
+// Throws what storeTarget does, for one that stored by itself and could not. `failures` is what the library had counted
+// before.
+[[noreturn]] void failToStore(const Library& library, std::uint64_t failures, const Target& target,
+                              const std::string& why);
 
 }  // namespace Editor

@@ -1,18 +1,32 @@
 #include "output/Console.h"
 
-#include <fmt/format.h>
 #include <unistd.h>
+
+#include <cerrno>
 
 namespace Editor {
 
 void Console::print(std::FILE* stream, std::string_view text) {
   clearProgress();
-  std::fwrite(text.data(), 1, text.size(), stream);
-  std::fputc('\n', stream);
+  if (stream == stdout && isReaderGone_) return;
+  const bool isWhole =
+      std::fwrite(text.data(), 1, text.size(), stream) == text.size() && std::fputc('\n', stream) != EOF;
+  if (stream == stdout) heed(isWhole);
+}
+
+void Console::flushLines() {
+  const bool isWhole = std::fflush(lines_) == 0;
+  if (lines_ == stdout) heed(isWhole);
+}
+
+void Console::heed(bool isWhole) {
+  if (isWhole) return;
+  (errno == EPIPE ? isReaderGone_ : hasFailed_) = true;
+  std::clearerr(stdout);
 }
 
 void Console::problem(std::string_view text) {
-  std::fflush(lines_);
+  flushLines();
   print(stderr, text);
 }
 
@@ -28,7 +42,7 @@ void Console::line(std::string_view text) { print(lines_, text); }
 
 void Console::progress(std::string_view text) {
   if (loudness_ == Loudness::quiet || ::isatty(STDERR_FILENO) == 0) return;
-  std::fflush(lines_);
+  flushLines();
   clearProgress();
   std::fwrite(text.data(), 1, text.size(), stderr);
   showsProgress_ = true;
@@ -41,7 +55,8 @@ void Console::clearProgress() {
 
 bool Console::finish() {
   clearProgress();
-  return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+  heed(std::fflush(stdout) == 0);
+  return !hasFailed_;
 }
 
 }  // namespace Editor

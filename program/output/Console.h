@@ -28,16 +28,21 @@ class Console {
   // How far a long run has come; in place, on a terminal only. The next text of any kind takes its place.
   void progress(std::string_view text);
 
-  // The last call. True unless something could not be written to standard output.
+  // The last call. True unless something could not be written to standard output. That nobody reads it any more is no
+  // failure: the lines are then said to nobody.
   bool finish();
 
  private:
   void print(std::FILE* stream, std::string_view text);
   void clearProgress();
+  void flushLines();
+  void heed(bool isWhole);  // how the last call on standard output went
 
   Loudness loudness_ = Loudness::normal;
   std::FILE* lines_ = stdout;
   bool showsProgress_ = false;
+  bool isReaderGone_ = false;
+  bool hasFailed_ = false;
 };
 
 }  // namespace Editor

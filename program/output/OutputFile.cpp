@@ -81,6 +81,7 @@ void OutputFile::flush() {
   for (std::size_t done = 0; done < buffer_.size();) {
     const ssize_t count = ::write(descriptor, buffer_.data() + done, buffer_.size() - done);
     if (count < 0 && errno == EINTR) continue;
+    if (count < 0 && errno == EPIPE) break;  // nobody reads it any more
     if (count < 0) {
       const int reason = errno;
       buffer_.erase(0, done);  // or another commit would write it twice

@@ -21,10 +21,8 @@ Interruptible::Interruptible() {
   if (living++ == 0) isInterrupted = 0;
   struct sigaction action {};
   action.sa_flags = SA_RESTART;
-  for (std::size_t i = 0; i < std::size(kSignals); ++i) {
-    action.sa_handler = kSignals[i] == SIGPIPE ? SIG_IGN : [](int) { isInterrupted = 1; };
-    ::sigaction(kSignals[i], &action, &previous_[i]);
-  }
+  action.sa_handler = [](int) { isInterrupted = 1; };
+  for (std::size_t i = 0; i < std::size(kSignals); ++i) ::sigaction(kSignals[i], &action, &previous_[i]);
 }
 
 Interruptible::~Interruptible() {

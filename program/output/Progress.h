@@ -10,8 +10,8 @@
 
 namespace Editor {
 
-// As long as one lives Ctrl-C, or a reader of standard output that goes away, does not end the program at once: a long
-// run ends between two messages, and what it leaves behind is put away.
+// As long as one lives Ctrl-C does not end the program at once: a long run ends between two messages, and what it
+// leaves behind is put away.
 class Interruptible {
  public:
   Interruptible();
@@ -23,7 +23,7 @@ class Interruptible {
   static void check();
 
  private:
-  static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+  static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
   struct sigaction previous_[std::size(kSignals)];
 };
 

@@ -42,7 +42,8 @@ class Receiving {
       try {
         commitOutputs();  // what was done was done
       } catch (const Failure& second) {
-        complain(second.what());
+        console_.problem(second.what());
+        program_.failOutput();
       }
       throw;
     }

@@ -38,8 +38,10 @@ void renameContent(EmbeddedEditor& editor, const Target& target, const std::stri
   }
   checkName(target, name, nameIn(models)->capacity());
   nameIn(models)->assign(name);
+  const std::uint64_t failures = editor.library().failureCount();
   std::string why;
-  if (!editor.store().storeModels(target.content, name, models, why)) refuse(target, why);
+  if (!editor.store().storeModels(target.content, name, models, why))
+    failToStore(editor.library(), failures, target, why);
 }
 
 }  // namespace

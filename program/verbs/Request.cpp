@@ -68,6 +68,7 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
         trace.commit();
       } catch (const Failure& second) {
         program.console.problem(second.what());
+        program.failOutput();
       }
       throw Failure(kWrongUsage, fmt::format("{} ({}): not asked, nor is anything after it: {}", nameOrBytes(address),
                                              formatAddress(address), escape(error.what())));

@@ -1,8 +1,8 @@
 # cmake -DBUILD=... -DPREFIX=... -DWORK=... -P components.cmake: the three components, each by itself, are what is
 # installed at once; they share the licence and nothing else.
 cmake_minimum_required(VERSION 3.25)
-set(runtime "lib/[^/]+[.]so[.][0-9.]+")
-set(program "bin/bda")
+set(runtime "lib/libbda(-platform)?[.]so[.][0-9.]+")
+set(program "bin/bda|lib/libbda-editor[.]so[.][0-9.]+")
 set(development "include/bda/.+[.]h|lib/[^/]+[.]so|lib/pkgconfig/[^/]+[.]pc|lib/cmake/bda/[^/]+[.]cmake")
 set(licence "share/doc/bda/LICENSE")
 
