@@ -140,12 +140,7 @@ void addBackup(CLI::App& app, Given& given, Program& program) {
       ->type_name("FILE")
       ->required()
       ->check(checkFileName);
-  verb.callback([&] {
-    given.verb = [&] {
-      program.requireLibrary();
-      backup(given.output, program);
-    };
-  });
+  verb.callback([&] { given.verb = [&] { backup(given.output, program); }; });
 }
 
 void addRestore(CLI::App& app, Given& given, Program& program) {

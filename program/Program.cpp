@@ -12,6 +12,13 @@ namespace Editor {
 
 namespace {
 
+constexpr const char* kLibraryVariable = "BDA_LIBRARY";
+
+bool isMissing(const std::string& file) {
+  std::error_code unknown;
+  return !std::filesystem::exists(file, unknown);
+}
+
 std::string fromEnvironment(const char* name) {
   const char* const value = std::getenv(name);
   return value == nullptr ? "" : value;
@@ -27,29 +34,41 @@ void giveNames(EditorJobTools& tools, NameLists names, const std::string& file) 
 
 std::string Program::libraryFile() const {
   if (!library_.empty()) return library_;
-  if (std::string file = fromEnvironment("BDA_LIBRARY"); !file.empty()) return file;
+  if (std::string file = fromEnvironment(kLibraryVariable); !file.empty()) return file;
   if (const std::string data = fromEnvironment("XDG_DATA_HOME"); !data.empty()) return data + "/bda/library.db";
   if (const std::string home = fromEnvironment("HOME"); !home.empty()) return home + "/.local/share/bda/library.db";
   throw Failure(kWrongUsage, "no library: name one with --library or in BDA_LIBRARY");
 }
 
-void Program::requireLibrary() const {
-  std::error_code error;
+void Program::requireLibrary(ExitCode code) const {
   const std::string file = libraryFile();
-  if (!std::filesystem::exists(file, error))
-    throw Failure(kUnusableInput, fmt::format("{}: there is no such library", escape(file)));
+  if (isMissing(file)) throw Failure(code, fmt::format("{}: there is no such library", escape(file)));
 }
 
-std::unique_ptr<EmbeddedEditor> Program::openEditor(const std::string& file) {
+std::unique_ptr<EmbeddedEditor> Program::openToChange() {
+  const std::string file = libraryFile();
+  std::unique_ptr<EmbeddedEditor> editor = open(file, Library::Use::change);
+  if (isMissing(file)) console.note(fmt::format("{}: no library yet, the first change makes one", escape(file)));
+  return editor;
+}
+
+std::unique_ptr<EmbeddedEditor> Program::openToRead() {
+  const std::string file = libraryFile();
+  if (!isMissing(file)) return open(file, Library::Use::read);
+  const bool isNamed = !library_.empty() || !fromEnvironment(kLibraryVariable).empty();
+  if (isNamed) requireLibrary(kUnusableInput);
+  console.note(fmt::format("{}: there is no library yet, it is read as an empty one", escape(file)));
+  return open(file, Library::Use::memory);
+}
+
+std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::Use use) {
   std::error_code unknown;
-  const bool isNew = !std::filesystem::exists(file, unknown);
   const std::string nameFile = nameFileOf(file);
-  std::optional<NameLists> names;  // read before there is a new library
+  std::optional<NameLists> names;
   if (!names_.empty() || std::filesystem::exists(nameFile, unknown)) names = loadNames(nameFile);
   try {
-    auto editor = std::make_unique<EmbeddedEditor>(file);
+    auto editor = std::make_unique<EmbeddedEditor>(file, Library::Options{.use = use});
     if (names) giveNames(editor->tools(), std::move(*names), nameFile);
-    if (isNew) console.note(fmt::format("{}: new library", escape(file)));
     return editor;
   } catch (const LibraryError& error) {
     throw Failure(kUnusableInput, escape(error.what()));

@@ -17,14 +17,17 @@ class Program {
   // The library that the command line, the environment or the default names.
   std::string libraryFile() const;
   void setLibraryFile(const std::string& file) { library_ = file; }
-  // Throws Failure (kUnusableInput) unless there is one: for a verb that has no use for a new one.
-  void requireLibrary() const;
+  // Throws Failure with that code unless there is one: for a verb that has no use for a new one.
+  void requireLibrary(ExitCode code) const;
   // The names of waveforms and arpeggios; without it the file beside the library, or else the built-in ones.
   void setNameFile(const std::string& file) { names_ = file; }
   std::string nameFileOf(const std::string& library) const { return names_.empty() ? library + ".names" : names_; }
-  // Opens it, or `file`; one that does not exist is created, and that is told. Throws Failure (kUnusableInput).
-  std::unique_ptr<EmbeddedEditor> openEditor() { return openEditor(libraryFile()); }
-  std::unique_ptr<EmbeddedEditor> openEditor(const std::string& file);
+  // Opens it to change it; one that does not exist is made by the first change, and that is told. Throws Failure
+  // (kUnusableInput).
+  std::unique_ptr<EmbeddedEditor> openToChange();
+  // Opens it to read it, as if it were empty when it is the default one and does not exist. Throws the same.
+  std::unique_ptr<EmbeddedEditor> openToRead();
+  std::unique_ptr<EmbeddedEditor> openToRead(const std::string& file) { return open(file, Library::Use::read); }
 
   // Something was refused or is broken: the run goes on, and ends with this.
   void refuse() { exitCode_ = kRefused; }
@@ -34,6 +37,8 @@ class Program {
   ExitCode exitCode() const { return exitCode_; }
 
  private:
+  std::unique_ptr<EmbeddedEditor> open(const std::string& file, Library::Use use);
+
   std::string library_;
   std::string names_;
   ExitCode exitCode_ = kAllGood;

@@ -15,6 +15,10 @@
 
 namespace Editor {
 
+struct Database;
+class LibraryFile;
+class LibraryMaking;
+
 // What went wrong with a library, as a text that names the file.
 class LibraryError : public std::runtime_error {
  public:
@@ -53,20 +57,29 @@ class Library {
  public:
   using Bytes = std::vector<std::uint8_t>;
 
+  enum class Use : std::uint8_t {
+    change,  // one that does not exist, or is empty, is made along with its directory by the first change that it keeps
+    read,    // it must exist; nothing is written, and a place that cannot be written will do
+    memory,  // a new one, gone with this object; its file is a name only
+  };
+
   struct Options {
+    Use use = Use::change;
     std::chrono::milliseconds busyTimeout{5000};  // how long to wait for another program's transaction
     const char* vfs = nullptr;                    // the SQLite VFS to use; null: the operating system's files
   };
 
   static constexpr std::int64_t kDefaultMixingVoiceMaximum = 2048;
 
-  // Opens the library in `file`; one that does not exist, or is empty, is created along with its directory. What is no
-  // library of ours, or one of a newer version, stays as it is, to the byte.
+  // Opens the library in `file`. What is no library of ours, or one of a newer version, stays as it is, to the byte.
   explicit Library(const std::filesystem::path& file) : Library(file, Options()) {}
   Library(const std::filesystem::path& file, const Options& options);
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
   ~Library();
+
+  // Takes over everything that `other` holds, as a change of its own. This one is empty.
+  void copyFrom(Library& other);
 
   // Makes one change of many, or for reading holds one state of the library still. Inside another transaction it is a
   // part of that: its commit takes effect with the outer one's, its end without a commit takes back its own part only.
@@ -74,22 +87,25 @@ class Library {
   class Transaction {
    public:
     enum class Access { Write, Read };
+    // Whether a library that does not exist yet is made of nothing, too.
+    enum class Making { IfThereIsAnything, Always };
 
     explicit Transaction(Library& library, Access access = Access::Write);
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
     ~Transaction();  // takes back what was not committed
 
-    void commit();
+    void commit(Making making = Making::IfThereIsAnything);
 
    private:
     void requireTransaction() const;
     std::string savepoint() const;
 
     Library& library_;
-    const std::size_t outer_;    // how many transactions it is inside of
-    const std::size_t changes_;  // how many were pending when it began
-    const std::string undo_;     // kept ready: to take something back needs no storage
+    const std::size_t outer_;                // how many transactions it is inside of
+    const std::size_t changes_;              // how many were pending when it began
+    const std::string undo_;                 // kept ready: to take something back needs no storage
+    std::unique_ptr<LibraryMaking> making_;  // there is no library yet, and only this transaction can make one
   };
 
   struct Content {
@@ -140,17 +156,22 @@ class Library {
   const std::filesystem::path& file() const { return file_; }
 
  private:
-  struct Database;
   static constexpr const char* kMixingVoices = "mixing-voices";
 
   [[noreturn]] void fail(int sqliteCode, const std::string& text) const;
   template <typename Operation>
   auto run(Operation operation) const -> decltype(operation());
   template <typename Operation>
+  auto read(Operation operation) -> decltype(operation());
+  template <typename Operation>
   void change(Operation operation);
+  bool lookForLibrary();
+  void setDatabase(std::unique_ptr<Database> made);
 
   std::filesystem::path file_;
+  std::unique_ptr<LibraryFile> place_;  // null: in memory for good
   std::unique_ptr<Database> database_;
+  bool isYetToBeMade_ = false;            // the database is one in memory until there is something to keep
   std::vector<const Transaction*> open_;  // from the outermost to the innermost
   std::vector<Change> pending_;
   std::vector<Change> committed_;

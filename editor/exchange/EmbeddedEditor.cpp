@@ -71,7 +71,7 @@ void EmbeddedEditor::Run::commit() {
   for (const std::uint16_t parameter : {SystemModel::kReceiveBulk, SystemModel::kDeviceNumber})
     setUtility(tools, parameter, std::uint8_t(system_.system->utility.values()[parameter]));
   saveLive(tools);
-  transaction_->commit();
+  transaction_->commit(Library::Transaction::Making::Always);
 }
 
 std::vector<std::uint8_t> EmbeddedEditor::requestFor(BulkAddress address) {

@@ -26,7 +26,9 @@ struct Record : Handed, Touched {
 // told. Other programs may change the same library at the same time. One thread uses it.
 class EmbeddedEditor {
  public:
-  // Opens the library, or creates it. Throws LibraryError and LiveModelError.
+  // One whose library is in memory, gone with it.
+  EmbeddedEditor() : EmbeddedEditor("memory", {.use = Library::Use::memory}) {}
+  // Opens the library as `options` say. Throws LibraryError and LiveModelError.
   explicit EmbeddedEditor(const std::filesystem::path& libraryFile, const Library::Options& options = {});
 
   Library& library() { return library_; }

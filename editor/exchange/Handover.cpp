@@ -4,6 +4,17 @@
 
 namespace Editor {
 
+namespace {
+
+using Making = Library::Transaction::Making;
+
+// Whether a message is a whole by itself, or ends one.
+bool isWhole(Role role) {
+  return role == Role::alone || role == Role::footer || role == Role::emptyFooter || role == Role::trigger;
+}
+
+}  // namespace
+
 void saveLive(EditorJobTools& tools) {
   std::vector<std::string> saved;
   if (!tools.saveChanged(saved)) throw LibraryError(LibraryError::Kind::Failed, tools.lastError());
@@ -44,7 +55,8 @@ Handed Handover::handDump(const Reading& reading, std::span<const std::uint8_t> 
     isKept = isTrigger || (!hasFailed(handed) && handed.storeError.empty());
     if (isKept) {
       saveLive(host_.tools());
-      transaction.commit();
+      // What has nothing left to wait for is on disk when it is told, also where it changed nothing.
+      transaction.commit(isWhole(reading.role) ? Making::Always : Making::IfThereIsAnything);
     }
     if (inRun_)
       handed.changes.assign(library_.pendingChanges().begin() + std::ptrdiff_t(before),

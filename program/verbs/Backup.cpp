@@ -10,7 +10,6 @@
 #include "AddressRows.h"
 #include "compare/Compare.h"
 #include "exchange/Answers.h"
-#include "input/ScratchLibrary.h"
 #include "messages/Text.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
@@ -76,19 +75,19 @@ Plan planOf(EmbeddedEditor& editor) {
   return plan;
 }
 
-// Asks for everything in one state of the library. Each message is also received by a scratch library: what that does
+// Asks for everything in one state of the library. Each message is also received by a library in memory: what that does
 // not have in the end, the backup does not carry.
 class BackingUp {
  public:
   BackingUp(const std::string& output, Program& program)
-      : program_(program), editor_(program.openEditor()), file_(output) {
+      : program_(program), editor_(program.openToRead()), file_(output) {
     if (output == "-") program.console.keepOutputForBytes();
   }
 
   void run() {
     using Access = Library::Transaction::Access;
     const EmbeddedEditor::Run oneState(*editor_, Access::Read);
-    const EmbeddedEditor::Run proof(proof_.editor(), Access::Write, EmbeddedEditor::Run::Devices::any);
+    const EmbeddedEditor::Run proof(proof_, Access::Write, EmbeddedEditor::Run::Devices::any);
     const Plan plan = planOf(*editor_);
     const std::size_t count = plan.fileDumps.size() + plan.units.size() + plan.system.size() + plan.favourites.size();
     Progress progress(program_.console, "backup", "items", count);
@@ -136,7 +135,7 @@ class BackingUp {
       return 0;
     }
     for (const AssistantHost::Sent& sent : record.sent) {
-      const Record received = proof_.editor().handle(sent.bytes, BDA::DevicePort_Main, ++number_);
+      const Record received = proof_.handle(sent.bytes, BDA::DevicePort_Main, ++number_);
       if (received.outcome != Outcome::refused) continue;
       leaveOut(item.name, fmt::format("it would not be restored: {}", received.reason));
       return 0;
@@ -153,7 +152,7 @@ class BackingUp {
 
   void tellWhatIsLost() {
     constexpr std::size_t kMostDetails = 3;
-    for (const Difference& lost : compareLibraries(*editor_, proof_.editor(), Reception::ignored)) {
+    for (const Difference& lost : compareLibraries(*editor_, proof_, Reception::ignored)) {
       if (leftOut_.contains(lost.target)) continue;
       if (lost.kind != Difference::Kind::changed) {
         complain(fmt::format("{}: not in the backup: no message carries it", lost.target));
@@ -171,9 +170,10 @@ class BackingUp {
   }
 
   Program& program_;
+  const Interruptible interruptible_;  // or what is written beside the output would stay
   const std::unique_ptr<EmbeddedEditor> editor_;
   OutputFile file_;
-  ScratchLibrary proof_;
+  EmbeddedEditor proof_;
   std::uint64_t number_ = 0;
   std::uint64_t messages_ = 0;
   std::uint64_t bytes_ = 0;
@@ -182,6 +182,9 @@ class BackingUp {
 
 }  // namespace
 
-void backup(const std::string& output, Program& program) { BackingUp(output, program).run(); }
+void backup(const std::string& output, Program& program) {
+  program.requireLibrary(kUnusableInput);
+  BackingUp(output, program).run();
+}
 
 }  // namespace Editor

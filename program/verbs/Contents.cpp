@@ -95,7 +95,7 @@ void printByBank(const std::vector<Entry>& entries, Console& console) {
 }  // namespace
 
 void contents(bool json, Program& program) {
-  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
   const std::vector<Entry> entries = entriesOf(editor->library());
   if (json) {
     for (const Entry& entry : entries) program.console.line(toJsonLine(entry));

@@ -9,7 +9,6 @@
 
 #include "compare/Compare.h"
 #include "input/InputFiles.h"
-#include "input/ScratchLibrary.h"
 #include "messages/Text.h"
 #include "output/Progress.h"
 #include "verbs/Verbs.h"
@@ -25,7 +24,7 @@ bool isLibrary(const std::string& path) {
   return path != "-" && magic == kMagic;
 }
 
-// A library, or a file that a scratch library has received.
+// A library, or a file that a library in memory has received.
 class Side {
  public:
   // `input` is nothing for a library.
@@ -33,17 +32,16 @@ class Side {
     if (input) {
       receive(*input, program);
     } else {
-      library_ = program.openEditor(path);
+      editor_ = program.openToRead(path);
     }
   }
 
-  bool isFile() const { return scratch_ != nullptr; }
-  EmbeddedEditor& editor() { return scratch_ ? scratch_->editor() : *library_; }
+  EmbeddedEditor& editor() { return *editor_; }
 
  private:
   // What is refused is told, and is missing from the comparison: that alone makes it fail.
   void receive(const InputFiles& input, Program& program) {
-    scratch_ = std::make_unique<ScratchLibrary>();
+    editor_ = std::make_unique<EmbeddedEditor>();
     const auto complain = [&](const std::string& text) {
       program.console.problem(text);
       program.refuse();
@@ -68,8 +66,7 @@ class Side {
     run.commit();
   }
 
-  std::unique_ptr<EmbeddedEditor> library_;
-  std::unique_ptr<ScratchLibrary> scratch_;
+  std::unique_ptr<EmbeddedEditor> editor_;
 };
 
 }  // namespace
@@ -79,7 +76,6 @@ void diff(const std::string& firstPath, const std::string& secondPath, Program& 
   for (const std::string& path : {firstPath, secondPath})
     if (path != "-" && !std::filesystem::exists(path))
       throw Failure(kUnusableInput, fmt::format("{}: No such file or directory", escape(path)));
-  // Read before a scratch library takes Ctrl-C for its own: standard input may never end.
   const auto read = [&](const std::string& path) {
     return isLibrary(path) ? std::nullopt : std::optional(InputFiles({path}, program.console));
   };
@@ -91,7 +87,7 @@ void diff(const std::string& firstPath, const std::string& secondPath, Program& 
   const Library::Transaction secondState(second.editor().library(), Library::Transaction::Access::Read);
   first.editor().tools().reload();
   second.editor().tools().reload();
-  const Reception reception = first.isFile() || second.isFile() ? Reception::ignored : Reception::compared;
+  const Reception reception = firstInput || secondInput ? Reception::ignored : Reception::compared;
   const std::vector<Difference> differences = compareLibraries(first.editor(), second.editor(), reception);
   for (const Difference& difference : differences) {
     if (difference.kind != Difference::Kind::changed)

@@ -28,7 +28,8 @@ void favourite(const Words& words, Program& program) {
   const Target target = parseContent(joined.front());
   if (!canBeFavourite(target.content))
     refuse(target, "only preset, GM and user voices and drum voices can be favourites");
-  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  program.requireLibrary(kRefused);
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange();
   Library& library = editor->library();
   Library::Transaction transaction(library);
   const bool isOn = library.favourite(target.content) != 0;

@@ -28,7 +28,7 @@ class Receiving {
         port_(BDA::DevicePortNum(options.port)),
         input_(files, program.console),
         progress_(program.console, "receive", "messages", input_.countMessages()),
-        editor_(program.openEditor()),
+        editor_(program.openToChange()),
         trace_(options.trace) {
     if (!options.output.empty()) answers_.emplace(options.output);
     if (options.output == "-" || options.trace == "-") console_.keepOutputForBytes();

@@ -18,7 +18,8 @@ void remove(const Words& words, Program& program) {
                                      [&](const Target& other) { return other.content == target.content; });
     if (!isTwice) targets.push_back(std::move(target));
   }
-  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  program.requireLibrary(kRefused);
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange();
   Library::Transaction transaction(editor->library());
   for (const Target& target : targets)
     if (!editor->library().remove(target.content)) refuse(target, "nothing is stored there; nothing is removed");

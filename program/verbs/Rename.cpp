@@ -56,7 +56,8 @@ void rename(const Words& words, Program& program) {
   if (target.kind == Target::Kind::system || target.kind == Target::Kind::additional)
     throw Failure(kWrongUsage, fmt::format("{} has no name", target.name));
   if (!hasName(target)) refuse(target, "no message carries a name for it");
-  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  program.requireLibrary(kRefused);
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange();
   Library::Transaction transaction(editor->library());
   if (target.kind == Target::Kind::content) {
     renameContent(*editor, target, name);

@@ -44,7 +44,7 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
   const auto port = BDA::DevicePortNum(options.port);
   if (options.trace == "-" && (options.output.empty() || options.output == "-"))
     throw Failure(kWrongUsage, "answers and trace cannot both go to standard output");
-  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
   Trace trace(options.trace);
   std::vector<std::vector<std::uint8_t>> answers;
   std::size_t answered = 0;

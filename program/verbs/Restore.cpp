@@ -8,7 +8,6 @@
 
 #include "compare/Compare.h"
 #include "input/InputFiles.h"
-#include "input/ScratchLibrary.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "output/Progress.h"
@@ -28,21 +27,17 @@ class Restoring {
 
   void run(bool dryRun) {
     verify();
-    const std::string file = program_.libraryFile();
     if (!dryRun) {
-      const std::unique_ptr<EmbeddedEditor> editor = program_.openEditor(file);
+      const std::unique_ptr<EmbeddedEditor> editor = program_.openToChange();
       EmbeddedEditor::Run run(*editor);
       receive(*editor, "restore");
       run.commit();
       tellChanges(editor->library().takeChanges());
-    } else if (std::filesystem::exists(file)) {
-      const std::unique_ptr<EmbeddedEditor> editor = program_.openEditor(file);
-      const std::unique_ptr<EmbeddedEditor> untouched = program_.openEditor(file);
-      rehearse(*editor, *untouched);
-    } else {  // which would be created
-      ScratchLibrary fresh;
-      ScratchLibrary untouched;
-      rehearse(fresh.editor(), untouched.editor());
+    } else if (const std::string file = program_.libraryFile(); std::filesystem::exists(file)) {
+      rehearse(*program_.openToRead(file));
+    } else {
+      EmbeddedEditor empty;
+      rehearse(empty);
     }
   }
 
@@ -117,13 +112,15 @@ class Restoring {
                               counted(stored.size(), "content"), removed.size()));
   }
 
-  // Everything but the commit. `untouched` is the same library through other eyes: it sees what is committed.
-  void rehearse(EmbeddedEditor& editor, EmbeddedEditor& untouched) {
-    const EmbeddedEditor::Run run(editor);
-    const Library::Transaction asItIs(untouched.library(), Library::Transaction::Access::Read);
-    untouched.tools().reload();
-    receive(editor, "dry run");
-    const std::vector<Difference> changes = compareLibraries(untouched, editor, Reception::ignored);
+  // On a copy.
+  void rehearse(EmbeddedEditor& library) {
+    const Library::Transaction oneState(library.library(), Library::Transaction::Access::Read);
+    library.tools().reload();
+    EmbeddedEditor copy;
+    copy.library().copyFrom(library.library());
+    const EmbeddedEditor::Run run(copy);
+    receive(copy, "dry run");
+    const std::vector<Difference> changes = compareLibraries(library, copy, Reception::ignored);
     for (const Difference& change : changes) tell(change);
     console_.note(changes.empty()
                       ? "nothing would change"

@@ -13,7 +13,7 @@
 namespace Editor {
 
 void screen(const std::string& output, Program& program) {
-  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
   if (output == "-") program.console.keepOutputForBytes();
   OutputFile file(output);
   const Record record = editor->handle(editor->requestFor(kScreen), BDA::DevicePort_Main, 1);

@@ -39,7 +39,8 @@ struct Setting {
   const char* name;
   const char* values;  // what can be set
   std::string (*get)(EmbeddedEditor&);
-  bool (*set)(EmbeddedEditor&, const std::string&);  // false: no such value
+  std::optional<std::int64_t> (*parse)(const std::string&);  // nothing: no such value
+  void (*set)(EmbeddedEditor&, std::int64_t);
 };
 
 const std::array kSettings{
@@ -50,50 +51,55 @@ const std::array kSettings{
               if (device == unsigned(CMA::DeviceNumber_Off)) return "off";
               return std::to_string(device + 1);
             },
-            [](EmbeddedEditor& editor, const std::string& value) {
-              const auto device = value == "all"   ? std::optional<std::int64_t>(CMA::DeviceNumber_All + 1)
-                                  : value == "off" ? std::optional<std::int64_t>(CMA::DeviceNumber_Off + 1)
-                                                   : parseNumber(value, 1, 16);
-              if (device) setUtility(editor, SystemModel::kDeviceNumber, std::uint8_t(*device - 1));
-              return device.has_value();
+            [](const std::string& value) -> std::optional<std::int64_t> {
+              if (value == "all") return CMA::DeviceNumber_All;
+              if (value == "off") return CMA::DeviceNumber_Off;
+              const auto device = parseNumber(value, 1, 16);
+              return device ? std::optional(*device - 1) : std::nullopt;
+            },
+            [](EmbeddedEditor& editor, std::int64_t device) {
+              setUtility(editor, SystemModel::kDeviceNumber, std::uint8_t(device));
             }},
     Setting{"receive-bulk", "on or off",
             [](EmbeddedEditor& editor) -> std::string {
               return utilityOf(editor, SystemModel::kReceiveBulk) == 0 ? "off" : "on";
             },
-            [](EmbeddedEditor& editor, const std::string& value) {
-              if (value != "on" && value != "off") return false;
-              setUtility(editor, SystemModel::kReceiveBulk, value == "on" ? 1 : 0);
-              return true;
+            [](const std::string& value) -> std::optional<std::int64_t> {
+              if (value != "on" && value != "off") return std::nullopt;
+              return value == "on" ? 1 : 0;
+            },
+            [](EmbeddedEditor& editor, std::int64_t isOn) {
+              setUtility(editor, SystemModel::kReceiveBulk, std::uint8_t(isOn));
             }},
     Setting{"mixing-voices", "a number from 0 to 2048",
             [](EmbeddedEditor& editor) { return std::to_string(editor.library().mixingVoiceMaximum()); },
-            [](EmbeddedEditor& editor, const std::string& value) {
-              const auto most = parseNumber(value, 0, Library::kDefaultMixingVoiceMaximum);
-              if (most) editor.library().setMixingVoiceMaximum(*most);
-              return most.has_value();
-            }},
+            [](const std::string& value) { return parseNumber(value, 0, Library::kDefaultMixingVoiceMaximum); },
+            [](EmbeddedEditor& editor, std::int64_t most) { editor.library().setMixingVoiceMaximum(most); }},
 };
+
+const Setting& settingNamed(const std::string& name) {
+  const auto* const found =
+      std::find_if(kSettings.begin(), kSettings.end(), [&](const Setting& setting) { return name == setting.name; });
+  if (found != kSettings.end()) return *found;
+  std::string names;
+  for (const Setting& setting : kSettings) names += fmt::format("{}{}", names.empty() ? "" : ", ", setting.name);
+  throw Failure(kWrongUsage, fmt::format("there is no setting \"{}\": expected {}", escape(name), names));
+}
 
 }  // namespace
 
 void settings(const std::string& name, const std::optional<std::string>& value, Program& program) {
-  const auto found =
-      std::find_if(kSettings.begin(), kSettings.end(), [&](const Setting& setting) { return name == setting.name; });
-  if (!name.empty() && found == kSettings.end()) {
-    std::string names;
-    for (const Setting& setting : kSettings) names += fmt::format("{}{}", names.empty() ? "" : ", ", setting.name);
-    throw Failure(kWrongUsage, fmt::format("there is no setting \"{}\": expected {}", escape(name), names));
-  }
-  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
   if (name.empty()) {
+    const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
     for (const Setting& setting : kSettings)
       program.console.line(fmt::format("{} {}", setting.name, setting.get(*editor)));
-  } else if (!value) {
-    program.console.line(found->get(*editor));
-  } else if (!found->set(*editor, *value)) {
-    throw Failure(kWrongUsage, fmt::format("{}: \"{}\": expected {}", name, escape(*value), found->values));
+    return;
   }
+  const Setting& setting = settingNamed(name);
+  if (!value) return program.console.line(setting.get(*program.openToRead()));
+  const std::optional<std::int64_t> number = setting.parse(*value);
+  if (!number) throw Failure(kWrongUsage, fmt::format("{}: \"{}\": expected {}", name, escape(*value), setting.values));
+  setting.set(*program.openToChange(), *number);
 }
 
 }  // namespace Editor

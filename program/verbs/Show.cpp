@@ -43,7 +43,7 @@ class Lines {
 
 void show(const Words& words, bool json, Program& program) {
   const Target target = parseOneTarget(words);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openEditor();
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
   const ModelSet models = loadTarget(*editor, target);
   if (json) {
     program.console.line(toJson(models).dump(-1, ' ', true));  // a terminal would obey U+0080 to U+009F

@@ -168,7 +168,7 @@ TEST_F(Backup, theMessagesCarryTheLibrarysDeviceNumber) {
   EXPECT_THAT(run, Exits(3));
   EXPECT_THAT(run.err, HasSubstr("a.syx: message 1 at offset 0: refused: system common: it is for device 5, the device "
                                  "number is 1"));
-  EXPECT_THAT(bda({"diff", "a.syx", "other.db"}), Exits(0));
+  EXPECT_FALSE(exists("other.db"));
 }
 
 TEST_F(Backup, standardOutputIsAFileToo) {
@@ -187,6 +187,7 @@ TEST_F(Backup, anOutputThatCannotBeWrittenIsAnError) {
 // ---- restore ----
 
 TEST_F(Backup, aBrokenMessageKeepsAllOthersOut) {
+  removeLibrary();
   write("a.syx", {systemDump(1), damaged(blockDump({0x00, 0x40, 0x00}))});
   const std::string offset = std::to_string(systemDump(1).size());
   const Result run = bda({"restore", "a.syx"});
@@ -197,6 +198,7 @@ TEST_F(Backup, aBrokenMessageKeepsAllOthersOut) {
 }
 
 TEST_F(Backup, aUnitThatIsNotWholeKeepsAllOthersOut) {
+  removeLibrary();
   const struct {
     std::vector<Bytes> messages;
     const char* problem;
@@ -269,6 +271,7 @@ TEST_F(Backup, aDryRunSaysWhatWouldChangeAndChangesNothing) {
 }
 
 TEST_F(Backup, aDryRunCreatesNoLibraryAndIsRefusedAsTheRestoreWouldBe) {
+  removeLibrary();
   write("a.syx", {systemDump(1)});
   EXPECT_THAT(bda({"restore", "--dry-run", "a.syx"}), Exits(0));
   EXPECT_FALSE(exists("library.db"));

@@ -88,6 +88,7 @@ TEST_F(Diff, whatAFileHoldsInVainIsToldAndIsADifference) {
 }
 
 TEST_F(Diff, whatDoesNotExistIsNotCreated) {
+  removeLibrary();
   write("a.syx", {systemDump(1)});
   EXPECT_THAT(bda({"diff", "a.syx", "none.db"}), Exits(2));
   EXPECT_THAT(bda({"diff", "none.db", "a.syx"}), Exits(2));

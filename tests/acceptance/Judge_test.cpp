@@ -20,6 +20,7 @@ class Judge : public Program {};
 }  // namespace
 
 TEST_F(Judge, listPrintsOneLineForEachMessageAndNeedsNoLibrary) {
+  removeLibrary();
   write("a.syx", {blockDump({0x00, 0x00, 0x00}, 1), request({0x00, 0x40, 0x00}, 4)});
   const Result run = bda({"list", "a.syx"});
   EXPECT_THAT(run, Exits(0));

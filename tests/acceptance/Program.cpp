@@ -10,6 +10,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "contents/Library.h"
+
 extern char** environ;
 
 namespace {
@@ -63,12 +65,13 @@ Result run(const std::vector<std::string>& arguments, const std::filesystem::pat
 Program::Program() {
   std::string name = (std::filesystem::temp_directory_path() / "bda-acceptance-XXXXXX").string();
   directory = ::mkdtemp(name.data());
+  Editor::Library(libraryFile()).setMixingVoiceMaximum(Editor::Library::kDefaultMixingVoiceMaximum);
 }
 
 Program::~Program() { std::filesystem::remove_all(directory); }
 
 Result Program::bda(const std::vector<std::string>& arguments, const std::string& input) {
-  return run(arguments, directory, {"BDA_LIBRARY=" + (directory / "library.db").string()}, input);
+  return run(arguments, directory, {"BDA_LIBRARY=" + libraryFile().string()}, input);
 }
 
 Result Program::bdaWithout(const std::string& variable, const std::vector<std::string>& arguments) {

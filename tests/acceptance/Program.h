@@ -1,6 +1,7 @@
 #pragma once
 
-// The program `bda` as its user runs it: a process, a library of its own, files in a directory of its own.
+// The program `bda` as its user runs it: a process, a library of its own without contents, files in a directory of its
+// own.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,6 +28,10 @@ class Program : public testing::Test {
   // In the test's directory, with its library.
   Result bda(const std::vector<std::string>& arguments, const std::string& input = "");
   Result bdaWithout(const std::string& variable, const std::vector<std::string>& arguments);
+
+  std::filesystem::path libraryFile() const { return directory / "library.db"; }
+  // As on the first day: there is no library yet.
+  void removeLibrary() { std::filesystem::remove(libraryFile()); }
 
   // A file of the test's directory, by its name.
   void write(const std::string& name, const std::string& bytes);

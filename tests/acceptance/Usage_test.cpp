@@ -75,6 +75,7 @@ TEST_F(Usage, inputThatCannotBeUsedExitsWith2AndSaysWhy) {
 }
 
 TEST_F(Usage, oneFileThatCannotBeUsedKeepsTheOthersFromBeingReceived) {
+  removeLibrary();
   write("a.syx", {blockDump({0, 0, 0}, 1)});
   EXPECT_THAT(bda({"receive", "a.syx", "none.syx"}), Exits(2));
   EXPECT_FALSE(exists("library.db"));
@@ -136,6 +137,7 @@ TEST_F(Usage, anOutputThatTheRunNeedsIsRefusedAndStaysAsItIs) {
 }
 
 TEST_F(Usage, aLibraryThatIsStillToComeIsNoOutputEither) {
+  removeLibrary();
   write("a.syx", {request({0, 0, 0})});
   EXPECT_THAT(bda({"receive", "a.syx", "-o", "library.db"}), Exits(1));
   EXPECT_FALSE(exists("library.db"));
@@ -146,6 +148,7 @@ TEST_F(Usage, devicesMayBeNamedTwice) {
 }
 
 TEST_F(Usage, anEmptyFileNameIsWrongUsage) {
+  removeLibrary();
   write("a.syx", {blockDump({0, 0, 0})});
   const std::vector<std::vector<std::string>> wrong{{"contents", "--library", ""},
                                                     {"contents", "--names", ""},
@@ -174,22 +177,8 @@ TEST_F(Usage, anEmptyFileNameIsWrongUsage) {
   EXPECT_FALSE(exists("library.db"));
 }
 
-TEST_F(Usage, aNewLibraryIsTold) {
-  EXPECT_THAT(bda({"settings"}).err, HasSubstr("library.db: new library\n"));
-  EXPECT_EQ(bda({"settings"}).err, "");
-  EXPECT_EQ(bda({"-q", "--library", "other.db", "settings"}).err, "");
-}
-
-TEST_F(Usage, backupCreatesNoLibraryAndKeepsTheFile) {
-  write("good.syx", "a good backup");
-  const Result run = bda({"backup", "-o", "good.syx", "--library", "typo.db"});
-  EXPECT_THAT(run, Exits(2));
-  EXPECT_EQ(run.err, "bda: typo.db: there is no such library\n");
-  EXPECT_EQ(read("good.syx"), "a good backup");
-  EXPECT_FALSE(exists("typo.db"));
-}
-
 TEST_F(Usage, theLibraryIsFoundByOptionThenEnvironmentThenDefault) {
+  removeLibrary();
   EXPECT_THAT(bda({"--library", "mine.db", "settings", "device-number", "3"}), Exits(0));
   EXPECT_TRUE(exists("mine.db"));
   EXPECT_FALSE(exists("library.db"));

@@ -44,7 +44,7 @@ struct ContentsWorkTest : ::testing::Test {
   std::optional<Library::Content> onDisk(ContentId id) { return other.content(id); }
 
   TemporaryDirectory directory;
-  std::filesystem::path file = directory / "library.db";
+  std::filesystem::path file = madeLibrary(directory / "library.db");
   Library library{file, {.busyTimeout = std::chrono::milliseconds(20)}};
   Library other{file};
   PlainDatabase plain{file};

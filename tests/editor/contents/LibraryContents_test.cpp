@@ -65,6 +65,7 @@ TEST_F(LibraryTest, BytesThatSQLiteCannotCountAreRefusedAndNotCut) {
 
 // Cut to the bits that it has room for it would be that of another content, or no flag at all.
 TEST_F(LibraryTest, ANumberOutOfRangeIsDamage) {
+  madeLibrary(file);
   Library library(file);
   PlainDatabase plain(file);
   const auto isDamage = [&](const std::function<void()>& operation) {

@@ -214,8 +214,7 @@ TEST(LibraryFaults, AfterAFailureInAPassTheWorkGoesOnAsIfItHadNotBegun) {
 TEST(LibraryFaults, AReadThatFailsTakesThePassBack) {
   TemporaryDirectory directory;
   FaultyVfs vfs;
-  { Library library(directory / "library.db"); }
-  Library library(directory / "library.db", {.vfs = FaultyVfs::kName});
+  Library library(madeLibrary(directory / "library.db"), {.vfs = FaultyVfs::kName});
   ContentsWork work(library);
   ASSERT_EQ(work.requestOverWriteConfig(ContType_Multi), ContRes_Success);
   vfs.setReadable(false);

@@ -28,9 +28,9 @@ using std::chrono::milliseconds;
 
 // ---- Opening --------------------------------------------------------------------------------------------------------
 
-TEST_F(LibraryTest, IsCreatedWithItsDirectory) {
+TEST_F(LibraryTest, IsMadeWithItsDirectory) {
   const auto deep = directory / "a/b/library.db";
-  { Library library(deep); }
+  madeLibrary(deep);
   PlainDatabase plain(deep);
   EXPECT_EQ(plain("PRAGMA journal_mode"), "wal");
   EXPECT_EQ(plain("PRAGMA application_id"), std::to_string(0x4244414C));
@@ -118,7 +118,7 @@ TEST_F(LibraryTest, AForeignOrNewerDatabaseWithALogOfItsOwnIsUntouched) {
 }
 
 TEST_F(LibraryTest, ALibraryOfANewerVersionIsRefusedAndUntouched) {
-  { Library library(file); }
+  madeLibrary(file);
   { PlainDatabase{file}("PRAGMA user_version = 2"); }
   const std::string before = bytesOfFile(file);
   const auto error = errorOfOpening(file);
@@ -141,7 +141,7 @@ TEST_F(LibraryTest, WhatCannotBeOpenedIsNamed) {
 }
 
 TEST_F(LibraryTest, AMissingTableIsDamage) {
-  { Library library(file); }
+  madeLibrary(file);
   { PlainDatabase{file}("DROP TABLE favourites"); }
   const auto error = errorOfOpening(file);
   ASSERT_TRUE(error);
@@ -150,7 +150,7 @@ TEST_F(LibraryTest, AMissingTableIsDamage) {
 }
 
 TEST_F(LibraryTest, AMissingVersionIsDamage) {
-  { Library library(file); }
+  madeLibrary(file);
   { PlainDatabase{file}("PRAGMA user_version = 0"); }
   const auto error = errorOfOpening(file);
   ASSERT_TRUE(error);
@@ -177,6 +177,7 @@ TEST_F(LibraryTest, ATruncatedFileIsDamaged) {
 }
 
 TEST_F(LibraryTest, ALockedLibraryIsNamedAfterTheBusyTimeout) {
+  madeLibrary(file);
   Library library(file, {.busyTimeout = milliseconds(50)});
   PlainDatabase other(file);
   other("BEGIN IMMEDIATE");
@@ -190,6 +191,7 @@ TEST_F(LibraryTest, ALockedLibraryIsNamedAfterTheBusyTimeout) {
 }
 
 TEST_F(LibraryTest, ATimeThatSQLiteCannotCountIsWaitedToo) {
+  madeLibrary(file);
   Library library(file, {.busyTimeout = milliseconds(std::int64_t{1} << 32)});
   PlainDatabase other(file);
   other("BEGIN IMMEDIATE");
@@ -202,7 +204,7 @@ TEST_F(LibraryTest, ATimeThatSQLiteCannotCountIsWaitedToo) {
 
 // As one has it for a moment that another program is creating.
 TEST_F(LibraryTest, ALibraryWithoutItsLogWaitsForTheLockThatKeepsItFromOne) {
-  { Library library(file); }
+  madeLibrary(file);
   PlainDatabase other(file);
   other("PRAGMA journal_mode = DELETE; BEGIN IMMEDIATE");
   std::thread opener([this] { EXPECT_NO_THROW(Library library(file)); });
@@ -213,7 +215,7 @@ TEST_F(LibraryTest, ALibraryWithoutItsLogWaitsForTheLockThatKeepsItFromOne) {
 }
 
 TEST_F(LibraryTest, ALibraryThatIsLockedForGoodCannotBeOpened) {
-  { Library library(file); }
+  madeLibrary(file);
   PlainDatabase other(file);
   other("PRAGMA locking_mode = EXCLUSIVE; BEGIN IMMEDIATE; CREATE TABLE t(a)");
   EXPECT_EQ(errorOfOpening(file)->kind(), Kind::Locked);
@@ -330,6 +332,7 @@ TEST_F(LibraryTest, AnOuterTransactionEndsThoseInsideIt) {
 
 // SQLite ends a whole transaction by itself on some errors; what follows must not be written alone.
 TEST_F(LibraryTest, NothingIsWrittenInATransactionThatWasLost) {
+  madeLibrary(file);
   Library library(file);
   {
     PlainDatabase{file}(
@@ -431,6 +434,7 @@ TEST_F(LibraryTest, ASecondOneInTheSameProcessDoesNotUndoTheLocksOfTheFirst) {
   }
   Library first(file);
   first.store(kVoice, Bytes{1}, "x");
+  first.store(kVoice, Bytes{2}, "x");  // the first one made the library, this one is in the log
   { Library second(file); }
   EXPECT_EQ(::write(go[1], "x", 1), 1);
   int status = 0;

@@ -26,7 +26,7 @@ struct ModelStoreTest : ::testing::Test {
   void breakLibrary() { other("DROP TABLE contents; DROP TABLE live; DROP TABLE settings"); }
 
   TemporaryDirectory directory;
-  Library library{directory / "library.db", {.busyTimeout = std::chrono::milliseconds(20)}};
+  Library library{madeLibrary(directory / "library.db"), {.busyTimeout = std::chrono::milliseconds(20)}};
   PlainDatabase other{directory / "library.db"};
   ModelStore store{library};
   std::string why;

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "contents/Library.h"
+
 namespace Editor {
 
 // A directory of its own for every test, gone at its end; in memory where there is such a place, for a library waits
@@ -36,6 +38,12 @@ class TemporaryDirectory {
  private:
   std::filesystem::path path_;
 };
+
+// A library that holds no contents, in a file of its own: a setting is enough for one to be made.
+inline std::filesystem::path madeLibrary(const std::filesystem::path& file) {
+  Library(file).setMixingVoiceMaximum(Library::kDefaultMixingVoiceMaximum);
+  return file;
+}
 
 inline std::string bytesOfFile(const std::filesystem::path& file) {
   std::ifstream in(file, std::ios::binary);

@@ -1,0 +1,204 @@
+#include "contents/LibraryFile.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <string_view>
+#include <system_error>
+#include <thread>
+
+#include "contents/Library.h"
+
+namespace Editor {
+
+namespace {
+
+constexpr std::uint32_t kApplicationId = 0x4244414C;  // "BDAL", in the header of every library
+
+std::uint32_t bigEndian32(const unsigned char* bytes) {
+  return std::uint32_t(bytes[0]) << 24 | std::uint32_t(bytes[1]) << 16 | std::uint32_t(bytes[2]) << 8 | bytes[3];
+}
+
+struct Header {
+  bool empty = false;
+  std::uint32_t applicationId = 0;  // 0 for what is not even a database
+  std::uint32_t version = 0;
+};
+
+// The header of the file, seen before SQLite works with it: that may finish or take back what another program left
+// undone, and would so change a file that is none of ours. Yet it has to be SQLite that reads, for to close a file
+// handle of our own would drop every lock that this process has on the file.
+Header readHeader(sqlite3* handle) {
+  sqlite3_file* file = nullptr;
+  sqlite3_file_control(handle, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+  std::array<unsigned char, 100> bytes{};
+  // Not the size: SQLite calls a file of one byte empty.
+  int result = file->pMethods->xRead(file, bytes.data(), 1, 0);
+  if (result == SQLITE_IOERR_SHORT_READ) return {.empty = true};
+  if (result == SQLITE_OK) result = file->pMethods->xRead(file, bytes.data(), int(bytes.size()), 0);
+  if (result == SQLITE_IOERR_SHORT_READ) return {};
+  if (result != SQLITE_OK) throw SQLite::Exception("disk I/O error", result);
+  constexpr std::string_view kMagic("SQLite format 3\0", 16);
+  if (std::memcmp(bytes.data(), kMagic.data(), kMagic.size()) != 0) return {};
+  return {.applicationId = bigEndian32(&bytes[68]), .version = bigEndian32(&bytes[60])};
+}
+
+// Creates a directory and those above it, on disk when it returns: a file is as lost as the directory that held it.
+void createDirectories(const std::filesystem::path& directory) {
+  if (directory.empty() || std::filesystem::exists(directory)) return;
+  createDirectories(directory.parent_path());
+  std::filesystem::create_directory(directory);
+  if (const int parent = ::open(directory.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); parent >= 0) {
+    ::fsync(parent);
+    ::close(parent);
+  }
+}
+
+// A path as a URI's: what would mean something there is escaped.
+std::string uriOf(const std::filesystem::path& path) {
+  constexpr const char* kDigits = "0123456789ABCDEF";
+  std::string uri = "file:";
+  for (const char c : path.string()) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte > ' ' && byte < 0x7F && std::strchr("%?#", c) == nullptr)
+      uri += c;
+    else
+      uri += {'%', kDigits[byte >> 4], kDigits[byte & 0x0F]};
+  }
+  return uri;
+}
+
+[[noreturn]] void cannotOpen(int error) { throw SQLite::Exception(std::strerror(error), SQLITE_CANTOPEN); }
+
+}  // namespace
+
+std::unique_ptr<Database> LibraryFile::open() const {
+  if (!exists()) return nullptr;
+  std::unique_ptr<Database> database = open(path_.string(), SQLite::OPEN_READWRITE);
+  if (database == nullptr) return nullptr;
+  database->connection.exec("PRAGMA synchronous = FULL");
+  keepWriteAheadLog(*database);  // not before the file is known as ours: this writes to it
+  database->prepareStatements();
+  return database;
+}
+
+std::unique_ptr<Database> LibraryFile::openToRead() const {
+  if (!exists()) return nullptr;
+  // Who must not write to the file can neither put away the log that SQLite makes for a reader, nor make one in a
+  // directory that is closed to him: the file is read as it is.
+  const bool isAlone = vfs_ == nullptr && !canBeWritten() && !std::filesystem::exists(path_.string() + "-wal");
+  std::unique_ptr<Database> database =
+      isAlone ? open(uriOf(path_) + "?immutable=1", SQLite::OPEN_READONLY | SQLite::OPEN_URI)
+              : open(path_.string(), SQLite::OPEN_READWRITE);
+  if (database != nullptr) database->prepareStatements();
+  return database;
+}
+
+// Null when there is nothing in it yet.
+std::unique_ptr<Database> LibraryFile::open(const std::string& name, int flags) const {
+  auto database = std::make_unique<Database>(name, flags, busyTimeout_, vfs_);
+  if (const Header header = readHeader(database->connection.getHandle()); !header.empty)
+    requireLibrary(header.applicationId, header.version);
+  if (database->isUnfinished()) return nullptr;
+  // Again, now that no log hides anything.
+  const std::int64_t version = database->integer("PRAGMA user_version");
+  requireLibrary(database->integer("PRAGMA application_id"), version);
+  if (version < kLibraryVersion) throw SQLite::Exception("its version is missing", SQLITE_CORRUPT);
+  return database;
+}
+
+bool LibraryFile::exists() const {
+  if (vfs_ == nullptr) return std::filesystem::exists(path_);
+  sqlite3_vfs* const vfs = sqlite3_vfs_find(vfs_);
+  int exists = 0;
+  const int result = vfs->xAccess(vfs, path_.c_str(), SQLITE_ACCESS_EXISTS, &exists);
+  if (result != SQLITE_OK) throw SQLite::Exception("disk I/O error", result);
+  return exists != 0;
+}
+
+void LibraryFile::requireRoom() const {
+  if (vfs_ != nullptr) return;
+  const std::filesystem::path directory = nearestDirectory();
+  if (!std::filesystem::is_directory(directory)) cannotOpen(ENOTDIR);
+  if (::access(directory.c_str(), W_OK | X_OK) != 0) cannotOpen(errno);
+}
+
+std::unique_ptr<Database> LibraryFile::make(Database& rows) const {
+  if (vfs_ == nullptr) createDirectories(path_.parent_path());
+  auto database =
+      std::make_unique<Database>(path_.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, busyTimeout_, vfs_);
+  SQLite::Database& connection = database->connection;
+  connection.exec("PRAGMA synchronous = FULL");
+  // The id comes first and alone, in the only page that is written then: what a power cut leaves of the file is empty
+  // or says that it is ours.
+  if (!database->isUnfinished()) throw SQLite::Exception("another program has made it", SQLITE_BUSY);
+  connection.exec("PRAGMA application_id = " + std::to_string(kApplicationId));
+  SQLite::Transaction transaction(connection, SQLite::TransactionBehavior::IMMEDIATE);
+  if (!database->isUnfinished()) throw SQLite::Exception("another program has made it", SQLITE_BUSY);
+  database->makeTables();
+  rows.copyRowsTo(*database);
+  transaction.commit();
+  keepWriteAheadLog(*database);
+  database->prepareStatements();
+  return database;
+}
+
+void LibraryFile::requireLibrary(std::int64_t applicationId, std::int64_t version) const {
+  if (applicationId != kApplicationId)
+    throw LibraryError(LibraryError::Kind::NotALibrary, path_.string() + " is no library");
+  if (version > kLibraryVersion)
+    throw LibraryError(LibraryError::Kind::NewerVersion,
+                       path_.string() + " was written by a newer version of this program (its library version is " +
+                           std::to_string(version) + ", this program knows " + std::to_string(kLibraryVersion) + ")");
+}
+
+// A library stays in that mode. Two that change it at once could wait for each other, so SQLite lets neither wait: that
+// is left to us.
+void LibraryFile::keepWriteAheadLog(Database& database) const {
+  const auto deadline = std::chrono::steady_clock::now() + std::min(busyTimeout_, Database::kForEver);
+  while (true) {
+    try {
+      if (database.connection.execAndGet("PRAGMA journal_mode = WAL").getString() == "wal") return;
+      throw SQLite::Exception("no write-ahead log can be kept beside it", SQLITE_CANTOPEN);
+    } catch (const SQLite::Exception& error) {
+      if (error.getErrorCode() != SQLITE_BUSY || std::chrono::steady_clock::now() >= deadline) throw;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+}
+
+bool LibraryFile::canBeWritten() const {
+  return ::access(path_.c_str(), W_OK) == 0 && ::access(path_.parent_path().c_str(), W_OK | X_OK) == 0;
+}
+
+// The directory that the library lies in, or the lowest above it that is there.
+std::filesystem::path LibraryFile::nearestDirectory() const {
+  std::filesystem::path directory = path_.parent_path();
+  while (!std::filesystem::exists(directory) && directory.has_relative_path()) directory = directory.parent_path();
+  return directory;
+}
+
+LibraryMaking::LibraryMaking(const LibraryFile& file) {
+  if (file.vfs_ != nullptr) return;
+  directory_ = ::open(file.nearestDirectory().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (directory_ < 0) return;  // it must not be read: two that make a library at once are then told so
+  const auto deadline = std::chrono::steady_clock::now() + std::min(file.busyTimeout_, Database::kForEver);
+  while (::flock(directory_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    if (std::chrono::steady_clock::now() >= deadline) {
+      ::close(directory_);
+      throw SQLite::Exception("another program makes it", SQLITE_BUSY);
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+}
+
+LibraryMaking::~LibraryMaking() {
+  if (directory_ >= 0) ::close(directory_);
+}
+
+}  // namespace Editor

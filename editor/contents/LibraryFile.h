@@ -1,0 +1,60 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+
+#include "contents/Database.h"
+
+namespace Editor {
+
+inline constexpr std::int32_t kLibraryVersion = 1;
+
+// Where a library lies: opens the database there, or makes it. Everything here throws SQLite::Exception, and
+// LibraryError for what is no library of ours.
+class LibraryFile {
+ public:
+  // `vfs`: the SQLite VFS to use; null: the operating system's files.
+  LibraryFile(std::filesystem::path path, std::chrono::milliseconds busyTimeout, const char* vfs)
+      : path_(std::move(path)), busyTimeout_(busyTimeout), vfs_(vfs) {}
+
+  // Null when there is none, or nothing but what making one has left that was cut off.
+  std::unique_ptr<Database> open() const;
+  // The same for reading alone: nothing is written, nor left behind, and a place that cannot be written will do when no
+  // log stands beside the file, which only a writer could read.
+  std::unique_ptr<Database> openToRead() const;
+  bool exists() const;
+
+  // Throws unless a library can be made there.
+  void requireRoom() const;
+  // Makes it, with the directories that are missing, of all that `rows` holds: on disk when this returns, or not there
+  // at all. Whoever calls it holds a LibraryMaking since he has looked that there is none.
+  std::unique_ptr<Database> make(Database& rows) const;
+
+ private:
+  friend class LibraryMaking;
+
+  std::unique_ptr<Database> open(const std::string& name, int flags) const;
+  void requireLibrary(std::int64_t applicationId, std::int64_t version) const;
+  void keepWriteAheadLog(Database& database) const;
+  bool canBeWritten() const;
+  std::filesystem::path nearestDirectory() const;
+
+  std::filesystem::path path_;  // absolute
+  std::chrono::milliseconds busyTimeout_;
+  const char* vfs_;
+};
+
+// As long as one lives no other program makes a library there.
+class LibraryMaking {
+ public:
+  explicit LibraryMaking(const LibraryFile& file);
+  LibraryMaking(const LibraryMaking&) = delete;
+  LibraryMaking& operator=(const LibraryMaking&) = delete;
+  ~LibraryMaking();
+
+ private:
+  int directory_ = -1;
+};
+
+}  // namespace Editor

@@ -1,0 +1,230 @@
+#include "contents/LibraryFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "editor/contents/LibraryFixture.h"
+
+namespace Editor {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using Bytes = Library::Bytes;
+using Kind = LibraryError::Kind;
+using Access = Library::Transaction::Access;
+using Use = Library::Use;
+
+struct LibraryFileTest : LibraryTest {
+  ~LibraryFileTest() override { allow(0700, 0600); }  // or it would stay
+
+  std::vector<std::string> files() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(directory.path()))
+      names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  // A library with one voice.
+  void store() { Library(file).store(kVoice, Bytes{1, 2, 3}, "Piano"); }
+
+  // Runs it as somebody whom permissions hold back, in a process of his own; whether it returned true.
+  static bool asAnybody(const std::function<bool()>& operation) {
+    constexpr uid_t kNobody = 65534;
+    const pid_t child = ::fork();
+    if (child == 0) {
+      if (::geteuid() == 0 && ::setuid(kNobody) != 0) ::_exit(2);
+      bool isTrue = false;
+      try {
+        isTrue = operation();
+      } catch (const std::exception&) {
+      }
+      ::_exit(isTrue ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  }
+  void allow(mode_t directoryMode, mode_t fileMode) {
+    ::chmod(directory.path().c_str(), directoryMode);
+    ::chmod(file.c_str(), fileMode);
+  }
+  bool canBeReadByAnybody() {
+    return asAnybody([&] {
+      Library library(file, {.use = Use::read});
+      return library.content(kVoice) == Library::Content{"Piano", {1, 2, 3}};
+    });
+  }
+};
+
+// ---- Made by the first change ---------------------------------------------------------------------------------------
+
+TEST_F(LibraryFileTest, NothingIsMadeWithoutAChange) {
+  const auto deep = directory / "a/b/library.db";
+  {
+    Library library(deep);
+    EXPECT_THAT(library.contents(), IsEmpty());
+    { const Library::Transaction reading(library, Access::Read); }
+    Library::Transaction(library).commit();
+    EXPECT_FALSE(library.remove(kVoice));
+    Library::Transaction takenBack(library);
+    library.store(kVoice, Bytes{1}, "x");
+  }
+  EXPECT_THAT(files(), IsEmpty());
+}
+
+TEST_F(LibraryFileTest, TheFirstChangeMakesOneWithAllThatItsTransactionHolds) {
+  Library library(file);
+  Library::Transaction transaction(library);
+  library.store(kVoice, Bytes{0, 1, 0xFF}, std::string("a\0b", 3));
+  library.store(kMulti, Bytes{}, "");
+  library.setFavourite(kVoice, 0x80);
+  library.storeLive("system", Bytes{9});
+  library.set("mixing-voices", 7);
+  EXPECT_THAT(files(), IsEmpty());
+  transaction.commit();
+  EXPECT_EQ(library.takeChanges().size(), 3U);
+  Library other(file);
+  for (Library* const one : {&library, &other}) {
+    EXPECT_THAT(one->contents(), ElementsAre(kMulti, kVoice));
+    EXPECT_EQ(one->content(kVoice), (Library::Content{std::string("a\0b", 3), {0, 1, 0xFF}}));
+    EXPECT_EQ(one->content(kMulti), (Library::Content{"", {}}));
+    EXPECT_EQ(one->favourite(kVoice), 0x80);
+    EXPECT_EQ(one->live("system"), Bytes{9});
+    EXPECT_EQ(one->mixingVoiceMaximum(), 7);
+  }
+}
+
+TEST_F(LibraryFileTest, WhatSomebodyElseHasMadeMeanwhileIsUsed) {
+  Library first(file);
+  Library second(file);
+  EXPECT_THAT(second.contents(), IsEmpty());
+  first.store(kVoice, Bytes{1}, "first");
+  EXPECT_THAT(second.contents(), ElementsAre(kVoice));
+  Library third(file, {.busyTimeout = std::chrono::milliseconds(20)});
+  Library::Transaction transaction(second);
+  second.store(kMulti, Bytes{2}, "second");
+  transaction.commit();
+  EXPECT_THAT(third.contents(), ElementsAre(kMulti, kVoice));
+}
+
+TEST_F(LibraryFileTest, OnlyOneMakesItAtATime) {
+  Library first(file);
+  Library second(file, {.busyTimeout = std::chrono::milliseconds(20)});
+  Library::Transaction making(first);
+  first.store(kVoice, Bytes{1}, "first");
+  EXPECT_EQ(errorOf([&] { second.store(kMulti, Bytes{2}, "second"); })->kind(), Kind::Locked);
+  making.commit();
+  second.store(kMulti, Bytes{2}, "second");
+  EXPECT_THAT(first.contents(), ElementsAre(kMulti, kVoice));
+}
+
+TEST_F(LibraryFileTest, AMakerThatGivesUpLetsTheNextOneMakeIt) {
+  Library first(file);
+  Library second(file, {.busyTimeout = std::chrono::milliseconds(20)});
+  { const Library::Transaction givenUp(first); }
+  second.store(kMulti, Bytes{2}, "second");
+  EXPECT_THAT(first.contents(), ElementsAre(kMulti));
+}
+
+// Not by a program of ours, which would wait.
+TEST_F(LibraryFileTest, WhatAForeignProgramPutsThereMeanwhileIsNotOverwritten) {
+  Library library(file);
+  Library::Transaction transaction(library);
+  library.store(kVoice, Bytes{1}, "x");
+  PlainDatabase{file}("CREATE TABLE t(a)");
+  const std::string before = bytesOfFile(file);
+  EXPECT_EQ(errorOf([&] { transaction.commit(); })->kind(), Kind::Locked);
+  EXPECT_EQ(bytesOfFile(file), before);
+}
+
+TEST_F(LibraryFileTest, APlaceWithoutRoomIsToldAtOnce) {
+  allow(0555, 0);
+  EXPECT_TRUE(asAnybody([&] { return errorOfOpening(directory / "a/library.db")->kind() == Kind::CannotOpen; }));
+  allow(0777, 0);
+  EXPECT_TRUE(asAnybody([&] { return !errorOfOpening(directory / "a/library.db"); }));
+}
+
+// ---- Reading --------------------------------------------------------------------------------------------------------
+
+TEST_F(LibraryFileTest, AReaderMakesNoneAndChangesNoByte) {
+  const auto error = errorOf([&] { Library library(file, {.use = Use::read}); });
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->kind(), Kind::CannotOpen);
+  EXPECT_THAT(error->what(), HasSubstr("there is no such library"));
+  EXPECT_THAT(files(), IsEmpty());
+
+  writeFile(file, "");
+  EXPECT_THAT(Library(file, {.use = Use::read}).contents(), IsEmpty());
+  EXPECT_EQ(bytesOfFile(file), "");
+
+  std::filesystem::remove(file);
+  store();
+  const std::string before = bytesOfFile(file);
+  EXPECT_THAT(Library(file, {.use = Use::read}).contents(), ElementsAre(kVoice));
+  EXPECT_EQ(bytesOfFile(file), before);
+  EXPECT_THAT(files(), ElementsAre("library.db"));
+}
+
+TEST_F(LibraryFileTest, APlaceThatCannotBeWrittenIsReadAllTheSame) {
+  store();
+  for (const auto& [directoryMode, fileMode] : {std::pair<mode_t, mode_t>{0555, 0444}, {0555, 0666}, {0777, 0444}}) {
+    allow(directoryMode, fileMode);
+    EXPECT_TRUE(canBeReadByAnybody()) << directoryMode << " " << fileMode;
+    EXPECT_THAT(files(), ElementsAre("library.db"));
+  }
+  const auto odd = directory / "100%25 of #1? a.db";
+  allow(0777, 0444);
+  std::filesystem::rename(file, odd);
+  file = odd;
+  EXPECT_TRUE(canBeReadByAnybody());
+}
+
+// Who cannot read the log would not see what was stored last.
+TEST_F(LibraryFileTest, ALogBesideItIsNotOverlooked) {
+  // Written by a process that ends without closing it: this one would know the log from there.
+  const pid_t child = ::fork();
+  if (child == 0) {
+    Library writer(madeLibrary(file));
+    writer.store(kVoice, Bytes{1, 2, 3}, "Piano");
+    ::_exit(0);
+  }
+  ::waitpid(child, nullptr, 0);
+  ASSERT_TRUE(std::filesystem::exists(file.string() + "-wal"));
+  std::filesystem::remove(file.string() + "-shm");
+  allow(0555, 0444);
+  EXPECT_TRUE(asAnybody(
+      [&] { return errorOf([&] { Library library(file, {.use = Use::read}); })->kind() == Kind::CannotOpen; }));
+}
+
+// ---- In memory ------------------------------------------------------------------------------------------------------
+
+TEST_F(LibraryFileTest, OneInMemoryHasNoFile) {
+  Library library(file, {.use = Use::memory});
+  library.store(kVoice, Bytes{1}, "x");
+  EXPECT_TRUE(library.content(kVoice));
+  EXPECT_THAT(files(), IsEmpty());
+}
+
+TEST_F(LibraryFileTest, ACopyInMemoryHoldsWhatItsTransactionSees) {
+  Library original(file);
+  original.store(kVoice, Bytes{1}, "x");
+  original.setFavourite(kVoice, 1);
+  original.storeLive("system", Bytes{9});
+  const Library::Transaction oneState(original, Access::Read);
+  EXPECT_TRUE(original.content(kVoice));
+  Library(file).store(kMulti, Bytes{2}, "later");
+  Library copy(file, {.use = Use::memory});
+  copy.copyFrom(original);
+  EXPECT_THAT(copy.contents(), ElementsAre(kVoice));
+  EXPECT_EQ(copy.favourite(kVoice), 1);
+  EXPECT_EQ(copy.live("system"), Bytes{9});
+}
+
+}  // namespace
+}  // namespace Editor
