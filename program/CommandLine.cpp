@@ -32,6 +32,7 @@ struct Given {
   std::string setting;
   std::optional<std::string> value;
   ExchangeOptions exchange;
+  ContentsOptions contents;
   bool json = false;
   bool dryRun = false;
   std::function<void()> verb;  // what to do with them
@@ -99,8 +100,8 @@ void addRequest(CLI::App& app, Given& given, Program& program) {
 
 void addShow(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "show");
-  addWords(verb, "TARGET", "system, additional, or a header or file dump", given);
-  verb.add_flag("--json", given.json, "One object, as apply reads it");
+  addWords(verb, "TARGET", "system, additional, headers or file dumps, their banks or ranges", given);
+  verb.add_flag("--json", given.json, "One object, as apply reads it; of several targets one object a line");
   verb.callback([&] { given.verb = [&] { show(given.words, given.json, program); }; });
 }
 
@@ -119,8 +120,14 @@ void addSettings(CLI::App& app, Given& given, Program& program) {
 
 void addContents(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "contents");
-  verb.add_flag("--json", given.json, "One object a line");
-  verb.callback([&] { given.verb = [&] { contents(given.json, program); }; });
+  verb.add_option("ADDRESS", given.words, "Only these: banks, ranges, single places; default all");
+  CLI::Option* const json = verb.add_flag("--json", given.contents.json, "One object a line");
+  CLI::Option* const grid =
+      verb.add_flag("--grid", given.contents.grid, "In columns, as on a terminal")->excludes(json);
+  verb.add_flag("--lines", given.contents.lines, "One line each, as to a file or a pipe")
+      ->excludes(json)
+      ->excludes(grid);
+  verb.callback([&] { given.verb = [&] { contents(given.words, given.contents, program); }; });
 }
 
 void addBackup(CLI::App& app, Given& given, Program& program) {
