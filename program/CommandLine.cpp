@@ -7,11 +7,11 @@
 #include <array>
 #include <csignal>
 #include <functional>
-#include <memory>
 #include <new>
 #include <stdexcept>
 #include <string_view>
 
+#include "Help.h"
 #include "bda/version.h"
 #include "input/FilesInUse.h"
 #include "messages/Text.h"
@@ -32,6 +32,7 @@ struct Given {
   std::string setting;
   std::optional<std::string> value;
   ExchangeOptions exchange;
+  ContentsOptions contents;
   bool json = false;
   bool dryRun = false;
   std::function<void()> verb;  // what to do with them
@@ -42,17 +43,6 @@ std::string checkFileName(const std::string& name) { return name.empty() ? "an e
 
 constexpr const char* kMessageFiles = "Message files, .syx or .mid by content; - is standard input";
 
-// Leaves out of the usage line what has no name to show.
-class HelpText : public CLI::Formatter {
- public:
-  std::string make_usage(const CLI::App* app, std::string name) const override {
-    constexpr std::string_view kNameless = " []";
-    std::string usage = Formatter::make_usage(app, std::move(name));
-    if (const std::size_t at = usage.find(kNameless); at != std::string::npos) usage.erase(at, kNameless.size());
-    return usage;
-  }
-};
-
 CLI::Option* addWords(CLI::App& verb, const std::string& name, const std::string& description, Given& given) {
   CLI::Option* const words = verb.add_option(name, given.words, description)->required();
   // Never gets a word: as long as a verb misses one, words that begin with - may follow its --.
@@ -61,14 +51,14 @@ CLI::Option* addWords(CLI::App& verb, const std::string& name, const std::string
 }
 
 void addList(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("list", "What messages a file holds, one line each");
+  CLI::App& verb = addVerb(app, "list");
   addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
   verb.add_flag("--json", given.json, "One object a line");
   verb.callback([&] { given.verb = [&] { list(given.words, given.json, program); }; });
 }
 
 void addVerify(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("verify", "Whether every message and every unit of a file is whole");
+  CLI::App& verb = addVerb(app, "verify");
   addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
   verb.add_flag("--json", given.json, "One object a line");
   verb.callback([&] { given.verb = [&] { verify(given.words, given.json, program); }; });
@@ -76,6 +66,7 @@ void addVerify(CLI::App& app, Given& given, Program& program) {
 
 void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
   verb.add_option("--port", options.port, "The port on which the messages arrive")
+      ->type_name("1|4|5|6")
       ->check([](const std::string& port) {
         constexpr std::array kPorts{"1", "4", "5", "6"};
         const bool isPort = std::find(kPorts.begin(), kPorts.end(), port) != kPorts.end();
@@ -88,7 +79,7 @@ void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
 }
 
 void addReceive(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("receive", "Feed messages to the library's instrument");
+  CLI::App& verb = addVerb(app, "receive");
   addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
   verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
       ->type_name("ANSWERS")
@@ -98,8 +89,8 @@ void addReceive(CLI::App& app, Given& given, Program& program) {
 }
 
 void addRequest(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("request", "Ask the library's instrument for dumps, as .syx");
-  addWords(verb, "ADDRESS", "Three hex bytes or names; system means all system blocks", given);
+  CLI::App& verb = addVerb(app, "request");
+  addWords(verb, "ADDRESS", "Three hex bytes or names, banks or ranges; system means all system blocks", given);
   verb.add_option("-o,--output", given.exchange.output, "Where the dumps go; default standard output")
       ->type_name("FILE")
       ->check(checkFileName);
@@ -108,34 +99,39 @@ void addRequest(CLI::App& app, Given& given, Program& program) {
 }
 
 void addShow(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("show", "The parameters of a target");
-  addWords(verb, "TARGET", "system, additional, or a header or file dump", given);
-  verb.add_flag("--json", given.json, "One object, as apply reads it");
+  CLI::App& verb = addVerb(app, "show");
+  addWords(verb, "TARGET", "system, additional, headers or file dumps, their banks or ranges", given);
+  verb.add_flag("--json", given.json, "One object, as apply reads it; of several targets one object a line");
   verb.callback([&] { given.verb = [&] { show(given.words, given.json, program); }; });
 }
 
 void addApply(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("apply", "Replace a whole target by what show --json printed");
+  CLI::App& verb = addVerb(app, "apply");
   addWords(verb, "TARGET FILE", "A target as for show, and its JSON; - is standard input", given);
   verb.callback([&] { given.verb = [&] { apply(given.words, program); }; });
 }
 
 void addSettings(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb =
-      *app.add_subcommand("settings", "The settings of the library: device-number, receive-bulk, mixing-voices");
+  CLI::App& verb = addVerb(app, "settings");
   verb.add_option("NAME", given.setting, "Which; default all");
   verb.add_option("VALUE", given.value, "Its new value");
   verb.callback([&] { given.verb = [&] { settings(given.setting, given.value, program); }; });
 }
 
 void addContents(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("contents", "What the library holds, by bank");
-  verb.add_flag("--json", given.json, "One object a line");
-  verb.callback([&] { given.verb = [&] { contents(given.json, program); }; });
+  CLI::App& verb = addVerb(app, "contents");
+  verb.add_option("ADDRESS", given.words, "Only these: banks, ranges, single places; default all");
+  CLI::Option* const json = verb.add_flag("--json", given.contents.json, "One object a line");
+  CLI::Option* const grid =
+      verb.add_flag("--grid", given.contents.grid, "In columns, as on a terminal")->excludes(json);
+  verb.add_flag("--lines", given.contents.lines, "One line each, as to a file or a pipe")
+      ->excludes(json)
+      ->excludes(grid);
+  verb.callback([&] { given.verb = [&] { contents(given.words, given.contents, program); }; });
 }
 
 void addBackup(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("backup", "The whole library as messages that restore takes");
+  CLI::App& verb = addVerb(app, "backup");
   verb.add_option("-o,--output", given.output, "Where it goes; - is standard output")
       ->type_name("FILE")
       ->required()
@@ -144,7 +140,7 @@ void addBackup(CLI::App& app, Given& given, Program& program) {
 }
 
 void addRestore(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("restore", "Receive all messages of a file into the library, or none");
+  CLI::App& verb = addVerb(app, "restore");
   verb.add_option("FILE", given.file, "A backup, or any message file; - is standard input")
       ->required()
       ->check(checkFileName);
@@ -153,7 +149,7 @@ void addRestore(CLI::App& app, Given& given, Program& program) {
 }
 
 void addDiff(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("diff", "What two libraries or message files do not have in common");
+  CLI::App& verb = addVerb(app, "diff");
   verb.add_option("A", given.file, "A library, or a message file; - is standard input")
       ->required()
       ->check(checkFileName);
@@ -162,25 +158,25 @@ void addDiff(CLI::App& app, Given& given, Program& program) {
 }
 
 void addRename(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("rename", "Name a content or an edit buffer");
+  CLI::App& verb = addVerb(app, "rename");
   addWords(verb, "ADDRESS NAME", "A header or file dump, and up to 20 characters of ASCII", given);
   verb.callback([&] { given.verb = [&] { rename(given.words, program); }; });
 }
 
 void addFavourite(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("favourite", "Make a voice a favourite, or no longer");
+  CLI::App& verb = addVerb(app, "favourite");
   addWords(verb, "ADDRESS on|off", "A voice or drum voice of a bank; on or off", given);
   verb.callback([&] { given.verb = [&] { favourite(given.words, program); }; });
 }
 
 void addRemove(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("remove", "Remove contents: all that are named, or none");
+  CLI::App& verb = addVerb(app, "remove");
   addWords(verb, "ADDRESS", "Headers or file dumps", given);
   verb.callback([&] { given.verb = [&] { remove(given.words, program); }; });
 }
 
 void addScreen(CLI::App& app, Given& given, Program& program) {
-  CLI::App& verb = *app.add_subcommand("screen", "A picture of the editor's screen");
+  CLI::App& verb = addVerb(app, "screen");
   verb.add_option("-o,--output", given.output, "A PNG file; - is standard output")
       ->type_name("FILE")
       ->required()
@@ -188,20 +184,15 @@ void addScreen(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { screen(given.output, program); }; });
 }
 
-// In the order of --help.
-constexpr std::array kVerbs{addList,  addVerify,   addReceive,   addRequest, addShow,
-                            addApply, addSettings, addContents,  addBackup,  addRestore,
-                            addDiff,  addRename,   addFavourite, addRemove,  addScreen};
+void addHelp(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "help");
+  verb.add_option("VERB", given.setting, "Which; default all");
+  verb.callback([&] { given.verb = [&] { program.console.text(helpOf(app, given.setting)); }; });
+}
 
-constexpr const char* kAddresses =
-    "An ADDRESS or TARGET is three hex bytes (0E0A05, 0E 0A 05, 0E/0A/05) or a name: voice:user1:6, "
-    "voice:preset3:128,\n"
-    "voice:gm:1, voice:edit, voice:part:4, voice:mix:1, drum:preset:1, drum:user:3, drum:gm, drum:edit,\n"
-    "performance:a:1, performance:edit, multi:edit, master:1, master:edit, remote:1, remote:edit, system, additional,\n"
-    "file:voice:user1:6, file:mix:1:3, file:multi:1, file:single.\n"
-    "\n"
-    "Exit codes: 0 all good, 1 wrong usage or an error of the program, 2 input that cannot be used, 3 something was\n"
-    "refused or is broken (diff: differs), 130 ended by Ctrl-C.";
+constexpr std::array kVerbs{addList,      addVerify,   addReceive, addRequest, addShow, addApply,
+                            addSettings,  addContents, addBackup,  addRestore, addDiff, addRename,
+                            addFavourite, addRemove,   addScreen,  addHelp};
 
 void addCommonOptions(CLI::App& app, Program& program) {
   app.set_help_flag("-h,--help", "Say this and exit");
@@ -229,7 +220,7 @@ void refuseEmptyValues(int argc, const char* const* argv) {
   for (int i = 1; i < argc && std::string_view(argv[i]) != "--"; ++i) {
     const std::string_view word = argv[i];
     if (word.substr(0, 2) == "--" && word.find('=') == word.size() - 1)
-      throw Failure(kWrongUsage, fmt::format("{}: an empty value (bda --help tells more)", escape(word)));
+      throw Failure(kWrongUsage, fmt::format("{}: an empty value (bda help tells more)", escape(word)));
   }
 }
 
@@ -247,30 +238,25 @@ void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
   if (!trace.empty()) files.addOutput(trace, "--trace");
 }
 
-// Why the command line could not be read.
-std::string whyNotRead(const CLI::App& app, const CLI::ParseError& error) {
-  const Words unknown = app.get_subcommands().empty() ? app.remaining() : Words();
-  if (unknown.empty()) return escape(error.what());
-  const bool isOption = unknown.front().substr(0, 1) == "-";
-  return fmt::format("there is no {} {}", isOption ? "option" : "verb",
-                     isOption ? escape(unknown.front()) : fmt::format("\"{}\"", escape(unknown.front())));
-}
-
 int run(int argc, const char* const* argv, Program& program) {
   refuseEmptyValues(argc, argv);
   CLI::App app("Receives, keeps and answers MIDI System Exclusive bulk dumps.", "bda");
-  app.footer(kAddresses);
-  app.formatter(std::make_shared<HelpText>());
+  useHelp(app);
   app.require_subcommand(1);
   app.fallthrough();
   addCommonOptions(app, program);
   Given given;
-  for (const auto addVerb : kVerbs) addVerb(app, given, program);
+  for (const auto add : kVerbs) add(app, given, program);
   try {
     app.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    program.console.text(app.help());  // of the verb, if there is one
+    return kAllGood;
+  } catch (const CLI::CallForVersion& version) {
+    program.console.line(version.what());
+    return kAllGood;
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app.exit(error);  // --help, --version
-    throw Failure(kWrongUsage, fmt::format("{} (bda --help tells more)", whyNotRead(app, error)));
+    throw Failure(kWrongUsage, whyNotRead(app, error));
   }
   checkOutputs(given, program, app.got_subcommand("receive"));
   given.verb();

@@ -9,6 +9,7 @@
 
 #include "AddressRows.h"
 #include "ExecuterNumbers.h"
+#include "messages/Nearest.h"
 #include "midi/Hex.h"
 
 namespace Editor {
@@ -221,35 +222,74 @@ std::string shapeOf(const char* pattern, const BDA::AddressRow& row) {
   return shape;
 }
 
-BulkAddress parseName(const std::string& name) {
-  std::optional<BulkAddress> found;
-  std::string outOfRange;
-  std::string relatives;  // names that begin alike
-  const std::string family = name.substr(0, std::min(name.find(':'), name.size() - 1) + 1);
+// Calls visit(row, pattern) for the rows whose blocks have names, up to the first for which it is true.
+template <typename Visit>
+void anyNamedRow(Visit visit) {
   anyRow([&](const BDA::AddressRow& row) {
-    if (row.hi == BDA::kFooterHi) return false;
-    const char* const pattern = namingOf(row.type, row.mid.first).name;
-    if (pattern == nullptr) return false;
-    const std::string shape = shapeOf(pattern, row);
-    if (!family.empty() && shape.compare(0, family.size(), family) == 0)
-      relatives += (relatives.empty() ? "" : ", ") + shape;
+    const char* const pattern = row.hi == BDA::kFooterHi ? nullptr : namingOf(row.type, row.mid.first).name;
+    return pattern != nullptr && visit(row, pattern);
+  });
+}
+
+// What the map knows of a name.
+struct Search {
+  std::optional<BulkAddress> found;
+  std::string outOfRange;  // its shape, when only its numbers are none that exist
+};
+
+Search searchName(std::string_view name) {
+  Search search;
+  anyNamedRow([&](const BDA::AddressRow& row, const char* pattern) {
     const std::optional<Running> running = match(pattern, name);
     if (!running) return false;
     if (running->index < 1 || running->index > row.mid.size() || running->number < 1 ||
         running->number > row.lo.size()) {
-      outOfRange = shape;
+      search.outOfRange = shapeOf(pattern, row);
       return false;
     }
-    found = BulkAddress{row.hi, std::uint8_t(row.mid.first + running->index - 1), std::uint8_t(running->number - 1)};
+    search.found =
+        BulkAddress{row.hi, std::uint8_t(row.mid.first + running->index - 1), std::uint8_t(running->number - 1)};
     return true;
   });
-  if (found) return *found;
-  if (!outOfRange.empty()) throw std::invalid_argument(fmt::format("\"{}\": expected {}", name, outOfRange));
-  if (!relatives.empty()) throw std::invalid_argument(fmt::format("\"{}\": expected one of {}", name, relatives));
+  return search;
+}
+
+// The shapes of the names that begin alike.
+std::string relativesOf(const std::string& name) {
+  std::string relatives;
+  const std::string family = name.substr(0, std::min(name.find(':'), name.size() - 1) + 1);
+  anyNamedRow([&](const BDA::AddressRow& row, const char* pattern) {
+    const std::string shape = shapeOf(pattern, row);
+    if (!family.empty() && shape.compare(0, family.size(), family) == 0)
+      relatives += (relatives.empty() ? "" : ", ") + shape;
+    return false;
+  });
+  return relatives;
+}
+
+BulkAddress parseName(const std::string& name, const MoreNames& besides) {
+  const Search search = searchName(name);
+  if (search.found) return *search.found;
+  if (!search.outOfRange.empty())
+    throw std::invalid_argument(fmt::format("\"{}\": expected {}", name, search.outOfRange));
+  std::vector<std::string> candidates = blockNames();
+  if (besides)
+    for (std::string& more : besides()) candidates.push_back(std::move(more));
+  const std::string question = didYouMean(name, candidates);
+  if (const std::string relatives = relativesOf(name); !relatives.empty())
+    throw std::invalid_argument(question.empty() ? fmt::format("\"{}\": expected one of {}", name, relatives)
+                                                 : fmt::format("\"{}\"{} Else one of {}", name, question, relatives));
+  if (!question.empty()) throw std::invalid_argument(fmt::format("\"{}\"{}", name, question));
   throw std::invalid_argument(
       fmt::format("\"{}\": expected three hex bytes such as 0E0A05, or a name such as voice:user1:6, drum:edit, "
                   "performance:b:18, multi:edit, master:1, remote:1, system, file:voice:user1:6",
                   name));
+}
+
+std::string lowerCase(std::string_view text) {
+  std::string lower(text);
+  std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return char(std::tolower(c)); });
+  return lower;
 }
 
 Role roleOf(const BDA::AddressRow& row) {
@@ -340,15 +380,24 @@ std::string nameOf(ContentId content) {
 
 std::string nameOrBytes(BulkAddress address) { return nameOf(address).value_or(formatAddress(address)); }
 
-BulkAddress parseAddress(std::string_view text) {
+std::vector<std::string> blockNames() {
+  std::vector<std::string> names;
+  anyNamedRow([&](const BDA::AddressRow& row, const char* pattern) {
+    for (unsigned running = 0; running < row.mid.size(); ++running)
+      for (unsigned lo = row.lo.first; lo <= row.lo.last; ++lo) names.push_back(fill(pattern, running, lo));
+    return false;
+  });
+  return names;
+}
+
+std::optional<BulkAddress> findName(std::string_view name) { return searchName(lowerCase(name)).found; }
+
+BulkAddress parseAddress(std::string_view text, const MoreNames& besides) {
   std::string plain(text);
   const bool isHex = !plain.empty() && std::all_of(plain.begin(), plain.end(), [](unsigned char c) {
     return std::isxdigit(c) != 0 || c == ' ' || c == '/';
   });
-  if (!isHex) {
-    std::transform(plain.begin(), plain.end(), plain.begin(), [](unsigned char c) { return char(std::tolower(c)); });
-    return parseName(plain);
-  }
+  if (!isHex) return parseName(lowerCase(text), besides);
   std::replace(plain.begin(), plain.end(), '/', ' ');
   const auto bytes = parseHex(plain);
   if (!bytes || bytes->size() != 3)

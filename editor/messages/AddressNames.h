@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -71,9 +72,19 @@ std::string nameOf(ContentId content);
 // nameOf, or else the three bytes.
 std::string nameOrBytes(BulkAddress address);
 
+// The names of all blocks that have one.
+std::vector<std::string> blockNames();
+
+// The block of that name; nothing when there is none. Case does not count.
+std::optional<BulkAddress> findName(std::string_view name);
+
+// Asked for when they are needed.
+using MoreNames = std::function<std::vector<std::string>()>;
+
 // Reads three bytes, `0E0A05`, `0E 0A 05` or `0E/0A/05` (which need not be in the map), or a name. Throws
-// std::invalid_argument, which says what was expected.
-BulkAddress parseAddress(std::string_view text);
+// std::invalid_argument, which says what was expected or may have been meant: a name, or one of those that the caller
+// takes besides.
+BulkAddress parseAddress(std::string_view text, const MoreNames& besides = {});
 
 // All system blocks, in table order.
 std::vector<BulkAddress> systemAddresses();

@@ -39,6 +39,8 @@ class EditorJobTools final : public CMA::JobTools {
   const std::string& liveKey(EditBuffer buffer, std::uint8_t part = 0) const {
     return units_[unitOf(buffer, part)].key;
   }
+  const std::string& systemKey() const { return units_[kSystem].key; }
+  const std::string& additionalKey() const { return units_[kAdditional].key; }
   const ModelSet& liveSystem() const { return units_[kSystem].models; }
   const ModelSet& liveAdditional() const { return units_[kAdditional].models; }
   // The edit buffer whose models the getters hand out.

@@ -112,7 +112,21 @@ void compare(const std::vector<Field>& left, const std::vector<Field>& right, st
   }
 }
 
+struct NameClearer {
+  void group(const char* /*key*/, ArrayGroup& /*group*/) {}
+  void name(const char* /*key*/, NameText& name) { name.assign({}); }
+  template <typename Visit>
+  void list(const char* /*key*/, std::size_t count, Visit visit) {
+    for (std::size_t i = 0; i < count; ++i) visit(i);
+  }
+};
+
 }  // namespace
+
+void clearNames(ModelSet& set) {
+  NameClearer clearer;
+  forEachModel(set, [&](const char* /*key*/, auto& model) { visitFields(model, clearer); });
+}
 
 std::vector<std::string> differingPaths(const ModelSet& a, const ModelSet& b) {
   std::vector<std::string> paths;

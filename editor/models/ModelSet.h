@@ -59,6 +59,8 @@ ModelSet emptySetFor(ContentId id);
 // of none of these.
 NameText* nameIn(ModelSet& set);
 std::string nameOf(const ModelSet& set);
+// Empties every name in a set, also those of its parts: what is left is how it sounds.
+void clearNames(ModelSet& set);
 
 // Where two sets differ, as paths: "voice.element[3].params[12]", "multi.name". What only one of them has is one path,
 // as far up as the difference lies: "voice", "voice.key".

@@ -2,6 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
+#include "AddressRows.h"
+
 namespace Editor {
 
 namespace {
@@ -37,6 +41,26 @@ ModelSet loadTarget(EmbeddedEditor& editor, const Target& target) {
   if (result == ContentStore::Loaded::failed) throw LibraryError(LibraryError::Kind::Failed, why);
   if (result != ContentStore::Loaded::ok) refuse(target, why);
   return models;
+}
+
+std::vector<Target> storedLive(EmbeddedEditor& editor) {
+  const EditorJobTools& tools = editor.tools();
+  const std::vector<std::string> keys = editor.library().liveKeys();
+  std::vector<Target> targets;
+  const auto add = [&](const std::string& key, const std::string& name) {
+    if (std::find(keys.begin(), keys.end(), key) != keys.end()) targets.push_back(parseTarget(name));
+  };
+  const auto addBuffer = [&](EditBuffer buffer, std::uint8_t part) {
+    const MidLo header = headerOf(buffer, part);
+    add(tools.liveKey(buffer, part), nameOrBytes({BDA::kHeaderHi, header.mid, header.lo}));
+  };
+  for (const EditBuffer buffer : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
+                                  EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
+    addBuffer(buffer, 0);
+  for (std::uint8_t part = 0; part < kParts; ++part) addBuffer(EditBuffer::partVoice, part);
+  add(tools.systemKey(), "system");
+  add(tools.additionalKey(), "additional");
+  return targets;
 }
 
 ModelSet freshTarget(const Target& target, bool drum) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "exchange/EmbeddedEditor.h"
 #include "targets/Targets.h"
@@ -10,6 +11,10 @@ namespace Editor {
 // The models of a target as they are in the library. Throws TargetError (refused) when there are none, and
 // LibraryError.
 ModelSet loadTarget(EmbeddedEditor& editor, const Target& target);
+
+// The edit buffers that were ever stored, by kind and part, then system and additional if they were. Throws
+// LibraryError.
+std::vector<Target> storedLive(EmbeddedEditor& editor);
 
 // Models of the shape that the target takes, fresh. `drum` counts where the target has both kinds of voice.
 ModelSet freshTarget(const Target& target, bool drum);

@@ -18,58 +18,28 @@ bool isByte(const std::string& word) {
          std::all_of(word.begin(), word.end(), [](unsigned char c) { return std::isxdigit(c) != 0; });
 }
 
-BulkAddress parse(const std::string& text) {
+[[noreturn]] void failToName(const std::string& text) { throw TargetError(TargetError::Kind::noTarget, escape(text)); }
+
+BulkAddress parse(const std::string& text, const MoreNames& besides = {}) {
   try {
-    return parseAddress(text);
+    return parseAddress(text, besides);
   } catch (const std::invalid_argument& error) {
-    throw TargetError(TargetError::Kind::noTarget, escape(error.what()));
+    failToName(error.what());
   }
 }
 
-}  // namespace
+// Words that stand for something else than one block, for who may have meant them.
+std::vector<std::string> targetWords() { return {"system", "additional"}; }
 
-void refuse(const Target& target, const std::string& why) {
-  throw TargetError(TargetError::Kind::refused, fmt::format("{}: {}", target.name, escape(why)));
+std::vector<std::string> withBanks(std::vector<std::string> banks) {
+  for (const std::string& name : blockNames())
+    if (std::string bank = bankOfName(name); bank != name && (banks.empty() || banks.back() != bank))
+      banks.push_back(std::move(bank));
+  return banks;
 }
 
-std::vector<std::string> joinAddresses(const std::vector<std::string>& words) {
-  std::vector<std::string> joined;
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    joined.push_back(words[i]);
-    if (i + 2 >= words.size() || !isByte(words[i]) || !isByte(words[i + 1]) || !isByte(words[i + 2])) continue;
-    joined.back() += words[i + 1] + words[i + 2];
-    i += 2;
-  }
-  return joined;
-}
-
-std::vector<BulkAddress> parseAddresses(const std::vector<std::string>& words) {
-  std::vector<BulkAddress> addresses;
-  for (const std::string& word : joinAddresses(words)) {
-    if (word == "system") {
-      for (const BulkAddress address : systemAddresses()) addresses.push_back(address);
-    } else {
-      addresses.push_back(parse(word));
-    }
-  }
-  return addresses;
-}
-
-Target parseOneTarget(const std::vector<std::string>& words) {
-  const std::vector<std::string> joined = joinAddresses(words);
-  if (joined.size() != 1) throw TargetError(TargetError::Kind::noTarget, "expected one target");
-  return parseTarget(joined.front());
-}
-
-Target parseTarget(const std::string& text) {
+Target targetAt(BulkAddress address) {
   Target target;
-  target.name = text;
-  if (text == "system") return target;
-  if (text == "additional") {
-    target.kind = Target::Kind::additional;
-    return target;
-  }
-  const BulkAddress address = parse(text);
   target.name = nameOrBytes(address);
   const std::size_t list = BDA::listOf(address.hi);
   if (list == std::size_t(BDA::List::header) && findBlock(address)) {
@@ -99,6 +69,98 @@ Target parseTarget(const std::string& text) {
       fmt::format("{} ({}) is no target: expected system, additional, or the address or name of a header or "
                   "a file dump",
                   formatAddress(address), describeAddress(address)));
+}
+
+// "voice:user1:6"
+std::string numbered(const std::string& bank, std::string_view number) { return fmt::format("{}:{}", bank, number); }
+
+// The places of a bank; none when there is no such bank.
+std::vector<BulkAddress> placesOfBank(const std::string& bank) {
+  std::vector<BulkAddress> places;
+  for (unsigned number = 1; const auto place = findName(numbered(bank, std::to_string(number))); ++number)
+    places.push_back(*place);
+  return places;
+}
+
+// "voice:user1:1..16", whose second number begins at `dots`.
+std::vector<BulkAddress> placesOfRange(const std::string& text, std::size_t dots) {
+  const std::string first = text.substr(0, dots);
+  const std::string bank = bankOfName(first);
+  if (bank == first || dots + 2 == text.size() || text.find_first_not_of("0123456789", dots + 2) != std::string::npos)
+    failToName(fmt::format("\"{}\": expected a range such as voice:user1:1..16", text));
+  const BulkAddress from = parse(first);
+  const BulkAddress to = parse(numbered(bank, std::string_view(text).substr(dots + 2)));
+  const std::vector<BulkAddress> places = placesOfBank(bank);
+  const auto begin = std::find(places.begin(), places.end(), from);
+  const auto end = std::find(begin, places.end(), to);
+  if (end == places.end()) failToName(fmt::format("\"{}\": the second number is less than the first", text));
+  return {begin, end + 1};
+}
+
+// A word that has no meaning of its own; `words` are those that have one.
+Places<BulkAddress> parseBlocks(const std::string& text, const std::vector<std::string>& words) {
+  if (const std::size_t dots = text.find(".."); dots != std::string::npos)
+    return {text, false, placesOfRange(text, dots)};
+  if (std::vector<BulkAddress> places = placesOfBank(text); !places.empty()) return {text, false, std::move(places)};
+  const BulkAddress address = parse(text, [&] { return withBanks(words); });
+  return {nameOrBytes(address), true, {address}};
+}
+
+}  // namespace
+
+void refuse(const Target& target, const std::string& why) {
+  throw TargetError(TargetError::Kind::refused, fmt::format("{}: {}", target.name, escape(why)));
+}
+
+std::vector<std::string> joinAddresses(const std::vector<std::string>& words) {
+  std::vector<std::string> joined;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    joined.push_back(words[i]);
+    if (i + 2 >= words.size() || !isByte(words[i]) || !isByte(words[i + 1]) || !isByte(words[i + 2])) continue;
+    joined.back() += words[i + 1] + words[i + 2];
+    i += 2;
+  }
+  return joined;
+}
+
+Places<BulkAddress> parsePlaces(const std::string& text) {
+  if (text == "system") return {text, false, systemAddresses()};
+  return parseBlocks(text, {"system"});
+}
+
+Places<Target> parseTargets(const std::string& text) {
+  if (text == "system" || text == "additional") return {text, true, {parseTarget(text)}};
+  const Places<BulkAddress> blocks = parseBlocks(text, targetWords());
+  Places<Target> targets{blocks.name, blocks.isOne, {}};
+  for (const BulkAddress address : blocks.list) targets.list.push_back(targetAt(address));
+  return targets;
+}
+
+Target parseTarget(const std::string& text) {
+  Target target;
+  target.name = text;
+  target.kind = text == "additional" ? Target::Kind::additional : Target::Kind::system;
+  return text == "system" || text == "additional" ? target : targetAt(parse(text, targetWords));
+}
+
+Target parseOneTarget(const std::vector<std::string>& words) {
+  const std::vector<std::string> joined = joinAddresses(words);
+  if (joined.size() != 1) throw TargetError(TargetError::Kind::noTarget, "expected one target");
+  return parseTarget(joined.front());
+}
+
+std::vector<BulkAddress> parseAddresses(const std::vector<std::string>& words) {
+  std::vector<BulkAddress> addresses;
+  for (const std::string& word : joinAddresses(words))
+    for (const BulkAddress address : parsePlaces(word).list) addresses.push_back(address);
+  return addresses;
+}
+
+std::string bankOfName(const std::string& name) {
+  const std::size_t colon = name.rfind(':');
+  const bool isNumbered = colon != std::string::npos && colon + 1 < name.size() &&
+                          name.find_first_not_of("0123456789", colon + 1) == std::string::npos;
+  return isNumbered ? name.substr(0, colon) : name;
 }
 
 Target parseContent(const std::string& text) {

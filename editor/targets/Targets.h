@@ -40,13 +40,31 @@ class TargetError : public std::runtime_error {
 // The words of a command line as addresses or names: three words of two digits each are one address.
 std::vector<std::string> joinAddresses(const std::vector<std::string>& words);
 
-// Throw TargetError (noTarget).
+// What one word names: one place, or those of a bank (`voice:user1`) or of a range (`voice:user1:1..16`) in the order
+// of their numbers.
+template <typename Place>
+struct Places {
+  std::string name;   // readable
+  bool isOne = true;  // neither bank nor range, however many places these have
+  std::vector<Place> list;
+};
+
+// All throw TargetError (noTarget).
+//
+// `system` stands for all system blocks.
+Places<BulkAddress> parsePlaces(const std::string& text);
+// The same for targets, of which `system` is one.
+Places<Target> parseTargets(const std::string& text);
+
 Target parseTarget(const std::string& text);
 // The words of one target: one, or three hex bytes.
 Target parseOneTarget(const std::vector<std::string>& words);
 // A target that is a stored content, or could be.
 Target parseContent(const std::string& text);
-// `system` stands for all system blocks.
+// All that the words name, banks and ranges with all their places.
 std::vector<BulkAddress> parseAddresses(const std::vector<std::string>& words);
+
+// The part of a numbered name that its bank shares: "voice:user1" of "voice:user1:6". "drum:gm" has a bank to itself.
+std::string bankOfName(const std::string& name);
 
 }  // namespace Editor

@@ -19,6 +19,8 @@ class Console {
 
   // A line of data.
   void line(std::string_view text);
+  // Lines of data, each with its end.
+  void text(const std::string& lines) { line(std::string_view(lines).substr(0, lines.size() - 1)); }
   // A refusal, a broken message: always shown.
   void problem(std::string_view text);
   // A summary, a hint: not when quiet.

@@ -13,6 +13,7 @@
 #include "messages/Text.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
+#include "targets/TargetModels.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
@@ -56,16 +57,8 @@ Plan planOf(EmbeddedEditor& editor) {
     else
       plan.unaddressed.push_back(nameOf(id));
   }
-  const std::vector<std::string> stored = editor.library().liveKeys();
-  const auto addBuffer = [&](EditBuffer buffer, std::uint8_t part) {
-    const MidLo header = headerOf(buffer, part);
-    if (std::find(stored.begin(), stored.end(), editor.tools().liveKey(buffer, part)) != stored.end())
-      plan.units.push_back(byName({BDA::kHeaderHi, header.mid, header.lo}));
-  };
-  for (const EditBuffer buffer : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
-                                  EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
-    addBuffer(buffer, 0);
-  for (std::uint8_t part = 0; part < kParts; ++part) addBuffer(EditBuffer::partVoice, part);
+  for (const Target& live : storedLive(editor))
+    if (live.header) plan.units.push_back(byName(*live.header));
   for (const BulkAddress address : systemAddresses()) plan.system.push_back(byName(address));
   BDA::forEachAddress(BDA::kFavoriteRows, [&](const BDA::AddressRow& row, std::uint8_t mid, std::uint8_t lo) {
     plan.favourites.push_back(byName({row.hi, mid, lo}));

@@ -1,16 +1,20 @@
 // The verb contents: what the library holds.
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <set>
 
-#include "contents/ContentFormat.h"
+#include "contents/Fingerprint.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "models/Latin1.h"
+#include "output/Columns.h"
+#include "targets/TargetModels.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
@@ -23,31 +27,53 @@ struct Entry {
   std::uint8_t favourite = 0;
 };
 
-// The part of a readable name that its bank shares: "voice:user1:6" is number 6 of "voice:user1"; "drum:gm" has a bank
-// to itself.
-std::string bankOfName(const std::string& name) {
-  const std::size_t colon = name.rfind(':');
-  const bool isNumbered = name.find_first_not_of("0123456789", colon + 1) == std::string::npos;
-  return isNumbered ? name.substr(0, colon) : name;
-}
+constexpr const char* kFavourite = "*";  // in a grid
 
-bool isOpaque(const Entry& entry) {
-  ModelSet models = emptySetFor(entry.id);
-  return haveSameShape(models, ModelSet()) || decodeContent(entry.content->bytes, models).has_value();
-}
+// What is asked for: everything, unless words say what.
+class Selection {
+ public:
+  explicit Selection(const Words& words) : isAll_(words.empty()) {
+    for (const std::string& word : joinAddresses(words))
+      for (const Target& target : parseTargets(word).list)
+        if (target.kind == Target::Kind::content)
+          contents_.insert(target.content);
+        else
+          live_.insert(target.name);
+  }
 
-std::vector<Entry> entriesOf(Library& library) {
+  bool isAll() const { return isAll_; }
+  bool has(ContentId id) const { return isAll_ || contents_.contains(id); }
+  bool has(const Target& live) const { return isAll_ || live_.contains(live.name); }
+
+ private:
+  bool isAll_;
+  std::set<ContentId> contents_;
+  std::set<std::string> live_;
+};
+
+// Those of one state of the library.
+struct Found {
+  std::vector<Entry> entries;
+  std::vector<Target> live;  // edit buffers, system and additional that were ever stored
+};
+
+Found find(EmbeddedEditor& editor, const Selection& selection) {
+  Library& library = editor.library();
   std::map<ContentId, Entry> entries;
   const Library::Transaction oneState(library, Library::Transaction::Access::Read);
-  for (const ContentId id : library.contents()) entries[id] = {id, library.content(id), 0};
+  for (const ContentId id : library.contents())
+    if (selection.has(id)) entries[id] = {id, library.content(id), 0};
   for (const auto& [id, flag] : library.favourites()) {
+    if (!selection.has(id)) continue;
     entries[id].id = id;
     entries[id].favourite = flag;
   }
-  std::vector<Entry> list;
-  list.reserve(entries.size());
-  for (auto& [id, entry] : entries) list.push_back(std::move(entry));
-  return list;
+  Found found;
+  found.entries.reserve(entries.size());
+  for (auto& [id, entry] : entries) found.entries.push_back(std::move(entry));
+  for (Target& target : storedLive(editor))
+    if (selection.has(target)) found.live.push_back(std::move(target));
+  return found;
 }
 
 std::string toJsonLine(const Entry& entry) {
@@ -56,55 +82,140 @@ std::string toJsonLine(const Entry& entry) {
                               {"number", entry.id.number},
                               {"stored", entry.content.has_value()}};
   if (entry.content) {
+    const Fingerprint print = fingerprintOf(entry.id, entry.content->bytes);
     json["name"] = latin1ToUtf8(entry.content->name);
     json["bytes"] = entry.content->bytes.size();
-    json["opaque"] = isOpaque(entry);
+    json["opaque"] = print.isOpaque;
+    json["hash"] = print.hash;
   }
   json["favourite"] = entry.favourite;
   return json.dump(-1, ' ', true);  // a terminal would obey U+0080 to U+009F
 }
 
-// The contents bank by bank, a line each; flags of empty slots, of which there may be hundreds, share one line a bank.
-void printByBank(const std::vector<Entry>& entries, Console& console) {
-  std::string bank;
-  std::string emptyFavourites;
-  const auto endBank = [&] {
-    if (!emptyFavourites.empty()) console.line("  favourites that hold nothing: " + emptyFavourites);
-    emptyFavourites.clear();
-  };
-  for (const Entry& entry : entries) {
-    const std::string name = nameOf(entry.id);
-    if (bankOfName(name) != bank) {
-      endBank();
-      bank = bankOfName(name);
-      console.line(bank + ":");
+// The name that an edit buffer bears.
+std::string bufferName(const Target& live, const EmbeddedEditor& editor) {
+  const bool isBuffer = live.kind == Target::Kind::editBuffer;
+  return isBuffer ? showName(nameOf(editor.tools().live(live.buffer, live.part))) : "";
+}
+
+// What `name` has behind its bank; all of it when it has a bank to itself.
+std::string behind(const std::string& bank, const std::string& name) {
+  return name == bank ? name : name.substr(bank.size() + 1);
+}
+
+// Bank by bank, in one of two forms. Flags of empty slots, of which there may be hundreds, share a line a bank.
+class Listing {
+ public:
+  Listing(Console& console, bool isGrid) : console_(console), isGrid_(isGrid) {}
+
+  void print(const Found& found, const EmbeddedEditor& editor) {
+    for (const Entry& entry : found.entries) add(entry);
+    endBank();
+    for (const Target& live : found.live) {
+      beginBank(live.kind == Target::Kind::editBuffer ? "edit buffers" : "system settings");
+      const std::string name = bufferName(live, editor);
+      if (name.empty())
+        addCell(live.name, live.name);
+      else
+        addCell(fmt::format("{} {}", live.name, name), fmt::format("{:<24} {}", live.name, name));
     }
-    if (!entry.content) {
-      if (!emptyFavourites.empty()) emptyFavourites += ", ";
-      emptyFavourites += name == bank ? "the only one" : name.substr(bank.size() + 1);
-      continue;
-    }
-    std::string line = fmt::format("  {:<24} {}", name, showName(entry.content->name));
-    if (entry.favourite != 0) line += "  *favourite";
-    if (isOpaque(entry)) line += fmt::format("  opaque, {} bytes", entry.content->bytes.size());
-    console.line(line);
+    endBank();
+    if (isGrid_ && hasFavourites_) console_.note(fmt::format("{} is a favourite", kFavourite));
   }
-  endBank();
+
+ private:
+  void add(const Entry& entry) {
+    const std::string name = nameOf(entry.id);
+    beginBank(bankOfName(name));
+    if (!entry.content) {
+      emptyFavourites_ += emptyFavourites_.empty() ? "" : ", ";
+      emptyFavourites_ += name == bank_ ? "the only one" : behind(bank_, name);
+      return;
+    }
+    const std::string shown = showName(entry.content->name);
+    const bool isOpaque = fingerprintOf(entry.id, entry.content->bytes).isOpaque;
+    std::string cell = fmt::format("{:>3} {}", behind(bank_, name), shown);
+    std::string line = fmt::format("{:<24} {}", name, shown);
+    if (entry.favourite != 0) {
+      cell += fmt::format(" {}", kFavourite);
+      hasFavourites_ = true;
+      line += "  *favourite";
+    }
+    if (isOpaque) {
+      cell += " (opaque)";
+      line += fmt::format("  opaque, {} bytes", entry.content->bytes.size());
+    }
+    addCell(std::move(cell), line);
+  }
+
+  void beginBank(const std::string& bank) {
+    if (bank == bank_) return;
+    endBank();
+    bank_ = bank;
+    console_.line(bank + ":");
+  }
+
+  void addCell(std::string cell, const std::string& line) {
+    if (isGrid_)
+      cells_.push_back(std::move(cell));
+    else
+      console_.line("  " + line);
+  }
+
+  void endBank() {
+    const std::size_t width = isGrid_ ? terminalWidth() : std::string::npos;
+    for (const std::string& line : inColumns(cells_, width)) console_.line(line);
+    cells_.clear();
+    if (emptyFavourites_.empty()) return;
+    std::string indent = "  ";
+    for (const std::string& line : wrap("favourites that hold nothing: " + emptyFavourites_, width - 4)) {
+      console_.line(indent + line);
+      indent = "    ";
+    }
+    emptyFavourites_.clear();
+  }
+
+  Console& console_;
+  const bool isGrid_;
+  bool hasFavourites_ = false;
+  std::string bank_;
+  std::string emptyFavourites_;
+  std::vector<std::string> cells_;
+};
+
+// "3 contents, 2 edit buffers and the system settings stored"
+std::string countOf(const Found& found) {
+  const auto countLive = [&](Target::Kind kind) {
+    return std::uint64_t(
+        std::count_if(found.live.begin(), found.live.end(), [&](const Target& live) { return live.kind == kind; }));
+  };
+  std::vector<std::string> counts;
+  const auto stored = std::uint64_t(std::count_if(found.entries.begin(), found.entries.end(),
+                                                  [](const Entry& entry) { return entry.content.has_value(); }));
+  if (stored > 0) counts.push_back(counted(stored, "content"));
+  if (const std::uint64_t buffers = countLive(Target::Kind::editBuffer); buffers > 0)
+    counts.push_back(counted(buffers, "edit buffer"));
+  if (countLive(Target::Kind::system) > 0) counts.emplace_back("the system settings");
+  if (countLive(Target::Kind::additional) > 0) counts.emplace_back("the additional parameters");
+  if (counts.empty()) return "nothing stored";
+  const std::string last = counts.back();
+  counts.pop_back();
+  return fmt::format("{}{}{} stored", fmt::join(counts, ", "), counts.empty() ? "" : " and ", last);
 }
 
 }  // namespace
 
-void contents(bool json, Program& program) {
+void contents(const Words& words, const ContentsOptions& options, Program& program) {
+  const Selection selection(words);
   const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
-  const std::vector<Entry> entries = entriesOf(editor->library());
-  if (json) {
-    for (const Entry& entry : entries) program.console.line(toJsonLine(entry));
+  const Found found = find(*editor, selection);
+  if (options.json) {
+    for (const Entry& entry : found.entries) program.console.line(toJsonLine(entry));
   } else {
-    printByBank(entries, program.console);
+    const bool isGrid = options.grid || (!options.lines && ::isatty(STDOUT_FILENO) != 0);
+    Listing(program.console, isGrid).print(found, *editor);
   }
-  const auto stored =
-      std::count_if(entries.begin(), entries.end(), [](const Entry& entry) { return entry.content.has_value(); });
-  program.console.note(counted(std::uint64_t(stored), "content") + " stored");
+  program.console.note(countOf(found) + (selection.isAll() ? "" : " there"));
 }
 
 }  // namespace Editor

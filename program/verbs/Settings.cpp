@@ -7,8 +7,8 @@
 #include <charconv>
 #include <memory>
 
+#include "messages/Nearest.h"
 #include "messages/Text.h"
-
 #include "verbs/Verbs.h"
 
 namespace Editor {
@@ -81,9 +81,13 @@ const Setting& settingNamed(const std::string& name) {
   const auto* const found =
       std::find_if(kSettings.begin(), kSettings.end(), [&](const Setting& setting) { return name == setting.name; });
   if (found != kSettings.end()) return *found;
-  std::string names;
-  for (const Setting& setting : kSettings) names += fmt::format("{}{}", names.empty() ? "" : ", ", setting.name);
-  throw Failure(kWrongUsage, fmt::format("there is no setting \"{}\": expected {}", escape(name), names));
+  std::vector<std::string> names;
+  names.reserve(kSettings.size());
+  for (const Setting& setting : kSettings) names.emplace_back(setting.name);
+  const std::string question = didYouMean(name, names);
+  throw Failure(kWrongUsage,
+                fmt::format("there is no setting \"{}\"{}", escape(name),
+                            question.empty() ? fmt::format(": expected {}", fmt::join(names, ", ")) : question));
 }
 
 }  // namespace

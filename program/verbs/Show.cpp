@@ -1,10 +1,12 @@
-// The verb show: the parameters of a target.
+// The verb show: the parameters of targets.
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "messages/Text.h"
+#include "midi/Counted.h"
 #include "models/ModelJson.h"
 #include "targets/TargetModels.h"
 #include "verbs/Verbs.h"
@@ -39,20 +41,65 @@ class Lines {
   std::string path_;
 };
 
+void printLines(const ModelSet& models, Console& console) {
+  forEachModel(models, [&](const char* key, const auto& model) {
+    Lines lines(console, key);
+    visitFields(model, lines);
+  });
+}
+
+// `heading` says which target it is, where there are several.
+void print(const ModelSet& models, const std::optional<std::string>& heading, bool json, Console& console) {
+  if (!json) {
+    if (heading) console.line(*heading + ":");
+    printLines(models, console);
+    return;
+  }
+  nlohmann::ordered_json object;
+  if (heading) object["target"] = *heading;
+  object.update(toJson(models));
+  console.line(object.dump(-1, ' ', true));  // a terminal would obey U+0080 to U+009F
+}
+
+// Shows the targets of one word; what cannot be shown is told, and keeps none from the others. Empty places of a bank
+// or a range are left out.
+void showAll(const Places<Target>& places, bool json, EmbeddedEditor& editor, Program& program) {
+  std::size_t leftOut = 0;
+  for (const Target& target : places.list) {
+    const bool isContent = target.kind == Target::Kind::content;
+    if (!places.isOne && isContent && !editor.library().contentName(target.content)) {
+      ++leftOut;
+      continue;
+    }
+    try {
+      print(loadTarget(editor, target), target.name, json, program.console);
+    } catch (const TargetError& error) {
+      program.console.problem(fmt::format("bda: {}", error.what()));
+      program.refuse();
+    }
+  }
+  if (leftOut == 0) return;
+  const std::string empty = fmt::format("{}: {} nothing", places.name, counted(leftOut, "place holds", "places hold"));
+  if (leftOut < places.list.size()) {
+    program.console.note(empty);
+  } else {
+    program.console.problem(fmt::format("bda: {}", empty));
+    program.refuse();
+  }
+}
+
 }  // namespace
 
 void show(const Words& words, bool json, Program& program) {
-  const Target target = parseOneTarget(words);
+  std::vector<Places<Target>> asked;
+  for (const std::string& word : joinAddresses(words)) asked.push_back(parseTargets(word));
   const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
-  const ModelSet models = loadTarget(*editor, target);
-  if (json) {
-    program.console.line(toJson(models).dump(-1, ' ', true));  // a terminal would obey U+0080 to U+009F
+  if (asked.size() == 1 && asked.front().isOne) {
+    print(loadTarget(*editor, asked.front().list.front()), std::nullopt, json, program.console);
     return;
   }
-  forEachModel(models, [&](const char* key, const auto& model) {
-    Lines lines(program.console, key);
-    visitFields(model, lines);
-  });
+  const Library::Transaction oneState(editor->library(), Library::Transaction::Access::Read);
+  for (const Places<Target>& places : asked) showAll(places, json, *editor, program);
 }
 
 }  // namespace Editor

@@ -26,13 +26,18 @@ struct ExchangeOptions {
 void receive(const Words& files, const ExchangeOptions& options, Program& program);
 void request(const Words& words, const ExchangeOptions& options, Program& program);
 
-// The parameters of a target, whose address can be three words; apply takes a file of them behind it.
+// The parameters of targets, whose addresses can be three words each; apply takes one, and a file of them behind it.
 void show(const Words& words, bool json, Program& program);
 void apply(Words words, Program& program);
 
 // The library itself. No name: all settings; no value: what it is.
 void settings(const std::string& name, const std::optional<std::string>& value, Program& program);
-void contents(bool json, Program& program);
+struct ContentsOptions {  // one of them at most; none: a grid on a terminal, else lines
+  bool json = false;
+  bool grid = false;
+  bool lines = false;
+};
+void contents(const Words& words, const ContentsOptions& options, Program& program);  // no words: all
 
 // Single contents: their addresses, then the new name of one, or on or off.
 void rename(const Words& words, Program& program);

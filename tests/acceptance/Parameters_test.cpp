@@ -199,6 +199,50 @@ TEST_F(Parameters, showPrintsPathsAndValues) {
   EXPECT_THAT(run.out, HasSubstr("system.quickSetup[5].name: \"\"\n"));
 }
 
+TEST_F(Parameters, severalTargetsAreShownWithHeadings) {
+  const Result run = bda({"show", "system", "0E", "7F", "00", "master:edit"});
+  EXPECT_THAT(run, Exits(0));
+  const std::string master = bda({"show", "master:edit"}).out;
+  EXPECT_EQ(run.out, "system:\n" + bda({"show", "system"}).out + "master:edit:\n" + master + "master:edit:\n" + master);
+}
+
+TEST_F(Parameters, eachOfSeveralTargetsHasAnObjectThatNamesIt) {
+  const std::vector<std::string> objects = lines(bda({"show", "multi:edit", "remote:edit", "--json"}).out);
+  ASSERT_THAT(objects, SizeIs(2));
+  EXPECT_THAT(objects[0], StartsWith(R"({"target":"multi:edit","multi":{)"));
+  Json remote = Json::parse(objects[1]);
+  EXPECT_EQ(remote["target"], "remote:edit");
+  remote.erase("target");
+  EXPECT_EQ(remote, json({"show", "remote:edit", "--json"}));
+  write("a.json", remote.dump());
+  EXPECT_THAT(bda({"apply", "remote:edit", "a.json"}), Exits(0));
+}
+
+TEST_F(Parameters, aTargetThatCannotBeShownKeepsNoOtherFromIt) {
+  store({0x0E, 0x70, 0x02}, BDA::List::master);
+  const Result run = bda({"show", "master:2", "master:3", "file:single", "--json"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("master:2: nothing is stored there"));
+  EXPECT_THAT(run.err, HasSubstr("file:single: its bytes are kept as they came"));
+  EXPECT_THAT(lines(run.out), ElementsAre(StartsWith(R"({"target":"master:3","master":{)")));
+  EXPECT_THAT(bda({"show", "master:3", "nonsense"}), Exits(1));
+}
+
+TEST_F(Parameters, ofABankOrARangeOnlyWhatIsStoredIsShown) {
+  store({0x0E, 0x70, 0x02}, BDA::List::master);
+  store({0x0E, 0x70, 0x7F}, BDA::List::master);
+  const Result bank = bda({"show", "master", "--json"});
+  EXPECT_THAT(bank, Exits(0));
+  EXPECT_THAT(lines(bank.out),
+              ElementsAre(StartsWith(R"({"target":"master:3",)"), StartsWith(R"({"target":"master:128",)")));
+  EXPECT_EQ(bank.err, "master: 126 places hold nothing\n");
+  EXPECT_THAT(lines(bda({"show", "master:3..3", "--json"}).out), ElementsAre(StartsWith(R"({"target":"master:3",)")));
+  const Result empty = bda({"show", "master:4..6"});
+  EXPECT_THAT(empty, Exits(3));
+  EXPECT_EQ(empty.err, "bda: master:4..6: 3 places hold nothing\n");
+  EXPECT_THAT(lines(bda({"show", "voice:part", "--json"}).out), SizeIs(16));
+}
+
 TEST_F(Parameters, namesAreSafeToShow) {
   Editor::Library(directory / "library.db").store({1, 2}, Bytes{1}, "\x1B[31mred \xE9t\xE9");
   EXPECT_THAT(bda({"contents"}).out, HasSubstr("\\x1B[31mred \u00E9t\u00E9"));
@@ -250,6 +294,12 @@ TEST_F(Parameters, settingsAreShownAndSet) {
   for (const char* value : {"0", "17", "-1", "1x", "ALL"})
     EXPECT_THAT(bda({"settings", "device-number", value}), Exits(1));
   EXPECT_EQ(bda({"settings", "device-number"}).out, "16\n");
+}
+
+TEST_F(Parameters, aMisspeltSettingIsAskedFor) {
+  EXPECT_EQ(bda({"settings", "device-numer"}).err,
+            "bda: there is no setting \"device-numer\": did you mean device-number?\n");
+  EXPECT_THAT(bda({"settings", "colour"}).err, HasSubstr("expected device-number, receive-bulk, mixing-voices"));
 }
 
 TEST_F(Parameters, theNumberOfMixingVoicesIsKept) {

@@ -10,21 +10,77 @@ using testing::Not;
 
 namespace {
 
-class Usage : public Program {};
+class Usage : public Program {
+ protected:
+  static std::vector<std::string> verbs() {
+    return {"list",   "verify",    "receive", "request",  "screen", "contents", "show", "apply",
+            "rename", "favourite", "remove",  "settings", "backup", "restore",  "diff", "help"};
+  }
+};
 
 }  // namespace
 
 TEST_F(Usage, helpAndVersionGoToStandardOutput) {
   const Result help = bda({"--help"});
   EXPECT_THAT(help, Exits(0));
-  for (const char* verb : {"list", "verify", "receive", "request", "show", "apply", "settings", "contents", "backup",
-                           "restore", "diff", "rename", "favourite", "remove", "screen"})
-    EXPECT_THAT(help.out, HasSubstr(std::string("\n  ") + verb + " "));
+  for (const std::string& verb : verbs()) EXPECT_THAT(help.out, HasSubstr("\n  " + verb + " "));
   EXPECT_THAT(help.out, HasSubstr("Exit codes: 0 all good"));
   EXPECT_EQ(help.err, "");
   EXPECT_THAT(bda({"receive", "--help"}).out, HasSubstr("--trace"));
   EXPECT_THAT(bda({"list", "--help"}).out, HasSubstr("Usage: bda list [OPTIONS] FILE...\n"));
   EXPECT_EQ(bda({"-V"}).out, "bda " BDA_VERSION_STRING "\n");
+}
+
+TEST_F(Usage, helpListsTheVerbsByGroups) {
+  const std::string help = bda({"--help"}).out;
+  std::size_t at = 0;
+  for (const char* line :
+       {"\nFiles, without a library:\n  list ", "\n  verify ", "\nReceiving and answering:\n  receive ", "\n  request ",
+        "\nThe library:\n  contents ", "\n  show ", "\nHelp:\n  help ", "\nOptions:\n"}) {
+    at = help.find(line, at);
+    EXPECT_NE(at, std::string::npos) << line;
+  }
+}
+
+TEST_F(Usage, allHelpFits80Columns) {
+  const auto fits = [&](const std::vector<std::string>& words) {
+    for (const std::string& line : lines(bda(words).out)) EXPECT_LE(line.size(), 80u) << line;
+  };
+  fits({"--help"});
+  for (const std::string& verb : verbs()) fits({verb, "--help"});
+}
+
+TEST_F(Usage, theHelpOfAVerbHasItsOptionsTheCommonOnesThatItHeedsAndTwoExamples) {
+  for (const std::string& verb : verbs()) {
+    const std::string help = bda({"help", verb}).out;
+    EXPECT_EQ(help, bda({verb, "--help"}).out);
+    EXPECT_THAT(help, HasSubstr("\nUsage: bda " + verb + " [OPTIONS]"));
+    EXPECT_THAT(help, HasSubstr("\nCommon options:\n  -h, --help "));
+    std::size_t examples = 0;
+    for (std::size_t at = help.find("\nExamples:\n"); (at = help.find("\n  bda ", at)) != std::string::npos; ++at)
+      ++examples;
+    EXPECT_EQ(examples, 2u) << help;
+  }
+  EXPECT_THAT(bda({"help", "list"}).out, Not(HasSubstr("--library")));
+  EXPECT_THAT(bda({"help", "diff"}).out, Not(HasSubstr("--library")));
+  EXPECT_THAT(bda({"help", "show"}).out, testing::AllOf(HasSubstr("--library FILE"), Not(HasSubstr("--names"))));
+  EXPECT_THAT(bda({"help", "request"}).out, HasSubstr("--names FILE"));
+  EXPECT_EQ(bda({"help"}).out, bda({"--help"}).out);
+}
+
+TEST_F(Usage, whatIsMisspeltIsAskedFor) {
+  EXPECT_EQ(bda({"recieve", "a.syx"}).err,
+            "bda: there is no verb \"recieve\": did you mean receive? (bda help tells more)\n");
+  EXPECT_EQ(bda({"help", "favorite"}).err,
+            "bda: there is no verb \"favorite\": did you mean favourite? (bda help tells more)\n");
+  EXPECT_EQ(bda({"list", "--jsn", "a.syx"}).err,
+            "bda: there is no option --jsn: did you mean --json? (bda help list tells more)\n");
+  EXPECT_EQ(bda({"contents", "--libary=x.db"}).err,
+            "bda: there is no option --libary: did you mean --library? (bda help contents tells more)\n");
+  EXPECT_THAT(bda({"request", "voice:edti"}).err, HasSubstr("\"voice:edti\": did you mean voice:edit? Else one of "));
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"recieve"}, {"help", "favorite"}, {"list", "--jsn"}})
+    EXPECT_THAT(bda(words), Exits(1));
 }
 
 TEST_F(Usage, wrongUsageExitsWith1AndSaysWhy) {
@@ -58,9 +114,10 @@ TEST_F(Usage, wrongUsageExitsWith1AndSaysWhy) {
 }
 
 TEST_F(Usage, aVerbThatDoesNotExistIsNamed) {
-  EXPECT_EQ(bda({"dance", "a.syx"}).err, "bda: there is no verb \"dance\" (bda --help tells more)\n");
-  EXPECT_EQ(bda({"list"}).err, "bda: FILE is required (bda --help tells more)\n");
-  EXPECT_EQ(bda({"--bogus"}).err, "bda: there is no option --bogus (bda --help tells more)\n");
+  EXPECT_EQ(bda({"dance", "a.syx"}).err, "bda: there is no verb \"dance\" (bda help tells more)\n");
+  EXPECT_EQ(bda({}).err, "bda: expected a verb (bda help tells more)\n");
+  EXPECT_EQ(bda({"list"}).err, "bda: FILE is required (bda help list tells more)\n");
+  EXPECT_EQ(bda({"--bogus"}).err, "bda: there is no option --bogus (bda help tells more)\n");
   EXPECT_THAT(bda({"receive", "a.syx", "--port", "x"}).err, HasSubstr("\"x\": expected 1, 4, 5 or 6"));
 }
 

@@ -15,6 +15,7 @@ using Editor::describeAddress;
 using Editor::nameOf;
 using Editor::parseAddress;
 using testing::HasSubstr;
+using testing::Not;
 
 namespace {
 
@@ -156,4 +157,41 @@ TEST(AddressNames, thereAreFourteenSystemBlocks) {
   EXPECT_EQ(addresses.size(), 14u);
   EXPECT_EQ(addresses.front(), (BulkAddress{0, 0, 0}));
   for (const BulkAddress address : addresses) EXPECT_EQ(address.hi, 0);
+}
+
+TEST(AddressNames, theNameThatMayHaveBeenMeantIsAskedFor) {
+  EXPECT_THAT(whyNot("voice:usr1:6"),
+              HasSubstr("\"voice:usr1:6\": did you mean voice:user1:6? Else one of voice:preset"));
+  EXPECT_THAT(whyNot("performence:a:18"), HasSubstr("did you mean performance:a:18?"));
+  EXPECT_THAT(whyNot("drum:eidt"), HasSubstr("did you mean drum:edit?"));
+  EXPECT_THAT(whyNot("flie:multi:128"), HasSubstr("did you mean file:multi:128?"));
+  EXPECT_THAT(whyNot("voice:user4:1"), Not(HasSubstr("did you mean")));  // that range is told
+  EXPECT_THAT(whyNot("voice:nonsense"), Not(HasSubstr("did you mean")));
+  try {
+    parseAddress("sytem", [] { return std::vector<std::string>{"system"}; });
+    FAIL() << "accepted";
+  } catch (const std::invalid_argument& error) {
+    EXPECT_STREQ(error.what(), "\"sytem\": did you mean system?");
+  }
+}
+
+TEST(AddressNames, aNameIsFoundWithoutAReasonWhenThereIsNone) {
+  EXPECT_EQ(Editor::findName("Voice:User1:6"), (BulkAddress{0x0E, 0x0A, 0x05}));
+  EXPECT_FALSE(Editor::findName("voice:user1:129"));
+  EXPECT_FALSE(Editor::findName("voice:user1"));
+  EXPECT_FALSE(Editor::findName("0E0A05"));
+  EXPECT_FALSE(Editor::findName(""));
+}
+
+TEST(AddressNames, allNamesAreListedOnce) {
+  const std::vector<std::string> names = Editor::blockNames();
+  std::set<std::string> listed(names.begin(), names.end());
+  EXPECT_EQ(listed.size(), names.size());
+  forEachAddress([&](BulkAddress address, const BDA::AddressRow&) {
+    const auto name = nameOf(address);
+    if (name) {
+      EXPECT_EQ(listed.erase(*name), 1u) << *name;
+    }
+  });
+  EXPECT_TRUE(listed.empty());
 }

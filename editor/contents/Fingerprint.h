@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "models/ContentAddress.h"
+
+namespace Editor {
+
+// What a content is, whatever it is called: two of one kind have the same hash when they are equal but for their names,
+// and no others do but by a chance of 1 in 2^64.
+struct Fingerprint {
+  bool isOpaque = false;  // not in our format
+  // The 64-bit FNV-1a hash as 16 hex digits, in small letters: of the bytes of version 1 of our format with every name
+  // in them empty; of opaque contents, of their bytes. It will be the same in every version and on every machine.
+  std::string hash;
+
+  friend bool operator==(const Fingerprint&, const Fingerprint&) = default;
+};
+
+Fingerprint fingerprintOf(ContentId id, std::span<const std::uint8_t> bytes);
+
+// The hash itself, by its published definition.
+std::uint64_t fnv1a(std::span<const std::uint8_t> bytes);
+
+}  // namespace Editor

@@ -1,0 +1,153 @@
+#include "VerbHelp.h"
+
+#include <algorithm>
+
+namespace Editor {
+
+namespace {
+
+constexpr Heeds kNoLibrary{};
+constexpr Heeds kNoLibraryButMore{.verbose = true};
+constexpr Heeds kLibrary{.library = true};
+constexpr Heeds kLibraryAndMore{.library = true, .verbose = true};
+constexpr Heeds kLibraryAndNames{.library = true, .names = true};
+constexpr Heeds kEverything{.library = true, .names = true, .verbose = true};
+
+constexpr std::array kVerbs{
+    VerbHelp{"list",
+             "FILE...",
+             "What messages a file holds, one line each",
+             VerbGroup::files,
+             kNoLibraryButMore,
+             {{{"bda list dump.syx", "each message, and what it carries"},
+               {"bda list --json *.syx", "the same of several files, for a script"}}}},
+    VerbHelp{"verify",
+             "FILE...",
+             "Whether every message and every unit of a file is whole",
+             VerbGroup::files,
+             kNoLibraryButMore,
+             {{{"bda verify dump.syx", "what is missing or broken, exit code 3 if anything is"},
+               {"bda verify -q *.syx", "the same, without the closing notes"}}}},
+    VerbHelp{"receive",
+             "FILE...",
+             "Feed messages to the library's instrument",
+             VerbGroup::receiving,
+             kEverything,
+             {{{"bda receive dump.syx", "store what the file holds"},
+               {"bda receive requests.syx -o answers.syx", "answer requests"}}}},
+    VerbHelp{"request",
+             "ADDRESS...",
+             "Ask the library's instrument for dumps, as .syx",
+             VerbGroup::receiving,
+             kLibraryAndNames,
+             {{{"bda request voice:user1:6 -o voice.syx", "one voice, from header to footer"},
+               {"bda request system -o system.syx", "all system blocks"}}}},
+    VerbHelp{"screen",
+             "-o FILE",
+             "A picture of the editor's screen",
+             VerbGroup::receiving,
+             kLibrary,
+             {{{"bda screen -o screen.png", "as PNG, 160 x 64 pixels"},
+               {"bda screen -o - > screen.png", "the same by standard output"}}}},
+    VerbHelp{"contents",
+             "[ADDRESS...]",
+             "What the library holds, by bank",
+             VerbGroup::library,
+             kLibrary,
+             {{{"bda contents voice:user1 drum:user", "two banks, as a grid on a terminal"},
+               {"bda contents --json", "with hashes, for a script"}}}},
+    VerbHelp{"show",
+             "TARGET...",
+             "The parameters of targets",
+             VerbGroup::library,
+             kLibrary,
+             {{{"bda show voice:user1:6", "one line for each group of parameters"},
+               {"bda show system --json > system.json", "as apply takes it"}}}},
+    VerbHelp{"apply",
+             "TARGET FILE",
+             "Replace a whole target by what show --json printed",
+             VerbGroup::library,
+             kLibrary,
+             {{{"bda apply system system.json", "the inverse of show system --json"},
+               {"bda apply voice:user1:6 voice.json", "any voice's, here"}}}},
+    VerbHelp{"rename",
+             "ADDRESS NAME",
+             "Name a content or an edit buffer",
+             VerbGroup::library,
+             kLibrary,
+             {{{"bda rename voice:user1:6 \"Grand Piano\"", "up to 20 characters"},
+               {"bda rename voice:user1:6 -- -dash-", "a name that begins with -"}}}},
+    VerbHelp{"favourite",
+             "ADDRESS on|off",
+             "Make a voice a favourite, or no longer",
+             VerbGroup::library,
+             kLibrary,
+             {{{"bda favourite voice:user1:6 on", "a favourite from now on"},
+               {"bda favourite drum:user:3 off", "and no longer"}}}},
+    VerbHelp{
+        "remove",
+        "ADDRESS...",
+        "Remove contents: all that are named, or none",
+        VerbGroup::library,
+        kLibrary,
+        {{{"bda remove voice:user1:6", "favourite flags stay"}, {"bda remove master:1 master:2", "both or none"}}}},
+    VerbHelp{"settings",
+             "[NAME [VALUE]]",
+             "How it listens: device-number, receive-bulk, mixing-voices",
+             VerbGroup::library,
+             kLibrary,
+             {{{"bda settings", "all of them"}, {"bda settings device-number 5", "accept messages for device 5"}}}},
+    VerbHelp{"backup",
+             "-o FILE",
+             "The whole library as messages that restore takes",
+             VerbGroup::library,
+             kLibrary,
+             {{{"bda backup -o backup.syx", "written whole, or not at all"},
+               {"bda backup -o - | gzip > backup.syx.gz", "by standard output"}}}},
+    VerbHelp{"restore",
+             "FILE",
+             "Receive all messages of a file into the library, or none",
+             VerbGroup::library,
+             kLibraryAndMore,
+             {{{"bda restore backup.syx", "in one change of the library"},
+               {"bda restore --dry-run -v backup.syx", "what would change, by parameter"}}}},
+    VerbHelp{"diff",
+             "A B",
+             "What two libraries or message files do not have in common",
+             VerbGroup::library,
+             kNoLibrary,
+             {{{"bda diff library.db backup.syx", "what changed since"},
+               {"bda diff monday.db friday.db", "two libraries"}}}},
+    VerbHelp{"help",
+             "[VERB]",
+             "How to use a verb",
+             VerbGroup::help,
+             kNoLibrary,
+             {{{"bda help", "all verbs"}, {"bda help receive", "as bda receive --help"}}}},
+};
+
+}  // namespace
+
+std::span<const VerbHelp> verbHelps() { return kVerbs; }
+
+const VerbHelp* findVerb(const std::string& name) {
+  const auto found =
+      std::find_if(kVerbs.begin(), kVerbs.end(), [&](const VerbHelp& verb) { return verb.name == name; });
+  return found == kVerbs.end() ? nullptr : &*found;
+}
+
+const char* titleOf(VerbGroup group) {
+  switch (group) {
+    case VerbGroup::files:
+      return "Files, without a library";
+    case VerbGroup::receiving:
+      return "Receiving and answering";
+    case VerbGroup::library:
+      return "The library";
+    case VerbGroup::help:
+      break;
+  }
+  return "Help";
+}
+
+}  // namespace Editor
