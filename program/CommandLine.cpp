@@ -34,13 +34,14 @@ struct Given {
   ExchangeOptions exchange;
   ContentsOptions contents;
   bool json = false;
-  bool dryRun = false;
+  RestoreOptions restore;
   std::function<void()> verb;  // what to do with them
 };
 
 // As CLI11 checks values: what is wrong with it, or nothing.
 std::string checkFileName(const std::string& name) { return name.empty() ? "an empty file name" : ""; }
 
+constexpr const char* kAnyDevice = "Take messages for other device numbers too";
 constexpr const char* kMessageFiles = "Message files, .syx or .mid by content; - is standard input";
 
 CLI::Option* addWords(CLI::App& verb, const std::string& name, const std::string& description, Given& given) {
@@ -84,6 +85,7 @@ void addReceive(CLI::App& app, Given& given, Program& program) {
   verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
       ->type_name("ANSWERS")
       ->check(checkFileName);
+  verb.add_flag("--any-device", given.exchange.anyDevice, kAnyDevice);
   addExchangeOptions(verb, given.exchange);
   verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, program); }; });
 }
@@ -144,8 +146,9 @@ void addRestore(CLI::App& app, Given& given, Program& program) {
   verb.add_option("FILE", given.file, "A backup, or any message file; - is standard input")
       ->required()
       ->check(checkFileName);
-  verb.add_flag("--dry-run", given.dryRun, "Say what would change, and change nothing");
-  verb.callback([&] { given.verb = [&] { restore(given.file, given.dryRun, program); }; });
+  verb.add_flag("--any-device", given.restore.anyDevice, kAnyDevice);
+  verb.add_flag("--dry-run", given.restore.dryRun, "Say what would change, and change nothing");
+  verb.callback([&] { given.verb = [&] { restore(given.file, given.restore, program); }; });
 }
 
 void addDiff(CLI::App& app, Given& given, Program& program) {
@@ -268,6 +271,7 @@ int run(int argc, const char* const* argv, Program& program) {
 int runProgram(int argc, const char* const* argv) {
   constexpr const char* kOutOfMemory = "bda: out of memory";
   std::signal(SIGPIPE, SIG_IGN);  // that nobody reads what is said is no reason to leave work half done
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is told as a disk is that is full
   Program program;
   int code = kWrongUsage;
   try {

@@ -77,4 +77,9 @@ std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::
   }
 }
 
+void Program::failInputs(const std::vector<std::string>& problems) {
+  for (const std::string& problem : problems) console.problem(fmt::format("bda: {}", problem));
+  if (!problems.empty()) endWith(kUnusableInput);
+}
+
 }  // namespace Editor

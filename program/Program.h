@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "ExitCode.h"
 #include "exchange/EmbeddedEditor.h"
@@ -30,7 +31,13 @@ class Program {
   std::unique_ptr<EmbeddedEditor> openToRead(const std::string& file) { return open(file, Library::Use::read); }
 
   // Something was refused or is broken: the run goes on, and ends with this.
-  void refuse() { exitCode_ = kRefused; }
+  void refuse() {
+    if (exitCode_ == kAllGood) exitCode_ = kRefused;
+  }
+  // Inputs proved unusable while they were read, a text for each: the run ends with kUnusableInput.
+  void failInputs(const std::vector<std::string>& problems);
+  // The run ends with this, whatever it has refused.
+  void endWith(ExitCode code) { exitCode_ = code; }
   // An output could not be written: the run may go on, and ends with that, whatever else is found.
   void failOutput() { hasOutputFailed_ = true; }
   bool hasOutputFailed() const { return hasOutputFailed_; }

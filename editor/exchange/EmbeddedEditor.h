@@ -45,9 +45,14 @@ class EmbeddedEditor {
   Record handle(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
                 std::uint64_t number);
 
+  // From now on dumps and requests are taken as if they were for the device number that is set, whatever theirs is.
+  void takeAnyDevice() { takesAnyDevice_ = true; }
+
   // The units that are still open, and the file dumps that are still held.
   std::vector<UnitReport> openUnits() const { return units_.open(); }
 
+  // The device number that is set, 0 to 15; 0 when it is "all" or "off".
+  std::uint8_t deviceNumber() const;
   // A request for that address as this library's instrument accepts it.
   std::vector<std::uint8_t> requestFor(BulkAddress address);
 
@@ -80,6 +85,7 @@ class EmbeddedEditor {
   AssistantHost host_;
   Handover handover_;
   UnitTracker units_;
+  bool takesAnyDevice_ = false;
 };
 
 }  // namespace Editor

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "midi/Counted.h"
+#include "midi/FileKind.h"
 
 namespace Editor {
 
@@ -52,7 +53,6 @@ class Collector final : public StreamJoiner::Receiver {
   std::vector<std::uint64_t> ticks_;
 };
 
-constexpr std::string_view kFileHeader = "MThd";
 constexpr std::string_view kTrack = "MTrk";
 constexpr std::size_t kChunkHead = 8;   // type and length
 constexpr std::size_t kHeaderBody = 6;  // format, number of tracks, division
@@ -70,6 +70,11 @@ std::uint32_t bigEndian(Bytes bytes) {
   std::uint32_t value = 0;
   for (const std::uint8_t byte : bytes) value = value << 8 | byte;
   return value;
+}
+
+std::uint32_t littleEndian(Bytes four) {
+  return std::uint32_t(four[0]) | std::uint32_t(four[1]) << 8 | std::uint32_t(four[2]) << 16 |
+         std::uint32_t(four[3]) << 24;
 }
 
 // Takes bytes off the front of what is left, as far as they are there.
@@ -104,8 +109,9 @@ struct Cursor {
 
 class StandardReader {
  public:
-  StandardReader(Bytes source, MidiFile& file)
-      : source_(source), file_(file), collector_(file, source), joiner_(collector_) {}
+  // `source` is a part of `whole`.
+  StandardReader(Bytes whole, Bytes source, MidiFile& file)
+      : whole_(whole), source_(source), file_(file), collector_(file, source), joiner_(collector_) {}
 
   void read() {
     if (source_.size() < kChunkHead + kHeaderBody) {
@@ -161,7 +167,7 @@ class StandardReader {
       if (!track.empty())
         text +=
             ", " + counted(track.size(), "byte") + " of the track " + (track.size() == 1 ? "is" : "are") + " not read";
-      error(offsetOf(track), std::move(text));
+      file_.errors.push_back({offsetOf(track), std::move(text)});
     }
   }
 
@@ -208,10 +214,14 @@ class StandardReader {
     joiner_.feed(part);
   }
 
-  std::size_t offsetOf(Bytes part) const { return static_cast<std::size_t>(part.data() - source_.data()); }
+  std::size_t offsetOf(Bytes part) const { return static_cast<std::size_t>(part.data() - whole_.data()); }
 
-  void error(std::size_t offset, std::string text) { file_.errors.push_back({offset, std::move(text)}); }
+  // `at` in the source.
+  void error(std::size_t at, std::string text) {
+    file_.errors.push_back({offsetOf(source_.subspan(at)), std::move(text)});
+  }
 
+  Bytes whole_;
   Bytes source_;
   MidiFile& file_;
   Collector collector_;
@@ -220,13 +230,42 @@ class StandardReader {
   std::uint8_t running_ = 0;  // status of the last channel event as long as the next may leave it out, else 0
 };
 
+// What a RIFF container holds; nothing, with an error, when it is none of MIDI.
+std::optional<Bytes> standardFileIn(Bytes riff, MidiFile& file) {
+  constexpr std::size_t kHead = 12;  // "RIFF", length, "RMID"
+  const auto error = [&](std::size_t at, std::string text) { file.errors.push_back({at, std::move(text)}); };
+  if (riff.size() < kHead || !startsWith(riff.subspan(8), "RMID")) {
+    error(0, "a RIFF file without MIDI");
+    return std::nullopt;
+  }
+  for (std::size_t at = kHead; riff.size() - at >= kChunkHead;) {
+    const Bytes head = riff.subspan(at, kChunkHead);
+    const std::uint32_t promised = littleEndian(head.subspan(4));
+    const std::size_t length = std::min<std::size_t>(promised, riff.size() - at - kChunkHead);
+    if (startsWith(head, "data")) {
+      if (length != promised)
+        error(at, "the data is cut short: " + std::to_string(length) + " of " + counted(promised, "byte"));
+      const Bytes inner = riff.subspan(at + kChunkHead, length);
+      if (midiKindOf(inner) == MidiKind::standard) return inner;
+      error(at + kChunkHead, "the data is no Standard MIDI File");
+      return std::nullopt;
+    }
+    at += std::min(kChunkHead + length + length % 2, riff.size() - at);
+  }
+  error(kHead, "no data in it");
+  return std::nullopt;
+}
+
 }  // namespace
 
 MidiFile readMidiFile(std::span<const std::uint8_t> file) {
   MidiFile result;
-  result.standard = startsWith(file, kFileHeader);
-  if (result.standard) {
-    StandardReader(file, result).read();
+  const MidiKind kind = midiKindOf(file);
+  result.standard = kind != MidiKind::stream;
+  if (kind == MidiKind::riff) {
+    if (const std::optional<Bytes> inner = standardFileIn(file, result)) StandardReader(file, *inner, result).read();
+  } else if (kind == MidiKind::standard) {
+    StandardReader(file, file, result).read();
   } else {
     Collector collector(result, file);
     StreamJoiner joiner(collector);

@@ -30,7 +30,7 @@ struct MidiFile {
     std::string text;
   };
 
-  bool standard = false;  // a Standard MIDI File, not a raw stream
+  bool standard = false;  // a Standard MIDI File, also one in a RIFF container, not a raw stream
   std::vector<Message> messages;
   std::vector<Dropped> dropped;
   std::vector<Error> errors;
@@ -38,14 +38,14 @@ struct MidiFile {
   std::unique_ptr<std::uint8_t[]> arena;  // holds the messages, so that none costs an allocation of its own
 };
 
-// Reads a whole file, recognised by its content: with "MThd" at its start it is a Standard MIDI File, anything else a
-// raw stream of MIDI bytes (.syx).
+// Reads a whole file, recognised by its content (MidiKind).
 //
 // Of a Standard MIDI File the System Exclusive events count: F0 events, F7 events that continue a message, and whole
 // messages in F7 events; anything else that F7 events carry is dropped. Between the parts of one message only meta
 // events may stand: a channel event would reach the instrument in the middle of it. The tracks of format 1 are merged
 // by time, a message counting from the event that ends it; those of format 0 and 2 follow each other. A broken track is
-// read up to the break, the tracks after it are read.
+// read up to the break, the tracks after it are read. In a RIFF container the file is the chunk "data"; offsets are
+// always those of the whole file.
 MidiFile readMidiFile(std::span<const std::uint8_t> file);
 
 // All bytes of a file, "-" is standard input. On failure nothing, and `error` says why in words without the file's

@@ -89,7 +89,9 @@ std::size_t StreamJoiner::deliverWhole(std::span<const std::uint8_t> chunk, std:
 
 // `bytes` from `at` in the chunk belong to the open message, which goes on elsewhere, or to none.
 void StreamJoiner::setAside(std::span<const std::uint8_t> bytes, std::size_t at) {
-  if (open_) {
+  if (open_ && bytes.size() > longest_ - held_.size()) {
+    abandon(bytes.size(), Reason::TooLong);
+  } else if (open_) {
     held_.insert(held_.end(), bytes.begin(), bytes.end());
   } else {
     drop(position_ + at, bytes.size(), Reason::Stray);
@@ -141,6 +143,8 @@ const char* describe(StreamJoiner::Reason reason) {
       return "message cut short by another status byte";
     case StreamJoiner::Reason::Unfinished:
       return "message without end";
+    case StreamJoiner::Reason::TooLong:
+      return "message longer than any can be";
   }
   return "?";
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -19,6 +20,7 @@ class StreamJoiner {
     Stray,       // outside of any message
     Abandoned,   // a message cut short by a status byte other than F7 and F8..FF
     Unfinished,  // a message that was still open when the stream ended
+    TooLong,     // a message that got longer than the joiner holds
   };
 
   // Offsets count from the first byte fed. Calls come in the order in which the stream decides them, so a real-time
@@ -38,8 +40,10 @@ class StreamJoiner {
     ~Receiver() = default;
   };
 
-  // The receiver must outlive the joiner.
-  explicit StreamJoiner(Receiver& receiver) : receiver_(receiver) {}
+  // The receiver must outlive the joiner. A message that comes in pieces and has more than `longest` bytes is dropped,
+  // so that an endless one does not fill the memory.
+  explicit StreamJoiner(Receiver& receiver, std::size_t longest = std::numeric_limits<std::size_t>::max())
+      : receiver_(receiver), longest_(longest) {}
   StreamJoiner(const StreamJoiner&) = delete;
   StreamJoiner& operator=(const StreamJoiner&) = delete;
 
@@ -60,6 +64,7 @@ class StreamJoiner {
   void reportRun();
 
   Receiver& receiver_;
+  const std::size_t longest_;
   std::uint64_t position_ = 0;  // of the next byte fed
 
   bool open_ = false;

@@ -28,10 +28,10 @@ std::size_t totalWidth(const std::vector<std::size_t>& columns) {
 
 }  // namespace
 
-std::size_t terminalWidth() {
+std::size_t terminalWidth(int descriptor) {
   constexpr std::size_t kUsual = 80;
   winsize size{};
-  if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+  if (::ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
   const char* const columns = std::getenv("COLUMNS");
   const std::string_view text = columns == nullptr ? "" : columns;
   std::size_t width = 0;

@@ -9,8 +9,8 @@ namespace Editor {
 
 // Text in the width of a terminal. All of it is UTF-8 without control characters, one place a character.
 
-// The width of the terminal that standard output is, else $COLUMNS, else 80.
-std::size_t terminalWidth();
+// The width of the terminal that standard output, or another descriptor, is, else $COLUMNS, else 80.
+std::size_t terminalWidth(int descriptor = 1);
 
 std::size_t displayWidth(std::string_view text);
 

@@ -4,14 +4,19 @@
 
 #include <cerrno>
 
+#include "output/Columns.h"
+
 namespace Editor {
 
 void Console::print(std::FILE* stream, std::string_view text) {
-  clearProgress();
   if (stream == stdout && isReaderGone_) return;
-  const bool isWhole =
-      std::fwrite(text.data(), 1, text.size(), stream) == text.size() && std::fputc('\n', stream) != EOF;
+  clearProgress();
+  bool isWhole = std::fwrite(text.data(), 1, text.size(), stream) == text.size() && std::fputc('\n', stream) != EOF;
+  // The progress stands below it, so it must be there first.
+  const bool flushes = flushesEachLine_ || (!progress_.empty() && stream == stdout && ::isatty(STDOUT_FILENO) != 0);
+  if (flushes && isWhole) isWhole = std::fflush(stream) == 0;
   if (stream == stdout) heed(isWhole);
+  drawProgress();
 }
 
 void Console::flushLines() {
@@ -44,17 +49,23 @@ void Console::progress(std::string_view text) {
   if (loudness_ == Loudness::quiet || ::isatty(STDERR_FILENO) == 0) return;
   flushLines();
   clearProgress();
-  std::fwrite(text.data(), 1, text.size(), stderr);
-  showsProgress_ = true;
+  progress_ = text.substr(0, terminalWidth(STDERR_FILENO) - 1);
+  drawProgress();
+}
+
+void Console::endProgress() {
+  clearProgress();
+  progress_.clear();
 }
 
 void Console::clearProgress() {
-  if (showsProgress_) std::fputs("\r\x1B[K", stderr);
-  showsProgress_ = false;
+  if (!progress_.empty()) std::fputs("\r\x1B[K", stderr);
 }
 
+void Console::drawProgress() { std::fwrite(progress_.data(), 1, progress_.size(), stderr); }
+
 bool Console::finish() {
-  clearProgress();
+  endProgress();
   heed(std::fflush(stdout) == 0);
   return !hasFailed_;
 }

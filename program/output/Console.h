@@ -11,11 +11,16 @@ namespace Editor {
 class Console {
  public:
   enum class Loudness : std::uint8_t { quiet, normal, verbose };
+  // Of complaints that are alike so many are told, and how many more there are.
+  static constexpr std::size_t kMostAlike = 20;
 
   void setLoudness(Loudness loudness) { loudness_ = loudness; }
   bool isVerbose() const { return loudness_ == Loudness::verbose; }
   // From now on data lines go to standard error: standard output carries bytes.
   void keepOutputForBytes() { lines_ = stderr; }
+
+  // Who reads the lines waits for each.
+  void flushEachLine() { flushesEachLine_ = true; }
 
   // A line of data.
   void line(std::string_view text);
@@ -27,8 +32,10 @@ class Console {
   void note(std::string_view text);
   // Only when verbose.
   void detail(std::string_view text);
-  // How far a long run has come; in place, on a terminal only. The next text of any kind takes its place.
+  // How far a long run has come; in place, on a terminal only, as wide as that is. It stays the last line, below every
+  // other text, until endProgress().
   void progress(std::string_view text);
+  void endProgress();
 
   // The last call. True unless something could not be written to standard output. That nobody reads it any more is no
   // failure: the lines are then said to nobody.
@@ -37,12 +44,14 @@ class Console {
  private:
   void print(std::FILE* stream, std::string_view text);
   void clearProgress();
+  void drawProgress();
   void flushLines();
   void heed(bool isWhole);  // how the last call on standard output went
 
   Loudness loudness_ = Loudness::normal;
   std::FILE* lines_ = stdout;
-  bool showsProgress_ = false;
+  bool flushesEachLine_ = false;
+  std::string progress_;  // empty: none is shown
   bool isReaderGone_ = false;
   bool hasFailed_ = false;
 };

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <poll.h>
+
 #include <cmath>
 #include <csignal>
 #include <utility>
@@ -34,8 +36,21 @@ void Interruptible::check() {
   if (isInterrupted != 0) throw Failure(kInterrupted, "interrupted");
 }
 
-Progress::Progress(Console& console, std::string verb, std::string items, std::uint64_t count)
-    : console_(console), verb_(std::move(verb)), items_(std::move(items)), count_(count) {}
+void Interruptible::wait(int descriptor) {
+  sigset_t asked;
+  sigset_t before;
+  ::sigemptyset(&asked);
+  for (const int signal : kSignals) ::sigaddset(&asked, signal);
+  // Between the look and the wait none may be missed.
+  ::pthread_sigmask(SIG_BLOCK, &asked, &before);
+  pollfd input{descriptor, POLLIN, 0};
+  if (isInterrupted == 0) ::ppoll(&input, 1, nullptr, &before);
+  ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  check();
+}
+
+Progress::Progress(Console& console, std::string verb, std::string items, std::uint64_t count, std::uint64_t size)
+    : console_(console), verb_(std::move(verb)), items_(std::move(items)), count_(count), size_(size) {}
 
 void Progress::step(std::uint64_t bytes) {
   constexpr std::chrono::milliseconds kBetween(100);
@@ -45,15 +60,20 @@ void Progress::step(std::uint64_t bytes) {
   const Clock::time_point now = Clock::now();
   if (now - shown_ < kBetween) return;
   shown_ = now;
-  console_.progress(fmt::format("{}: {}", verb_, describeProgress(done_, count_, items_, bytes_, now - start_)));
+  console_.progress(
+      fmt::format("{}: {}", verb_, describeProgress({done_, count_}, items_, {bytes_, size_}, now - start_)));
 }
 
-std::string describeProgress(std::uint64_t done, std::uint64_t count, const std::string& items, std::uint64_t bytes,
-                             std::chrono::duration<double> elapsed) {
+std::string describeProgress(Share items, const std::string& what, Share bytes, std::chrono::duration<double> elapsed) {
   constexpr double kMega = 1e6;
-  std::string text = fmt::format("{} of {} {}, {:.1f} MB", done, count, items, double(bytes) / kMega);
-  if (done > 0 && done <= count)
-    text += fmt::format(", {:.0f} s left", std::ceil(elapsed.count() / double(done) * double(count - done)));
+  std::string text =
+      items.all > 0 ? fmt::format("{} of {} {}", items.done, items.all, what) : fmt::format("{} {}", items.done, what);
+  text += bytes.all > 0 ? fmt::format(", {:.1f} of {:.1f} MB", double(bytes.done) / kMega, double(bytes.all) / kMega)
+                        : fmt::format(", {:.1f} MB", double(bytes.done) / kMega);
+  const Share known = items.all > 0 ? items : bytes;
+  if (known.done > 0 && known.done <= known.all)
+    text += fmt::format(", {:.0f} s left",
+                        std::ceil(elapsed.count() / double(known.done) * double(known.all - known.done)));
   return text;
 }
 

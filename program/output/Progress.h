@@ -21,6 +21,8 @@ class Interruptible {
 
   // Throws Failure (kInterrupted) once the user has asked for it.
   static void check();
+  // Until there is something to read, or its end. Throws the same.
+  static void wait(int descriptor);
 
  private:
   static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
@@ -31,8 +33,15 @@ class Interruptible {
 // where Ctrl-C ends the run.
 class Progress {
  public:
-  // "backup: 120 of 2,600 contents": `verb`, `items` and their count, which may be 0 when it is not known.
-  Progress(Console& console, std::string verb, std::string items, std::uint64_t count);
+  // "backup: 120 of 2600 contents": `verb`, `items` and their count, and all their bytes; each may be 0 when it is not
+  // known.
+  Progress(Console& console, std::string verb, std::string items, std::uint64_t count, std::uint64_t size = 0);
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+  ~Progress() { console_.endProgress(); }
+
+  // Nothing more is shown.
+  void end() { console_.endProgress(); }
 
   // One item of that many bytes is done. Throws as Interruptible::check().
   void step(std::uint64_t bytes);
@@ -44,6 +53,7 @@ class Progress {
   const std::string verb_;
   const std::string items_;
   const std::uint64_t count_;
+  const std::uint64_t size_;
   std::uint64_t done_ = 0;
   std::uint64_t bytes_ = 0;
   const Clock::time_point start_ = Clock::now();
@@ -51,8 +61,12 @@ class Progress {
   const Interruptible interruptible_;
 };
 
-// "120 of 2600 contents, 1.2 MB, 3 s left"
-std::string describeProgress(std::uint64_t done, std::uint64_t count, const std::string& items, std::uint64_t bytes,
-                             std::chrono::duration<double> elapsed);
+// So many of so many, which is 0 when it is not known.
+struct Share {
+  std::uint64_t done;
+  std::uint64_t all;
+};
+// "120 of 2600 contents, 1.2 MB, 3 s left", "120 messages, 1.2 of 3.4 MB, 3 s left"
+std::string describeProgress(Share items, const std::string& what, Share bytes, std::chrono::duration<double> elapsed);
 
 }  // namespace Editor

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "midi/Counted.h"
+#include "output/LossReport.h"
 
 namespace Editor {
 
@@ -12,7 +13,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-Json toJson(const InputFiles::Message& message, const Reading& reading) {
+Json toJson(const InputMessage& message, const Reading& reading) {
   Json json{{"message", message.number},          {"file", message.file},
             {"offset", message.offset},           {"kind", wordOf(reading.kind)},
             {"verdict", wordOf(reading.verdict)}, {"carries", describeContent(reading)}};
@@ -51,7 +52,7 @@ Json toJson(const UnitReport& unit) {
 std::string toLine(const Json& json) { return json.dump(-1, ' ', true, Json::error_handler_t::replace); }
 
 // "      7      1200  good                     1  41 02 00  element 3 oscillator, 88 data bytes, checksum 1F"
-std::string toLine(const InputFiles::Message& message, const Reading& reading) {
+std::string toLine(const InputMessage& message, const Reading& reading) {
   std::string line = fmt::format("{:>6} {:>9}  {:<26} {:>2}  {:<8}  {}", message.number, message.offset,
                                  wordOf(reading.verdict), reading.device ? std::to_string(*reading.device) : "-",
                                  reading.address ? formatAddress(*reading.address) : "-", describeContent(reading));
@@ -64,20 +65,43 @@ std::string toLine(const InputFiles::Message& message, const Reading& reading) {
 
 }  // namespace
 
-std::string jsonOf(const InputFiles::Loss& loss) {
+std::string jsonOf(const InputLoss& loss) {
   Json json{{"file", loss.file}, {"offset", loss.offset}, {"dropped", loss.dropped}, {"reason", loss.reason}};
-  if (loss.kind == InputFiles::Loss::Kind::cutShort) json["verdict"] = "cut short";
-  if (loss.kind == InputFiles::Loss::Kind::brokenFile) json["verdict"] = "broken file";
+  if (loss.kind == InputLoss::Kind::cutShort) json["verdict"] = "cut short";
+  if (loss.kind == InputLoss::Kind::brokenFile) json["verdict"] = "broken file";
   return toLine(json);
 }
 
-std::string lineOf(const InputFiles::Message& message, const Reading& reading, LineForm form) {
+std::string lineOf(const InputMessage& message, const Reading& reading, LineForm form) {
   return form == LineForm::json ? toLine(toJson(message, reading)) : toLine(message, reading);
 }
 
 std::string lineOf(const UnitReport& unit, LineForm form) {
   if (form == LineForm::json) return toLine(toJson(unit));
   return fmt::format("{} {}", isBroken(unit) ? "  !!" : "  ==", describeUnit(unit));
+}
+
+ReadingResult printReadings(InputStream& input, LineForm form, Console& console,
+                            const std::function<void(const InputMessage&, const Reading&)>& visit) {
+  const std::string* file = nullptr;
+  LossReport losses(console);
+  ReadingResult result;
+  result.problems = input.read(
+      [&](const InputMessage& message) {
+        if (input.areSeveral() && form == LineForm::words && file != &message.file)
+          console.line(displayName(message.file) + ":");
+        file = &message.file;
+        const Reading reading = readMessage(message.bytes);
+        console.line(lineOf(message, reading, form));
+        visit(message, reading);
+      },
+      [&](const InputLoss& loss) {
+        losses.add(loss);
+        if (form == LineForm::json) console.line(jsonOf(loss));
+      });
+  losses.finish();
+  result.areAllWhole = losses.areAllWhole();
+  return result;
 }
 
 }  // namespace Editor

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "input/InputFiles.h"
+#include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/MidiFile.h"
 #include "models/ModelJson.h"

@@ -8,7 +8,7 @@
 #include <optional>
 
 #include "compare/Compare.h"
-#include "input/InputFiles.h"
+#include "input/InputFile.h"
 #include "messages/Text.h"
 #include "output/Progress.h"
 #include "verbs/Verbs.h"
@@ -28,7 +28,7 @@ bool isLibrary(const std::string& path) {
 class Side {
  public:
   // `input` is nothing for a library.
-  Side(const std::string& path, const std::optional<InputFiles>& input, Program& program) {
+  Side(const std::string& path, const std::optional<InputFile>& input, Program& program) {
     if (input) {
       receive(*input, program);
     } else {
@@ -40,7 +40,7 @@ class Side {
 
  private:
   // What is refused is told, and is missing from the comparison: that alone makes it fail.
-  void receive(const InputFiles& input, Program& program) {
+  void receive(const InputFile& input, Program& program) {
     editor_ = std::make_unique<EmbeddedEditor>();
     const auto complain = [&](const std::string& text) {
       program.console.problem(text);
@@ -49,7 +49,7 @@ class Side {
     if (!input.reportLosses(program.console)) program.refuse();
     Progress progress(program.console, "diff", "messages", input.countMessages());
     EmbeddedEditor::Run run(editor(), Library::Transaction::Access::Write, EmbeddedEditor::Run::Devices::any);
-    input.forEachMessage([&](const InputFiles::Message& message) {
+    input.forEachMessage([&](const InputMessage& message) {
       const Reading reading = readMessage(message.bytes);
       if (reading.kind == Reading::Kind::dump || reading.kind == Reading::Kind::invalid) {
         const Record record = editor().handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
@@ -77,10 +77,10 @@ void diff(const std::string& firstPath, const std::string& secondPath, Program& 
     if (path != "-" && !std::filesystem::exists(path))
       throw Failure(kUnusableInput, fmt::format("{}: No such file or directory", escape(path)));
   const auto read = [&](const std::string& path) {
-    return isLibrary(path) ? std::nullopt : std::optional(InputFiles({path}, program.console));
+    return isLibrary(path) ? std::nullopt : std::optional<InputFile>(path);
   };
-  const std::optional<InputFiles> firstInput = read(firstPath);
-  const std::optional<InputFiles> secondInput = read(secondPath);
+  const std::optional<InputFile> firstInput = read(firstPath);
+  const std::optional<InputFile> secondInput = read(secondPath);
   Side first(firstPath, firstInput, program);
   Side second(secondPath, secondInput, program);
   const Library::Transaction firstState(first.editor().library(), Library::Transaction::Access::Read);

@@ -6,12 +6,14 @@
 namespace Editor {
 
 void list(const Words& files, bool json, Program& program) {
-  const InputFiles input(files, program.console);
-  if (!input.reportLosses(program.console)) program.refuse();
-  printReadings(input, json ? LineForm::json : LineForm::words, program.console,
-                [&](const InputFiles::Message&, const Reading& reading) {
-                  if (isBroken(reading)) program.refuse();
-                });
+  InputStream input(files);
+  if (input.isLive()) program.console.flushEachLine();
+  const ReadingResult result = printReadings(input, json ? LineForm::json : LineForm::words, program.console,
+                                             [&](const InputMessage&, const Reading& reading) {
+                                               if (isBroken(reading)) program.refuse();
+                                             });
+  if (!result.areAllWhole) program.refuse();
+  program.failInputs(result.problems);
 }
 
 }  // namespace Editor

@@ -3,14 +3,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
 
 #include "exchange/Answers.h"
 #include "exchange/Tally.h"
-#include "input/InputFiles.h"
+#include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "midi/MidiFile.h"
+#include "output/LossReport.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
 #include "output/Trace.h"
@@ -20,41 +22,112 @@ namespace Editor {
 
 namespace {
 
+// Where messages stand that something may still have to be said of when they have gone by.
+class Places {
+ public:
+  void add(const InputMessage& message, const EmbeddedEditor& editor) {
+    if (places_.size() >= most_) forgetEnded(editor);
+    places_.emplace(message.number, Place{&message.file, message.offset});
+  }
+  std::string at(std::uint64_t number) const {
+    const Place& place = places_.at(number);
+    return placeOf({number, *place.file, place.offset, {}});
+  }
+
+ private:
+  void forgetEnded(const EmbeddedEditor& editor) {
+    std::map<std::uint64_t, Place> open;
+    for (const UnitReport& unit : editor.openUnits())
+      if (auto place = places_.extract(unit.firstMessage); !place.empty()) open.insert(std::move(place));
+    places_ = std::move(open);
+    most_ = 2 * places_.size() + kFew;
+  }
+
+  struct Place {
+    const std::string* file;
+    std::uint64_t offset;
+  };
+  static constexpr std::size_t kFew = 100;
+  std::map<std::uint64_t, Place> places_;
+  std::size_t most_ = kFew;
+};
+
+// Messages for other devices: told once each, with a count at the end.
+class OtherDevices {
+ public:
+  // False for what has been told before.
+  bool isNew(unsigned device) { return ++messages_[device] == 1; }
+  void tell(Console& console) const {
+    for (const auto& [device, count] : messages_)
+      console.problem(
+          fmt::format("{} for device {}: take it with --any-device, or listen to it from now on: "
+                      "bda settings device-number {}",
+                      counted(count, "message"), device, device));
+  }
+
+ private:
+  std::map<unsigned, std::uint64_t> messages_;
+};
+
 class Receiving {
  public:
   Receiving(const Words& files, const ExchangeOptions& options, Program& program)
       : program_(program),
         console_(program.console),
         port_(BDA::DevicePortNum(options.port)),
-        input_(files, program.console),
-        progress_(program.console, "receive", "messages", input_.countMessages()),
+        input_(files),
+        losses_(console_),
+        progress_(program.console, "receive", "messages", 0, input_.size()),
         editor_(program.openToChange()),
         trace_(options.trace) {
     if (!options.output.empty()) answers_.emplace(options.output);
     if (options.output == "-" || options.trace == "-") console_.keepOutputForBytes();
-    if (!input_.reportLosses(console_)) program.refuse();
+    if (input_.isLive()) console_.flushEachLine();
+    if (options.anyDevice) editor_->takeAnyDevice();
   }
 
   void run() {
+    std::optional<Failure> failure;
     try {
-      input_.forEachMessage([&](const InputFiles::Message& message) { receive(message); });
+      readAll();
+    } catch (const Failure& early) {
+      failure = early;
     } catch (...) {
-      try {
-        commitOutputs();  // what was done was done
-      } catch (const Failure& second) {
-        console_.problem(second.what());
-        program_.failOutput();
-      }
+      close();
       throw;
     }
-    for (const UnitReport& unit : editor_->openUnits())
-      complain(fmt::format("{}: {}", input_.place(unit.firstMessage), describeUnit(unit)));
-    commitOutputs();
-    if (answers_ && !hasAnswers_) console_.note("no request was answered: nothing is written");
+    close();
+    if (failure) {
+      console_.problem(fmt::format("bda: {}", failure->what()));
+      program_.endWith(failure->code());
+    }
     console_.note(tally_.words());
   }
 
  private:
+  void readAll() {
+    const std::vector<std::string> unusable = input_.read([this](const InputMessage& message) { receive(message); },
+                                                          [this](const InputLoss& loss) { losses_.add(loss); });
+    losses_.finish();
+    if (!losses_.areAllWhole()) program_.refuse();
+    for (const UnitReport& unit : editor_->openUnits())
+      complain(fmt::format("{}: {}", places_.at(unit.firstMessage), describeUnit(unit)));
+    otherDevices_.tell(console_);
+    program_.failInputs(unusable);
+    if (answers_ && !hasAnswers_) console_.note("no request was answered: nothing is written");
+  }
+
+  // What was done was done, however the run ends.
+  void close() {
+    progress_.end();
+    try {
+      commitOutputs();
+    } catch (const Failure& failure) {
+      console_.problem(fmt::format("bda: {}", failure.what()));
+      program_.failOutput();
+    }
+  }
+
   void commitOutputs() {
     if (answers_ && hasAnswers_) answers_->commit();
     trace_.commit();
@@ -65,9 +138,10 @@ class Receiving {
     program_.refuse();
   }
 
-  void receive(const InputFiles::Message& message) {
+  void receive(const InputMessage& message) {
     progress_.step(message.bytes.size());
     const Record record = handle(message);
+    places_.add(message, *editor_);
     const bool isPassedOn = tell(message, record);
     isPassedOn ? tally_.add(record) : tally_.addRefused();
     try {
@@ -87,7 +161,7 @@ class Receiving {
       throw Failure(kWrongUsage, fmt::format("{}: the library failed, nothing after it is handled", placeOf(message)));
   }
 
-  Record handle(const InputFiles::Message& message) {
+  Record handle(const InputMessage& message) {
     try {
       return editor_->handle(message.bytes, port_, message.number);
     } catch (const LibraryError& error) {
@@ -97,7 +171,7 @@ class Receiving {
   }
 
   // False for an answer that cannot be passed on.
-  bool tell(const InputFiles::Message& message, const Record& record) {
+  bool tell(const InputMessage& message, const Record& record) {
     const std::string what = describeContent(record.reading);
     const auto line = [&](const std::string& text) {
       console_.line(fmt::format("{}: {} ({})", wordOf(record.outcome), text, placeOf(message)));
@@ -113,7 +187,9 @@ class Receiving {
         tellContents();
         break;
       case Outcome::refused:
-        complain(fmt::format("{}: refused: {}: {}", placeOf(message), what, escape(record.reason)));
+        if (record.report.refusal != BDA::BulkDumpRefusal::wrongDeviceNumber ||
+            otherDevices_.isNew(*record.reading.device))
+          complain(fmt::format("{}: refused: {}: {}", placeOf(message), what, escape(record.reason)));
         tellContents();
         break;
       case Outcome::answered:
@@ -131,7 +207,7 @@ class Receiving {
     return true;
   }
 
-  bool answer(const InputFiles::Message& message, const Record& record, const std::string& what) {
+  bool answer(const InputMessage& message, const Record& record, const std::string& what) {
     if (const std::string why = whyUnsendable(record.sent); answers_ && !why.empty()) {
       complain(fmt::format("{}: {}: {}", placeOf(message), what, why));
       return false;
@@ -146,12 +222,15 @@ class Receiving {
   Program& program_;
   Console& console_;
   const BDA::DevicePortNum port_;
-  const InputFiles input_;
+  InputStream input_;
+  LossReport losses_;
   Progress progress_;
   const std::unique_ptr<EmbeddedEditor> editor_;
   Trace trace_;
   std::optional<OutputFile> answers_;
   bool hasAnswers_ = false;
+  Places places_;
+  OtherDevices otherDevices_;
   Tally tally_;
 };
 

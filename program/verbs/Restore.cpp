@@ -7,7 +7,7 @@
 #include <set>
 
 #include "compare/Compare.h"
-#include "input/InputFiles.h"
+#include "input/InputFile.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "output/Progress.h"
@@ -19,17 +19,18 @@ namespace {
 
 class Restoring {
  public:
-  Restoring(const std::string& file, Program& program)
-      : program_(program),
+  Restoring(const std::string& file, const RestoreOptions& options, Program& program)
+      : options_(options),
+        program_(program),
         console_(program.console),
-        input_({file}, program.console),
+        input_(file),
         messages_(input_.countMessages()) {}
 
-  void run(bool dryRun) {
+  void run() {
     verify();
-    if (!dryRun) {
+    if (!options_.dryRun) {
       const std::unique_ptr<EmbeddedEditor> editor = program_.openToChange();
-      EmbeddedEditor::Run run(*editor);
+      EmbeddedEditor::Run run(*editor, Library::Transaction::Access::Write, devices());
       receive(*editor, "restore");
       run.commit();
       tellChanges(editor->library().takeChanges());
@@ -46,32 +47,38 @@ class Restoring {
     throw Failure(code, "nothing is restored, the library is as it was");
   }
 
+  EmbeddedEditor::Run::Devices devices() const {
+    return options_.anyDevice ? EmbeddedEditor::Run::Devices::any : EmbeddedEditor::Run::Devices::asSet;
+  }
+
   // Judges the file by itself, before any library is opened.
   void verify() {
-    constexpr std::size_t kMostProblems = 20;
+    bool isForUs = false;
     std::size_t problems = input_.reportLosses(console_) ? 0 : 1;
     const auto complain = [&](const std::string& text) {
-      if (++problems <= kMostProblems) console_.problem(text);
+      if (++problems <= Console::kMostAlike) console_.problem(text);
     };
     UnitFollower follower;
     const auto judge = [&](const std::vector<UnitReport>& units, const std::string& place) {
       for (const UnitReport& unit : units)
         if (isBroken(unit)) complain(fmt::format("{}: {}", place, describeUnit(unit)));
     };
-    input_.forEachMessage([&](const InputFiles::Message& message) {
+    input_.forEachMessage([&](const InputMessage& message) {
       const Reading reading = readMessage(message.bytes);
+      isForUs = isForUs || reading.kind != Reading::Kind::foreign;
       if (isBroken(reading))
         complain(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
       if (reading.kind != Reading::Kind::request) judge(follower.next(reading, message.number), placeOf(message));
     });
     for (const UnitReport& unit : follower.finish()) judge({unit}, input_.place(unit.firstMessage));
-    if (problems > kMostProblems) console_.problem(fmt::format("and {} more", problems - kMostProblems));
+    if (problems > Console::kMostAlike) console_.problem(fmt::format("and {} more", problems - Console::kMostAlike));
     if (problems != 0) giveUp();
+    if (!isForUs) throw Failure(kUnusableInput, "no message is for this instrument: nothing is restored");
   }
 
   void receive(EmbeddedEditor& editor, const char* verb) {
     Progress progress(console_, verb, "messages", messages_);
-    input_.forEachMessage([&](const InputFiles::Message& message) {
+    input_.forEachMessage([&](const InputMessage& message) {
       const Reading reading = readMessage(message.bytes);
       if (reading.kind == Reading::Kind::dump) {
         ++dumps_;
@@ -89,7 +96,7 @@ class Restoring {
       console_.note(fmt::format("{} of {} messages are no dumps: ignored", messages_ - dumps_, messages_));
   }
 
-  static Record handle(EmbeddedEditor& editor, const Reading& reading, const InputFiles::Message& message) {
+  static Record handle(EmbeddedEditor& editor, const Reading& reading, const InputMessage& message) {
     try {
       return editor.handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
     } catch (const LibraryError& error) {
@@ -118,7 +125,7 @@ class Restoring {
     library.tools().reload();
     EmbeddedEditor copy;
     copy.library().copyFrom(library.library());
-    const EmbeddedEditor::Run run(copy);
+    const EmbeddedEditor::Run run(copy, Library::Transaction::Access::Write, devices());
     receive(copy, "dry run");
     const std::vector<Difference> changes = compareLibraries(library, copy, Reception::ignored);
     for (const Difference& change : changes) tell(change);
@@ -143,9 +150,10 @@ class Restoring {
     }
   }
 
+  const RestoreOptions options_;
   Program& program_;
   Console& console_;
-  const InputFiles input_;
+  const InputFile input_;
   const Interruptible interruptible_;  // until everything is told and closed
   const std::uint64_t messages_;
   std::uint64_t dumps_ = 0;
@@ -153,6 +161,8 @@ class Restoring {
 
 }  // namespace
 
-void restore(const std::string& file, bool dryRun, Program& program) { Restoring(file, program).run(dryRun); }
+void restore(const std::string& file, const RestoreOptions& options, Program& program) {
+  Restoring(file, options, program).run();
+}
 
 }  // namespace Editor

@@ -19,9 +19,10 @@ void verify(const Words& files, bool json, Program& program);
 
 // Handing messages to the library's instrument.
 struct ExchangeOptions {
-  unsigned port = 1;   // on which the messages arrive: 1, 4, 5 or 6
-  std::string output;  // where the answers go; "": nowhere for received requests, to standard output for our own
-  std::string trace;   // "": none
+  unsigned port = 1;       // on which the messages arrive: 1, 4, 5 or 6
+  std::string output;      // where the answers go; "": nowhere for received requests, to standard output for our own
+  std::string trace;       // "": none
+  bool anyDevice = false;  // messages for other device numbers are taken too
 };
 void receive(const Words& files, const ExchangeOptions& options, Program& program);
 void request(const Words& words, const ExchangeOptions& options, Program& program);
@@ -46,7 +47,11 @@ void remove(const Words& words, Program& program);
 
 // Whole libraries.
 void backup(const std::string& output, Program& program);
-void restore(const std::string& file, bool dryRun, Program& program);
+struct RestoreOptions {
+  bool dryRun = false;
+  bool anyDevice = false;  // as above
+};
+void restore(const std::string& file, const RestoreOptions& options, Program& program);
 void diff(const std::string& first, const std::string& second, Program& program);
 
 void screen(const std::string& output, Program& program);

@@ -11,8 +11,8 @@ namespace Editor {
 void verify(const Words& files, bool json, Program& program) {
   Console& console = program.console;
   const LineForm form = json ? LineForm::json : LineForm::words;
-  const InputFiles input(files, program.console);
-  const bool whole = input.reportLosses(console);
+  InputStream input(files);
+  if (input.isLive()) console.flushEachLine();
   std::size_t messages = 0;
   std::size_t brokenMessages = 0;
   std::size_t units = 0;
@@ -25,18 +25,20 @@ void verify(const Words& files, bool json, Program& program) {
       console.line(lineOf(unit, form));
     }
   };
-  printReadings(input, form, console, [&](const InputFiles::Message& message, const Reading& reading) {
+  const auto judge = [&](const InputMessage& message, const Reading& reading) {
     ++messages;
     if (isBroken(reading)) {
       ++brokenMessages;
       console.problem(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
     }
     tellUnits(follower.next(reading, message.number));
-  });
+  };
+  const ReadingResult result = printReadings(input, form, console, judge);
   tellUnits(follower.finish());
-  if (!whole || brokenMessages + brokenUnits != 0) program.refuse();
+  if (!result.areAllWhole || brokenMessages + brokenUnits != 0) program.refuse();
   console.note(fmt::format("{}, {} broken; {}, {} broken", counted(messages, "message"), brokenMessages,
                            counted(units, "unit"), brokenUnits));
+  program.failInputs(result.problems);
 }
 
 }  // namespace Editor

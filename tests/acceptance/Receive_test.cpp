@@ -70,7 +70,7 @@ TEST_F(Receive, refusedMessagesAreToldWithFileOffsetNumberAndReason) {
   EXPECT_THAT(run, Exits(3));
   EXPECT_THAT(lines(run.out), ElementsAre("completed: system audio input part (a.syx: message 1 at offset 0)"));
   const std::vector<std::string> told = lines(run.err);
-  ASSERT_THAT(told, SizeIs(7));
+  ASSERT_THAT(told, SizeIs(8));
   EXPECT_EQ(told[0], "a.syx: message 2 at offset 20: refused: system common: checksum wrong: checksum 3D, expected 3C");
   EXPECT_EQ(told[1],
             "a.syx: message 3 at offset 100: refused: system common: wrong length for its block: 3 data bytes, this "
@@ -82,7 +82,10 @@ TEST_F(Receive, refusedMessagesAreToldWithFileOffsetNumberAndReason) {
   EXPECT_EQ(told[4], "a.syx: message 6 at offset 147: refused: element 3 oscillator: no open header admits this block");
   EXPECT_EQ(told[5],
             "a.syx: message 7 at offset 247: refused: normal voice user 1, 006: footer: it closes no open header");
-  EXPECT_EQ(told[6], "1 completed, 6 refused");
+  EXPECT_EQ(told[6],
+            "1 message for device 4: take it with --any-device, or listen to it from now on: bda settings "
+            "device-number 4");
+  EXPECT_EQ(told[7], "1 completed, 6 refused");
   EXPECT_THAT(bda({"contents"}).out, IsEmpty());
 }
 

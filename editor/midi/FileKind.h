@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace Editor {
+
+// The files that messages come in, by their first four bytes: whatever is none of the others is a stream.
+enum class MidiKind : std::uint8_t {
+  stream,    // raw MIDI bytes, .syx
+  standard,  // a Standard MIDI File, "MThd"
+  riff,      // one in a RIFF container, "RIFF"
+};
+inline constexpr std::size_t kMidiKindBytes = 4;
+MidiKind midiKindOf(std::span<const std::uint8_t> first);
+
+// What a file that holds no messages seems to be, by its first bytes, some hundred of them: "a JPEG picture", "text",
+// "an empty file", or "something else".
+std::string describeFile(std::span<const std::uint8_t> first);
+
+}  // namespace Editor

@@ -1,0 +1,299 @@
+#include "input/InputStream.h"
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <memory>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include "ExitCode.h"
+#include "messages/Messages.h"
+#include "messages/Text.h"
+#include "midi/FileKind.h"
+#include "midi/MidiFile.h"
+#include "output/Progress.h"
+
+namespace Editor {
+
+namespace {
+
+using Bytes = std::span<const std::uint8_t>;
+
+constexpr std::size_t kChunk = 65'536;
+constexpr std::size_t kLongestMessage = 16U << 20;    // a longer one is none: the memory is bounded
+constexpr std::size_t kLargestMidiFile = 64'000'000;  // one that is read whole
+
+int leaveOpen(std::FILE* /*standardInput*/) { return 0; }
+
+std::string reasonOf(int error) { return std::generic_category().message(error); }
+
+InputLoss::Kind kindOf(StreamJoiner::Reason reason) {
+  switch (reason) {
+    case StreamJoiner::Reason::RealTime:
+      return InputLoss::Kind::realTime;
+    case StreamJoiner::Reason::Stray:
+      return InputLoss::Kind::loose;
+    default:
+      return InputLoss::Kind::cutShort;
+  }
+}
+
+// The bytes of a file, some at a time. Throws std::system_error.
+class Source {
+ public:
+  Source(std::FILE& stream, bool isPlain) : descriptor_(::fileno(&stream)), isPlain_(isPlain) {}
+
+  // As many as there are, at least one; none: the end. Valid until the next call.
+  Bytes next() {
+    if (returned_ > 0) return {buffer_.data(), std::exchange(returned_, 0)};
+    return {buffer_.data(), fill(0)};
+  }
+  // The first bytes, which next() gives again: as many as tell what it is, fewer when there are no more.
+  Bytes first() {
+    while (returned_ < kMidiKindBytes) {
+      const std::size_t more = fill(returned_);
+      if (more == 0) break;
+      returned_ += more;
+    }
+    return {buffer_.data(), returned_};
+  }
+
+ private:
+  std::size_t fill(std::size_t at) {
+    while (true) {
+      if (!isPlain_) Interruptible::wait(descriptor_);
+      const ssize_t count = ::read(descriptor_, buffer_.data() + at, buffer_.size() - at);
+      if (count >= 0) return std::size_t(count);
+      if (errno != EINTR) throw std::system_error(errno, std::generic_category());
+    }
+  }
+
+  const int descriptor_;
+  const bool isPlain_;
+  std::vector<std::uint8_t> buffer_ = std::vector<std::uint8_t>(kChunk);
+  std::size_t returned_ = 0;
+};
+
+// Whether a file is one of messages at all.
+class Judgement {
+ public:
+  explicit Judgement(Bytes first)
+      : first_(first.begin(), first.begin() + std::ptrdiff_t(std::min(first.size(), kFirst))) {
+    const auto begin = std::find_if(first_.begin(), first_.end(), [](std::uint8_t byte) { return byte < 0xF8; });
+    isMidi_ = midiKindOf(first_) != MidiKind::stream || (begin != first_.end() && *begin == 0xF0);
+  }
+
+  void see(Bytes message) {
+    hasMessage_ = true;
+    isMidi_ = isMidi_ || readMessage(message).kind != Reading::Kind::foreign;
+  }
+  bool isUsable() const { return hasMessage_ && isMidi_; }
+  bool hasMessage() const { return hasMessage_; }
+
+  std::string words(const std::string& file) const {
+    return fmt::format("{}: no System Exclusive message in it{}: it seems to be {}", displayName(file),
+                       hasMessage_ ? " for this instrument" : "", describeFile(first_));
+  }
+
+ private:
+  static constexpr std::size_t kFirst = 512;
+
+  std::vector<std::uint8_t> first_;
+  bool isMidi_ = false;  // it begins as such files do, or has a message of this maker
+  bool hasMessage_ = false;
+};
+
+// Hands on the pieces of a stream in the order of the file: what a clock sends inside of a message comes behind it.
+class Pieces final : public StreamJoiner::Receiver {
+ public:
+  Pieces(const std::string& file, Judgement& judgement, std::uint64_t& number,
+         const InputStream::VisitMessage& visitMessage, const InputStream::VisitLoss& visitLoss, bool waits)
+      : file_(file),
+        judgement_(judgement),
+        number_(number),
+        visitMessage_(visitMessage),
+        visitLoss_(visitLoss),
+        waits_(waits) {}
+
+  void message(Bytes bytes, std::uint64_t offset) override {
+    judgement_.see(bytes);
+    if (std::exchange(waits_, false)) tellHeld(offset);
+    tellHeld(offset);
+    visitMessage_({++number_, file_, offset, bytes});
+    tellHeld(kAll);
+  }
+
+  void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
+    loss({file_, offset, count, describe(reason), kindOf(reason)});
+  }
+
+  void loss(InputLoss loss) {
+    if (loss.kind != InputLoss::Kind::realTime && !waits_) tellHeld(loss.offset);
+    if (held_.size() < kMostHeld) {
+      held_.push_back({loss.offset, loss.dropped, std::move(loss.reason), loss.kind});
+    } else {
+      held_.back().dropped += loss.dropped;  // so many that nobody will read them: their bytes count all the same
+    }
+    if (loss.kind != InputLoss::Kind::realTime && !waits_) tellHeld(kAll);
+  }
+
+  void finish() { tellHeld(kAll); }
+
+ private:
+  static constexpr std::uint64_t kAll = ~std::uint64_t{0};
+  static constexpr std::size_t kMostHeld = 4096;
+
+  struct Held {
+    std::uint64_t offset;
+    std::uint64_t dropped;
+    std::string reason;
+    InputLoss::Kind kind;
+  };
+
+  void tellHeld(std::uint64_t before) {
+    std::stable_sort(held_.begin(), held_.end(), [](const Held& a, const Held& b) { return a.offset < b.offset; });
+    const auto end = std::find_if(held_.begin(), held_.end(), [&](const Held& one) { return one.offset >= before; });
+    for (auto one = held_.begin(); one != end; ++one)
+      visitLoss_({file_, one->offset, one->dropped, std::move(one->reason), one->kind});
+    held_.erase(held_.begin(), end);
+  }
+
+  const std::string& file_;
+  Judgement& judgement_;
+  std::uint64_t& number_;
+  const InputStream::VisitMessage& visitMessage_;
+  const InputStream::VisitLoss& visitLoss_;
+  bool waits_;  // until there is a message, nothing is told: there may never be one
+  std::vector<Held> held_;
+};
+
+// All that is left, of a file that is read whole.
+std::vector<std::uint8_t> readAll(Source& source) {
+  std::vector<std::uint8_t> all;
+  for (Bytes more = source.next(); !more.empty(); more = source.next()) {
+    if (all.size() + more.size() > kLargestMidiFile)
+      throw std::system_error(EFBIG, std::generic_category(), "a Standard MIDI File is read whole");
+    all.insert(all.end(), more.begin(), more.end());
+  }
+  return all;
+}
+
+void hand(const MidiFile& midi, const std::string& file, Pieces& pieces) {
+  struct Loss {
+    std::uint64_t offset;
+    std::uint64_t dropped;
+    std::string reason;
+    InputLoss::Kind kind;
+  };
+  std::vector<Loss> losses;
+  for (const MidiFile::Error& error : midi.errors)
+    losses.push_back({error.offset, 0, error.text, InputLoss::Kind::brokenFile});
+  for (const MidiFile::Dropped& dropped : midi.dropped)
+    losses.push_back({dropped.offset, dropped.count, describe(dropped.reason), kindOf(dropped.reason)});
+  std::stable_sort(losses.begin(), losses.end(), [](const Loss& a, const Loss& b) { return a.offset < b.offset; });
+  auto loss = losses.begin();
+  const auto tellUpTo = [&](std::uint64_t offset) {
+    for (; loss != losses.end() && loss->offset < offset; ++loss)
+      pieces.loss({file, loss->offset, loss->dropped, loss->reason, loss->kind});
+  };
+  for (const MidiFile::Message& message : midi.messages) {
+    tellUpTo(message.offset);
+    pieces.message(message.bytes, message.offset);
+  }
+  tellUpTo(~std::uint64_t{0});
+}
+
+void readPieces(Source& source, const std::string& file, Pieces& pieces, const std::function<bool()>& isEnough) {
+  if (midiKindOf(source.first()) != MidiKind::stream) {
+    hand(readMidiFile(readAll(source)), file, pieces);
+  } else {
+    StreamJoiner joiner(pieces, kLongestMessage);
+    for (Bytes more = source.next(); !more.empty() && !isEnough(); more = source.next()) joiner.feed(more);
+    joiner.finish();
+  }
+  pieces.finish();
+}
+
+}  // namespace
+
+InputStream::InputStream(const std::vector<std::string>& paths) {
+  for (const std::string& path : paths) {
+    const bool isStandardInput = path == "-";
+    File file{path,
+              {isStandardInput ? stdin : std::fopen(path.c_str(), "rbe"), isStandardInput ? leaveOpen : std::fclose}};
+    struct stat status {};
+    const bool isOpen = file.stream != nullptr && ::fstat(::fileno(file.stream.get()), &status) == 0;
+    if (!isOpen || S_ISDIR(status.st_mode))
+      throw Failure(kUnusableInput, fmt::format("{}: {}", displayName(path), reasonOf(isOpen ? EISDIR : errno)));
+    file.isPlain = !isStandardInput && S_ISREG(status.st_mode);
+    if (file.isPlain) file.size = std::uint64_t(status.st_size);
+    files_.push_back(std::move(file));
+  }
+  for (const File& file : files_)
+    if (const std::string problem = file.isPlain ? judge(file) : ""; !problem.empty())
+      throw Failure(kUnusableInput, problem);
+}
+
+// Why a file that can be read twice is none of messages; empty: it is one.
+std::string InputStream::judge(const File& file) {
+  try {
+    Source source(*file.stream, true);
+    Judgement judgement(source.first());
+    std::uint64_t number = 0;
+    const VisitMessage ignoreMessage = [](const InputMessage&) {};
+    const VisitLoss ignoreLoss = [](const InputLoss&) {};
+    Pieces pieces(file.name, judgement, number, ignoreMessage, ignoreLoss, false);
+    readPieces(source, file.name, pieces, [&] { return judgement.isUsable(); });
+    if (!judgement.isUsable()) return judgement.words(file.name);
+    if (::lseek(::fileno(file.stream.get()), 0, SEEK_SET) != 0) throw std::system_error(errno, std::generic_category());
+    return {};
+  } catch (const std::system_error& error) {
+    return fmt::format("{}: {}", displayName(file.name), error.what());
+  }
+}
+
+std::vector<std::string> InputStream::read(const VisitMessage& visitMessage, const VisitLoss& visitLoss) {
+  std::vector<std::string> problems;
+  std::uint64_t number = 0;
+  for (const File& file : files_) {
+    std::optional<Judgement> judgement;
+    try {
+      Source source(*file.stream, file.isPlain);
+      judgement.emplace(source.first());
+      const bool isKnown = file.isPlain;
+      const VisitLoss tell = [&](const InputLoss& loss) {
+        if (isKnown || judgement->hasMessage()) visitLoss(loss);
+      };
+      Pieces pieces(file.name, *judgement, number, visitMessage, tell, !isKnown);
+      readPieces(source, file.name, pieces, [] { return false; });
+      if (!isKnown && !judgement->isUsable()) problems.push_back(judgement->words(file.name));
+    } catch (const std::system_error& error) {
+      problems.push_back(fmt::format("{}: {}", displayName(file.name), error.what()));
+    }
+  }
+  return problems;
+}
+
+bool InputStream::isLive() const {
+  return std::any_of(files_.begin(), files_.end(), [](const File& file) { return !file.isPlain; });
+}
+
+std::uint64_t InputStream::size() const {
+  std::uint64_t size = 0;
+  for (const File& file : files_) size += file.size;
+  return isLive() ? 0 : size;
+}
+
+std::string displayName(const std::string& file) { return file == "-" ? "standard input" : escape(file); }
+
+std::string placeOf(const InputMessage& message) {
+  return fmt::format("{}: message {} at offset {}", displayName(message.file), message.number, message.offset);
+}
+
+}  // namespace Editor

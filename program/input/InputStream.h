@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace Editor {
+
+struct InputMessage {
+  std::uint64_t number;     // from 1, through all files
+  const std::string& file;  // as it was named
+  std::uint64_t offset;
+  std::span<const std::uint8_t> bytes;
+};
+
+// Bytes that became no message: a run of them in no message, a message cut short, or a file that is not built as it
+// must be.
+struct InputLoss {
+  enum class Kind : std::uint8_t { realTime, loose, cutShort, brokenFile };
+
+  const std::string& file;
+  std::uint64_t offset;
+  std::uint64_t dropped;  // how many; 0 of a file's structure
+  std::string reason;
+  Kind kind;
+};
+
+// The message files of a command line, read once from the first to the last, message by message: of a stream of MIDI
+// bytes no more than one message is in memory, and one that comes through a pipe is handed on as soon as it is there.
+class InputStream {
+ public:
+  // "-" is standard input. Throws Failure (kUnusableInput) when one cannot be opened, or holds no messages; of what
+  // comes through a pipe that is known at its end.
+  explicit InputStream(const std::vector<std::string>& paths);
+  InputStream(const InputStream&) = delete;
+  InputStream& operator=(const InputStream&) = delete;
+
+  using VisitMessage = std::function<void(const InputMessage&)>;
+  using VisitLoss = std::function<void(const InputLoss&)>;
+  // Calls one of the two for each piece of the files, in their order; what it gets is valid as long as the call.
+  // Returns what proved unusable meanwhile, a text for each file. Throws what they throw, and where Ctrl-C is caught
+  // Failure (kInterrupted).
+  std::vector<std::string> read(const VisitMessage& visitMessage, const VisitLoss& visitLoss);
+
+  bool areSeveral() const { return files_.size() > 1; }
+  // Whether one of them has no end yet: a pipe, or a terminal.
+  bool isLive() const;
+  // How many bytes all have together; 0 when that is not known.
+  std::uint64_t size() const;
+
+ private:
+  struct File {
+    std::string name;
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream;
+    bool isPlain = false;  // it can be read twice
+    std::uint64_t size = 0;
+  };
+
+  static std::string judge(const File& file);
+
+  std::vector<File> files_;
+};
+
+// The name of a file for people: "standard input" for "-", without control characters.
+std::string displayName(const std::string& file);
+
+// "a.syx: message 7 at offset 1200", the beginning of every line about a message.
+std::string placeOf(const InputMessage& message);
+
+}  // namespace Editor
