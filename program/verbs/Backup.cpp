@@ -12,6 +12,7 @@
 #include "exchange/Answers.h"
 #include "input/ScratchLibrary.h"
 #include "messages/Text.h"
+#include "output/DifferenceLines.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
 #include "verbs/Verbs.h"
@@ -152,22 +153,23 @@ class BackingUp {
   }
 
   void tellWhatIsLost() {
+    compareLibraries(*editor_, proof_.editor(), Reception::ignored, [&](const Difference& lost) {
+      if (!leftOut_.contains(lost.target)) tellLoss(lost);
+    });
+  }
+
+  void tellLoss(const Difference& lost) {
     constexpr std::size_t kMostDetails = 3;
-    for (const Difference& lost : compareLibraries(*editor_, proof_.editor(), Reception::ignored)) {
-      if (leftOut_.contains(lost.target)) continue;
-      if (lost.kind != Difference::Kind::changed) {
-        complain(fmt::format("{}: not in the backup: no message carries it", lost.target));
-        continue;
-      }
-      std::vector<std::string> details = lost.details;
-      if (details.size() > kMostDetails) {
-        const std::size_t more = details.size() - kMostDetails;
-        details.resize(kMostDetails);
-        details.push_back(fmt::format("and {} more", more));
-      }
-      complain(
-          fmt::format("{}: no message carries this (here | in the backup): {}", lost.target, fmt::join(details, ", ")));
+    if (lost.kind == Difference::Kind::onlyInFirst || lost.kind == Difference::Kind::onlyInSecond)
+      return complain(fmt::format("{}: not in the backup: no message carries it", lost.target));
+    std::vector<std::string> details = detailsOf(lost);
+    if (details.size() > kMostDetails) {
+      const std::size_t more = details.size() - kMostDetails;
+      details.resize(kMostDetails);
+      details.push_back(fmt::format("and {} more", more));
     }
+    complain(
+        fmt::format("{}: no message carries this (here | in the backup): {}", lost.target, fmt::join(details, ", ")));
   }
 
   Program& program_;

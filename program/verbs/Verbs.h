@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -42,7 +43,8 @@ void remove(const Words& words, Program& program);
 // Whole libraries.
 void backup(const std::string& output, Program& program);
 void restore(const std::string& file, bool dryRun, Program& program);
-void diff(const std::string& first, const std::string& second, Program& program);
+enum class DiffForm : std::uint8_t { words, brief, json };
+void diff(const std::string& first, const std::string& second, DiffForm form, Program& program);
 
 void screen(const std::string& output, Program& program);
 
