@@ -35,6 +35,7 @@ struct Given {
   ContentsOptions contents;
   bool json = false;
   RestoreOptions restore;
+  bool brief = false;
   std::function<void()> verb;  // what to do with them
 };
 
@@ -157,7 +158,14 @@ void addDiff(CLI::App& app, Given& given, Program& program) {
       ->required()
       ->check(checkFileName);
   verb.add_option("B", given.secondFile, "The same")->required()->check(checkFileName);
-  verb.callback([&] { given.verb = [&] { diff(given.file, given.secondFile, program); }; });
+  CLI::Option* const brief = verb.add_flag("--brief", given.brief, "Which contents differ, not in what");
+  verb.add_flag("--json", given.json, "One object for each value that differs, the last one counts")->excludes(brief);
+  verb.callback([&] {
+    given.verb = [&] {
+      const DiffForm form = given.json ? DiffForm::json : given.brief ? DiffForm::brief : DiffForm::words;
+      diff(given.file, given.secondFile, form, program);
+    };
+  });
 }
 
 void addRename(CLI::App& app, Given& given, Program& program) {

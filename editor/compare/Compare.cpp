@@ -1,56 +1,59 @@
 #include "compare/Compare.h"
 
-#include <fmt/format.h>
-
 #include <map>
-#include <nlohmann/json.hpp>
 #include <set>
+#include <utility>
 
 #include "AddressRows.h"
 #include "contents/ContentFormat.h"
-#include "messages/Text.h"
-#include "models/ModelJson.h"
 
 namespace Editor {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using Kind = Difference::Kind;
+using Flags = std::map<ContentId, std::uint8_t>;
 
-void compareModels(const ModelSet& first, const ModelSet& second, std::vector<std::string>& details) {
-  const std::vector<std::string> paths = differingPaths(first, second);
-  if (paths.empty()) return;
-  const Json left = toJson(first);
-  const Json right = toJson(second);
-  for (const std::string& path : paths) {
-    const std::string value = valueAt(left, path);
-    details.push_back(value.empty() ? path : fmt::format("{}: {} | {}", path, value, valueAt(right, path)));
-  }
+// A content's name stands in two places, and whoever renames it changes both: that is told once.
+void addInnerName(Difference& difference, ParameterDifference inner) {
+  if (!difference.names.empty() && difference.names[0].a == inner.a && difference.names[0].b == inner.b)
+    difference.names[0].path = std::move(inner.path);
+  else
+    difference.names.push_back(std::move(inner));
 }
 
-void compareContents(ContentId id, const Library::Content& first, const Library::Content& second,
-                     std::vector<std::string>& details) {
-  if (first.name != second.name)
-    details.push_back(fmt::format("name: \"{}\" | \"{}\"", showName(first.name), showName(second.name)));
+void compareContents(ContentId id, Library::Content first, Library::Content second, Difference& difference) {
+  if (first.name != second.name) difference.names.push_back({"name", std::move(first.name), std::move(second.name)});
   if (first.bytes == second.bytes) return;
   ModelSet left = emptySetFor(id);
   ModelSet right = left;
   const bool haveFormat = !haveSameShape(left, ModelSet());
-  if (haveFormat && !decodeContent(first.bytes, left) && !decodeContent(second.bytes, right))
-    compareModels(left, right, details);
-  else
-    details.push_back(fmt::format("opaque bytes differ: {} | {} bytes", first.bytes.size(), second.bytes.size()));
+  if (!haveFormat || decodeContent(first.bytes, left) || decodeContent(second.bytes, right)) {
+    difference.parameters.push_back({"bytes", std::move(first.bytes), std::move(second.bytes)});
+    return;
+  }
+  const std::string namePath = namePathIn(left);
+  for (ParameterDifference& found : differencesOf(left, right)) {
+    if (found.path == namePath)
+      addInnerName(difference, std::move(found));
+    else
+      difference.parameters.push_back(std::move(found));
+  }
 }
 
-std::map<ContentId, std::uint8_t> flagsOf(Library& library) {
-  std::map<ContentId, std::uint8_t> flags;
+Flags flagsOf(Library& library) {
+  Flags flags;
   for (const auto& [id, flag] : library.favourites()) flags[id] = flag;
   return flags;
 }
 
-std::uint8_t flagOf(const std::map<ContentId, std::uint8_t>& flags, ContentId id) {
+std::uint8_t flagOf(const Flags& flags, ContentId id) {
   const auto found = flags.find(id);
   return found == flags.end() ? std::uint8_t(0) : found->second;
+}
+
+ParameterDifference favourites(std::uint8_t left, std::uint8_t right) {
+  return {"favourite", std::int64_t(left), std::int64_t(right)};
 }
 
 void ignoreReception(ModelSet& system) {
@@ -61,15 +64,16 @@ void ignoreReception(ModelSet& system) {
 
 class Comparing {
  public:
-  Comparing(EmbeddedEditor& first, EmbeddedEditor& second) : first_(first), second_(second) {}
+  Comparing(EmbeddedEditor& first, EmbeddedEditor& second, const std::function<void(const Difference&)>& visit)
+      : first_(first), second_(second), visit_(visit) {}
 
   void contents() {
     std::set<ContentId> ids;
-    const auto left = flagsOf(first_.library());
-    const auto right = flagsOf(second_.library());
+    const Flags left = flagsOf(first_.library());
+    const Flags right = flagsOf(second_.library());
     for (EmbeddedEditor* const editor : {&first_, &second_})
       for (const ContentId id : editor->library().contents()) ids.insert(id);
-    for (const auto& flags : {left, right})
+    for (const Flags& flags : {left, right})
       for (const auto& [id, flag] : flags) ids.insert(id);
     for (const ContentId id : ids) content(id, flagOf(left, id), flagOf(right, id));
   }
@@ -94,10 +98,10 @@ class Comparing {
     const std::int64_t leftMost = first_.library().mixingVoiceMaximum();
     const std::int64_t rightMost = second_.library().mixingVoiceMaximum();
     if (reception == Reception::compared && leftMost != rightMost)
-      changed("setting mixing-voices", {fmt::format("{} | {}", leftMost, rightMost)});
+      other("settings", {{"mixing-voices", leftMost, rightMost}});
   }
 
-  std::vector<Difference> differences;
+  Comparison comparison;
 
  private:
   static std::string nameOf(EditBuffer buffer, std::uint8_t part = 0) {
@@ -106,41 +110,69 @@ class Comparing {
   }
 
   void content(ContentId id, std::uint8_t leftFlag, std::uint8_t rightFlag) {
-    const std::optional<Library::Content> left = first_.library().content(id);
-    const std::optional<Library::Content> right = second_.library().content(id);
-    const std::string target = Editor::nameOf(id);
-    std::vector<std::string> details;
-    if (left && right)
-      compareContents(id, *left, *right, details);
-    else if (left)
-      differences.push_back({target, Difference::Kind::onlyInFirst, left->name, {}});
-    else if (right)
-      differences.push_back({target, Difference::Kind::onlyInSecond, right->name, {}});
-    if (leftFlag != rightFlag) details.push_back(fmt::format("favourite: {} | {}", leftFlag, rightFlag));
-    changed(target, std::move(details));
+    std::optional<Library::Content> left = first_.library().content(id);
+    std::optional<Library::Content> right = second_.library().content(id);
+    if (left && right) return inBoth(id, std::move(*left), std::move(*right), leftFlag, rightFlag);
+    if (left) onlyIn(Kind::onlyInFirst, comparison.onlyInFirst, id, std::move(left->name), leftFlag);
+    if (right) onlyIn(Kind::onlyInSecond, comparison.onlyInSecond, id, std::move(right->name), rightFlag);
+    // The flag belongs to the place. That of a content goes with it; one of an empty place stands alone.
+    const bool isWithContent = (left && rightFlag == 0) || (right && leftFlag == 0);
+    if (leftFlag != rightFlag && !isWithContent) other(Editor::nameOf(id), {favourites(leftFlag, rightFlag)});
+  }
+
+  void inBoth(ContentId id, Library::Content left, Library::Content right, std::uint8_t leftFlag,
+              std::uint8_t rightFlag) {
+    Difference difference;
+    compareContents(id, std::move(left), std::move(right), difference);
+    if (leftFlag != rightFlag) difference.parameters.push_back(favourites(leftFlag, rightFlag));
+    if (difference.names.empty() && difference.parameters.empty()) {
+      ++comparison.equal;
+      return;
+    }
+    const bool isRenamed = difference.parameters.empty();
+    ++(isRenamed ? comparison.renamed : comparison.different);
+    difference.target = Editor::nameOf(id);
+    difference.kind = isRenamed ? Kind::renamed : Kind::different;
+    difference.isContent = true;
+    visit_(difference);
+  }
+
+  void onlyIn(Kind side, std::uint64_t& count, ContentId id, std::string name, std::uint8_t flag) {
+    ++count;
+    Difference difference;
+    difference.target = Editor::nameOf(id);
+    difference.kind = side;
+    difference.isContent = true;
+    difference.name = std::move(name);
+    difference.favourite = flag;
+    visit_(difference);
   }
 
   void models(const std::string& target, const ModelSet& left, const ModelSet& right) {
-    std::vector<std::string> details;
-    if (!(left == right)) compareModels(left, right, details);
-    changed(target, std::move(details));
+    if (!(left == right)) other(target, differencesOf(left, right));
   }
 
-  void changed(const std::string& target, std::vector<std::string> details) {
-    if (!details.empty()) differences.push_back({target, Difference::Kind::changed, {}, std::move(details)});
+  void other(const std::string& target, std::vector<ParameterDifference> parameters) {
+    ++comparison.others;
+    Difference difference;
+    difference.target = target;
+    difference.parameters = std::move(parameters);
+    visit_(difference);
   }
 
   EmbeddedEditor& first_;
   EmbeddedEditor& second_;
+  const std::function<void(const Difference&)>& visit_;
 };
 
 }  // namespace
 
-std::vector<Difference> compareLibraries(EmbeddedEditor& first, EmbeddedEditor& second, Reception reception) {
-  Comparing comparing(first, second);
+Comparison compareLibraries(EmbeddedEditor& first, EmbeddedEditor& second, Reception reception,
+                            const std::function<void(const Difference&)>& visit) {
+  Comparing comparing(first, second, visit);
   comparing.contents();
   comparing.live(reception);
-  return std::move(comparing.differences);
+  return comparing.comparison;
 }
 
 }  // namespace Editor

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "midi/Counted.h"
 #include "models/Latin1.h"
 
 namespace Editor {
@@ -29,6 +30,12 @@ std::string showName(std::string_view latin1) {
     }
   }
   return safe;
+}
+
+std::string showValue(const ParameterValue& value) {
+  if (const auto* const number = std::get_if<std::int64_t>(&value)) return std::to_string(*number);
+  if (const auto* const name = std::get_if<std::string>(&value)) return fmt::format("\"{}\"", showName(*name));
+  return counted(std::get<std::vector<std::uint8_t>>(value).size(), "byte");
 }
 
 }  // namespace Editor

@@ -188,25 +188,4 @@ std::optional<std::string> parseJson(std::string_view text, Json& json) {
   return error;
 }
 
-std::string valueAt(const nlohmann::ordered_json& json, const std::string& path) {
-  std::string pointer = "/";
-  for (const char c : path)
-    if (c != ']') pointer += c == '.' || c == '[' ? '/' : c;
-  const nlohmann::ordered_json::json_pointer place(pointer);
-  if (!json.contains(place) || !json[place].is_primitive()) return "";
-  std::string safe;
-  const std::string text = json[place].dump();
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    // JSON leaves U+007F to U+009F as they are, and a terminal would obey them.
-    const bool isSecondControl = text[i] == '\xC2' && static_cast<unsigned char>(text[i + 1]) < 0xA0;
-    if (isSecondControl) ++i;
-    const auto byte = static_cast<unsigned char>(text[i]);
-    if (isSecondControl || byte == 0x7F)
-      safe.append("\\u00") += {"0123456789abcdef"[byte >> 4], "0123456789abcdef"[byte & 0x0F]};
-    else
-      safe += text[i];
-  }
-  return safe;
-}
-
 }  // namespace Editor

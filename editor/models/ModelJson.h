@@ -23,8 +23,4 @@ nlohmann::ordered_json toJson(const ModelSet& models);
 // what is wrong with the text; `json` is then untouched.
 [[nodiscard]] std::optional<std::string> parseJson(std::string_view text, nlohmann::ordered_json& json);
 
-// The value at a path as differingPaths gives it, as JSON without control characters; empty for what is more than one
-// value, or not there.
-std::string valueAt(const nlohmann::ordered_json& json, const std::string& path);
-
 }  // namespace Editor

@@ -96,19 +96,27 @@ std::vector<Field> fieldsOf(const char* key, const Model& model) {
   return fields;
 }
 
-void compare(const std::vector<Field>& left, const std::vector<Field>& right, std::vector<std::string>& paths) {
+using Differences = std::vector<ParameterDifference>;
+
+void compareFields(const Field& left, const Field& right, Differences& differences) {
+  if (left.count != right.count)
+    differences.push_back({left.path, std::int64_t(left.count), std::int64_t(right.count)});
+  if (left.name != nullptr && !(*left.name == *right.name))
+    differences.push_back({left.path, left.name->text(), right.name->text()});
+  if (left.group == nullptr) return;
+  const std::vector<std::uint16_t>& a = left.group->values();
+  const std::vector<std::uint16_t>& b = right.group->values();
+  for (std::size_t i = 0; i < a.size(); ++i)
+    if (a[i] != b[i])
+      differences.push_back({left.path + '[' + std::to_string(i) + ']', std::int64_t(a[i]), std::int64_t(b[i])});
+}
+
+void compareModels(const std::vector<Field>& left, const std::vector<Field>& right, Differences& differences) {
   std::unordered_map<std::string, const Field*> others;
   for (const Field& field : right) others.emplace(field.path, &field);
   for (const Field& field : left) {
     const auto found = others.find(field.path);
-    if (found == others.end()) continue;  // in a list that has been named already
-    const Field& other = *found->second;
-    if (field.count != other.count) paths.push_back(field.path);
-    if (field.name != nullptr && !(*field.name == *other.name)) paths.push_back(field.path);
-    if (field.group == nullptr) continue;
-    for (std::size_t i = 0; i < field.group->values().size(); ++i)
-      if (field.group->values()[i] != other.group->values()[i])
-        paths.push_back(field.path + '[' + std::to_string(i) + ']');
+    if (found != others.end()) compareFields(field, *found->second, differences);  // else its list has been named
   }
 }
 
@@ -128,15 +136,33 @@ void clearNames(ModelSet& set) {
   forEachModel(set, [&](const char* /*key*/, auto& model) { visitFields(model, clearer); });
 }
 
-std::vector<std::string> differingPaths(const ModelSet& a, const ModelSet& b) {
-  std::vector<std::string> paths;
+std::vector<ParameterDifference> differencesOf(const ModelSet& a, const ModelSet& b) {
+  Differences differences;
   forEachSlot(
       [&](const char* key, const auto& left, const auto& right) {
-        if (left.has_value() != right.has_value()) paths.emplace_back(key);
-        if (left && right) compare(fieldsOf(key, *left), fieldsOf(key, *right), paths);
+        if (left.has_value() != right.has_value())
+          differences.push_back({key, std::int64_t(left.has_value()), std::int64_t(right.has_value())});
+        if (left && right) compareModels(fieldsOf(key, *left), fieldsOf(key, *right), differences);
       },
       a, b);
+  return differences;
+}
+
+std::vector<std::string> differingPaths(const ModelSet& a, const ModelSet& b) {
+  std::vector<std::string> paths;
+  for (ParameterDifference& difference : differencesOf(a, b)) paths.push_back(std::move(difference.path));
   return paths;
+}
+
+std::string namePathIn(const ModelSet& set) {
+  const NameText* const name = findName(set);
+  if (name == nullptr) return {};
+  std::string path;
+  forEachModel(set, [&](const char* key, const auto& model) {
+    for (Field& field : fieldsOf(key, model))
+      if (field.name == name) path = std::move(field.path);
+  });
+  return path;
 }
 
 }  // namespace Editor

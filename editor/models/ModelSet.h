@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "models/ContentAddress.h"
@@ -62,8 +64,24 @@ std::string nameOf(const ModelSet& set);
 // Empties every name in a set, also those of its parts: what is left is how it sounds.
 void clearNames(ModelSet& set);
 
-// Where two sets differ, as paths: "voice.element[3].params[12]", "multi.name". What only one of them has is one path,
-// as far up as the difference lies: "voice", "voice.key".
+// A parameter or another number; a name; the bytes of what is not made of parameters.
+using ParameterValue = std::variant<std::int64_t, std::string, std::vector<std::uint8_t>>;
+
+// One place where two things differ: its path, and the value that each has there.
+struct ParameterDifference {
+  std::string path;
+  ParameterValue a;
+  ParameterValue b;
+
+  friend bool operator==(const ParameterDifference&, const ParameterDifference&) = default;
+};
+
+// Where two sets differ: "voice.element[3].params[12]", "multi.name". What only one of them has is one path, as far up
+// as the difference lies, and the values are how many each has: "voice" 1 and 0, "voice.key" 0 and 73.
+std::vector<ParameterDifference> differencesOf(const ModelSet& a, const ModelSet& b);
 std::vector<std::string> differingPaths(const ModelSet& a, const ModelSet& b);
+
+// The path of the name that nameIn finds; empty for none.
+std::string namePathIn(const ModelSet& set);
 
 }  // namespace Editor

@@ -8,7 +8,7 @@
 #include "exchange/AssistantHost.h"
 #include "exchange/Outcome.h"
 #include "messages/Messages.h"
-#include "models/ModelJson.h"
+#include "messages/Text.h"
 
 namespace Editor {
 
@@ -187,7 +187,7 @@ CarryCheck checkCarried(const Target& target, const ModelSet& models) {
     check.unchecked = "its blocks cannot be built, so it was not checked that they carry these values";
     return check;
   }
-  const std::vector<std::string> wrong = differingPaths(wanted, *arrived);
+  const std::vector<ParameterDifference> wrong = differencesOf(wanted, *arrived);
   if (wrong.empty()) return check;
 
   // A parameter that no block holds stays as it was, whatever is sent: only the others count.
@@ -204,10 +204,10 @@ CarryCheck checkCarried(const Target& target, const ModelSet& models) {
     findMoved(*arrived, otherArrived);
     findMoved(otherArrived, fresh);
   }
-  for (const std::string& path : wrong) {
-    if (!held.contains(path)) continue;
-    check.refusal = fmt::format("{}: {} cannot be carried, it would arrive as {}", path, valueAt(toJson(wanted), path),
-                                valueAt(toJson(*arrived), path));
+  for (const ParameterDifference& difference : wrong) {
+    if (!held.contains(difference.path)) continue;
+    check.refusal = fmt::format("{}: {} cannot be carried, it would arrive as {}", difference.path,
+                                showValue(difference.a), showValue(difference.b));
     return check;
   }
   return check;

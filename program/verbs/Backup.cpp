@@ -11,6 +11,7 @@
 #include "compare/Compare.h"
 #include "exchange/Answers.h"
 #include "messages/Text.h"
+#include "output/DifferenceLines.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
 #include "targets/TargetModels.h"
@@ -144,22 +145,23 @@ class BackingUp {
   }
 
   void tellWhatIsLost() {
+    compareLibraries(*editor_, proof_, Reception::ignored, [&](const Difference& lost) {
+      if (!leftOut_.contains(lost.target)) tellLoss(lost);
+    });
+  }
+
+  void tellLoss(const Difference& lost) {
     constexpr std::size_t kMostDetails = 3;
-    for (const Difference& lost : compareLibraries(*editor_, proof_, Reception::ignored)) {
-      if (leftOut_.contains(lost.target)) continue;
-      if (lost.kind != Difference::Kind::changed) {
-        complain(fmt::format("{}: not in the backup: no message carries it", lost.target));
-        continue;
-      }
-      std::vector<std::string> details = lost.details;
-      if (details.size() > kMostDetails) {
-        const std::size_t more = details.size() - kMostDetails;
-        details.resize(kMostDetails);
-        details.push_back(fmt::format("and {} more", more));
-      }
-      complain(
-          fmt::format("{}: no message carries this (here | in the backup): {}", lost.target, fmt::join(details, ", ")));
+    if (lost.kind == Difference::Kind::onlyInFirst || lost.kind == Difference::Kind::onlyInSecond)
+      return complain(fmt::format("{}: not in the backup: no message carries it", lost.target));
+    std::vector<std::string> details = detailsOf(lost);
+    if (details.size() > kMostDetails) {
+      const std::size_t more = details.size() - kMostDetails;
+      details.resize(kMostDetails);
+      details.push_back(fmt::format("and {} more", more));
     }
+    complain(
+        fmt::format("{}: no message carries this (here | in the backup): {}", lost.target, fmt::join(details, ", ")));
   }
 
   Program& program_;

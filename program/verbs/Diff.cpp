@@ -10,6 +10,7 @@
 #include "compare/Compare.h"
 #include "input/InputFile.h"
 #include "messages/Text.h"
+#include "output/DifferenceLines.h"
 #include "output/Progress.h"
 #include "verbs/Verbs.h"
 
@@ -69,9 +70,56 @@ class Side {
   std::unique_ptr<EmbeddedEditor> editor_;
 };
 
+// Says what differs, in one of three forms.
+class Telling {
+ public:
+  Telling(const std::string& firstPath, const std::string& secondPath, DiffForm form, Console& console)
+      : first_(escape(firstPath)), second_(escape(secondPath)), form_(form), console_(console) {}
+
+  void tell(const Difference& difference) const {
+    if (form_ != DiffForm::json) return tellInWords(difference);
+    for (const std::string& line : jsonOf(difference)) console_.line(line);
+  }
+
+  void summarise(const Comparison& comparison) const {
+    if (form_ == DiffForm::json) return console_.line(jsonOf(comparison));
+    std::string counts;
+    for (const auto& [count, what] : {std::pair(comparison.equal, std::string("equal")),
+                                      {comparison.different, "different"},
+                                      {comparison.onlyInFirst, "only in " + first_},
+                                      {comparison.onlyInSecond, "only in " + second_},
+                                      {comparison.renamed, "renamed"}})
+      if (count != 0) counts += fmt::format("{}{} {}", counts.empty() ? "" : ", ", count, what);
+    if (counts.empty()) counts = "none";
+    if (comparison.others != 0) counts += fmt::format("; besides contents: {} different", comparison.others);
+    console_.note(fmt::format("{}contents: {}", comparison.isEqual() ? "no difference; " : "", counts));
+  }
+
+ private:
+  void tellInWords(const Difference& difference) const {
+    const auto line = [&](const std::string& text) { console_.line(fmt::format("{}: {}", difference.target, text)); };
+    switch (difference.kind) {
+      case Difference::Kind::onlyInFirst:
+        return line(fmt::format("only in {}: {}", first_, contentOf(difference)));
+      case Difference::Kind::onlyInSecond:
+        return line(fmt::format("only in {}: {}", second_, contentOf(difference)));
+      case Difference::Kind::renamed:
+        return line("renamed: " + namesOf(difference));
+      case Difference::Kind::different:
+        if (form_ == DiffForm::brief) return line("different");
+        for (const std::string& detail : detailsOf(difference)) line(detail);
+    }
+  }
+
+  const std::string first_;
+  const std::string second_;
+  const DiffForm form_;
+  Console& console_;
+};
+
 }  // namespace
 
-void diff(const std::string& firstPath, const std::string& secondPath, Program& program) {
+void diff(const std::string& firstPath, const std::string& secondPath, DiffForm form, Program& program) {
   if (firstPath == "-" && secondPath == "-") throw Failure(kWrongUsage, "standard input cannot be both");
   for (const std::string& path : {firstPath, secondPath})
     if (path != "-" && !std::filesystem::exists(path))
@@ -88,18 +136,11 @@ void diff(const std::string& firstPath, const std::string& secondPath, Program& 
   first.editor().tools().reload();
   second.editor().tools().reload();
   const Reception reception = firstInput || secondInput ? Reception::ignored : Reception::compared;
-  const std::vector<Difference> differences = compareLibraries(first.editor(), second.editor(), reception);
-  for (const Difference& difference : differences) {
-    if (difference.kind != Difference::Kind::changed)
-      program.console.line(
-          fmt::format("{}: only in {}: \"{}\"", difference.target,
-                      escape(difference.kind == Difference::Kind::onlyInFirst ? firstPath : secondPath),
-                      showName(difference.name)));
-    for (const std::string& detail : difference.details)
-      program.console.line(fmt::format("{}: {}", difference.target, detail));
-  }
-  if (differences.empty()) return program.console.note("no difference");
-  program.refuse();
+  const Telling telling(firstPath, secondPath, form, program.console);
+  const Comparison comparison = compareLibraries(first.editor(), second.editor(), reception,
+                                                 [&](const Difference& difference) { telling.tell(difference); });
+  telling.summarise(comparison);
+  if (!comparison.isEqual()) program.refuse();
 }
 
 }  // namespace Editor

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "exchange/Answers.h"
+#include "exchange/LogLines.h"
 #include "exchange/Tally.h"
 #include "input/InputStream.h"
 #include "messages/Text.h"
@@ -152,8 +153,7 @@ class Receiving {
     }
     for (const UnitReport& unit : record.ended)
       if (isBroken(unit) || !unit.note.empty()) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
-    for (const std::string& text : record.log)
-      if (!text.empty()) console_.detail(fmt::format("    {}", escape(text.substr(0, text.find('\n')))));
+    for (const std::string& line : linesOf(record.log, record.reading)) console_.detail("    log: " + line);
     const Reading& reading = record.reading;
     if (record.outcome != Outcome::refused && reading.verdict == Reading::Verdict::fileDumpBroken)
       complain(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));

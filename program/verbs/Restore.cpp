@@ -10,6 +10,7 @@
 #include "input/InputFile.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
+#include "output/DifferenceLines.h"
 #include "output/Progress.h"
 #include "verbs/Verbs.h"
 
@@ -127,27 +128,30 @@ class Restoring {
     copy.library().copyFrom(library.library());
     const EmbeddedEditor::Run run(copy, Library::Transaction::Access::Write, devices());
     receive(copy, "dry run");
-    const std::vector<Difference> changes = compareLibraries(library, copy, Reception::ignored);
-    for (const Difference& change : changes) tell(change);
-    console_.note(changes.empty()
-                      ? "nothing would change"
-                      : counted(changes.size(), "content or setting", "contents or settings") + " would change");
+    std::uint64_t changes = 0;
+    compareLibraries(library, copy, Reception::ignored, [&](const Difference& change) {
+      ++changes;
+      tell(change);
+    });
+    console_.note(changes == 0 ? "nothing would change"
+                               : counted(changes, "content or setting", "contents or settings") + " would change");
   }
 
   void tell(const Difference& change) {
     switch (change.kind) {
       case Difference::Kind::onlyInFirst:
-        console_.line(fmt::format("would remove: {}", change.target));
-        break;
+        return console_.line(fmt::format("would remove: {}", change.target));
       case Difference::Kind::onlyInSecond:
-        console_.line(fmt::format("would store: {} \"{}\"", change.target, showName(change.name)));
-        break;
-      case Difference::Kind::changed:
-        console_.line(
-            fmt::format("would change: {} ({})", change.target, counted(change.details.size(), "difference")));
-        for (const std::string& detail : change.details) console_.detail(fmt::format("    {}", detail));
+        return console_.line(fmt::format("would store: {} {}", change.target, contentOf(change)));
+      case Difference::Kind::renamed:
+        return console_.line(fmt::format("would rename: {}: {}", change.target, namesOf(change)));
+      case Difference::Kind::different:
         break;
     }
+    const std::vector<std::string> details = detailsOf(change);
+    console_.line(fmt::format("would change: {} ({})", change.target, counted(details.size(), "difference")));
+    if (!console_.isVerbose()) return;
+    for (const std::string& detail : details) console_.line("    " + detail);  // where the line above went
   }
 
   const RestoreOptions options_;

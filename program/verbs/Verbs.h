@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -52,7 +53,8 @@ struct RestoreOptions {
   bool anyDevice = false;  // as above
 };
 void restore(const std::string& file, const RestoreOptions& options, Program& program);
-void diff(const std::string& first, const std::string& second, Program& program);
+enum class DiffForm : std::uint8_t { words, brief, json };
+void diff(const std::string& first, const std::string& second, DiffForm form, Program& program);
 
 void screen(const std::string& output, Program& program);
 

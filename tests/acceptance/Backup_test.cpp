@@ -279,3 +279,21 @@ TEST_F(Backup, aDryRunCreatesNoLibraryAndIsRefusedAsTheRestoreWouldBe) {
   EXPECT_THAT(bda({"restore", "--dry-run", "b.syx"}), Exits(3));
   EXPECT_THAT(files(), ElementsAre("a.syx", "b.syx"));
 }
+
+TEST_F(Backup, aVerboseDryRunIsOneStreamInOrder) {
+  library().store(kMulti1, Bytes{1}, "Mine");
+  library().store(kMulti2, Bytes{1}, "Old");
+  write("a.syx", {fileDump({0x0C, 0x50, 0x00}, "Yours", {1, 2}), fileDump({0x0C, 0x50, 0x01}, "New", {1}),
+                  dump(kWriteTrigger), blockDump({0x00, 0x06, 0x00}, 1)});
+  const Result run = bda({"restore", "--dry-run", "-v", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_EQ(run.out,
+            "would change: file:multi:1 (2 differences)\n"
+            "    name: \"Mine\" | \"Yours\"\n"
+            "    opaque bytes differ: 1 | 2 bytes\n"
+            "would rename: file:multi:2: \"Old\" | \"New\"\n"
+            "would change: system (2 differences)\n"
+            "    system.remote[0]: 0 | 1\n"
+            "    system.remote[1]: 0 | 1\n");
+  EXPECT_THAT(lines(run.err), ElementsAre("3 contents or settings would change"));
+}

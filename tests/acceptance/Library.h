@@ -29,3 +29,4 @@ inline Bytes fileDump(Editor::BulkAddress address, const std::string& name, cons
 inline constexpr Editor::ContentId kPresetVoice1{4, 0x3F0000};
 inline constexpr Editor::ContentId kUserVoice6{4, 0x3F0805};
 inline constexpr Editor::ContentId kMulti1{1, 0};
+inline constexpr Editor::ContentId kMulti2{1, 1};

@@ -6,6 +6,7 @@
 #include "contents/Library.h"
 
 using Editor::BulkAddress;
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -297,9 +298,19 @@ TEST_F(Receive, quietSaysOnlyWhatWentWrong) {
   EXPECT_THAT(lines(run.err), ElementsAre(HasSubstr("message 2 at offset 20: refused")));
 }
 
-TEST_F(Receive, verboseShowsTheLog) {
-  write("a.syx", {damaged(blockDump({0, 0, 0}))});
-  EXPECT_THAT(bda({"-v", "receive", "a.syx"}).err, HasSubstr("Check Sum Error!"));
+TEST_F(Receive, verboseShowsTheLogAndWhatItMeans) {
+  Bytes wrongCount = blockDump({0, 0, 0});
+  ++wrongCount[6];
+  write("a.syx", {damaged(blockDump({0, 0, 0})), wrongCount});
+  const std::vector<std::string> told = lines(bda({"-v", "receive", "a.syx"}).err);
+  EXPECT_THAT(told, Contains("a.syx: message 1 at offset 0: refused: system common: checksum wrong: checksum 3D, "
+                             "expected 3C"));
+  EXPECT_THAT(told,
+              Contains("    log: Check Sum Error!: Address=[00,00,00], Received Check Sum=[ 0x3c ], Correct Check "
+                       "Sum=[ 0x3d ] (\"received\" is what was computed, \"correct\" is what the message has)"));
+  EXPECT_THAT(told, Contains("a.syx: message 2 at offset 80: refused: system common: wrong length: 68 data bytes, its "
+                             "byte count says 69"));
+  EXPECT_THAT(told, Contains(AllOf(HasSubstr("log: Check Sum Error!"), HasSubstr("nothing was computed"))));
 }
 
 TEST_F(Receive, aLockedLibraryIsToldAndNothingIsChanged) {

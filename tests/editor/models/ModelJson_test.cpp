@@ -240,19 +240,6 @@ TEST(ModelJson, CountsTheCharactersOfANameNotTheirBytes) {
   EXPECT_EQ(models.system->quickSetup[5].name.text(), std::string(8, '\xFC'));
 }
 
-TEST(ModelJson, GivesTheValueAtAPath) {
-  ModelSet models = systemSet();
-  const std::uint16_t value = 300;
-  models.system->tune.set(&value, 0, 0);
-  ASSERT_TRUE(models.system->quickSetup[5].name.assign("\xFC\x1B\x7F\x9B\xA0"));
-  const Json json = toJson(models);
-  EXPECT_EQ(valueAt(json, "system.tune[0]"), "300");
-  EXPECT_EQ(valueAt(json, "system.quickSetup[5].name"), "\"\u00FC\\u001b\\u007f\\u009b\u00A0\"");
-  EXPECT_EQ(valueAt(json, "system.quickSetup[5]"), "");
-  EXPECT_EQ(valueAt(json, "system.quickSetup[6].name"), "");
-  EXPECT_EQ(valueAt(json, "voice"), "");
-}
-
 // ---- Text ----------------------------------------------------------------------------------------------------------
 
 TEST(ParseJson, RefusesAKeyThatOccursTwice) {

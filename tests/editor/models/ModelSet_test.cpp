@@ -9,6 +9,7 @@ namespace Editor {
 namespace {
 
 using Paths = std::vector<std::string>;
+using Differences = std::vector<ParameterDifference>;
 
 void change(ArrayGroup& group, std::uint16_t index, std::uint16_t value) { ASSERT_TRUE(group.set(&value, index, 1)); }
 
@@ -95,6 +96,32 @@ TEST(DifferingPaths, NamesWhatOnlyOneSideHas) {
   EXPECT_EQ(differingPaths(emptySetFor(1), emptySetFor(11)), Paths{"voice"});
   EXPECT_EQ(differingPaths(emptySetFor(14), emptySetFor(16)), (Paths{"master", "remote"}));
   EXPECT_EQ(differingPaths(emptySetFor(1), emptySetFor(5)), (Paths{"voice.type[0]", "voice.element", "voice.key"}));
+}
+
+TEST(DifferencesOf, HaveTheValuesOfBoth) {
+  const ModelSet a = emptySetFor(1);
+  ModelSet b = a;
+  change(b.voice->element[3].params, 12, 7);
+  b.multi->name.assign("x\xFC");
+  EXPECT_EQ(differencesOf(a, b), (Differences{{"voice.element[3].params[12]", std::int64_t(0), std::int64_t(7)},
+                                              {"multi.name", std::string(), std::string("x\xFC")}}));
+}
+
+TEST(DifferencesOf, CountWhatOnlyOneSideHas) {
+  EXPECT_EQ(differencesOf(emptySetFor(14), emptySetFor(16)),
+            (Differences{{"master", std::int64_t(1), std::int64_t(0)}, {"remote", std::int64_t(0), std::int64_t(1)}}));
+  EXPECT_EQ(differencesOf(emptySetFor(1), emptySetFor(5)),
+            (Differences{{"voice.type[0]", std::int64_t(0), std::int64_t(1)},
+                         {"voice.element", std::int64_t(8), std::int64_t(0)},
+                         {"voice.key", std::int64_t(0), std::int64_t(73)}}));
+}
+
+TEST(NamePathIn, IsThatOfTheNameThatASetIsStoredUnder) {
+  EXPECT_EQ(namePathIn(emptySetFor(1)), "voice.name");
+  EXPECT_EQ(namePathIn(emptySetFor(12)), "multi.name");
+  EXPECT_EQ(namePathIn(emptySetFor(14)), "master.name");
+  EXPECT_EQ(namePathIn(emptySetFor(16)), "remote.name1");
+  EXPECT_EQ(namePathIn(systemSet()), "");
 }
 
 RC_GTEST_PROP(DifferingPaths, AreNoneExactlyForEqualSets, ()) {

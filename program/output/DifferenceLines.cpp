@@ -1,0 +1,79 @@
+#include "output/DifferenceLines.h"
+
+#include <fmt/format.h>
+
+#include <nlohmann/json.hpp>
+
+#include "messages/Text.h"
+#include "midi/Hex.h"
+#include "models/Latin1.h"
+
+namespace Editor {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string valuesOf(const ParameterDifference& parameter) {
+  return fmt::format("{} | {}", showValue(parameter.a), showValue(parameter.b));
+}
+
+std::string lineOf(const ParameterDifference& parameter) {
+  using Bytes = std::vector<std::uint8_t>;
+  if (const auto* const bytes = std::get_if<Bytes>(&parameter.a))
+    return fmt::format("opaque bytes differ: {} | {} bytes", bytes->size(), std::get<Bytes>(parameter.b).size());
+  return fmt::format("{}: {}", parameter.path, valuesOf(parameter));
+}
+
+struct ToJson {
+  Json operator()(std::int64_t number) const { return number; }
+  Json operator()(const std::string& name) const { return latin1ToUtf8(name); }
+  Json operator()(const std::vector<std::uint8_t>& bytes) const { return formatHex(bytes); }
+};
+
+std::string toLine(const std::string& content, const Json& path, const Json& a, const Json& b) {
+  const Json line{{"content", content}, {"path", path}, {"a", a}, {"b", b}};
+  return line.dump(-1, ' ', true);  // a terminal would obey U+0080 to U+009F
+}
+
+}  // namespace
+
+std::string namesOf(const Difference& difference) {
+  std::string names = valuesOf(difference.names.front());
+  if (difference.names.size() > 1) names += fmt::format(" (inside: {})", valuesOf(difference.names.back()));
+  return names;
+}
+
+std::vector<std::string> detailsOf(const Difference& difference) {
+  std::vector<std::string> details;
+  if (!difference.names.empty()) details.push_back("name: " + namesOf(difference));
+  for (const ParameterDifference& parameter : difference.parameters) details.push_back(lineOf(parameter));
+  return details;
+}
+
+std::string contentOf(const Difference& difference) {
+  return fmt::format("\"{}\"{}", showName(difference.name), difference.favourite == 0 ? "" : ", a favourite");
+}
+
+std::vector<std::string> jsonOf(const Difference& difference) {
+  const Json name = latin1ToUtf8(difference.name);
+  if (difference.kind == Difference::Kind::onlyInFirst) return {toLine(difference.target, nullptr, name, nullptr)};
+  if (difference.kind == Difference::Kind::onlyInSecond) return {toLine(difference.target, nullptr, nullptr, name)};
+  std::vector<std::string> lines;
+  for (const auto* const group : {&difference.names, &difference.parameters})
+    for (const ParameterDifference& parameter : *group)
+      lines.push_back(toLine(difference.target, parameter.path, std::visit(ToJson(), parameter.a),
+                             std::visit(ToJson(), parameter.b)));
+  return lines;
+}
+
+std::string jsonOf(const Comparison& comparison) {
+  const Json summary{{"equal", comparison.equal},
+                     {"different", comparison.different},
+                     {"onlyA", comparison.onlyInFirst},
+                     {"onlyB", comparison.onlyInSecond},
+                     {"renamed", comparison.renamed}};
+  return Json{{"summary", summary}}.dump();
+}
+
+}  // namespace Editor

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "compare/Compare.h"
+
+namespace Editor {
+
+// What two libraries do not have in common, as lines for people or as JSON.
+
+// "\"Old\" | \"New\"", and behind it the name inside the models where that is another one.
+std::string namesOf(const Difference& difference);
+// What differs in a thing that both have, its name first, a line each: "voice.common[3]: 1 | 2", "favourite: 0 | 1".
+std::vector<std::string> detailsOf(const Difference& difference);
+// A content that only one has: "\"Piano\", a favourite".
+std::string contentOf(const Difference& difference);
+
+// One object a line: one for each detail, or the one of a content that only one has.
+std::vector<std::string> jsonOf(const Difference& difference);
+// Contents are counted, nothing else.
+std::string jsonOf(const Comparison& comparison);
+
+}  // namespace Editor
