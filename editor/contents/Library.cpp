@@ -159,6 +159,10 @@ struct Library::Database {
   static constexpr std::chrono::milliseconds kForEver{std::numeric_limits<int>::max()};  // as long as SQLite can wait
   const std::chrono::milliseconds busyTimeout;
   SQLite::Database connection;
+  // Every message is a transaction. These need nothing of the file: they can be prepared before it is looked at.
+  SQLite::Statement begin{connection, "BEGIN"};
+  SQLite::Statement beginWriting{connection, "BEGIN IMMEDIATE"};
+  SQLite::Statement commit{connection, "COMMIT"};
 
   struct Statements {
     explicit Statements(const SQLite::Database& database) : database_(database) {}
@@ -186,6 +190,7 @@ struct Library::Database {
     SQLite::Statement storeLive{database_,
                                 "INSERT INTO live(key, bytes) VALUES(?, ?) "
                                 "ON CONFLICT DO UPDATE SET bytes = excluded.bytes"};
+    SQLite::Statement dataVersion{database_, "PRAGMA data_version"};
     SQLite::Statement setting{database_, "SELECT value FROM settings WHERE name = ?"};
     SQLite::Statement set{database_,
                           "INSERT INTO settings(name, value) VALUES(?, ?) "
@@ -287,9 +292,13 @@ Library::Transaction::Transaction(Library& library, Access access)
       undo_(outer_ == 0 ? "ROLLBACK" : "ROLLBACK TO " + savepoint() + "; RELEASE " + savepoint()) {
   library.open_.reserve(outer_ + 1);
   library.run([&] {
-    SQLite::Database& connection = library.database_->connection;
-    if (outer_ > 0) requireTransaction();
-    connection.exec(outer_ > 0 ? "SAVEPOINT " + savepoint() : access == Access::Write ? "BEGIN IMMEDIATE" : "BEGIN");
+    Database& database = *library.database_;
+    if (outer_ > 0) {
+      requireTransaction();
+      database.connection.exec("SAVEPOINT " + savepoint());
+    } else {
+      Query(access == Access::Write ? database.beginWriting : database.begin).next();
+    }
   });
   library.open_.push_back(this);
 }
@@ -316,7 +325,10 @@ void Library::Transaction::commit() {
   library_.committed_.reserve(library_.committed_.size() + library_.pending_.size());  // no failure after the fact
   library_.run([&] {
     requireTransaction();
-    library_.database_->connection.exec(outer_ == 0 ? "COMMIT" : "RELEASE " + savepoint());
+    if (outer_ > 0)
+      library_.database_->connection.exec("RELEASE " + savepoint());
+    else
+      Query(library_.database_->commit).next();
   });
   open.pop_back();
   if (outer_ > 0) return;
@@ -442,6 +454,14 @@ std::vector<std::string> Library::liveKeys() {
 
 void Library::storeLive(const std::string& key, std::span<const std::uint8_t> bytes) {
   change([&] { Query(database_->statements->storeLive, key, bytes).changes(); });
+}
+
+std::int64_t Library::dataVersion() {
+  return run([&] {
+    Query query(database_->statements->dataVersion);
+    query.next();
+    return query.integer(0);
+  });
 }
 
 std::optional<std::int64_t> Library::setting(const std::string& name) {

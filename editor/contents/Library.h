@@ -134,6 +134,11 @@ class Library {
   // How many there have been since the library was opened.
   std::uint64_t changeCount() const { return changeCount_; }
 
+  // Tells states of the library apart: another number than before when another program, or another Library, has
+  // committed something meanwhile. What this one commits does not change it. Inside of a transaction it belongs to the
+  // state that the transaction sees, now and to its end.
+  std::int64_t dataVersion();
+
   // How many operations the file has failed since the library was opened.
   std::uint64_t failureCount() const { return failureCount_; }
 
