@@ -43,6 +43,10 @@ struct Database {
   bool transactionLost() const { return sqlite3_get_autocommit(connection.getHandle()) != 0; }
 
   SQLite::Database connection;
+  // Every message is a transaction. These need nothing of the file: they can be prepared before it is looked at.
+  SQLite::Statement begin{connection, "BEGIN"};
+  SQLite::Statement beginWriting{connection, "BEGIN IMMEDIATE"};
+  SQLite::Statement commit{connection, "COMMIT"};
 
   struct Statements {
     explicit Statements(const SQLite::Database& database) : database_(database) {}
@@ -70,6 +74,7 @@ struct Database {
     SQLite::Statement storeLive{database_,
                                 "INSERT INTO live(key, bytes) VALUES(?, ?) "
                                 "ON CONFLICT DO UPDATE SET bytes = excluded.bytes"};
+    SQLite::Statement dataVersion{database_, "PRAGMA data_version"};
     SQLite::Statement setting{database_, "SELECT value FROM settings WHERE name = ?"};
     SQLite::Statement set{database_,
                           "INSERT INTO settings(name, value) VALUES(?, ?) "

@@ -65,6 +65,7 @@ bool Library::lookForLibrary() {
 void Library::setDatabase(std::unique_ptr<Database> made) {
   database_ = std::move(made);
   isYetToBeMade_ = false;
+  ++databases_;
 }
 
 template <typename Operation>
@@ -85,14 +86,16 @@ Library::Transaction::Transaction(Library& library, Access access)
       undo_(outer_ == 0 ? "ROLLBACK" : "ROLLBACK TO " + savepoint() + "; RELEASE " + savepoint()) {
   library.open_.reserve(outer_ + 1);
   library.run([&] {
-    if (outer_ > 0) requireTransaction();
-    if (outer_ == 0 && library.isYetToBeMade_) {
+    if (outer_ > 0) {
+      requireTransaction();
+      library.database_->connection.exec("SAVEPOINT " + savepoint());
+      return;
+    }
+    if (library.isYetToBeMade_) {
       if (access == Access::Write) making_ = std::make_unique<LibraryMaking>(*library.place_);
       if (library.lookForLibrary()) making_.reset();
     }
-    library.database_->connection.exec(outer_ > 0                ? "SAVEPOINT " + savepoint()
-                                       : access == Access::Write ? "BEGIN IMMEDIATE"
-                                                                 : "BEGIN");
+    Query(access == Access::Write ? library.database_->beginWriting : library.database_->begin).next();
   });
   library.open_.push_back(this);
 }
@@ -119,10 +122,12 @@ void Library::Transaction::commit(Making making) {
   library_.committed_.reserve(library_.committed_.size() + library_.pending_.size());  // no failure after the fact
   library_.run([&] {
     requireTransaction();
-    if (making_ != nullptr && (making == Making::Always || library_.database_->holdsAnything()))
+    if (outer_ > 0)
+      library_.database_->connection.exec("RELEASE " + savepoint());
+    else if (making_ != nullptr && (making == Making::Always || library_.database_->holdsAnything()))
       library_.setDatabase(library_.place_->make(*library_.database_));
     else
-      library_.database_->connection.exec(outer_ == 0 ? "COMMIT" : "RELEASE " + savepoint());
+      Query(library_.database_->commit).next();
   });
   making_.reset();
   open.pop_back();
@@ -261,6 +266,14 @@ std::vector<std::string> Library::liveKeys() {
 
 void Library::storeLive(const std::string& key, std::span<const std::uint8_t> bytes) {
   change([&] { Query(database_->statements->storeLive, key, bytes).changes(); });
+}
+
+Library::Version Library::dataVersion() {
+  return read([&] {
+    Query query(database_->statements->dataVersion);
+    query.next();
+    return std::pair(databases_, query.integer(0));
+  });
 }
 
 std::optional<std::int64_t> Library::setting(const std::string& name) {

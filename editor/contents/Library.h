@@ -150,6 +150,12 @@ class Library {
   // How many there have been since the library was opened.
   std::uint64_t changeCount() const { return changeCount_; }
 
+  // Tells states of the library apart: another one than before when another program, or another Library, has
+  // committed something meanwhile. What this one commits does not change it. Inside of a transaction it belongs to the
+  // state that the transaction sees, now and to its end.
+  using Version = std::pair<std::uint32_t, std::int64_t>;
+  Version dataVersion();
+
   // How many operations the file has failed since the library was opened.
   std::uint64_t failureCount() const { return failureCount_; }
 
@@ -171,6 +177,7 @@ class Library {
   std::filesystem::path file_;
   std::unique_ptr<LibraryFile> place_;  // null: in memory for good
   std::unique_ptr<Database> database_;
+  std::uint32_t databases_ = 0;           // how many have stood here before
   bool isYetToBeMade_ = false;            // the database is one in memory until there is something to keep
   std::vector<const Transaction*> open_;  // from the outermost to the innermost
   std::vector<Change> pending_;

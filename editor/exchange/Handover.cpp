@@ -44,19 +44,23 @@ Handed Handover::handRequest(std::span<const std::uint8_t> message, BDA::DeviceP
 Handed Handover::handDump(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
                           const std::set<ContentId>& nameless) {
   const bool isTrigger = reading.role == Role::trigger;
+  EditorJobTools& tools = host_.tools();
   Handed handed;
   bool isKept = false;
+  std::uint64_t liveBefore = 0;
   try {
     Library::Transaction transaction(library_);
     const std::size_t before = library_.pendingChanges().size();
     seeWhatOthersChanged();
+    liveBefore = tools.changeCount();
     hand(handed, message, port);
     if (isTrigger) leaveNameless(before, nameless);
     isKept = isTrigger || (!hasFailed(handed) && handed.storeError.empty());
     if (isKept) {
-      saveLive(host_.tools());
+      saveLive(tools);
       // What has nothing left to wait for is on disk when it is told, also where it changed nothing.
       transaction.commit(isWhole(reading.role) ? Making::Always : Making::IfThereIsAnything);
+      rememberLive();
     }
     if (inRun_)
       handed.changes.assign(library_.pendingChanges().begin() + std::ptrdiff_t(before),
@@ -71,7 +75,10 @@ Handed Handover::handDump(const Reading& reading, std::span<const std::uint8_t> 
   }
   if (!inRun_) handed.changes = library_.takeChanges();
   handed.isKept = isKept && !inRun_;
-  if (!isKept) host_.tools().reload();
+  if (!isKept && tools.changeCount() != liveBefore) {
+    tools.reload();
+    rememberLive();
+  }
   return handed;
 }
 
@@ -86,9 +93,19 @@ void Handover::hand(Handed& handed, std::span<const std::uint8_t> message, BDA::
   if (handed.storeError.empty() && hasFailed(handed)) handed.storeError = host_.tools().lastError();
 }
 
-// Another program may have changed the live models, but not while a run holds the library.
+// Another program may have changed the live models, but not while a run holds the library; and whoever uses this editor
+// may have, with or without the library.
 void Handover::seeWhatOthersChanged() {
-  if (!inRun_) host_.tools().reload();
+  if (inRun_) return;
+  const Library::Version version = library_.dataVersion();
+  if (seen_ == Seen{version, host_.tools().changeCount()}) return;
+  host_.tools().reload();
+  seen_ = Seen{version, host_.tools().changeCount()};
+}
+
+// They are those of the state that was seen, or of what this editor made of it.
+void Handover::rememberLive() {
+  if (seen_) seen_->changes = host_.tools().changeCount();
 }
 
 // The store keeps the name of a content that is written and not named: of a dump whose name is broken, and it cannot
@@ -102,12 +119,18 @@ void Handover::leaveNameless(std::size_t firstChange, const std::set<ContentId>&
   }
 }
 
+void Handover::beginRun() {
+  inRun_ = true;
+  seen_.reset();
+}
+
 void Handover::endRun() {
   inRun_ = false;
   reloadIfPossible();
 }
 
 void Handover::reloadIfPossible() {
+  seen_.reset();
   try {
     host_.tools().reload();
   } catch (const std::exception&) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <span>
 #include <string>
@@ -23,6 +24,9 @@ struct Handed : AssistantHost::Effects {
 
 // Hands messages to the assistant, each in one transaction of the library. A message that was refused leaves no trace
 // there. The write trigger is the exception: what it could write is written, whatever became of the rest.
+//
+// The live models are read again only when they may be other than the library's. A transaction writes only what the
+// message changed: inside of a unit that is nothing, for its blocks go into the temporary model until the footer.
 class Handover {
  public:
   // All outlive this object.
@@ -34,7 +38,7 @@ class Handover {
               const std::set<ContentId>& nameless);
 
   // Between these a run's transaction, which is the caller's, is around all messages.
-  void beginRun() { inRun_ = true; }
+  void beginRun();
   void endRun();
   bool isInRun() const { return inRun_; }
 
@@ -45,12 +49,22 @@ class Handover {
   void hand(Handed& handed, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
   void seeWhatOthersChanged();
   void leaveNameless(std::size_t firstChange, const std::set<ContentId>& nameless);
+  void rememberLive();
   void reloadIfPossible();
+
+  // When the live models were those of the library: in which of its states, and at which count of their changes.
+  struct Seen {
+    Library::Version version;
+    std::uint64_t changes = 0;
+
+    friend bool operator==(const Seen&, const Seen&) = default;
+  };
 
   Library& library_;
   ContentsWork& work_;
   AssistantHost& host_;
   bool inRun_ = false;
+  std::optional<Seen> seen_;  // none: not for certain
 };
 
 // Saves the live models that were changed. Throws LibraryError.

@@ -154,12 +154,12 @@ bool EditorJobTools::playsDrums(const MultiModel& multi, std::size_t part) {
 
 // A part's voice follows the part's bank, whoever changes it.
 void EditorJobTools::BankWatcher::changed() {
-  tools->units_[kMulti].isChanged = true;
+  tools->units_[kMulti].changed();
   const bool drum = playsDrums(*tools->units_[kMulti].models.multi, part);
   Unit& unit = tools->units_[kFirstPart + part];
   if (unit.models.voice->isDrum() == drum) return;
   unit.models = freshVoice(drum);
-  unit.isChanged = true;
+  unit.changed();
   tools->watch(kFirstPart + part);
 }
 
@@ -245,6 +245,12 @@ bool EditorJobTools::save(const std::vector<Replacement>& replacements) {
     if (models[unit] != nullptr) live.push_back({units_[unit].key, models[unit]});
   }
   return live.empty() || store_.storeLive(live, error_);
+}
+
+std::uint64_t EditorJobTools::changeCount() const {
+  std::uint64_t count = 0;
+  for (const Unit& unit : units_) count += unit.changeCount;
+  return count;
 }
 
 bool EditorJobTools::saveChanged(std::vector<std::string>& saved) {

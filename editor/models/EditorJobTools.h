@@ -60,6 +60,10 @@ class EditorJobTools final : public CMA::JobTools {
   // another program changed the store. Throws LiveModelError, nothing is changed then.
   void reload();
 
+  // How often live models have got another value, whoever gave it to them, reload() too. Two equal counts: they have
+  // the same values as before, or were replaced by equal ones.
+  std::uint64_t changeCount() const;
+
   // Why the last load, store or save failed; empty when it did not.
   const std::string& lastError() const { return error_; }
   void forgetErrors() { error_.clear(); }
@@ -127,8 +131,12 @@ class EditorJobTools final : public CMA::JobTools {
     std::string key;
     ModelSet models;
     bool isChanged = false;  // since it was last saved
+    std::uint64_t changeCount = 0;
 
-    void changed() override { isChanged = true; }
+    void changed() override {
+      isChanged = true;
+      ++changeCount;
+    }
   };
 
   // Watches the bank of one part of the live multi.

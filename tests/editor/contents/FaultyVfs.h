@@ -8,6 +8,8 @@
 #include <map>
 #include <random>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Editor {
@@ -50,6 +52,8 @@ class FaultyVfs {
   void disarm() { arm(Fault::None, 0); }
   bool hasStruck() const { return fault_ != Fault::None && countdown_ <= 0; }
   int operations() const { return operations_; }
+  // The transactions that wrote something, and were committed to a write-ahead log.
+  int commits() const { return commits_; }
   // Whether files can be read.
   void setReadable(bool readable) { readable_ = readable; }
   // From now on syncs are answered but not done.
@@ -88,6 +92,13 @@ class FaultyVfs {
     std::string durable;
     std::vector<Write> pending;
   };
+
+  // In a log the header of a page that is the last of its transaction says how many pages the database then has.
+  static bool isCommit(std::string_view name, const std::string& bytes) {
+    constexpr std::size_t kHeader = 24;
+    constexpr std::size_t kPages = 4;
+    return name.ends_with("-wal") && bytes.size() == kHeader && bytes.compare(kPages, 4, std::string(4, '\0')) != 0;
+  }
 
   // SQLITE_OK, or the error that the operation has to answer.
   int operate(int error) {
@@ -136,8 +147,9 @@ class FaultyVfs {
     File& self = fileOf(file);
     if (self.name != nullptr) {
       if (const int error = current_->operate(SQLITE_IOERR_WRITE); error != SQLITE_OK) return error;
-      current_->images_[self.name].pending.push_back(
-          {std::size_t(offset), std::string(static_cast<const char*>(bytes), std::size_t(size)), false});
+      std::string written(static_cast<const char*>(bytes), std::size_t(size));
+      if (isCommit(self.name, written)) ++current_->commits_;
+      current_->images_[self.name].pending.push_back({std::size_t(offset), std::move(written), false});
     }
     return self.real()->pMethods->xWrite(self.real(), bytes, size, offset);
   }
@@ -196,6 +208,7 @@ class FaultyVfs {
   Fault fault_ = Fault::None;
   int countdown_ = 0;
   int operations_ = 0;
+  int commits_ = 0;
   bool ignoresSyncs_ = false;
   bool readable_ = true;
   std::map<std::string, Image> images_;

@@ -104,7 +104,9 @@ TEST_F(LibraryFileTest, WhatSomebodyElseHasMadeMeanwhileIsUsed) {
   Library first(file);
   Library second(file);
   EXPECT_THAT(second.contents(), IsEmpty());
+  const Library::Version before = second.dataVersion();
   first.store(kVoice, Bytes{1}, "first");
+  EXPECT_NE(second.dataVersion(), before);
   EXPECT_THAT(second.contents(), ElementsAre(kVoice));
   Library third(file, {.busyTimeout = std::chrono::milliseconds(20)});
   Library::Transaction transaction(second);

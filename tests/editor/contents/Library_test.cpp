@@ -366,8 +366,40 @@ TEST_F(LibraryTest, AReadTransactionHoldsOneState) {
   EXPECT_THAT(reader.contents(), ElementsAre(kVoice));
 }
 
+TEST_F(LibraryTest, ItsDataVersionTellsWhatOthersCommittedAndNothingElse) {
+  Library library(madeLibrary(file));
+  Library other(file);
+  constexpr std::size_t kPages = 20;  // so many that the log begins anew several times
+  for (std::uint8_t round = 1; round < 200; ++round) {
+    const Library::Version before = library.dataVersion();
+    library.store(kVoice, Bytes(kPages * 4096, round), "mine");
+    ASSERT_EQ(library.dataVersion(), before);
+    {
+      const Library::Transaction takenBack(other);
+      other.store(kMulti, Bytes(1, round), "not theirs");
+    }
+    ASSERT_EQ(library.dataVersion(), before);
+    other.store(kMulti, Bytes(1, round), "theirs");
+    ASSERT_NE(library.dataVersion(), before);
+  }
+}
+
+TEST_F(LibraryTest, ItsDataVersionIsThatOfTheStateThatATransactionSees) {
+  Library library(madeLibrary(file));
+  Library other(file);
+  const Library::Version before = library.dataVersion();
+  {
+    const Library::Transaction reading(library, Library::Transaction::Access::Read);
+    EXPECT_EQ(library.dataVersion(), before);
+    other.store(kVoice, Bytes{1}, "theirs");
+    EXPECT_EQ(library.dataVersion(), before);
+    EXPECT_FALSE(library.content(kVoice));
+  }
+  EXPECT_NE(library.dataVersion(), before);
+}
+
 TEST_F(LibraryTest, ListsCommittedChangesInOrder) {
-  Library library(file);
+  Library library(madeLibrary(file));
   library.store(kSameMixingVoice, Bytes{1}, "x");
   library.rename(kSameMixingVoice, "y");
   library.setFavourite(kSameMixingVoice, 1);

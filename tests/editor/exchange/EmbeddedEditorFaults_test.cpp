@@ -48,6 +48,14 @@ class Faults : public testing::TestWithParam<Editor::FaultyVfs::Fault> {
             editor.library().content(kVoice), editor.library().content(kMulti)};
   }
 
+  // Whatever has failed: at its next message the editor has what is in the library.
+  static void goOn(EmbeddedEditor& editor, const std::filesystem::path& file) {
+    EXPECT_EQ(editor.handle(request({0x00, 0x06, 0x00}), BDA::DevicePort_Main, 1).outcome, Outcome::answered);
+    const State now = stateOf(file);
+    EXPECT_EQ(editor.tools().liveSystem(), now.system);
+    EXPECT_EQ(editor.tools().live(Editor::EditBuffer::multi), now.multi);
+  }
+
   // Sends `before` and then `message`, whose n-th step on the disk fails, for every n.
   void failAtEveryStep(const std::vector<Bytes>& before, const Bytes& message) {
     bool struck = true;
@@ -71,6 +79,7 @@ class Faults : public testing::TestWithParam<Editor::FaultyVfs::Fault> {
         }
         struck = disk.hasStruck();
         disk.disarm();
+        goOn(editor, file);
       }
       const State now = stateOf(file);
       const bool isTold = record && (record->outcome == Outcome::stored || record->outcome == Outcome::completed);

@@ -14,6 +14,7 @@ inline Bytes dump(Editor::BulkAddress address, const Bytes& data = {}, std::uint
   Bytes message{
       0xF0,       0x7D,        device,    0x7F, 0x14, std::uint8_t(data.size() >> 7), std::uint8_t(data.size() & 0x7F),
       address.hi, address.mid, address.lo};
+  message.reserve(message.size() + data.size() + 2);
   message.insert(message.end(), data.begin(), data.end());
   unsigned sum = 0;
   for (std::size_t i = 5; i < message.size(); ++i) sum += message[i];
