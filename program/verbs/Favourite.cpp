@@ -9,16 +9,6 @@
 
 namespace Editor {
 
-namespace {
-
-// Whether a block of favourites has a place for it.
-bool canBeFavourite(ContentId id) {
-  const std::optional<BankVoice> voice = bankVoiceOf(id);
-  return voice && voice->bank != kMixingBank;
-}
-
-}  // namespace
-
 void favourite(const Words& words, Program& program) {
   const std::string value = words.empty() ? "" : words.back();
   if (words.size() < 2 || (value != "on" && value != "off"))

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "targets/TargetModels.h"
+
+namespace Editor {
+
+// What fits a place: a normal voice any place of a normal voice, wherever that is, and so on.
+enum class PlaceKind : std::uint8_t { normalVoice, drumVoice, multi, performance, master, remote, single };
+// "a normal voice"
+const char* wordsOf(PlaceKind kind);
+
+// A place of a library, and what stood in it when it was read.
+struct Place {
+  Target target;
+  std::string name;  // the same for all addresses of the place
+  PlaceKind kind = PlaceKind::normalVoice;
+  std::optional<Library::Content> holds;  // of an edit buffer its models, in our format
+  std::uint8_t flag = 0;                  // 0 where none can stand
+
+  bool isBuffer() const { return target.kind == Target::Kind::editBuffer; }
+  bool isPart() const { return isBuffer() && target.buffer == EditBuffer::partVoice; }
+  bool hasFlag() const { return !isBuffer() && canBeFavourite(target.content); }
+};
+
+// Throws LibraryError. The live models are those of the library.
+Place readPlace(EmbeddedEditor& editor, const Target& target);
+
+// What an edit buffer holds that was never stored.
+Library::Content asNew(const Place& buffer);
+
+// The models that an edit buffer gets of a content: a part takes its voice alone, the multi that it plays in stays as
+// it is. Throws TargetError (refused), which names `from`, for bytes that are none of ours.
+ModelSet modelsFor(const Place& buffer, const Library::Content& content, const Target& from);
+
+}  // namespace Editor

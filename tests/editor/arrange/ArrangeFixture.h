@@ -1,0 +1,92 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "arrange/Arrange.h"
+#include "bda/platform/CMA/VoiceBanks.h"
+#include "contents/ContentFormat.h"
+#include "targets/TargetModels.h"
+
+namespace Editor {
+
+// Two libraries in memory, whose places are named as a user names them.
+class ArrangeTest : public testing::Test {
+ protected:
+  using Kind = Arrangement::Kind;
+  using What = PlaceChange::What;
+  using Bytes = Library::Bytes;
+
+  static Target at(const std::string& place) { return parseTarget(place); }
+  static ContentId id(const std::string& place) { return parseContent(place).content; }
+
+  // Models as that place holds them, with a name and a multi that can be told from others.
+  static ModelSet models(const std::string& place, const std::string& name, std::uint8_t multi = 0) {
+    ModelSet set = freshTarget(at(place), false);
+    nameIn(set)->assign(name);
+    if (set.multi) set.multi->common.set(&multi, 3, 0);
+    return set;
+  }
+  void store(const std::string& place, const std::string& name, std::uint8_t multi = 0) {
+    storeTarget(editor, at(place), models(place, name, multi));
+  }
+  void storeOpaque(const std::string& place, const std::string& name, const Bytes& bytes) {
+    editor.library().store(id(place), bytes, name);
+  }
+  void flag(const std::string& place, std::uint8_t flag = 1) { editor.library().setFavourite(id(place), flag); }
+
+  // A part, counted from 1, plays drums from now on: its voice is fresh.
+  void makeDrums(std::uint8_t part) {
+    constexpr unsigned kUserDrums = 12;
+    const CMA::BankSelect bank = CMA::voiceBankSelTable[kUserDrums];
+    ModelSet multi = editor.tools().live(EditBuffer::multi);
+    multi.multi->part[part - 1u].bankProgram.set(&bank.msb, 0, 0);
+    multi.multi->part[part - 1u].bankProgram.set(&bank.lsb, 1, 0);
+    ASSERT_TRUE(editor.tools().replaceLive(EditBuffer::multi, 0, multi));
+  }
+
+  Arranged run(Kind kind, const std::string& from, const std::string& to) {
+    return arrange(editor, parseArrangement(kind, from, to));
+  }
+  Arranged copy(const std::string& from, const std::string& to) { return run(Kind::copy, from, to); }
+  Arranged move(const std::string& from, const std::string& to) { return run(Kind::move, from, to); }
+  Arranged swap(const std::string& from, const std::string& to) { return run(Kind::swap, from, to); }
+
+  // Why it is refused; empty: it is not.
+  std::string refusal(Kind kind, const std::string& from, const std::string& to) {
+    try {
+      run(kind, from, to);
+    } catch (const TargetError& error) {
+      EXPECT_EQ(error.kind(), TargetError::Kind::refused);
+      return error.what();
+    }
+    return {};
+  }
+
+  // What a place holds: the name in the list, or of the models in an edit buffer; "-" for nothing.
+  std::string nameAt(const std::string& place) {
+    const Target target = at(place);
+    if (target.kind == Target::Kind::editBuffer) return nameOf(loadTarget(editor, target));
+    return editor.library().contentName(target.content).value_or("-");
+  }
+  std::uint16_t multiAt(const std::string& place) { return loadTarget(editor, at(place)).multi->common.values()[3]; }
+  std::uint8_t flagAt(const std::string& place) { return editor.library().favourite(id(place)); }
+
+  static PlaceChange stored(const std::string& place, std::optional<ParameterValue> before, const std::string& after) {
+    return {place, What::stored, std::move(before), after};
+  }
+  static PlaceChange removed(const std::string& place, const std::string& before) {
+    return {place, What::removed, before, std::nullopt};
+  }
+  static PlaceChange flagged(const std::string& place, std::int64_t before, std::int64_t after) {
+    return {place, What::flagged, before, after};
+  }
+  static constexpr std::nullopt_t nothing = std::nullopt;
+
+  EmbeddedEditor editor;
+  EmbeddedEditor other;
+};
+
+}  // namespace Editor
