@@ -35,6 +35,9 @@ struct Given {
   ContentsOptions contents;
   bool json = false;
   RestoreOptions restore;
+  ChangeOptions change;
+  std::string table;
+  std::string otherLibrary;
   bool brief = false;
   std::function<void()> verb;  // what to do with them
 };
@@ -42,6 +45,7 @@ struct Given {
 // As CLI11 checks values: what is wrong with it, or nothing.
 std::string checkFileName(const std::string& name) { return name.empty() ? "an empty file name" : ""; }
 
+constexpr const char* kDryRun = "Say what would change, and change nothing";
 constexpr const char* kAnyDevice = "Take messages for other device numbers too";
 constexpr const char* kMessageFiles = "Message files, .syx or .mid by content; - is standard input";
 
@@ -50,6 +54,11 @@ CLI::Option* addWords(CLI::App& verb, const std::string& name, const std::string
   // Never gets a word: as long as a verb misses one, words that begin with - may follow its --.
   verb.add_option("LAST", given.never)->group("");
   return words;
+}
+
+void addChangeOptions(CLI::App& verb, ChangeOptions& options) {
+  verb.add_flag("--dry-run", options.dryRun, kDryRun);
+  verb.add_flag("--json", options.json, "One object for each change");
 }
 
 void addList(CLI::App& app, Given& given, Program& program) {
@@ -111,7 +120,8 @@ void addShow(CLI::App& app, Given& given, Program& program) {
 void addApply(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "apply");
   addWords(verb, "TARGET FILE", "A target as for show, and its JSON; - is standard input", given);
-  verb.callback([&] { given.verb = [&] { apply(given.words, program); }; });
+  addChangeOptions(verb, given.change);
+  verb.callback([&] { given.verb = [&] { apply(given.words, given.change, program); }; });
 }
 
 void addSettings(CLI::App& app, Given& given, Program& program) {
@@ -148,7 +158,7 @@ void addRestore(CLI::App& app, Given& given, Program& program) {
       ->required()
       ->check(checkFileName);
   verb.add_flag("--any-device", given.restore.anyDevice, kAnyDevice);
-  verb.add_flag("--dry-run", given.restore.dryRun, "Say what would change, and change nothing");
+  verb.add_flag("--dry-run", given.restore.dryRun, kDryRun);
   verb.callback([&] { given.verb = [&] { restore(given.file, given.restore, program); }; });
 }
 
@@ -170,20 +180,52 @@ void addDiff(CLI::App& app, Given& given, Program& program) {
 
 void addRename(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "rename");
-  addWords(verb, "ADDRESS NAME", "A header or file dump, and up to 20 characters of ASCII", given);
-  verb.callback([&] { given.verb = [&] { rename(given.words, program); }; });
+  CLI::Option* const words =
+      addWords(verb, "ADDRESS NAME", "A header or file dump, and up to 20 characters of ASCII", given);
+  verb.add_option("--from", given.table, "Lines of an address and a name, all of them or none; - is standard input")
+      ->type_name("TABLE")
+      ->check(checkFileName)
+      ->excludes(words->required(false));
+  addChangeOptions(verb, given.change);
+  verb.callback([&] { given.verb = [&] { rename(given.words, given.table, given.change, program); }; });
 }
 
 void addFavourite(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "favourite");
   addWords(verb, "ADDRESS on|off", "A voice or drum voice of a bank; on or off", given);
-  verb.callback([&] { given.verb = [&] { favourite(given.words, program); }; });
+  addChangeOptions(verb, given.change);
+  verb.callback([&] { given.verb = [&] { favourite(given.words, given.change, program); }; });
 }
 
 void addRemove(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "remove");
-  addWords(verb, "ADDRESS", "Headers or file dumps", given);
-  verb.callback([&] { given.verb = [&] { remove(given.words, program); }; });
+  addWords(verb, "ADDRESS", "Headers or file dumps, their banks or ranges", given);
+  addChangeOptions(verb, given.change);
+  verb.callback([&] { given.verb = [&] { remove(given.words, given.change, program); }; });
+}
+
+CLI::App& addArranging(CLI::App& verb, const char* words, Arrangement::Kind kind, Given& given, Program& program) {
+  addWords(verb, words, "Contents or edit buffers: places, ranges or banks; of the second the first place will do",
+           given);
+  addChangeOptions(verb, given.change);
+  verb.callback(
+      [&, kind] { given.verb = [&, kind] { arrange(kind, given.words, given.otherLibrary, given.change, program); }; });
+  return verb;
+}
+
+void addCopy(CLI::App& app, Given& given, Program& program) {
+  addArranging(addVerb(app, "copy"), "FROM TO", Arrangement::Kind::copy, given, program)
+      .add_option("--from-library", given.otherLibrary, "The library that FROM is in; default the same")
+      ->type_name("FILE")
+      ->check(checkFileName);
+}
+
+void addMove(CLI::App& app, Given& given, Program& program) {
+  addArranging(addVerb(app, "move"), "FROM TO", Arrangement::Kind::move, given, program);
+}
+
+void addSwap(CLI::App& app, Given& given, Program& program) {
+  addArranging(addVerb(app, "swap"), "A B", Arrangement::Kind::swap, given, program);
 }
 
 void addScreen(CLI::App& app, Given& given, Program& program) {
@@ -201,9 +243,9 @@ void addHelp(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { program.console.text(helpOf(app, given.setting)); }; });
 }
 
-constexpr std::array kVerbs{addList,      addVerify,   addReceive, addRequest, addShow, addApply,
-                            addSettings,  addContents, addBackup,  addRestore, addDiff, addRename,
-                            addFavourite, addRemove,   addScreen,  addHelp};
+constexpr std::array kVerbs{addList,     addVerify, addReceive, addRequest, addShow,   addApply,     addSettings,
+                            addContents, addBackup, addRestore, addDiff,    addRename, addFavourite, addRemove,
+                            addCopy,     addMove,   addSwap,    addScreen,  addHelp};
 
 void addCommonOptions(CLI::App& app, Program& program) {
   app.set_help_flag("-h,--help", "Say this and exit");

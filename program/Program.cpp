@@ -61,6 +61,17 @@ std::unique_ptr<EmbeddedEditor> Program::openToRead() {
   return open(file, Library::Use::memory);
 }
 
+std::unique_ptr<EmbeddedEditor> Program::openToRehearse() {
+  const std::string file = libraryFile();
+  std::unique_ptr<EmbeddedEditor> copy = open(file, Library::Use::memory);
+  if (isMissing(file)) return copy;
+  const std::unique_ptr<EmbeddedEditor> editor = openToRead(file);
+  const Library::Transaction oneState(editor->library(), Library::Transaction::Access::Read);
+  copy->library().copyFrom(editor->library());
+  copy->tools().reload();
+  return copy;
+}
+
 std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::Use use) {
   std::error_code unknown;
   const std::string nameFile = nameFileOf(file);

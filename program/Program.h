@@ -30,6 +30,12 @@ class Program {
   std::unique_ptr<EmbeddedEditor> openToRead();
   std::unique_ptr<EmbeddedEditor> openToRead(const std::string& file) { return open(file, Library::Use::read); }
 
+  // A copy of it in memory, to see what a change of it would do; empty when it does not exist. Throws the same.
+  std::unique_ptr<EmbeddedEditor> openToRehearse();
+  std::unique_ptr<EmbeddedEditor> openToChange(bool isRehearsal) {
+    return isRehearsal ? openToRehearse() : openToChange();
+  }
+
   // Something was refused or is broken: the run goes on, and ends with this.
   void refuse() {
     if (exitCode_ == kAllGood) exitCode_ = kRefused;

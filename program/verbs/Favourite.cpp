@@ -4,12 +4,12 @@
 
 #include <memory>
 
-#include "targets/Targets.h"
+#include "targets/PlaceChange.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
 
-void favourite(const Words& words, Program& program) {
+void favourite(const Words& words, const ChangeOptions& options, Program& program) {
   const std::string value = words.empty() ? "" : words.back();
   if (words.size() < 2 || (value != "on" && value != "off"))
     throw Failure(kWrongUsage, "expected an address, and on or off");
@@ -19,14 +19,18 @@ void favourite(const Words& words, Program& program) {
   if (!canBeFavourite(target.content))
     refuse(target, "only preset, GM and user voices and drum voices can be favourites");
   program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange();
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange(options.dryRun);
   Library& library = editor->library();
   Library::Transaction transaction(library);
-  const bool isOn = library.favourite(target.content) != 0;
-  if (!isOn && !library.contentName(target.content)) refuse(target, "nothing is stored there");
-  if (isOn != (value == "on")) library.setFavourite(target.content, value == "on" ? 1 : 0);
+  const std::int64_t before = library.favourite(target.content);
+  const std::int64_t after = value == "off" ? 0 : before != 0 ? before : 1;
+  if (before == 0 && !library.contentName(target.content)) refuse(target, "nothing is stored there");
+  if (before == after)
+    return program.console.note(
+        fmt::format("nothing changes: {} is {} favourite", target.name, before != 0 ? "a" : "no"));
+  library.setFavourite(target.content, std::uint8_t(after));
   transaction.commit();
-  program.console.note(fmt::format("{}: {}", target.name, value == "on" ? "is a favourite" : "is no favourite"));
+  tellChanges({{placeNameOf(target), PlaceChange::What::flagged, before, after}}, options, program.console);
 }
 
 }  // namespace Editor

@@ -1,4 +1,4 @@
-// The verb rename: a new name for a content or an edit buffer.
+// The verb rename: new names for contents and edit buffers.
 
 #include <fmt/format.h>
 
@@ -6,6 +6,8 @@
 #include <memory>
 
 #include "contents/ContentFormat.h"
+#include "input/InputStream.h"
+#include "input/RenameTable.h"
 #include "targets/TargetModels.h"
 #include "verbs/Verbs.h"
 
@@ -28,10 +30,9 @@ void checkName(const Target& target, const std::string& name, std::size_t most) 
 
 void renameContent(EmbeddedEditor& editor, const Target& target, const std::string& name) {
   constexpr std::size_t kLongest = 20;  // in the list of multi names too
-  const std::optional<Library::Content> content = editor.library().content(target.content);
-  if (!content) refuse(target, "nothing is stored there");
+  const Library::Content content = *editor.library().content(target.content);
   ModelSet models = emptySetFor(target.content);
-  if (haveSameShape(models, ModelSet()) || decodeContent(content->bytes, models)) {
+  if (haveSameShape(models, ModelSet()) || decodeContent(content.bytes, models)) {
     checkName(target, name, kLongest);
     editor.library().rename(target.content, name);
     return;
@@ -44,32 +45,60 @@ void renameContent(EmbeddedEditor& editor, const Target& target, const std::stri
     failToStore(editor.library(), failures, target, why);
 }
 
-}  // namespace
+void renameBuffer(EmbeddedEditor& editor, const Target& target, const std::string& name) {
+  ModelSet models = loadTarget(editor, target);
+  checkName(target, name, nameIn(models)->capacity());
+  nameIn(models)->assign(name);
+  storeTarget(editor, target, models);
+}
 
-void rename(const Words& words, Program& program) {
+// Inside of a transaction.
+PlaceChange renamePlace(EmbeddedEditor& editor, const Target& target, const std::string& name) {
+  if (!hasName(target)) refuse(target, "no message carries a name for it");
+  PlaceChange change{placeNameOf(target), PlaceChange::What::renamed, std::nullopt, name};
+  if (target.kind == Target::Kind::content) {
+    change.before = editor.library().contentName(target.content);
+    if (!change.before) refuse(target, "nothing is stored there");
+    renameContent(editor, target, name);
+  } else {
+    change.before = nameOf(editor.tools().live(target.buffer, target.part));
+    renameBuffer(editor, target, name);
+  }
+  return change;
+}
+
+RenameRow rowOf(const Words& words) {
   if (words.size() < 2) throw Failure(kWrongUsage, "expected an address and a name");
-  const std::string& name = words.back();
   const Words address(words.begin(), words.end() - 1);
   if (joinAddresses(address).size() > 1)
     throw Failure(kWrongUsage, "expected one address and one name: a name with blanks stands in quotes");
   const Target target = parseOneTarget(address);
   if (target.kind == Target::Kind::system || target.kind == Target::Kind::additional)
     throw Failure(kWrongUsage, fmt::format("{} has no name", target.name));
-  if (!hasName(target)) refuse(target, "no message carries a name for it");
+  return {1, target, words.back()};
+}
+
+}  // namespace
+
+void rename(const Words& words, const std::string& table, const ChangeOptions& options, Program& program) {
+  const bool isTable = !table.empty();
+  const std::vector<RenameRow> rows = isTable ? loadRenameTable(table) : std::vector<RenameRow>{rowOf(words)};
   program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange();
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange(options.dryRun);
   Library::Transaction transaction(editor->library());
-  if (target.kind == Target::Kind::content) {
-    renameContent(*editor, target, name);
-  } else {
-    editor->tools().reload();  // now that nobody changes it
-    ModelSet models = loadTarget(*editor, target);
-    checkName(target, name, nameIn(models)->capacity());
-    nameIn(models)->assign(name);
-    storeTarget(*editor, target, models);
+  editor->tools().reload();  // now that nobody changes it
+  std::vector<PlaceChange> changes;
+  for (const RenameRow& row : rows) {
+    try {
+      changes.push_back(renamePlace(*editor, row.target, row.name));
+    } catch (const TargetError& error) {
+      if (!isTable) throw;
+      throw Failure(kRefused,
+                    fmt::format("{}: line {}: {}; nothing is renamed", displayName(table), row.line, error.what()));
+    }
   }
   transaction.commit();
-  program.console.note(fmt::format("{}: renamed to \"{}\"", target.name, name));
+  tellChanges(changes, options, program.console);
 }
 
 }  // namespace Editor

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "Program.h"
+#include "arrange/Arrangement.h"
+#include "output/ChangeLines.h"
 
 namespace Editor {
 
@@ -30,7 +32,7 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
 
 // The parameters of targets, whose addresses can be three words each; apply takes one, and a file of them behind it.
 void show(const Words& words, bool json, Program& program);
-void apply(Words words, Program& program);
+void apply(Words words, const ChangeOptions& options, Program& program);
 
 // The library itself. No name: all settings; no value: what it is.
 void settings(const std::string& name, const std::optional<std::string>& value, Program& program);
@@ -41,10 +43,14 @@ struct ContentsOptions {  // one of them at most; none: a grid on a terminal, el
 };
 void contents(const Words& words, const ContentsOptions& options, Program& program);  // no words: all
 
-// Single contents: their addresses, then the new name of one, or on or off.
-void rename(const Words& words, Program& program);
-void favourite(const Words& words, Program& program);
-void remove(const Words& words, Program& program);
+// Single contents: their addresses, then the new name of one, or on or off. A table has addresses and names instead.
+void rename(const Words& words, const std::string& table, const ChangeOptions& options, Program& program);
+void favourite(const Words& words, const ChangeOptions& options, Program& program);
+void remove(const Words& words, const ChangeOptions& options, Program& program);
+
+// Copies, moves or swaps what places hold: those of one word, and where it goes. `otherLibrary` is what is copied from.
+void arrange(Arrangement::Kind kind, const Words& words, const std::string& otherLibrary, const ChangeOptions& options,
+             Program& program);
 
 // Whole libraries.
 void backup(const std::string& output, Program& program);

@@ -71,9 +71,15 @@ TEST_F(FirstDay, whatNeedsAContentIsRefusedAndMakesNone) {
                                                {"rename", "voice:edit", "Name"},
                                                {"favourite", "voice:user1:1", "on"},
                                                {"favourite", "voice:user1:1", "off"},
-                                               {"remove", "voice:user1:1"}}) {
+                                               {"remove", "voice:user1:1"},
+                                               {"move", "voice:edit", "voice:user1:1"},
+                                               {"swap", "voice:edit", "voice:user1:1"},
+                                               {"copy", "voice:user1:1", "voice:user1:2"}}) {
     EXPECT_THAT(bda(words), Exits(3)) << testing::PrintToString(words);
     EXPECT_THAT(bdaWithDefault(words), Exits(3)) << testing::PrintToString(words);
+    Words rehearsed = words;
+    rehearsed.emplace_back("--dry-run");
+    EXPECT_THAT(bda(rehearsed), Exits(3)) << testing::PrintToString(words);
   }
   EXPECT_FALSE(exists("library.db"));
   EXPECT_FALSE(exists("XDG_DATA_HOME"));
@@ -115,6 +121,7 @@ TEST_F(FirstDay, eachVerbThatStoresMakesOne) {
   for (const Words& words : std::vector<Words>{{"receive", "voice.syx"},
                                                {"restore", "voice.syx"},
                                                {"apply", "system", "system.json"},
+                                               {"copy", "voice:edit", "voice:user1:1"},
                                                {"settings", "receive-bulk", "off"}}) {
     EXPECT_THAT(bda(words), Exits(0)) << testing::PrintToString(words);
     EXPECT_TRUE(exists("library.db")) << testing::PrintToString(words);
