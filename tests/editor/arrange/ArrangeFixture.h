@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 
 #include "arrange/Arrange.h"
@@ -19,8 +20,13 @@ class ArrangeTest : public testing::Test {
   using What = PlaceChange::What;
   using Bytes = Library::Bytes;
 
-  static Target at(const std::string& place) { return parseTarget(place); }
-  static ContentId id(const std::string& place) { return parseContent(place).content; }
+  // To find a name takes its time, and tests of random changes find many.
+  static const Target& at(const std::string& place) {
+    static std::map<std::string, Target> known;
+    const auto found = known.find(place);
+    return found != known.end() ? found->second : known.emplace(place, parseTarget(place)).first->second;
+  }
+  static ContentId id(const std::string& place) { return at(place).content; }
 
   // Models as that place holds them, with a name and a multi that can be told from others.
   static ModelSet models(const std::string& place, const std::string& name, std::uint8_t multi = 0) {
@@ -56,8 +62,11 @@ class ArrangeTest : public testing::Test {
 
   // Why it is refused; empty: it is not.
   std::string refusal(Kind kind, const std::string& from, const std::string& to) {
+    return refusal(parseArrangement(kind, from, to));
+  }
+  std::string refusal(const Arrangement& arrangement) {
     try {
-      run(kind, from, to);
+      arrange(editor, arrangement);
     } catch (const TargetError& error) {
       EXPECT_EQ(error.kind(), TargetError::Kind::refused);
       return error.what();
@@ -67,7 +76,7 @@ class ArrangeTest : public testing::Test {
 
   // What a place holds: the name in the list, or of the models in an edit buffer; "-" for nothing.
   std::string nameAt(const std::string& place) {
-    const Target target = at(place);
+    const Target& target = at(place);
     if (target.kind == Target::Kind::editBuffer) return nameOf(loadTarget(editor, target));
     return editor.library().contentName(target.content).value_or("-");
   }

@@ -14,7 +14,7 @@ namespace Editor {
 namespace {
 
 using Kind = Arrangement::Kind;
-using Places = std::vector<std::string>;
+using Names = std::vector<std::string>;
 
 struct Held {
   std::string name;
@@ -57,9 +57,9 @@ const Bank& bankOf(const std::string& place) {
 bool isBuffer(const std::string& place) { return bankOf(place).what >= Bank::buffer; }
 bool isPart(const std::string& place) { return bankOf(place).what == Bank::part; }
 
-Places placesOf(const Bank& bank, int first, int count) {
+Names placesOf(const Bank& bank, int first, int count) {
   if (bank.places == 1) return {bank.name};
-  Places places;
+  Names places;
   for (int i = 0; i < count; ++i) places.push_back(bank.name + std::to_string(first + i));
   return places;
 }
@@ -69,7 +69,7 @@ class PlainRun {
  public:
   PlainRun(const State& before, Kind kind) : before_(before), after_(before), kind_(kind) {}
 
-  std::optional<State> operator()(const Places& from, const Places& to) {
+  std::optional<State> operator()(const Names& from, const Names& to) {
     bool any = false;
     for (std::size_t i = 0; i < from.size(); ++i) {
       if (!holds(from[i]) && (kind_ != Kind::swap || !holds(to[i]))) continue;
@@ -132,7 +132,11 @@ class RandomLibrary : public ArrangeTest {
   RandomLibrary() {
     editor.library().setMixingVoiceMaximum(kMixingVoices);
     editor.tools().replaceLive(EditBuffer::multi, 0, models("multi:edit", "Multi", kMultiOfParts));
-    state_ = read();
+    int number = 0;
+    for (const char* place : {"voice:user1:1", "voice:user1:2", "voice:user1:4", "voice:user1:5", "drum:user:1"})
+      fill(place, ++number);  // the fifth is opaque
+    fill("drum:user:3", 7);
+    toggle("voice:user1:2");
   }
 
   void step(const Step& step) {
@@ -140,8 +144,8 @@ class RandomLibrary : public ArrangeTest {
     const Bank& a = kBanks[firstBank];
     const Bank& b = kBanks[secondBank];
     const int count = 1 + length % std::min(a.places, b.places);
-    const Places from = placesOf(a, 1 + first % (a.places - count + 1), count);
-    const Places to = placesOf(b, 1 + second % (b.places - count + 1), count);
+    const Names from = placesOf(a, 1 + first % (a.places - count + 1), count);
+    const Names to = placesOf(b, 1 + second % (b.places - count + 1), count);
     switch (what) {
       case 0:
         return run(Kind::copy, from, to);
@@ -157,18 +161,18 @@ class RandomLibrary : public ArrangeTest {
   }
 
  private:
-  static bool overlap(const Places& a, const Places& b) {
+  static bool overlap(const Names& a, const Names& b) {
     return std::find_first_of(a.begin(), a.end(), b.begin(), b.end()) != a.end();
   }
-  static std::string rangeOf(const Places& places) {
-    if (places.size() == 1) return places.front();
-    const std::string& last = places.back();
-    return places.front() + ".." + last.substr(last.rfind(':') + 1);
+  static Places<Target> targetsOf(const Names& places) {
+    Places<Target> targets{places.front(), false, {}};
+    for (const std::string& place : places) targets.list.push_back(at(place));
+    return targets;
   }
 
-  void run(Kind kind, const Places& from, const Places& to) {
+  void run(Kind kind, const Names& from, const Names& to) {
     const std::optional<State> expected = PlainRun(state_, kind)(from, to);
-    const std::string why = refusal(kind, rangeOf(from), rangeOf(to));
+    const std::string why = refusal({kind, targetsOf(from), targetsOf(to)});
     RC_ASSERT(why.empty() == expected.has_value());
     if (expected) state_ = *expected;
     RC_ASSERT(read() == state_);
@@ -221,7 +225,7 @@ RC_GTEST_PROP(ArrangeRandom, everyPlaceHoldsWhatAPlainMapSays, ()) {
   const int banks = int(std::size(kBanks));
   const auto step = rc::gen::tuple(below(5), below(banks), below(6), below(banks), below(6), below(6), below(100));
   RandomLibrary library;
-  for (int i = 0; i < 40; ++i) library.step(*step);
+  for (int i = 0; i < 12; ++i) library.step(*step);
 }
 
 }  // namespace
