@@ -36,6 +36,9 @@ struct Given {
   bool json = false;
   RestoreOptions restore;
   bool brief = false;
+  HistoryOptions history;
+  std::optional<std::int64_t> entry;
+  UndoOptions undo;
   std::function<void()> verb;  // what to do with them
 };
 
@@ -186,6 +189,29 @@ void addRemove(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { remove(given.words, program); }; });
 }
 
+void addHistory(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "history");
+  verb.add_option("-n", given.history.most, "So many entries at most")->type_name("N")->check(CLI::PositiveNumber);
+  verb.add_flag("--json", given.history.json, "One object a line, an entry with its changes");
+  verb.callback([&] { given.verb = [&] { history(given.history, program); }; });
+}
+
+void addUndo(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "undo");
+  verb.add_option("ENTRY", given.entry, "Which; default the newest that is no undo and not undone")
+      ->check(CLI::PositiveNumber);
+  verb.add_flag("--force", given.undo.force, "Put back also what was changed since");
+  verb.add_flag("--dry-run", given.undo.dryRun, "Say what would change, and change nothing");
+  verb.add_flag("--json", given.undo.json, "One object a line, a change");
+  verb.callback([&] { given.verb = [&] { undo(given.entry, given.undo, program); }; });
+}
+
+void addCheck(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "check");
+  verb.add_flag("--json", given.json, "One object a line, for each table and each content");
+  verb.callback([&] { given.verb = [&] { check(given.json, program); }; });
+}
+
 void addScreen(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "screen");
   verb.add_option("-o,--output", given.output, "A PNG file; - is standard output")
@@ -201,9 +227,9 @@ void addHelp(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { program.console.text(helpOf(app, given.setting)); }; });
 }
 
-constexpr std::array kVerbs{addList,      addVerify,   addReceive, addRequest, addShow, addApply,
-                            addSettings,  addContents, addBackup,  addRestore, addDiff, addRename,
-                            addFavourite, addRemove,   addScreen,  addHelp};
+constexpr std::array kVerbs{addList,     addVerify, addReceive, addRequest, addShow,   addApply,     addSettings,
+                            addContents, addBackup, addRestore, addDiff,    addRename, addFavourite, addRemove,
+                            addHistory,  addUndo,   addCheck,   addScreen,  addHelp};
 
 void addCommonOptions(CLI::App& app, Program& program) {
   app.set_help_flag("-h,--help", "Say this and exit");

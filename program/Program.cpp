@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <utility>
 
 #include "input/NameFile.h"
 #include "messages/Text.h"
@@ -45,20 +46,34 @@ void Program::requireLibrary(ExitCode code) const {
   if (isMissing(file)) throw Failure(code, fmt::format("{}: there is no such library", escape(file)));
 }
 
-std::unique_ptr<EmbeddedEditor> Program::openToChange() {
+std::unique_ptr<EmbeddedEditor> Program::openToChange(LibraryRun run) {
   const std::string file = libraryFile();
   std::unique_ptr<EmbeddedEditor> editor = open(file, Library::Use::change);
+  editor->library().beginRun(std::move(run));
   if (isMissing(file)) console.note(fmt::format("{}: no library yet, the first change makes one", escape(file)));
   return editor;
 }
 
-std::unique_ptr<EmbeddedEditor> Program::openToRead() {
-  const std::string file = libraryFile();
-  if (!isMissing(file)) return open(file, Library::Use::read);
+Library::Use Program::useToRead(const std::string& file) {
+  if (!isMissing(file)) return Library::Use::read;
   const bool isNamed = !library_.empty() || !fromEnvironment(kLibraryVariable).empty();
   if (isNamed) requireLibrary(kUnusableInput);
   console.note(fmt::format("{}: there is no library yet, it is read as an empty one", escape(file)));
-  return open(file, Library::Use::memory);
+  return Library::Use::memory;
+}
+
+std::unique_ptr<EmbeddedEditor> Program::openToRead() {
+  const std::string file = libraryFile();
+  return open(file, useToRead(file));
+}
+
+std::unique_ptr<Library> Program::openLibraryToRead() {
+  const std::string file = libraryFile();
+  try {
+    return std::make_unique<Library>(file, Library::Options{.use = useToRead(file)});
+  } catch (const LibraryError& error) {
+    throw Failure(kUnusableInput, escape(error.what()));
+  }
 }
 
 std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::Use use) {

@@ -23,11 +23,13 @@ class Program {
   // The names of waveforms and arpeggios; without it the file beside the library, or else the built-in ones.
   void setNameFile(const std::string& file) { names_ = file; }
   std::string nameFileOf(const std::string& library) const { return names_.empty() ? library + ".names" : names_; }
-  // Opens it to change it; one that does not exist is made by the first change, and that is told. Throws Failure
-  // (kUnusableInput).
-  std::unique_ptr<EmbeddedEditor> openToChange();
+  // Opens it to change it; one that does not exist is made by the first change, and that is told. `run` is what the
+  // history says of the changes. Throws Failure (kUnusableInput).
+  std::unique_ptr<EmbeddedEditor> openToChange(LibraryRun run);
   // Opens it to read it, as if it were empty when it is the default one and does not exist. Throws the same.
   std::unique_ptr<EmbeddedEditor> openToRead();
+  // The same without an editor, for whom live models that cannot be read are no reason to give up.
+  std::unique_ptr<Library> openLibraryToRead();
   std::unique_ptr<EmbeddedEditor> openToRead(const std::string& file) { return open(file, Library::Use::read); }
 
   // Something was refused or is broken: the run goes on, and ends with this.
@@ -45,6 +47,7 @@ class Program {
 
  private:
   std::unique_ptr<EmbeddedEditor> open(const std::string& file, Library::Use use);
+  Library::Use useToRead(const std::string& file);
 
   std::string library_;
   std::string names_;

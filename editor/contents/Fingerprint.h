@@ -21,7 +21,8 @@ struct Fingerprint {
 
 Fingerprint fingerprintOf(ContentId id, std::span<const std::uint8_t> bytes);
 
-// The hash itself, by its published definition.
-std::uint64_t fnv1a(std::span<const std::uint8_t> bytes);
+// The hash itself, by its published definition; with what it was before, bytes that go on.
+inline constexpr std::uint64_t kFnvOffsetBasis = 0xCBF29CE484222325;
+std::uint64_t fnv1a(std::span<const std::uint8_t> bytes, std::uint64_t hash = kFnvOffsetBasis);
 
 }  // namespace Editor

@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "contents/Library.h"
+#include "contents/LibraryCopy.h"
 
 namespace Editor {
 
@@ -53,10 +54,7 @@ void createDirectories(const std::filesystem::path& directory) {
   if (directory.empty() || std::filesystem::exists(directory)) return;
   createDirectories(directory.parent_path());
   std::filesystem::create_directory(directory);
-  if (const int parent = ::open(directory.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); parent >= 0) {
-    ::fsync(parent);
-    ::close(parent);
-  }
+  syncDirectory(directory.parent_path());
 }
 
 // A path as a URI's: what would mean something there is escaped.
@@ -108,7 +106,7 @@ std::unique_ptr<Database> LibraryFile::open(const std::string& name, int flags) 
   // Again, now that no log hides anything.
   const std::int64_t version = database->integer("PRAGMA user_version");
   requireLibrary(database->integer("PRAGMA application_id"), version);
-  if (version < kLibraryVersion) throw SQLite::Exception("its version is missing", SQLITE_CORRUPT);
+  if (version < 1) throw SQLite::Exception("its version is missing", SQLITE_CORRUPT);
   return database;
 }
 
@@ -141,7 +139,7 @@ std::unique_ptr<Database> LibraryFile::make(Database& rows) const {
   SQLite::Transaction transaction(connection, SQLite::TransactionBehavior::IMMEDIATE);
   if (!database->isUnfinished()) throw SQLite::Exception("another program has made it", SQLITE_BUSY);
   database->makeTables();
-  rows.copyRowsTo(*database);
+  rows.copyRowsTo(*database, Database::Rows::all);
   transaction.commit();
   keepWriteAheadLog(*database);
   database->prepareStatements();
@@ -151,10 +149,23 @@ std::unique_ptr<Database> LibraryFile::make(Database& rows) const {
 void LibraryFile::requireLibrary(std::int64_t applicationId, std::int64_t version) const {
   if (applicationId != kApplicationId)
     throw LibraryError(LibraryError::Kind::NotALibrary, path_.string() + " is no library");
+  requireKnown(version);
+}
+
+void LibraryFile::requireKnown(std::int64_t version) const {
   if (version > kLibraryVersion)
     throw LibraryError(LibraryError::Kind::NewerVersion,
                        path_.string() + " was written by a newer version of this program (its library version is " +
                            std::to_string(version) + ", this program knows " + std::to_string(kLibraryVersion) + ")");
+}
+
+void LibraryFile::followVersion(Database& database) const {
+  requireKnown(database.version());
+  database.followVersion();
+}
+
+std::filesystem::path LibraryFile::copyOldVersion(Database& database) const {
+  return copyBeside(path_, database, busyTimeout_, vfs_);
 }
 
 // A library stays in that mode. Two that change it at once could wait for each other, so SQLite lets neither wait: that

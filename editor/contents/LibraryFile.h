@@ -8,8 +8,6 @@
 
 namespace Editor {
 
-inline constexpr std::int32_t kLibraryVersion = 1;
-
 // Where a library lies: opens the database there, or makes it. Everything here throws SQLite::Exception, and
 // LibraryError for what is no library of ours.
 class LibraryFile {
@@ -31,11 +29,18 @@ class LibraryFile {
   // at all. Whoever calls it holds a LibraryMaking since he has looked that there is none.
   std::unique_ptr<Database> make(Database& rows) const;
 
+  // To be called when a transaction that writes has begun: another program may have brought the library to another
+  // version. Throws when that is newer than ours.
+  void followVersion(Database& database) const;
+  // Leaves a copy of one of version 1 beside it; see copyBeside().
+  std::filesystem::path copyOldVersion(Database& database) const;
+
  private:
   friend class LibraryMaking;
 
   std::unique_ptr<Database> open(const std::string& name, int flags) const;
   void requireLibrary(std::int64_t applicationId, std::int64_t version) const;
+  void requireKnown(std::int64_t version) const;
   void keepWriteAheadLog(Database& database) const;
   bool canBeWritten() const;
   std::filesystem::path nearestDirectory() const;

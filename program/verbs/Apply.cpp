@@ -52,7 +52,7 @@ void apply(Words words, Program& program) {
   words.pop_back();
   const Target target = parseOneTarget(words);
   const ModelSet models = readModels(file, target);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange();
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange({"apply", {file}, {}});
   const CarryCheck check = checkCarried(target, models);
   if (!check.refusal.empty()) throw Failure(kRefused, fmt::format("{}: {}", target.name, check.refusal));
   storeTarget(*editor, target, models);

@@ -29,7 +29,7 @@ void favourite(const Words& words, Program& program) {
   if (!canBeFavourite(target.content))
     refuse(target, "only preset, GM and user voices and drum voices can be favourites");
   program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange();
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange({"favourite", {}, {}});
   Library& library = editor->library();
   Library::Transaction transaction(library);
   const bool isOn = library.favourite(target.content) != 0;

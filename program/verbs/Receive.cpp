@@ -79,7 +79,7 @@ class Receiving {
         input_(files),
         losses_(console_),
         progress_(program.console, "receive", "messages", 0, input_.size()),
-        editor_(program.openToChange()),
+        editor_(program.openToChange({"receive", files, {}})),
         trace_(options.trace) {
     if (!options.output.empty()) answers_.emplace(options.output);
     if (options.output == "-" || options.trace == "-") console_.keepOutputForBytes();

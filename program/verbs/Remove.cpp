@@ -19,7 +19,7 @@ void remove(const Words& words, Program& program) {
     if (!isTwice) targets.push_back(std::move(target));
   }
   program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange();
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange({"remove", {}, {}});
   Library::Transaction transaction(editor->library());
   for (const Target& target : targets)
     if (!editor->library().remove(target.content)) refuse(target, "nothing is stored there; nothing is removed");

@@ -57,7 +57,7 @@ void rename(const Words& words, Program& program) {
     throw Failure(kWrongUsage, fmt::format("{} has no name", target.name));
   if (!hasName(target)) refuse(target, "no message carries a name for it");
   program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange();
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange({"rename", {}, {}});
   Library::Transaction transaction(editor->library());
   if (target.kind == Target::Kind::content) {
     renameContent(*editor, target, name);

@@ -21,7 +21,8 @@ namespace {
 class Restoring {
  public:
   Restoring(const std::string& file, const RestoreOptions& options, Program& program)
-      : options_(options),
+      : file_(file),
+        options_(options),
         program_(program),
         console_(program.console),
         input_(file),
@@ -30,7 +31,7 @@ class Restoring {
   void run() {
     verify();
     if (!options_.dryRun) {
-      const std::unique_ptr<EmbeddedEditor> editor = program_.openToChange();
+      const std::unique_ptr<EmbeddedEditor> editor = program_.openToChange({"restore", {file_}, {}});
       EmbeddedEditor::Run run(*editor, Library::Transaction::Access::Write, devices());
       receive(*editor, "restore");
       run.commit();
@@ -154,6 +155,7 @@ class Restoring {
     for (const std::string& detail : details) console_.line("    " + detail);  // where the line above went
   }
 
+  const std::string file_;
   const RestoreOptions options_;
   Program& program_;
   Console& console_;

@@ -75,6 +75,18 @@ const std::array kSettings{
             [](EmbeddedEditor& editor) { return std::to_string(editor.library().mixingVoiceMaximum()); },
             [](const std::string& value) { return parseNumber(value, 0, Library::kDefaultMixingVoiceMaximum); },
             [](EmbeddedEditor& editor, std::int64_t most) { editor.library().setMixingVoiceMaximum(most); }},
+    Setting{
+        "history", "a number of entries from 1 to 100000, or off",
+        [](EmbeddedEditor& editor) -> std::string {
+          const std::int64_t most = editor.library().historyEntries();
+          return most == 0 ? "off" : std::to_string(most);
+        },
+        [](const std::string& value) { return value == "off" ? std::optional(0L) : parseNumber(value, 1, 100'000); },
+        [](EmbeddedEditor& editor, std::int64_t most) { editor.library().set(Recorder::kEntries, most); }},
+    Setting{"history-size", "a number of megabytes from 1 to 100000",
+            [](EmbeddedEditor& editor) { return std::to_string(editor.library().historyMegabytes()); },
+            [](const std::string& value) { return parseNumber(value, 1, 100'000); },
+            [](EmbeddedEditor& editor, std::int64_t most) { editor.library().set(Recorder::kMegabytes, most); }},
 };
 
 const Setting& settingNamed(const std::string& name) {
@@ -103,7 +115,7 @@ void settings(const std::string& name, const std::optional<std::string>& value, 
   if (!value) return program.console.line(setting.get(*program.openToRead()));
   const std::optional<std::int64_t> number = setting.parse(*value);
   if (!number) throw Failure(kWrongUsage, fmt::format("{}: \"{}\": expected {}", name, escape(*value), setting.values));
-  setting.set(*program.openToChange(), *number);
+  setting.set(*program.openToChange({"settings", {}, {}}), *number);
 }
 
 }  // namespace Editor

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -46,7 +47,21 @@ void rename(const Words& words, Program& program);
 void favourite(const Words& words, Program& program);
 void remove(const Words& words, Program& program);
 
+// What changed the library, and taking that back.
+struct HistoryOptions {
+  std::size_t most = std::numeric_limits<std::size_t>::max();  // entries
+  bool json = false;
+};
+void history(const HistoryOptions& options, Program& program);
+struct UndoOptions {
+  bool force = false;  // also where places changed since
+  bool dryRun = false;
+  bool json = false;
+};
+void undo(std::optional<std::int64_t> entry, const UndoOptions& options, Program& program);  // nothing: the newest
+
 // Whole libraries.
+void check(bool json, Program& program);
 void backup(const std::string& output, Program& program);
 struct RestoreOptions {
   bool dryRun = false;
