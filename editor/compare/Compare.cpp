@@ -120,8 +120,7 @@ class Comparing {
     if (leftFlag != rightFlag && !isWithContent) other(Editor::nameOf(id), {favourites(leftFlag, rightFlag)});
   }
 
-  void inBoth(ContentId id, Held left, Held right, std::uint8_t leftFlag,
-              std::uint8_t rightFlag) {
+  void inBoth(ContentId id, Held left, Held right, std::uint8_t leftFlag, std::uint8_t rightFlag) {
     Difference difference;
     compareContents(id, std::move(left), std::move(right), difference);
     if (leftFlag != rightFlag) difference.parameters.push_back(favourites(leftFlag, rightFlag));

@@ -146,11 +146,15 @@ std::vector<std::pair<std::string, std::string>> Database::checkTables() {
   SQLite::Statement names(connection, "SELECT name FROM main.sqlite_master WHERE type = 'table' ORDER BY name");
   while (names.executeStep()) {
     const std::string name = names.getColumn(0).getString();
-    SQLite::Statement check(connection, "PRAGMA main.integrity_check(" + name + ")");
     std::string wrong;
-    while (check.executeStep())
-      if (const std::string text = check.getColumn(0).getString(); text != "ok")
-        wrong += (wrong.empty() ? "" : "; ") + text;
+    const auto add = [&](const std::string& text) { wrong += (wrong.empty() ? "" : "; ") + text; };
+    try {
+      SQLite::Statement check(connection, "PRAGMA main.integrity_check(" + name + ")");
+      while (check.executeStep())
+        if (const std::string text = check.getColumn(0).getString(); text != "ok") add(text);
+    } catch (const SQLite::Exception& error) {
+      add(error.what());  // so damaged that the check gives up: the other tables are looked at all the same
+    }
     tables.emplace_back(name, wrong);
   }
   return tables;

@@ -298,7 +298,7 @@ TEST_F(OldLibrary, IsWholeInOneVersionWhenItsMigratorIsKilled) {
       Library(file).rename(kVoice, "Grand");
       ::_exit(0);
     }
-    ::usleep(useconds_t(i * 997 % 8000));
+    ::usleep(useconds_t(i * 997 % 25000));
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
     expectWhole(file, copy(), old_, "kill " + std::to_string(i));
