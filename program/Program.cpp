@@ -14,9 +14,10 @@ namespace {
 
 constexpr const char* kLibraryVariable = "BDA_LIBRARY";
 
+// What cannot be reached is not missing: to open it says why.
 bool isMissing(const std::string& file) {
   std::error_code unknown;
-  return !std::filesystem::exists(file, unknown);
+  return std::filesystem::status(file, unknown).type() == std::filesystem::file_type::not_found;
 }
 
 std::string fromEnvironment(const char* name) {
@@ -45,6 +46,8 @@ void Program::requireLibrary(ExitCode code) const {
   if (isMissing(file)) throw Failure(code, fmt::format("{}: there is no such library", escape(file)));
 }
 
+bool Program::hasLibrary() const { return !isMissing(libraryFile()); }
+
 std::unique_ptr<EmbeddedEditor> Program::openToChange() {
   const std::string file = libraryFile();
   std::unique_ptr<EmbeddedEditor> editor = open(file, Library::Use::change);
@@ -54,18 +57,25 @@ std::unique_ptr<EmbeddedEditor> Program::openToChange() {
 
 std::unique_ptr<EmbeddedEditor> Program::openToRead() {
   const std::string file = libraryFile();
-  if (!isMissing(file)) return open(file, Library::Use::read);
+  if (hasLibrary()) return openToRead(file);
   const bool isNamed = !library_.empty() || !fromEnvironment(kLibraryVariable).empty();
   if (isNamed) requireLibrary(kUnusableInput);
   console.note(fmt::format("{}: there is no library yet, it is read as an empty one", escape(file)));
   return open(file, Library::Use::memory);
 }
 
+std::unique_ptr<EmbeddedEditor> Program::openToRead(const std::string& file) {
+  std::unique_ptr<EmbeddedEditor> editor = open(file, Library::Use::read);
+  if (editor->library().isYetEmpty())
+    console.note(fmt::format("{}: there is nothing in it yet, it is read as an empty library", escape(file)));
+  return editor;
+}
+
 std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::Use use) {
   std::error_code unknown;
   const std::string nameFile = nameFileOf(file);
   std::optional<NameLists> names;
-  if (!names_.empty() || std::filesystem::exists(nameFile, unknown)) names = loadNames(nameFile);
+  if (needsNames_ && (!names_.empty() || std::filesystem::exists(nameFile, unknown))) names = loadNames(nameFile);
   try {
     auto editor = std::make_unique<EmbeddedEditor>(file, Library::Options{.use = use});
     if (names) giveNames(editor->tools(), std::move(*names), nameFile);

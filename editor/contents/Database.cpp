@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "contents/LibraryFile.h"
-
 namespace Editor {
 
 namespace {

@@ -17,6 +17,8 @@
 
 namespace Editor {
 
+inline constexpr std::int32_t kLibraryVersion = 1;
+
 // The database of a library, with the statements on its tables. Everything here throws SQLite::Exception.
 struct Database {
   static constexpr std::chrono::milliseconds kForEver{std::numeric_limits<int>::max()};  // as long as SQLite can wait
@@ -41,6 +43,13 @@ struct Database {
   void copyRowsTo(Database& other);
   // An SQLite error may have ended the transaction behind our back; what came next would then be written alone.
   bool transactionLost() const { return sqlite3_get_autocommit(connection.getHandle()) != 0; }
+
+  // Whether the file has been removed or renamed since it was opened: what is written then, nobody will find.
+  bool isFileGone() const {
+    int hasMoved = 0;
+    return sqlite3_file_control(connection.getHandle(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved) == SQLITE_OK &&
+           hasMoved != 0;
+  }
 
   SQLite::Database connection;
   // Every message is a transaction. These need nothing of the file: they can be prepared before it is looked at.

@@ -51,7 +51,6 @@ class Selection {
   std::set<std::string> live_;
 };
 
-// Those of one state of the library.
 struct Found {
   std::vector<Entry> entries;
   std::vector<Target> live;  // edit buffers, system and additional that were ever stored
@@ -60,7 +59,7 @@ struct Found {
 Found find(EmbeddedEditor& editor, const Selection& selection) {
   Library& library = editor.library();
   std::map<ContentId, Entry> entries;
-  const Library::Transaction oneState(library, Library::Transaction::Access::Read);
+  const EmbeddedEditor::View oneState(editor);
   for (const ContentId id : library.contents())
     if (selection.has(id)) entries[id] = {id, library.content(id), 0};
   for (const auto& [id, flag] : library.favourites()) {
