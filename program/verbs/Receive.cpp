@@ -13,7 +13,6 @@
 #include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
-#include "midi/MidiFile.h"
 #include "output/LossReport.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
@@ -120,19 +119,22 @@ class Receiving {
     losses_.finish();
     if (!losses_.areAllWhole()) program_.refuse();
     otherDevices_.tell(console_);
-    commit([this] {
+    output([this] {
       if (answers_ && hasAnswers_) answers_->commit();
     });
-    commit([this] { trace_.commit(); });
+    output([this] { trace_.commit(); });
     if (answers_ && !hasAnswers_) console_.note("no request was answered: nothing is written");
   }
 
-  void commit(const std::function<void()>& output) {
+  // False when it could not be written, which is told.
+  bool output(const std::function<void()>& write) {
     try {
-      output();
+      write();
+      return true;
     } catch (const Failure& failure) {
       console_.problem(fmt::format("bda: {}", failure.what()));
       program_.failOutput();
+      return false;
     }
   }
 
@@ -149,11 +151,11 @@ class Receiving {
     isPassedOn ? tally_.add(record) : tally_.addRefused();
     try {
       trace_.add({message.number, &message.file, message.offset}, port_, message.bytes, record);
+      trace_.passOn();
     } catch (const Failure& failure) {
       throw Failure(failure.code(),
                     fmt::format("{}: {}; nothing after it is handled", placeOf(message), failure.what()));
     }
-    trace_.passOn();
     for (const UnitReport& unit : record.ended)
       if (isBroken(unit) || !unit.note.empty()) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
     for (const std::string& line : linesOf(record.log, record.reading)) console_.detail("    log: " + line);
@@ -223,9 +225,12 @@ class Receiving {
     }
     console_.line(fmt::format("answered: {}, {} ({})", what, counted(record.sent.size(), "message"), placeOf(message)));
     if (!answers_) return true;
-    for (const AssistantHost::Sent& sent : record.sent) answers_->write(sent.bytes);
-    answers_->passOn();
     hasAnswers_ = true;
+    const bool isWritten = output([&] {
+      for (const AssistantHost::Sent& sent : record.sent) answers_->write(sent.bytes);
+      answers_->passOn();
+    });
+    if (!isWritten) answers_.reset();  // the run goes on: what it stores has nothing to do with that
     return true;
   }
 

@@ -338,6 +338,32 @@ TEST_F(Input, anAnswerGoesOutAsSoonAsItsRequestIsHandled) {
   EXPECT_EQ(program.end(), 0);
 }
 
+TEST_F(Input, theTraceGoesThroughAPipeLineByLine) {
+  Running program(*this, {"receive", "-", "--trace", "-"});
+  for (int number = 1; number <= 3; ++number) {
+    program.feed(blockDump({0x00, 0x40, 0x00}));
+    EXPECT_EQ(Json::parse(program.line())["message"], number);
+  }
+  EXPECT_EQ(program.end(), 0);
+}
+
+// What is stored has nothing to do with where the answers go.
+TEST_F(Input, answersThatCannotBeWrittenKeepNothingElseBack) {
+  write("both.syx", text(request({0x00, 0x40, 0x00})) + text(unit(kUserVoice6Header, BDA::List::normalVoice)));
+  Running program(*this, {"receive", "both.syx", "-o", "-"}, [] { ::dup2(::open("/dev/full", O_WRONLY), 1); });
+  EXPECT_EQ(program.end(), 1);
+  const std::vector<std::string> told = lines(read("errors"));
+  EXPECT_EQ(std::count(told.begin(), told.end(), "bda: standard output: cannot write it: No space left on device"), 1);
+  EXPECT_EQ(told.back(), "1 stored, 1 answered, 25 accepted");
+  EXPECT_THAT(bda({"contents"}).out, HasSubstr("voice:user1:6"));
+}
+
+TEST_F(Input, standardInputIsReadOnlyOnce) {
+  const Result run = bda({"receive", "-", "-"}, text(blockDump({0x00, 0x40, 0x00})));
+  EXPECT_THAT(run, Exits(1));
+  EXPECT_EQ(run.err, "bda: standard input can be read only once\n");
+}
+
 TEST_F(Input, ctrlCEndsWithTheTallyOfWhatWasStored) {
   Running program(*this, {"receive", "-"});
   program.feed(unit(kUserVoice6Header, BDA::List::normalVoice));
