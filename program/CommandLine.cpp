@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "Help.h"
+#include "VerbHelp.h"
 #include "bda/version.h"
 #include "input/FilesInUse.h"
 #include "messages/Text.h"
@@ -295,6 +296,7 @@ int run(int argc, const char* const* argv, Program& program) {
   } catch (const CLI::ParseError& error) {
     throw Failure(kWrongUsage, whyNotRead(app, error));
   }
+  if (findVerb(app.get_subcommands().front()->get_name())->heeds.names) program.needNames();
   checkOutputs(given, program, app.got_subcommand("receive"));
   given.verb();
   return program.exitCode();

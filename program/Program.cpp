@@ -15,9 +15,10 @@ namespace {
 
 constexpr const char* kLibraryVariable = "BDA_LIBRARY";
 
+// What cannot be reached is not missing: to open it says why.
 bool isMissing(const std::string& file) {
   std::error_code unknown;
-  return !std::filesystem::exists(file, unknown);
+  return std::filesystem::status(file, unknown).type() == std::filesystem::file_type::not_found;
 }
 
 std::string fromEnvironment(const char* name) {
@@ -46,6 +47,8 @@ void Program::requireLibrary(ExitCode code) const {
   if (isMissing(file)) throw Failure(code, fmt::format("{}: there is no such library", escape(file)));
 }
 
+bool Program::hasLibrary() const { return !isMissing(libraryFile()); }
+
 std::unique_ptr<EmbeddedEditor> Program::openToChange(LibraryRun run) {
   const std::string file = libraryFile();
   std::unique_ptr<EmbeddedEditor> editor = open(file, Library::Use::change);
@@ -54,23 +57,19 @@ std::unique_ptr<EmbeddedEditor> Program::openToChange(LibraryRun run) {
   return editor;
 }
 
-Library::Use Program::useToRead(const std::string& file) {
-  if (!isMissing(file)) return Library::Use::read;
+Library::Use Program::useToRead() {
+  const std::string file = libraryFile();
+  if (hasLibrary()) return Library::Use::read;
   const bool isNamed = !library_.empty() || !fromEnvironment(kLibraryVariable).empty();
   if (isNamed) requireLibrary(kUnusableInput);
   console.note(fmt::format("{}: there is no library yet, it is read as an empty one", escape(file)));
   return Library::Use::memory;
 }
 
-std::unique_ptr<EmbeddedEditor> Program::openToRead() {
-  const std::string file = libraryFile();
-  return open(file, useToRead(file));
-}
-
 std::unique_ptr<Library> Program::openLibraryToRead() {
   const std::string file = libraryFile();
   try {
-    return std::make_unique<Library>(file, Library::Options{.use = useToRead(file)});
+    return std::make_unique<Library>(file, Library::Options{.use = useToRead()});
   } catch (const LibraryError& error) {
     throw Failure(kUnusableInput, escape(error.what()));
   }
@@ -80,9 +79,11 @@ std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::
   std::error_code unknown;
   const std::string nameFile = nameFileOf(file);
   std::optional<NameLists> names;
-  if (!names_.empty() || std::filesystem::exists(nameFile, unknown)) names = loadNames(nameFile);
+  if (needsNames_ && (!names_.empty() || std::filesystem::exists(nameFile, unknown))) names = loadNames(nameFile);
   try {
     auto editor = std::make_unique<EmbeddedEditor>(file, Library::Options{.use = use});
+    if (use == Library::Use::read && editor->library().isYetEmpty())
+      console.note(fmt::format("{}: there is nothing in it yet, it is read as an empty library", escape(file)));
     if (names) giveNames(editor->tools(), std::move(*names), nameFile);
     return editor;
   } catch (const LibraryError& error) {

@@ -59,6 +59,13 @@ struct Database {
   // An SQLite error may have ended the transaction behind our back; what came next would then be written alone.
   bool transactionLost() const { return sqlite3_get_autocommit(connection.getHandle()) != 0; }
 
+  // Whether the file has been removed or renamed since it was opened: what is written then, nobody will find.
+  bool isFileGone() const {
+    int hasMoved = 0;
+    return sqlite3_file_control(connection.getHandle(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved) == SQLITE_OK &&
+           hasMoved != 0;
+  }
+
   SQLite::Database connection;
   // Every message is a transaction. These need nothing of the file: they can be prepared before it is looked at.
   SQLite::Statement begin{connection, "BEGIN"};

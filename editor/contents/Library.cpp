@@ -39,6 +39,7 @@ Library::Library(const std::filesystem::path& file, const Options& options)
     isYetToBeMade_ = options.use == Use::change;
     if (isYetToBeMade_) place_->requireRoom();
     database_ = Database::inMemory();
+    isInMemory_ = true;
   });
 }
 
@@ -75,7 +76,7 @@ bool Library::lookForLibrary() {
 
 void Library::setDatabase(std::unique_ptr<Database> made) {
   database_ = std::move(made);
-  isYetToBeMade_ = false;
+  isYetToBeMade_ = isInMemory_ = false;
   ++databases_;
 }
 
@@ -152,7 +153,9 @@ void Library::Transaction::commit(Making making) {
     if (outer_ > 0)
       library_.database_->connection.exec("RELEASE " + savepoint());
     else if (making_ != nullptr && (making == Making::Always || library_.database_->holdsAnything()))
-      library_.setDatabase(library_.place_->make(*library_.database_));
+      library_.setDatabase(making_->make(*library_.database_));
+    else if (library_.database_->isFileGone())
+      throw SQLite::Exception("somebody has removed or renamed it", SQLITE_IOERR);
     else
       Query(library_.database_->commit).next();
   });

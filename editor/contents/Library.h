@@ -180,6 +180,9 @@ class Library {
   // How many operations the file has failed since the library was opened.
   std::uint64_t failureCount() const { return failureCount_; }
 
+  // Whether there is nothing in the file yet, or no file at all.
+  bool isYetEmpty() const { return isInMemory_; }
+
   const std::filesystem::path& file() const { return file_; }
 
  private:
@@ -203,6 +206,7 @@ class Library {
   std::filesystem::path file_;
   std::unique_ptr<LibraryFile> place_;  // null: in memory for good
   std::unique_ptr<Database> database_;
+  bool isInMemory_ = false;
   std::uint32_t databases_ = 0;           // how many have stood here before
   bool isYetToBeMade_ = false;            // the database is one in memory until there is something to keep
   std::vector<const Transaction*> open_;  // from the outermost to the innermost

@@ -51,7 +51,6 @@ class Selection {
   std::set<std::string> live_;
 };
 
-// Those of one state of the library.
 struct Found {
   std::vector<Entry> entries;
   std::vector<Target> live;  // edit buffers, system and additional that were ever stored
@@ -62,7 +61,7 @@ Found find(EmbeddedEditor& editor, const Selection& selection) {
   Library& library = editor.library();
   std::map<ContentId, Entry> entries;
   Found found;
-  const Library::Transaction oneState(library, Library::Transaction::Access::Read);
+  const EmbeddedEditor::View oneState(editor);
   for (const ContentId id : library.contents()) {
     if (!selection.has(id)) continue;
     try {
