@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "Help.h"
+#include "VerbHelp.h"
 #include "bda/version.h"
 #include "input/FilesInUse.h"
 #include "messages/Text.h"
@@ -39,6 +40,9 @@ struct Given {
   std::string table;
   std::string otherLibrary;
   bool brief = false;
+  HistoryOptions history;
+  std::optional<std::int64_t> entry;
+  bool force = false;
   std::function<void()> verb;  // what to do with them
 };
 
@@ -128,7 +132,8 @@ void addSettings(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "settings");
   verb.add_option("NAME", given.setting, "Which; default all");
   verb.add_option("VALUE", given.value, "Its new value");
-  verb.callback([&] { given.verb = [&] { settings(given.setting, given.value, program); }; });
+  addChangeOptions(verb, given.change);
+  verb.callback([&] { given.verb = [&] { settings(given.setting, given.value, given.change, program); }; });
 }
 
 void addContents(CLI::App& app, Given& given, Program& program) {
@@ -158,7 +163,7 @@ void addRestore(CLI::App& app, Given& given, Program& program) {
       ->required()
       ->check(checkFileName);
   verb.add_flag("--any-device", given.restore.anyDevice, kAnyDevice);
-  verb.add_flag("--dry-run", given.restore.dryRun, kDryRun);
+  addChangeOptions(verb, given.restore);
   verb.callback([&] { given.verb = [&] { restore(given.file, given.restore, program); }; });
 }
 
@@ -228,6 +233,28 @@ void addSwap(CLI::App& app, Given& given, Program& program) {
   addArranging(addVerb(app, "swap"), "A B", Arrangement::Kind::swap, given, program);
 }
 
+void addHistory(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "history");
+  verb.add_option("-n", given.history.most, "So many entries at most")->type_name("N")->check(CLI::PositiveNumber);
+  verb.add_flag("--json", given.history.json, "One object a line, an entry with its changes");
+  verb.callback([&] { given.verb = [&] { history(given.history, program); }; });
+}
+
+void addUndo(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "undo");
+  verb.add_option("ENTRY", given.entry, "Which; default the newest that is no undo and not undone")
+      ->check(CLI::PositiveNumber);
+  verb.add_flag("--force", given.force, "Put back also what was changed since");
+  addChangeOptions(verb, given.change);
+  verb.callback([&] { given.verb = [&] { undo(given.entry, given.force, given.change, program); }; });
+}
+
+void addCheck(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "check");
+  verb.add_flag("--json", given.json, "One object a line, for each table and each content");
+  verb.callback([&] { given.verb = [&] { check(given.json, program); }; });
+}
+
 void addScreen(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "screen");
   verb.add_option("-o,--output", given.output, "A PNG file; - is standard output")
@@ -243,9 +270,10 @@ void addHelp(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { program.console.text(helpOf(app, given.setting)); }; });
 }
 
-constexpr std::array kVerbs{addList,     addVerify, addReceive, addRequest, addShow,   addApply,     addSettings,
-                            addContents, addBackup, addRestore, addDiff,    addRename, addFavourite, addRemove,
-                            addCopy,     addMove,   addSwap,    addScreen,  addHelp};
+constexpr std::array kVerbs{addList,      addVerify,   addReceive, addRequest, addShow, addApply,
+                            addSettings,  addContents, addBackup,  addRestore, addDiff, addRename,
+                            addFavourite, addRemove,   addCopy,    addMove,    addSwap, addHistory,
+                            addUndo,      addCheck,    addScreen,  addHelp};
 
 void addCommonOptions(CLI::App& app, Program& program) {
   app.set_help_flag("-h,--help", "Say this and exit");
@@ -311,6 +339,7 @@ int run(int argc, const char* const* argv, Program& program) {
   } catch (const CLI::ParseError& error) {
     throw Failure(kWrongUsage, whyNotRead(app, error));
   }
+  if (findVerb(app.get_subcommands().front()->get_name())->heeds.names) program.needNames();
   checkOutputs(given, program, app.got_subcommand("receive"));
   given.verb();
   return program.exitCode();

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <utility>
 
 #include "input/NameFile.h"
 #include "messages/Text.h"
@@ -14,9 +15,10 @@ namespace {
 
 constexpr const char* kLibraryVariable = "BDA_LIBRARY";
 
+// What cannot be reached is not missing: to open it says why.
 bool isMissing(const std::string& file) {
   std::error_code unknown;
-  return !std::filesystem::exists(file, unknown);
+  return std::filesystem::status(file, unknown).type() == std::filesystem::file_type::not_found;
 }
 
 std::string fromEnvironment(const char* name) {
@@ -45,30 +47,43 @@ void Program::requireLibrary(ExitCode code) const {
   if (isMissing(file)) throw Failure(code, fmt::format("{}: there is no such library", escape(file)));
 }
 
-std::unique_ptr<EmbeddedEditor> Program::openToChange() {
+bool Program::hasLibrary() const { return !isMissing(libraryFile()); }
+
+std::unique_ptr<EmbeddedEditor> Program::openToChange(LibraryRun run) {
   const std::string file = libraryFile();
   std::unique_ptr<EmbeddedEditor> editor = open(file, Library::Use::change);
+  editor->library().beginRun(std::move(run));
   if (isMissing(file)) console.note(fmt::format("{}: no library yet, the first change makes one", escape(file)));
   return editor;
 }
 
-std::unique_ptr<EmbeddedEditor> Program::openToRead() {
+Library::Use Program::useToRead() {
   const std::string file = libraryFile();
-  if (!isMissing(file)) return open(file, Library::Use::read);
+  if (hasLibrary()) return Library::Use::read;
   const bool isNamed = !library_.empty() || !fromEnvironment(kLibraryVariable).empty();
   if (isNamed) requireLibrary(kUnusableInput);
   console.note(fmt::format("{}: there is no library yet, it is read as an empty one", escape(file)));
-  return open(file, Library::Use::memory);
+  return Library::Use::memory;
 }
 
-std::unique_ptr<EmbeddedEditor> Program::openToRehearse() {
+std::unique_ptr<Library> Program::openLibraryToRead() {
+  const std::string file = libraryFile();
+  try {
+    return std::make_unique<Library>(file, Library::Options{.use = useToRead()});
+  } catch (const LibraryError& error) {
+    throw Failure(kUnusableInput, escape(error.what()));
+  }
+}
+
+std::unique_ptr<EmbeddedEditor> Program::openToRehearse(LibraryRun run) {
   const std::string file = libraryFile();
   std::unique_ptr<EmbeddedEditor> copy = open(file, Library::Use::memory);
-  if (isMissing(file)) return copy;
-  const std::unique_ptr<EmbeddedEditor> editor = openToRead(file);
-  const Library::Transaction oneState(editor->library(), Library::Transaction::Access::Read);
-  copy->library().copyFrom(editor->library());
-  copy->tools().reload();
+  if (!isMissing(file)) {
+    const std::unique_ptr<EmbeddedEditor> editor = openToRead(file);
+    const EmbeddedEditor::View oneState(*editor);
+    copy->library().copyFrom(editor->library());
+  }
+  copy->library().beginRun(std::move(run));
   return copy;
 }
 
@@ -76,9 +91,11 @@ std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::
   std::error_code unknown;
   const std::string nameFile = nameFileOf(file);
   std::optional<NameLists> names;
-  if (!names_.empty() || std::filesystem::exists(nameFile, unknown)) names = loadNames(nameFile);
+  if (needsNames_ && (!names_.empty() || std::filesystem::exists(nameFile, unknown))) names = loadNames(nameFile);
   try {
     auto editor = std::make_unique<EmbeddedEditor>(file, Library::Options{.use = use});
+    if (use == Library::Use::read && editor->library().isYetEmpty())
+      console.note(fmt::format("{}: there is nothing in it yet, it is read as an empty library", escape(file)));
     if (names) giveNames(editor->tools(), std::move(*names), nameFile);
     return editor;
   } catch (const LibraryError& error) {

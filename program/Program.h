@@ -20,21 +20,23 @@ class Program {
   void setLibraryFile(const std::string& file) { library_ = file; }
   // Throws Failure with that code unless there is one: for a verb that has no use for a new one.
   void requireLibrary(ExitCode code) const;
+  bool hasLibrary() const;
   // The names of waveforms and arpeggios; without it the file beside the library, or else the built-in ones.
   void setNameFile(const std::string& file) { names_ = file; }
+  // The verb has a use for them.
+  void needNames() { needsNames_ = true; }
   std::string nameFileOf(const std::string& library) const { return names_.empty() ? library + ".names" : names_; }
-  // Opens it to change it; one that does not exist is made by the first change, and that is told. Throws Failure
-  // (kUnusableInput).
-  std::unique_ptr<EmbeddedEditor> openToChange();
+  // Opens it to change it; one that does not exist is made by the first change, and that is told. `run` is what the
+  // history says of the changes. Throws Failure (kUnusableInput).
+  std::unique_ptr<EmbeddedEditor> openToChange(LibraryRun run);
   // Opens it to read it, as if it were empty when it is the default one and does not exist. Throws the same.
-  std::unique_ptr<EmbeddedEditor> openToRead();
+  std::unique_ptr<EmbeddedEditor> openToRead() { return open(libraryFile(), useToRead()); }
+  // The same without an editor, for whom live models that cannot be read are no reason to give up.
+  std::unique_ptr<Library> openLibraryToRead();
   std::unique_ptr<EmbeddedEditor> openToRead(const std::string& file) { return open(file, Library::Use::read); }
 
-  // A copy of it in memory, to see what a change of it would do; empty when it does not exist. Throws the same.
-  std::unique_ptr<EmbeddedEditor> openToRehearse();
-  std::unique_ptr<EmbeddedEditor> openToChange(bool isRehearsal) {
-    return isRehearsal ? openToRehearse() : openToChange();
-  }
+  // A copy of it in memory, to see what such a run would change; empty when it does not exist. Throws the same.
+  std::unique_ptr<EmbeddedEditor> openToRehearse(LibraryRun run);
 
   // Something was refused or is broken: the run goes on, and ends with this.
   void refuse() {
@@ -51,9 +53,11 @@ class Program {
 
  private:
   std::unique_ptr<EmbeddedEditor> open(const std::string& file, Library::Use use);
+  Library::Use useToRead();
 
   std::string library_;
   std::string names_;
+  bool needsNames_ = false;
   ExitCode exitCode_ = kAllGood;
   bool hasOutputFailed_ = false;
 };

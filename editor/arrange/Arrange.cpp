@@ -7,18 +7,17 @@
 #include <map>
 #include <optional>
 
-#include "arrange/Place.h"
+#include "arrange/ArrangedPlace.h"
 
 namespace Editor {
 
 namespace {
 
 using Kind = Arrangement::Kind;
-using What = PlaceChange::What;
 
 // A place, and what it shall hold.
-struct Slot : Place {
-  explicit Slot(Place place) : Place(std::move(place)), shallHold(holds), shallFlag(flag) {}
+struct Slot : ArrangedPlace {
+  explicit Slot(ArrangedPlace place) : ArrangedPlace(std::move(place)), shallHold(holds), shallFlag(flag) {}
 
   bool changes = false;
   std::optional<Library::Content> shallHold;
@@ -76,10 +75,8 @@ class Arranging {
   }
 
   Arranged write() {
-    const LiveSnapshot snapshot(editor_.tools());
     for (const Slot& slot : shelf_.slots())
       if (slot.changes) write(slot);
-    snapshot.addOthers(editor_.tools(), arranged_.changes);
     return std::move(arranged_);
   }
 
@@ -90,7 +87,7 @@ class Arranging {
                       fmt::format("{}{}: nothing is stored there", arrangement_.from.name, other));
   }
 
-  static void requireFit(const Place& from, const Place& to) {
+  static void requireFit(const ArrangedPlace& from, const ArrangedPlace& to) {
     if (from.kind != to.kind)
       refuse(from.target,
              fmt::format("{} does not fit {}, which takes {}", wordsOf(from.kind), to.name, wordsOf(to.kind)));
@@ -103,7 +100,7 @@ class Arranging {
     if (slot.isBuffer()) fill(slot, asNew(slot), slot);
   }
 
-  static void fill(Slot& slot, Library::Content content, const Place& from) {
+  static void fill(Slot& slot, Library::Content content, const ArrangedPlace& from) {
     if (slot.isBuffer()) {
       slot.models = modelsFor(slot, content, from.target);
       content.name = nameOf(slot.models);
@@ -111,7 +108,7 @@ class Arranging {
     slot.shallHold = std::move(content);
   }
 
-  void put(const Place& from, Slot& to) {
+  void put(const ArrangedPlace& from, Slot& to) {
     if (!from.holds) return;
     to.changes = true;
     fill(to, *from.holds, from);
@@ -140,15 +137,7 @@ class Arranging {
       library_.store(slot.target.content, slot.shallHold->bytes, slot.shallHold->name);
     else
       library_.remove(slot.target.content);
-    const auto nameIn = [](const std::optional<Library::Content>& content) {
-      return content ? std::optional<ParameterValue>(content->name) : std::nullopt;
-    };
-    if (slot.holds || slot.shallHold)
-      arranged_.changes.push_back(
-          {slot.name, slot.shallHold ? What::stored : What::removed, nameIn(slot.holds), nameIn(slot.shallHold)});
-    if (slot.flag == slot.shallFlag) return;
-    library_.setFavourite(slot.target.content, slot.shallFlag);
-    arranged_.changes.push_back({slot.name, What::flagged, std::int64_t(slot.flag), std::int64_t(slot.shallFlag)});
+    if (slot.flag != slot.shallFlag) library_.setFavourite(slot.target.content, slot.shallFlag);
   }
 
   void writeBuffer(const Slot& slot) {

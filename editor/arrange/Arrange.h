@@ -5,11 +5,10 @@
 
 #include "arrange/Arrangement.h"
 #include "exchange/EmbeddedEditor.h"
-#include "targets/PlaceChange.h"
 
 namespace Editor {
 
-// What became of an arrangement; places by their readable names.
+// What became of an arrangement beside what the library's history says; places by their readable names.
 struct Arranged {
   // Between two places, beside the changes.
   struct Note {
@@ -19,7 +18,6 @@ struct Arranged {
     friend bool operator==(const Note&, const Note&) = default;
   };
 
-  std::vector<PlaceChange> changes;  // place by place: what they hold, then their flag
   std::vector<std::string> leftOut;  // of `from`: nothing stood there, and what stood in their `to` stays
   std::vector<Note> droppedFlags;    // a favourite went where no flag can stand
   std::vector<Note> voicesAlone;     // a voice became that of a part: what else belonged to it did not go along

@@ -22,7 +22,7 @@ void addInnerName(Difference& difference, ParameterDifference inner) {
     difference.names.push_back(std::move(inner));
 }
 
-void compareContents(ContentId id, Library::Content first, Library::Content second, Difference& difference) {
+void compareContents(ContentId id, Held first, Held second, Difference& difference) {
   if (first.name != second.name) difference.names.push_back({"name", std::move(first.name), std::move(second.name)});
   if (first.bytes == second.bytes) return;
   ModelSet left = emptySetFor(id);
@@ -110,8 +110,8 @@ class Comparing {
   }
 
   void content(ContentId id, std::uint8_t leftFlag, std::uint8_t rightFlag) {
-    std::optional<Library::Content> left = first_.library().content(id);
-    std::optional<Library::Content> right = second_.library().content(id);
+    std::optional<Held> left = first_.library().held(contentAt(id));  // damaged or not: the others are compared too
+    std::optional<Held> right = second_.library().held(contentAt(id));
     if (left && right) return inBoth(id, std::move(*left), std::move(*right), leftFlag, rightFlag);
     if (left) onlyIn(Kind::onlyInFirst, comparison.onlyInFirst, id, std::move(left->name), leftFlag);
     if (right) onlyIn(Kind::onlyInSecond, comparison.onlyInSecond, id, std::move(right->name), rightFlag);
@@ -120,8 +120,7 @@ class Comparing {
     if (leftFlag != rightFlag && !isWithContent) other(Editor::nameOf(id), {favourites(leftFlag, rightFlag)});
   }
 
-  void inBoth(ContentId id, Library::Content left, Library::Content right, std::uint8_t leftFlag,
-              std::uint8_t rightFlag) {
+  void inBoth(ContentId id, Held left, Held right, std::uint8_t leftFlag, std::uint8_t rightFlag) {
     Difference difference;
     compareContents(id, std::move(left), std::move(right), difference);
     if (leftFlag != rightFlag) difference.parameters.push_back(favourites(leftFlag, rightFlag));

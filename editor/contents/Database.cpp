@@ -2,48 +2,99 @@
 
 #include <algorithm>
 
-#include "contents/LibraryFile.h"
-
 namespace Editor {
 
 namespace {
 
-// Names and bytes are blobs: text would be taken for UTF-8 and end at its first zero.
+// Names and bytes are blobs: text would be taken for UTF-8 and end at its first zero. What an entry needs of a place to
+// put it back is what it held; of what it left there a checksum is enough, to find out whether it is still there.
 constexpr const char* kTables = R"sql(
-  CREATE TABLE contents(type INTEGER NOT NULL, number INTEGER NOT NULL, name BLOB NOT NULL, bytes BLOB NOT NULL,
-                        PRIMARY KEY(type, number)) STRICT;
-  CREATE TABLE favourites(type INTEGER NOT NULL, number INTEGER NOT NULL, flag INTEGER NOT NULL,
-                          PRIMARY KEY(type, number)) STRICT, WITHOUT ROWID;
-  CREATE TABLE live(key TEXT NOT NULL PRIMARY KEY, bytes BLOB NOT NULL) STRICT;
-  CREATE TABLE settings(name TEXT NOT NULL PRIMARY KEY, value INTEGER NOT NULL) STRICT, WITHOUT ROWID;
+  CREATE TABLE content(type INTEGER NOT NULL, number INTEGER NOT NULL, name BLOB NOT NULL, bytes BLOB NOT NULL,
+                       checksum INTEGER NOT NULL, PRIMARY KEY(type, number)) STRICT;
+  CREATE TABLE favourite(type INTEGER NOT NULL, number INTEGER NOT NULL, flag INTEGER NOT NULL,
+                         PRIMARY KEY(type, number)) STRICT, WITHOUT ROWID;
+  CREATE TABLE live_model(key TEXT NOT NULL PRIMARY KEY, bytes BLOB NOT NULL, checksum INTEGER NOT NULL) STRICT;
+  CREATE TABLE setting(name TEXT NOT NULL PRIMARY KEY, value INTEGER NOT NULL) STRICT, WITHOUT ROWID;
+  CREATE TABLE entry(number INTEGER NOT NULL PRIMARY KEY, time INTEGER NOT NULL, undoes INTEGER,
+                     bytes INTEGER NOT NULL, verb TEXT NOT NULL, sources BLOB NOT NULL) STRICT;
+  CREATE TABLE change(entry INTEGER NOT NULL, kind INTEGER NOT NULL, type INTEGER NOT NULL, number INTEGER NOT NULL,
+                      key TEXT NOT NULL, what INTEGER NOT NULL, name_before BLOB, name_after BLOB,
+                      checksum_after INTEGER, held_name BLOB, held_checksum INTEGER, held_bytes BLOB,
+                      PRIMARY KEY(entry, kind, type, number, key)) STRICT;
+)sql";
+
+// The tables of version 1 as if they were those of version 2.
+constexpr const char* kViews = R"sql(
+  PRAGMA temp_store = MEMORY;
+  CREATE TEMP VIEW content AS SELECT type, number, name, bytes, checksum(name, bytes) AS checksum FROM main.contents;
+  CREATE TEMP VIEW favourite AS SELECT type, number, flag FROM main.favourites;
+  CREATE TEMP VIEW live_model AS SELECT key, bytes, checksum(x'', bytes) AS checksum FROM main.live;
+  CREATE TEMP VIEW setting AS SELECT name, value FROM main.settings;
+  CREATE TEMP VIEW entry AS SELECT 0 AS number, 0 AS time, 0 AS undoes, 0 AS bytes, '' AS verb, x'' AS sources WHERE 0;
+  CREATE TEMP VIEW change AS SELECT 0 AS entry, 0 AS kind, 0 AS type, 0 AS number, '' AS key, 0 AS what,
+    x'' AS name_before, x'' AS name_after, 0 AS checksum_after, x'' AS held_name, 0 AS held_checksum,
+    x'' AS held_bytes WHERE 0;
+)sql";
+
+constexpr const char* kDropViews = R"sql(
+  DROP VIEW temp.content; DROP VIEW temp.favourite; DROP VIEW temp.live_model; DROP VIEW temp.setting;
+  DROP VIEW temp.entry; DROP VIEW temp.change;
+)sql";
+
+constexpr const char* kMoveRows = R"sql(
+  INSERT INTO content SELECT type, number, name, bytes, checksum(name, bytes) FROM contents;
+  INSERT INTO favourite SELECT type, number, flag FROM favourites;
+  INSERT INTO live_model SELECT key, bytes, checksum(x'', bytes) FROM live;
+  INSERT INTO setting SELECT name, value FROM settings;
+  DROP TABLE contents; DROP TABLE favourites; DROP TABLE live; DROP TABLE settings;
 )sql";
 
 struct Table {
   const char* any;  // whether it has a row
   const char* all;
   const char* insert;
+  bool isHistory = false;
 };
 
 constexpr Table kRows[] = {
-    {"SELECT EXISTS(SELECT 1 FROM contents)", "SELECT type, number, name, bytes FROM contents",
-     "INSERT INTO contents(type, number, name, bytes) VALUES(?, ?, ?, ?)"},
-    {"SELECT EXISTS(SELECT 1 FROM favourites)", "SELECT type, number, flag FROM favourites",
-     "INSERT INTO favourites(type, number, flag) VALUES(?, ?, ?)"},
-    {"SELECT EXISTS(SELECT 1 FROM live)", "SELECT key, bytes FROM live", "INSERT INTO live(key, bytes) VALUES(?, ?)"},
-    {"SELECT EXISTS(SELECT 1 FROM settings)", "SELECT name, value FROM settings",
-     "INSERT INTO settings(name, value) VALUES(?, ?)"},
+    {"SELECT EXISTS(SELECT 1 FROM content)", "SELECT type, number, name, bytes, checksum FROM content",
+     "INSERT INTO content(type, number, name, bytes, checksum) VALUES(?, ?, ?, ?, ?)"},
+    {"SELECT EXISTS(SELECT 1 FROM favourite)", "SELECT type, number, flag FROM favourite",
+     "INSERT INTO favourite(type, number, flag) VALUES(?, ?, ?)"},
+    {"SELECT EXISTS(SELECT 1 FROM live_model)", "SELECT key, bytes, checksum FROM live_model",
+     "INSERT INTO live_model(key, bytes, checksum) VALUES(?, ?, ?)"},
+    {"SELECT EXISTS(SELECT 1 FROM setting)", "SELECT name, value FROM setting",
+     "INSERT INTO setting(name, value) VALUES(?, ?)"},
+    {"SELECT EXISTS(SELECT 1 FROM entry)", "SELECT number, time, undoes, bytes, verb, sources FROM entry",
+     "INSERT INTO entry(number, time, undoes, bytes, verb, sources) VALUES(?, ?, ?, ?, ?, ?)", true},
+    {"SELECT EXISTS(SELECT 1 FROM change)",
+     "SELECT entry, kind, type, number, key, what, name_before, name_after, checksum_after, held_name, held_checksum, "
+     "held_bytes FROM change",
+     "INSERT INTO change(entry, kind, type, number, key, what, name_before, name_after, checksum_after, held_name, "
+     "held_checksum, held_bytes) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
+     true},
 };
 
-// SQLite counts in int. What int cannot count is beyond SQLite's own limit of texts and blobs too, and ends like that.
-void requireCountable(std::size_t size) {
-  if (!std::in_range<int>(size)) throw SQLite::Exception("string or blob too big", SQLITE_TOOBIG);
+// checksumOf() for statements: of a name and bytes.
+void checksum(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
+  const auto bytes = [](sqlite3_value* value) {
+    const auto* const first = static_cast<const std::uint8_t*>(sqlite3_value_blob(value));
+    return std::span(first, std::size_t(sqlite3_value_bytes(value)));
+  };
+  sqlite3_result_int64(context, checksumOf(bytes(values[0]), bytes(values[1])));
 }
 
 }  // namespace
 
+void requireCountable(std::size_t size) {
+  if (!std::in_range<int>(size)) throw SQLite::Exception("string or blob too big", SQLITE_TOOBIG);
+}
+
 Database::Database(const std::string& name, int flags, std::chrono::milliseconds busyTimeout, const char* vfs)
     : connection(name.c_str(), flags, int(std::clamp(busyTimeout, std::chrono::milliseconds::zero(), kForEver).count()),
-                 vfs) {}
+                 vfs) {
+  connection.createFunction("checksum", 2, true, nullptr, checksum);
+}
 
 std::unique_ptr<Database> Database::inMemory() {
   constexpr const char* kNoFile = ":memory:";
@@ -53,6 +104,12 @@ std::unique_ptr<Database> Database::inMemory() {
   return database;
 }
 
+std::int64_t Database::version() {
+  Query query(userVersion);
+  query.next();
+  return query.integer(0);
+}
+
 void Database::makeTables() {
   connection.exec(kTables);
   connection.exec("PRAGMA user_version = " + std::to_string(kLibraryVersion));
@@ -60,11 +117,47 @@ void Database::makeTables() {
 
 void Database::prepareStatements() {
   try {
-    statements.emplace(connection);
+    hasViews_ = version() < kLibraryVersion;
+    if (hasViews_) connection.exec(kViews);
+    reading.emplace(connection);
+    if (!hasViews_) writing.emplace(connection);
   } catch (const SQLite::Exception& error) {
     if (error.getErrorCode() != SQLITE_ERROR) throw;
     throw SQLite::Exception(error.what(), SQLITE_CORRUPT);  // a table or a column is missing
   }
+}
+
+// What is prepared is prepared anew by SQLite when the tables are others, and when a transaction brings the views back.
+void Database::followVersion() {
+  if (!hasViews_ || version() < kLibraryVersion) return;
+  if (integer("SELECT count(*) FROM temp.sqlite_master") != 0) connection.exec(kDropViews);
+  if (!writing) writing.emplace(connection);
+}
+
+void Database::migrate() {
+  connection.exec(kDropViews);
+  makeTables();
+  connection.exec(kMoveRows);
+  if (!writing) writing.emplace(connection);
+}
+
+std::vector<std::pair<std::string, std::string>> Database::checkTables() {
+  std::vector<std::pair<std::string, std::string>> tables;
+  SQLite::Statement names(connection, "SELECT name FROM main.sqlite_master WHERE type = 'table' ORDER BY name");
+  while (names.executeStep()) {
+    const std::string name = names.getColumn(0).getString();
+    std::string wrong;
+    const auto add = [&](const std::string& text) { wrong += (wrong.empty() ? "" : "; ") + text; };
+    try {
+      SQLite::Statement check(connection, "PRAGMA main.integrity_check(" + name + ")");
+      while (check.executeStep())
+        if (const std::string text = check.getColumn(0).getString(); text != "ok") add(text);
+    } catch (const SQLite::Exception& error) {
+      add(error.what());  // so damaged that the check gives up: the other tables are looked at all the same
+    }
+    tables.emplace_back(name, wrong);
+  }
+  return tables;
 }
 
 bool Database::holdsAnything() {
@@ -72,15 +165,18 @@ bool Database::holdsAnything() {
                      [this](const Table& table) { return integer(table.any) != 0; });
 }
 
-void Database::copyRowsTo(Database& other) {
+void Database::copyRowsTo(Database& other, Rows rows) {
   for (const Table& table : kRows) {
+    if (table.isHistory && rows == Rows::allButHistory) continue;
     SQLite::Statement row(connection, table.all);
     SQLite::Statement insert(other.connection, table.insert);
     while (row.executeStep()) {
       for (int column = 0; column < row.getColumnCount(); ++column) {
         const SQLite::Column value = row.getColumn(column);
         const int place = column + 1;
-        if (value.isInteger())
+        if (value.isNull())
+          insert.bind(place);
+        else if (value.isInteger())
           insert.bind(place, value.getInt64());
         else if (value.isBlob())
           insert.bind(place, value.size() == 0 ? static_cast<const void*>("") : value.getBlob(), value.size());

@@ -6,10 +6,8 @@
 
 namespace Editor {
 
-std::uint64_t fnv1a(std::span<const std::uint8_t> bytes) {
-  constexpr std::uint64_t kOffsetBasis = 0xCBF29CE484222325;
+std::uint64_t fnv1a(std::span<const std::uint8_t> bytes, std::uint64_t hash) {
   constexpr std::uint64_t kPrime = 0x100000001B3;
-  std::uint64_t hash = kOffsetBasis;
   for (const std::uint8_t byte : bytes) hash = (hash ^ byte) * kPrime;
   return hash;
 }

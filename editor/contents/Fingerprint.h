@@ -8,8 +8,9 @@
 
 namespace Editor {
 
-// What a content is, whatever it is called: two of one kind have the same hash when they are equal but for their names,
-// and no others do but by a chance of 1 in 2^64.
+// What a content is, whatever it is called: two of one kind have the same hash when they are equal but for their names.
+// Two others have the same one by a chance of 1 in 2^64, or when somebody made them so: who must be sure compares the
+// bytes as well.
 struct Fingerprint {
   bool isOpaque = false;  // not in our format
   // The 64-bit FNV-1a hash as 16 hex digits, in small letters: of the bytes of version 1 of our format with every name
@@ -21,7 +22,8 @@ struct Fingerprint {
 
 Fingerprint fingerprintOf(ContentId id, std::span<const std::uint8_t> bytes);
 
-// The hash itself, by its published definition.
-std::uint64_t fnv1a(std::span<const std::uint8_t> bytes);
+// The hash itself, by its published definition; with what it was before, bytes that go on.
+inline constexpr std::uint64_t kFnvOffsetBasis = 0xCBF29CE484222325;
+std::uint64_t fnv1a(std::span<const std::uint8_t> bytes, std::uint64_t hash = kFnvOffsetBasis);
 
 }  // namespace Editor

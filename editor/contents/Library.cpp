@@ -14,10 +14,21 @@ std::span<const std::uint8_t> bytesOf(const std::string& text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
+// Before it takes memory for what can never be kept.
+Held countableHeld(const std::string& name, std::span<const std::uint8_t> bytes) {
+  requireCountable(name.size());
+  requireCountable(bytes.size());
+  return heldOf(name, bytes);
+}
+
+void requireWhole(const Held& held) {
+  if (!isWhole(held)) throw SQLite::Exception("bytes that do not fit their checksum", SQLITE_CORRUPT);
+}
+
 }  // namespace
 
 Library::Library(const std::filesystem::path& file, const Options& options)
-    : file_(file.empty() ? file : std::filesystem::absolute(file)) {
+    : file_(file.empty() ? file : std::filesystem::absolute(file)), recorder_(options.clock) {
   if (file.empty()) throw LibraryError(LibraryError::Kind::CannotOpen, "a library needs a file name");
   if (options.use != Use::memory) place_ = std::make_unique<LibraryFile>(file_, options.busyTimeout, options.vfs);
   run([&] {
@@ -28,6 +39,7 @@ Library::Library(const std::filesystem::path& file, const Options& options)
     isYetToBeMade_ = options.use == Use::change;
     if (isYetToBeMade_) place_->requireRoom();
     database_ = Database::inMemory();
+    isInMemory_ = true;
   });
 }
 
@@ -64,7 +76,7 @@ bool Library::lookForLibrary() {
 
 void Library::setDatabase(std::unique_ptr<Database> made) {
   database_ = std::move(made);
-  isYetToBeMade_ = false;
+  isYetToBeMade_ = isInMemory_ = false;
   ++databases_;
 }
 
@@ -83,21 +95,34 @@ Library::Transaction::Transaction(Library& library, Access access)
     : library_(library),
       outer_(library.open_.size()),
       changes_(library.pending_.size()),
+      recorded_(library.recorder_.mark()),
       undo_(outer_ == 0 ? "ROLLBACK" : "ROLLBACK TO " + savepoint() + "; RELEASE " + savepoint()) {
   library.open_.reserve(outer_ + 1);
   library.run([&] {
-    if (outer_ > 0) {
-      requireTransaction();
-      library.database_->connection.exec("SAVEPOINT " + savepoint());
-      return;
-    }
-    if (library.isYetToBeMade_) {
-      if (access == Access::Write) making_ = std::make_unique<LibraryMaking>(*library.place_);
-      if (library.lookForLibrary()) making_.reset();
-    }
-    Query(access == Access::Write ? library.database_->beginWriting : library.database_->begin).next();
+    if (outer_ == 0) return beginOutermost(access);
+    requireTransaction();
+    library.database_->connection.exec("SAVEPOINT " + savepoint());
   });
   library.open_.push_back(this);
+}
+
+void Library::Transaction::beginOutermost(Access access) {
+  if (library_.isYetToBeMade_) {
+    if (access == Access::Write) making_ = std::make_unique<LibraryMaking>(*library_.place_);
+    if (library_.lookForLibrary()) making_.reset();
+  }
+  Database& database = *library_.database_;
+  Query(access == Access::Write ? database.beginWriting : database.begin).next();
+  if (library_.place_ == nullptr || library_.isYetToBeMade_) return;
+  try {
+    if (access == Access::Write)
+      library_.place_->followVersion(database);
+    else
+      database.followVersion();
+  } catch (...) {
+    database.connection.tryExec(undo_);
+    throw;
+  }
 }
 
 Library::Transaction::~Transaction() {
@@ -106,7 +131,9 @@ Library::Transaction::~Transaction() {
   if (self == open.end()) return;  // committed, or ended with an outer one
   open.erase(self, open.end());
   library_.pending_.resize(changes_);
+  library_.recorder_.takeBack(recorded_);
   if (outer_ == 0 || !library_.database_->transactionLost()) library_.database_->connection.tryExec(undo_);
+  if (outer_ == 0) library_.endCopy();
 }
 
 void Library::Transaction::requireTransaction() const {
@@ -122,16 +149,20 @@ void Library::Transaction::commit(Making making) {
   library_.committed_.reserve(library_.committed_.size() + library_.pending_.size());  // no failure after the fact
   library_.run([&] {
     requireTransaction();
+    if (outer_ == 0) library_.recorder_.finish(*library_.database_);
     if (outer_ > 0)
       library_.database_->connection.exec("RELEASE " + savepoint());
     else if (making_ != nullptr && (making == Making::Always || library_.database_->holdsAnything()))
-      library_.setDatabase(library_.place_->make(*library_.database_));
+      library_.setDatabase(making_->make(*library_.database_));
+    else if (library_.database_->isFileGone())
+      throw SQLite::Exception("somebody has removed or renamed it", SQLITE_IOERR);
     else
       Query(library_.database_->commit).next();
   });
   making_.reset();
   open.pop_back();
   if (outer_ > 0) return;
+  library_.endCopy();
   library_.changeCount_ += library_.pending_.size();
   library_.committed_.insert(library_.committed_.end(), library_.pending_.begin(), library_.pending_.end());
   library_.pending_.clear();
@@ -141,6 +172,7 @@ template <typename Operation>
 auto Library::read(Operation operation) -> decltype(operation()) {
   return run([&] {
     if (open_.empty() && isYetToBeMade_) lookForLibrary();
+    if (open_.empty()) database_->followVersion();
     return operation();
   });
 }
@@ -148,25 +180,139 @@ auto Library::read(Operation operation) -> decltype(operation()) {
 template <typename Operation>
 void Library::change(Operation operation) {
   Transaction transaction(*this);
-  run(operation);
+  run([&] {
+    requireVersion();
+    operation();
+  });
   transaction.commit();
 }
 
-void Library::copyFrom(Library& other) {
-  change([&] { other.database_->copyRowsTo(*database_); });
+// The transaction has changed nothing yet.
+void Library::requireVersion() {
+  if (database_->version() == kLibraryVersion) return;
+  if (copy_.empty()) copy_ = place_->copyOldVersion(*database_);
+  database_->migrate();
 }
+
+// A transaction that ends has brought the library to this version, or there is no use for a copy.
+void Library::endCopy() noexcept {
+  if (copy_.empty()) return;
+  try {
+    std::error_code ignored;
+    if (database_->version() < kLibraryVersion) std::filesystem::remove(copy_, ignored);
+  } catch (const std::exception&) {
+    // It stays: better one too many.
+  }
+  copy_.clear();
+}
+
+void Library::copyFrom(Library& other) {
+  change([&] { other.database_->copyRowsTo(*database_, Database::Rows::allButHistory); });
+}
+
+// ---- Places ---------------------------------------------------------------------------------------------------------
+
+std::optional<Held> Library::held(const Place& place) {
+  return read([&] { return heldNow(place); });
+}
+
+std::optional<Held> Library::heldNow(const Place& place) {
+  Database::Reading& reading = *database_->reading;
+  switch (place.kind) {
+    case Place::Kind::content: {
+      Query query(reading.content, place.id);
+      if (!query.next()) return std::nullopt;
+      return Held{query.blob<std::string>(0), query.blob<Bytes>(1), query.integer(2)};
+    }
+    case Place::Kind::favourite: {
+      Query query(reading.favourite, place.id);
+      return query.next() ? std::optional(heldOf(query.number<std::uint8_t>(0))) : std::nullopt;
+    }
+    case Place::Kind::live: {
+      Query query(reading.live, place.key);
+      return query.next() ? std::optional(Held{{}, query.blob<Bytes>(0), query.integer(1)}) : std::nullopt;
+    }
+    case Place::Kind::setting:
+      break;
+  }
+  Query query(reading.setting, place.key);
+  return query.next() ? std::optional(heldOf(query.integer(0))) : std::nullopt;
+}
+
+void Library::write(const Place& place, const std::optional<Held>& held) {
+  Database::Writing& writing = *database_->writing;
+  switch (place.kind) {
+    case Place::Kind::content:
+      if (held)
+        Query(writing.store, place.id, bytesOf(held->name), std::span(held->bytes), held->checksum).changes();
+      else
+        Query(writing.remove, place.id).changes();
+      return;
+    case Place::Kind::favourite:
+      if (held)
+        Query(writing.flag, place.id, std::int64_t(std::stoll(held->name))).changes();
+      else
+        Query(writing.unflag, place.id).changes();
+      return;
+    case Place::Kind::live:
+      if (held)
+        Query(writing.storeLive, place.key, std::span(held->bytes), held->checksum).changes();
+      else
+        Query(writing.removeLive, place.key).changes();
+      return;
+    case Place::Kind::setting:
+      if (held)
+        Query(writing.set, place.key, std::int64_t(std::stoll(held->name))).changes();
+      else
+        Query(writing.unset, place.key).changes();
+  }
+}
+
+// All that ever changes in a library is changed here.
+void Library::replace(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after) {
+  write(place, after);
+  if (place_ != nullptr || recorder_.hasRun()) recorder_.record(*database_, place, before, after);
+}
+
+void Library::putBack(const Place& place, const std::optional<Held>& held) {
+  change([&] {
+    replace(place, heldNow(place), held);
+    if (place.kind == Place::Kind::content)
+      pending_.push_back({held ? Change::Kind::Stored : Change::Kind::Removed, place.id});
+    if (place.kind == Place::Kind::favourite) pending_.push_back({Change::Kind::Flagged, place.id});
+  });
+}
+
+void Library::openEntry() {
+  change([&] { recorder_.open(*database_); });
+}
+
+std::vector<RecordedEntry> Library::recordedEntries() {
+  return read([&] { return Editor::recordedEntries(*database_); });
+}
+
+std::vector<RecordedChange> Library::recordedChanges(std::int64_t entry, bool withBytes) {
+  return read([&] { return Editor::recordedChanges(*database_, entry, withBytes); });
+}
+
+std::vector<std::pair<std::string, std::string>> Library::checkTables() {
+  return read([&] { return database_->checkTables(); });
+}
+
+// ---- Contents, flags, live models, settings -------------------------------------------------------------------------
 
 std::optional<Library::Content> Library::content(ContentId id) {
   return read([&]() -> std::optional<Content> {
-    Query query(database_->statements->content, id);
-    if (!query.next()) return std::nullopt;
-    return Content{query.blob<std::string>(0), query.blob<Bytes>(1)};
+    std::optional<Held> held = heldNow(contentAt(id));
+    if (!held) return std::nullopt;
+    requireWhole(*held);
+    return Content{std::move(held->name), std::move(held->bytes)};
   });
 }
 
 std::optional<std::string> Library::contentName(ContentId id) {
   return read([&]() -> std::optional<std::string> {
-    Query query(database_->statements->contentName, id);
+    Query query(database_->reading->contentName, id);
     if (!query.next()) return std::nullopt;
     return query.blob<std::string>(0);
   });
@@ -175,30 +321,38 @@ std::optional<std::string> Library::contentName(ContentId id) {
 std::vector<ContentId> Library::contents() {
   return read([&] {
     std::vector<ContentId> ids;
-    for (Query query(database_->statements->contents); query.next();) ids.push_back(query.id());
+    for (Query query(database_->reading->contents); query.next();) ids.push_back(query.id());
     return ids;
   });
 }
 
 void Library::store(ContentId id, std::span<const std::uint8_t> bytes, const std::string& name) {
   change([&] {
-    Query(database_->statements->store, id, bytesOf(name), bytes).changes();
-    pending_.push_back({Change::Kind::Stored, canonical(id)});
+    const Place place = contentAt(id);
+    replace(place, heldNow(place), countableHeld(name, bytes));
+    pending_.push_back({Change::Kind::Stored, place.id});
   });
 }
 
 void Library::store(ContentId id, std::span<const std::uint8_t> bytes) {
   change([&] {
-    Query(database_->statements->storeBytes, id, bytes).changes();
-    pending_.push_back({Change::Kind::Stored, canonical(id)});
+    const Place place = contentAt(id);
+    const std::optional<Held> before = heldNow(place);
+    replace(place, before, countableHeld(before ? before->name : std::string(), bytes));
+    pending_.push_back({Change::Kind::Stored, place.id});
   });
 }
 
 bool Library::rename(ContentId id, const std::string& name) {
   bool renamed = false;
   change([&] {
-    renamed = Query(database_->statements->rename, bytesOf(name), id).changes();
-    if (renamed) pending_.push_back({Change::Kind::Renamed, canonical(id)});
+    const Place place = contentAt(id);
+    const std::optional<Held> before = heldNow(place);
+    renamed = before.has_value();
+    if (!renamed) return;
+    requireWhole(*before);  // with a new checksum it would pass for good
+    replace(place, before, countableHeld(name, before->bytes));
+    pending_.push_back({Change::Kind::Renamed, place.id});
   });
   return renamed;
 }
@@ -206,15 +360,19 @@ bool Library::rename(ContentId id, const std::string& name) {
 bool Library::remove(ContentId id) {
   bool removed = false;
   change([&] {
-    removed = Query(database_->statements->remove, id).changes();
-    if (removed) pending_.push_back({Change::Kind::Removed, canonical(id)});
+    const Place place = contentAt(id);
+    const std::optional<Held> before = heldNow(place);
+    removed = before.has_value();
+    if (!removed) return;
+    replace(place, before, std::nullopt);
+    pending_.push_back({Change::Kind::Removed, place.id});
   });
   return removed;
 }
 
 std::uint8_t Library::favourite(ContentId id) {
   return read([&] {
-    Query query(database_->statements->favourite, id);
+    Query query(database_->reading->favourite, id);
     return query.next() ? query.number<std::uint8_t>(0) : std::uint8_t(0);
   });
 }
@@ -222,7 +380,7 @@ std::uint8_t Library::favourite(ContentId id) {
 std::vector<std::pair<ContentId, std::uint8_t>> Library::favourites() {
   return read([&] {
     std::vector<std::pair<ContentId, std::uint8_t>> flags;
-    for (Query query(database_->statements->favourites); query.next();)
+    for (Query query(database_->reading->favourites); query.next();)
       flags.emplace_back(query.id(), query.number<std::uint8_t>(2));
     return flags;
   });
@@ -230,19 +388,19 @@ std::vector<std::pair<ContentId, std::uint8_t>> Library::favourites() {
 
 void Library::setFavourite(ContentId id, std::uint8_t flag) {
   change([&] {
-    if (favourite(id) == flag) return;
-    if (flag == 0)
-      Query(database_->statements->unflag, id).changes();
-    else
-      Query(database_->statements->flag, id, flag).changes();
-    pending_.push_back({Change::Kind::Flagged, canonical(id)});
+    const Place place = favouriteAt(id);
+    const std::optional<Held> before = heldNow(place);
+    const std::optional<Held> after = flag == 0 ? std::nullopt : std::optional(heldOf(flag));
+    if (before == after) return;
+    replace(place, before, after);
+    pending_.push_back({Change::Kind::Flagged, place.id});
   });
 }
 
 std::int64_t Library::mixingVoiceCount() {
   return read([&] {
     std::int64_t count = 0;
-    for (Query query(database_->statements->voices, ContSrv::ContType_Voice); query.next();)
+    for (Query query(database_->reading->voices, ContSrv::ContType_Voice); query.next();)
       if (isMixingVoice({ContSrv::ContType_Voice, query.number<std::uint32_t>(0)})) ++count;
     return count;
   });
@@ -250,27 +408,31 @@ std::int64_t Library::mixingVoiceCount() {
 
 std::optional<Library::Bytes> Library::live(const std::string& key) {
   return read([&]() -> std::optional<Bytes> {
-    Query query(database_->statements->live, key);
-    if (!query.next()) return std::nullopt;
-    return query.blob<Bytes>(0);
+    std::optional<Held> held = heldNow(liveAt(key));
+    if (!held) return std::nullopt;
+    requireWhole(*held);
+    return std::move(held->bytes);
   });
 }
 
 std::vector<std::string> Library::liveKeys() {
   return read([&] {
     std::vector<std::string> keys;
-    for (Query query(database_->statements->liveKeys); query.next();) keys.push_back(query.blob<std::string>(0));
+    for (Query query(database_->reading->liveKeys); query.next();) keys.push_back(query.blob<std::string>(0));
     return keys;
   });
 }
 
 void Library::storeLive(const std::string& key, std::span<const std::uint8_t> bytes) {
-  change([&] { Query(database_->statements->storeLive, key, bytes).changes(); });
+  change([&] {
+    const Place place = liveAt(key);
+    replace(place, heldNow(place), countableHeld("", bytes));
+  });
 }
 
 Library::Version Library::dataVersion() {
   return read([&] {
-    Query query(database_->statements->dataVersion);
+    Query query(database_->reading->dataVersion);
     query.next();
     return std::pair(databases_, query.integer(0));
   });
@@ -278,14 +440,17 @@ Library::Version Library::dataVersion() {
 
 std::optional<std::int64_t> Library::setting(const std::string& name) {
   return read([&]() -> std::optional<std::int64_t> {
-    Query query(database_->statements->setting, name);
+    Query query(database_->reading->setting, name);
     if (!query.next()) return std::nullopt;
     return query.integer(0);
   });
 }
 
 void Library::set(const std::string& setting, std::int64_t value) {
-  change([&] { Query(database_->statements->set, setting, value).changes(); });
+  change([&] {
+    const Place place = settingAt(setting);
+    replace(place, heldNow(place), heldOf(value));
+  });
 }
 
 }  // namespace Editor

@@ -11,11 +11,10 @@
 #include <utility>
 #include <vector>
 
-#include "models/ContentAddress.h"
+#include "contents/Recorder.h"
 
 namespace Editor {
 
-struct Database;
 class LibraryFile;
 class LibraryMaking;
 
@@ -52,6 +51,9 @@ struct Change {
 // programs may use the same file at the same time: they see what has been committed, and whoever changes something
 // makes the others wait.
 //
+// Every change is written into the history beside it, in the same transaction: Recorder says what is, and what is not.
+// A library of version 1 is read as it is; its first change brings it to this version, and leaves a copy beside it.
+//
 // Every operation throws LibraryError when the file fails it, with nothing changed. One thread at a time.
 class Library {
  public:
@@ -67,6 +69,7 @@ class Library {
     Use use = Use::change;
     std::chrono::milliseconds busyTimeout{5000};  // how long to wait for another program's transaction
     const char* vfs = nullptr;                    // the SQLite VFS to use; null: the operating system's files
+    Recorder::Clock clock = std::chrono::system_clock::now;  // of the history
   };
 
   static constexpr std::int64_t kDefaultMixingVoiceMaximum = 2048;
@@ -100,10 +103,12 @@ class Library {
    private:
     void requireTransaction() const;
     std::string savepoint() const;
+    void beginOutermost(Access access);
 
     Library& library_;
     const std::size_t outer_;                // how many transactions it is inside of
     const std::size_t changes_;              // how many were pending when it began
+    const Recorder::Mark recorded_;          // how far the history was
     const std::string undo_;                 // kept ready: to take something back needs no storage
     std::unique_ptr<LibraryMaking> making_;  // there is no library yet, and only this transaction can make one
   };
@@ -115,7 +120,8 @@ class Library {
     friend bool operator==(const Content&, const Content&) = default;
   };
 
-  // Names and bytes are kept as they come, whatever they are. An id need not be canonical, what comes back is.
+  // Names and bytes are kept as they come, whatever they are. An id need not be canonical, what comes back is. A
+  // content that does not fit the checksum which is kept with it is damaged: that is thrown.
   std::optional<Content> content(ContentId id);
   std::optional<std::string> contentName(ContentId id);
   std::vector<ContentId> contents();  // by type and number
@@ -134,13 +140,30 @@ class Library {
   std::int64_t mixingVoiceMaximum() { return setting(kMixingVoices).value_or(kDefaultMixingVoiceMaximum); }
   void setMixingVoiceMaximum(std::int64_t most) { set(kMixingVoices, most); }
 
-  // The live models, each as bytes under a key of its owner's choice.
+  // The live models, each as bytes under one of the keys of LiveKeys.h.
   std::optional<Bytes> live(const std::string& key);
   std::vector<std::string> liveKeys();
   void storeLive(const std::string& key, std::span<const std::uint8_t> bytes);
 
   std::optional<std::int64_t> setting(const std::string& name);
+  std::int64_t historyEntries() { return setting(Recorder::kEntries).value_or(Recorder::kDefaultEntries); }
+  std::int64_t historyMegabytes() { return setting(Recorder::kMegabytes).value_or(Recorder::kDefaultMegabytes); }
   void set(const std::string& setting, std::int64_t value);
+
+  // The history. What changes from now on is of that run; without one it is of a verb without a name.
+  void beginRun(LibraryRun run) { recorder_.begin(std::move(run)); }
+  // The entry of that run, nothing before its first change. Others do not see it before it is committed.
+  std::optional<std::int64_t> entryOfRun() const { return recorder_.mark().entry; }
+  std::vector<RecordedEntry> recordedEntries();  // the newest first
+  std::vector<RecordedChange> recordedChanges(std::int64_t entry, bool withBytes);
+  // What a place holds, damaged or not.
+  std::optional<Held> held(const Place& place);
+  // For an undo: begins its entry, whatever it changes, and has a place hold that, or nothing.
+  void openEntry();
+  void putBack(const Place& place, const std::optional<Held>& held);
+
+  // What SQLite finds wrong with each table, and the names of those that are good with nothing.
+  std::vector<std::pair<std::string, std::string>> checkTables();
 
   // The changes of contents committed since the last call, in order: those of a transaction that was taken back never
   // appear.
@@ -159,6 +182,9 @@ class Library {
   // How many operations the file has failed since the library was opened.
   std::uint64_t failureCount() const { return failureCount_; }
 
+  // Whether there is nothing in the file yet, or no file at all.
+  bool isYetEmpty() const { return isInMemory_; }
+
   const std::filesystem::path& file() const { return file_; }
 
  private:
@@ -173,13 +199,21 @@ class Library {
   void change(Operation operation);
   bool lookForLibrary();
   void setDatabase(std::unique_ptr<Database> made);
+  void requireVersion();
+  void endCopy() noexcept;
+  std::optional<Held> heldNow(const Place& place);
+  void write(const Place& place, const std::optional<Held>& held);
+  void replace(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after);
 
   std::filesystem::path file_;
   std::unique_ptr<LibraryFile> place_;  // null: in memory for good
   std::unique_ptr<Database> database_;
+  bool isInMemory_ = false;
   std::uint32_t databases_ = 0;           // how many have stood here before
   bool isYetToBeMade_ = false;            // the database is one in memory until there is something to keep
   std::vector<const Transaction*> open_;  // from the outermost to the innermost
+  Recorder recorder_;
+  std::filesystem::path copy_;  // of a library of version 1, made in the transaction that is open
   std::vector<Change> pending_;
   std::vector<Change> committed_;
   std::uint64_t changeCount_ = 0;

@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "contents/Library.h"
+#include "contents/LibraryCopy.h"
 
 namespace Editor {
 
@@ -48,17 +49,6 @@ Header readHeader(sqlite3* handle) {
   return {.applicationId = bigEndian32(&bytes[68]), .version = bigEndian32(&bytes[60])};
 }
 
-// Creates a directory and those above it, on disk when it returns: a file is as lost as the directory that held it.
-void createDirectories(const std::filesystem::path& directory) {
-  if (directory.empty() || std::filesystem::exists(directory)) return;
-  createDirectories(directory.parent_path());
-  std::filesystem::create_directory(directory);
-  if (const int parent = ::open(directory.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); parent >= 0) {
-    ::fsync(parent);
-    ::close(parent);
-  }
-}
-
 // A path as a URI's: what would mean something there is escaped.
 std::string uriOf(const std::filesystem::path& path) {
   constexpr const char* kDigits = "0123456789ABCDEF";
@@ -79,6 +69,7 @@ std::string uriOf(const std::filesystem::path& path) {
 
 std::unique_ptr<Database> LibraryFile::open() const {
   if (!exists()) return nullptr;
+  if (vfs_ == nullptr && ::access(path_.c_str(), W_OK) != 0) cannotOpen(errno);
   std::unique_ptr<Database> database = open(path_.string(), SQLite::OPEN_READWRITE);
   if (database == nullptr) return nullptr;
   database->connection.exec("PRAGMA synchronous = FULL");
@@ -90,11 +81,15 @@ std::unique_ptr<Database> LibraryFile::open() const {
 std::unique_ptr<Database> LibraryFile::openToRead() const {
   if (!exists()) return nullptr;
   // Who must not write to the file can neither put away the log that SQLite makes for a reader, nor make one in a
-  // directory that is closed to him: the file is read as it is.
-  const bool isAlone = vfs_ == nullptr && !canBeWritten() && !std::filesystem::exists(path_.string() + "-wal");
+  // directory that is closed to him: the file is read as it is, unless somebody works on it or was cut off.
+  const bool isReadOnly = vfs_ == nullptr && (::access(path_.c_str(), W_OK) != 0 ||
+                                              ::access(path_.parent_path().c_str(), W_OK | X_OK) != 0);
+  if (isReadOnly && (isBeside("-wal") || isBeside("-journal")))
+    throw SQLite::Exception("its place cannot be written, and the log beside it only a writer can read",
+                            SQLITE_CANTOPEN);
   std::unique_ptr<Database> database =
-      isAlone ? open(uriOf(path_) + "?immutable=1", SQLite::OPEN_READONLY | SQLite::OPEN_URI)
-              : open(path_.string(), SQLite::OPEN_READWRITE);
+      isReadOnly ? open(uriOf(path_) + "?immutable=1", SQLite::OPEN_READONLY | SQLite::OPEN_URI)
+                 : open(path_.string(), SQLite::OPEN_READWRITE);
   if (database != nullptr) database->prepareStatements();
   return database;
 }
@@ -108,7 +103,7 @@ std::unique_ptr<Database> LibraryFile::open(const std::string& name, int flags) 
   // Again, now that no log hides anything.
   const std::int64_t version = database->integer("PRAGMA user_version");
   requireLibrary(database->integer("PRAGMA application_id"), version);
-  if (version < kLibraryVersion) throw SQLite::Exception("its version is missing", SQLITE_CORRUPT);
+  if (version < 1) throw SQLite::Exception("its version is missing", SQLITE_CORRUPT);
   return database;
 }
 
@@ -128,33 +123,26 @@ void LibraryFile::requireRoom() const {
   if (::access(directory.c_str(), W_OK | X_OK) != 0) cannotOpen(errno);
 }
 
-std::unique_ptr<Database> LibraryFile::make(Database& rows) const {
-  if (vfs_ == nullptr) createDirectories(path_.parent_path());
-  auto database =
-      std::make_unique<Database>(path_.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, busyTimeout_, vfs_);
-  SQLite::Database& connection = database->connection;
-  connection.exec("PRAGMA synchronous = FULL");
-  // The id comes first and alone, in the only page that is written then: what a power cut leaves of the file is empty
-  // or says that it is ours.
-  if (!database->isUnfinished()) throw SQLite::Exception("another program has made it", SQLITE_BUSY);
-  connection.exec("PRAGMA application_id = " + std::to_string(kApplicationId));
-  SQLite::Transaction transaction(connection, SQLite::TransactionBehavior::IMMEDIATE);
-  if (!database->isUnfinished()) throw SQLite::Exception("another program has made it", SQLITE_BUSY);
-  database->makeTables();
-  rows.copyRowsTo(*database);
-  transaction.commit();
-  keepWriteAheadLog(*database);
-  database->prepareStatements();
-  return database;
-}
-
 void LibraryFile::requireLibrary(std::int64_t applicationId, std::int64_t version) const {
   if (applicationId != kApplicationId)
     throw LibraryError(LibraryError::Kind::NotALibrary, path_.string() + " is no library");
+  requireKnown(version);
+}
+
+void LibraryFile::requireKnown(std::int64_t version) const {
   if (version > kLibraryVersion)
     throw LibraryError(LibraryError::Kind::NewerVersion,
                        path_.string() + " was written by a newer version of this program (its library version is " +
                            std::to_string(version) + ", this program knows " + std::to_string(kLibraryVersion) + ")");
+}
+
+void LibraryFile::followVersion(Database& database) const {
+  requireKnown(database.version());
+  database.followVersion();
+}
+
+std::filesystem::path LibraryFile::copyOldVersion(Database& database) const {
+  return copyBeside(path_, database, busyTimeout_, vfs_);
 }
 
 // A library stays in that mode. Two that change it at once could wait for each other, so SQLite lets neither wait: that
@@ -172,9 +160,7 @@ void LibraryFile::keepWriteAheadLog(Database& database) const {
   }
 }
 
-bool LibraryFile::canBeWritten() const {
-  return ::access(path_.c_str(), W_OK) == 0 && ::access(path_.parent_path().c_str(), W_OK | X_OK) == 0;
-}
+bool LibraryFile::isBeside(const char* ending) const { return std::filesystem::exists(path_.string() + ending); }
 
 // The directory that the library lies in, or the lowest above it that is there.
 std::filesystem::path LibraryFile::nearestDirectory() const {
@@ -183,22 +169,72 @@ std::filesystem::path LibraryFile::nearestDirectory() const {
   return directory;
 }
 
-LibraryMaking::LibraryMaking(const LibraryFile& file) {
+// The lowest directory that exists is locked, and the one above it against others that would make it: so whoever finds
+// a directory that is just being made waits for its maker. Upper ones come first, or two could wait for each other.
+LibraryMaking::LibraryMaking(const LibraryFile& file) : file_(file) {
   if (file.vfs_ != nullptr) return;
-  directory_ = ::open(file.nearestDirectory().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (directory_ < 0) return;  // it must not be read: two that make a library at once are then told so
-  const auto deadline = std::chrono::steady_clock::now() + std::min(file.busyTimeout_, Database::kForEver);
-  while (::flock(directory_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-    if (std::chrono::steady_clock::now() >= deadline) {
-      ::close(directory_);
-      throw SQLite::Exception("another program makes it", SQLITE_BUSY);
-    }
+  try {
+    std::filesystem::path directory;
+    do {  // who had to wait may find more directories than before
+      unlock();
+      directory = file.nearestDirectory();
+      if (directory.has_relative_path()) lock(directory.parent_path(), LOCK_SH);
+      lock(directory, LOCK_EX);
+    } while (directory != file.nearestDirectory());
+  } catch (...) {
+    unlock();
+    throw;
+  }
+}
+
+std::unique_ptr<Database> LibraryMaking::make(Database& rows) {
+  if (file_.vfs_ == nullptr) createDirectories(file_.path_.parent_path());
+  auto database = std::make_unique<Database>(file_.path_.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE,
+                                             file_.busyTimeout_, file_.vfs_);
+  SQLite::Database& connection = database->connection;
+  const auto requireNothing = [&] {  // no program of ours can have made it, but one that we do not know
+    if (!database->isUnfinished()) throw SQLite::Exception("another program has made it", SQLITE_BUSY);
+  };
+  requireNothing();
+  connection.exec("PRAGMA synchronous = FULL");
+  // The id comes first and alone, in the only page that is written then: what a power cut leaves of the file is empty
+  // or says that it is ours.
+  connection.exec("PRAGMA application_id = " + std::to_string(kApplicationId));
+  file_.keepWriteAheadLog(*database);
+  SQLite::Transaction transaction(connection, SQLite::TransactionBehavior::IMMEDIATE);
+  requireNothing();
+  database->makeTables();
+  rows.copyRowsTo(*database, Database::Rows::all);
+  database->prepareStatements();
+  transaction.commit();  // the last thing that can fail: what is on disk must not be told as failed
+  return database;
+}
+
+// One that must not be read cannot be locked: two that make a library there at once are then told so.
+void LibraryMaking::lock(const std::filesystem::path& directory, int how) {
+  const int descriptor = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor < 0) return;
+  locks_.push_back(descriptor);
+  const auto deadline = std::chrono::steady_clock::now() + std::min(file_.busyTimeout_, Database::kForEver);
+  while (::flock(descriptor, how | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    if (std::chrono::steady_clock::now() >= deadline) throw SQLite::Exception("another program makes it", SQLITE_BUSY);
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
 }
 
-LibraryMaking::~LibraryMaking() {
-  if (directory_ >= 0) ::close(directory_);
+void LibraryMaking::unlock() {
+  for (const int descriptor : locks_) ::close(descriptor);
+  locks_.clear();
+}
+
+// With those above it, on disk when it returns: a file is as lost as the directory that held it.
+void LibraryMaking::createDirectories(const std::filesystem::path& directory) {
+  if (std::filesystem::exists(directory)) return;
+  const std::filesystem::path parent = directory.parent_path();
+  createDirectories(parent);
+  std::filesystem::create_directory(directory);
+  lock(directory, LOCK_EX);
+  syncDirectory(parent);
 }
 
 }  // namespace Editor

@@ -3,12 +3,11 @@
 #include <chrono>
 #include <filesystem>
 #include <memory>
+#include <vector>
 
 #include "contents/Database.h"
 
 namespace Editor {
-
-inline constexpr std::int32_t kLibraryVersion = 1;
 
 // Where a library lies: opens the database there, or makes it. Everything here throws SQLite::Exception, and
 // LibraryError for what is no library of ours.
@@ -27,17 +26,21 @@ class LibraryFile {
 
   // Throws unless a library can be made there.
   void requireRoom() const;
-  // Makes it, with the directories that are missing, of all that `rows` holds: on disk when this returns, or not there
-  // at all. Whoever calls it holds a LibraryMaking since he has looked that there is none.
-  std::unique_ptr<Database> make(Database& rows) const;
+
+  // To be called when a transaction that writes has begun: another program may have brought the library to another
+  // version. Throws when that is newer than ours.
+  void followVersion(Database& database) const;
+  // Leaves a copy of one of version 1 beside it; see copyBeside().
+  std::filesystem::path copyOldVersion(Database& database) const;
 
  private:
   friend class LibraryMaking;
 
   std::unique_ptr<Database> open(const std::string& name, int flags) const;
   void requireLibrary(std::int64_t applicationId, std::int64_t version) const;
+  void requireKnown(std::int64_t version) const;
   void keepWriteAheadLog(Database& database) const;
-  bool canBeWritten() const;
+  bool isBeside(const char* ending) const;
   std::filesystem::path nearestDirectory() const;
 
   std::filesystem::path path_;  // absolute
@@ -45,16 +48,25 @@ class LibraryFile {
   const char* vfs_;
 };
 
-// As long as one lives no other program makes a library there.
+// As long as one lives no other program makes a library there: it waits for its own.
 class LibraryMaking {
  public:
   explicit LibraryMaking(const LibraryFile& file);
   LibraryMaking(const LibraryMaking&) = delete;
   LibraryMaking& operator=(const LibraryMaking&) = delete;
-  ~LibraryMaking();
+  ~LibraryMaking() { unlock(); }
+
+  // Makes it, with the directories that are missing, of all that `rows` holds: on disk when this returns, or not there
+  // at all.
+  std::unique_ptr<Database> make(Database& rows);
 
  private:
-  int directory_ = -1;
+  void lock(const std::filesystem::path& directory, int how);
+  void unlock();
+  void createDirectories(const std::filesystem::path& directory);
+
+  const LibraryFile& file_;
+  std::vector<int> locks_;  // of directories, the upper ones first
 };
 
 }  // namespace Editor

@@ -30,10 +30,13 @@ ContentStore::Loaded nothingStored(std::string& why) {
 }  // namespace
 
 ContentStore::Loaded ModelStore::loadModels(ContentId id, ModelSet& models, std::string& why) {
-  return attempt(Loaded::failed, why, [&] {
+  try {
     const std::optional<Library::Content> content = library_.content(id);
     return content ? decode(content->bytes, models, why) : nothingStored(why);
-  });
+  } catch (const LibraryError& error) {
+    why = error.what();
+    return error.kind() == LibraryError::Kind::Damaged ? Loaded::opaque : Loaded::failed;
+  }
 }
 
 bool ModelStore::storeModels(ContentId id, const std::string& name, const ModelSet& models, std::string& why) {

@@ -21,14 +21,6 @@ std::vector<BulkAddress> missingIn(const std::vector<UnitReport>& ended) {
   return {};
 }
 
-// The checksum does not cover that byte.
-std::vector<std::uint8_t> withDevice(std::span<const std::uint8_t> message, std::uint8_t device) {
-  constexpr std::size_t kDevice = 2;
-  std::vector<std::uint8_t> changed(message.begin(), message.end());
-  changed[kDevice] = std::uint8_t((changed[kDevice] & 0xF0) | device);
-  return changed;
-}
-
 }  // namespace
 
 EmbeddedEditor::EmbeddedEditor(const std::filesystem::path& libraryFile, const Library::Options& options)
@@ -45,9 +37,6 @@ Record EmbeddedEditor::handle(const Reading& reading, std::span<const std::uint8
                               std::uint64_t number) {
   Record record;
   record.reading = reading;
-  const std::vector<std::uint8_t> forUs =
-      takesAnyDevice_ && reading.device ? withDevice(message, deviceNumber()) : std::vector<std::uint8_t>();
-  if (!forUs.empty()) message = forUs;
   static_cast<Handed&>(record) = handover_.hand(reading, message, port, units_.nameless());
   static_cast<Touched&>(record) = touchedBy(reading, record);
   record.outcome = outcomeOf(reading, record, record);
@@ -85,13 +74,8 @@ void EmbeddedEditor::Run::commit() {
   transaction_->commit(Library::Transaction::Making::Always);
 }
 
-std::uint8_t EmbeddedEditor::deviceNumber() const {
-  const unsigned setting = tools().liveSystem().system->utility.values()[SystemModel::kDeviceNumber];
-  return std::uint8_t(setting < 16 ? setting : 0);
-}
-
 std::vector<std::uint8_t> EmbeddedEditor::requestFor(BulkAddress address) {
-  return requestMessage(address, deviceNumber());
+  return requestMessage(address, deviceNumberOf(tools()));
 }
 
 }  // namespace Editor

@@ -46,15 +46,24 @@ class EmbeddedEditor {
                 std::uint64_t number);
 
   // From now on dumps and requests are taken as if they were for the device number that is set, whatever theirs is.
-  void takeAnyDevice() { takesAnyDevice_ = true; }
+  void takeAnyDevice() { handover_.takeAnyDevice(); }
 
   // The units that are still open, and the file dumps that are still held.
   std::vector<UnitReport> openUnits() const { return units_.open(); }
 
-  // The device number that is set, 0 to 15; 0 when it is "all" or "off".
-  std::uint8_t deviceNumber() const;
   // A request for that address as this library's instrument accepts it.
   std::vector<std::uint8_t> requestFor(BulkAddress address);
+
+  // As long as it lives everything that is read belongs to one state of the library, the live models too.
+  class View {
+   public:
+    explicit View(EmbeddedEditor& editor) : oneState_(editor.library_, Library::Transaction::Access::Read) {
+      editor.tools().reload();
+    }
+
+   private:
+    Library::Transaction oneState_;
+  };
 
   // As long as it lives the messages that are handled are one change of the library, or see one state of it. Their
   // records name no contents as stored: nothing is, before the commit. One at a time, for one editor.
@@ -70,7 +79,7 @@ class EmbeddedEditor {
     Run& operator=(const Run&) = delete;
     ~Run();  // takes back what was not committed
 
-    void commit();
+    void commit();  // a library that does not exist yet is made, whatever it holds
 
    private:
     EmbeddedEditor& editor_;
@@ -85,7 +94,6 @@ class EmbeddedEditor {
   AssistantHost host_;
   Handover handover_;
   UnitTracker units_;
-  bool takesAnyDevice_ = false;
 };
 
 }  // namespace Editor

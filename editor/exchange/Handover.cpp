@@ -9,11 +9,23 @@ namespace {
 using Making = Library::Transaction::Making;
 
 // Whether a message is a whole by itself, or ends one.
-bool isWhole(Role role) {
-  return role == Role::alone || role == Role::footer || role == Role::emptyFooter || role == Role::trigger;
+bool isWhole(Role role) { return role == Role::alone || role == Role::footer; }
+
+// The checksum does not cover that byte.
+std::vector<std::uint8_t> withDevice(std::span<const std::uint8_t> message, std::uint8_t device) {
+  constexpr std::size_t kDevice = 2;
+  std::vector<std::uint8_t> changed(message.begin(), message.end());
+  changed[kDevice] = std::uint8_t((changed[kDevice] & 0xF0) | device);
+  return changed;
 }
 
 }  // namespace
+
+std::uint8_t deviceNumberOf(const EditorJobTools& tools) {
+  constexpr unsigned kDevices = 16;
+  const unsigned setting = tools.liveSystem().system->utility.values()[SystemModel::kDeviceNumber];
+  return std::uint8_t(setting < kDevices ? setting : 0);
+}
 
 void saveLive(EditorJobTools& tools) {
   std::vector<std::string> saved;
@@ -24,20 +36,20 @@ Handed Handover::hand(const Reading& reading, std::span<const std::uint8_t> mess
                       const std::set<ContentId>& nameless) {
   try {
     if (reading.kind == Reading::Kind::dump) return handDump(reading, message, port, nameless);
-    if (reading.kind == Reading::Kind::request) return handRequest(message, port);
+    if (reading.kind == Reading::Kind::request) return handRequest(reading, message, port);
     Handed handed;
-    hand(handed, message, port);
+    hand(handed, reading, message, port);
     return handed;
   } catch (const LiveModelError& error) {
     throw LibraryError(LibraryError::Kind::Damaged, error.what());
   }
 }
 
-Handed Handover::handRequest(std::span<const std::uint8_t> message, BDA::DevicePortNum port) {
+Handed Handover::handRequest(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port) {
   Handed handed;
   const Library::Transaction oneState(library_, Library::Transaction::Access::Read);
   seeWhatOthersChanged();
-  hand(handed, message, port);
+  hand(handed, reading, message, port);
   return handed;
 }
 
@@ -53,7 +65,7 @@ Handed Handover::handDump(const Reading& reading, std::span<const std::uint8_t> 
     const std::size_t before = library_.pendingChanges().size();
     seeWhatOthersChanged();
     liveBefore = tools.changeCount();
-    hand(handed, message, port);
+    hand(handed, reading, message, port);
     if (isTrigger) leaveNameless(before, nameless);
     isKept = isTrigger || (!hasFailed(handed) && handed.storeError.empty());
     if (isKept) {
@@ -83,9 +95,12 @@ Handed Handover::handDump(const Reading& reading, std::span<const std::uint8_t> 
 }
 
 // Hands the message over, and learns what failed behind the assistant's back.
-void Handover::hand(Handed& handed, std::span<const std::uint8_t> message, BDA::DevicePortNum port) {
+void Handover::hand(Handed& handed, const Reading& reading, std::span<const std::uint8_t> message,
+                    BDA::DevicePortNum port) {
   const std::uint64_t failures = library_.failureCount();
   host_.tools().forgetErrors();
+  std::vector<std::uint8_t> forUs;
+  if (takesAnyDevice_ && reading.device) message = forUs = withDevice(message, deviceNumberOf(host_.tools()));
   static_cast<AssistantHost::Effects&>(handed) = host_.handle(message, port);
   work_.abandonPass();
   handed.libraryFailed = library_.failureCount() != failures;

@@ -40,13 +40,15 @@ class Handover {
   // Between these a run's transaction, which is the caller's, is around all messages.
   void beginRun();
   void endRun();
-  bool isInRun() const { return inRun_; }
+
+  // From now on each message is handed over as if it were for the device number that is set then.
+  void takeAnyDevice() { takesAnyDevice_ = true; }
 
  private:
   Handed handDump(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
                   const std::set<ContentId>& nameless);
-  Handed handRequest(std::span<const std::uint8_t> message, BDA::DevicePortNum port);
-  void hand(Handed& handed, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
+  Handed handRequest(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
+  void hand(Handed& handed, const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
   void seeWhatOthersChanged();
   void leaveNameless(std::size_t firstChange, const std::set<ContentId>& nameless);
   void rememberLive();
@@ -64,8 +66,12 @@ class Handover {
   ContentsWork& work_;
   AssistantHost& host_;
   bool inRun_ = false;
+  bool takesAnyDevice_ = false;
   std::optional<Seen> seen_;  // none: not for certain
 };
+
+// The device number that is set, 0 to 15; 0 when it is "all" or "off".
+std::uint8_t deviceNumberOf(const EditorJobTools& tools);
 
 // Saves the live models that were changed. Throws LibraryError.
 void saveLive(EditorJobTools& tools);

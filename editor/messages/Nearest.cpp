@@ -25,7 +25,7 @@ std::size_t editDistance(std::string_view a, std::string_view b) {
 
 std::string nearest(std::string_view word, const std::vector<std::string>& candidates) {
   constexpr std::size_t kMostSlips = 2;
-  std::size_t best = std::clamp<std::size_t>(word.size() / 3, 1, kMostSlips) + 1;
+  std::size_t best = std::min(word.size() / 3, kMostSlips) + 1;
   std::string found;
   for (const std::string& candidate : candidates) {
     const std::size_t longer = std::max(candidate.size(), word.size());

@@ -47,7 +47,8 @@ constexpr std::array kMagics{
     Magic{0, "fLaC"sv, "a FLAC sound"},
     Magic{4, "ftyp"sv, "an MPEG-4 film or sound"},
     Magic{0, "RIFF"sv, "a RIFF file without MIDI"},
-    Magic{0, "MThd"sv, "a Standard MIDI File without System Exclusive"},
+    Magic{0, "MThd"sv, "a Standard MIDI File without System Exclusive that can be read"},
+    Magic{0, "\xEF\xBB\xBF"sv, "text"},  // the mark before UTF-8
     Magic{0, "#!"sv, "a script"},
     Magic{0, "<!DOCTYPE"sv, "a web page"},
     Magic{0, "<html"sv, "a web page"},
@@ -67,9 +68,6 @@ bool fits(const Magic& magic, std::span<const std::uint8_t> first) {
                     [](char expected, std::uint8_t byte) { return static_cast<std::uint8_t>(expected) == byte; });
 }
 
-// Bytes that MIDI is made of, without a message of the kind that we look for.
-bool isMidi(std::span<const std::uint8_t> first) { return first.front() >= 0x80; }
-
 }  // namespace
 
 MidiKind midiKindOf(std::span<const std::uint8_t> first) {
@@ -82,8 +80,8 @@ std::string describeFile(std::span<const std::uint8_t> first) {
   const auto* const magic =
       std::find_if(kMagics.begin(), kMagics.end(), [&](const Magic& one) { return fits(one, first); });
   if (magic != kMagics.end()) return magic->what;
-  if (isText(first)) return "text";
-  return isMidi(first) ? "MIDI without a whole System Exclusive message" : "something else";
+  if (first.front() >= 0x80) return "MIDI without a whole System Exclusive message";
+  return isText(first) ? "text" : "something else";
 }
 
 }  // namespace Editor

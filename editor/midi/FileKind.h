@@ -16,7 +16,7 @@ inline constexpr std::size_t kMidiKindBytes = 4;
 MidiKind midiKindOf(std::span<const std::uint8_t> first);
 
 // What a file that holds no messages seems to be, by its first bytes, some hundred of them: "a JPEG picture", "text",
-// "an empty file", or "something else".
+// "an empty file", "MIDI without a whole System Exclusive message", or "something else".
 std::string describeFile(std::span<const std::uint8_t> first);
 
 }  // namespace Editor

@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cstring>
+#include <utility>
 
 namespace Editor {
 
@@ -79,7 +80,7 @@ void StreamJoiner::finish() {
 std::size_t StreamJoiner::deliverWhole(std::span<const std::uint8_t> chunk, std::size_t at) {
   while (at < chunk.size() && chunk[at] == kStart) {
     const std::size_t end = findStatus(chunk, at + 1);
-    if (end == chunk.size() || chunk[end] != kEnd) break;
+    if (end == chunk.size() || chunk[end] != kEnd || end - at >= longest_) break;
     if (runCount_ != 0) reportRun();
     receiver_.message(chunk.subspan(at, end + 1 - at), position_ + at);
     at = end + 1;
@@ -89,17 +90,18 @@ std::size_t StreamJoiner::deliverWhole(std::span<const std::uint8_t> chunk, std:
 
 // `bytes` from `at` in the chunk belong to the open message, which goes on elsewhere, or to none.
 void StreamJoiner::setAside(std::span<const std::uint8_t> bytes, std::size_t at) {
-  if (open_ && bytes.size() > longest_ - held_.size()) {
-    abandon(bytes.size(), Reason::TooLong);
-  } else if (open_) {
+  if (!open_) return drop(position_ + at, bytes.size(), Reason::Stray);
+  if (tooLong_ == 0 && bytes.size() <= longest_ - held_.size()) {
     held_.insert(held_.end(), bytes.begin(), bytes.end());
-  } else {
-    drop(position_ + at, bytes.size(), Reason::Stray);
+    return;
   }
+  tooLong_ += held_.size() + bytes.size();
+  held_.clear();
 }
 
 // `tail`: the message's bytes that are not held yet.
 void StreamJoiner::deliver(std::span<const std::uint8_t> tail) {
+  if (tooLong_ > 0 || tail.size() > longest_ - held_.size()) return abandon(tail.size(), Reason::TooLong);
   reportRun();
   open_ = false;
   if (held_.empty()) {
@@ -113,7 +115,8 @@ void StreamJoiner::deliver(std::span<const std::uint8_t> tail) {
 
 void StreamJoiner::abandon(std::uint64_t tail, Reason reason) {
   reportRun();
-  receiver_.dropped(messageOffset_, held_.size() + tail, reason);
+  const std::uint64_t count = std::exchange(tooLong_, 0) + held_.size() + tail;
+  receiver_.dropped(messageOffset_, count, count > longest_ ? Reason::TooLong : reason);
   held_.clear();
   open_ = false;
 }

@@ -20,7 +20,7 @@ class StreamJoiner {
     Stray,       // outside of any message
     Abandoned,   // a message cut short by a status byte other than F7 and F8..FF
     Unfinished,  // a message that was still open when the stream ended
-    TooLong,     // a message that got longer than the joiner holds
+    TooLong,     // a message that is longer than any may be, whether it had an end or not
   };
 
   // Offsets count from the first byte fed. Calls come in the order in which the stream decides them, so a real-time
@@ -40,8 +40,8 @@ class StreamJoiner {
     ~Receiver() = default;
   };
 
-  // The receiver must outlive the joiner. A message that comes in pieces and has more than `longest` bytes is dropped,
-  // so that an endless one does not fill the memory.
+  // The receiver must outlive the joiner. A message of more than `longest` bytes is dropped, so that an endless one
+  // does not fill the memory.
   explicit StreamJoiner(Receiver& receiver, std::size_t longest = std::numeric_limits<std::size_t>::max())
       : receiver_(receiver), longest_(longest) {}
   StreamJoiner(const StreamJoiner&) = delete;
@@ -70,6 +70,7 @@ class StreamJoiner {
   bool open_ = false;
   std::uint64_t messageOffset_ = 0;
   std::vector<std::uint8_t> held_;  // of the open message, what cannot be handed out in place
+  std::uint64_t tooLong_ = 0;       // how much of the open message is not held any more
 
   std::uint64_t runOffset_ = 0;  // a run of dropped bytes that may still grow
   std::uint64_t runCount_ = 0;

@@ -17,7 +17,7 @@ class ContentStore {
   enum class Loaded : std::uint8_t {
     ok,
     empty,   // nothing is stored there
-    opaque,  // bytes are stored there, but not such models
+    opaque,  // bytes are stored there, but not such models; they may be damaged
     failed,  // the store itself failed
   };
 

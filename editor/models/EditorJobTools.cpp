@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "models/LiveKeys.h"
+
 namespace Editor {
 
 namespace {
@@ -110,16 +112,13 @@ EditorJobTools::EditorJobTools(ContentStore& store, EvtSrv::EventPortManager* ma
       waveNames_{"Sine",      "Triangle",  "Saw Up",      "Saw Down",  "Square",
                  "Pulse 25%", "Pulse 10%", "White Noise", "Pink Noise"},
       arpeggioNames_{"Up", "Down", "Up/Down", "Down/Up", "Random", "As Played", "Chord"} {
-  units_[kNormalVoice].key = "voice";
-  units_[kDrumVoice].key = "drum";
-  units_[kMulti].key = "multi";
-  units_[kPerformance].key = "performance";
-  units_[kMaster].key = "master";
-  units_[kRemote].key = "remote";
-  units_[kSystem].key = "system";
-  units_[kAdditional].key = "additional";
+  for (const EditBuffer buffer : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
+                                  EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
+    units_[unitOf(buffer, 0)].key = liveKeyOf(buffer);
+  units_[kSystem].key = kSystemKey;
+  units_[kAdditional].key = kAdditionalKey;
   for (std::size_t part = 0; part < kParts; ++part) {
-    units_[kFirstPart + part].key = "part:" + std::to_string(part);
+    units_[kFirstPart + part].key = liveKeyOf(EditBuffer::partVoice, std::uint8_t(part));
     bankWatchers_[part].tools = this;
     bankWatchers_[part].part = part;
   }

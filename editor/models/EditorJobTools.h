@@ -43,6 +43,8 @@ class EditorJobTools final : public CMA::JobTools {
   const std::string& additionalKey() const { return units_[kAdditional].key; }
   const ModelSet& liveSystem() const { return units_[kSystem].models; }
   const ModelSet& liveAdditional() const { return units_[kAdditional].models; }
+  // Whether that part of a multi plays a drum voice: its bank says so.
+  static bool playsDrums(const MultiModel& multi, std::size_t part);
   // The edit buffer whose models the getters hand out.
   EditBuffer current() const { return current_; }
 
@@ -166,7 +168,6 @@ class EditorJobTools final : public CMA::JobTools {
   };
 
   static std::size_t unitOf(EditBuffer buffer, std::uint8_t part);
-  static bool playsDrums(const MultiModel& multi, std::size_t part);
   ModelSet& currentModels() { return units_[unitOf(current_, 0)].models; }
 
   void watch(std::size_t unit);

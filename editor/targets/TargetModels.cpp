@@ -119,12 +119,10 @@ void failToStore(const Library& library, std::uint64_t failures, const Target& t
   refuse(target, why);
 }
 
-std::vector<PlaceChange> storeTarget(EmbeddedEditor& editor, const Target& target, const ModelSet& models) {
+void storeTarget(EmbeddedEditor& editor, const Target& target, const ModelSet& models) {
   EditorJobTools& tools = editor.tools();
   Library::Transaction transaction(editor.library());
   tools.reload();  // another program may have changed the live models
-  const LiveSnapshot snapshot(tools);
-  PlaceChange change{placeNameOf(target), PlaceChange::What::stored, std::nullopt, std::nullopt};
   const std::uint64_t failures = editor.library().failureCount();
   std::string why;
   bool stored = false;
@@ -136,21 +134,15 @@ std::vector<PlaceChange> storeTarget(EmbeddedEditor& editor, const Target& targe
       stored = tools.replaceAdditional(models);
       break;
     case Target::Kind::editBuffer:
-      change.before = nameOf(tools.live(target.buffer, target.part));
       stored = replaceBuffer(tools, target, models);
       break;
     case Target::Kind::content:
-      change.before = editor.library().contentName(target.content);
       requireReplaceable(editor, target);
       stored = editor.store().storeModels(target.content, nameOf(models), models, why);
       break;
   }
   if (!stored) failToStore(editor.library(), failures, target, why.empty() ? tools.lastError() : why);
-  if (target.kind == Target::Kind::editBuffer || target.kind == Target::Kind::content) change.after = nameOf(models);
-  std::vector<PlaceChange> changes{std::move(change)};
-  snapshot.addOthers(tools, changes);
   transaction.commit();
-  return changes;
 }
 
 }  // namespace Editor

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "exchange/EmbeddedEditor.h"
-#include "targets/PlaceChange.h"
 #include "targets/Targets.h"
 
 namespace Editor {
@@ -22,9 +21,9 @@ std::vector<Target> storedLive(EmbeddedEditor& editor);
 // Models of the shape that the target takes, fresh. `drum` counts where the target has both kinds of voice.
 ModelSet freshTarget(const Target& target, bool drum);
 
-// Replaces the whole target in one transaction, and tells what that changed. Throws TargetError (refused), or
-// LibraryError when it was the library that failed, with nothing changed.
-std::vector<PlaceChange> storeTarget(EmbeddedEditor& editor, const Target& target, const ModelSet& models);
+// Replaces the whole target in one transaction. Throws TargetError (refused), or LibraryError when it was the library
+// that failed, with nothing changed.
+void storeTarget(EmbeddedEditor& editor, const Target& target, const ModelSet& models);
 
 // Throws what storeTarget does, for one that stored by itself and could not. `failures` is what the library had counted
 // before.

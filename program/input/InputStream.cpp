@@ -5,10 +5,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <memory>
-#include <optional>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -44,7 +43,12 @@ InputLoss::Kind kindOf(StreamJoiner::Reason reason) {
   }
 }
 
-// The bytes of a file, some at a time. Throws std::system_error.
+// Why a file cannot be read any further.
+struct ReadError {
+  std::string why;
+};
+
+// The bytes of a file, some at a time. Throws ReadError, and where Ctrl-C is caught Failure.
 class Source {
  public:
   Source(std::FILE& stream, bool isPlain) : descriptor_(::fileno(&stream)), isPlain_(isPlain) {}
@@ -54,9 +58,9 @@ class Source {
     if (returned_ > 0) return {buffer_.data(), std::exchange(returned_, 0)};
     return {buffer_.data(), fill(0)};
   }
-  // The first bytes, which next() gives again: as many as tell what it is, fewer when there are no more.
-  Bytes first() {
-    while (returned_ < kMidiKindBytes) {
+  // The first bytes, which next() gives again: at least so many, fewer when there are no more.
+  Bytes first(std::size_t least) {
+    while (returned_ < least) {
       const std::size_t more = fill(returned_);
       if (more == 0) break;
       returned_ += more;
@@ -67,10 +71,10 @@ class Source {
  private:
   std::size_t fill(std::size_t at) {
     while (true) {
-      if (!isPlain_) Interruptible::wait(descriptor_);
+      isPlain_ ? Interruptible::check() : Interruptible::wait(descriptor_);
       const ssize_t count = ::read(descriptor_, buffer_.data() + at, buffer_.size() - at);
       if (count >= 0) return std::size_t(count);
-      if (errno != EINTR) throw std::system_error(errno, std::generic_category());
+      if (errno != EINTR) throw ReadError{reasonOf(errno)};
     }
   }
 
@@ -83,18 +87,22 @@ class Source {
 // Whether a file is one of messages at all.
 class Judgement {
  public:
-  explicit Judgement(Bytes first)
-      : first_(first.begin(), first.begin() + std::ptrdiff_t(std::min(first.size(), kFirst))) {
-    const auto begin = std::find_if(first_.begin(), first_.end(), [](std::uint8_t byte) { return byte < 0xF8; });
-    isMidi_ = midiKindOf(first_) != MidiKind::stream || (begin != first_.end() && *begin == 0xF0);
+  // Of the bytes of the file, in their order: all of them, or as many as one likes.
+  void look(Bytes bytes) {
+    first_.insert(first_.end(), bytes.begin(),
+                  bytes.begin() + std::ptrdiff_t(std::min(bytes.size(), kFirst - first_.size())));
+    if (isBegun_) return;
+    if (midiKindOf(first_) != MidiKind::stream) isBegun_ = isMidi_ = true;
+    const auto begin = std::find_if(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte < kRealTime; });
+    if (isBegun_ || begin == bytes.end()) return;
+    isBegun_ = true;
+    isMidi_ = *begin == 0xF0;
   }
-
   void see(Bytes message) {
     hasMessage_ = true;
     isMidi_ = isMidi_ || readMessage(message).kind != Reading::Kind::foreign;
   }
   bool isUsable() const { return hasMessage_ && isMidi_; }
-  bool hasMessage() const { return hasMessage_; }
 
   std::string words(const std::string& file) const {
     return fmt::format("{}: no System Exclusive message in it{}: it seems to be {}", displayName(file),
@@ -103,9 +111,11 @@ class Judgement {
 
  private:
   static constexpr std::size_t kFirst = 512;
+  static constexpr std::uint8_t kRealTime = 0xF8;
 
   std::vector<std::uint8_t> first_;
-  bool isMidi_ = false;  // it begins as such files do, or has a message of this maker
+  bool isBegun_ = false;  // something else than real-time bytes has come
+  bool isMidi_ = false;   // it begins as such files do, or has a message of this maker
   bool hasMessage_ = false;
 };
 
@@ -123,7 +133,7 @@ class Pieces final : public StreamJoiner::Receiver {
 
   void message(Bytes bytes, std::uint64_t offset) override {
     judgement_.see(bytes);
-    if (std::exchange(waits_, false)) tellHeld(offset);
+    waits_ = false;
     tellHeld(offset);
     visitMessage_({++number_, file_, offset, bytes});
     tellHeld(kAll);
@@ -134,20 +144,21 @@ class Pieces final : public StreamJoiner::Receiver {
   }
 
   void loss(InputLoss loss) {
-    if (loss.kind != InputLoss::Kind::realTime && !waits_) tellHeld(loss.offset);
-    if (held_.size() < kMostHeld) {
-      held_.push_back({loss.offset, loss.dropped, std::move(loss.reason), loss.kind});
-    } else {
-      held_.back().dropped += loss.dropped;  // so many that nobody will read them: their bytes count all the same
-    }
-    if (loss.kind != InputLoss::Kind::realTime && !waits_) tellHeld(kAll);
+    const bool isRealTime = loss.kind == InputLoss::Kind::realTime;
+    if (!isRealTime && !waits_) tellHeld(loss.offset);
+    if (held_.size() >= kMostHeld) tellAll();
+    held_.push_back({loss.offset, loss.dropped, std::move(loss.reason), loss.kind});
+    if (!isRealTime && !waits_) tellHeld(kAll);
   }
 
-  void finish() { tellHeld(kAll); }
+  // What a file without any message would have to say is not said: it is none of messages.
+  void finish() {
+    if (!waits_) tellHeld(kAll);
+  }
 
  private:
   static constexpr std::uint64_t kAll = ~std::uint64_t{0};
-  static constexpr std::size_t kMostHeld = 4096;
+  static constexpr std::size_t kMostHeld = 4096;  // then it is time to tell, whatever the order
 
   struct Held {
     std::uint64_t offset;
@@ -155,6 +166,11 @@ class Pieces final : public StreamJoiner::Receiver {
     std::string reason;
     InputLoss::Kind kind;
   };
+
+  void tellAll() {
+    waits_ = false;
+    tellHeld(kAll);
+  }
 
   void tellHeld(std::uint64_t before) {
     std::stable_sort(held_.begin(), held_.end(), [](const Held& a, const Held& b) { return a.offset < b.offset; });
@@ -173,12 +189,13 @@ class Pieces final : public StreamJoiner::Receiver {
   std::vector<Held> held_;
 };
 
-// All that is left, of a file that is read whole.
-std::vector<std::uint8_t> readAll(Source& source) {
+// All of a file that is read whole.
+std::vector<std::uint8_t> readAll(Source& source, Judgement& judgement) {
   std::vector<std::uint8_t> all;
   for (Bytes more = source.next(); !more.empty(); more = source.next()) {
+    judgement.look(more);
     if (all.size() + more.size() > kLargestMidiFile)
-      throw std::system_error(EFBIG, std::generic_category(), "a Standard MIDI File is read whole");
+      throw ReadError{"a Standard MIDI File is read whole, this one is larger than 64 MB"};
     all.insert(all.end(), more.begin(), more.end());
   }
   return all;
@@ -209,12 +226,28 @@ void hand(const MidiFile& midi, const std::string& file, Pieces& pieces) {
   tellUpTo(~std::uint64_t{0});
 }
 
-void readPieces(Source& source, const std::string& file, Pieces& pieces, const std::function<bool()>& isEnough) {
-  if (midiKindOf(source.first()) != MidiKind::stream) {
-    hand(readMidiFile(readAll(source)), file, pieces);
+// A container of something else is not worth to be read.
+bool isOtherRiff(Bytes first) {
+  constexpr std::string_view kMidi = "RMID";
+  constexpr std::size_t kAt = 8;
+  return midiKindOf(first) == MidiKind::riff &&
+         (first.size() < kAt + kMidi.size() || !std::equal(kMidi.begin(), kMidi.end(), first.begin() + kAt));
+}
+
+void readPieces(Source& source, const std::string& file, Judgement& judgement, Pieces& pieces,
+                const std::function<bool()>& isEnough) {
+  constexpr std::size_t kRiffHead = 12;
+  const MidiKind kind = midiKindOf(source.first(kMidiKindBytes));
+  if (kind == MidiKind::riff && isOtherRiff(source.first(kRiffHead))) {
+    judgement.look(source.next());
+  } else if (kind != MidiKind::stream) {
+    hand(readMidiFile(readAll(source, judgement)), file, pieces);
   } else {
     StreamJoiner joiner(pieces, kLongestMessage);
-    for (Bytes more = source.next(); !more.empty() && !isEnough(); more = source.next()) joiner.feed(more);
+    for (Bytes more = source.next(); !more.empty() && !isEnough(); more = source.next()) {
+      judgement.look(more);
+      joiner.feed(more);
+    }
     joiner.finish();
   }
   pieces.finish();
@@ -223,6 +256,8 @@ void readPieces(Source& source, const std::string& file, Pieces& pieces, const s
 }  // namespace
 
 InputStream::InputStream(const std::vector<std::string>& paths) {
+  if (std::count(paths.begin(), paths.end(), "-") > 1)
+    throw Failure(kWrongUsage, "standard input can be read only once");
   for (const std::string& path : paths) {
     const bool isStandardInput = path == "-";
     File file{path,
@@ -244,17 +279,17 @@ InputStream::InputStream(const std::vector<std::string>& paths) {
 std::string InputStream::judge(const File& file) {
   try {
     Source source(*file.stream, true);
-    Judgement judgement(source.first());
+    Judgement judgement;
     std::uint64_t number = 0;
     const VisitMessage ignoreMessage = [](const InputMessage&) {};
     const VisitLoss ignoreLoss = [](const InputLoss&) {};
     Pieces pieces(file.name, judgement, number, ignoreMessage, ignoreLoss, false);
-    readPieces(source, file.name, pieces, [&] { return judgement.isUsable(); });
+    readPieces(source, file.name, judgement, pieces, [&] { return judgement.isUsable(); });
     if (!judgement.isUsable()) return judgement.words(file.name);
-    if (::lseek(::fileno(file.stream.get()), 0, SEEK_SET) != 0) throw std::system_error(errno, std::generic_category());
+    if (::lseek(::fileno(file.stream.get()), 0, SEEK_SET) != 0) throw ReadError{reasonOf(errno)};
     return {};
-  } catch (const std::system_error& error) {
-    return fmt::format("{}: {}", displayName(file.name), error.what());
+  } catch (const ReadError& error) {
+    return fmt::format("{}: {}", displayName(file.name), error.why);
   }
 }
 
@@ -262,19 +297,14 @@ std::vector<std::string> InputStream::read(const VisitMessage& visitMessage, con
   std::vector<std::string> problems;
   std::uint64_t number = 0;
   for (const File& file : files_) {
-    std::optional<Judgement> judgement;
+    Judgement judgement;
     try {
       Source source(*file.stream, file.isPlain);
-      judgement.emplace(source.first());
-      const bool isKnown = file.isPlain;
-      const VisitLoss tell = [&](const InputLoss& loss) {
-        if (isKnown || judgement->hasMessage()) visitLoss(loss);
-      };
-      Pieces pieces(file.name, *judgement, number, visitMessage, tell, !isKnown);
-      readPieces(source, file.name, pieces, [] { return false; });
-      if (!isKnown && !judgement->isUsable()) problems.push_back(judgement->words(file.name));
-    } catch (const std::system_error& error) {
-      problems.push_back(fmt::format("{}: {}", displayName(file.name), error.what()));
+      Pieces pieces(file.name, judgement, number, visitMessage, visitLoss, !file.isPlain);
+      readPieces(source, file.name, judgement, pieces, [] { return false; });
+      if (!file.isPlain && !judgement.isUsable()) problems.push_back(judgement.words(file.name));
+    } catch (const ReadError& error) {
+      problems.push_back(fmt::format("{}: {}", displayName(file.name), error.why));
     }
   }
   return problems;

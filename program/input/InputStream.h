@@ -29,8 +29,9 @@ struct InputLoss {
   Kind kind;
 };
 
-// The message files of a command line, read once from the first to the last, message by message: of a stream of MIDI
-// bytes no more than one message is in memory, and one that comes through a pipe is handed on as soon as it is there.
+// The message files of a command line, read from the first to the last, message by message: of a stream of MIDI bytes
+// no more than one message is in memory, with some thousand losses at most, and one that comes through a pipe is handed
+// on as soon as it is there.
 class InputStream {
  public:
   // "-" is standard input. Throws Failure (kUnusableInput) when one cannot be opened, or holds no messages; of what

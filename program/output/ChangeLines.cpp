@@ -12,61 +12,62 @@ namespace Editor {
 
 namespace {
 
-struct Words {
-  const char* done;
-  const char* planned;
-};
-// By PlaceChange::What.
-constexpr std::array<Words, 4> kWords{
-    {{"stored", "would store"}, {"removed", "would remove"}, {"renamed", "would rename"}, {"flagged", "would flag"}}};
+// By What.
+constexpr std::array kPlanned{"would store", "would remove", "would rename", "would flag", "would set"};
 
-nlohmann::ordered_json toJson(const std::optional<ParameterValue>& value) {
+nlohmann::ordered_json toJson(const PlaceChange& change, const std::optional<std::string>& value) {
   if (!value) return nullptr;
-  if (const auto* const name = std::get_if<std::string>(&*value)) return latin1ToUtf8(*name);
-  return std::get<std::int64_t>(*value);
+  if (isNumber(change.what)) return std::stoll(*value);
+  return latin1ToUtf8(*value);
 }
 
-std::string toJsonLine(const PlaceChange& change) {
-  const nlohmann::ordered_json json{{"content", change.place},
-                                    {"what", kWords[std::size_t(change.what)].done},
-                                    {"before", toJson(change.before)},
-                                    {"after", toJson(change.after)}};
-  return json.dump(-1, ' ', true);  // a terminal would obey U+0080 to U+009F
-}
+std::string quoted(const std::string& name) { return fmt::format("\"{}\"", showName(name)); }
 
 // What stands behind the place.
 std::string detailOf(const PlaceChange& change) {
   switch (change.what) {
-    case PlaceChange::What::stored: {
-      const std::string stored = change.after ? " " + showValue(*change.after) : "";
-      return stored + (change.before ? ", replaces " + showValue(*change.before) : "");
+    case What::stored: {
+      const std::string stored = change.after->empty() ? "" : " " + quoted(*change.after);
+      if (!change.before) return stored;
+      return stored + ", replaces " + (change.before->empty() ? "what was there" : quoted(*change.before));
     }
-    case PlaceChange::What::removed:
-      return " " + showValue(*change.before);
-    case PlaceChange::What::renamed:
-      return fmt::format(" {} to {}", showValue(*change.before), showValue(*change.after));
-    case PlaceChange::What::flagged:
+    case What::removed:
+      return " " + quoted(*change.before);
+    case What::renamed:
+      return fmt::format(" {} to {}", quoted(*change.before), quoted(*change.after));
+    case What::flagged:
+      return change.after == "0" ? ": no favourite" : ": a favourite";
+    case What::set:
       break;
   }
-  return change.after == ParameterValue(std::int64_t(0)) ? ": no favourite" : ": a favourite";
+  return fmt::format(": {}, was {}", *change.after, *change.before);
 }
 
-std::string toWords(const PlaceChange& change, bool dryRun) {
-  const Words& words = kWords[std::size_t(change.what)];
-  return fmt::format("{}: {}{}", dryRun ? words.planned : words.done, change.place, detailOf(change));
+std::string toWords(const PlaceChange& change, const char* verb) {
+  return fmt::format("{}: {}{}", verb, change.place, detailOf(change));
 }
 
 }  // namespace
 
+nlohmann::ordered_json toJson(const PlaceChange& change) {
+  return {{"content", change.place},
+          {"what", wordOf(change.what)},
+          {"before", toJson(change, change.before)},
+          {"after", toJson(change, change.after)}};
+}
+
+std::string lineOf(const PlaceChange& change) { return toWords(change, wordOf(change.what)); }
+
 void tellChanges(const std::vector<PlaceChange>& changes, const ChangeOptions& options, Console& console) {
   for (const PlaceChange& change : changes) {
     if (options.json)
-      console.line(toJsonLine(change));
+      console.line(toJson(change).dump(-1, ' ', true));  // a terminal would obey U+0080 to U+009F
     else if (options.dryRun)
-      console.line(toWords(change, true));
+      console.line(toWords(change, kPlanned.at(std::size_t(change.what) - 1)));
     else
-      console.note(toWords(change, false));
+      console.note(lineOf(change));
   }
+  if (changes.empty()) console.note("nothing changes");
 }
 
 }  // namespace Editor

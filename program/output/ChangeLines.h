@@ -1,9 +1,11 @@
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
+#include <string>
 #include <vector>
 
+#include "history/History.h"
 #include "output/Console.h"
-#include "targets/PlaceChange.h"
 
 namespace Editor {
 
@@ -15,5 +17,9 @@ struct ChangeOptions {
 
 // Tells each change: as an object, or in words. Objects are data, and so is what a dry run says.
 void tellChanges(const std::vector<PlaceChange>& changes, const ChangeOptions& options, Console& console);
+
+// stored: voice:user1:6 "Piano", replaces "Strings"
+std::string lineOf(const PlaceChange& change);
+nlohmann::ordered_json toJson(const PlaceChange& change);
 
 }  // namespace Editor

@@ -15,7 +15,7 @@ std::size_t terminalWidth(int descriptor = 1);
 std::size_t displayWidth(std::string_view text);
 
 // The cells in as many columns as fit, one below the other and then column by column, as `ls` does; each line begins
-// with two blanks. A cell that is wider has a line to itself.
+// with two blanks. Where one is wider than that, each has a line to itself.
 std::vector<std::string> inColumns(const std::vector<std::string>& cells, std::size_t width);
 
 // The text in lines that are no wider, broken at blanks; a word that is wider has a line to itself.

@@ -10,13 +10,13 @@ namespace Editor {
 
 void Console::print(std::FILE* stream, std::string_view text) {
   if (stream == stdout && isReaderGone_) return;
-  clearProgress();
+  const bool isBesideProgress = !progress_.empty() && ::isatty(stream == stdout ? STDOUT_FILENO : STDERR_FILENO) != 0;
+  if (isBesideProgress) clearProgress();
   bool isWhole = std::fwrite(text.data(), 1, text.size(), stream) == text.size() && std::fputc('\n', stream) != EOF;
   // The progress stands below it, so it must be there first.
-  const bool flushes = flushesEachLine_ || (!progress_.empty() && stream == stdout && ::isatty(STDOUT_FILENO) != 0);
-  if (flushes && isWhole) isWhole = std::fflush(stream) == 0;
+  if ((flushesEachLine_ || isBesideProgress) && isWhole) isWhole = std::fflush(stream) == 0;
   if (stream == stdout) heed(isWhole);
-  drawProgress();
+  if (isBesideProgress) drawProgress();
 }
 
 void Console::flushLines() {

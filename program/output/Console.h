@@ -11,8 +11,6 @@ namespace Editor {
 class Console {
  public:
   enum class Loudness : std::uint8_t { quiet, normal, verbose };
-  // Of complaints that are alike so many are told, and how many more there are.
-  static constexpr std::size_t kMostAlike = 20;
 
   void setLoudness(Loudness loudness) { loudness_ = loudness; }
   bool isVerbose() const { return loudness_ == Loudness::verbose; }

@@ -4,15 +4,15 @@
 #include <string>
 
 #include "input/InputStream.h"
-#include "output/Console.h"
+#include "output/Complaints.h"
 
 namespace Editor {
 
-// Tells which bytes of files became no message, and why: of each file the first ones and how many more there are.
-// Real-time bytes, of which a clock sends one every few milliseconds, share a line.
+// Tells which bytes of files became no message, and why. Real-time bytes, of which a clock sends one every few
+// milliseconds, share a line for each file.
 class LossReport {
  public:
-  explicit LossReport(Console& console) : console_(console) {}
+  explicit LossReport(Console& console) : console_(console), complaints_(console) {}
 
   void add(const InputLoss& loss);
   // What is still to say of the last file.
@@ -22,9 +22,8 @@ class LossReport {
 
  private:
   Console& console_;
+  Complaints complaints_;
   std::string file_;
-  std::uint64_t told_ = 0;
-  std::uint64_t untold_ = 0;
   std::uint64_t realTime_ = 0;
   bool isWhole_ = true;
 };

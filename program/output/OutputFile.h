@@ -10,8 +10,8 @@ namespace Editor {
 std::string followLinks(const std::string& path);
 
 // A file that comes into being whole or not at all: written beside its place, on disk before it takes it. "-" is
-// standard output, which gets the bytes when they are committed. A link is followed: the file that it names is written.
-// Errors are thrown as Failure.
+// standard output, which gets the bytes when they are committed or passed on. A link is followed: the file that it
+// names is written. Errors are thrown as Failure.
 class OutputFile {
  public:
   explicit OutputFile(std::string path);
@@ -19,12 +19,16 @@ class OutputFile {
   OutputFile& operator=(const OutputFile&) = delete;
   ~OutputFile();  // without commit: as if it had never been
 
-  bool isStandardOutput() const { return path_ == "-"; }
   void write(std::span<const std::uint8_t> bytes);
   void write(const std::string& text);
+  // To standard output, which is never half: what has been written goes out now.
+  void passOn() {
+    if (isStandardOutput()) flush();
+  }
   void commit();
 
  private:
+  bool isStandardOutput() const { return path_ == "-"; }
   void flush();
   [[noreturn]] void fail(const std::string& doing) const;
 

@@ -24,7 +24,11 @@ Interruptible::Interruptible() {
   struct sigaction action {};
   action.sa_flags = SA_RESTART;
   action.sa_handler = [](int) { isInterrupted = 1; };
-  for (std::size_t i = 0; i < std::size(kSignals); ++i) ::sigaction(kSignals[i], &action, &previous_[i]);
+  for (std::size_t i = 0; i < std::size(kSignals); ++i) {
+    ::sigaction(kSignals[i], &action, &previous_[i]);
+    // As nohup and a shell's background have it: who started us wants it ignored.
+    if (previous_[i].sa_handler == SIG_IGN) ::sigaction(kSignals[i], &previous_[i], nullptr);
+  }
 }
 
 Interruptible::~Interruptible() {

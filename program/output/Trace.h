@@ -24,6 +24,10 @@ class Trace {
   explicit Trace(const std::string& path);
 
   void add(const Origin& origin, BDA::DevicePortNum port, std::span<const std::uint8_t> message, const Record& record);
+  // As OutputFile does.
+  void passOn() {
+    if (file_) file_->passOn();
+  }
   void commit();
 
  private:

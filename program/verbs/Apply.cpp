@@ -2,8 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <memory>
-
+#include "ChangeRun.h"
 #include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/MidiFile.h"
@@ -52,12 +51,12 @@ void apply(Words words, const ChangeOptions& options, Program& program) {
   words.pop_back();
   const Target target = parseOneTarget(words);
   const ModelSet models = readModels(file, target);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange(options.dryRun);
+  ChangeRun run(program, {"apply", {file}, {}}, options);
   const CarryCheck check = checkCarried(target, models);
   if (!check.refusal.empty()) throw Failure(kRefused, fmt::format("{}: {}", target.name, check.refusal));
-  const std::vector<PlaceChange> changes = storeTarget(*editor, target, models);
+  storeTarget(run.editor(), target, models);
   if (!check.unchecked.empty()) program.console.note(fmt::format("{}: {}", target.name, check.unchecked));
-  tellChanges(changes, options, program.console);
+  run.keep();
 }
 
 }  // namespace Editor

@@ -4,14 +4,20 @@
 
 #include <fmt/format.h>
 
-#include <memory>
+#include <array>
 
+#include "ChangeRun.h"
 #include "midi/Counted.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
 
 namespace {
+
+const char* wordOf(Arrangement::Kind kind) {
+  constexpr std::array kWords{"copy", "move", "swap"};
+  return kWords.at(std::size_t(kind));
+}
 
 constexpr std::size_t kMostNamed = 20;  // of the places that are left out
 
@@ -27,13 +33,6 @@ void tellNotes(const Arranged& arranged, Console& console) {
   if (!places.empty())
     console.note(fmt::format("{} nothing, left out: {}", counted(arranged.leftOut.size(), "place holds", "places hold"),
                              places));
-  if (arranged.changes.empty()) console.note("nothing changes");
-}
-
-Arranged run(EmbeddedEditor& editor, const Arrangement& arrangement, const std::string& otherLibrary,
-             Program& program) {
-  if (otherLibrary.empty()) return arrange(editor, arrangement);
-  return arrange(editor, arrangement, *program.openToRead(otherLibrary));
 }
 
 }  // namespace
@@ -44,9 +43,11 @@ void arrange(Arrangement::Kind kind, const Words& words, const std::string& othe
   if (sides.size() != 2) throw Failure(kWrongUsage, "expected two places, ranges or banks");
   const Arrangement arrangement = parseArrangement(kind, sides.front(), sides.back());
   if (kind != Arrangement::Kind::copy) program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange(options.dryRun);
-  const Arranged arranged = run(*editor, arrangement, otherLibrary, program);
-  tellChanges(arranged.changes, options, program.console);
+  ChangeRun run(program, {wordOf(kind), otherLibrary.empty() ? Words() : Words{otherLibrary}, {}}, options);
+  const Arranged arranged = otherLibrary.empty()
+                                ? arrange(run.editor(), arrangement)
+                                : arrange(run.editor(), arrangement, *program.openToRead(otherLibrary));
+  run.keep();
   tellNotes(arranged, program.console);
 }
 

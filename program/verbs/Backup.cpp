@@ -75,6 +75,7 @@ class BackingUp {
  public:
   BackingUp(const std::string& output, Program& program)
       : program_(program), editor_(program.openToRead()), file_(output) {
+    if (editor_->library().isYetEmpty()) throw Failure(kUnusableInput, "a backup of nothing: nothing is written");
     if (output == "-") program.console.keepOutputForBytes();
   }
 

@@ -51,24 +51,31 @@ class Selection {
   std::set<std::string> live_;
 };
 
-// Those of one state of the library.
 struct Found {
   std::vector<Entry> entries;
   std::vector<Target> live;  // edit buffers, system and additional that were ever stored
+  std::vector<std::string> damaged;
 };
 
 Found find(EmbeddedEditor& editor, const Selection& selection) {
   Library& library = editor.library();
   std::map<ContentId, Entry> entries;
-  const Library::Transaction oneState(library, Library::Transaction::Access::Read);
-  for (const ContentId id : library.contents())
-    if (selection.has(id)) entries[id] = {id, library.content(id), 0};
+  Found found;
+  const EmbeddedEditor::View oneState(editor);
+  for (const ContentId id : library.contents()) {
+    if (!selection.has(id)) continue;
+    try {
+      entries[id] = {id, library.content(id), 0};
+    } catch (const LibraryError& error) {
+      if (error.kind() != LibraryError::Kind::Damaged) throw;
+      found.damaged.push_back(nameOf(id));
+    }
+  }
   for (const auto& [id, flag] : library.favourites()) {
     if (!selection.has(id)) continue;
     entries[id].id = id;
     entries[id].favourite = flag;
   }
-  Found found;
   found.entries.reserve(entries.size());
   for (auto& [id, entry] : entries) found.entries.push_back(std::move(entry));
   for (Target& target : storedLive(editor))
@@ -214,6 +221,10 @@ void contents(const Words& words, const ContentsOptions& options, Program& progr
   } else {
     const bool isGrid = options.grid || (!options.lines && ::isatty(STDOUT_FILENO) != 0);
     Listing(program.console, isGrid).print(found, *editor);
+  }
+  for (const std::string& name : found.damaged) {
+    program.console.problem(fmt::format("{}: left out: it is damaged (bda check tells more)", name));
+    program.refuse();
   }
   program.console.note(countOf(found) + (selection.isAll() ? "" : " there"));
 }

@@ -10,6 +10,7 @@
 #include "compare/Compare.h"
 #include "input/InputFile.h"
 #include "messages/Text.h"
+#include "output/Complaints.h"
 #include "output/DifferenceLines.h"
 #include "output/Progress.h"
 #include "verbs/Verbs.h"
@@ -19,6 +20,8 @@ namespace Editor {
 namespace {
 
 bool isLibrary(const std::string& path) {
+  std::error_code unknown;
+  if (!std::filesystem::is_regular_file(path, unknown)) return false;  // a pipe can be read only once
   constexpr std::string_view kMagic("SQLite format 3\0", 16);
   std::string magic(kMagic.size(), '\0');
   std::ifstream(path, std::ios::binary).read(magic.data(), std::streamsize(magic.size()));
@@ -43,8 +46,9 @@ class Side {
   // What is refused is told, and is missing from the comparison: that alone makes it fail.
   void receive(const InputFile& input, Program& program) {
     editor_ = std::make_unique<EmbeddedEditor>();
-    const auto complain = [&](const std::string& text) {
-      program.console.problem(text);
+    Complaints complaints(program.console);
+    const auto complain = [&](const std::string& kind, const std::string& text) {
+      complaints.tell(kind, text);
       program.refuse();
     };
     if (!input.reportLosses(program.console)) program.refuse();
@@ -56,14 +60,16 @@ class Side {
         const Record record = editor().handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
         if (record.outcome == Outcome::refused)
           complain(
+              fmt::format("refused: {}", wordsOf(record.report.refusal)),
               fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
         for (const UnitReport& unit : record.ended)
-          if (isBroken(unit)) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
+          if (isBroken(unit)) complain(wordOf(unit.state), fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
       }
       progress.step(message.bytes.size());
     });
     for (const UnitReport& unit : editor().openUnits())
-      complain(fmt::format("{}: {}", input.place(unit.firstMessage), describeUnit(unit)));
+      complain(wordOf(unit.state), fmt::format("{}: {}", input.place(unit.firstMessage), describeUnit(unit)));
+    complaints.finish();
     run.commit();
   }
 
@@ -81,7 +87,8 @@ class Telling {
     for (const std::string& line : jsonOf(difference)) console_.line(line);
   }
 
-  void summarise(const Comparison& comparison) const {
+  // `isAll`: nothing that a file holds is missing from the comparison.
+  void summarise(const Comparison& comparison, bool isAll) const {
     if (form_ == DiffForm::json) return console_.line(jsonOf(comparison));
     std::string counts;
     for (const auto& [count, what] : {std::pair(comparison.equal, std::string("equal")),
@@ -92,7 +99,7 @@ class Telling {
       if (count != 0) counts += fmt::format("{}{} {}", counts.empty() ? "" : ", ", count, what);
     if (counts.empty()) counts = "none";
     if (comparison.others != 0) counts += fmt::format("; besides contents: {} different", comparison.others);
-    console_.note(fmt::format("{}contents: {}", comparison.isEqual() ? "no difference; " : "", counts));
+    console_.note(fmt::format("{}contents: {}", comparison.isEqual() && isAll ? "no difference; " : "", counts));
   }
 
  private:
@@ -131,15 +138,13 @@ void diff(const std::string& firstPath, const std::string& secondPath, DiffForm 
   const std::optional<InputFile> secondInput = read(secondPath);
   Side first(firstPath, firstInput, program);
   Side second(secondPath, secondInput, program);
-  const Library::Transaction firstState(first.editor().library(), Library::Transaction::Access::Read);
-  const Library::Transaction secondState(second.editor().library(), Library::Transaction::Access::Read);
-  first.editor().tools().reload();
-  second.editor().tools().reload();
+  const EmbeddedEditor::View firstState(first.editor());
+  const EmbeddedEditor::View secondState(second.editor());
   const Reception reception = firstInput || secondInput ? Reception::ignored : Reception::compared;
   const Telling telling(firstPath, secondPath, form, program.console);
   const Comparison comparison = compareLibraries(first.editor(), second.editor(), reception,
                                                  [&](const Difference& difference) { telling.tell(difference); });
-  telling.summarise(comparison);
+  telling.summarise(comparison, program.exitCode() == kAllGood);
   if (!comparison.isEqual()) program.refuse();
 }
 

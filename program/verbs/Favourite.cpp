@@ -2,9 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <memory>
-
-#include "targets/PlaceChange.h"
+#include "ChangeRun.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
@@ -19,18 +17,12 @@ void favourite(const Words& words, const ChangeOptions& options, Program& progra
   if (!canBeFavourite(target.content))
     refuse(target, "only preset, GM and user voices and drum voices can be favourites");
   program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange(options.dryRun);
-  Library& library = editor->library();
-  Library::Transaction transaction(library);
-  const std::int64_t before = library.favourite(target.content);
-  const std::int64_t after = value == "off" ? 0 : before != 0 ? before : 1;
-  if (before == 0 && !library.contentName(target.content)) refuse(target, "nothing is stored there");
-  if (before == after)
-    return program.console.note(
-        fmt::format("nothing changes: {} is {} favourite", target.name, before != 0 ? "a" : "no"));
-  library.setFavourite(target.content, std::uint8_t(after));
-  transaction.commit();
-  tellChanges({{placeNameOf(target), PlaceChange::What::flagged, before, after}}, options, program.console);
+  ChangeRun run(program, {"favourite", {}, {}}, options);
+  Library& library = run.library();
+  const bool isOn = library.favourite(target.content) != 0;
+  if (!isOn && !library.contentName(target.content)) refuse(target, "nothing is stored there");
+  if (isOn != (value == "on")) library.setFavourite(target.content, value == "on" ? 1 : 0);
+  run.keep();
 }
 
 }  // namespace Editor

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -12,7 +13,6 @@
 #include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
-#include "midi/MidiFile.h"
 #include "output/LossReport.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
@@ -78,8 +78,9 @@ class Receiving {
         port_(BDA::DevicePortNum(options.port)),
         input_(files),
         losses_(console_),
+        refusals_(console_),
         progress_(program.console, "receive", "messages", 0, input_.size()),
-        editor_(program.openToChange()),
+        editor_(program.openToChange({"receive", files, {}})),
         trace_(options.trace) {
     if (!options.output.empty()) answers_.emplace(options.output);
     if (options.output == "-" || options.trace == "-") console_.keepOutputForBytes();
@@ -88,16 +89,19 @@ class Receiving {
   }
 
   void run() {
+    std::vector<std::string> unusable;
     std::optional<Failure> failure;
     try {
-      readAll();
+      unusable = input_.read([this](const InputMessage& message) { receive(message); },
+                             [this](const InputLoss& loss) { losses_.add(loss); });
     } catch (const Failure& early) {
       failure = early;
     } catch (...) {
-      close();
+      finish();
       throw;
     }
-    close();
+    finish();
+    program_.failInputs(unusable);
     if (failure) {
       console_.problem(fmt::format("bda: {}", failure->what()));
       program_.endWith(failure->code());
@@ -106,32 +110,32 @@ class Receiving {
   }
 
  private:
-  void readAll() {
-    const std::vector<std::string> unusable = input_.read([this](const InputMessage& message) { receive(message); },
-                                                          [this](const InputLoss& loss) { losses_.add(loss); });
-    losses_.finish();
-    if (!losses_.areAllWhole()) program_.refuse();
+  // What was done was done, however the run ends.
+  void finish() {
+    progress_.end();
     for (const UnitReport& unit : editor_->openUnits())
       complain(fmt::format("{}: {}", places_.at(unit.firstMessage), describeUnit(unit)));
+    refusals_.finish();
+    losses_.finish();
+    if (!losses_.areAllWhole()) program_.refuse();
     otherDevices_.tell(console_);
-    program_.failInputs(unusable);
+    output([this] {
+      if (answers_ && hasAnswers_) answers_->commit();
+    });
+    output([this] { trace_.commit(); });
     if (answers_ && !hasAnswers_) console_.note("no request was answered: nothing is written");
   }
 
-  // What was done was done, however the run ends.
-  void close() {
-    progress_.end();
+  // False when it could not be written, which is told.
+  bool output(const std::function<void()>& write) {
     try {
-      commitOutputs();
+      write();
+      return true;
     } catch (const Failure& failure) {
       console_.problem(fmt::format("bda: {}", failure.what()));
       program_.failOutput();
+      return false;
     }
-  }
-
-  void commitOutputs() {
-    if (answers_ && hasAnswers_) answers_->commit();
-    trace_.commit();
   }
 
   void complain(const std::string& text) {
@@ -147,6 +151,7 @@ class Receiving {
     isPassedOn ? tally_.add(record) : tally_.addRefused();
     try {
       trace_.add({message.number, &message.file, message.offset}, port_, message.bytes, record);
+      trace_.passOn();
     } catch (const Failure& failure) {
       throw Failure(failure.code(),
                     fmt::format("{}: {}; nothing after it is handled", placeOf(message), failure.what()));
@@ -187,9 +192,7 @@ class Receiving {
         tellContents();
         break;
       case Outcome::refused:
-        if (record.report.refusal != BDA::BulkDumpRefusal::wrongDeviceNumber ||
-            otherDevices_.isNew(*record.reading.device))
-          complain(fmt::format("{}: refused: {}: {}", placeOf(message), what, escape(record.reason)));
+        refuse(message, record, what);
         tellContents();
         break;
       case Outcome::answered:
@@ -207,6 +210,14 @@ class Receiving {
     return true;
   }
 
+  void refuse(const InputMessage& message, const Record& record, const std::string& what) {
+    program_.refuse();
+    const BDA::BulkDumpRefusal refusal = record.report.refusal;
+    if (refusal == BDA::BulkDumpRefusal::wrongDeviceNumber && !otherDevices_.isNew(*record.reading.device)) return;
+    refusals_.tell(fmt::format("refused: {}", wordsOf(refusal)),
+                   fmt::format("{}: refused: {}: {}", placeOf(message), what, escape(record.reason)));
+  }
+
   bool answer(const InputMessage& message, const Record& record, const std::string& what) {
     if (const std::string why = whyUnsendable(record.sent); answers_ && !why.empty()) {
       complain(fmt::format("{}: {}: {}", placeOf(message), what, why));
@@ -214,8 +225,12 @@ class Receiving {
     }
     console_.line(fmt::format("answered: {}, {} ({})", what, counted(record.sent.size(), "message"), placeOf(message)));
     if (!answers_) return true;
-    for (const AssistantHost::Sent& sent : record.sent) answers_->write(sent.bytes);
     hasAnswers_ = true;
+    const bool isWritten = output([&] {
+      for (const AssistantHost::Sent& sent : record.sent) answers_->write(sent.bytes);
+      answers_->passOn();
+    });
+    if (!isWritten) answers_.reset();  // the run goes on: what it stores has nothing to do with that
     return true;
   }
 
@@ -224,6 +239,7 @@ class Receiving {
   const BDA::DevicePortNum port_;
   InputStream input_;
   LossReport losses_;
+  Complaints refusals_;
   Progress progress_;
   const std::unique_ptr<EmbeddedEditor> editor_;
   Trace trace_;

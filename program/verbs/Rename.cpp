@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <memory>
 
+#include "ChangeRun.h"
 #include "contents/ContentFormat.h"
 #include "input/InputStream.h"
 #include "input/RenameTable.h"
@@ -30,9 +30,10 @@ void checkName(const Target& target, const std::string& name, std::size_t most) 
 
 void renameContent(EmbeddedEditor& editor, const Target& target, const std::string& name) {
   constexpr std::size_t kLongest = 20;  // in the list of multi names too
-  const Library::Content content = *editor.library().content(target.content);
+  const std::optional<Library::Content> content = editor.library().content(target.content);
+  if (!content) refuse(target, "nothing is stored there");
   ModelSet models = emptySetFor(target.content);
-  if (haveSameShape(models, ModelSet()) || decodeContent(content.bytes, models)) {
+  if (haveSameShape(models, ModelSet()) || decodeContent(content->bytes, models)) {
     checkName(target, name, kLongest);
     editor.library().rename(target.content, name);
     return;
@@ -53,18 +54,12 @@ void renameBuffer(EmbeddedEditor& editor, const Target& target, const std::strin
 }
 
 // Inside of a transaction.
-PlaceChange renamePlace(EmbeddedEditor& editor, const Target& target, const std::string& name) {
+void renamePlace(EmbeddedEditor& editor, const Target& target, const std::string& name) {
   if (!hasName(target)) refuse(target, "no message carries a name for it");
-  PlaceChange change{placeNameOf(target), PlaceChange::What::renamed, std::nullopt, name};
-  if (target.kind == Target::Kind::content) {
-    change.before = editor.library().contentName(target.content);
-    if (!change.before) refuse(target, "nothing is stored there");
+  if (target.kind == Target::Kind::content)
     renameContent(editor, target, name);
-  } else {
-    change.before = nameOf(editor.tools().live(target.buffer, target.part));
+  else
     renameBuffer(editor, target, name);
-  }
-  return change;
 }
 
 RenameRow rowOf(const Words& words) {
@@ -84,21 +79,17 @@ void rename(const Words& words, const std::string& table, const ChangeOptions& o
   const bool isTable = !table.empty();
   const std::vector<RenameRow> rows = isTable ? loadRenameTable(table) : std::vector<RenameRow>{rowOf(words)};
   program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange(options.dryRun);
-  Library::Transaction transaction(editor->library());
-  editor->tools().reload();  // now that nobody changes it
-  std::vector<PlaceChange> changes;
+  ChangeRun run(program, {"rename", isTable ? Words{table} : Words(), {}}, options);
   for (const RenameRow& row : rows) {
     try {
-      changes.push_back(renamePlace(*editor, row.target, row.name));
+      renamePlace(run.editor(), row.target, row.name);
     } catch (const TargetError& error) {
       if (!isTable) throw;
       throw Failure(kRefused,
                     fmt::format("{}: line {}: {}; nothing is renamed", displayName(table), row.line, error.what()));
     }
   }
-  transaction.commit();
-  tellChanges(changes, options, program.console);
+  run.keep();
 }
 
 }  // namespace Editor

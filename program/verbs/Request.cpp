@@ -10,6 +10,7 @@
 #include "midi/Counted.h"
 #include "midi/Hex.h"
 #include "output/OutputFile.h"
+#include "output/Progress.h"
 #include "output/Trace.h"
 #include "targets/Targets.h"
 #include "verbs/Verbs.h"
@@ -45,11 +46,13 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
   if (options.trace == "-" && (options.output.empty() || options.output == "-"))
     throw Failure(kWrongUsage, "answers and trace cannot both go to standard output");
   const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
+  const Interruptible interruptible;  // or what is written beside the output would stay
   Trace trace(options.trace);
   std::vector<std::vector<std::uint8_t>> answers;
   std::size_t answered = 0;
   std::uint64_t number = 0;
   for (const BulkAddress address : addresses) {
+    Interruptible::check();
     try {
       const std::vector<std::uint8_t> message = editor->requestFor(address);
       const Record record = editor->handle(message, port, ++number);

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <filesystem>
 #include <memory>
 #include <set>
 
@@ -10,6 +9,7 @@
 #include "input/InputFile.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
+#include "output/Complaints.h"
 #include "output/DifferenceLines.h"
 #include "output/Progress.h"
 #include "verbs/Verbs.h"
@@ -21,7 +21,8 @@ namespace {
 class Restoring {
  public:
   Restoring(const std::string& file, const RestoreOptions& options, Program& program)
-      : options_(options),
+      : file_(file),
+        options_(options),
         program_(program),
         console_(program.console),
         input_(file),
@@ -30,13 +31,15 @@ class Restoring {
   void run() {
     verify();
     if (!options_.dryRun) {
-      const std::unique_ptr<EmbeddedEditor> editor = program_.openToChange();
+      const std::unique_ptr<EmbeddedEditor> editor = program_.openToChange(run_);
       EmbeddedEditor::Run run(*editor, Library::Transaction::Access::Write, devices());
       receive(*editor, "restore");
-      run.commit();
-      tellChanges(editor->library().takeChanges());
-    } else if (const std::string file = program_.libraryFile(); std::filesystem::exists(file)) {
-      rehearse(*program_.openToRead(file));
+      const std::vector<PlaceChange> changes = changesOfRun(editor->library());
+      if (dumps_ > 0) run.commit();
+      if (options_.json) tellChanges(changes, options_, console_);
+      tellContents(editor->library().takeChanges());
+    } else if (program_.hasLibrary()) {
+      rehearse(*program_.openToRead());
     } else {
       EmbeddedEditor empty;
       rehearse(empty);
@@ -55,25 +58,28 @@ class Restoring {
   // Judges the file by itself, before any library is opened.
   void verify() {
     bool isForUs = false;
-    std::size_t problems = input_.reportLosses(console_) ? 0 : 1;
-    const auto complain = [&](const std::string& text) {
-      if (++problems <= Console::kMostAlike) console_.problem(text);
+    bool isWhole = input_.reportLosses(console_);
+    Complaints complaints(console_);
+    const auto complain = [&](const std::string& kind, const std::string& text) {
+      isWhole = false;
+      complaints.tell(kind, text);
     };
     UnitFollower follower;
     const auto judge = [&](const std::vector<UnitReport>& units, const std::string& place) {
       for (const UnitReport& unit : units)
-        if (isBroken(unit)) complain(fmt::format("{}: {}", place, describeUnit(unit)));
+        if (isBroken(unit)) complain(wordOf(unit.state), fmt::format("{}: {}", place, describeUnit(unit)));
     };
     input_.forEachMessage([&](const InputMessage& message) {
       const Reading reading = readMessage(message.bytes);
       isForUs = isForUs || reading.kind != Reading::Kind::foreign;
       if (isBroken(reading))
-        complain(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
+        complain(wordOf(reading.verdict),
+                 fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
       if (reading.kind != Reading::Kind::request) judge(follower.next(reading, message.number), placeOf(message));
     });
     for (const UnitReport& unit : follower.finish()) judge({unit}, input_.place(unit.firstMessage));
-    if (problems > Console::kMostAlike) console_.problem(fmt::format("and {} more", problems - Console::kMostAlike));
-    if (problems != 0) giveUp();
+    complaints.finish();
+    if (!isWhole) giveUp();
     if (!isForUs) throw Failure(kUnusableInput, "no message is for this instrument: nothing is restored");
   }
 
@@ -87,11 +93,15 @@ class Restoring {
         if (record.outcome == Outcome::refused) {
           console_.problem(
               fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
+          if (record.report.refusal == BDA::BulkDumpRefusal::wrongDeviceNumber)
+            console_.problem("--any-device takes messages for other devices too");
           giveUp(record.libraryFailed ? kWrongUsage : kRefused);
         }
       }
       progress.step(message.bytes.size());
     });
+    for (const UnitReport& unit : editor.openUnits())
+      console_.problem(fmt::format("{}: {}", input_.place(unit.firstMessage), describeUnit(unit)));
     if (!editor.openUnits().empty()) giveUp();
     if (dumps_ < messages_)
       console_.note(fmt::format("{} of {} messages are no dumps: ignored", messages_ - dumps_, messages_));
@@ -105,7 +115,7 @@ class Restoring {
     }
   }
 
-  void tellChanges(const std::vector<Change>& changes) {
+  void tellContents(const std::vector<Change>& changes) {
     std::set<ContentId> stored;
     std::set<ContentId> removed;
     for (const Change& change : changes) {
@@ -122,12 +132,13 @@ class Restoring {
 
   // On a copy.
   void rehearse(EmbeddedEditor& library) {
-    const Library::Transaction oneState(library.library(), Library::Transaction::Access::Read);
-    library.tools().reload();
+    const EmbeddedEditor::View oneState(library);
     EmbeddedEditor copy;
     copy.library().copyFrom(library.library());
+    copy.library().beginRun(run_);
     const EmbeddedEditor::Run run(copy, Library::Transaction::Access::Write, devices());
     receive(copy, "dry run");
+    if (options_.json) return tellChanges(changesOfRun(copy.library()), options_, console_);
     std::uint64_t changes = 0;
     compareLibraries(library, copy, Reception::ignored, [&](const Difference& change) {
       ++changes;
@@ -154,6 +165,8 @@ class Restoring {
     for (const std::string& detail : details) console_.line("    " + detail);  // where the line above went
   }
 
+  const std::string file_;
+  const LibraryRun run_{"restore", {file_}, {}};
   const RestoreOptions options_;
   Program& program_;
   Console& console_;

@@ -94,11 +94,11 @@ void show(const Words& words, bool json, Program& program) {
   std::vector<Places<Target>> asked;
   for (const std::string& word : joinAddresses(words)) asked.push_back(parseTargets(word));
   const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
+  const EmbeddedEditor::View oneState(*editor);
   if (asked.size() == 1 && asked.front().isOne) {
     print(loadTarget(*editor, asked.front().list.front()), std::nullopt, json, program.console);
     return;
   }
-  const Library::Transaction oneState(editor->library(), Library::Transaction::Access::Read);
   for (const Places<Target>& places : asked) showAll(places, json, *editor, program);
 }
 

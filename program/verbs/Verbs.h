@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,7 +36,8 @@ void show(const Words& words, bool json, Program& program);
 void apply(Words words, const ChangeOptions& options, Program& program);
 
 // The library itself. No name: all settings; no value: what it is.
-void settings(const std::string& name, const std::optional<std::string>& value, Program& program);
+void settings(const std::string& name, const std::optional<std::string>& value, const ChangeOptions& options,
+              Program& program);
 struct ContentsOptions {  // one of them at most; none: a grid on a terminal, else lines
   bool json = false;
   bool grid = false;
@@ -52,10 +54,19 @@ void remove(const Words& words, const ChangeOptions& options, Program& program);
 void arrange(Arrangement::Kind kind, const Words& words, const std::string& otherLibrary, const ChangeOptions& options,
              Program& program);
 
+// What changed the library, and taking that back.
+struct HistoryOptions {
+  std::size_t most = std::numeric_limits<std::size_t>::max();  // entries
+  bool json = false;
+};
+void history(const HistoryOptions& options, Program& program);
+// No entry: the newest. `force`: also where places changed since.
+void undo(std::optional<std::int64_t> entry, bool force, const ChangeOptions& options, Program& program);
+
 // Whole libraries.
+void check(bool json, Program& program);
 void backup(const std::string& output, Program& program);
-struct RestoreOptions {
-  bool dryRun = false;
+struct RestoreOptions : ChangeOptions {
   bool anyDevice = false;  // as above
 };
 void restore(const std::string& file, const RestoreOptions& options, Program& program);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "midi/Counted.h"
+#include "output/Complaints.h"
 #include "output/ReadingLines.h"
 #include "verbs/Verbs.h"
 
@@ -17,6 +18,7 @@ void verify(const Words& files, bool json, Program& program) {
   std::size_t brokenMessages = 0;
   std::size_t units = 0;
   std::size_t brokenUnits = 0;
+  Complaints complaints(console);
   UnitFollower follower;
   const auto tellUnits = [&](const std::vector<UnitReport>& ended) {
     for (const UnitReport& unit : ended) {
@@ -29,12 +31,14 @@ void verify(const Words& files, bool json, Program& program) {
     ++messages;
     if (isBroken(reading)) {
       ++brokenMessages;
-      console.problem(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
+      complaints.tell(wordOf(reading.verdict),
+                      fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
     }
     tellUnits(follower.next(reading, message.number));
   };
   const ReadingResult result = printReadings(input, form, console, judge);
   tellUnits(follower.finish());
+  complaints.finish();
   if (!result.areAllWhole || brokenMessages + brokenUnits != 0) program.refuse();
   console.note(fmt::format("{}, {} broken; {}, {} broken", counted(messages, "message"), brokenMessages,
                            counted(units, "unit"), brokenUnits));

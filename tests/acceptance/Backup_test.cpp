@@ -155,8 +155,8 @@ TEST_F(Backup, howTheLibraryListensIsNotInTheWay) {
     EXPECT_THAT(bda({"backup", "-o", "b.syx"}), Exits(0));
     EXPECT_EQ(read("a.syx"), read("b.syx"));
     EXPECT_THAT(bda({"restore", "b.syx"}), Exits(0));
-    EXPECT_EQ(bda({"settings"}).out,
-              std::string("device-number ") + device + "\nreceive-bulk off\nmixing-voices 2048\n");
+    EXPECT_EQ(bda({"settings"}).out, std::string("device-number ") + device +
+                                         "\nreceive-bulk off\nmixing-voices 2048\nhistory 1000\nhistory-size 64\n");
   }
 }
 

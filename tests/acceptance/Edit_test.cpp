@@ -157,6 +157,13 @@ TEST_F(Edit, aFileOfNamesReplacesTheBuiltInOnes) {
   EXPECT_THAT(waveforms({}), HasSubstr("Beside"));
 }
 
+TEST_F(Edit, aFileOfNamesThatIsWrongIsNoConcernOfOtherVerbs) {
+  write("library.db.names", "nonsense\n");
+  EXPECT_THAT(bda({"settings"}), Exits(0));
+  EXPECT_THAT(bda({"backup", "-o", "a.syx"}), Exits(0));
+  EXPECT_THAT(bda({"request", "names:waveforms:1"}), Exits(2));
+}
+
 TEST_F(Edit, aFileOfNamesThatIsWrongIsRefusedWithItsLine) {
   write("long.txt", "waveform 1 Sine\nwaveform 2 " + std::string(29, 'x') + "\n");
   const Result run = bda({"request", "names:waveforms:1", "--names", "long.txt"});

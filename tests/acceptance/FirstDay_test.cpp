@@ -66,6 +66,18 @@ TEST_F(FirstDay, backupRefusesTheDefaultOneTooAndKeepsTheFile) {
   EXPECT_FALSE(exists("XDG_DATA_HOME"));
 }
 
+// A full disk or a copy that broke off leaves such a file: a backup of it would replace a good one.
+TEST_F(FirstDay, anEmptyFileIsReadAsAnEmptyLibraryAndIsNoneToBackUp) {
+  write("library.db", "");
+  write("good.syx", "a good backup");
+  EXPECT_THAT(bda({"backup", "-o", "good.syx"}), Exits(2));
+  EXPECT_EQ(read("good.syx"), "a good backup");
+  const Result run = bda({"contents"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.err, HasSubstr("library.db: there is nothing in it yet"));
+  EXPECT_EQ(read("library.db"), "");
+}
+
 TEST_F(FirstDay, whatNeedsAContentIsRefusedAndMakesNone) {
   for (const Words& words : std::vector<Words>{{"rename", "voice:user1:1", "Name"},
                                                {"rename", "voice:edit", "Name"},
@@ -102,6 +114,9 @@ TEST_F(FirstDay, theFirstChangeMakesOne) {
   EXPECT_THAT(bda({"receive", "request.syx"}), Exits(0));
   EXPECT_THAT(bda({"receive", "broken.syx"}), Exits(3));
   EXPECT_THAT(bda({"restore", "broken.syx"}), Exits(3));
+  EXPECT_THAT(bda({"restore", "request.syx"}), Exits(0));
+  write("trigger.syx", {dump(Editor::kWriteTrigger)});
+  EXPECT_THAT(bda({"receive", "trigger.syx"}), Exits(0));
   EXPECT_FALSE(exists("library.db"));
   write("voice.syx", text(unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 1)));
   const Result dryRun = bda({"restore", "--dry-run", "voice.syx"});

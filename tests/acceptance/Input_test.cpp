@@ -96,6 +96,18 @@ class Input : public Program {
       for (char c = 0; ::read(out_, &c, 1) == 1 && c != '\n';) text += c;
       return text;
     }
+    // The next bytes of its standard output; waits for them.
+    Bytes bytes(std::size_t count) {
+      Bytes all(count);
+      std::size_t done = 0;
+      while (done < count) {
+        const ssize_t more = ::read(out_, all.data() + done, count - done);
+        if (more <= 0) break;
+        done += std::size_t(more);
+      }
+      EXPECT_EQ(done, count);
+      return all;
+    }
     void signal(int number) const { ::kill(child_, number); }
     // Its exit code, and what it had in memory at most, in KB.
     int end() {
@@ -207,9 +219,66 @@ TEST_F(Input, complaintsThatAreAlikeEndAfterTwentyWithACount) {
                             [](const auto& line) { return line.find("1 byte dropped") != line.npos; }),
               20)
         << verb;
-    EXPECT_THAT(run.err, HasSubstr("stray.syx: and 10 such places more\n")) << verb;
+    EXPECT_THAT(run.err, HasSubstr("and 10 more: stray.syx: outside of any message\n")) << verb;
   }
   EXPECT_THAT(lines(bda({"list", "--json", "stray.syx"}).out), SizeIs(60));
+}
+
+TEST_F(Input, refusalsThatAreAlikeEndAfterTwentyWithACount) {
+  std::string bytes;
+  for (int i = 0; i < 30; ++i) bytes += text(damaged(blockDump({0x00, 0x40, 0x00})));
+  write("damaged.syx", bytes + text(blockDump({0x41, 0x00, 0x00})));
+  const Result run = bda({"receive", "damaged.syx"});
+  EXPECT_THAT(run, Exits(3));
+  const std::vector<std::string> told = lines(run.err);
+  ASSERT_THAT(told, SizeIs(23));
+  EXPECT_THAT(told[20], HasSubstr("no open header admits this block"));
+  EXPECT_THAT(told[21], StartsWith("and 10 more: refused: "));
+  EXPECT_EQ(told[22], "31 refused");
+  EXPECT_THAT(lines(bda({"verify", "damaged.syx"}).err), SizeIs(22));
+  EXPECT_THAT(bda({"restore", "damaged.syx"}).err, HasSubstr("and 10 more: checksum wrong\n"));
+}
+
+TEST_F(Input, aLargeFileOfAnotherKindIsNamedToo) {
+  write("song.wav", std::string("RIFF\0\0\0\7WAVE", 12));
+  std::filesystem::resize_file(directory / "song.wav", 100'000'000);
+  const Result run = bda({"list", "song.wav"});
+  EXPECT_THAT(run, Exits(2));
+  EXPECT_THAT(run.err, HasSubstr("it seems to be a WAVE sound"));
+}
+
+// However much of a clock comes first, and in whatever pieces.
+TEST_F(Input, realTimeBytesSayNothingOfTheKind) {
+  write("clock.syx", std::string(100'000, '\xF8') + text(foreignMessage()));
+  EXPECT_THAT(bda({"list", "clock.syx"}), Exits(0));
+  Running program(*this, {"list", "-"});
+  program.feed(Bytes(10, 0xF8));
+  program.feed(foreignMessage());
+  EXPECT_THAT(program.line(), HasSubstr("not for this instrument"));
+  EXPECT_EQ(program.end(), 0);
+}
+
+TEST_F(Input, aMessageThatIsCutShortIsToldHoweverManyRealTimeBytesAreInIt) {
+  std::string bytes = text(blockDump({0x00, 0x40, 0x00})) + '\xF0';
+  for (int i = 0; i < 10'000; ++i) bytes += "\xF8\1";
+  write("cut.syx", bytes);
+  const Result run = bda({"verify", "--json", "cut.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.out, HasSubstr("\"dropped\":10001,\"reason\":\"message without end\",\"verdict\":\"cut short\""));
+}
+
+TEST_F(Input, aPipeIsComparedFromItsFirstByte) {
+  std::string bytes;
+  for (std::uint8_t number = 0; number < 20; ++number)
+    bytes += text(unit({0x0E, 0x0A, number}, BDA::List::normalVoice, 1));
+  write("bank.syx", bytes);
+  ASSERT_EQ(::mkfifo((directory / "fifo").c_str(), 0600), 0);
+  Running program(*this, {"diff", "bank.syx", "fifo"});
+  const int fifo = ::open((directory / "fifo").c_str(), O_WRONLY);
+  for (std::size_t at = 0; at < bytes.size();) at += std::size_t(::write(fifo, bytes.data() + at, bytes.size() - at));
+  ::close(fifo);
+  EXPECT_EQ(program.end(), 0);
+  EXPECT_THAT(read("errors"), HasSubstr("no difference; contents: 20 equal"));
 }
 
 // ---- Messages for other devices -------------------------------------------------------------------------------------
@@ -259,18 +328,59 @@ TEST_F(Input, aMessageThatComesThroughAPipeIsHandedOnAtOnce) {
   }
 }
 
+TEST_F(Input, anAnswerGoesOutAsSoonAsItsRequestIsHandled) {
+  Running program(*this, {"receive", "-", "-o", "-"});
+  for (int i = 0; i < 3; ++i) {
+    program.feed(request({0x00, 0x40, 0x00}));
+    const Bytes expected = dump({0x00, 0x40, 0x00}, Bytes(8));
+    EXPECT_EQ(program.bytes(expected.size()).front(), 0xF0);
+  }
+  EXPECT_EQ(program.end(), 0);
+}
+
+TEST_F(Input, theTraceGoesThroughAPipeLineByLine) {
+  Running program(*this, {"receive", "-", "--trace", "-"});
+  for (int number = 1; number <= 3; ++number) {
+    program.feed(blockDump({0x00, 0x40, 0x00}));
+    EXPECT_EQ(Json::parse(program.line())["message"], number);
+  }
+  EXPECT_EQ(program.end(), 0);
+}
+
+// What is stored has nothing to do with where the answers go.
+TEST_F(Input, answersThatCannotBeWrittenKeepNothingElseBack) {
+  write("both.syx", text(request({0x00, 0x40, 0x00})) + text(unit(kUserVoice6Header, BDA::List::normalVoice)));
+  Running program(*this, {"receive", "both.syx", "-o", "-"}, [] { ::dup2(::open("/dev/full", O_WRONLY), 1); });
+  EXPECT_EQ(program.end(), 1);
+  const std::vector<std::string> told = lines(read("errors"));
+  EXPECT_EQ(std::count(told.begin(), told.end(), "bda: standard output: cannot write it: No space left on device"), 1);
+  EXPECT_EQ(told.back(), "1 stored, 1 answered, 25 accepted");
+  EXPECT_THAT(bda({"contents"}).out, HasSubstr("voice:user1:6"));
+}
+
+TEST_F(Input, standardInputIsReadOnlyOnce) {
+  const Result run = bda({"receive", "-", "-"}, text(blockDump({0x00, 0x40, 0x00})));
+  EXPECT_THAT(run, Exits(1));
+  EXPECT_EQ(run.err, "bda: standard input can be read only once\n");
+}
+
 TEST_F(Input, ctrlCEndsWithTheTallyOfWhatWasStored) {
   Running program(*this, {"receive", "-"});
   program.feed(unit(kUserVoice6Header, BDA::List::normalVoice));
   EXPECT_EQ(program.line(), "stored: voice:user1:6 (standard input: message 26 at offset 2040)");
-  program.feed(blockDump({0x0E, 0x0A, 0x06}));
+  program.feed(dump({0x00, 0x40, 0x00}, Bytes(8), 5));
   program.feed(blockDump({0x00, 0x40, 0x00}));
   EXPECT_THAT(program.line(), StartsWith("completed"));
+  program.feed(blockDump({0x0E, 0x0A, 0x06}));
+  program.feed(foreignMessage());
+  EXPECT_THAT(program.line(), StartsWith("not-ours"));
   program.signal(SIGINT);
   EXPECT_EQ(program.end(), 130);
   const std::string told = read("errors");
+  EXPECT_THAT(told, HasSubstr("voice:user1:7: still open"));
+  EXPECT_THAT(told, HasSubstr("1 message for device 6"));
   EXPECT_THAT(told, HasSubstr("bda: interrupted\n"));
-  EXPECT_EQ(lastLine(told), "1 stored, 1 completed, 26 accepted");
+  EXPECT_EQ(lastLine(told), "1 stored, 1 completed, 26 accepted, 1 refused, 1 not-ours");
   EXPECT_THAT(bda({"contents"}).out, HasSubstr("voice:user1:6"));
 }
 

@@ -28,7 +28,7 @@ class Output : public Program {
     ASSERT_EQ(sqlite3_open((directory / "library.db").c_str(), &library), SQLITE_OK);
     const std::string stop = "BEGIN SELECT RAISE(ABORT, 'the disk is worn out'); END;";
     std::string sql;
-    for (const char* table : {"contents", "live"})
+    for (const char* table : {"content", "live_model"})
       for (const char* change : {"INSERT", "UPDATE", "DELETE"})
         sql += std::string("CREATE TRIGGER no_") + table + change + " BEFORE " + change + " ON " + table + " " + stop;
     EXPECT_EQ(sqlite3_exec(library, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);

@@ -65,7 +65,8 @@ Result run(const std::vector<std::string>& arguments, const std::filesystem::pat
 Program::Program() {
   std::string name = (std::filesystem::temp_directory_path() / "bda-acceptance-XXXXXX").string();
   directory = ::mkdtemp(name.data());
-  Editor::Library(libraryFile()).setMixingVoiceMaximum(Editor::Library::kDefaultMixingVoiceMaximum);
+  // What the history does not record is enough for one to be made.
+  Editor::Library(libraryFile()).set(Editor::Recorder::kEntries, Editor::Recorder::kDefaultEntries);
 }
 
 Program::~Program() { std::filesystem::remove_all(directory); }

@@ -9,6 +9,7 @@
 #include "arrange/Arrange.h"
 #include "bda/platform/CMA/VoiceBanks.h"
 #include "contents/ContentFormat.h"
+#include "history/History.h"
 #include "targets/TargetModels.h"
 
 namespace Editor {
@@ -17,7 +18,6 @@ namespace Editor {
 class ArrangeTest : public testing::Test {
  protected:
   using Kind = Arrangement::Kind;
-  using What = PlaceChange::What;
   using Bytes = Library::Bytes;
 
   // To find a name takes its time, and tests of random changes find many.
@@ -53,12 +53,21 @@ class ArrangeTest : public testing::Test {
     ASSERT_TRUE(editor.tools().replaceLive(EditBuffer::multi, 0, multi));
   }
 
-  Arranged run(Kind kind, const std::string& from, const std::string& to) {
-    return arrange(editor, parseArrangement(kind, from, to));
+  struct Run : Arranged {
+    std::vector<PlaceChange> changes;  // as the history would have them
+  };
+  template <typename... Other>
+  Run run(const Arrangement& arrangement, Other&... from) {
+    Library::Transaction transaction(editor.library());
+    editor.library().beginRun({"arrange", {}, {}});
+    const Arranged arranged = arrange(editor, arrangement, from...);
+    const Run run{arranged, changesOfRun(editor.library())};
+    transaction.commit();
+    return run;
   }
-  Arranged copy(const std::string& from, const std::string& to) { return run(Kind::copy, from, to); }
-  Arranged move(const std::string& from, const std::string& to) { return run(Kind::move, from, to); }
-  Arranged swap(const std::string& from, const std::string& to) { return run(Kind::swap, from, to); }
+  Run copy(const std::string& from, const std::string& to) { return run(parseArrangement(Kind::copy, from, to)); }
+  Run move(const std::string& from, const std::string& to) { return run(parseArrangement(Kind::move, from, to)); }
+  Run swap(const std::string& from, const std::string& to) { return run(parseArrangement(Kind::swap, from, to)); }
 
   // Why it is refused; empty: it is not.
   std::string refusal(Kind kind, const std::string& from, const std::string& to) {
@@ -83,14 +92,17 @@ class ArrangeTest : public testing::Test {
   std::uint16_t multiAt(const std::string& place) { return loadTarget(editor, at(place)).multi->common.values()[3]; }
   std::uint8_t flagAt(const std::string& place) { return editor.library().favourite(id(place)); }
 
-  static PlaceChange stored(const std::string& place, std::optional<ParameterValue> before, const std::string& after) {
+  static PlaceChange stored(const std::string& place, std::optional<std::string> before, const std::string& after) {
     return {place, What::stored, std::move(before), after};
+  }
+  static PlaceChange renamed(const std::string& place, const std::string& before, const std::string& after) {
+    return {place, What::renamed, before, after};
   }
   static PlaceChange removed(const std::string& place, const std::string& before) {
     return {place, What::removed, before, std::nullopt};
   }
-  static PlaceChange flagged(const std::string& place, std::int64_t before, std::int64_t after) {
-    return {place, What::flagged, before, after};
+  static PlaceChange flagged(const std::string& place, int before, int after) {
+    return {place, What::flagged, std::to_string(before), std::to_string(after)};
   }
   static constexpr std::nullopt_t nothing = std::nullopt;
 

@@ -16,20 +16,20 @@ namespace {
 using Kind = Arrangement::Kind;
 using Names = std::vector<std::string>;
 
-struct Held {
+struct PlainHeld {
   std::string name;
   std::string voice;  // the name inside
   int multi = 0;      // a number in its multi
   bool isOpaque = false;
 
-  friend bool operator==(const Held&, const Held&) = default;
-  friend std::ostream& operator<<(std::ostream& out, const Held& held) {
+  friend bool operator==(const PlainHeld&, const PlainHeld&) = default;
+  friend std::ostream& operator<<(std::ostream& out, const PlainHeld& held) {
     return out << held.name << '/' << held.voice << '/' << held.multi << (held.isOpaque ? "/opaque" : "");
   }
 };
 
 struct State {
-  std::map<std::string, Held> held;
+  std::map<std::string, PlainHeld> held;
   std::map<std::string, int> flags;  // other than 0
 
   friend bool operator==(const State&, const State&) = default;
@@ -105,7 +105,7 @@ class PlainRun {
   }
   void give(const std::string& from, const std::string& to) {
     if (!holds(from)) return;
-    Held& held = after_.held[to] = before_.held.at(from);
+    PlainHeld& held = after_.held[to] = before_.held.at(from);
     if (isBuffer(to)) held.name = held.voice;
     if (isPart(to)) held.multi = kMultiOfParts;
     if (!bankOf(from).hasFlags || !bankOf(to).hasFlags) return;
@@ -194,7 +194,7 @@ class RandomLibrary : public ArrangeTest {
     state_ = read();
   }
 
-  Held heldAt(const std::string& place) {
+  PlainHeld heldAt(const std::string& place) {
     const ModelSet models = loadTarget(editor, at(place));
     return {nameAt(place), nameOf(models), models.multi->common.values()[3], false};
   }
@@ -207,7 +207,7 @@ class RandomLibrary : public ArrangeTest {
           state.held[place] = heldAt(place);
         } else if (const auto content = editor.library().content(id(place))) {
           const bool isOpaque = !isContentFormat(content->bytes);
-          state.held[place] = isOpaque ? Held{content->name, "", content->bytes.back(), true} : heldAt(place);
+          state.held[place] = isOpaque ? PlainHeld{content->name, "", content->bytes.back(), true} : heldAt(place);
         }
         if (bank.hasFlags && editor.library().favourite(id(place)) != 0)
           state.flags[place] = editor.library().favourite(id(place));

@@ -16,7 +16,7 @@ class Arrange : public ArrangeTest {};
 
 TEST_F(Arrange, aCopyIsTheSameContentByteForByte) {
   store("voice:user1:1", "Piano", 7);
-  const Arranged arranged = copy("voice:user1:1", "voice:user2:3");
+  const Run arranged = copy("voice:user1:1", "voice:user2:3");
   EXPECT_THAT(arranged.changes, ElementsAre(stored("voice:user2:3", nothing, "Piano")));
   EXPECT_EQ(editor.library().content(id("voice:user2:3")), editor.library().content(id("voice:user1:1")));
   EXPECT_EQ(nameAt("voice:user1:1"), "Piano");
@@ -58,7 +58,7 @@ TEST_F(Arrange, emptyPlacesOfARangeAreLeftOutAndWhatTheyWouldReplaceStays) {
   store("master:1", "One");
   store("master:3", "Three");
   store("master:12", "Stays");
-  const Arranged arranged = copy("master:1..4", "master:11");
+  const Run arranged = copy("master:1..4", "master:11");
   EXPECT_THAT(arranged.leftOut, ElementsAre("master:2", "master:4"));
   EXPECT_THAT(arranged.changes,
               ElementsAre(stored("master:11", nothing, "One"), stored("master:13", nothing, "Three")));
@@ -157,7 +157,7 @@ TEST_F(Arrange, kindsThatDoNotFitAreRefusedBeforeAnythingChanges) {
 TEST_F(Arrange, whatIsMovedLeavesItsPlaceEmpty) {
   store("voice:user1:1", "Piano");
   EXPECT_THAT(move("voice:user1:1", "voice:user1:2").changes,
-              ElementsAre(stored("voice:user1:2", nothing, "Piano"), removed("voice:user1:1", "Piano")));
+              ElementsAre(removed("voice:user1:1", "Piano"), stored("voice:user1:2", nothing, "Piano")));
   EXPECT_EQ(nameAt("voice:user1:1"), "-");
   EXPECT_EQ(nameAt("voice:user1:2"), "Piano");
 }
@@ -165,7 +165,7 @@ TEST_F(Arrange, whatIsMovedLeavesItsPlaceEmpty) {
 TEST_F(Arrange, aMoveMakesRoomInABank) {
   store("remote:1", "A");
   store("remote:3", "C");
-  const Arranged arranged = move("remote:1..3", "remote:2");
+  const Run arranged = move("remote:1..3", "remote:2");
   EXPECT_THAT(arranged.leftOut, ElementsAre("remote:2"));
   EXPECT_EQ(nameAt("remote:1"), "-");
   EXPECT_EQ(nameAt("remote:2"), "A");
@@ -178,7 +178,7 @@ TEST_F(Arrange, aSwapExchangesAndMovesWhereOneSideIsEmpty) {
   store("master:11", "B");
   store("master:2", "Alone");
   store("master:13", "Lonely");
-  const Arranged arranged = swap("master:1..4", "master:11");
+  const Run arranged = swap("master:1..4", "master:11");
   EXPECT_THAT(arranged.leftOut, ElementsAre("master:4"));
   EXPECT_THAT(arranged.changes,
               UnorderedElementsAre(stored("master:1", "A", "B"), stored("master:11", "B", "A"),
@@ -246,21 +246,21 @@ TEST_F(Arrange, anEditBufferThatWasNeverStoredIsCopiedAsNew) {
 TEST_F(Arrange, anEditBufferIsAsNewWhenItWasMoved) {
   store("drum:edit", "Kit");
   EXPECT_THAT(move("drum:edit", "drum:user:1").changes,
-              ElementsAre(stored("drum:user:1", nothing, "Kit"), stored("drum:edit", "Kit", "")));
+              ElementsAre(stored("drum:user:1", nothing, "Kit"), renamed("drum:edit", "Kit", "")));
   EXPECT_EQ(loadTarget(editor, at("drum:edit")), freshTarget(at("drum:edit"), true));
 }
 
 TEST_F(Arrange, theNameInsideIsThatOfAnEditBuffer) {
   store("voice:user1:1", "Inside");
   editor.library().rename(id("voice:user1:1"), "In the list");
-  EXPECT_THAT(copy("voice:user1:1", "voice:edit").changes, ElementsAre(stored("voice:edit", "", "Inside")));
+  EXPECT_THAT(copy("voice:user1:1", "voice:edit").changes, ElementsAre(stored("voice:edit", nothing, "Inside")));
 }
 
 TEST_F(Arrange, aVoiceOfAPartIsTakenWithItsMultiAndGivenWithoutOne) {
   store("multi:edit", "Multi", 5);
   store("voice:user1:1", "Piano", 9);
-  const Arranged arranged = copy("voice:user1:1", "voice:part:4");
-  EXPECT_THAT(arranged.changes, ElementsAre(stored("voice:part:4", "", "Piano")));
+  const Run arranged = copy("voice:user1:1", "voice:part:4");
+  EXPECT_THAT(arranged.changes, ElementsAre(stored("voice:part:4", nothing, "Piano")));
   EXPECT_THAT(arranged.voicesAlone, ElementsAre(Arranged::Note{"voice:user1:1", "voice:part:4"}));
   EXPECT_EQ(multiAt("multi:edit"), 5);
   EXPECT_THAT(move("voice:part:4", "voice:user1:2").changes,
@@ -323,7 +323,7 @@ TEST_F(Arrange, aCopyOfAnotherLibraryTakesWhatStandsThere) {
   other.library().setFavourite(id("voice:user1:1"), 1);
   store("voice:user1:1", "Ours");
   const Arrangement arrangement = parseArrangement(Kind::copy, "voice:user1:1..3", "voice:user1:1");
-  const Arranged arranged = arrange(editor, arrangement, other);
+  const Run arranged = run(arrangement, other);
   EXPECT_THAT(arranged.changes, ElementsAre(stored("voice:user1:1", "Ours", "Theirs"), flagged("voice:user1:1", 0, 1)));
   EXPECT_THAT(arranged.leftOut, ElementsAre("voice:user1:2", "voice:user1:3"));
   EXPECT_EQ(other.library().contentName(id("voice:user1:1")), "Theirs");

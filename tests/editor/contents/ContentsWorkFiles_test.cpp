@@ -173,7 +173,7 @@ TEST_F(ContentsWorkTest, ANameGoesWithTheContentThatIsRemoved) {
 TEST_F(ContentsWorkTest, ANameThatTheLibraryRefusesLeavesEverythingAsItWas) {
   library.store(kVoice, Bytes{1}, "old");
   plain(
-      "CREATE TRIGGER full BEFORE INSERT ON contents WHEN new.name = CAST('new' AS BLOB) "
+      "CREATE TRIGGER full BEFORE INSERT ON content WHEN new.name = CAST('new' AS BLOB) "
       "BEGIN SELECT RAISE(ABORT, 'disk full'); END");
   write(kOtherVoice, {1}, "good");
   DataFile* const opened = work.openDataFile(pathOf(kVoice), OpenMode_Write);

@@ -279,7 +279,7 @@ TEST_F(ContentsWorkTest, AFailureTakesTheWholePassBack) {
   library.store(kVoice, Bytes{1}, "old");
   library.takeChanges();
   for (const char* effect : {"ROLLBACK", "ABORT", "FAIL"}) {
-    plain(std::string("DROP TRIGGER IF EXISTS full; CREATE TRIGGER full BEFORE INSERT ON contents WHEN new.type = 1 "
+    plain(std::string("DROP TRIGGER IF EXISTS full; CREATE TRIGGER full BEFORE INSERT ON content WHEN new.type = 1 "
                       "BEGIN SELECT RAISE(") +
           effect + ", 'disk full'); END");
     write(kVoice, {2}, "new");
@@ -307,7 +307,7 @@ TEST_F(ContentsWorkTest, AFailureTakesTheWholePassBack) {
 TEST_F(ContentsWorkTest, ADamagedLibraryIsAStoreErrorInEveryOperation) {
   library.store(kVoice, Bytes{1}, "x");
   DataFile* const opened = work.openDataFile(pathOf(kVoice), OpenMode_Read);
-  plain("DROP TABLE contents; DROP TABLE favourites; DROP TABLE settings");
+  plain("DROP TABLE content; DROP TABLE favourite; DROP TABLE setting");
   std::string name = "untouched";
   std::int64_t count = 0;
   std::int64_t maximum = 0;
@@ -317,7 +317,7 @@ TEST_F(ContentsWorkTest, ADamagedLibraryIsAStoreErrorInEveryOperation) {
   EXPECT_EQ(work.getMixingVoiceSumSync(count, maximum), ContRes_StoreError);
   EXPECT_EQ(work.openDataFile(pathOf(kVoice), OpenMode_Read), nullptr);
   EXPECT_EQ(work.getContentInformation(4, kVoice.number, information), ContRes_StoreError);
-  EXPECT_EQ(work.takeError(), file.string() + ": no such table: contents");  // the first of them
+  EXPECT_EQ(work.takeError(), file.string() + ": no such table: content");  // the first of them
   for (const auto& operation : std::vector<std::function<_ContResult()>>{
            [&] { return work.removeMixingVoice(1, 0, 0); },
            [&] { return work.removeMixingVoice(1, 0, ContentNumber_All); },
@@ -350,7 +350,7 @@ TEST_F(ContentsWorkTest, ARunOfFavouriteFlagsIsOneTransaction) {
 
 TEST_F(ContentsWorkTest, AFailedRunOfFavouriteFlagsLeavesNone) {
   plain(
-      "CREATE TRIGGER full BEFORE INSERT ON favourites WHEN new.number = 2 BEGIN SELECT RAISE(ABORT, 'disk full'); "
+      "CREATE TRIGGER full BEFORE INSERT ON favourite WHEN new.number = 2 BEGIN SELECT RAISE(ABORT, 'disk full'); "
       "END");
   EXPECT_EQ(work.setContentFavoriteFlag(4, 1, 1, false), ContRes_Success);
   EXPECT_EQ(work.setContentFavoriteFlag(4, 2, 1, false), ContRes_StoreError);

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <random>
 #include <string>
@@ -58,6 +59,12 @@ class FaultyVfs {
   void setReadable(bool readable) { readable_ = readable; }
   // From now on syncs are answered but not done.
   void ignoreSyncs() { ignoresSyncs_ = true; }
+
+  // A file that was there before, on disk for certain.
+  void adopt(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    images_[file.string()].durable = {std::istreambuf_iterator<char>(in), {}};
+  }
 
   // Writes the files that a power cut at this moment would leave to another directory.
   void leaveFiles(const std::filesystem::path& directory, unsigned seed) const {

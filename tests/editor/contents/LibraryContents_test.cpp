@@ -73,13 +73,13 @@ TEST_F(LibraryTest, ANumberOutOfRangeIsDamage) {
     return error && error->kind() == Kind::Damaged;
   };
   for (const char* const numbers : {"4, 4298901509", "4294967300, 4144133", "4, -1", "-1, 1"}) {
-    plain(std::string("DELETE FROM contents; INSERT INTO contents VALUES(") + numbers + ", x'', x'01')");
+    plain(std::string("DELETE FROM content; INSERT INTO content VALUES(") + numbers + ", x'', x'01', 0)");
     EXPECT_TRUE(isDamage([&] { library.contents(); })) << numbers;
   }
-  plain("DELETE FROM contents; INSERT INTO contents VALUES(4, 4299096064, x'', x'01')");  // 3F8000 and 4 GiB
+  plain("DELETE FROM content; INSERT INTO content VALUES(4, 4299096064, x'', x'01', 0)");  // 3F8000 and 4 GiB
   EXPECT_TRUE(isDamage([&] { library.mixingVoiceCount(); }));
   for (const char* const flag : {"256", "-1"}) {
-    plain(std::string("DELETE FROM favourites; INSERT INTO favourites VALUES(4, 1, ") + flag + ")");
+    plain(std::string("DELETE FROM favourite; INSERT INTO favourite VALUES(4, 1, ") + flag + ")");
     EXPECT_TRUE(isDamage([&] { library.favourite({4, 1}); })) << flag;
     EXPECT_TRUE(isDamage([&] { library.favourites(); })) << flag;
   }

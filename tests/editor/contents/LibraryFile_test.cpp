@@ -134,6 +134,55 @@ TEST_F(LibraryFileTest, AMakerThatGivesUpLetsTheNextOneMakeIt) {
   EXPECT_THAT(first.contents(), ElementsAre(kMulti));
 }
 
+// Each finds other directories than the one before, in the midst of their making.
+TEST_F(LibraryFileTest, SeveralMakeOneInDirectoriesThatDoNotExistEither) {
+  constexpr std::uint32_t kMakers = 6;
+  for (int round = 0; round < 20; ++round) {
+    const auto fresh = directory / ("r" + std::to_string(round) + "/a/b/library.db").c_str();
+    std::vector<pid_t> makers;
+    for (std::uint32_t maker = 0; maker < kMakers; ++maker) {
+      const pid_t child = ::fork();
+      if (child == 0) {
+        try {
+          Library library(fresh);
+          Library::Transaction transaction(library);
+          library.store({1, maker}, Bytes{1}, "x");
+          transaction.commit();
+          ::_exit(0);
+        } catch (const std::exception&) {
+          ::_exit(1);
+        }
+      }
+      makers.push_back(child);
+    }
+    for (const pid_t maker : makers) {
+      int status = 0;
+      ::waitpid(maker, &status, 0);
+      EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    EXPECT_EQ(Library(fresh, {.use = Use::read}).contents().size(), kMakers);
+  }
+}
+
+// What is written into a file that nobody will find is lost.
+TEST_F(LibraryFileTest, ALibraryThatIsRemovedMeanwhileFails) {
+  store();
+  Library library(file);
+  library.store(kVoice, Bytes{1}, "x");
+  for (const char* const ending : {"", "-wal", "-shm"}) std::filesystem::remove(file.string() + ending);
+  const auto error = errorOf([&] { library.store(kMulti, Bytes{1}, "x"); });
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->kind(), Kind::Failed);
+  EXPECT_THAT(error->what(), HasSubstr("somebody has removed or renamed it"));
+}
+
+TEST_F(LibraryFileTest, AFileThatMustNotBeWrittenIsToldAtOnce) {
+  store();
+  allow(0777, 0444);
+  EXPECT_TRUE(asAnybody([&] { return errorOfOpening(file)->kind() == Kind::CannotOpen; }));
+  EXPECT_THAT(files(), ElementsAre("library.db"));
+}
+
 // Not by a program of ours, which would wait.
 TEST_F(LibraryFileTest, WhatAForeignProgramPutsThereMeanwhileIsNotOverwritten) {
   Library library(file);
@@ -200,8 +249,10 @@ TEST_F(LibraryFileTest, ALogBesideItIsNotOverlooked) {
   ASSERT_TRUE(std::filesystem::exists(file.string() + "-wal"));
   std::filesystem::remove(file.string() + "-shm");
   allow(0555, 0444);
-  EXPECT_TRUE(asAnybody(
-      [&] { return errorOf([&] { Library library(file, {.use = Use::read}); })->kind() == Kind::CannotOpen; }));
+  EXPECT_TRUE(asAnybody([&] {
+    const auto error = errorOf([&] { Library library(file, {.use = Use::read}); });
+    return std::string(error->what()).find("only a writer can read") != std::string::npos;
+  }));
 }
 
 // ---- In memory ------------------------------------------------------------------------------------------------------

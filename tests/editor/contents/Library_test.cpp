@@ -34,7 +34,7 @@ TEST_F(LibraryTest, IsMadeWithItsDirectory) {
   PlainDatabase plain(deep);
   EXPECT_EQ(plain("PRAGMA journal_mode"), "wal");
   EXPECT_EQ(plain("PRAGMA application_id"), std::to_string(0x4244414C));
-  EXPECT_EQ(plain("PRAGMA user_version"), "1");
+  EXPECT_EQ(plain("PRAGMA user_version"), "2");
   EXPECT_EQ(plain("PRAGMA integrity_check"), "ok");
 }
 
@@ -113,13 +113,13 @@ TEST_F(LibraryTest, AForeignOrNewerDatabaseWithALogOfItsOwnIsUntouched) {
     return error->kind();
   };
   EXPECT_EQ(refused("SELECT 1"), Kind::NotALibrary);
-  EXPECT_EQ(refused("PRAGMA application_id = " + std::to_string(0x4244414C) + "; PRAGMA user_version = 2"),
+  EXPECT_EQ(refused("PRAGMA application_id = " + std::to_string(0x4244414C) + "; PRAGMA user_version = 3"),
             Kind::NewerVersion);
 }
 
 TEST_F(LibraryTest, ALibraryOfANewerVersionIsRefusedAndUntouched) {
   madeLibrary(file);
-  { PlainDatabase{file}("PRAGMA user_version = 2"); }
+  { PlainDatabase{file}("PRAGMA user_version = 3"); }
   const std::string before = bytesOfFile(file);
   const auto error = errorOfOpening(file);
   ASSERT_TRUE(error);
@@ -142,11 +142,11 @@ TEST_F(LibraryTest, WhatCannotBeOpenedIsNamed) {
 
 TEST_F(LibraryTest, AMissingTableIsDamage) {
   madeLibrary(file);
-  { PlainDatabase{file}("DROP TABLE favourites"); }
+  { PlainDatabase{file}("DROP TABLE favourite"); }
   const auto error = errorOfOpening(file);
   ASSERT_TRUE(error);
   EXPECT_EQ(error->kind(), Kind::Damaged);
-  EXPECT_THAT(error->what(), HasSubstr(file.string() + " is damaged: no such table: favourites"));
+  EXPECT_THAT(error->what(), HasSubstr(file.string() + " is damaged: no such table: favourite"));
 }
 
 TEST_F(LibraryTest, AMissingVersionIsDamage) {
@@ -336,7 +336,7 @@ TEST_F(LibraryTest, NothingIsWrittenInATransactionThatWasLost) {
   Library library(file);
   {
     PlainDatabase{file}(
-        "CREATE TRIGGER full BEFORE INSERT ON contents WHEN new.number = 13 BEGIN "
+        "CREATE TRIGGER full BEFORE INSERT ON content WHEN new.number = 13 BEGIN "
         "SELECT RAISE(ROLLBACK, 'disk full'); END");
   }
   {

@@ -23,7 +23,7 @@ struct ModelStoreTest : ::testing::Test {
   }
   void lock() { other("BEGIN IMMEDIATE"); }
   // Takes a table away: every statement on it fails from now on.
-  void breakLibrary() { other("DROP TABLE contents; DROP TABLE live; DROP TABLE settings"); }
+  void breakLibrary() { other("DROP TABLE content; DROP TABLE live_model; DROP TABLE setting"); }
 
   TemporaryDirectory directory;
   Library library{madeLibrary(directory / "library.db"), {.busyTimeout = std::chrono::milliseconds(20)}};
@@ -117,7 +117,9 @@ TEST_F(ModelStoreTest, KeepsLiveModelsByKey) {
 }
 
 TEST_F(ModelStoreTest, StoresAllLiveModelsOrNone) {
-  other("CREATE TRIGGER full BEFORE INSERT ON live WHEN new.key = 'voice' BEGIN SELECT RAISE(ABORT, 'disk full'); END");
+  other(
+      "CREATE TRIGGER full BEFORE INSERT ON live_model WHEN new.key = 'voice' BEGIN SELECT RAISE(ABORT, 'disk full'); "
+      "END");
   const ModelSet voice = voiceNamed("Live");
   EXPECT_FALSE(store.storeLive({{"system", &voice}, {"voice", &voice}}, why));
   EXPECT_NE(why.find("disk full"), std::string::npos);

@@ -85,4 +85,27 @@ class PlainDatabase {
   sqlite3* database_ = nullptr;
 };
 
+// A library of version 1, as its program made it: the voice 3F0805 "Piano" (1, 2, 3) with a favourite flag, live models
+// and a setting. Without a log beside it.
+inline void makeOldLibrary(const std::filesystem::path& file) {
+  PlainDatabase plain(file);
+  plain("PRAGMA application_id = " + std::to_string(0x4244414C));
+  plain(R"sql(
+    PRAGMA journal_mode = WAL;
+    BEGIN;
+    CREATE TABLE contents(type INTEGER NOT NULL, number INTEGER NOT NULL, name BLOB NOT NULL, bytes BLOB NOT NULL,
+                          PRIMARY KEY(type, number)) STRICT;
+    CREATE TABLE favourites(type INTEGER NOT NULL, number INTEGER NOT NULL, flag INTEGER NOT NULL,
+                            PRIMARY KEY(type, number)) STRICT, WITHOUT ROWID;
+    CREATE TABLE live(key TEXT NOT NULL PRIMARY KEY, bytes BLOB NOT NULL) STRICT;
+    CREATE TABLE settings(name TEXT NOT NULL PRIMARY KEY, value INTEGER NOT NULL) STRICT, WITHOUT ROWID;
+    PRAGMA user_version = 1;
+    INSERT INTO contents VALUES(4, 0x3F0805, CAST('Piano' AS BLOB), x'010203');
+    INSERT INTO favourites VALUES(4, 0x3F0805, 1);
+    INSERT INTO live VALUES('nobody', x'09');
+    INSERT INTO settings VALUES('mixing-voices', 7);
+    COMMIT;
+  )sql");
+}
+
 }  // namespace Editor

@@ -174,7 +174,7 @@ TEST_F(EmbeddedEditorOldName, isNotForgottenWithTheDumpsThatWereDiscarded) {
 TEST_F(EmbeddedEditorOldName, staysWithEverythingWhenTheLibraryRefusesTheNewOne) {
   Editor::PlainDatabase plain(directory / "library.db");
   plain(
-      "CREATE TRIGGER full BEFORE INSERT ON contents WHEN new.name = CAST('New' AS BLOB) "
+      "CREATE TRIGGER full BEFORE INSERT ON content WHEN new.name = CAST('New' AS BLOB) "
       "BEGIN SELECT RAISE(ABORT, 'disk full'); END");
   send(fileDump(kOtherAddress, packed("Other"), packed(Bytes{5})));
   EXPECT_EQ(after(packed("New"), packed(Bytes{4})), kOld);
@@ -185,7 +185,7 @@ TEST_F(EmbeddedEditorOldName, staysWithEverythingWhenTheLibraryRefusesTheNewOne)
 
 TEST_F(EmbeddedEditorOldName, staysWithEverythingWhenItCannotBeTakenAway) {
   Editor::PlainDatabase plain(directory / "library.db");
-  plain("CREATE TRIGGER full BEFORE UPDATE OF name ON contents BEGIN SELECT RAISE(ABORT, 'disk full'); END");
+  plain("CREATE TRIGGER full BEFORE INSERT ON content WHEN new.name = x'' BEGIN SELECT RAISE(ABORT, 'disk full'); END");
   send(fileDump(kOtherAddress, packed("Other"), packed(Bytes{5})));
   send(fileDump(kAddress, kNoName, packed(Bytes{4})));
   EXPECT_THROW(trigger(), Editor::LibraryError);

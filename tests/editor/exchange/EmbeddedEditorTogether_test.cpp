@@ -107,6 +107,18 @@ constexpr std::size_t kData = 10;  // of a dump
 
 }  // namespace
 
+TEST_F(Together, aMessageForAnyDeviceIsTakenUnderTheNumberThatTheOtherHasSet) {
+  EmbeddedEditor mine(file);
+  EmbeddedEditor other(file);
+  mine.takeAnyDevice();
+  for (const std::uint8_t number : Bytes{5, 7}) {
+    setUtility(other, SystemModel::kDeviceNumber, number);
+    EXPECT_EQ(send(mine, dump(kSystemRemote, {number, 0, 0, 0, 0}, 2)).outcome, Outcome::completed);
+    const Record answered = send(mine, request(kSystemRemote, 3));
+    EXPECT_EQ(answered.sent.at(0).bytes, dump(kSystemRemote, {number, 0, 0, 0, 0}, number));
+  }
+}
+
 TEST_F(Together, eachSeesWhatTheOtherChangedAtItsNextMessage) {
   EmbeddedEditor one(file);
   EmbeddedEditor two(file);

@@ -404,6 +404,54 @@ TEST_F(LoadBytes, ReadsStandardInputForADash) {
   EXPECT_EQ(loadBytes("-", error_), bytes("F0 01 F7"));
 }
 
+// A file of Windows: little-endian lengths, chunks on even offsets.
+Bytes riffFile(const std::vector<std::pair<std::string, Bytes>>& chunks) {
+  const auto text = [](const std::string& word) { return Bytes(word.begin(), word.end()); };
+  Bytes file = text("RIFF");
+  append(file, {0, 0, 0, 0});  // which nobody looks at
+  append(file, text("RMID"));
+  for (const auto& [type, body] : chunks) {
+    append(file, text(type));
+    for (int shift = 0; shift < 32; shift += 8) file.push_back(static_cast<std::uint8_t>(body.size() >> shift));
+    append(file, body);
+    if (body.size() % 2 == 1) file.push_back(0);
+  }
+  return file;
+}
+
+TEST(RiffFile, HoldsAStandardMidiFileWhoseOffsetsAreItsOwn) {
+  const Bytes inner = standardFile(0, {track("00 F0 03 7D 01 F7")});
+  const MidiFile file = readMidiFile(riffFile({{"DISP", {1, 2, 3}}, {"data", inner}}));
+  EXPECT_TRUE(file.standard);
+  EXPECT_THAT(messages(file), ElementsAre("55: F0 7D 01 F7"));  // 12 + 12 + 8 before the file, 23 in it
+  EXPECT_THAT(errors(file), IsEmpty());
+  const MidiFile broken = readMidiFile(riffFile({{"data", standardFile(0, {})}}));
+  EXPECT_THAT(errors(broken), IsEmpty());
+}
+
+TEST(RiffFile, SaysWhatItLacks) {
+  EXPECT_THAT(errors(readMidiFile(bytes("52 49 46 46"))), ElementsAre("0: a RIFF file without MIDI"));
+  EXPECT_THAT(errors(readMidiFile(riffFile({{"DISP", {1}}}))), ElementsAre("12: no data in it"));
+  EXPECT_THAT(errors(readMidiFile(riffFile({{"data", {1, 2, 3, 4}}}))),
+              ElementsAre("20: the data is no Standard MIDI File"));
+  Bytes cut = riffFile({{"data", standardFile(0, {track("00 F0 03 7D 01 F7")})}});
+  cut.resize(cut.size() - 4);
+  const MidiFile file = readMidiFile(cut);
+  EXPECT_THAT(messages(file), ElementsAre("43: F0 7D 01 F7"));
+  ASSERT_FALSE(errors(file).empty());
+  EXPECT_EQ(errors(file).front(), "12: the data is cut short: 28 of 32 bytes");
+}
+
+// No length in it leads outside of it.
+TEST(RiffFile, IsReadSafelyWhereverItIsCutOff) {
+  const Bytes whole = riffFile({{"DISP", {1, 2, 3}}, {"data", standardFile(0, {track("00 F0 03 7D 01 F7")})}});
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    const Bytes cut(whole.begin(), whole.begin() + std::ptrdiff_t(size));
+    const MidiFile file = readMidiFile(cut);
+    EXPECT_TRUE(size < 4 || !file.errors.empty()) << size;
+  }
+}
+
 TEST(IsSevenBit, HoldsForAFramedMessageOfDataBytesOnly) {
   for (const char* hex : {"F0 F7", "F0 00 F7", "F0 7F 00 7F F7"}) EXPECT_TRUE(isSevenBit(bytes(hex))) << hex;
   for (const char* hex : {"", "F0", "F7", "F7 F0", "F0 F0", "F7 F7", "00 F7", "F0 00", "F0 80 F7", "F0 F0 F7",

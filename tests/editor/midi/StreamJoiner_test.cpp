@@ -254,5 +254,23 @@ RC_GTEST_PROP(StreamJoiner, EqualsThePlainStateMachineOnAnyStreamInAnyChunks, ()
   RC_ASSERT(join({stream}) == expected);
 }
 
+// However the stream is cut: what is too long is one piece, and what follows it is as ever.
+TEST(StreamJoiner, AMessageThatIsLongerThanAnyMayBeIsDroppedWhole) {
+  constexpr std::size_t kLongest = 5;
+  const Bytes stream = bytes("F0 01 02 03 F7 F0 01 02 F8 03 04 F7 05 F0 01 02 03 04 05 F0 01 F7 F0 01 02 03 04 05 06");
+  const std::vector<Event> expected{delivered(0, "F0 01 02 03 F7"),  dropped(8, 1, Reason::RealTime),
+                                    dropped(5, 6, Reason::TooLong),  dropped(12, 1, Reason::Stray),
+                                    dropped(13, 6, Reason::TooLong), delivered(19, "F0 01 F7"),
+                                    dropped(22, 7, Reason::TooLong)};
+  for (std::size_t size = 1; size <= stream.size(); ++size) {
+    Recorder recorder;
+    StreamJoiner joiner(recorder, kLongest);
+    for (std::size_t at = 0; at < stream.size(); at += size)
+      joiner.feed(std::span(stream).subspan(at, std::min(size, stream.size() - at)));
+    joiner.finish();
+    EXPECT_EQ(recorder.events, expected) << size;
+  }
+}
+
 }  // namespace
 }  // namespace Editor

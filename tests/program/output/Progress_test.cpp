@@ -37,6 +37,20 @@ TEST(Progress, ctrlCEndsTheRunAtTheNextStep) {
   }
 }
 
+// As nohup has it.
+TEST(Progress, whatIsIgnoredStaysIgnored) {
+  const auto before = std::signal(SIGHUP, SIG_IGN);
+  {
+    const Interruptible outer;
+    const Interruptible inner;
+    std::raise(SIGHUP);
+    EXPECT_NO_THROW(Interruptible::check());
+    std::raise(SIGINT);
+    EXPECT_THROW(Interruptible::check(), Failure);
+  }
+  EXPECT_EQ(std::signal(SIGHUP, before), SIG_IGN);
+}
+
 TEST(Progress, anEarlierCtrlCDoesNotEndALaterRun) {
   {
     const Interruptible first;

@@ -1,4 +1,4 @@
-#include "arrange/Place.h"
+#include "arrange/ArrangedPlace.h"
 
 #include <array>
 
@@ -48,7 +48,9 @@ PlaceKind kindOf(const EditorJobTools& tools, EditBuffer buffer, std::uint8_t pa
 
 Library::Content contentOf(const ModelSet& models) { return {nameOf(models), encodeContent(models)}; }
 
-ModelSet freshModels(const Place& buffer) { return freshTarget(buffer.target, buffer.kind == PlaceKind::drumVoice); }
+ModelSet freshModels(const ArrangedPlace& buffer) {
+  return freshTarget(buffer.target, buffer.kind == PlaceKind::drumVoice);
+}
 
 }  // namespace
 
@@ -58,8 +60,8 @@ const char* wordsOf(PlaceKind kind) {
   return kWords[std::size_t(kind)];
 }
 
-Place readPlace(EmbeddedEditor& editor, const Target& target) {
-  Place place;
+ArrangedPlace readPlace(EmbeddedEditor& editor, const Target& target) {
+  ArrangedPlace place;
   place.target = target;
   place.name = placeNameOf(target);
   if (place.isBuffer()) {
@@ -73,9 +75,9 @@ Place readPlace(EmbeddedEditor& editor, const Target& target) {
   return place;
 }
 
-Library::Content asNew(const Place& buffer) { return contentOf(freshModels(buffer)); }
+Library::Content asNew(const ArrangedPlace& buffer) { return contentOf(freshModels(buffer)); }
 
-ModelSet modelsFor(const Place& buffer, const Library::Content& content, const Target& from) {
+ModelSet modelsFor(const ArrangedPlace& buffer, const Library::Content& content, const Target& from) {
   ModelSet models = freshModels(buffer);
   if (const auto why = decodeContent(content.bytes, models)) refuse(from, *why);
   if (!buffer.isPart()) return models;

@@ -14,7 +14,7 @@ enum class PlaceKind : std::uint8_t { normalVoice, drumVoice, multi, performance
 const char* wordsOf(PlaceKind kind);
 
 // A place of a library, and what stood in it when it was read.
-struct Place {
+struct ArrangedPlace {
   Target target;
   std::string name;  // the same for all addresses of the place
   PlaceKind kind = PlaceKind::normalVoice;
@@ -27,13 +27,13 @@ struct Place {
 };
 
 // Throws LibraryError. The live models are those of the library.
-Place readPlace(EmbeddedEditor& editor, const Target& target);
+ArrangedPlace readPlace(EmbeddedEditor& editor, const Target& target);
 
 // What an edit buffer holds that was never stored.
-Library::Content asNew(const Place& buffer);
+Library::Content asNew(const ArrangedPlace& buffer);
 
 // The models that an edit buffer gets of a content: a part takes its voice alone, the multi that it plays in stays as
 // it is. Throws TargetError (refused), which names `from`, for bytes that are none of ours.
-ModelSet modelsFor(const Place& buffer, const Library::Content& content, const Target& from);
+ModelSet modelsFor(const ArrangedPlace& buffer, const Library::Content& content, const Target& from);
 
 }  // namespace Editor

@@ -1,0 +1,72 @@
+#include "contents/Places.h"
+
+#include <array>
+
+#include "contents/ContentFormat.h"
+#include "contents/Fingerprint.h"
+#include "models/LiveKeys.h"
+
+namespace Editor {
+
+namespace {
+
+std::span<const std::uint8_t> bytesOf(const std::string& text) {
+  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+std::vector<ModelSet> shapesOf(const Place& place) {
+  if (place.kind == Place::Kind::live) return shapesOfLiveKey(place.key);
+  ModelSet models = emptySetFor(place.id);
+  if (haveSameShape(models, ModelSet())) return {};
+  return {std::move(models)};
+}
+
+std::optional<ModelSet> decoded(const Place& place, std::span<const std::uint8_t> bytes) {
+  for (ModelSet& shape : shapesOf(place))
+    if (!decodeContent(bytes, shape)) return std::move(shape);
+  return std::nullopt;
+}
+
+bool areEqualButForNames(const Place& place, const Held& before, const Held& after) {
+  if (before.bytes == after.bytes) return true;
+  if (before.bytes.size() != after.bytes.size()) return false;
+  std::optional<ModelSet> first = decoded(place, before.bytes);
+  std::optional<ModelSet> second = decoded(place, after.bytes);
+  if (!first || !second) return false;
+  clearNames(*first);
+  clearNames(*second);
+  return *first == *second;
+}
+
+}  // namespace
+
+std::int64_t checksumOf(std::span<const std::uint8_t> name, std::span<const std::uint8_t> bytes) {
+  std::array<std::uint8_t, 8> length{};
+  std::uint64_t rest = name.size();
+  for (std::size_t i = length.size(); i-- > 0; rest >>= 8) length[i] = std::uint8_t(rest);
+  return std::int64_t(fnv1a(bytes, fnv1a(name, fnv1a(length))));
+}
+
+Held heldOf(const std::string& name, std::span<const std::uint8_t> bytes) {
+  return {name, {bytes.begin(), bytes.end()}, checksumOf(bytesOf(name), bytes)};
+}
+
+Held heldOf(std::int64_t number) { return heldOf(std::to_string(number), {}); }
+
+bool isWhole(const Held& held) { return checksumOf(bytesOf(held.name), held.bytes) == held.checksum; }
+
+What whatBecame(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after) {
+  if (place.kind == Place::Kind::favourite) return What::flagged;
+  if (place.kind == Place::Kind::setting) return What::set;
+  if (!after) return What::removed;
+  if (!before || nameIn(place, *before) == nameIn(place, *after)) return What::stored;
+  return areEqualButForNames(place, *before, *after) ? What::renamed : What::stored;
+}
+
+std::string nameIn(const Place& place, const Held& held) {
+  if (place.kind != Place::Kind::live) return held.name;
+  const std::optional<ModelSet> models = decoded(place, held.bytes);
+  return models ? nameOf(*models) : std::string();
+}
+
+}  // namespace Editor

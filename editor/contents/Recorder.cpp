@@ -1,0 +1,182 @@
+#include "contents/Recorder.h"
+
+#include <utility>
+
+#include "contents/Database.h"
+
+namespace Editor {
+
+namespace {
+
+constexpr std::int64_t kMegabyte = 1'000'000;
+constexpr std::int64_t kRowBytes = 64;            // about what a row takes beside its blobs
+constexpr std::int64_t kUntrimmedBytes = 65'536;  // so much may an entry grow before it is looked at again
+
+bool isOfHistory(const Place& place) {
+  return place.kind == Place::Kind::setting && (place.key == Recorder::kEntries || place.key == Recorder::kMegabytes);
+}
+
+std::int64_t settingOf(Database& database, const char* name, std::int64_t otherwise) {
+  Query query(database.reading->setting, std::string(name));
+  return query.next() ? query.integer(0) : otherwise;
+}
+
+using Bytes = std::vector<std::uint8_t>;
+
+Bytes bytesOf(const std::string& text) { return {text.begin(), text.end()}; }
+
+Bytes packed(const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words) text += word + '\0';
+  return bytesOf(text);
+}
+
+std::vector<std::string> unpacked(const std::string& text) {
+  std::vector<std::string> words;
+  for (std::size_t begin = 0, end = 0; (end = text.find('\0', begin)) != std::string::npos; begin = end + 1)
+    words.push_back(text.substr(begin, end - begin));
+  return words;
+}
+
+std::int64_t sizeOf(const std::optional<Held>& before) {
+  return kRowBytes + (before ? std::int64_t(before->name.size() + before->bytes.size()) : 0);
+}
+
+}  // namespace
+
+void Recorder::begin(LibraryRun run) {
+  run_ = std::move(run);
+  at_ = {};
+}
+
+bool Recorder::isOff(Database& database) const {
+  return !run_.undoes && settingOf(database, kEntries, kDefaultEntries) == 0;
+}
+
+bool Recorder::goesOn(Database& database) const {
+  if (!at_.entry) return false;
+  if (at_.hasRecorded) return true;  // nobody else can have changed anything since
+  if (now_() - lastChange_ >= kPause || isOff(database)) return false;
+  Query query(database.writing->isOpenEntry, *at_.entry);
+  return query.next() && query.integer(0) != 0;
+}
+
+void Recorder::open(Database& database) {
+  if (!goesOn(database)) {
+    const auto time = std::chrono::duration_cast<std::chrono::seconds>(now_().time_since_epoch()).count();
+    Query(database.writing->addEntry, std::int64_t(time), run_.undoes, run_.verb, packed(run_.sources)).changes();
+    at_.entry = database.integer("SELECT max(number) FROM entry");
+    at_.hasBegun = true;
+    untrimmed_ = kUntrimmedBytes;
+  }
+  at_.hasRecorded = true;
+}
+
+void Recorder::record(Database& database, const Place& place, const std::optional<Held>& before,
+                      const std::optional<Held>& after) {
+  if (isOfHistory(place)) return trim(database);
+  if (before == after && !goesOn(database)) return;
+  open(database);
+  std::optional<Held> first = before;
+  std::int64_t grown = 0;
+  {
+    Query found(database.reading->changeAt, *at_.entry, place);
+    if (found.next()) {
+      first = found.isNull(1) ? std::nullopt
+                              : std::optional(Held{found.blob<std::string>(0), found.blob<std::vector<std::uint8_t>>(2),
+                                                   found.integer(1)});
+      grown = -sizeOf(first);
+    } else if (before == after) {
+      return;
+    }
+  }
+  // The number of an entry that others may have seen is not given again: such an entry keeps its places.
+  if (first == after && at_.hasBegun)
+    Query(database.writing->removeChange, *at_.entry, place).changes();
+  else
+    grown += addRow(database, place, first, after);
+  if (grown != 0) Query(database.writing->growEntry, grown, *at_.entry).changes();
+  untrimmed_ += grown;
+  lastChange_ = now_();
+}
+
+std::int64_t Recorder::addRow(Database& database, const Place& place, const std::optional<Held>& before,
+                              const std::optional<Held>& after) const {
+  const auto ifHeld = [](const std::optional<Held>& held, auto read) {
+    return held ? std::optional(read(*held)) : std::nullopt;
+  };
+  const auto shownName = [&](const Held& held) { return bytesOf(nameIn(place, held)); };
+  const auto checksum = [](const Held& held) { return held.checksum; };
+  Query(database.writing->addChange, *at_.entry, place, std::int64_t(whatBecame(place, before, after)),
+        ifHeld(before, shownName), ifHeld(after, shownName), ifHeld(after, checksum),
+        ifHeld(before, [](const Held& held) { return bytesOf(held.name); }), ifHeld(before, checksum),
+        ifHeld(before, [](const Held& held) { return held.bytes; }))
+      .changes();
+  return sizeOf(before);
+}
+
+bool Recorder::isEmpty(Database& database) const {
+  Query query(database.writing->isEmptyEntry, *at_.entry);
+  return query.next() && query.integer(0) != 0;
+}
+
+void Recorder::finish(Database& database) {
+  if (!std::exchange(at_.hasRecorded, false)) return;
+  if (std::exchange(at_.hasBegun, false) && !run_.undoes && (isEmpty(database) || isOff(database))) {
+    Query(database.writing->removeChanges, *at_.entry).changes();
+    Query(database.writing->removeEntry, *at_.entry).changes();
+    at_.entry.reset();
+  }
+  if (untrimmed_ >= kUntrimmedBytes) trim(database);
+}
+
+void Recorder::trim(Database& database) {
+  untrimmed_ = 0;
+  std::int64_t most = settingOf(database, kEntries, kDefaultEntries);
+  if (most == 0) most = kDefaultEntries;  // off: what stands is kept
+  const std::int64_t bytes = settingOf(database, kMegabytes, kDefaultMegabytes) * kMegabyte - kUntrimmedBytes;
+  const auto isTooMuch = [&] {
+    Query query(database.reading->sizeOfHistory);
+    query.next();
+    const std::int64_t entries = query.integer(0);
+    return entries > 1 && (entries > most || query.integer(1) > bytes);
+  };
+  while (isTooMuch()) {
+    const std::int64_t oldest = database.integer("SELECT min(number) FROM entry");
+    Query(database.writing->removeChanges, oldest).changes();
+    Query(database.writing->removeEntry, oldest).changes();
+  }
+}
+
+std::vector<RecordedEntry> recordedEntries(Database& database) {
+  std::vector<RecordedEntry> entries;
+  for (Query query(database.reading->entries); query.next();)
+    entries.push_back({query.integer(0),
+                       query.integer(1),
+                       {query.blob<std::string>(3), unpacked(query.blob<std::string>(4)),
+                        query.isNull(2) ? std::nullopt : std::optional(query.integer(2))}});
+  return entries;
+}
+
+std::vector<RecordedChange> recordedChanges(Database& database, std::int64_t entry, bool withBytes) {
+  std::vector<RecordedChange> changes;
+  SQLite::Statement& statement = withBytes ? database.reading->changesWithBytes : database.reading->changes;
+  for (Query query(statement, entry); query.next();) {
+    const auto text = [&](int column) {
+      return query.isNull(column) ? std::nullopt : std::optional(query.blob<std::string>(column));
+    };
+    RecordedChange& change = changes.emplace_back();
+    change.place = {Place::Kind(query.number<std::uint8_t>(0)),
+                    {query.number<std::uint32_t>(1), query.number<std::uint32_t>(2)},
+                    query.blob<std::string>(3)};
+    change.what = What(query.number<std::uint8_t>(4));
+    change.nameBefore = text(5);
+    change.nameAfter = text(6);
+    if (!query.isNull(7)) change.checksumAfter = query.integer(7);
+    if (!withBytes || query.isNull(9)) continue;
+    change.before = Held{query.blob<std::string>(8), query.blob<std::vector<std::uint8_t>>(10), query.integer(9)};
+  }
+  return changes;
+}
+
+}  // namespace Editor

@@ -1,0 +1,80 @@
+#include "history/History.h"
+
+#include <array>
+#include <map>
+#include <utility>
+
+#include "AddressRows.h"
+#include "messages/AddressNames.h"
+#include "models/LiveKeys.h"
+
+namespace Editor {
+
+namespace {
+
+// A flag or a setting that was never set has a value all the same.
+std::optional<std::string> valueOf(const Place& place, const std::optional<std::string>& name) {
+  if (name) return name;
+  if (place.kind == Place::Kind::favourite) return "0";
+  return place.kind == Place::Kind::setting ? std::optional(std::to_string(Library::kDefaultMixingVoiceMaximum)) : name;
+}
+
+// Each entry that is undone, with the undo that did it.
+std::map<std::int64_t, std::int64_t> undosOf(const std::vector<RecordedEntry>& newestFirst) {
+  std::map<std::int64_t, std::int64_t> newest;  // undo of each entry, whether or not undone itself
+  std::map<std::int64_t, std::int64_t> undone;
+  for (const RecordedEntry& entry : newestFirst)
+    if (entry.run.undoes && newest.try_emplace(*entry.run.undoes, entry.number).second &&
+        !undone.contains(entry.number))
+      undone[*entry.run.undoes] = entry.number;
+  return undone;
+}
+
+}  // namespace
+
+std::string nameOf(const Place& place) {
+  switch (place.kind) {
+    case Place::Kind::content:
+    case Place::Kind::favourite:
+      return nameOf(place.id);
+    case Place::Kind::live:
+      if (const std::optional<MidLo> header = headerOfLiveKey(place.key))
+        return nameOrBytes({BDA::kHeaderHi, header->mid, header->lo});
+      break;
+    case Place::Kind::setting:
+      break;
+  }
+  return place.key;
+}
+
+const char* wordOf(What what) {
+  constexpr std::array kWords{"stored", "removed", "renamed", "flagged", "set"};
+  return kWords.at(std::size_t(what) - 1);
+}
+
+std::vector<PlaceChange> changesOf(Library& library, std::int64_t entry) {
+  std::vector<PlaceChange> changes;
+  for (const RecordedChange& change : library.recordedChanges(entry, false))
+    changes.push_back({nameOf(change.place), change.what, valueOf(change.place, change.nameBefore),
+                       valueOf(change.place, change.nameAfter)});
+  return changes;
+}
+
+std::vector<PlaceChange> changesOfRun(Library& library) {
+  const std::optional<std::int64_t> entry = library.entryOfRun();
+  return entry ? changesOf(library, *entry) : std::vector<PlaceChange>();
+}
+
+std::vector<HistoryEntry> entriesOf(Library& library) {
+  const std::vector<RecordedEntry> recorded = library.recordedEntries();
+  const std::map<std::int64_t, std::int64_t> undone = undosOf(recorded);
+  std::vector<HistoryEntry> entries;
+  for (const RecordedEntry& one : recorded) {
+    const auto undo = undone.find(one.number);
+    entries.push_back({one.number, one.time, one.run.verb, one.run.sources, one.run.undoes,
+                       undo == undone.end() ? std::nullopt : std::optional(undo->second)});
+  }
+  return entries;
+}
+
+}  // namespace Editor

@@ -1,0 +1,62 @@
+#include "history/Undo.h"
+
+#include <algorithm>
+
+#include "contents/ContentFormat.h"
+#include "models/LiveKeys.h"
+
+namespace Editor {
+
+namespace {
+
+bool isAsLeft(const std::optional<Held>& held, const RecordedChange& change) {
+  return held ? change.checksumAfter == held->checksum && isWhole(*held) : !change.checksumAfter;
+}
+
+// A forced undo may bring back a multi without the voices of its parts: those of the other kind go, as they do when any
+// multi comes.
+void dropMisfits(Library& library) {
+  const std::string multiKey = liveKeyOf(EditBuffer::multi);
+  ModelSet multi = shapesOfLiveKey(multiKey).front();
+  if (const std::optional<Library::Bytes> bytes = library.live(multiKey); bytes && decodeContent(*bytes, multi)) return;
+  for (std::uint8_t part = 0; part < kParts; ++part) {
+    const std::string key = liveKeyOf(EditBuffer::partVoice, part);
+    const std::optional<Library::Bytes> bytes = library.live(key);
+    ModelSet voice;
+    voice.voice.emplace(EditorJobTools::playsDrums(*multi.multi, part));
+    if (bytes && decodeContent(*bytes, voice)) library.putBack(liveAt(key), std::nullopt);
+  }
+}
+
+// The one that is named, or else the newest that is no undo and not undone.
+Undone find(Library& library, std::optional<std::int64_t> named) {
+  for (const HistoryEntry& entry : entriesOf(library)) {
+    const bool isMeant = named ? entry.number == *named : !entry.undoes && !entry.undoneBy;
+    if (isMeant) return {Undone::State::done, entry.number, {}, {}};
+  }
+  return {Undone::State::nothingToUndo, named.value_or(0), {}, {}};
+}
+
+}  // namespace
+
+Undone undo(EmbeddedEditor& editor, std::optional<std::int64_t> entry, Force force) {
+  Library& library = editor.library();
+  Undone undone = find(library, entry);
+  if (undone.state != Undone::State::done) return undone;
+  const std::vector<RecordedChange> changes = library.recordedChanges(undone.entry, true);
+  for (const RecordedChange& change : changes)
+    if (!isAsLeft(library.held(change.place), change)) undone.conflicts.push_back(nameOf(change.place));
+  if (!undone.conflicts.empty() && force == Force::no) {
+    undone.state = Undone::State::conflict;
+    return undone;
+  }
+  library.beginRun({"undo", {}, undone.entry});
+  library.openEntry();
+  for (const RecordedChange& change : changes) library.putBack(change.place, change.before);
+  dropMisfits(library);
+  undone.changes = changesOfRun(library);
+  editor.tools().reload();
+  return undone;
+}
+
+}  // namespace Editor

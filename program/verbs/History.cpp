@@ -1,0 +1,26 @@
+// The verb history: what changed the library, the newest first.
+
+#include "history/History.h"
+
+#include <memory>
+
+#include "output/HistoryLines.h"
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+void history(const HistoryOptions& options, Program& program) {
+  const std::unique_ptr<Library> library = program.openLibraryToRead();
+  const Library::Transaction oneState(*library, Library::Transaction::Access::Read);
+  std::vector<HistoryEntry> entries = entriesOf(*library);
+  if (options.most < entries.size()) entries.resize(options.most);
+  for (const HistoryEntry& entry : entries) {
+    const std::vector<PlaceChange> changes = changesOf(*library, entry.number);
+    program.console.line(options.json ? jsonOf(entry, changes) : lineOf(entry, changes));
+    if (options.json || !program.console.isVerbose()) continue;
+    for (const PlaceChange& change : changes) program.console.line("      " + lineOf(change));
+  }
+  if (entries.empty()) program.console.note("nothing is recorded");
+}
+
+}  // namespace Editor

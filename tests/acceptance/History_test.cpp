@@ -1,0 +1,235 @@
+// history, undo and check, and what a damaged content keeps from whom.
+
+#include <sqlite3.h>
+
+#include "Library.h"
+#include "Program.h"
+#include "editor/contents/TemporaryLibrary.h"
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+using Json = nlohmann::ordered_json;
+
+namespace {
+
+class History : public Program {
+ protected:
+  void store(std::uint8_t value) {
+    write("voice.syx", {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, value)});
+    ASSERT_THAT(bda({"receive", "-q", "voice.syx"}), Exits(0));
+  }
+  void ok(const std::vector<std::string>& words) { ASSERT_THAT(bda(words), Exits(0)) << testing::PrintToString(words); }
+  std::vector<Json> objects(const std::vector<std::string>& words) {
+    std::vector<Json> all;
+    for (const std::string& line : lines(bda(words).out)) all.push_back(Json::parse(line));
+    return all;
+  }
+  std::vector<Json> history() { return objects({"history", "--json"}); }
+  std::string backup() {
+    ok({"backup", "-q", "-o", "backup.syx"});
+    return read("backup.syx");
+  }
+  void damage(const std::string& sql) { Editor::PlainDatabase{libraryFile()}(sql); }
+};
+
+}  // namespace
+
+// ---- history --------------------------------------------------------------------------------------------------------
+
+TEST_F(History, hasAnEntryForEachRunThatChangedSomethingTheNewestFirst) {
+  EXPECT_THAT(history(), IsEmpty());
+  store(0x41);
+  ok({"rename", "voice:user1:6", "Grand"});
+  ok({"favourite", "voice:user1:6", "on"});
+  ok({"settings", "mixing-voices", "9"});
+  ok({"settings", "device-number", "3"});
+  ok({"show", "voice:user1:6"});
+  const std::vector<Json> entries = history();
+  ASSERT_THAT(entries, SizeIs(5));
+  std::vector<std::string> keys;
+  for (const auto& [key, value] : entries[0].items()) keys.push_back(key);
+  EXPECT_THAT(keys, ElementsAre("entry", "time", "verb", "sources", "changes", "undoes", "undoneBy"));
+  const std::string old(20, 'A');
+  EXPECT_EQ(entries[4]["entry"], 1);
+  EXPECT_EQ(entries[4]["verb"], "receive");
+  EXPECT_EQ(entries[4]["sources"], Json::array({"voice.syx"}));
+  EXPECT_THAT(entries[4]["time"].get<std::string>(),
+              testing::MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z"));
+  EXPECT_EQ(entries[4]["changes"][0].dump(),
+            R"({"content":"voice:user1:6","what":"stored","before":null,"after":")" + old + R"("})");
+  EXPECT_EQ(entries[3]["changes"][0].dump(),
+            R"({"content":"voice:user1:6","what":"renamed","before":")" + old + R"(","after":"Grand"})");
+  EXPECT_EQ(entries[2]["changes"].dump(), R"([{"content":"voice:user1:6","what":"flagged","before":0,"after":1}])");
+  EXPECT_EQ(entries[1]["changes"].dump(), R"([{"content":"mixing-voices","what":"set","before":2048,"after":9}])");
+  EXPECT_EQ(entries[0]["changes"].dump(), R"([{"content":"system","what":"stored","before":null,"after":""}])");
+  EXPECT_EQ(entries[0]["undoes"], nullptr);
+  EXPECT_EQ(entries[0]["undoneBy"], nullptr);
+  EXPECT_THAT(objects({"history", "--json", "-n", "2"}), SizeIs(2));
+  const Result words = bda({"history", "-v", "-n", "1"});
+  EXPECT_THAT(words.out,
+              AllOf(HasSubstr("   5  "), HasSubstr("settings: 1 stored"), HasSubstr("      system: stored")));
+  EXPECT_THAT(bda({"history", "-n", "0"}), Exits(1));
+}
+
+TEST_F(History, ofADefaultLibraryThatDoesNotExistIsEmpty) {
+  EXPECT_THAT(bdaWithout("BDA_LIBRARY", {"history"}), Exits(0));
+  EXPECT_THAT(bda({"history", "--library", "none.db"}), Exits(2));
+  EXPECT_THAT(bda({"undo", "--library", "none.db"}), Exits(3));
+  EXPECT_FALSE(exists("none.db"));
+}
+
+TEST_F(History, aRunThatIsRefusedLeavesNoEntry) {
+  store(0x41);
+  Bytes cut = unit({0x0E, 0x0A, 0x06}, BDA::List::normalVoice, 1);
+  cut[cut.size() - 2] ^= 1;
+  write("broken.syx", {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 2), cut});
+  EXPECT_THAT(bda({"restore", "broken.syx"}), Exits(3));
+  EXPECT_THAT(bda({"remove", "voice:user1:6", "voice:user1:7"}), Exits(3));
+  EXPECT_THAT(history(), SizeIs(1));
+}
+
+TEST_F(History, isKeptAsTheSettingsSay) {
+  for (const char* name : {"a", "b", "c", "d"}) ok({"rename", "drum:edit", name});
+  ok({"settings", "history", "2"});
+  EXPECT_THAT(history(), SizeIs(2));
+  ok({"settings", "history", "off"});
+  EXPECT_EQ(bda({"settings", "history"}).out, "off\n");
+  ok({"rename", "drum:edit", "e"});
+  EXPECT_EQ(history()[0]["entry"], 4);
+  for (const char* value : {"0", "100001", "many"}) EXPECT_THAT(bda({"settings", "history", value}), Exits(1));
+  for (const char* value : {"0", "off"}) EXPECT_THAT(bda({"settings", "history-size", value}), Exits(1));
+  ok({"settings", "history-size", "1"});
+  EXPECT_EQ(bda({"settings", "history-size"}).out, "1\n");
+}
+
+TEST_F(History, isNeitherInABackupNorADifference) {
+  store(0x41);
+  const std::string before = backup();
+  std::filesystem::copy_file(libraryFile(), directory / "other.db");
+  ok({"settings", "history", "7"});
+  ok({"settings", "history-size", "7"});
+  EXPECT_EQ(backup(), before);
+  ok({"diff", "library.db", "other.db"});
+}
+
+// ---- undo -----------------------------------------------------------------------------------------------------------
+
+TEST_F(History, undoingAllOfItGivesTheFirstLibraryByteForByte) {
+  store(0x41);
+  const std::string first = backup();
+  store(0x22);
+  ok({"rename", "voice:user1:6", "Other"});
+  write("system.syx", {systemDump(1)});
+  ok({"receive", "-q", "system.syx"});
+  ok({"remove", "voice:user1:6"});
+  write("first.syx", first);
+  ok({"restore", "-q", "first.syx"});
+  ok({"favourite", "voice:user1:6", "on"});
+  const std::size_t changes = history().size() - 1;
+  EXPECT_EQ(changes, 6U);
+  for (std::size_t i = 0; i < changes; ++i) ok({"undo"});
+  EXPECT_EQ(backup(), first);
+  ok({"undo"});
+  EXPECT_THAT(bda({"undo"}), Exits(3));
+  EXPECT_THAT(bda({"undo"}).err, HasSubstr("nothing to undo"));
+}
+
+TEST_F(History, anUndoTellsEachChangeAndIsAnEntryItself) {
+  store(0x41);
+  ok({"rename", "voice:user1:6", "Grand"});
+  const Json change = json({"undo", "--json"});
+  EXPECT_EQ(change.dump(), R"({"content":"voice:user1:6","what":"renamed","before":"Grand","after":")" +
+                               std::string(20, 'A') + R"("})");
+  EXPECT_EQ(history()[0]["verb"], "undo");
+  EXPECT_EQ(history()[0]["undoes"], 2);
+  EXPECT_EQ(history()[1]["undoneBy"], 3);
+  ok({"undo", "3"});
+  EXPECT_EQ(json({"show", "voice:user1:6", "--json"})["voice"]["name"], "Grand");
+  EXPECT_EQ(history()[2]["undoneBy"], nullptr);
+}
+
+TEST_F(History, aConflictNamesThePlaceAndChangesNothingWithoutForce) {
+  store(0x41);
+  ok({"rename", "voice:user1:6", "Grand"});
+  ok({"rename", "voice:user1:6", "Upright"});
+  const Result refused = bda({"undo", "2"});
+  EXPECT_THAT(refused, Exits(3));
+  EXPECT_THAT(refused.err,
+              AllOf(HasSubstr("voice:user1:6: no longer holds what entry 2 left there"), HasSubstr("--force")));
+  EXPECT_THAT(history(), SizeIs(3));
+  EXPECT_THAT(bda({"undo", "2", "--force", "--dry-run"}), Exits(0));
+  EXPECT_THAT(history(), SizeIs(3));
+  ok({"undo", "2", "--force"});
+  EXPECT_EQ(json({"show", "voice:user1:6", "--json"})["voice"]["name"], std::string(20, 'A'));
+  EXPECT_THAT(bda({"undo", "99"}), Exits(3));
+  EXPECT_THAT(bda({"undo", "none"}), Exits(1));
+}
+
+// ---- check, and what is damaged -------------------------------------------------------------------------------------
+
+TEST_F(History, checkNamesWhatIsDamagedAndTheOthersAreGood) {
+  store(0x41);
+  ok({"restore", "-q", "voice.syx"});
+  write("other.syx", {unit({0x0E, 0x0A, 0x06}, BDA::List::normalVoice, 1)});
+  ok({"receive", "-q", "other.syx"});
+  EXPECT_THAT(bda({"check"}), Exits(0));
+  EXPECT_EQ(bda({"check"}).out, "");
+  damage(
+      "UPDATE content SET bytes = CAST(substr(bytes, 1, 90) || x'55' || substr(bytes, 92) AS BLOB) WHERE number = "
+      "0x3F0805");
+  const Result run = bda({"check", "--json"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.out, AllOf(HasSubstr(R"({"content":"voice:user1:6","state":"damaged","reason":)"),
+                             HasSubstr(R"({"content":"voice:user1:7","state":"good"})"),
+                             HasSubstr(R"({"table":"content","state":"good"})")));
+  EXPECT_THAT(bda({"check"}).out, HasSubstr("voice:user1:6: damaged"));
+}
+
+TEST_F(History, aDamagedContentKeepsNoVerbFromTheOthers) {
+  store(0x41);
+  write("other.syx", {unit({0x0E, 0x0A, 0x06}, BDA::List::normalVoice, 1)});
+  ok({"receive", "-q", "other.syx"});
+  damage(
+      "UPDATE content SET bytes = CAST(substr(bytes, 1, 90) || x'55' || substr(bytes, 92) AS BLOB) WHERE number = "
+      "0x3F0805");
+  const Result contents = bda({"contents", "--json"});
+  EXPECT_THAT(contents, Exits(3));
+  EXPECT_THAT(contents.out, AllOf(HasSubstr("voice:user1:7"), Not(HasSubstr("voice:user1:6"))));
+  EXPECT_THAT(contents.err, HasSubstr("voice:user1:6: left out: it is damaged"));
+  const Result show = bda({"show", "voice:user1"});
+  EXPECT_THAT(show, Exits(3));
+  EXPECT_THAT(show.out, AllOf(HasSubstr("voice:user1:7:"), Not(HasSubstr("voice:user1:6:"))));
+  const Result backup = bda({"backup", "-o", "backup.syx"});
+  EXPECT_THAT(backup, Exits(3));
+  EXPECT_THAT(backup.err, HasSubstr("voice:user1:6: not in the backup"));
+  EXPECT_THAT(bda({"list", "backup.syx"}).out, AllOf(HasSubstr("user1:7"), Not(HasSubstr("user1:6"))));
+  store(0x22);  // what comes anew is whole again, what the history keeps of it is not
+  EXPECT_THAT(bda({"contents"}), Exits(0));
+  EXPECT_EQ(lines(bda({"check"}).out),
+            std::vector<std::string>{"table change: damaged: entry 3: what voice:user1:6 held before does not fit its "
+                                     "checksum"});
+}
+
+// ---- Libraries of version 1 -----------------------------------------------------------------------------------------
+
+TEST_F(History, aLibraryOfVersion1IsReadAsItIsAndMigratedByItsFirstChange) {
+  std::filesystem::remove(libraryFile());
+  Editor::makeOldLibrary(libraryFile());
+  const std::string old = read("library.db");
+  ok({"contents"});
+  ok({"history"});
+  ok({"check"});
+  EXPECT_THAT(bda({"undo"}), Exits(3));
+  EXPECT_EQ(read("library.db"), old);
+  EXPECT_FALSE(exists("library.db.v1"));
+  ok({"rename", "voice:user1:6", "Grand"});
+  EXPECT_EQ(read("library.db.v1"), old);
+  EXPECT_EQ(history()[0]["changes"].dump(),
+            R"([{"content":"voice:user1:6","what":"renamed","before":"Piano","after":"Grand"}])");
+  ok({"undo"});
+  ok({"diff", "library.db", "library.db.v1"});
+}
