@@ -9,7 +9,7 @@
 #include "arrange/Arrange.h"
 #include "bda/platform/CMA/VoiceBanks.h"
 #include "contents/ContentFormat.h"
-#include "history/History.h"
+#include "editor/history/PrintChange.h"
 #include "targets/TargetModels.h"
 
 namespace Editor {

@@ -23,7 +23,7 @@ TEST_F(Arrange, aCopyIsTheSameContentByteForByte) {
 }
 
 TEST_F(Arrange, whatIsOverwrittenIsToldByItsName) {
-  store("voice:user1:1", "Piano");
+  store("voice:user1:1", "Piano", 7);
   store("voice:user2:3", "Strings");
   EXPECT_THAT(copy("voice:user1:1", "voice:user2:3").changes, ElementsAre(stored("voice:user2:3", "Strings", "Piano")));
 }
@@ -181,7 +181,7 @@ TEST_F(Arrange, aSwapExchangesAndMovesWhereOneSideIsEmpty) {
   const Run arranged = swap("master:1..4", "master:11");
   EXPECT_THAT(arranged.leftOut, ElementsAre("master:4"));
   EXPECT_THAT(arranged.changes,
-              UnorderedElementsAre(stored("master:1", "A", "B"), stored("master:11", "B", "A"),
+              UnorderedElementsAre(renamed("master:1", "A", "B"), renamed("master:11", "B", "A"),
                                    removed("master:2", "Alone"), stored("master:12", nothing, "Alone"),
                                    stored("master:3", nothing, "Lonely"), removed("master:13", "Lonely")));
 }
@@ -194,7 +194,7 @@ TEST_F(Arrange, aFlagIsCopiedWithItsContent) {
   EXPECT_THAT(copy("voice:user1:1", "voice:user1:2").changes,
               ElementsAre(stored("voice:user1:2", nothing, "Piano"), flagged("voice:user1:2", 0, 3)));
   EXPECT_EQ(flagAt("voice:user1:1"), 3);
-  store("voice:user1:3", "Plain");
+  store("voice:user1:3", "Plain", 7);
   EXPECT_THAT(copy("voice:user1:3", "voice:user1:2").changes,
               ElementsAre(stored("voice:user1:2", "Piano", "Plain"), flagged("voice:user1:2", 3, 0)));
 }
@@ -231,7 +231,7 @@ TEST_F(Arrange, aPlaceWithoutFlagsDropsItAndThatIsTold) {
 TEST_F(Arrange, whatComesFromWhereNoFlagCanStandLeavesThatOfThePlace) {
   store("voice:user1:1", "Piano");
   flag("voice:user1:1");
-  store("voice:edit", "Edited");
+  store("voice:edit", "Edited", 7);
   EXPECT_THAT(copy("voice:edit", "voice:user1:1").changes, ElementsAre(stored("voice:user1:1", "Piano", "Edited")));
   EXPECT_EQ(flagAt("voice:user1:1"), 1);
 }
@@ -260,11 +260,11 @@ TEST_F(Arrange, aVoiceOfAPartIsTakenWithItsMultiAndGivenWithoutOne) {
   store("multi:edit", "Multi", 5);
   store("voice:user1:1", "Piano", 9);
   const Run arranged = copy("voice:user1:1", "voice:part:4");
-  EXPECT_THAT(arranged.changes, ElementsAre(stored("voice:part:4", nothing, "Piano")));
+  EXPECT_THAT(arranged.changes, ElementsAre(renamed("voice:part:4", "", "Piano")));
   EXPECT_THAT(arranged.voicesAlone, ElementsAre(Arranged::Note{"voice:user1:1", "voice:part:4"}));
   EXPECT_EQ(multiAt("multi:edit"), 5);
   EXPECT_THAT(move("voice:part:4", "voice:user1:2").changes,
-              ElementsAre(stored("voice:user1:2", nothing, "Piano"), stored("voice:part:4", "Piano", "")));
+              ElementsAre(stored("voice:user1:2", nothing, "Piano"), renamed("voice:part:4", "Piano", "")));
   EXPECT_EQ(multiAt("voice:user1:2"), 5);
   EXPECT_EQ(nameAt("voice:part:4"), "");
   EXPECT_EQ(nameAt("multi:edit"), "Multi");
@@ -321,7 +321,7 @@ TEST_F(Arrange, newMixingVoicesNeedRoom) {
 TEST_F(Arrange, aCopyOfAnotherLibraryTakesWhatStandsThere) {
   storeTarget(other, at("voice:user1:1"), models("voice:user1:1", "Theirs"));
   other.library().setFavourite(id("voice:user1:1"), 1);
-  store("voice:user1:1", "Ours");
+  store("voice:user1:1", "Ours", 7);
   const Arrangement arrangement = parseArrangement(Kind::copy, "voice:user1:1..3", "voice:user1:1");
   const Run arranged = run(arrangement, other);
   EXPECT_THAT(arranged.changes, ElementsAre(stored("voice:user1:1", "Ours", "Theirs"), flagged("voice:user1:1", 0, 1)));

@@ -127,8 +127,8 @@ TEST(ContentAddress, KnowsDrumVoicesFromOthers) {
 }
 
 TEST(ContentAddress, voicesOfAllBanksButTheMixingOnesCanBeFavourites) {
-  for (const std::uint8_t mid : {0x00, 0x07, 0x09, 0x0A, 0x0C, 0x20, 0x21, 0x28})
-    EXPECT_TRUE(canBeFavourite(header(mid, 0))) << int(mid);
+  for (const int mid : {0x00, 0x07, 0x09, 0x0A, 0x0C, 0x20, 0x21, 0x28})
+    EXPECT_TRUE(canBeFavourite(header(std::uint8_t(mid), 0))) << mid;
   EXPECT_FALSE(canBeFavourite(header(0x31, 0)));
   EXPECT_FALSE(canBeFavourite({ContSrv::ContType_Voice, mixingVoiceNumber(3, 4)}));
   EXPECT_FALSE(canBeFavourite({ContSrv::ContType_Multi, 0}));

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "bda/platform/CMA/VoiceBanks.h"
-#include "history/History.h"
+#include "editor/history/PrintChange.h"
 #include "targets/TargetModels.h"
 
 namespace Editor {
@@ -36,7 +36,7 @@ TEST_F(TargetChanges, aTargetThatIsReplacedIsToldWithItsNames) {
   EXPECT_THAT(store("file:voice:user1:6", named("voice:user1:6", "Piano")),
               ElementsAre(PlaceChange{"voice:user1:6", What::stored, std::nullopt, "Piano"}));
   EXPECT_THAT(store("voice:user1:6", named("voice:user1:6", "Grand")),
-              ElementsAre(PlaceChange{"voice:user1:6", What::stored, "Piano", "Grand"}));
+              ElementsAre(PlaceChange{"voice:user1:6", What::renamed, "Piano", "Grand"}));
   EXPECT_THAT(store("master:edit", named("master:edit", "Master")),
               ElementsAre(PlaceChange{"master:edit", What::stored, std::nullopt, "Master"}));
   EXPECT_THAT(store("system", freshTarget(parseTarget("system"), false)),
@@ -44,12 +44,12 @@ TEST_F(TargetChanges, aTargetThatIsReplacedIsToldWithItsNames) {
 }
 
 TEST_F(TargetChanges, theMultiThatComesWithTheVoiceOfAPartIsToldWhenItIsAnother) {
+  store("multi:edit", freshTarget(parseTarget("multi:edit"), false));  // the voices of all parts come with the first
   ModelSet models = loadTarget(editor, parseTarget("voice:part:4"));
   models.voice->name.assign("Voice");
-  EXPECT_THAT(store("voice:part:4", models), ElementsAre(PlaceChange{"voice:part:4", What::stored, "", "Voice"}));
+  EXPECT_THAT(store("voice:part:4", models), ElementsAre(PlaceChange{"voice:part:4", What::renamed, "", "Voice"}));
   models.multi->name.assign("Multi");
-  EXPECT_THAT(store("voice:part:4", models), ElementsAre(PlaceChange{"voice:part:4", What::stored, "Voice", "Voice"},
-                                                         PlaceChange{"multi:edit", What::stored, "", "Multi"}));
+  EXPECT_THAT(store("voice:part:4", models), ElementsAre(PlaceChange{"multi:edit", What::renamed, "", "Multi"}));
 }
 
 TEST_F(TargetChanges, voicesThatAMultiTakesAlongAreTold) {
