@@ -107,7 +107,7 @@ std::int64_t Recorder::addRow(Database& database, const Place& place, const std:
   };
   const auto shownName = [&](const Held& held) { return bytesOf(nameIn(place, held)); };
   const auto checksum = [](const Held& held) { return held.checksum; };
-  Query(database.writing->addChange, *at_.entry, place, std::int64_t(whatBecame(place, before, after)),
+  Query(database.writing->addChange, *at_.entry, place, std::int64_t(whatBecame(place, before, after, run_.isRenaming)),
         ifHeld(before, shownName), ifHeld(after, shownName), ifHeld(after, checksum),
         ifHeld(before, [](const Held& held) { return bytesOf(held.name); }), ifHeld(before, checksum),
         ifHeld(before, [](const Held& held) { return held.bytes; }))

@@ -14,9 +14,10 @@ struct Database;
 
 // What changes a library: a run of a verb.
 struct LibraryRun {
-  std::string verb;
-  std::vector<std::string> sources;    // the files that it reads, as its user named them
-  std::optional<std::int64_t> undoes;  // the entry that it takes back
+  std::string verb = {};
+  std::vector<std::string> sources = {};    // the files that it reads, as its user named them
+  std::optional<std::int64_t> undoes = {};  // the entry that it takes back
+  bool isRenaming = false;                  // it changes nothing but names
 };
 
 // An entry of the history as it stands in the file.

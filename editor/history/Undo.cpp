@@ -50,7 +50,9 @@ Undone undo(EmbeddedEditor& editor, std::optional<std::int64_t> entry, Force for
     undone.state = Undone::State::conflict;
     return undone;
   }
-  library.beginRun({"undo", {}, undone.entry});
+  const bool isRenaming = std::all_of(changes.begin(), changes.end(),
+                                      [](const RecordedChange& change) { return change.what == What::renamed; });
+  library.beginRun({"undo", {}, undone.entry, isRenaming});
   library.openEntry();
   for (const RecordedChange& change : changes) library.putBack(change.place, change.before);
   dropMisfits(library);

@@ -51,7 +51,7 @@ void apply(Words words, const ChangeOptions& options, Program& program) {
   words.pop_back();
   const Target target = parseOneTarget(words);
   const ModelSet models = readModels(file, target);
-  ChangeRun run(program, {"apply", {file}, {}}, options);
+  ChangeRun run(program, {"apply", {file}}, options);
   const CarryCheck check = checkCarried(target, models);
   if (!check.refusal.empty()) throw Failure(kRefused, fmt::format("{}: {}", target.name, check.refusal));
   storeTarget(run.editor(), target, models);

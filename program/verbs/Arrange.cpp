@@ -43,7 +43,7 @@ void arrange(Arrangement::Kind kind, const Words& words, const std::string& othe
   if (sides.size() != 2) throw Failure(kWrongUsage, "expected two places, ranges or banks");
   const Arrangement arrangement = parseArrangement(kind, sides.front(), sides.back());
   if (kind != Arrangement::Kind::copy) program.requireLibrary(kRefused);
-  ChangeRun run(program, {wordOf(kind), otherLibrary.empty() ? Words() : Words{otherLibrary}, {}}, options);
+  ChangeRun run(program, {wordOf(kind), otherLibrary.empty() ? Words() : Words{otherLibrary}}, options);
   const Arranged arranged = otherLibrary.empty()
                                 ? arrange(run.editor(), arrangement)
                                 : arrange(run.editor(), arrangement, *program.openToRead(otherLibrary));

@@ -17,7 +17,7 @@ void favourite(const Words& words, const ChangeOptions& options, Program& progra
   if (!canBeFavourite(target.content))
     refuse(target, "only preset, GM and user voices and drum voices can be favourites");
   program.requireLibrary(kRefused);
-  ChangeRun run(program, {"favourite", {}, {}}, options);
+  ChangeRun run(program, {"favourite"}, options);
   Library& library = run.library();
   const bool isOn = library.favourite(target.content) != 0;
   if (!isOn && !library.contentName(target.content)) refuse(target, "nothing is stored there");

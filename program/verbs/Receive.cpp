@@ -80,7 +80,7 @@ class Receiving {
         losses_(console_),
         refusals_(console_),
         progress_(program.console, "receive", "messages", 0, input_.size()),
-        editor_(program.openToChange({"receive", files, {}})),
+        editor_(program.openToChange({"receive", files})),
         trace_(options.trace) {
     if (!options.output.empty()) answers_.emplace(options.output);
     if (options.output == "-" || options.trace == "-") console_.keepOutputForBytes();

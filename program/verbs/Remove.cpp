@@ -45,7 +45,7 @@ void remove(const Words& words, const ChangeOptions& options, Program& program) 
   std::vector<Places<Target>> asked;
   for (const std::string& word : joinAddresses(words)) asked.push_back(parseContents(word));
   program.requireLibrary(kRefused);
-  ChangeRun run(program, {"remove", {}, {}}, options);
+  ChangeRun run(program, {"remove"}, options);
   Removing removing(run.library(), program.console);
   for (const Places<Target>& places : asked) removing.take(places);
   run.keep();

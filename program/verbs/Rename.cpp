@@ -79,7 +79,7 @@ void rename(const Words& words, const std::string& table, const ChangeOptions& o
   const bool isTable = !table.empty();
   const std::vector<RenameRow> rows = isTable ? loadRenameTable(table) : std::vector<RenameRow>{rowOf(words)};
   program.requireLibrary(kRefused);
-  ChangeRun run(program, {"rename", isTable ? Words{table} : Words(), {}}, options);
+  ChangeRun run(program, {"rename", isTable ? Words{table} : Words(), {}, true}, options);
   for (const RenameRow& row : rows) {
     try {
       renamePlace(run.editor(), row.target, row.name);

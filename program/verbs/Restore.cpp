@@ -166,7 +166,7 @@ class Restoring {
   }
 
   const std::string file_;
-  const LibraryRun run_{"restore", {file_}, {}};
+  const LibraryRun run_{"restore", {file_}};
   const RestoreOptions options_;
   Program& program_;
   Console& console_;

@@ -137,7 +137,7 @@ void settings(const std::string& name, const std::optional<std::string>& value, 
   }
   const std::optional<std::int64_t> number = setting.parse(*value);
   if (!number) throw Failure(kWrongUsage, fmt::format("{}: \"{}\": expected {}", name, escape(*value), setting.values));
-  ChangeRun run(program, {"settings", {}, {}}, options);
+  ChangeRun run(program, {"settings"}, options);
   const std::string before = setting.get(run.editor());
   setting.set(run.editor(), *number);
   const std::string after = setting.get(run.editor());

@@ -26,7 +26,7 @@ void tellConflicts(const Undone& undone, Console& console) {
 
 void undo(std::optional<std::int64_t> entry, bool force, const ChangeOptions& options, Program& program) {
   program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange({"undo", {}, {}});
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange({"undo"});
   Library::Transaction transaction(editor->library());
   const Undone undone = undo(*editor, entry, force ? Force::yes : Force::no);
   if (undone.state == Undone::State::nothingToUndo)

@@ -243,8 +243,8 @@ TEST_F(Arrange, eachChangeIsAnObject) {
   EXPECT_THAT(objects({"copy", "voice:user1:1", "voice:user1:2", "--json"}),
               ElementsAre(change("voice:user1:2", "stored", "B", "A"), change("voice:user1:2", "flagged", 0, 1)));
   EXPECT_THAT(objects({"move", "file:voice:user1:1", "voice:mix:1", "--json"}),
-              ElementsAre(change("voice:mix:1", "stored", nullptr, "A"),
-                          change("voice:user1:1", "removed", "A", nullptr), change("voice:user1:1", "flagged", 1, 0)));
+              ElementsAre(change("voice:user1:1", "removed", "A", nullptr),
+                          change("voice:mix:1", "stored", nullptr, "A"), change("voice:user1:1", "flagged", 1, 0)));
   EXPECT_THAT(objects({"copy", "voice:mix:1", "file:mix:1:1", "--json"}), IsEmpty());
 }
 
@@ -269,7 +269,7 @@ TEST_F(Arrange, aDryRunMakesNoLibrary) {
   removeLibrary();
   const Result run = bda({"copy", "voice:edit", "voice:user1:1", "--dry-run"});
   EXPECT_THAT(run, Exits(0));
-  EXPECT_EQ(run.out, "would store: voice:user1:1 \"\"\n");
+  EXPECT_EQ(run.out, "would store: voice:user1:1\n");
   EXPECT_FALSE(exists("library.db"));
 }
 

@@ -42,10 +42,10 @@ TEST_F(EditTold, eachVerbTellsItsChangesAsObjectsAndADryRunTheSame) {
     Words words;
     Json told;
   } verbs[] = {{{"rename", "voice:user1:6", "Grand"}, change("voice:user1:6", "renamed", "Piano", "Grand")},
-               {{"rename", "drum:edit", "Kit"}, change("drum:edit", "stored", nullptr, "Kit")},
+               {{"rename", "drum:edit", "Kit"}, change("drum:edit", "renamed", "", "Kit")},
                {{"favourite", "file:voice:user1:6", "on"}, change("voice:user1:6", "flagged", 0, 1)},
                {{"favourite", "voice:user1:6", "off"}, change("voice:user1:6", "flagged", 1, 0)},
-               {{"apply", "voice:user1:6", "voice.json"}, change("voice:user1:6", "renamed", "Grand", "Piano")},
+               {{"apply", "voice:user1:6", "voice.json"}, change("voice:user1:6", "stored", "Grand", "Piano")},
                {{"apply", "voice:user1:7", "voice.json"}, change("voice:user1:7", "stored", nullptr, "Piano")},
                {{"apply", "system", "system.json"}, change("system", "stored", nullptr, "")},
                {{"remove", "voice:user1:7"}, change("voice:user1:7", "removed", "Piano", nullptr)}};
@@ -121,9 +121,9 @@ TEST_F(EditTold, aTableRenamesAllThatItNames) {
   library().store(kMulti1, Bytes{1}, "One");
   write("names.txt", "# mine\nvoice:user1:6 Grand Piano\nfile:multi:1 First\nmaster:edit Stage\n");
   EXPECT_THAT(objects({"rename", "--from", "names.txt", "--json"}),
-              ElementsAre(change("voice:user1:6", "renamed", "Piano", "Grand Piano"),
-                          change("file:multi:1", "renamed", "One", "First"),
-                          change("master:edit", "stored", nullptr, "Stage")));
+              ElementsAre(change("file:multi:1", "renamed", "One", "First"),
+                          change("voice:user1:6", "renamed", "Piano", "Grand Piano"),
+                          change("master:edit", "renamed", "", "Stage")));
   EXPECT_EQ(library().contentName(kUserVoice6), "Grand Piano");
   EXPECT_EQ(json({"show", "voice:user1:6", "--json"})["voice"]["name"], "Grand Piano");
   EXPECT_EQ(json({"show", "master:edit", "--json"})["master"]["name"], "Stage");

@@ -127,7 +127,7 @@ TEST_F(FirstDay, theFirstChangeMakesOne) {
   EXPECT_THAT(first, Exits(0));
   EXPECT_THAT(first.err, HasSubstr("library.db: no library yet, the first change makes one\n"));
   EXPECT_THAT(bda({"contents"}).out, HasSubstr("voice:user1:6"));
-  EXPECT_EQ(bda({"settings", "device-number", "3"}).err, "");
+  EXPECT_EQ(bda({"settings", "device-number", "3"}).err, "set: device-number: 3, was 1\n");
 }
 
 TEST_F(FirstDay, eachVerbThatStoresMakesOne) {

@@ -71,7 +71,7 @@ TEST_F(History, hasAnEntryForEachRunThatChangedSomethingTheNewestFirst) {
   EXPECT_THAT(objects({"history", "--json", "-n", "2"}), SizeIs(2));
   const Result words = bda({"history", "-v", "-n", "1"});
   EXPECT_THAT(words.out,
-              AllOf(HasSubstr("   5  "), HasSubstr("settings: 1 stored"), HasSubstr("      system: stored")));
+              AllOf(HasSubstr("   5  "), HasSubstr("settings: 1 stored"), HasSubstr("      stored: system\n")));
   EXPECT_THAT(bda({"history", "-n", "0"}), Exits(1));
 }
 

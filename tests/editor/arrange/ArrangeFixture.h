@@ -59,7 +59,7 @@ class ArrangeTest : public testing::Test {
   template <typename... Other>
   Run run(const Arrangement& arrangement, Other&... from) {
     Library::Transaction transaction(editor.library());
-    editor.library().beginRun({"arrange", {}, {}});
+    editor.library().beginRun({"arrange"});
     const Arranged arranged = arrange(editor, arrangement, from...);
     const Run run{arranged, changesOfRun(editor.library())};
     transaction.commit();
@@ -94,9 +94,6 @@ class ArrangeTest : public testing::Test {
 
   static PlaceChange stored(const std::string& place, std::optional<std::string> before, const std::string& after) {
     return {place, What::stored, std::move(before), after};
-  }
-  static PlaceChange renamed(const std::string& place, const std::string& before, const std::string& after) {
-    return {place, What::renamed, before, after};
   }
   static PlaceChange removed(const std::string& place, const std::string& before) {
     return {place, What::removed, before, std::nullopt};

@@ -181,7 +181,7 @@ TEST_F(Arrange, aSwapExchangesAndMovesWhereOneSideIsEmpty) {
   const Run arranged = swap("master:1..4", "master:11");
   EXPECT_THAT(arranged.leftOut, ElementsAre("master:4"));
   EXPECT_THAT(arranged.changes,
-              UnorderedElementsAre(renamed("master:1", "A", "B"), renamed("master:11", "B", "A"),
+              UnorderedElementsAre(stored("master:1", "A", "B"), stored("master:11", "B", "A"),
                                    removed("master:2", "Alone"), stored("master:12", nothing, "Alone"),
                                    stored("master:3", nothing, "Lonely"), removed("master:13", "Lonely")));
 }
@@ -246,7 +246,7 @@ TEST_F(Arrange, anEditBufferThatWasNeverStoredIsCopiedAsNew) {
 TEST_F(Arrange, anEditBufferIsAsNewWhenItWasMoved) {
   store("drum:edit", "Kit");
   EXPECT_THAT(move("drum:edit", "drum:user:1").changes,
-              ElementsAre(stored("drum:user:1", nothing, "Kit"), renamed("drum:edit", "Kit", "")));
+              ElementsAre(stored("drum:user:1", nothing, "Kit"), stored("drum:edit", "Kit", "")));
   EXPECT_EQ(loadTarget(editor, at("drum:edit")), freshTarget(at("drum:edit"), true));
 }
 
@@ -260,11 +260,11 @@ TEST_F(Arrange, aVoiceOfAPartIsTakenWithItsMultiAndGivenWithoutOne) {
   store("multi:edit", "Multi", 5);
   store("voice:user1:1", "Piano", 9);
   const Run arranged = copy("voice:user1:1", "voice:part:4");
-  EXPECT_THAT(arranged.changes, ElementsAre(renamed("voice:part:4", "", "Piano")));
+  EXPECT_THAT(arranged.changes, ElementsAre(stored("voice:part:4", "", "Piano")));
   EXPECT_THAT(arranged.voicesAlone, ElementsAre(Arranged::Note{"voice:user1:1", "voice:part:4"}));
   EXPECT_EQ(multiAt("multi:edit"), 5);
   EXPECT_THAT(move("voice:part:4", "voice:user1:2").changes,
-              ElementsAre(stored("voice:user1:2", nothing, "Piano"), renamed("voice:part:4", "Piano", "")));
+              ElementsAre(stored("voice:user1:2", nothing, "Piano"), stored("voice:part:4", "Piano", "")));
   EXPECT_EQ(multiAt("voice:user1:2"), 5);
   EXPECT_EQ(nameAt("voice:part:4"), "");
   EXPECT_EQ(nameAt("multi:edit"), "Multi");

@@ -22,7 +22,7 @@ class TargetChanges : public testing::Test {
   }
   std::vector<PlaceChange> store(const std::string& place, const ModelSet& models) {
     Library::Transaction transaction(editor.library());
-    editor.library().beginRun({"apply", {}, {}});
+    editor.library().beginRun({"apply"});
     storeTarget(editor, parseTarget(place), models);
     std::vector<PlaceChange> changes = changesOfRun(editor.library());
     transaction.commit();
@@ -36,7 +36,7 @@ TEST_F(TargetChanges, aTargetThatIsReplacedIsToldWithItsNames) {
   EXPECT_THAT(store("file:voice:user1:6", named("voice:user1:6", "Piano")),
               ElementsAre(PlaceChange{"voice:user1:6", What::stored, std::nullopt, "Piano"}));
   EXPECT_THAT(store("voice:user1:6", named("voice:user1:6", "Grand")),
-              ElementsAre(PlaceChange{"voice:user1:6", What::renamed, "Piano", "Grand"}));
+              ElementsAre(PlaceChange{"voice:user1:6", What::stored, "Piano", "Grand"}));
   EXPECT_THAT(store("master:edit", named("master:edit", "Master")),
               ElementsAre(PlaceChange{"master:edit", What::stored, std::nullopt, "Master"}));
   EXPECT_THAT(store("system", freshTarget(parseTarget("system"), false)),
@@ -47,9 +47,9 @@ TEST_F(TargetChanges, theMultiThatComesWithTheVoiceOfAPartIsToldWhenItIsAnother)
   store("multi:edit", freshTarget(parseTarget("multi:edit"), false));  // the voices of all parts come with the first
   ModelSet models = loadTarget(editor, parseTarget("voice:part:4"));
   models.voice->name.assign("Voice");
-  EXPECT_THAT(store("voice:part:4", models), ElementsAre(PlaceChange{"voice:part:4", What::renamed, "", "Voice"}));
+  EXPECT_THAT(store("voice:part:4", models), ElementsAre(PlaceChange{"voice:part:4", What::stored, "", "Voice"}));
   models.multi->name.assign("Multi");
-  EXPECT_THAT(store("voice:part:4", models), ElementsAre(PlaceChange{"multi:edit", What::renamed, "", "Multi"}));
+  EXPECT_THAT(store("voice:part:4", models), ElementsAre(PlaceChange{"multi:edit", What::stored, "", "Multi"}));
 }
 
 TEST_F(TargetChanges, voicesThatAMultiTakesAlongAreTold) {
