@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "Help.h"
+#include "Manual.h"
 #include "VerbHelp.h"
 #include "bda/version.h"
 #include "input/FilesInUse.h"
@@ -43,6 +44,7 @@ struct Given {
   HistoryOptions history;
   std::optional<std::int64_t> entry;
   bool force = false;
+  bool manual = false;
   std::function<void()> verb;  // what to do with them
 };
 
@@ -130,7 +132,7 @@ void addApply(CLI::App& app, Given& given, Program& program) {
 
 void addSettings(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "settings");
-  verb.add_option("NAME", given.setting, "Which; default all");
+  verb.add_option("SETTING", given.setting, "Which; default all");
   verb.add_option("VALUE", given.value, "Its new value");
   addChangeOptions(verb, given.change);
   verb.callback([&] { given.verb = [&] { settings(given.setting, given.value, given.change, program); }; });
@@ -230,7 +232,7 @@ void addMove(CLI::App& app, Given& given, Program& program) {
 }
 
 void addSwap(CLI::App& app, Given& given, Program& program) {
-  addArranging(addVerb(app, "swap"), "A B", Arrangement::Kind::swap, given, program);
+  addArranging(addVerb(app, "swap"), "ADDRESS ADDRESS", Arrangement::Kind::swap, given, program);
 }
 
 void addHistory(CLI::App& app, Given& given, Program& program) {
@@ -266,8 +268,10 @@ void addScreen(CLI::App& app, Given& given, Program& program) {
 
 void addHelp(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "help");
-  verb.add_option("VERB", given.setting, "Which; default all");
-  verb.callback([&] { given.verb = [&] { program.console.text(helpOf(app, given.setting)); }; });
+  CLI::Option* const which = verb.add_option("VERB", given.setting, "Which; default all");
+  verb.add_flag("--man", given.manual, "All that the help says, as a page for man")->excludes(which);
+  verb.callback(
+      [&] { given.verb = [&] { program.console.text(given.manual ? manualOf(app) : helpOf(app, given.setting)); }; });
 }
 
 constexpr std::array kVerbs{addList,      addVerify,   addReceive, addRequest, addShow, addApply,

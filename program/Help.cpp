@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "CommandHelp.h"
 #include "ExitCode.h"
 #include "VerbHelp.h"
 #include "messages/Nearest.h"
@@ -17,21 +18,6 @@
 namespace Editor {
 
 namespace {
-
-constexpr const char* kAddresses = R"(
-An ADDRESS or TARGET is three hex bytes (0E0A05, 0E 0A 05, 0E/0A/05) or a name:
-  voice:user1:6, voice:preset3:128, voice:gm:1, voice:edit, voice:part:4,
-  voice:mix:1, drum:preset:1, drum:user:3, drum:gm, drum:edit, performance:a:1,
-  performance:edit, multi:edit, master:1, master:edit, remote:1, remote:edit,
-  system, additional, file:voice:user1:6, file:mix:1:3, file:multi:1,
-  file:single
-contents, show, request, remove, copy, move and swap also take a bank
-(voice:user1) or a range of one (voice:user1:1..16).
-
-Exit codes: 0 all good, 1 wrong usage or an error of the program, 2 input that
-cannot be used, 3 something was refused or is broken (diff: differs), 130 ended
-by Ctrl-C.
-)";
 
 constexpr std::size_t kWidth = 80;
 constexpr std::size_t kVerbTextAt = 13;
@@ -52,35 +38,9 @@ std::string entry(const std::string& what, const std::string& text, std::size_t 
   return lines;
 }
 
-// "-o, --output"
-std::vector<std::string> namesOf(const CLI::Option& option) {
-  std::vector<std::string> names;
-  for (const std::string& name : option.get_snames()) names.push_back("-" + name);
-  for (const std::string& name : option.get_lnames()) names.push_back("--" + name);
-  return names;
-}
-
-bool isHeeded(const CLI::Option& option, const VerbHelp& verb) {
-  const std::string name = namesOf(option).back();
-  if (name == "--library") return verb.heeds.library;
-  if (name == "--names") return verb.heeds.names;
-  if (name == "--verbose") return verb.heeds.verbose;
-  return name != "--version";
-}
-
-// The options of `app` that are to be taken.
-template <typename Take>
-std::string optionsOf(const CLI::App& app, Take take) {
+std::string optionEntries(const std::vector<OptionHelp>& options) {
   std::string text;
-  for (const CLI::Option* const option : app.get_options()) {
-    if (option->get_group().empty() || !option->nonpositional() || !take(*option)) continue;
-    std::string what = fmt::format("{}", fmt::join(namesOf(*option), ", "));
-    if (option->get_type_size() != 0) what += " " + option->get_type_name();
-    std::string description = option->get_description();
-    if (const std::string usual = option->get_default_str(); !usual.empty())
-      description += fmt::format("; default {}", usual);
-    text += entry(what, description);
-  }
+  for (const OptionHelp& option : options) text += entry(headOf(option), option.text);
   return text;
 }
 
@@ -98,25 +58,27 @@ class HelpText : public CLI::Formatter {
   static std::string helpOfAll(const CLI::App& app) {
     std::string text = fmt::format("{}\n\nUsage: bda VERB [OPTIONS] ...\n", app.get_description());
     for (const VerbGroup group : kVerbGroups) {
-      std::string entries;
+      std::string verbs;
       for (const VerbHelp& verb : verbHelps())
-        if (verb.group == group) entries += entry(verb.name, verb.summary, kVerbTextAt);
-      text += titled(titleOf(group), entries);
+        if (verb.group == group) verbs += entry(verb.name, verb.summary, kVerbTextAt);
+      text += titled(titleOf(group), verbs);
     }
-    text += titled("Options", optionsOf(app, [](const CLI::Option&) { return true; }));
-    return text + kAddresses;
+    text += titled("Options", optionEntries(optionsOf(app)));
+    text += fmt::format("\n{}\n", addressHelp());
+    std::vector<std::string> codes;
+    for (const ExitCodeHelp& one : exitCodeHelps()) codes.push_back(fmt::format("{} {}", one.code, one.what));
+    for (const std::string& line : wrap(fmt::format("Exit codes: {}.", fmt::join(codes, ", ")), kWidth))
+      text += line + '\n';
+    return text;
   }
 
   static std::string helpOfVerb(const CLI::App& app, const VerbHelp& verb) {
     std::string text = fmt::format("{}\n\nUsage: bda {} [OPTIONS] {}\n", verb.summary, verb.name, verb.arguments);
     std::string words;
-    for (const CLI::Option* const option : app.get_options())
-      if (!option->get_group().empty() && option->get_positional())
-        words += entry(option->get_name(true, false), option->get_description());
+    for (const ArgumentHelp& argument : argumentsOf(app)) words += entry(argument.name, argument.text);
     text += titled("Arguments", words);
-    text += titled("Options", optionsOf(app, [&](const CLI::Option& option) { return &option != app.get_help_ptr(); }));
-    text += titled("Common options",
-                   optionsOf(*app.get_parent(), [&](const CLI::Option& option) { return isHeeded(option, verb); }));
+    text += titled("Options", optionEntries(optionsOf(app)));
+    text += titled("Common options", optionEntries(commonOptionsOf(app)));
     std::size_t longest = 0;
     for (const Example& example : verb.examples) longest = std::max(longest, std::string_view(example.command).size());
     std::string examples;
@@ -137,8 +99,8 @@ std::string noSuchOption(const std::string& word, const CLI::App& app, const CLI
   std::vector<std::string> options;
   for (const CLI::App* const owner : {verb, &app}) {
     if (owner == nullptr) continue;
-    for (const CLI::Option* const option : owner->get_options())
-      for (std::string& known : namesOf(*option)) options.push_back(std::move(known));
+    for (const OptionHelp& option : optionsOf(*owner))
+      options.insert(options.end(), option.names.begin(), option.names.end());
   }
   return fmt::format("there is no option {}{}", escape(name), didYouMean(name, options));
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "ExitCode.h"
+
 namespace Editor {
 
 namespace {
@@ -106,7 +108,7 @@ constexpr std::array kVerbs{
              {{{"bda move voice:user1:1..16 voice:user3:1", "a range, to this place and on"},
                {"bda move voice:user1:1..127 voice:user1:2", "room for one more"}}}},
     VerbHelp{"swap",
-             "A B",
+             "ADDRESS ADDRESS",
              "Swap what two places, ranges or banks hold",
              VerbGroup::library,
              kLibrary,
@@ -134,7 +136,7 @@ constexpr std::array kVerbs{
              {{{"bda check", "what is damaged, exit code 3 if anything is"},
                {"bda check --json", "every table and every content, for a script"}}}},
     VerbHelp{"settings",
-             "[NAME [VALUE]]",
+             "[SETTING [VALUE]]",
              "How it listens, and what history it keeps",
              VerbGroup::library,
              kLibrary,
@@ -160,12 +162,32 @@ constexpr std::array kVerbs{
              kNoLibrary,
              {{{"bda diff library.db backup.syx", "what changed since"},
                {"bda diff monday.db friday.db", "two libraries"}}}},
-    VerbHelp{"help",
-             "[VERB]",
-             "How to use a verb",
-             VerbGroup::help,
-             kNoLibrary,
-             {{{"bda help", "all verbs"}, {"bda help receive", "as bda receive --help"}}}},
+    VerbHelp{
+        "help",
+        "[VERB | --man]",
+        "How to use a verb",
+        VerbGroup::help,
+        kNoLibrary,
+        {{{"bda help receive", "as bda receive --help"}, {"bda help --man | man -l -", "all of it, as a manual"}}}},
+};
+
+constexpr const char* kAddresses =
+    R"(An ADDRESS or TARGET is three hex bytes (0E0A05, 0E 0A 05, 0E/0A/05) or a name:
+  voice:user1:6, voice:preset3:128, voice:gm:1, voice:edit, voice:part:4,
+  voice:mix:1, drum:preset:1, drum:user:3, drum:gm, drum:edit, performance:a:1,
+  performance:edit, multi:edit, master:1, master:edit, remote:1, remote:edit,
+  system, additional, file:voice:user1:6, file:mix:1:3, file:multi:1,
+  file:single
+contents, show, request, remove, copy, move and swap also take a bank
+(voice:user1) or a range of one (voice:user1:1..16).
+)";
+
+constexpr std::array kExitCodes{
+    ExitCodeHelp{kAllGood, "all good"},
+    ExitCodeHelp{kWrongUsage, "wrong usage or an error of the program"},
+    ExitCodeHelp{kUnusableInput, "input that cannot be used"},
+    ExitCodeHelp{kRefused, "something was refused or is broken (diff: differs)"},
+    ExitCodeHelp{kInterrupted, "ended by Ctrl-C"},
 };
 
 }  // namespace
@@ -177,6 +199,10 @@ const VerbHelp* findVerb(const std::string& name) {
       std::find_if(kVerbs.begin(), kVerbs.end(), [&](const VerbHelp& verb) { return verb.name == name; });
   return found == kVerbs.end() ? nullptr : &*found;
 }
+
+const char* addressHelp() { return kAddresses; }
+
+std::span<const ExitCodeHelp> exitCodeHelps() { return kExitCodes; }
 
 const char* titleOf(VerbGroup group) {
   switch (group) {

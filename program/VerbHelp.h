@@ -40,4 +40,13 @@ struct VerbHelp {
 std::span<const VerbHelp> verbHelps();
 const VerbHelp* findVerb(const std::string& name);  // null: there is none
 
+// How places are named: paragraphs of lines that fit 80 columns; lists in them are indented.
+const char* addressHelp();
+
+struct ExitCodeHelp {
+  int code;
+  const char* what;
+};
+std::span<const ExitCodeHelp> exitCodeHelps();
+
 }  // namespace Editor
