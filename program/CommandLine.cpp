@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "Completion.h"
 #include "Help.h"
 #include "Manual.h"
 #include "VerbHelp.h"
@@ -324,7 +325,6 @@ void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
 }
 
 int run(int argc, const char* const* argv, Program& program) {
-  refuseEmptyValues(argc, argv);
   CLI::App app("Receives, keeps and answers MIDI System Exclusive bulk dumps.", "bda");
   useHelp(app);
   app.require_subcommand(1);
@@ -332,6 +332,11 @@ int run(int argc, const char* const* argv, Program& program) {
   addCommonOptions(app, program);
   Given given;
   for (const auto add : kVerbs) add(app, given, program);
+  if (const auto words = wordsToComplete(argc, argv)) {
+    complete(app, *words, program);
+    return kAllGood;
+  }
+  refuseEmptyValues(argc, argv);
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {

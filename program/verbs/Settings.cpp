@@ -11,6 +11,7 @@
 #include "ChangeRun.h"
 #include "messages/Nearest.h"
 #include "messages/Text.h"
+#include "verbs/SettingHelp.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
@@ -37,16 +38,14 @@ std::optional<std::int64_t> parseNumber(const std::string& text, std::int64_t le
   return value;
 }
 
-struct Setting {
-  const char* name;
-  const char* values;  // what can be set
+struct Setting : SettingHelp {
   std::string (*get)(EmbeddedEditor&);
   std::optional<std::int64_t> (*parse)(const std::string&);  // nothing: no such value
   void (*set)(EmbeddedEditor&, std::int64_t);
 };
 
 const std::array kSettings{
-    Setting{"device-number", "1 to 16, all or off",
+    Setting{{"device-number", "1 to 16, all or off", {"all", "off"}},
             [](EmbeddedEditor& editor) -> std::string {
               const unsigned device = utilityOf(editor, SystemModel::kDeviceNumber);
               if (device == unsigned(CMA::DeviceNumber_All)) return "all";
@@ -62,7 +61,7 @@ const std::array kSettings{
             [](EmbeddedEditor& editor, std::int64_t device) {
               setUtility(editor, SystemModel::kDeviceNumber, std::uint8_t(device));
             }},
-    Setting{"receive-bulk", "on or off",
+    Setting{{"receive-bulk", "on or off", {"on", "off"}},
             [](EmbeddedEditor& editor) -> std::string {
               return utilityOf(editor, SystemModel::kReceiveBulk) == 0 ? "off" : "on";
             },
@@ -73,19 +72,19 @@ const std::array kSettings{
             [](EmbeddedEditor& editor, std::int64_t isOn) {
               setUtility(editor, SystemModel::kReceiveBulk, std::uint8_t(isOn));
             }},
-    Setting{"mixing-voices", "a number from 0 to 2048",
+    Setting{{"mixing-voices", "a number from 0 to 2048", {}},
             [](EmbeddedEditor& editor) { return std::to_string(editor.library().mixingVoiceMaximum()); },
             [](const std::string& value) { return parseNumber(value, 0, Library::kDefaultMixingVoiceMaximum); },
             [](EmbeddedEditor& editor, std::int64_t most) { editor.library().setMixingVoiceMaximum(most); }},
     Setting{
-        "history", "a number of entries from 1 to 100000, or off",
+        {"history", "a number of entries from 1 to 100000, or off", {"off"}},
         [](EmbeddedEditor& editor) -> std::string {
           const std::int64_t most = editor.library().historyEntries();
           return most == 0 ? "off" : std::to_string(most);
         },
         [](const std::string& value) { return value == "off" ? std::optional(0L) : parseNumber(value, 1, 100'000); },
         [](EmbeddedEditor& editor, std::int64_t most) { editor.library().set(Recorder::kEntries, most); }},
-    Setting{"history-size", "a number of megabytes from 1 to 100000",
+    Setting{{"history-size", "a number of megabytes from 1 to 100000", {}},
             [](EmbeddedEditor& editor) { return std::to_string(editor.library().historyMegabytes()); },
             [](const std::string& value) { return parseNumber(value, 1, 100'000); },
             [](EmbeddedEditor& editor, std::int64_t most) { editor.library().set(Recorder::kMegabytes, most); }},
@@ -120,6 +119,8 @@ const Setting& settingNamed(const std::string& name) {
 }
 
 }  // namespace
+
+std::vector<SettingHelp> settingHelps() { return {kSettings.begin(), kSettings.end()}; }
 
 void settings(const std::string& name, const std::optional<std::string>& value, const ChangeOptions& options,
               Program& program) {
