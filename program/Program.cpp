@@ -54,6 +54,10 @@ std::unique_ptr<EmbeddedEditor> Program::openToChange(LibraryRun run) {
   std::unique_ptr<EmbeddedEditor> editor = open(file, Library::Use::change);
   editor->library().beginRun(std::move(run));
   if (isMissing(file)) console.note(fmt::format("{}: no library yet, the first change makes one", escape(file)));
+  if (editor->library().isOfOlderVersion())
+    console.note(fmt::format(
+        "{0}: a library of an older version: the first change brings it to this one, and leaves a copy as {0}.v1",
+        escape(file)));
   return editor;
 }
 

@@ -187,6 +187,10 @@ void Library::change(Operation operation) {
   transaction.commit();
 }
 
+bool Library::isOfOlderVersion() {
+  return read([&] { return database_->version() < kLibraryVersion; });
+}
+
 // The transaction has changed nothing yet.
 void Library::requireVersion() {
   if (database_->version() == kLibraryVersion) return;

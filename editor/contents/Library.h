@@ -182,6 +182,8 @@ class Library {
   // How many operations the file has failed since the library was opened.
   std::uint64_t failureCount() const { return failureCount_; }
 
+  // Whether the next change that is kept brings the library to this version, and leaves a copy.
+  bool isOfOlderVersion();
   // Whether there is nothing in the file yet, or no file at all.
   bool isYetEmpty() const { return isInMemory_; }
 
