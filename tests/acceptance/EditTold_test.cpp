@@ -69,6 +69,19 @@ TEST_F(EditTold, aDryRunSaysInWordsWhatWouldHappen) {
   EXPECT_EQ(library().favourite(kUserVoice6), 0);
 }
 
+TEST_F(EditTold, ofManyChangesTwentyOfAKindHaveALine) {
+  {
+    Editor::Library many(libraryFile());
+    for (std::uint32_t number = 0; number < 25; ++number) many.store({1, number}, Bytes{1}, "Name");
+  }
+  const std::vector<std::string> removed = lines(bda({"remove", "file:multi:1..25"}).err);
+  ASSERT_THAT(removed, testing::SizeIs(21));
+  EXPECT_EQ(removed[19], "removed: file:multi:20 \"Name\"");
+  EXPECT_EQ(removed[20], "and 5 more removed: all with -v");
+  EXPECT_THAT(lines(bda({"undo", "-v"}).err), testing::SizeIs(25 + 1));
+  EXPECT_THAT(lines(bda({"remove", "file:multi", "--dry-run"}).out), testing::SizeIs(25));
+}
+
 TEST_F(EditTold, aDryRunRefusesWhatTheVerbRefuses) {
   for (const Words& words : std::vector<Words>{{"rename", "voice:user1:7", "Name"},
                                                {"favourite", "voice:user1:7", "on"},
