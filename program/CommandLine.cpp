@@ -33,7 +33,9 @@ struct Given {
   std::string setting;
   std::optional<std::string> value;
   ExchangeOptions exchange;
+  ShowOptions show;
   ContentsOptions contents;
+  std::string manifest;
   bool json = false;
   RestoreOptions restore;
   ChangeOptions change;
@@ -117,8 +119,11 @@ void addRequest(CLI::App& app, Given& given, Program& program) {
 void addShow(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "show");
   addWords(verb, "TARGET", "system, additional, headers or file dumps, their banks or ranges", given);
-  verb.add_flag("--json", given.json, "One object, as apply reads it; of several targets one object a line");
-  verb.callback([&] { given.verb = [&] { show(given.words, given.json, program); }; });
+  verb.add_flag("--json", given.show.json, "One object, as apply reads it; of several targets one object a line");
+  verb.add_option("--from", given.show.from, "A message file to show them of, instead of the library")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.callback([&] { given.verb = [&] { show(given.words, given.show, program); }; });
 }
 
 void addApply(CLI::App& app, Given& given, Program& program) {
@@ -154,7 +159,10 @@ void addBackup(CLI::App& app, Given& given, Program& program) {
       ->type_name("FILE")
       ->required()
       ->check(checkFileName);
-  verb.callback([&] { given.verb = [&] { backup(given.output, program); }; });
+  verb.add_option("--manifest", given.manifest, "A JSON file that names what is in it, with hashes")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.callback([&] { given.verb = [&] { backup(given.output, given.manifest, program); }; });
 }
 
 void addRestore(CLI::App& app, Given& given, Program& program) {

@@ -153,4 +153,11 @@ void Handover::reloadIfPossible() {
   }
 }
 
+std::string deviceNumberWords(const EditorJobTools& tools) {
+  const unsigned device = tools.liveSystem().system->utility.values()[SystemModel::kDeviceNumber];
+  if (device == unsigned(CMA::DeviceNumber_All)) return "all";
+  if (device == unsigned(CMA::DeviceNumber_Off)) return "off";
+  return std::to_string(device + 1);
+}
+
 }  // namespace Editor

@@ -76,4 +76,7 @@ std::uint8_t deviceNumberOf(const EditorJobTools& tools);
 // Saves the live models that were changed. Throws LibraryError.
 void saveLive(EditorJobTools& tools);
 
+// The setting itself, in words: "1" to "16", "all" or "off".
+std::string deviceNumberWords(const EditorJobTools& tools);
+
 }  // namespace Editor

@@ -47,12 +47,7 @@ struct Setting {
 
 const std::array kSettings{
     Setting{"device-number", "1 to 16, all or off",
-            [](EmbeddedEditor& editor) -> std::string {
-              const unsigned device = utilityOf(editor, SystemModel::kDeviceNumber);
-              if (device == unsigned(CMA::DeviceNumber_All)) return "all";
-              if (device == unsigned(CMA::DeviceNumber_Off)) return "off";
-              return std::to_string(device + 1);
-            },
+            [](EmbeddedEditor& editor) { return deviceNumberWords(editor.tools()); },
             [](const std::string& value) -> std::optional<std::int64_t> {
               if (value == "all") return CMA::DeviceNumber_All;
               if (value == "off") return CMA::DeviceNumber_Off;

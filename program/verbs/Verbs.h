@@ -32,7 +32,11 @@ void receive(const Words& files, const ExchangeOptions& options, Program& progra
 void request(const Words& words, const ExchangeOptions& options, Program& program);
 
 // The parameters of targets, whose addresses can be three words each; apply takes one, and a file of them behind it.
-void show(const Words& words, bool json, Program& program);
+struct ShowOptions {
+  bool json = false;
+  std::string from;  // a file of messages; "": the library
+};
+void show(const Words& words, const ShowOptions& options, Program& program);
 void apply(Words words, const ChangeOptions& options, Program& program);
 
 // The library itself. No name: all settings; no value: what it is.
@@ -65,7 +69,8 @@ void undo(std::optional<std::int64_t> entry, bool force, const ChangeOptions& op
 
 // Whole libraries.
 void check(bool json, Program& program);
-void backup(const std::string& output, Program& program);
+// `manifest`: a file for what the backup holds, or "".
+void backup(const std::string& output, const std::string& manifest, Program& program);
 struct RestoreOptions : ChangeOptions {
   bool anyDevice = false;  // as above
 };
