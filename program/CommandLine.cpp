@@ -316,15 +316,16 @@ void refuseEmptyValues(int argc, const char* const* argv) {
 // What is written must be no file that the run needs, nor be written twice.
 void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
   const std::string& output = given.output.empty() ? given.exchange.output : given.output;
-  const std::string& trace = given.exchange.trace;
-  if (output.empty() && trace.empty()) return;
+  const std::pair<const std::string&, const char*> outputs[] = {
+      {output, "-o"}, {given.exchange.trace, "--trace"}, {given.manifest, "--manifest"}};
+  if (std::all_of(std::begin(outputs), std::end(outputs), [](const auto& one) { return one.first.empty(); })) return;
   FilesInUse files;
   files.addLibrary(program.libraryFile());
   files.add(program.nameFileOf(program.libraryFile()), "these are the names of waveforms and arpeggios");
   if (readsFiles)
     for (const std::string& file : given.words) files.add(file, "this is also an input");
-  if (!output.empty()) files.addOutput(output, "-o");
-  if (!trace.empty()) files.addOutput(trace, "--trace");
+  for (const auto& [file, option] : outputs)
+    if (!file.empty()) files.addOutput(file, option);
 }
 
 int run(int argc, const char* const* argv, Program& program) {

@@ -85,6 +85,7 @@ class EmbeddedEditor {
     EmbeddedEditor& editor_;
     std::optional<Library::Transaction> transaction_;
     ModelSet system_;  // as it was
+    bool wasSystemStored_ = false;
   };
 
  private:

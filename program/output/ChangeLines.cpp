@@ -29,9 +29,9 @@ std::string quoted(const std::string& name) { return fmt::format("\"{}\"", showN
 std::string detailOf(const PlaceChange& change) {
   switch (change.what) {
     case What::stored: {
-      const std::string stored = change.after->empty() ? "" : " " + quoted(*change.after);
-      if (!change.before) return stored;
-      return stored + ", replaces " + (change.before->empty() ? "what was there" : quoted(*change.before));
+      std::string stored = change.after->empty() ? "" : " " + quoted(*change.after);
+      if (change.before) stored += ", replaces " + (change.before->empty() ? "what was there" : quoted(*change.before));
+      return stored;
     }
     case What::removed:
       return change.before->empty() ? "" : " " + quoted(*change.before);

@@ -60,6 +60,18 @@ TEST_F(EditTold, eachVerbTellsItsChangesAsObjectsAndADryRunTheSame) {
   }
 }
 
+TEST_F(EditTold, restoreTellsWhatItChangedAsTheHistoryDoes) {
+  write("dump.syx",
+        {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 0x42), unit({0x0E, 0x70, 0x00}, BDA::List::master, 0x43)});
+  const std::vector<Json> told = objects({"restore", "dump.syx", "--json", "--dry-run"});
+  EXPECT_THAT(told, ElementsAre(change("voice:user1:6", "stored", "Piano", std::string(20, 'B')),
+                                change("master:1", "stored", nullptr, std::string(20, 'C'))));
+  EXPECT_EQ(library().contentName(kUserVoice6), "Piano");
+  EXPECT_EQ(objects({"restore", "dump.syx", "--json"}), told);
+  EXPECT_THAT(objects({"restore", "dump.syx", "--json"}), IsEmpty());
+  EXPECT_EQ(json({"history", "--json", "-n", "1"})["changes"], Json(told));
+}
+
 TEST_F(EditTold, aDryRunSaysInWordsWhatWouldHappen) {
   EXPECT_EQ(bda({"rename", "voice:user1:6", "Grand", "--dry-run"}).out,
             "would rename: voice:user1:6 \"Piano\" to \"Grand\"\n");
