@@ -81,6 +81,14 @@ void addVerify(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { verify(given.words, given.json, program); }; });
 }
 
+void addExplain(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "explain");
+  addWords(verb, "FILE [OFFSET]|ADDRESS PATH", "A message file and one of its bytes, or a parameter as in JSON", given)
+      ->check(checkFileName);
+  verb.add_flag("--json", given.json, "One object a line, a byte");
+  verb.callback([&] { given.verb = [&] { explain(given.words, given.json, program); }; });
+}
+
 void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
   verb.add_option("--port", options.port, "The port on which the messages arrive")
       ->type_name("1|4|5|6")
@@ -278,10 +286,10 @@ void addHelp(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { program.console.text(helpOf(app, given.setting)); }; });
 }
 
-constexpr std::array kVerbs{addList,      addVerify,   addReceive, addRequest, addShow, addApply,
-                            addSettings,  addContents, addBackup,  addRestore, addDiff, addRename,
-                            addFavourite, addRemove,   addCopy,    addMove,    addSwap, addHistory,
-                            addUndo,      addCheck,    addScreen,  addHelp};
+constexpr std::array kVerbs{addList,    addVerify,    addExplain,  addReceive, addRequest, addShow,
+                            addApply,   addSettings,  addContents, addBackup,  addRestore, addDiff,
+                            addRename,  addFavourite, addRemove,   addCopy,    addMove,    addSwap,
+                            addHistory, addUndo,      addCheck,    addScreen,  addHelp};
 
 void addCommonOptions(CLI::App& app, Program& program) {
   app.set_help_flag("-h,--help", "Say this and exit");

@@ -50,6 +50,9 @@ Reading readMessage(std::span<const std::uint8_t> message);
 // The request of that address, for an instrument with that device number (0 to 15).
 std::vector<std::uint8_t> requestMessage(BulkAddress address, std::uint8_t device = 0);
 
+// The dump of that block with that data, for an instrument with that device number (0 to 15).
+std::vector<std::uint8_t> dumpMessage(BulkAddress address, std::span<const std::uint8_t> data, std::uint8_t device = 0);
+
 const char* wordOf(Reading::Kind kind);
 const char* wordOf(Reading::Verdict verdict);
 // Those that are good, that remove something and foreign ones are fine, all others are broken.

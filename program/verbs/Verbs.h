@@ -21,6 +21,9 @@ using Words = std::vector<std::string>;
 void list(const Words& files, bool json, Program& program);
 void verify(const Words& files, bool json, Program& program);
 
+// A file; a file and an offset; an address, which can be three words, and the path of a parameter.
+void explain(const Words& words, bool json, Program& program);
+
 // Handing messages to the library's instrument.
 struct ExchangeOptions {
   unsigned port = 1;       // on which the messages arrive: 1, 4, 5 or 6
