@@ -14,6 +14,7 @@
 #include "Help.h"
 #include "VerbHelp.h"
 #include "bda/version.h"
+#include "find/ContentKind.h"
 #include "input/FilesInUse.h"
 #include "messages/Text.h"
 #include "targets/Targets.h"
@@ -36,6 +37,7 @@ struct Given {
   ShowOptions show;
   ContentsOptions contents;
   std::string manifest;
+  FindOptions find;
   bool json = false;
   RestoreOptions restore;
   ChangeOptions change;
@@ -159,6 +161,31 @@ void addContents(CLI::App& app, Given& given, Program& program) {
       ->excludes(json)
       ->excludes(grid);
   verb.callback([&] { given.verb = [&] { contents(given.words, given.contents, program); }; });
+}
+
+void addFind(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "find");
+  FindOptions& options = given.find;
+  verb.add_option("TERM", given.words, "Part of a name, or with * a whole one; case does not count");
+  verb.add_option("--in", options.sources, "A library, a message file or a folder of them; default the library")
+      ->type_name("SOURCE")
+      ->allow_extra_args(false)
+      ->check(checkFileName);
+  verb.add_option("--kind", options.kind, fmt::format("One of {}", fmt::join(contentKindWords(), ", ")))
+      ->type_name("KIND");
+  verb.add_option("--where", options.conditions,
+                  "What a parameter is, by its path in JSON: = != < <= > >=, as 'voice.common[3]>64'")
+      ->type_name("CONDITION")
+      ->allow_extra_args(false);
+  verb.add_option("--same-as", options.sameAs, "Equal to that content of the library, but for names")
+      ->type_name("ADDRESS");
+  verb.add_option("--like", options.like, "By likeness to that content of the library, the nearest first")
+      ->type_name("ADDRESS");
+  verb.add_flag("--duplicates", options.duplicates, "What is there more than once, but for names");
+  verb.add_flag("--favourite", options.favourite, "Favourites only");
+  verb.add_flag("--edit-buffers", options.editBuffers, "Edit buffers too");
+  verb.add_flag("--json", options.json, "One object a line");
+  verb.callback([&] { given.verb = [&] { find(given.words, options, program); }; });
 }
 
 void addBackup(CLI::App& app, Given& given, Program& program) {
@@ -286,10 +313,10 @@ void addHelp(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { program.console.text(helpOf(app, given.setting)); }; });
 }
 
-constexpr std::array kVerbs{addList,    addVerify,    addExplain,  addReceive, addRequest, addShow,
-                            addApply,   addSettings,  addContents, addBackup,  addRestore, addDiff,
-                            addRename,  addFavourite, addRemove,   addCopy,    addMove,    addSwap,
-                            addHistory, addUndo,      addCheck,    addScreen,  addHelp};
+constexpr std::array kVerbs{addList,  addVerify,   addExplain,   addReceive, addRequest, addShow,
+                            addApply, addSettings, addContents,  addFind,    addBackup,  addRestore,
+                            addDiff,  addRename,   addFavourite, addRemove,  addCopy,    addMove,
+                            addSwap,  addHistory,  addUndo,      addCheck,   addScreen,  addHelp};
 
 void addCommonOptions(CLI::App& app, Program& program) {
   app.set_help_flag("-h,--help", "Say this and exit");

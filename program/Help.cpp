@@ -29,8 +29,8 @@ contents, show, request, remove, copy, move and swap also take a bank
 (voice:user1) or a range of one (voice:user1:1..16).
 
 Exit codes: 0 all good, 1 wrong usage or an error of the program, 2 input that
-cannot be used, 3 something was refused or is broken (diff: differs), 130 ended
-by Ctrl-C.
+cannot be used, 3 something was refused or is broken (diff: differs, find:
+nothing was found), 130 ended by Ctrl-C.
 )";
 
 constexpr std::size_t kWidth = 80;

@@ -275,7 +275,7 @@ InputStream::InputStream(const std::vector<std::string>& paths) {
       throw Failure(kUnusableInput, problem);
 }
 
-// Why a file that can be read twice is none of messages; empty: it is one.
+// Why a file that can be read twice cannot be read; empty: it can. Throws NotMessages when it is none of messages.
 std::string InputStream::judge(const File& file) {
   try {
     Source source(*file.stream, true);
@@ -285,7 +285,7 @@ std::string InputStream::judge(const File& file) {
     const VisitLoss ignoreLoss = [](const InputLoss&) {};
     Pieces pieces(file.name, judgement, number, ignoreMessage, ignoreLoss, false);
     readPieces(source, file.name, judgement, pieces, [&] { return judgement.isUsable(); });
-    if (!judgement.isUsable()) return judgement.words(file.name);
+    if (!judgement.isUsable()) throw NotMessages(judgement.words(file.name));
     if (::lseek(::fileno(file.stream.get()), 0, SEEK_SET) != 0) throw ReadError{reasonOf(errno)};
     return {};
   } catch (const ReadError& error) {

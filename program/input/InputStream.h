@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "ExitCode.h"
+
 namespace Editor {
 
 struct InputMessage {
@@ -29,13 +31,19 @@ struct InputLoss {
   Kind kind;
 };
 
+// A file that can be read and holds no messages: it is of another kind.
+class NotMessages : public Failure {
+ public:
+  explicit NotMessages(const std::string& text) : Failure(kUnusableInput, text) {}
+};
+
 // The message files of a command line, read from the first to the last, message by message: of a stream of MIDI bytes
 // no more than one message is in memory, with some thousand losses at most, and one that comes through a pipe is handed
 // on as soon as it is there.
 class InputStream {
  public:
-  // "-" is standard input. Throws Failure (kUnusableInput) when one cannot be opened, or holds no messages; of what
-  // comes through a pipe that is known at its end.
+  // "-" is standard input. Throws Failure (kUnusableInput) when one cannot be opened, NotMessages when one holds no
+  // messages; of what comes through a pipe that is known at its end.
   explicit InputStream(const std::vector<std::string>& paths);
   InputStream(const InputStream&) = delete;
   InputStream& operator=(const InputStream&) = delete;

@@ -3,12 +3,12 @@
 #include <fmt/format.h>
 
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 
 #include "compare/Compare.h"
 #include "input/FileEditor.h"
+#include "input/Sources.h"
 #include "messages/Text.h"
 #include "output/DifferenceLines.h"
 #include "verbs/Verbs.h"
@@ -16,15 +16,6 @@
 namespace Editor {
 
 namespace {
-
-bool isLibrary(const std::string& path) {
-  std::error_code unknown;
-  if (!std::filesystem::is_regular_file(path, unknown)) return false;  // a pipe can be read only once
-  constexpr std::string_view kMagic("SQLite format 3\0", 16);
-  std::string magic(kMagic.size(), '\0');
-  std::ifstream(path, std::ios::binary).read(magic.data(), std::streamsize(magic.size()));
-  return path != "-" && magic == kMagic;
-}
 
 // Says what differs, in one of three forms.
 class Telling {

@@ -52,6 +52,20 @@ struct ContentsOptions {  // one of them at most; none: a grid on a terminal, el
 };
 void contents(const Words& words, const ContentsOptions& options, Program& program);  // no words: all
 
+// Contents by what is asked of them: their names by terms, and all else.
+struct FindOptions {
+  Words sources;       // libraries, message files and folders of them; none: the library
+  std::string kind;    // "": any
+  Words conditions;    // "voice.common[3]>64"
+  std::string sameAs;  // addresses in the library; "": none
+  std::string like;
+  bool favourite = false;
+  bool editBuffers = false;
+  bool duplicates = false;
+  bool json = false;
+};
+void find(const Words& terms, const FindOptions& options, Program& program);
+
 // Single contents: their addresses, then the new name of one, or on or off. A table has addresses and names instead.
 void rename(const Words& words, const std::string& table, const ChangeOptions& options, Program& program);
 void favourite(const Words& words, const ChangeOptions& options, Program& program);
