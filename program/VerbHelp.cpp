@@ -33,7 +33,7 @@ constexpr std::array kVerbs{
              "What a byte of a file carries, or which bytes a parameter",
              VerbGroup::files,
              kLibrary,
-             {{{"bda explain dump.syx 0x1F4", "one byte; without offset all of them"},
+             {{{"bda explain dump.syx 0x1F4", "one byte; all without offset"},
                {"bda explain voice:user1:6 'voice.common[3]'", "where a parameter travels"}}}},
     VerbHelp{"receive",
              "FILE...",
