@@ -27,6 +27,7 @@ struct InputLoss {
   std::uint64_t dropped;  // how many; 0 of a file's structure
   std::string reason;
   Kind kind;
+  std::vector<std::uint8_t> beginning = {};  // of a message of a stream that was cut short: its first bytes
 };
 
 // The message files of a command line, read from the first to the last, message by message: of a stream of MIDI bytes
