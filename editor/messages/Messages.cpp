@@ -155,6 +155,24 @@ std::vector<std::uint8_t> requestMessage(BulkAddress address, std::uint8_t devic
           BDA::kEndOfExclusive};
 }
 
+std::vector<std::uint8_t> writeTriggerMessage(std::uint8_t device) {
+  constexpr BulkAddress address = kWriteTrigger;
+  std::vector<std::uint8_t> message{BDA::kStartOfExclusive,
+                                    BDA::kMakerId,
+                                    std::uint8_t(BDA::kTypeDump | device),
+                                    BDA::kModelId1,
+                                    BDA::kModelId2,
+                                    0,
+                                    0,
+                                    address.hi,
+                                    address.mid,
+                                    address.lo,
+                                    0,
+                                    BDA::kEndOfExclusive};
+  message[BDA::kDataAt] = BDA::Utility::calcCheckSum(message.data(), message.size());
+  return message;
+}
+
 const char* wordOf(Reading::Kind kind) {
   switch (kind) {
     case Reading::Kind::foreign:

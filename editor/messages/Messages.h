@@ -49,6 +49,8 @@ Reading readMessage(std::span<const std::uint8_t> message);
 
 // The request of that address, for an instrument with that device number (0 to 15).
 std::vector<std::uint8_t> requestMessage(BulkAddress address, std::uint8_t device = 0);
+// The write trigger for such an instrument.
+std::vector<std::uint8_t> writeTriggerMessage(std::uint8_t device = 0);
 
 const char* wordOf(Reading::Kind kind);
 const char* wordOf(Reading::Verdict verdict);
