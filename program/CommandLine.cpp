@@ -33,9 +33,11 @@ struct Given {
   std::string setting;
   std::optional<std::string> value;
   ExchangeOptions exchange;
+  ReceiveOptions receive;
   ContentsOptions contents;
   bool json = false;
   RestoreOptions restore;
+  SalvageOptions salvage;
   bool brief = false;
   HistoryOptions history;
   std::optional<std::int64_t> entry;
@@ -47,6 +49,7 @@ struct Given {
 std::string checkFileName(const std::string& name) { return name.empty() ? "an empty file name" : ""; }
 
 constexpr const char* kAnyDevice = "Take messages for other device numbers too";
+constexpr const char* kDryRun = "Say what would change, and change nothing";
 constexpr const char* kMessageFiles = "Message files, .syx or .mid by content; - is standard input";
 
 CLI::Option* addWords(CLI::App& verb, const std::string& name, const std::string& description, Given& given) {
@@ -70,7 +73,28 @@ void addVerify(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { verify(given.words, given.json, program); }; });
 }
 
-void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
+void addSalvage(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "salvage");
+  SalvageOptions& options = given.salvage;
+  addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
+  verb.add_option("-o,--output", options.output, "Where what is whole goes; - is standard output")
+      ->type_name("GOOD")
+      ->required()
+      ->check(checkFileName);
+  verb.add_option("--requests", options.requests, "Where the requests that fetch the rest go")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.add_flag("--fix-checksums", options.fixChecksums, "Keep messages of which the checksum alone is wrong, mended");
+  verb.add_flag("--merge", options.merge, "Complete units also by captures that may be of other sounds");
+  verb.add_option("--prefer", options.preferred, "The one of the files that counts where two differ")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.add_flag("--json", options.json, "One object a line, for each unit and single block");
+  verb.callback([&] { given.verb = [&] { salvage(given.words, given.salvage, program); }; });
+}
+
+// The option of the trace.
+CLI::Option* addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
   verb.add_option("--port", options.port, "The port on which the messages arrive")
       ->type_name("1|4|5|6")
       ->check([](const std::string& port) {
@@ -79,7 +103,7 @@ void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
         return isPort ? std::string() : fmt::format("\"{}\": expected 1, 4, 5 or 6", port);
       })
       ->capture_default_str();
-  verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
+  return verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
       ->type_name("FILE")
       ->check(checkFileName);
 }
@@ -87,12 +111,15 @@ void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
 void addReceive(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "receive");
   addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
-  verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
-      ->type_name("ANSWERS")
-      ->check(checkFileName);
+  CLI::Option* const answers =
+      verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
+          ->type_name("ANSWERS")
+          ->check(checkFileName);
   verb.add_flag("--any-device", given.exchange.anyDevice, kAnyDevice);
-  addExchangeOptions(verb, given.exchange);
-  verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, program); }; });
+  verb.add_flag("--whole", given.receive.whole, "Store whole units only, as verify judges them, and refuse the rest");
+  CLI::Option* const trace = addExchangeOptions(verb, given.exchange);
+  verb.add_flag("--dry-run", given.receive.dryRun, kDryRun)->excludes(answers)->excludes(trace);
+  verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, given.receive, program); }; });
 }
 
 void addRequest(CLI::App& app, Given& given, Program& program) {
@@ -152,7 +179,7 @@ void addRestore(CLI::App& app, Given& given, Program& program) {
       ->required()
       ->check(checkFileName);
   verb.add_flag("--any-device", given.restore.anyDevice, kAnyDevice);
-  verb.add_flag("--dry-run", given.restore.dryRun, "Say what would change, and change nothing");
+  verb.add_flag("--dry-run", given.restore.dryRun, kDryRun);
   verb.callback([&] { given.verb = [&] { restore(given.file, given.restore, program); }; });
 }
 
@@ -202,7 +229,7 @@ void addUndo(CLI::App& app, Given& given, Program& program) {
   verb.add_option("ENTRY", given.entry, "Which; default the newest that is no undo and not undone")
       ->check(CLI::PositiveNumber);
   verb.add_flag("--force", given.undo.force, "Put back also what was changed since");
-  verb.add_flag("--dry-run", given.undo.dryRun, "Say what would change, and change nothing");
+  verb.add_flag("--dry-run", given.undo.dryRun, kDryRun);
   verb.add_flag("--json", given.undo.json, "One object a line, a change");
   verb.callback([&] { given.verb = [&] { undo(given.entry, given.undo, program); }; });
 }
@@ -228,9 +255,9 @@ void addHelp(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { program.console.text(helpOf(app, given.setting)); }; });
 }
 
-constexpr std::array kVerbs{addList,     addVerify, addReceive, addRequest, addShow,   addApply,     addSettings,
-                            addContents, addBackup, addRestore, addDiff,    addRename, addFavourite, addRemove,
-                            addHistory,  addUndo,   addCheck,   addScreen,  addHelp};
+constexpr std::array kVerbs{addList,     addVerify,   addSalvage, addReceive, addRequest, addShow,   addApply,
+                            addSettings, addContents, addBackup,  addRestore, addDiff,    addRename, addFavourite,
+                            addRemove,   addHistory,  addUndo,    addCheck,   addScreen,  addHelp};
 
 void addCommonOptions(CLI::App& app, Program& program) {
   app.set_help_flag("-h,--help", "Say this and exit");
@@ -264,16 +291,21 @@ void refuseEmptyValues(int argc, const char* const* argv) {
 
 // What is written must be no file that the run needs, nor be written twice.
 void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
-  const std::string& output = given.output.empty() ? given.exchange.output : given.output;
-  const std::string& trace = given.exchange.trace;
-  if (output.empty() && trace.empty()) return;
+  const std::pair<const char*, const std::string*> outputs[] = {{"-o", &given.output},
+                                                                {"-o", &given.exchange.output},
+                                                                {"-o", &given.salvage.output},
+                                                                {"--requests", &given.salvage.requests},
+                                                                {"--trace", &given.exchange.trace}};
+  if (std::ranges::all_of(outputs, [](const auto& output) { return output.second->empty(); })) return;
   FilesInUse files;
-  files.addLibrary(program.libraryFile());
-  files.add(program.nameFileOf(program.libraryFile()), "these are the names of waveforms and arpeggios");
+  if (const std::optional<std::string> library = program.findLibraryFile()) {
+    files.addLibrary(*library);
+    files.add(program.nameFileOf(*library), "these are the names of waveforms and arpeggios");
+  }
   if (readsFiles)
     for (const std::string& file : given.words) files.add(file, "this is also an input");
-  if (!output.empty()) files.addOutput(output, "-o");
-  if (!trace.empty()) files.addOutput(trace, "--trace");
+  for (const auto& [option, output] : outputs)
+    if (!output->empty()) files.addOutput(*output, option);
 }
 
 int run(int argc, const char* const* argv, Program& program) {
@@ -297,7 +329,7 @@ int run(int argc, const char* const* argv, Program& program) {
     throw Failure(kWrongUsage, whyNotRead(app, error));
   }
   if (findVerb(app.get_subcommands().front()->get_name())->heeds.names) program.needNames();
-  checkOutputs(given, program, app.got_subcommand("receive"));
+  checkOutputs(given, program, app.got_subcommand("receive") || app.got_subcommand("salvage"));
   given.verb();
   return program.exitCode();
 }

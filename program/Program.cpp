@@ -34,11 +34,16 @@ void giveNames(EditorJobTools& tools, NameLists names, const std::string& file) 
 
 }  // namespace
 
-std::string Program::libraryFile() const {
+std::optional<std::string> Program::findLibraryFile() const {
   if (!library_.empty()) return library_;
   if (std::string file = fromEnvironment(kLibraryVariable); !file.empty()) return file;
   if (const std::string data = fromEnvironment("XDG_DATA_HOME"); !data.empty()) return data + "/bda/library.db";
   if (const std::string home = fromEnvironment("HOME"); !home.empty()) return home + "/.local/share/bda/library.db";
+  return std::nullopt;
+}
+
+std::string Program::libraryFile() const {
+  if (std::optional<std::string> file = findLibraryFile()) return *std::move(file);
   throw Failure(kWrongUsage, "no library: name one with --library or in BDA_LIBRARY");
 }
 
@@ -55,6 +60,24 @@ std::unique_ptr<EmbeddedEditor> Program::openToChange(LibraryRun run) {
   editor->library().beginRun(std::move(run));
   if (isMissing(file)) console.note(fmt::format("{}: no library yet, the first change makes one", escape(file)));
   return editor;
+}
+
+std::unique_ptr<EmbeddedEditor> Program::openCopy() {
+  const std::string file = libraryFile();
+  std::unique_ptr<EmbeddedEditor> copy = open(file, Library::Use::memory);
+  if (!hasLibrary()) {
+    console.note(fmt::format("{}: there is no library yet", escape(file)));
+    return copy;
+  }
+  const std::unique_ptr<EmbeddedEditor> library = openToRead(file);
+  try {
+    const EmbeddedEditor::View oneState(*library);
+    copy->library().copyFrom(library->library());
+    copy->library().takeChanges();
+  } catch (const LibraryError& error) {
+    throw Failure(kWrongUsage, escape(error.what()));
+  }
+  return copy;
 }
 
 Library::Use Program::useToRead() {

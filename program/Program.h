@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,8 +16,9 @@ class Program {
  public:
   Console console;
 
-  // The library that the command line, the environment or the default names.
+  // The library that the command line, the environment or the default names. Throws Failure when none of them does.
   std::string libraryFile() const;
+  std::optional<std::string> findLibraryFile() const;
   void setLibraryFile(const std::string& file) { library_ = file; }
   // Throws Failure with that code unless there is one: for a verb that has no use for a new one.
   void requireLibrary(ExitCode code) const;
@@ -31,6 +33,9 @@ class Program {
   std::unique_ptr<EmbeddedEditor> openToChange(LibraryRun run);
   // Opens it to read it, as if it were empty when it is the default one and does not exist. Throws the same.
   std::unique_ptr<EmbeddedEditor> openToRead() { return open(libraryFile(), useToRead()); }
+  // A copy of it in memory, which may be changed: it is gone with the editor. Of a library that does not exist yet an
+  // empty one. Throws the same.
+  std::unique_ptr<EmbeddedEditor> openCopy();
   // The same without an editor, for whom live models that cannot be read are no reason to give up.
   std::unique_ptr<Library> openLibraryToRead();
   std::unique_ptr<EmbeddedEditor> openToRead(const std::string& file) { return open(file, Library::Use::read); }

@@ -77,7 +77,7 @@ void Captures::add(Piece piece) {
   if (!isBroken(reading))
     take(std::move(piece), reading, ended);
   else if (reading.block)
-    takeBroken(reading, piece.source);
+    takeBroken(reading, piece.source, hadRun);
   else if (!hadRun)
     ++unknown_;
 }
@@ -97,7 +97,7 @@ void Captures::addFragment(std::size_t source, std::span<const std::uint8_t> beg
     reading.verdict = Reading::Verdict::lengthWrong;
   }
   if (reading.kind == Reading::Kind::dump && reading.block)
-    takeBroken(reading, source);
+    takeBroken(reading, source, run_.has_value());
   else if (!run_)
     ++unknown_;
 }
@@ -147,10 +147,10 @@ void Captures::take(Piece piece, const Reading& reading, const std::vector<UnitR
 }
 
 // What it claims to be has been there. Only header and footer of one claim make it sure.
-void Captures::takeBroken(const Reading& reading, std::size_t source) {
+void Captures::takeBroken(const Reading& reading, std::size_t source, bool isOfRun) {
   const BulkAddress address = *reading.address;
   if (!isPlausible(reading)) {
-    if (!run_) ++unknown_;
+    if (!isOfRun) ++unknown_;
     return;
   }
   switch (reading.role) {
@@ -159,7 +159,9 @@ void Captures::takeBroken(const Reading& reading, std::size_t source) {
       run_->capture.devices = {*reading.device};
       return;
     case Role::part:
-      if (!run_) begin(source, message_);
+      if (run_) return;
+      begin(source, message_);
+      run_->goesOn = isOfRun;
       return;
     case Role::footer:
       return claimFooter(address, source);
@@ -268,13 +270,14 @@ void Captures::endRun() {
   Capture capture = std::move(run_->capture);
   const bool isKnown = run_->unit.has_value();
   const bool isSure = run_->isSure;
+  const bool goesOn = run_->goesOn;
   run_.reset();
   if (isKnown && isSure) return captures_.push_back(std::move(capture));
   if (isKnown) captures_.push_back({capture.address, capture.source, {}, false});
   if (!capture.pieces.empty()) {
     capture.address = capture.pieces.begin()->first;
     orphans_.push_back(std::move(capture));
-  } else if (!isKnown) {
+  } else if (!isKnown && !goesOn) {
     ++unknown_;
   }
 }

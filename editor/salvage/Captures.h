@@ -83,11 +83,12 @@ class Captures {
     Capture capture;
     std::set<BulkAddress, BackupOrder> pass;  // the blocks since they last began to come again
     bool isRepeating = false;
+    bool goesOn = false;  // it goes on with what another run has lost: that one is known
   };
 
   void endSource();
   void take(Piece piece, const Reading& reading, const std::vector<UnitReport>& ended);
-  void takeBroken(const Reading& reading, std::size_t source);
+  void takeBroken(const Reading& reading, std::size_t source, bool isOfRun);
   void begin(std::size_t source, std::uint64_t number);
   void begin(std::size_t source, std::uint64_t number, BulkAddress header);
   void takePart(Piece piece, const Reading& reading);

@@ -279,10 +279,11 @@ TEST_F(Salvaging, whatNeedsNoCorrectionGoesBeforeWhatDoes) {
   EXPECT_THAT(kept(), ElementsAre(blockDump(kCommon, 1)));
 }
 
-TEST_F(Salvaging, ofAMessageOfWrongLengthNoChecksumIsCorrected) {
+TEST_F(Salvaging, aMessageThatDoesNotFitItsAddressIsNotCorrectedAndMayBeAnything) {
   options.correctsChecksums = true;
   file().send(damaged(dump(kCommon, Bytes(3))));
-  EXPECT_THAT(units(), ElementsAre("system:common lost 0"));
+  EXPECT_THAT(units(), IsEmpty());
+  EXPECT_EQ(result().unknown, 1u);
 }
 
 // The footer of one unit and the header of the next are lost: nothing says where the one ends.
@@ -378,6 +379,7 @@ TEST_F(Salvaging, theVoiceOfAPartIsOfOneKind) {
 TEST_F(Salvaging, requestsAreForTheDeviceThatSentTheRest) {
   file().send(dump(kVoice6, {}, 4)).send(dump({0x40, 0x00, 0x00}, Bytes(3), 4));
   EXPECT_THAT(result().requests, ElementsAre(request(kVoice6, 4)));
+  EXPECT_EQ(result().unknown, 0u) << "it is the block that the unit lacks";
 }
 
 // Files of one sound each, with messages that are lost, broken or sent twice.
@@ -387,7 +389,7 @@ TEST_F(Salvaging, whatIsKeptIsAlwaysOneSound) {
   const Unit sounds[] = {Unit(kVoice6, 1), Unit(kVoice6, 2)};
   unsigned keptUnits = 0;
   unsigned completedUnits = 0;
-  for (int i = 0; i < 2000; ++i) {
+  for (int i = 0; i < 1000; ++i) {
     Salvage salvage({});
     std::uint64_t number = 0;
     for (std::size_t source = 0; source < 3; ++source) {
@@ -407,6 +409,6 @@ TEST_F(Salvaging, whatIsKeptIsAlwaysOneSound) {
     completedUnits += result.units[0].state == State::completed;
     ASSERT_TRUE(kept == sounds[0].messages || kept == sounds[1].messages) << i;
   }
-  EXPECT_GT(keptUnits, 200U);
-  EXPECT_GT(completedUnits, 100U);
+  EXPECT_GT(keptUnits, 100U);
+  EXPECT_GT(completedUnits, 50U);
 }
