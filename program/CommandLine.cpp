@@ -35,6 +35,7 @@ struct Given {
   std::optional<std::string> value;
   ExchangeOptions exchange;
   ShowOptions show;
+  ReceiveOptions receive;
   ContentsOptions contents;
   std::string manifest;
   FindOptions find;
@@ -43,6 +44,7 @@ struct Given {
   ChangeOptions change;
   std::string table;
   std::string otherLibrary;
+  SalvageOptions salvage;
   bool brief = false;
   HistoryOptions history;
   std::optional<std::int64_t> entry;
@@ -91,7 +93,28 @@ void addExplain(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { explain(given.words, given.json, program); }; });
 }
 
-void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
+void addSalvage(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "salvage");
+  SalvageOptions& options = given.salvage;
+  addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
+  verb.add_option("-o,--output", options.output, "Where what is whole goes; - is standard output")
+      ->type_name("GOOD")
+      ->required()
+      ->check(checkFileName);
+  verb.add_option("--requests", options.requests, "Where the requests that fetch the rest go")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.add_flag("--fix-checksums", options.fixChecksums, "Keep messages of which the checksum alone is wrong, mended");
+  verb.add_flag("--merge", options.merge, "Complete units also by captures that may be of other sounds");
+  verb.add_option("--prefer", options.preferred, "The one of the files that counts where two differ")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.add_flag("--json", options.json, "One object a line, for each unit and single block");
+  verb.callback([&] { given.verb = [&] { salvage(given.words, given.salvage, program); }; });
+}
+
+// The option of the trace.
+CLI::Option* addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
   verb.add_option("--port", options.port, "The port on which the messages arrive")
       ->type_name("1|4|5|6")
       ->check([](const std::string& port) {
@@ -100,7 +123,7 @@ void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
         return isPort ? std::string() : fmt::format("\"{}\": expected 1, 4, 5 or 6", port);
       })
       ->capture_default_str();
-  verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
+  return verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
       ->type_name("FILE")
       ->check(checkFileName);
 }
@@ -108,12 +131,15 @@ void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
 void addReceive(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "receive");
   addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
-  verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
-      ->type_name("ANSWERS")
-      ->check(checkFileName);
+  CLI::Option* const answers =
+      verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
+          ->type_name("ANSWERS")
+          ->check(checkFileName);
   verb.add_flag("--any-device", given.exchange.anyDevice, kAnyDevice);
-  addExchangeOptions(verb, given.exchange);
-  verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, program); }; });
+  verb.add_flag("--whole", given.receive.whole, "Store whole units only, as verify judges them, and refuse the rest");
+  CLI::Option* const trace = addExchangeOptions(verb, given.exchange);
+  verb.add_flag("--dry-run", given.receive.dryRun, kDryRun)->excludes(answers)->excludes(trace);
+  verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, given.receive, program); }; });
 }
 
 void addRequest(CLI::App& app, Given& given, Program& program) {
@@ -313,10 +339,10 @@ void addHelp(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { program.console.text(helpOf(app, given.setting)); }; });
 }
 
-constexpr std::array kVerbs{addList,  addVerify,   addExplain,   addReceive, addRequest, addShow,
-                            addApply, addSettings, addContents,  addFind,    addBackup,  addRestore,
-                            addDiff,  addRename,   addFavourite, addRemove,  addCopy,    addMove,
-                            addSwap,  addHistory,  addUndo,      addCheck,   addScreen,  addHelp};
+constexpr std::array kVerbs{addList,   addVerify,    addExplain,  addSalvage, addReceive, addRequest, addShow,
+                            addApply,  addSettings,  addContents, addFind,    addBackup,  addRestore, addDiff,
+                            addRename, addFavourite, addRemove,   addCopy,    addMove,    addSwap,    addHistory,
+                            addUndo,   addCheck,     addScreen,   addHelp};
 
 void addCommonOptions(CLI::App& app, Program& program) {
   app.set_help_flag("-h,--help", "Say this and exit");
@@ -350,17 +376,22 @@ void refuseEmptyValues(int argc, const char* const* argv) {
 
 // What is written must be no file that the run needs, nor be written twice.
 void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
-  const std::string& output = given.output.empty() ? given.exchange.output : given.output;
-  const std::pair<const std::string&, const char*> outputs[] = {
-      {output, "-o"}, {given.exchange.trace, "--trace"}, {given.manifest, "--manifest"}};
-  if (std::all_of(std::begin(outputs), std::end(outputs), [](const auto& one) { return one.first.empty(); })) return;
+  const std::pair<const char*, const std::string*> outputs[] = {{"-o", &given.output},
+                                                                {"-o", &given.exchange.output},
+                                                                {"-o", &given.salvage.output},
+                                                                {"--requests", &given.salvage.requests},
+                                                                {"--trace", &given.exchange.trace},
+                                                                {"--manifest", &given.manifest}};
+  if (std::ranges::all_of(outputs, [](const auto& output) { return output.second->empty(); })) return;
   FilesInUse files;
-  files.addLibrary(program.libraryFile());
-  files.add(program.nameFileOf(program.libraryFile()), "these are the names of waveforms and arpeggios");
+  if (const std::optional<std::string> library = program.findLibraryFile()) {
+    files.addLibrary(*library);
+    files.add(program.nameFileOf(*library), "these are the names of waveforms and arpeggios");
+  }
   if (readsFiles)
     for (const std::string& file : given.words) files.add(file, "this is also an input");
-  for (const auto& [file, option] : outputs)
-    if (!file.empty()) files.addOutput(file, option);
+  for (const auto& [option, output] : outputs)
+    if (!output->empty()) files.addOutput(*output, option);
 }
 
 int run(int argc, const char* const* argv, Program& program) {
@@ -384,7 +415,7 @@ int run(int argc, const char* const* argv, Program& program) {
     throw Failure(kWrongUsage, whyNotRead(app, error));
   }
   if (findVerb(app.get_subcommands().front()->get_name())->heeds.names) program.needNames();
-  checkOutputs(given, program, app.got_subcommand("receive"));
+  checkOutputs(given, program, app.got_subcommand("receive") || app.got_subcommand("salvage"));
   given.verb();
   return program.exitCode();
 }

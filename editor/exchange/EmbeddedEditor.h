@@ -48,6 +48,9 @@ class EmbeddedEditor {
   // From now on dumps and requests are taken as if they were for the device number that is set, whatever theirs is.
   void takeAnyDevice() { handover_.takeAnyDevice(); }
 
+  // Whether the instrument listens to such a dump, as it is set now. Throws LibraryError.
+  bool hears(const Reading& reading) { return handover_.hears(reading); }
+
   // The units that are still open, and the file dumps that are still held.
   std::vector<UnitReport> openUnits() const { return units_.open(); }
 

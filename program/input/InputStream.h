@@ -29,6 +29,7 @@ struct InputLoss {
   std::uint64_t dropped;  // how many; 0 of a file's structure
   std::string reason;
   Kind kind;
+  std::vector<std::uint8_t> beginning = {};  // of a message of a stream that was cut short: its first bytes
 };
 
 // A file that can be read and holds no messages: it is of another kind.

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -14,6 +13,7 @@
 #include "compare/Compare.h"
 #include "contents/Fingerprint.h"
 #include "exchange/Answers.h"
+#include "messages/BackupOrder.h"
 #include "messages/Text.h"
 #include "models/Latin1.h"
 #include "output/DifferenceLines.h"
@@ -31,16 +31,6 @@ struct Item {
   std::string name;
   std::optional<ContentId> content;
 };
-
-bool isBefore(const Item& a, const Item& b) {
-  // The voices of its parts are of the kinds that the multi's banks make them: it has to stand before them.
-  const auto placeOf = [](BulkAddress address) {
-    const std::uint8_t parts = headerOf(EditBuffer::partVoice).mid;
-    const bool isMulti = address.hi == BDA::kHeaderHi && address.mid == headerOf(EditBuffer::multi).mid;
-    return std::array<int, 3>{address.hi, isMulti ? 2 * parts - 1 : 2 * address.mid, address.lo};
-  };
-  return placeOf(a.address) < placeOf(b.address);
-}
 
 // What a backup asks for, in its order.
 struct Plan {
@@ -71,7 +61,8 @@ Plan planOf(EmbeddedEditor& editor) {
     plan.favourites.push_back(byName({row.hi, mid, lo}));
   });
   for (std::vector<Item>* const group : {&plan.fileDumps, &plan.units, &plan.system, &plan.favourites})
-    std::sort(group->begin(), group->end(), isBefore);
+    std::sort(group->begin(), group->end(),
+              [](const Item& a, const Item& b) { return BackupOrder()(a.address, b.address); });
   return plan;
 }
 

@@ -20,6 +20,15 @@ using Words = std::vector<std::string>;
 // Judging messages, without a library.
 void list(const Words& files, bool json, Program& program);
 void verify(const Words& files, bool json, Program& program);
+struct SalvageOptions {
+  std::string output;         // where what is whole goes
+  std::string requests;       // where the requests for the rest go; "": nowhere
+  std::string preferred;      // the file that counts where two differ; "": none
+  bool fixChecksums = false;  // messages of which the checksum alone is wrong are kept, with the right one
+  bool merge = false;         // captures complete each other, whatever they have in common
+  bool json = false;
+};
+void salvage(const Words& files, const SalvageOptions& options, Program& program);
 
 // A file; a file and an offset; an address, which can be three words, and the path of a parameter.
 void explain(const Words& words, bool json, Program& program);
@@ -31,7 +40,11 @@ struct ExchangeOptions {
   std::string trace;       // "": none
   bool anyDevice = false;  // messages for other device numbers are taken too
 };
-void receive(const Words& files, const ExchangeOptions& options, Program& program);
+struct ReceiveOptions {
+  bool whole = false;   // only units that are whole are stored, the rest is refused
+  bool dryRun = false;  // said what would be done, and nothing done
+};
+void receive(const Words& files, const ExchangeOptions& exchange, const ReceiveOptions& options, Program& program);
 void request(const Words& words, const ExchangeOptions& options, Program& program);
 
 // The parameters of targets, whose addresses can be three words each; apply takes one, and a file of them behind it.
