@@ -14,7 +14,7 @@ class Usage : public Program {
  protected:
   static std::vector<std::string> verbs() {
     return {"list",   "verify",   "receive", "request", "screen", "contents", "show",    "apply", "rename", "favourite",
-            "remove", "settings", "backup",  "restore", "diff",   "help",     "history", "undo",  "check"};
+            "remove", "settings", "backup",  "restore", "diff",   "help",     "history", "undo",  "check",  "explain"};
   }
 };
 
