@@ -38,7 +38,8 @@ struct SearchTest : testing::Test {
     found.clear();
     Search search(std::move(wanted), [this](const Found& one) { found.push_back(one); });
     for (Candidate& one : candidates) search.look({"a", true}, std::move(one));
-    EXPECT_EQ(search.finish(), found.size());
+    const std::uint64_t count = search.finish();
+    EXPECT_EQ(count, found.size());
     std::vector<std::string> places;
     for (const Found& one : found) places.push_back(one.content.place);
     return places;
