@@ -41,8 +41,8 @@ class LibraryError : public std::runtime_error {
 struct Change {
   enum class Kind { Stored, Removed, Renamed, Flagged };
   Kind kind = Kind::Stored;
-  ContentId id;                       // canonical
-  std::optional<std::string> before;  // the name of what stood there; nothing: the place was empty
+  ContentId id;                            // canonical
+  std::optional<std::string> before = {};  // the name of what stood there; nothing: the place was empty
 
   // The same change, whatever stood there.
   friend bool operator==(const Change& a, const Change& b) { return a.kind == b.kind && a.id == b.id; }

@@ -389,7 +389,7 @@ TEST_F(Salvaging, whatIsKeptIsAlwaysOneSound) {
   const Unit sounds[] = {Unit(kVoice6, 1), Unit(kVoice6, 2)};
   unsigned keptUnits = 0;
   unsigned completedUnits = 0;
-  for (int i = 0; i < 1000; ++i) {
+  for (int i = 0; i < 200; ++i) {
     Salvage salvage({});
     std::uint64_t number = 0;
     for (std::size_t source = 0; source < 3; ++source) {
@@ -409,6 +409,6 @@ TEST_F(Salvaging, whatIsKeptIsAlwaysOneSound) {
     completedUnits += result.units[0].state == State::completed;
     ASSERT_TRUE(kept == sounds[0].messages || kept == sounds[1].messages) << i;
   }
-  EXPECT_GT(keptUnits, 100U);
-  EXPECT_GT(completedUnits, 50U);
+  EXPECT_GT(keptUnits, 20U);
+  EXPECT_GT(completedUnits, 10U);
 }
