@@ -166,7 +166,7 @@ std::vector<std::uint8_t> dumpMessage(BulkAddress address, std::span<const std::
                                     address.hi,
                                     address.mid,
                                     address.lo};
-  message.insert(message.end(), data.begin(), data.end());
+  for (const std::uint8_t byte : data) message.push_back(byte);
   message.push_back(BDA::Utility::calcCheckSum(message.data(), message.size() + 2));
   message.push_back(BDA::kEndOfExclusive);
   return message;

@@ -178,7 +178,7 @@ void Captures::takeBroken(const Reading& reading, std::size_t source, bool isOfR
 
 void Captures::begin(std::size_t source, std::uint64_t number) {
   endRun();
-  run_.emplace();
+  run_ = Run();
   run_->firstMessage = number;
   run_->capture.source = source;
 }

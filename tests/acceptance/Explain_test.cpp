@@ -65,7 +65,7 @@ TEST_F(Explain, everyPartOfADumpIsNamedAndNeedsNoLibrary) {
   EXPECT_EQ(device["device"], 5);
   EXPECT_EQ(at("a.syx", 0)["name"], "system:common");
   std::vector<std::string> parts;
-  for (const std::size_t i : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 89, 90, 91})
+  for (const unsigned i : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U, 10U, 89U, 90U, 91U})
     parts.push_back(at("a.syx", second + i)["part"]);
   EXPECT_THAT(parts, ElementsAre("frame", "maker", "device", "model", "model", "byteCount", "byteCount", "address",
                                  "address", "address", "data", "data", "checksum", "frame"));
@@ -113,7 +113,7 @@ TEST_F(Explain, aWholeFileIsOneObjectAByteOrSixteenBytesALine) {
   write("a.syx", {blockDump({0, 0, 0}, 1), request(kHeader)});
   const std::vector<Json> bytes = objects({"explain", "a.syx", "--json"});
   ASSERT_THAT(bytes, SizeIs(80 + 9));
-  for (const std::size_t i : {0, 12, 78, 85}) EXPECT_EQ(bytes[i], at("a.syx", i));
+  for (const unsigned i : {0U, 12U, 78U, 85U}) EXPECT_EQ(bytes[i], at("a.syx", i));
   const Result run = bda({"explain", "a.syx"});
   EXPECT_THAT(run, Exits(0));
   const std::vector<std::string> all = lines(run.out);

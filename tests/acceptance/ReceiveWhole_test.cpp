@@ -14,7 +14,6 @@ using Json = nlohmann::ordered_json;
 namespace {
 
 constexpr BulkAddress kHeader{0x0E, 0x0A, 0x05};
-constexpr BulkAddress kFooter{0x0F, 0x0A, 0x05};
 constexpr BulkAddress kElement{0x41, 0x02, 0x00};
 
 class ReceiveWhole : public Program {
