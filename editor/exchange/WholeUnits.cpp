@@ -79,9 +79,12 @@ void WholeUnits::wait(Waiting& waiting, Message message) {
 }
 
 void WholeUnits::release(Waiting& waiting, Message last) {
-  if (waiting.isTooMuch) wait(waiting, std::move(last));
+  if (waiting.isTooMuch) {
+    wait(waiting, std::move(last));
+    waiting = {};
+    return;
+  }
   Waiting whole = std::exchange(waiting, {});
-  if (whole.isTooMuch) return;
   whole.messages.push_back(std::move(last));
   decided_.push_back({std::move(whole.messages), {}});
 }
