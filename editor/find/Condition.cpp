@@ -79,6 +79,7 @@ const ValueField* findField(const std::vector<ValueField>& fields, std::string_v
   if (const ValueField* const field = findField(fields, group); field != nullptr && !field->isName)
     throw std::invalid_argument(fmt::format("\"{}\": expected {}[0] to {}[{}]", path, group, group, field->count - 1));
   std::vector<std::string> paths;
+  paths.reserve(fields.size());
   for (const ValueField& field : fields) paths.push_back(field.path);
   const std::string meant = nearest(group, paths);
   const ValueField* const field = meant.empty() ? nullptr : findField(fields, meant);

@@ -31,6 +31,7 @@ const char* wordOf(ContentKind kind) { return rowOf(kind).word; }
 
 std::vector<std::string> contentKindWords() {
   std::vector<std::string> words;
+  words.reserve(std::size(kRows));
   for (const Row& row : kRows) words.emplace_back(row.word);
   return words;
 }
