@@ -67,7 +67,7 @@ EmbeddedEditor::Run::~Run() {
   editor_.handover_.endRun();
 }
 
-void EmbeddedEditor::Run::commit() {
+void EmbeddedEditor::Run::settle() {
   EditorJobTools& tools = editor_.tools();
   for (const std::uint16_t parameter : {SystemModel::kReceiveBulk, SystemModel::kDeviceNumber})
     setUtility(tools, parameter, std::uint8_t(system_.system->utility.values()[parameter]));
@@ -75,6 +75,10 @@ void EmbeddedEditor::Run::commit() {
   // What only this run has stored is no change.
   if (!wasSystemStored_ && tools.liveSystem() == system_)
     editor_.library_.putBack(liveAt(tools.systemKey()), std::nullopt);
+}
+
+void EmbeddedEditor::Run::commit() {
+  settle();
   transaction_->commit(Library::Transaction::Making::Always);
 }
 

@@ -82,7 +82,9 @@ class EmbeddedEditor {
     Run& operator=(const Run&) = delete;
     ~Run();  // takes back what was not committed
 
-    void commit();  // a library that does not exist yet is made, whatever it holds
+    // Puts the switches back as they were set, when all messages are handled.
+    void settle();
+    void commit();  // and settles; a library that does not exist yet is made, whatever it holds
 
    private:
     EmbeddedEditor& editor_;

@@ -134,7 +134,7 @@ void settings(const std::string& name, const std::optional<std::string>& value, 
   if (!number) throw Failure(kWrongUsage, fmt::format("{}: \"{}\": expected {}", name, escape(*value), setting.values));
   ChangeRun run(program, {"settings"}, options);
   const std::string before = setting.get(run.editor());
-  setting.set(run.editor(), *number);
+  if (setting.parse(before) != number) setting.set(run.editor(), *number);
   const std::string after = setting.get(run.editor());
   std::vector<PlaceChange> changes = run.commit();
   if (!options.json) return tellSet(name, before, after, options, program.console);

@@ -70,6 +70,10 @@ TEST_F(EditTold, restoreTellsWhatItChangedAsTheHistoryDoes) {
   EXPECT_EQ(objects({"restore", "dump.syx", "--json"}), told);
   EXPECT_THAT(objects({"restore", "dump.syx", "--json"}), IsEmpty());
   EXPECT_EQ(json({"history", "--json", "-n", "1"})["changes"], Json(told));
+  ASSERT_THAT(bda({"settings", "receive-bulk", "off"}), Exits(0));
+  EXPECT_THAT(objects({"restore", "dump.syx", "--json", "--any-device", "--dry-run"}), IsEmpty());
+  EXPECT_THAT(objects({"restore", "dump.syx", "--json", "--any-device"}), IsEmpty());
+  EXPECT_EQ(bda({"settings", "receive-bulk"}).out, "off\n");
 }
 
 TEST_F(EditTold, aDryRunSaysInWordsWhatWouldHappen) {

@@ -212,6 +212,12 @@ TEST_F(History, aDamagedContentKeepsNoVerbFromTheOthers) {
   EXPECT_EQ(lines(bda({"check"}).out),
             std::vector<std::string>{"table change: damaged: entry 3: what voice:user1:6 held before does not fit its "
                                      "checksum"});
+  for (const char* force : {"--json", "--force"}) {
+    const Result undo = bda({"undo", force});
+    EXPECT_THAT(undo, Exits(3));
+    EXPECT_THAT(undo.err, HasSubstr("voice:user1:6: what it held before is damaged"));
+  }
+  EXPECT_THAT(bda({"contents"}), Exits(0));
 }
 
 // ---- Libraries of version 1 -----------------------------------------------------------------------------------------
