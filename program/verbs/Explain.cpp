@@ -138,21 +138,21 @@ void explainParameter(const std::string& word, const std::string& path, bool jso
 
 }  // namespace
 
-void explain(const Words& given, bool json, Program& program) {
-  const Words words = joinAddresses(given);
-  const std::string& first = words.front();
-  if (words.size() > 2)
+void explain(const Words& words, bool json, Program& program) {
+  const Words joined = joinAddresses(words);
+  const std::string& first = joined.front();
+  if (joined.size() > 2)
     throw Failure(kWrongUsage, "expected a file, a file and an offset, or an address and the path of a parameter");
-  if (words.size() == 1) {
+  if (joined.size() == 1) {
     if (isAddress(first))
       throw Failure(kWrongUsage, fmt::format("{}: an address needs the path of a parameter, such as voice.common[3]; "
                                              "a file of that name is ./{}",
                                              escape(first), escape(first)));
     return explainFile(first, json, program.console);
   }
-  if (const std::optional<std::uint64_t> offset = parseOffset(words[1]))
+  if (const std::optional<std::uint64_t> offset = parseOffset(joined[1]))
     return explainOffset(first, *offset, json, program.console);
-  explainParameter(first, words[1], json, program);
+  explainParameter(first, joined[1], json, program);
 }
 
 }  // namespace Editor

@@ -63,7 +63,7 @@ class Salvaging {
     Complaints complaints(console_);
     LossReport losses(console_);
     Progress progress(console_, "salvage", "messages", 0, input_.size());
-    const std::vector<std::string> problems = input_.read(
+    std::vector<std::string> problems = input_.read(
         [&](const InputMessage& message) {
           const Reading reading = readMessage(message.bytes);
           if (isBroken(reading))
