@@ -129,7 +129,7 @@ void Captures::take(Piece piece, const Reading& reading, const std::vector<UnitR
     case Role::fileDump:
       if (!isWritableFileDump(*reading.address)) return leaveOut(piece, "no instrument stores it");
       if (reading.removes) return leaveOut(piece, "it would have what stands in its place removed");
-      return addSingle(placeOf(*reading.address), piece.source, std::move(piece), device);
+      return addSingle(placeOf(*reading.address), source_, std::move(piece), device);
     case Role::trigger:
       endRun();
       triggers_.push_back(std::move(piece));
@@ -137,7 +137,7 @@ void Captures::take(Piece piece, const Reading& reading, const std::vector<UnitR
     case Role::alone:
       endRun();
       if (!isStoredAlone(*reading.address)) return leaveOut(piece, "no instrument stores it");
-      return addSingle(*reading.address, piece.source, std::move(piece), device);
+      return addSingle(*reading.address, source_, std::move(piece), device);
     case Role::emptyHeader:
     case Role::emptyFooter:
       return leaveOut(piece, "it would have a mixing voice removed");
