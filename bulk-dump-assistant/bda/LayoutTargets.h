@@ -104,7 +104,7 @@ template <const auto& kLayout>
 void addPartTargets(Targets<kLayout>& targets, Multi* multi, int adPart0, int part0, int parts) {
   targets.groups[std::size_t(adPart0)] = from(from(multi, &Multi::getAdPart, 0U), &Multi::AdPartNode::getParams);
   for (int i = 0; i < parts; ++i)
-    targets.groups[std::size_t(part0 + i)] =
+    targets.groups[std::size_t(part0) + std::size_t(i)] =
         from(from(multi, &Multi::getPart, std::uint32_t(i)), &Multi::PartNode::getMain);
 }
 

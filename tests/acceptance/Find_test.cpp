@@ -274,21 +274,6 @@ TEST_F(Find, aDatabaseOfSomebodyElseInAFolderIsPassedOver) {
   EXPECT_EQ(run.err, "nothing found in 0 contents; passed over: 1 file of another kind\n");
 }
 
-TEST_F(Find, whatCannotBeReadInAFolderIsToldAndKeepsNoneFromTheOthers) {
-  if (::geteuid() == 0) GTEST_SKIP() << "nothing is unreadable to root";
-  makeFolder("dumps/closed");
-  write("dumps/a.syx", {unit({0x0E, 0x0A, 0x10}, BDA::List::normalVoice)});
-  write("dumps/b.syx", {unit({0x0E, 0x0A, 0x10}, BDA::List::normalVoice)});
-  std::filesystem::permissions(directory / "dumps/a.syx", std::filesystem::perms::none);
-  std::filesystem::permissions(directory / "dumps/closed", std::filesystem::perms::none);
-  const Result run = bda({"find", "--in", "dumps"});
-  std::filesystem::permissions(directory / "dumps/closed", std::filesystem::perms::owner_all);
-  EXPECT_THAT(run, Exits(2));
-  EXPECT_THAT(run.out, HasSubstr("dumps/b.syx: voice:user1:17"));
-  EXPECT_THAT(run.err,
-              AllOf(HasSubstr("dumps/a.syx: Permission denied"), HasSubstr("dumps/closed: Permission denied")));
-}
-
 TEST_F(Find, standardInputIsASource) {
   const Bytes voice = unit({0x0E, 0x0A, 0x10}, BDA::List::normalVoice);
   const Result run = bda({"find", "--json", "--in", "-"}, text(voice));
