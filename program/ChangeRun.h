@@ -9,8 +9,8 @@
 
 namespace Editor {
 
-// A run of a verb that changes the library as one transaction and one entry of its history, or rehearses that on a copy.
-// What the history says of it is what is told.
+// A run of a verb that changes the library as one transaction and one entry of its history, or rehearses that on a
+// copy. What the history says of it is what is told.
 class ChangeRun {
  public:
   // Throws Failure (kUnusableInput) and LibraryError. Nobody else changes the library from now on.

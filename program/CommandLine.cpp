@@ -16,6 +16,7 @@
 #include "Manual.h"
 #include "VerbHelp.h"
 #include "bda/version.h"
+#include "find/ContentKind.h"
 #include "input/FilesInUse.h"
 #include "messages/Text.h"
 #include "targets/Targets.h"
@@ -35,12 +36,17 @@ struct Given {
   std::string setting;
   std::optional<std::string> value;
   ExchangeOptions exchange;
+  ShowOptions show;
+  ReceiveOptions receive;
   ContentsOptions contents;
+  std::string manifest;
+  FindOptions find;
   bool json = false;
   RestoreOptions restore;
   ChangeOptions change;
   std::string table;
   std::string otherLibrary;
+  SalvageOptions salvage;
   bool brief = false;
   HistoryOptions history;
   std::optional<std::int64_t> entry;
@@ -82,7 +88,36 @@ void addVerify(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { verify(given.words, given.json, program); }; });
 }
 
-void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
+void addExplain(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "explain");
+  addWords(verb, "FILE [OFFSET]|ADDRESS PATH", "A message file and one of its bytes, or a parameter as in JSON", given)
+      ->check(checkFileName);
+  verb.add_flag("--json", given.json, "One object a line, a byte");
+  verb.callback([&] { given.verb = [&] { explain(given.words, given.json, program); }; });
+}
+
+void addSalvage(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "salvage");
+  SalvageOptions& options = given.salvage;
+  addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
+  verb.add_option("-o,--output", options.output, "Where what is whole goes; - is standard output")
+      ->type_name("GOOD")
+      ->required()
+      ->check(checkFileName);
+  verb.add_option("--requests", options.requests, "Where the requests that fetch the rest go")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.add_flag("--fix-checksums", options.fixChecksums, "Keep messages of which the checksum alone is wrong, mended");
+  verb.add_flag("--merge", options.merge, "Complete units also by captures that may be of other sounds");
+  verb.add_option("--prefer", options.preferred, "The one of the files that counts where two differ")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.add_flag("--json", options.json, "One object a line, for each unit and single block");
+  verb.callback([&] { given.verb = [&] { salvage(given.words, given.salvage, program); }; });
+}
+
+// The option of the trace.
+CLI::Option* addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
   verb.add_option("--port", options.port, "The port on which the messages arrive")
       ->type_name("1|4|5|6")
       ->check([](const std::string& port) {
@@ -91,7 +126,7 @@ void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
         return isPort ? std::string() : fmt::format("\"{}\": expected 1, 4, 5 or 6", port);
       })
       ->capture_default_str();
-  verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
+  return verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
       ->type_name("FILE")
       ->check(checkFileName);
 }
@@ -99,12 +134,15 @@ void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
 void addReceive(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "receive");
   addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
-  verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
-      ->type_name("ANSWERS")
-      ->check(checkFileName);
+  CLI::Option* const answers =
+      verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
+          ->type_name("ANSWERS")
+          ->check(checkFileName);
   verb.add_flag("--any-device", given.exchange.anyDevice, kAnyDevice);
-  addExchangeOptions(verb, given.exchange);
-  verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, program); }; });
+  verb.add_flag("--whole", given.receive.whole, "Store whole units only, as verify judges them, and refuse the rest");
+  CLI::Option* const trace = addExchangeOptions(verb, given.exchange);
+  verb.add_flag("--dry-run", given.receive.dryRun, kDryRun)->excludes(answers)->excludes(trace);
+  verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, given.receive, program); }; });
 }
 
 void addRequest(CLI::App& app, Given& given, Program& program) {
@@ -120,8 +158,11 @@ void addRequest(CLI::App& app, Given& given, Program& program) {
 void addShow(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "show");
   addWords(verb, "TARGET", "system, additional, headers or file dumps, their banks or ranges", given);
-  verb.add_flag("--json", given.json, "One object, as apply reads it; of several targets one object a line");
-  verb.callback([&] { given.verb = [&] { show(given.words, given.json, program); }; });
+  verb.add_flag("--json", given.show.json, "One object, as apply reads it; of several targets one object a line");
+  verb.add_option("--from", given.show.from, "A message file to show them of, instead of the library")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.callback([&] { given.verb = [&] { show(given.words, given.show, program); }; });
 }
 
 void addApply(CLI::App& app, Given& given, Program& program) {
@@ -151,13 +192,41 @@ void addContents(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { contents(given.words, given.contents, program); }; });
 }
 
+void addFind(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "find");
+  FindOptions& options = given.find;
+  verb.add_option("TERM", given.words, "Part of a name, or with * a whole one; case does not count");
+  verb.add_option("--in", options.sources, "A library, a message file or a folder of them; default the library")
+      ->type_name("SOURCE")
+      ->allow_extra_args(false)
+      ->check(checkFileName);
+  verb.add_option("--kind", options.kind, fmt::format("One of {}", fmt::join(contentKindWords(), ", ")))
+      ->type_name("KIND");
+  verb.add_option("--where", options.conditions,
+                  "What a parameter is, by its path in JSON: = != < <= > >=, as 'voice.common[3]>64'")
+      ->type_name("CONDITION")
+      ->allow_extra_args(false);
+  verb.add_option("--same-as", options.sameAs, "Equal to that content of the library, but for names")
+      ->type_name("ADDRESS");
+  verb.add_option("--like", options.like, "By likeness to that content of the library, the nearest first")
+      ->type_name("ADDRESS");
+  verb.add_flag("--duplicates", options.duplicates, "What is there more than once, but for names");
+  verb.add_flag("--favourite", options.favourite, "Favourites only");
+  verb.add_flag("--edit-buffers", options.editBuffers, "Edit buffers too");
+  verb.add_flag("--json", options.json, "One object a line");
+  verb.callback([&] { given.verb = [&] { find(given.words, options, program); }; });
+}
+
 void addBackup(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "backup");
   verb.add_option("-o,--output", given.output, "Where it goes; - is standard output")
       ->type_name("FILE")
       ->required()
       ->check(checkFileName);
-  verb.callback([&] { given.verb = [&] { backup(given.output, program); }; });
+  verb.add_option("--manifest", given.manifest, "A JSON file that names what is in it, with hashes")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.callback([&] { given.verb = [&] { backup(given.output, given.manifest, program); }; });
 }
 
 void addRestore(CLI::App& app, Given& given, Program& program) {
@@ -275,10 +344,10 @@ void addHelp(CLI::App& app, Given& given, Program& program) {
       [&] { given.verb = [&] { program.console.text(given.manual ? manualOf(app) : helpOf(app, given.setting)); }; });
 }
 
-constexpr std::array kVerbs{addList,      addVerify,   addReceive, addRequest, addShow, addApply,
-                            addSettings,  addContents, addBackup,  addRestore, addDiff, addRename,
-                            addFavourite, addRemove,   addCopy,    addMove,    addSwap, addHistory,
-                            addUndo,      addCheck,    addScreen,  addHelp};
+constexpr std::array kVerbs{addList,   addVerify,    addExplain,  addSalvage, addReceive, addRequest, addShow,
+                            addApply,  addSettings,  addContents, addFind,    addBackup,  addRestore, addDiff,
+                            addRename, addFavourite, addRemove,   addCopy,    addMove,    addSwap,    addHistory,
+                            addUndo,   addCheck,     addScreen,   addHelp};
 
 void addCommonOptions(CLI::App& app, Program& program) {
   app.set_help_flag("-h,--help", "Say this and exit");
@@ -312,16 +381,22 @@ void refuseEmptyValues(int argc, const char* const* argv) {
 
 // What is written must be no file that the run needs, nor be written twice.
 void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
-  const std::string& output = given.output.empty() ? given.exchange.output : given.output;
-  const std::string& trace = given.exchange.trace;
-  if (output.empty() && trace.empty()) return;
+  const std::pair<const char*, const std::string*> outputs[] = {{"-o", &given.output},
+                                                                {"-o", &given.exchange.output},
+                                                                {"-o", &given.salvage.output},
+                                                                {"--requests", &given.salvage.requests},
+                                                                {"--trace", &given.exchange.trace},
+                                                                {"--manifest", &given.manifest}};
+  if (std::ranges::all_of(outputs, [](const auto& output) { return output.second->empty(); })) return;
   FilesInUse files;
-  files.addLibrary(program.libraryFile());
-  files.add(program.nameFileOf(program.libraryFile()), "these are the names of waveforms and arpeggios");
+  if (const std::optional<std::string> library = program.findLibraryFile()) {
+    files.addLibrary(*library);
+    files.add(program.nameFileOf(*library), "these are the names of waveforms and arpeggios");
+  }
   if (readsFiles)
     for (const std::string& file : given.words) files.add(file, "this is also an input");
-  if (!output.empty()) files.addOutput(output, "-o");
-  if (!trace.empty()) files.addOutput(trace, "--trace");
+  for (const auto& [option, output] : outputs)
+    if (!output->empty()) files.addOutput(*output, option);
 }
 
 int run(int argc, const char* const* argv, Program& program) {
@@ -349,7 +424,7 @@ int run(int argc, const char* const* argv, Program& program) {
     throw Failure(kWrongUsage, whyNotRead(app, error));
   }
   if (findVerb(app.get_subcommands().front()->get_name())->heeds.names) program.needNames();
-  checkOutputs(given, program, app.got_subcommand("receive"));
+  checkOutputs(given, program, app.got_subcommand("receive") || app.got_subcommand("salvage"));
   given.verb();
   return program.exitCode();
 }

@@ -32,9 +32,9 @@ void dropMisfits(Library& library) {
 Undone find(Library& library, std::optional<std::int64_t> named) {
   for (const HistoryEntry& entry : entriesOf(library)) {
     const bool isMeant = named ? entry.number == *named : !entry.undoes && !entry.undoneBy;
-    if (isMeant) return {Undone::State::done, entry.number, {}, {}};
+    if (isMeant) return {Undone::State::done, entry.number, {}, {}, {}};
   }
-  return {Undone::State::nothingToUndo, named.value_or(0), {}, {}};
+  return {Undone::State::nothingToUndo, named.value_or(0), {}, {}, {}};
 }
 
 }  // namespace
@@ -46,6 +46,12 @@ Undone undo(EmbeddedEditor& editor, std::optional<std::int64_t> entry, Force for
   const std::vector<RecordedChange> changes = library.recordedChanges(undone.entry, true);
   for (const RecordedChange& change : changes)
     if (!isAsLeft(library.held(change.place), change)) undone.conflicts.push_back(nameOf(change.place));
+  for (const RecordedChange& change : changes)
+    if (change.before && !isWhole(*change.before)) undone.damaged.push_back(nameOf(change.place));
+  if (!undone.damaged.empty()) {
+    undone.state = Undone::State::damaged;
+    return undone;
+  }
   if (!undone.conflicts.empty() && force == Force::no) {
     undone.state = Undone::State::conflict;
     return undone;

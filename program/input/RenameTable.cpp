@@ -32,9 +32,7 @@ std::string takeWord(std::string_view& text) {
 // One word, or three hex bytes.
 std::string takeAddress(std::string_view& line) {
   std::string_view rest = line;
-  std::vector<std::string> words;
-  for (int i = 0; i < 3; ++i) words.push_back(takeWord(rest));
-  const std::vector<std::string> joined = joinAddresses(words);
+  const std::vector<std::string> joined = joinAddresses({takeWord(rest), takeWord(rest), takeWord(rest)});
   if (joined.size() > 1) return takeWord(line);
   line = rest;
   return joined.front();

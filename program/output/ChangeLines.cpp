@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "messages/Text.h"
@@ -12,6 +13,7 @@ namespace Editor {
 
 namespace {
 
+constexpr std::size_t kMostAlike = 20;
 // By What.
 constexpr std::array kPlanned{"would store", "would remove", "would rename", "would flag", "would set"};
 
@@ -27,12 +29,12 @@ std::string quoted(const std::string& name) { return fmt::format("\"{}\"", showN
 std::string detailOf(const PlaceChange& change) {
   switch (change.what) {
     case What::stored: {
-      const std::string stored = change.after->empty() ? "" : " " + quoted(*change.after);
-      if (!change.before) return stored;
-      return stored + ", replaces " + (change.before->empty() ? "what was there" : quoted(*change.before));
+      std::string stored = change.after->empty() ? "" : " " + quoted(*change.after);
+      if (change.before) stored += ", replaces " + (change.before->empty() ? "what was there" : quoted(*change.before));
+      return stored;
     }
     case What::removed:
-      return " " + quoted(*change.before);
+      return change.before->empty() ? "" : " " + quoted(*change.before);
     case What::renamed:
       return fmt::format(" {} to {}", quoted(*change.before), quoted(*change.after));
     case What::flagged:
@@ -59,14 +61,18 @@ nlohmann::ordered_json toJson(const PlaceChange& change) {
 std::string lineOf(const PlaceChange& change) { return toWords(change, wordOf(change.what)); }
 
 void tellChanges(const std::vector<PlaceChange>& changes, const ChangeOptions& options, Console& console) {
+  std::map<What, std::size_t> counts;
   for (const PlaceChange& change : changes) {
     if (options.json)
       console.line(toJson(change).dump(-1, ' ', true));  // a terminal would obey U+0080 to U+009F
     else if (options.dryRun)
       console.line(toWords(change, kPlanned.at(std::size_t(change.what) - 1)));
-    else
+    else if (++counts[change.what] <= kMostAlike || console.isVerbose())
       console.note(lineOf(change));
   }
+  for (const auto& [what, count] : counts)
+    if (count > kMostAlike && !console.isVerbose())
+      console.note(fmt::format("and {} more {}: all with -v", count - kMostAlike, wordOf(what)));
   if (changes.empty()) console.note("nothing changes");
 }
 

@@ -15,7 +15,8 @@ struct ChangeOptions {
   bool json = false;
 };
 
-// Tells each change: as an object, or in words. Objects are data, and so is what a dry run says.
+// Tells each change: as an object, or in words. Objects are data, and so is what a dry run says. Of other words there
+// are twenty of a kind, and all with -v.
 void tellChanges(const std::vector<PlaceChange>& changes, const ChangeOptions& options, Console& console);
 
 // stored: voice:user1:6 "Piano", replaces "Strings"

@@ -46,12 +46,12 @@ std::string jsonOf(const HistoryEntry& entry, const std::vector<PlaceChange>& ch
   Json places = Json::array();
   for (const PlaceChange& change : changes) places.push_back(toJson(change));
   const Json json{{"entry", entry.number},
-               {"time", timeOf(entry)},
-               {"verb", entry.verb},
-               {"sources", std::move(sources)},
-               {"changes", std::move(places)},
-               {"undoes", orNull(entry.undoes)},
-               {"undoneBy", orNull(entry.undoneBy)}};
+                  {"time", timeOf(entry)},
+                  {"verb", entry.verb},
+                  {"sources", std::move(sources)},
+                  {"changes", std::move(places)},
+                  {"undoes", orNull(entry.undoes)},
+                  {"undoneBy", orNull(entry.undoneBy)}};
   return json.dump(-1, ' ', true);
 }
 

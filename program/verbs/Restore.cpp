@@ -34,6 +34,7 @@ class Restoring {
       const std::unique_ptr<EmbeddedEditor> editor = program_.openToChange(run_);
       EmbeddedEditor::Run run(*editor, Library::Transaction::Access::Write, devices());
       receive(*editor, "restore");
+      run.settle();
       const std::vector<PlaceChange> changes = changesOfRun(editor->library());
       if (dumps_ > 0) run.commit();
       if (options_.json) tellChanges(changes, options_, console_);
@@ -136,8 +137,9 @@ class Restoring {
     EmbeddedEditor copy;
     copy.library().copyFrom(library.library());
     copy.library().beginRun(run_);
-    const EmbeddedEditor::Run run(copy, Library::Transaction::Access::Write, devices());
+    EmbeddedEditor::Run run(copy, Library::Transaction::Access::Write, devices());
     receive(copy, "dry run");
+    run.settle();
     if (options_.json) return tellChanges(changesOfRun(copy.library()), options_, console_);
     std::uint64_t changes = 0;
     compareLibraries(library, copy, Reception::ignored, [&](const Difference& change) {

@@ -46,12 +46,7 @@ struct Setting : SettingHelp {
 
 const std::array kSettings{
     Setting{{"device-number", "1 to 16, all or off", {"all", "off"}},
-            [](EmbeddedEditor& editor) -> std::string {
-              const unsigned device = utilityOf(editor, SystemModel::kDeviceNumber);
-              if (device == unsigned(CMA::DeviceNumber_All)) return "all";
-              if (device == unsigned(CMA::DeviceNumber_Off)) return "off";
-              return std::to_string(device + 1);
-            },
+            [](EmbeddedEditor& editor) { return deviceNumberWords(editor.tools()); },
             [](const std::string& value) -> std::optional<std::int64_t> {
               if (value == "all") return CMA::DeviceNumber_All;
               if (value == "off") return CMA::DeviceNumber_Off;
@@ -140,7 +135,7 @@ void settings(const std::string& name, const std::optional<std::string>& value, 
   if (!number) throw Failure(kWrongUsage, fmt::format("{}: \"{}\": expected {}", name, escape(*value), setting.values));
   ChangeRun run(program, {"settings"}, options);
   const std::string before = setting.get(run.editor());
-  setting.set(run.editor(), *number);
+  if (setting.parse(before) != number) setting.set(run.editor(), *number);
   const std::string after = setting.get(run.editor());
   std::vector<PlaceChange> changes = run.commit();
   if (!options.json) return tellSet(name, before, after, options, program.console);

@@ -32,6 +32,10 @@ void undo(std::optional<std::int64_t> entry, bool force, const ChangeOptions& op
   if (undone.state == Undone::State::nothingToUndo)
     throw Failure(kRefused,
                   entry ? fmt::format("there is no entry {} in the history", *entry) : "there is nothing to undo");
+  for (const std::string& place : undone.damaged)
+    program.console.problem(fmt::format("{}: what it held before is damaged", place));
+  if (undone.state == Undone::State::damaged)
+    throw Failure(kRefused, fmt::format("entry {} is not undone, nothing is changed", undone.entry));
   tellConflicts(undone, program.console);
   if (undone.state == Undone::State::conflict)
     throw Failure(kRefused, fmt::format("entry {} is not undone, nothing is changed: --force puts back all the same",

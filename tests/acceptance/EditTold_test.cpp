@@ -60,6 +60,22 @@ TEST_F(EditTold, eachVerbTellsItsChangesAsObjectsAndADryRunTheSame) {
   }
 }
 
+TEST_F(EditTold, restoreTellsWhatItChangedAsTheHistoryDoes) {
+  write("dump.syx",
+        {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 0x42), unit({0x0E, 0x70, 0x00}, BDA::List::master, 0x43)});
+  const std::vector<Json> told = objects({"restore", "dump.syx", "--json", "--dry-run"});
+  EXPECT_THAT(told, ElementsAre(change("voice:user1:6", "stored", "Piano", std::string(20, 'B')),
+                                change("master:1", "stored", nullptr, std::string(20, 'C'))));
+  EXPECT_EQ(library().contentName(kUserVoice6), "Piano");
+  EXPECT_EQ(objects({"restore", "dump.syx", "--json"}), told);
+  EXPECT_THAT(objects({"restore", "dump.syx", "--json"}), IsEmpty());
+  EXPECT_EQ(json({"history", "--json", "-n", "1"})["changes"], Json(told));
+  ASSERT_THAT(bda({"settings", "receive-bulk", "off"}), Exits(0));
+  EXPECT_THAT(objects({"restore", "dump.syx", "--json", "--any-device", "--dry-run"}), IsEmpty());
+  EXPECT_THAT(objects({"restore", "dump.syx", "--json", "--any-device"}), IsEmpty());
+  EXPECT_EQ(bda({"settings", "receive-bulk"}).out, "off\n");
+}
+
 TEST_F(EditTold, aDryRunSaysInWordsWhatWouldHappen) {
   EXPECT_EQ(bda({"rename", "voice:user1:6", "Grand", "--dry-run"}).out,
             "would rename: voice:user1:6 \"Piano\" to \"Grand\"\n");
@@ -67,6 +83,19 @@ TEST_F(EditTold, aDryRunSaysInWordsWhatWouldHappen) {
   EXPECT_EQ(bda({"remove", "voice:user1:6", "--dry-run"}).out, "would remove: voice:user1:6 \"Piano\"\n");
   EXPECT_EQ(library().contentName(kUserVoice6), "Piano");
   EXPECT_EQ(library().favourite(kUserVoice6), 0);
+}
+
+TEST_F(EditTold, ofManyChangesTwentyOfAKindHaveALine) {
+  {
+    Editor::Library many(libraryFile());
+    for (std::uint32_t number = 0; number < 25; ++number) many.store({1, number}, Bytes{1}, "Name");
+  }
+  const std::vector<std::string> removed = lines(bda({"remove", "file:multi:1..25"}).err);
+  ASSERT_THAT(removed, testing::SizeIs(21));
+  EXPECT_EQ(removed[19], "removed: file:multi:20 \"Name\"");
+  EXPECT_EQ(removed[20], "and 5 more removed: all with -v");
+  EXPECT_THAT(lines(bda({"undo", "-v"}).err), testing::SizeIs(25 + 1));
+  EXPECT_THAT(lines(bda({"remove", "file:multi", "--dry-run"}).out), testing::SizeIs(25));
 }
 
 TEST_F(EditTold, aDryRunRefusesWhatTheVerbRefuses) {

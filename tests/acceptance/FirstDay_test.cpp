@@ -122,6 +122,7 @@ TEST_F(FirstDay, theFirstChangeMakesOne) {
   const Result dryRun = bda({"restore", "--dry-run", "voice.syx"});
   EXPECT_THAT(dryRun, Exits(0));
   EXPECT_THAT(dryRun.out, HasSubstr("would store: voice:user1:6"));
+  EXPECT_THAT(bda({"settings", "device-number", "1"}), Exits(0)) << "as it is";
   EXPECT_FALSE(exists("library.db"));
   const Result first = bda({"receive", "voice.syx"});
   EXPECT_THAT(first, Exits(0));
