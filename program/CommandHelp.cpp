@@ -24,7 +24,7 @@ OptionHelp helpOf(const CLI::Option& option) {
 bool isHeeded(const OptionHelp& option, const VerbHelp& verb) {
   const std::string& name = option.names.back();
   if (name == "--library") return verb.heeds.library;
-  if (name == "--names") return verb.heeds.names;
+  if (name == "--names") return verb.heeds.names != Heeds::Names::none;
   if (name == "--verbose") return verb.heeds.verbose;
   return name != "--version";
 }

@@ -90,7 +90,8 @@ void addVerify(CLI::App& app, Given& given, Program& program) {
 
 void addExplain(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "explain");
-  addWords(verb, "FILE [OFFSET]|ADDRESS PATH", "A message file and one of its bytes, or a parameter as in JSON", given)
+  addWords(verb, "FILE [OFFSET]|ADDRESS PATH",
+           "A message file and one of its bytes, or a parameter by its path in JSON or its name", given)
       ->check(checkFileName);
   verb.add_flag("--json", given.json, "One object a line, a byte");
   verb.callback([&] { given.verb = [&] { explain(given.words, given.json, program); }; });
@@ -203,7 +204,7 @@ void addFind(CLI::App& app, Given& given, Program& program) {
   verb.add_option("--kind", options.kind, fmt::format("One of {}", fmt::join(contentKindWords(), ", ")))
       ->type_name("KIND");
   verb.add_option("--where", options.conditions,
-                  "What a parameter is, by its path in JSON: = != < <= > >=, as 'voice.common[3]>64'")
+                  "What a parameter is, by its path in JSON or its name: = != < <= > >=, as 'voice.common[3]>64'")
       ->type_name("CONDITION")
       ->allow_extra_args(false);
   verb.add_option("--same-as", options.sameAs, "Equal to that content of the library, but for names")
@@ -359,7 +360,9 @@ void addCommonOptions(CLI::App& app, Program& program) {
       ->check(checkFileName);
   app.add_option_function<std::string>(
          "--names", [&program](const std::string& file) { program.setNameFile(file); },
-         "The names of waveforms and arpeggios; default the library's name with .names behind it, if there is such")
+         "The names of waveforms, arpeggios and parameters; default the library's name with .names behind it, if there "
+         "is "
+         "such")
       ->type_name("FILE")
       ->check(checkFileName);
   CLI::Option* const verbose = app.add_flag_callback(
@@ -391,7 +394,7 @@ void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
   FilesInUse files;
   if (const std::optional<std::string> library = program.findLibraryFile()) {
     files.addLibrary(*library);
-    files.add(program.nameFileOf(*library), "these are the names of waveforms and arpeggios");
+    files.add(program.nameFileOf(*library), "these are the names of waveforms, arpeggios and parameters");
   }
   if (readsFiles)
     for (const std::string& file : given.words) files.add(file, "this is also an input");
@@ -423,7 +426,7 @@ int run(int argc, const char* const* argv, Program& program) {
   } catch (const CLI::ParseError& error) {
     throw Failure(kWrongUsage, whyNotRead(app, error));
   }
-  if (findVerb(app.get_subcommands().front()->get_name())->heeds.names) program.needNames();
+  if (findVerb(app.get_subcommands().front()->get_name())->heeds.names == Heeds::Names::lists) program.needNames();
   checkOutputs(given, program, app.got_subcommand("receive") || app.got_subcommand("salvage"));
   given.verb();
   return program.exitCode();

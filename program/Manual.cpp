@@ -36,7 +36,7 @@ class Page {
   explicit Page(const CLI::App& app) : app_(app) {}
 
   std::string text() {
-    add(".TH BDA 1 \"\" \"bda {}\" \"User Commands\"", BDA_VERSION_STRING);
+    add(".TH BDA 1 {} \"bda {}\" \"User Commands\"", BDA_DATE, BDA_VERSION_STRING);
     add(".nh\n.ad l");  // what is typed is not to be broken or stretched
     addName();
     add(".SH SYNOPSIS\n{} {} [{}] ...", bold("bda"), italic("VERB"), italic("OPTIONS"));

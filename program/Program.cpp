@@ -54,6 +54,17 @@ void Program::requireLibrary(ExitCode code) const {
 
 bool Program::hasLibrary() const { return !isMissing(libraryFile()); }
 
+ParameterNames Program::parameterNames(std::vector<std::string> libraries) const {
+  if (!names_.empty()) return loadNames(names_).parameters;
+  if (std::optional<std::string> own = findLibraryFile()) libraries.push_back(*std::move(own));
+  for (const std::string& library : libraries) {
+    std::error_code unknown;
+    const std::string file = nameFileOf(library);
+    if (std::filesystem::exists(file, unknown)) return loadNames(file).parameters;
+  }
+  return {};
+}
+
 std::unique_ptr<EmbeddedEditor> Program::openToChange(LibraryRun run) {
   const std::string file = libraryFile();
   std::unique_ptr<EmbeddedEditor> editor = open(file, Library::Use::change);

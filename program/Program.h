@@ -7,6 +7,7 @@
 
 #include "ExitCode.h"
 #include "exchange/EmbeddedEditor.h"
+#include "names/ParameterNames.h"
 #include "output/Console.h"
 
 namespace Editor {
@@ -23,11 +24,15 @@ class Program {
   // Throws Failure with that code unless there is one: for a verb that has no use for a new one.
   void requireLibrary(ExitCode code) const;
   bool hasLibrary() const;
-  // The names of waveforms and arpeggios; without it the file beside the library, or else the built-in ones.
+  // The names of waveforms, arpeggios and parameters; without it the file beside the library, or else the built-in
+  // ones.
   void setNameFile(const std::string& file) { names_ = file; }
-  // The verb has a use for them.
+  // The verb has a use for those of waveforms and arpeggios.
   void needNames() { needsNames_ = true; }
   std::string nameFileOf(const std::string& library) const { return names_.empty() ? library + ".names" : names_; }
+  // Those of parameters: in the file beside the first of these libraries that has one, or beside the program's own.
+  // Throws Failure (kUnusableInput).
+  ParameterNames parameterNames(std::vector<std::string> libraries = {}) const;
   // Opens it to change it; one that does not exist is made by the first change, and that is told. `run` is what the
   // history says of the changes. Throws Failure (kUnusableInput).
   std::unique_ptr<EmbeddedEditor> openToChange(LibraryRun run);

@@ -12,8 +12,9 @@ constexpr Heeds kNoLibrary{};
 constexpr Heeds kNoLibraryButMore{.verbose = true};
 constexpr Heeds kLibrary{.library = true};
 constexpr Heeds kLibraryAndMore{.library = true, .verbose = true};
-constexpr Heeds kLibraryAndNames{.library = true, .names = true};
-constexpr Heeds kEverything{.library = true, .names = true, .verbose = true};
+constexpr Heeds kLibraryAndLists{.library = true, .names = Heeds::Names::lists};
+constexpr Heeds kEverything{.library = true, .names = Heeds::Names::lists, .verbose = true};
+constexpr Heeds kLibraryAndParameters{.library = true, .names = Heeds::Names::parameters};
 
 constexpr std::array kVerbs{
     VerbHelp{"list",
@@ -34,7 +35,7 @@ constexpr std::array kVerbs{
              "FILE [OFFSET] | ADDRESS PATH",
              "What a byte of a file carries, or which bytes a parameter",
              VerbGroup::files,
-             kLibrary,
+             kLibraryAndParameters,
              {{{"bda explain dump.syx 0x1F4", "one byte; all without offset"},
                {"bda explain voice:user1:6 'voice.common[3]'", "where a parameter travels"}}}},
     VerbHelp{"salvage",
@@ -55,7 +56,7 @@ constexpr std::array kVerbs{
              "ADDRESS...",
              "Ask the library's instrument for dumps, as .syx",
              VerbGroup::receiving,
-             kLibraryAndNames,
+             kLibraryAndLists,
              {{{"bda request voice:user1:6 -o voice.syx", "one voice, from header to footer"},
                {"bda request system -o system.syx", "all system blocks"}}}},
     VerbHelp{"screen",
@@ -76,14 +77,14 @@ constexpr std::array kVerbs{
              "[TERM...]",
              "Contents by name, kind, parameters or likeness",
              VerbGroup::library,
-             kLibrary,
+             kLibraryAndParameters,
              {{{"bda find piano --favourite", "by a part of the name"},
                {"bda find --like voice:user1:6 --in dumps", "the nearest in a folder first"}}}},
     VerbHelp{"show",
              "TARGET...",
              "The parameters of targets",
              VerbGroup::library,
-             kLibrary,
+             kLibraryAndParameters,
              {{{"bda show voice:user1:6", "one line for each group of parameters"},
                {"bda show system --json > system.json", "as apply takes it"}}}},
     VerbHelp{"apply",
@@ -180,7 +181,7 @@ constexpr std::array kVerbs{
              "A B",
              "What two libraries or message files do not have in common",
              VerbGroup::library,
-             kNoLibrary,
+             kLibraryAndParameters,
              {{{"bda diff library.db backup.syx", "what changed since"},
                {"bda diff monday.db friday.db", "two libraries"}}}},
     VerbHelp{

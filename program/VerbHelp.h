@@ -23,7 +23,7 @@ struct Example {
 // Which of the common options a verb heeds, beside --help and --quiet.
 struct Heeds {
   bool library = false;
-  bool names = false;
+  enum class Names : std::uint8_t { none, lists, parameters } names = Names::none;  // of the file of names
   bool verbose = false;
 };
 

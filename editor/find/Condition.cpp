@@ -71,10 +71,19 @@ const ValueField* findField(const std::vector<ValueField>& fields, std::string_v
   return found == fields.end() ? nullptr : &*found;
 }
 
-// Says what may have been meant by a path that no kind has.
-[[noreturn]] void failToFind(const std::string& path) {
+// Where the value of a path stands among those of its kind; nothing: there is no such path.
+std::optional<std::size_t> placeIn(const std::vector<ValueField>& fields, const std::string& path) {
+  const std::optional<IndexedPath> indexed = splitParameterPath(path);
+  const ValueField* const field = findField(fields, indexed ? indexed->group : path);
+  if (field == nullptr || field->isName == indexed.has_value()) return std::nullopt;
+  if (indexed && indexed->index >= field->count) return std::nullopt;
+  return field->first + (indexed ? indexed->index : 0);
+}
+
+// Says what may have been meant by a path or name that no kind has.
+[[noreturn]] void failToFind(const std::string& path, const ParameterNames& names) {
   const std::vector<ValueField> fields = allFields();
-  const std::optional<IndexedPath> indexed = splitValuePath(path);
+  const std::optional<IndexedPath> indexed = splitParameterPath(path);
   const std::string group(indexed ? indexed->group : path);
   if (const ValueField* const field = findField(fields, group); field != nullptr && !field->isName)
     throw std::invalid_argument(fmt::format("\"{}\": expected {}[0] to {}[{}]", path, group, group, field->count - 1));
@@ -83,7 +92,7 @@ const ValueField* findField(const std::vector<ValueField>& fields, std::string_v
   for (const ValueField& field : fields) paths.push_back(field.path);
   const std::string meant = nearest(group, paths);
   const ValueField* const field = meant.empty() ? nullptr : findField(fields, meant);
-  std::string hint;
+  std::string hint = didYouMean(path, names.all());
   if (field != nullptr)
     hint = field->isName
                ? fmt::format(": did you mean {}?", meant)
@@ -91,23 +100,21 @@ const ValueField* findField(const std::vector<ValueField>& fields, std::string_v
   throw std::invalid_argument(fmt::format("\"{}\": no content has such a parameter{}", path, hint));
 }
 
-std::int64_t parseNumber(const Words& words) {
+std::optional<std::int64_t> parseNumber(const std::string& text) {
   std::int64_t number = 0;
-  const char* const end = words.value.data() + words.value.size();
-  const auto [stop, error] = std::from_chars(words.value.data(), end, number);
-  if (error != std::errc() || stop != end)
-    throw std::invalid_argument(fmt::format("\"{}\": {} is a number: expected an integer", words.value, words.path));
-  return number;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
 }
 
 }  // namespace
 
-Condition::Condition(const std::string& text) {
+Condition::Condition(const std::string& text, const ParameterNames& names) {
   const Words words = split(text);
-  findPlaces(words.path);
+  findPlaces(words.path, names);
   compare_ = words.comparison->holds;
   if (!isOfName_) {
-    number_ = parseNumber(words);
+    setNumbers(words.path, words.value, names);
   } else if (words.comparison->isOfNames) {
     name_ = utf8ToLatin1(words.value);
   } else {
@@ -115,26 +122,52 @@ Condition::Condition(const std::string& text) {
   }
 }
 
-void Condition::findPlaces(const std::string& path) {
-  const std::optional<IndexedPath> indexed = splitValuePath(path);
+void Condition::findPlaces(const std::string& word, const ParameterNames& names) {
   bool isFound = false;
   for (std::size_t kind = 0; kind < kContentKinds; ++kind) {
     const std::vector<ValueField> fields = valueFieldsOf(emptySetFor(ContentKind(kind)));
-    const ValueField* const field = findField(fields, indexed ? indexed->group : path);
-    if (field == nullptr || field->isName == indexed.has_value()) continue;
-    if (indexed && indexed->index >= field->count) continue;
-    places_[kind] = Place{field->isName, field->first + (indexed ? indexed->index : 0)};
-    isOfName_ = field->isName;
+    const std::string path =
+        names.pathOf(word, [&](const std::string& one) { return placeIn(fields, one).has_value(); });
+    const std::optional<std::size_t> at = placeIn(fields, path);
+    if (!at) continue;
+    isOfName_ = path.back() != ']';
+    places_[kind] = Place{path, isOfName_, *at};
     isFound = true;
   }
-  if (!isFound) failToFind(path);
+  if (!isFound) failToFind(word, names);
+}
+
+// A value's name may stand for another number in each kind, and for none in some, of which none fits then.
+void Condition::setNumbers(const std::string& word, const std::string& value, const ParameterNames& names) {
+  const std::optional<std::int64_t> number = parseNumber(value);
+  bool isFound = false;
+  for (std::optional<Place>& place : places_) {
+    if (!place) continue;
+    const std::vector<std::int64_t> called =
+        number ? std::vector<std::int64_t>{*number} : names.valuesOf(place->path, value);
+    if (called.size() > 1)
+      throw std::invalid_argument(fmt::format("\"{}\" is the name of {} of {}: a number says which", value,
+                                              fmt::join(called, ", "), place->path));
+    isFound = isFound || !called.empty();
+    if (called.empty())
+      place.reset();
+    else
+      place->number = called.front();
+  }
+  if (!isFound) throw std::invalid_argument(fmt::format("\"{}\": {} is a number: expected an integer", value, word));
 }
 
 bool Condition::holds(ContentKind kind, const ModelValues& values) const {
   const std::optional<Place>& place = places_[std::size_t(kind)];
   if (!place) return false;
-  if (!place->isName) return compare_(values.numbers[place->at], number_);
+  if (!place->isName) return compare_(values.numbers[place->at], place->number);
   return compare_(std::int64_t(name_ == values.names[place->at]), 1);
+}
+
+Condition::Asked Condition::asked(ContentKind kind, const ModelValues& values) const {
+  const Place& place = *places_[std::size_t(kind)];
+  if (place.isName) return {place.path, values.names[place.at]};
+  return {place.path, std::int64_t(values.numbers[place.at])};
 }
 
 }  // namespace Editor

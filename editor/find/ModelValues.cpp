@@ -1,6 +1,5 @@
 #include "find/ModelValues.h"
 
-#include <charconv>
 #include <functional>
 #include <numeric>
 #include <utility>
@@ -85,16 +84,6 @@ std::vector<ValueField> valueFieldsOf(const ModelSet& shape) {
     visitFields(model, lister);
   });
   return std::move(lister.fields);
-}
-
-std::optional<IndexedPath> splitValuePath(std::string_view path) {
-  const std::size_t open = path.rfind('[');
-  if (open == std::string_view::npos || path.back() != ']') return std::nullopt;
-  std::size_t index = 0;
-  const char* const end = path.data() + path.size() - 1;
-  const auto [stop, error] = std::from_chars(path.data() + open + 1, end, index);
-  if (error != std::errc() || stop != end) return std::nullopt;
-  return IndexedPath{path.substr(0, open), index};
 }
 
 }  // namespace Editor

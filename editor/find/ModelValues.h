@@ -2,9 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "models/ModelSet.h"
@@ -31,12 +29,5 @@ struct ValueField {
   std::size_t count;
 };
 std::vector<ValueField> valueFieldsOf(const ModelSet& shape);
-
-// "voice.common[3]" is number 3 of "voice.common"; nothing: the path ends with no index.
-struct IndexedPath {
-  std::string_view group;
-  std::size_t index;
-};
-std::optional<IndexedPath> splitValuePath(std::string_view path);
 
 }  // namespace Editor

@@ -59,6 +59,11 @@ void Search::look(const Source& source, Candidate candidate) {
   Found found;
   found.source = source.name;
   if (like_ && !(found.likeness = likenessTo(*like_, opened))) return;
+  for (const Condition& condition : wanted_.conditions) {
+    Condition::Asked asked = condition.asked(candidate.kind, *opened.values());
+    const auto isSame = [&](const Condition::Asked& other) { return other.path == asked.path; };
+    if (std::none_of(found.asked.begin(), found.asked.end(), isSame)) found.asked.push_back(std::move(asked));
+  }
   if (wanted_.hashes) found.hash = fingerprintOf(opened.nameless()).hash;
   if (wanted_.duplicates) {
     const std::vector<std::uint8_t>& bytes = opened.nameless().bytes;

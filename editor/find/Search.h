@@ -29,10 +29,11 @@ struct Wanted {
 
 struct Found {
   std::string source;
-  Candidate content;                   // without its bytes
-  std::string hash;                    // where hashes are wanted, as Fingerprint has it
-  std::optional<std::uint64_t> group;  // of duplicates: from 1
-  std::optional<double> likeness;      // to what it shall be like: the share of equal numbers, 0 to 1
+  Candidate content;                    // without its bytes
+  std::string hash;                     // where hashes are wanted, as Fingerprint has it
+  std::optional<std::uint64_t> group;   // of duplicates: from 1
+  std::optional<double> likeness;       // to what it shall be like: the share of equal numbers, 0 to 1
+  std::vector<Condition::Asked> asked;  // what its conditions looked at, each once
 };
 
 // Looks at candidates, one after the other. Names are looked at first: what they rule out costs no models.

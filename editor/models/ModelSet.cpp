@@ -1,5 +1,6 @@
 #include "models/ModelSet.h"
 
+#include <charconv>
 #include <unordered_map>
 
 namespace Editor {
@@ -169,6 +170,16 @@ std::vector<ModelField> fieldsOf(const ModelSet& set) {
 
 std::string parameterPath(const ModelField& group, std::size_t index) {
   return group.path + '[' + std::to_string(index) + ']';
+}
+
+std::optional<IndexedPath> splitParameterPath(std::string_view path) {
+  const std::size_t open = path.rfind('[');
+  if (open == std::string_view::npos || path.back() != ']') return std::nullopt;
+  std::size_t index = 0;
+  const char* const end = path.data() + path.size() - 1;
+  const auto [stop, error] = std::from_chars(path.data() + open + 1, end, index);
+  if (error != std::errc() || stop != end) return std::nullopt;
+  return IndexedPath{path.substr(0, open), index};
 }
 
 }  // namespace Editor

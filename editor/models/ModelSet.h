@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -97,5 +98,12 @@ std::vector<ModelField> fieldsOf(const ModelSet& set);
 
 // "voice.common[3]"
 std::string parameterPath(const ModelField& group, std::size_t index);
+
+// The other way round: parameter 3 of the group "voice.common". Nothing: the path ends with no index.
+struct IndexedPath {
+  std::string_view group;
+  std::size_t index;
+};
+std::optional<IndexedPath> splitParameterPath(std::string_view path);
 
 }  // namespace Editor

@@ -7,6 +7,7 @@
 #include "messages/Text.h"
 #include "midi/Hex.h"
 #include "models/Latin1.h"
+#include "output/NamedValues.h"
 
 namespace Editor {
 
@@ -14,15 +15,16 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string valuesOf(const ParameterDifference& parameter) {
-  return fmt::format("{} | {}", showValue(parameter.a), showValue(parameter.b));
+std::string valuesOf(const ParameterDifference& parameter, const ParameterNames& names = {}) {
+  return fmt::format("{} | {}", showValue(parameter.path, parameter.a, names),
+                     showValue(parameter.path, parameter.b, names));
 }
 
-std::string lineOf(const ParameterDifference& parameter) {
+std::string lineOf(const ParameterDifference& parameter, const ParameterNames& names) {
   using Bytes = std::vector<std::uint8_t>;
   if (const auto* const bytes = std::get_if<Bytes>(&parameter.a))
     return fmt::format("opaque bytes differ: {} | {} bytes", bytes->size(), std::get<Bytes>(parameter.b).size());
-  return fmt::format("{}: {}", parameter.path, valuesOf(parameter));
+  return fmt::format("{}: {}", showPath(parameter.path, names), valuesOf(parameter, names));
 }
 
 struct ToJson {
@@ -31,9 +33,20 @@ struct ToJson {
   Json operator()(const std::vector<std::uint8_t>& bytes) const { return formatHex(bytes); }
 };
 
-std::string toLine(const std::string& content, const Json& path, const Json& a, const Json& b) {
-  const Json line{{"content", content}, {"path", path}, {"a", a}, {"b", b}};
-  return line.dump(-1, ' ', true);  // a terminal would obey U+0080 to U+009F
+std::string toLine(const Json& line) { return line.dump(-1, ' ', true); }  // a terminal would obey U+0080 to U+009F
+
+Json jsonOf(const std::string& content, const Json& path, const Json& a, const Json& b) {
+  return {{"content", content}, {"path", path}, {"a", a}, {"b", b}};
+}
+
+Json jsonOf(const std::string& content, const ParameterDifference& parameter, const ParameterNames& names) {
+  const std::string& path = parameter.path;
+  Json json = jsonOf(content, path, std::visit(ToJson(), parameter.a), std::visit(ToJson(), parameter.b));
+  for (const auto& [key, name] : {std::pair("name", names.nameOf(path)),
+                                  {"aName", names.nameOf(path, parameter.a)},
+                                  {"bName", names.nameOf(path, parameter.b)}})
+    if (!name.empty()) json[key] = name;
+  return json;
 }
 
 }  // namespace
@@ -44,10 +57,10 @@ std::string namesOf(const Difference& difference) {
   return names;
 }
 
-std::vector<std::string> detailsOf(const Difference& difference) {
+std::vector<std::string> detailsOf(const Difference& difference, const ParameterNames& names) {
   std::vector<std::string> details;
   if (!difference.names.empty()) details.push_back("name: " + namesOf(difference));
-  for (const ParameterDifference& parameter : difference.parameters) details.push_back(lineOf(parameter));
+  for (const ParameterDifference& parameter : difference.parameters) details.push_back(lineOf(parameter, names));
   return details;
 }
 
@@ -55,15 +68,16 @@ std::string contentOf(const Difference& difference) {
   return fmt::format("\"{}\"{}", showName(difference.name), difference.favourite == 0 ? "" : ", a favourite");
 }
 
-std::vector<std::string> jsonOf(const Difference& difference) {
+std::vector<std::string> jsonOf(const Difference& difference, const ParameterNames& names) {
   const Json name = latin1ToUtf8(difference.name);
-  if (difference.kind == Difference::Kind::onlyInFirst) return {toLine(difference.target, nullptr, name, nullptr)};
-  if (difference.kind == Difference::Kind::onlyInSecond) return {toLine(difference.target, nullptr, nullptr, name)};
+  if (difference.kind == Difference::Kind::onlyInFirst)
+    return {toLine(jsonOf(difference.target, nullptr, name, nullptr))};
+  if (difference.kind == Difference::Kind::onlyInSecond)
+    return {toLine(jsonOf(difference.target, nullptr, nullptr, name))};
   std::vector<std::string> lines;
   for (const auto* const group : {&difference.names, &difference.parameters})
     for (const ParameterDifference& parameter : *group)
-      lines.push_back(toLine(difference.target, parameter.path, std::visit(ToJson(), parameter.a),
-                             std::visit(ToJson(), parameter.b)));
+      lines.push_back(toLine(jsonOf(difference.target, parameter, names)));
   return lines;
 }
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "compare/Compare.h"
+#include "names/ParameterNames.h"
 
 namespace Editor {
 
@@ -12,12 +13,12 @@ namespace Editor {
 // "\"Old\" | \"New\"", and behind it the name inside the models where that is another one.
 std::string namesOf(const Difference& difference);
 // What differs in a thing that both have, its name first, a line each: "voice.common[3]: 1 | 2", "favourite: 0 | 1".
-std::vector<std::string> detailsOf(const Difference& difference);
+std::vector<std::string> detailsOf(const Difference& difference, const ParameterNames& names = {});
 // A content that only one has: "\"Piano\", a favourite".
 std::string contentOf(const Difference& difference);
 
 // One object a line: one for each detail, or the one of a content that only one has.
-std::vector<std::string> jsonOf(const Difference& difference);
+std::vector<std::string> jsonOf(const Difference& difference, const ParameterNames& names);
 // Contents are counted, nothing else.
 std::string jsonOf(const Comparison& comparison);
 

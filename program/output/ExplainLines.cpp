@@ -7,6 +7,7 @@
 #include "messages/Text.h"
 #include "midi/Hex.h"
 #include "models/Latin1.h"
+#include "output/NamedValues.h"
 
 namespace Editor {
 
@@ -20,6 +21,17 @@ std::string toLine(const Json& json) { return json.dump(-1, ' ', true, Json::err
 Json toJson(const ParameterValue& value) {
   if (const auto* const text = std::get_if<std::string>(&value)) return latin1ToUtf8(*text);
   return std::get<std::int64_t>(value);
+}
+
+Json toJson(const CarriedParameter& parameter, const ParameterNames& names) {
+  Json json{{"path", parameter.path}};
+  if (std::string name = names.nameOf(parameter.path); !name.empty()) json["name"] = std::move(name);
+  json["bits"] = parameter.bits;
+  json["how"] = parameter.how;
+  json["value"] = toJson(parameter.value);
+  if (std::string name = names.nameOf(parameter.path, parameter.value); !name.empty())
+    json["valueName"] = std::move(name);
+  return json;
 }
 
 Json toJson(const PackedBytes& bytes) {
@@ -47,13 +59,17 @@ std::string packedWords(const ByteMeaning& meaning) {
 // Puts what bytes mean into few words: "frame, maker", "voice.common[5-12], unused 39".
 class Words {
  public:
+  explicit Words(const ParameterNames& names) : names_(names) {}
+
   void add(const ByteMeaning& meaning) {
     if (meaning.content) return addPacked(meaning);
     if (!meaning.dataByte) return add(meaning.reason.empty() ? wordsOf(meaning.part) : meaning.reason);
     if (meaning.parameters.empty()) return add(meaning.unused ? "unused " : "data ", *meaning.dataByte);
     for (const CarriedParameter& parameter : meaning.parameters) {
       const std::size_t number = parameter.path.rfind('[') + 1;
-      if (parameter.path.back() == ']')
+      if (!names_.nameOf(parameter.path).empty())
+        add(showPath(parameter.path, names_));
+      else if (parameter.path.back() == ']')
         add(parameter.path.substr(0, number), std::stoul(parameter.path.substr(number)), "]");
       else
         add(parameter.path);
@@ -104,12 +120,14 @@ class Words {
       runs_.push_back({before, after, true, number, number});
   }
 
+  const ParameterNames& names_;
   std::vector<Run> runs_;
 };
 
 }  // namespace
 
-std::string jsonOf(const std::string& file, const MessageFile::Byte& byte, const ByteMeaning& meaning) {
+std::string jsonOf(const std::string& file, const MessageFile::Byte& byte, const ByteMeaning& meaning,
+                   const ParameterNames& names) {
   Json json{{"file", file}, {"offset", byte.offset}, {"byte", byte.value}};
   if (meaning.message != MessageFile::kNone) json["message"] = meaning.message;
   if (meaning.address) {
@@ -121,11 +139,7 @@ std::string jsonOf(const std::string& file, const MessageFile::Byte& byte, const
   if (meaning.device && meaning.part == Part::device) json["device"] = *meaning.device;
   if (meaning.dataByte) json["dataByte"] = *meaning.dataByte;
   json["parameters"] = Json::array();
-  for (const CarriedParameter& parameter : meaning.parameters)
-    json["parameters"].push_back({{"path", parameter.path},
-                                  {"bits", parameter.bits},
-                                  {"how", parameter.how},
-                                  {"value", toJson(parameter.value)}});
+  for (const CarriedParameter& parameter : meaning.parameters) json["parameters"].push_back(toJson(parameter, names));
   if (meaning.unused) json["unused"] = *meaning.unused;
   if (meaning.content) json["content"] = nameOf(*meaning.content);
   if (meaning.contentBytes) json["contentByte"] = toJson(*meaning.contentBytes);
@@ -134,7 +148,7 @@ std::string jsonOf(const std::string& file, const MessageFile::Byte& byte, const
   return toLine(json);
 }
 
-std::string textOf(const MessageFile::Byte& byte, const ByteMeaning& meaning) {
+std::string textOf(const MessageFile::Byte& byte, const ByteMeaning& meaning, const ParameterNames& names) {
   std::string text = fmt::format(
       "offset {} ({:#x}): {:02X}, {}", byte.offset, byte.offset, byte.value,
       meaning.dataByte ? fmt::format("data byte {}", *meaning.dataByte) : std::string(wordsOf(meaning.part)));
@@ -144,8 +158,8 @@ std::string textOf(const MessageFile::Byte& byte, const ByteMeaning& meaning) {
   text += '\n' + headingOf(meaning) + '\n';
   if (meaning.content) text += packedWords(meaning) + '\n';
   for (const CarriedParameter& parameter : meaning.parameters)
-    text += fmt::format("{} = {}: bits {:02X}: {}\n", parameter.path, showValue(parameter.value), parameter.bits,
-                        parameter.how);
+    text += fmt::format("{} = {}: bits {:02X}: {}\n", showPath(parameter.path, names),
+                        showValue(parameter.path, parameter.value, names), parameter.bits, parameter.how);
   if (meaning.unused && *meaning.unused != 0)
     text += fmt::format("bits {:02X}: a gap, they carry nothing\n", *meaning.unused);
   return text;
@@ -174,9 +188,9 @@ std::string headingOf(const ByteMeaning& meaning) {
   return heading;
 }
 
-std::string lineOf(std::span<const ExplainedByte> bytes) {
+std::string lineOf(std::span<const ExplainedByte> bytes, const ParameterNames& names) {
   std::vector<std::uint8_t> values;
-  Words words;
+  Words words(names);
   for (const ExplainedByte& one : bytes) {
     values.push_back(one.byte->value);
     words.add(one.meaning);

@@ -6,13 +6,15 @@
 #include <vector>
 
 #include "explain/Explain.h"
+#include "names/ParameterNames.h"
 
 namespace Editor {
 
 // What a byte of a file is, as JSON and for people. `file` as it was named.
-std::string jsonOf(const std::string& file, const MessageFile::Byte& byte, const ByteMeaning& meaning);
+std::string jsonOf(const std::string& file, const MessageFile::Byte& byte, const ByteMeaning& meaning,
+                   const ParameterNames& names);
 // One line or more, each with its end.
-std::string textOf(const MessageFile::Byte& byte, const ByteMeaning& meaning);
+std::string textOf(const MessageFile::Byte& byte, const ByteMeaning& meaning, const ParameterNames& names);
 
 // Where a parameter travels.
 std::string jsonOf(const CarryingByte& byte);
@@ -26,6 +28,6 @@ struct ExplainedByte {
 // The heading of a message: "message 7: dump of element 3 oscillator (41 02 00)"; of none: "in no message".
 std::string headingOf(const ByteMeaning& meaning);
 // Some bytes of one message, or of none, that follow each other: where they are, what they are in hex, what they mean.
-std::string lineOf(std::span<const ExplainedByte> bytes);
+std::string lineOf(std::span<const ExplainedByte> bytes, const ParameterNames& names);
 
 }  // namespace Editor

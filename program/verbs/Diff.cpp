@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "compare/Compare.h"
 #include "input/FileEditor.h"
@@ -20,12 +21,17 @@ namespace {
 // Says what differs, in one of three forms.
 class Telling {
  public:
-  Telling(const std::string& firstPath, const std::string& secondPath, DiffForm form, Console& console)
-      : first_(escape(firstPath)), second_(escape(secondPath)), form_(form), console_(console) {}
+  Telling(const std::string& firstPath, const std::string& secondPath, DiffForm form, ParameterNames names,
+          Console& console)
+      : first_(escape(firstPath)),
+        second_(escape(secondPath)),
+        form_(form),
+        names_(std::move(names)),
+        console_(console) {}
 
   void tell(const Difference& difference) const {
     if (form_ != DiffForm::json) return tellInWords(difference);
-    for (const std::string& line : jsonOf(difference)) console_.line(line);
+    for (const std::string& line : jsonOf(difference, names_)) console_.line(line);
   }
 
   // `isAll`: nothing that a file holds is missing from the comparison.
@@ -55,13 +61,14 @@ class Telling {
         return line("renamed: " + namesOf(difference));
       case Difference::Kind::different:
         if (form_ == DiffForm::brief) return line("different");
-        for (const std::string& detail : detailsOf(difference)) line(detail);
+        for (const std::string& detail : detailsOf(difference, names_)) line(detail);
     }
   }
 
   const std::string first_;
   const std::string second_;
   const DiffForm form_;
+  const ParameterNames names_;
   Console& console_;
 };
 
@@ -75,6 +82,10 @@ void diff(const std::string& firstPath, const std::string& secondPath, DiffForm 
   const auto read = [&](const std::string& path) {
     return isLibrary(path) ? std::nullopt : std::optional<InputFile>(path);
   };
+  std::vector<std::string> libraries;
+  for (const std::string& path : {firstPath, secondPath})
+    if (isLibrary(path)) libraries.push_back(path);
+  ParameterNames names = program.parameterNames(std::move(libraries));
   const std::optional<InputFile> firstInput = read(firstPath);
   const std::optional<InputFile> secondInput = read(secondPath);
   const auto open = [&](const std::string& path, const std::optional<InputFile>& input) {
@@ -85,7 +96,7 @@ void diff(const std::string& firstPath, const std::string& secondPath, DiffForm 
   const EmbeddedEditor::View firstState(*first);
   const EmbeddedEditor::View secondState(*second);
   const Reception reception = firstInput || secondInput ? Reception::ignored : Reception::compared;
-  const Telling telling(firstPath, secondPath, form, program.console);
+  const Telling telling(firstPath, secondPath, form, std::move(names), program.console);
   const Comparison comparison =
       compareLibraries(*first, *second, reception, [&](const Difference& difference) { telling.tell(difference); });
   telling.summarise(comparison, program.exitCode() == kAllGood);

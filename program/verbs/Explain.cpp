@@ -53,7 +53,8 @@ MessageFile loadMessages(const std::string& path) {
   return file;
 }
 
-void explainOffset(const std::string& path, std::uint64_t offset, bool json, Console& console) {
+void explainOffset(const std::string& path, std::uint64_t offset, bool json, Program& program) {
+  const ParameterNames names = program.parameterNames();
   const MessageFile file = loadMessages(path);
   if (offset >= file.size())
     throw Failure(kUnusableInput, fmt::format("{}: offset {} lies behind the end: it has {}", displayName(path), offset,
@@ -63,20 +64,20 @@ void explainOffset(const std::string& path, std::uint64_t offset, bool json, Con
   const MessageFile::Byte& byte = found != nullptr ? *found : between;
   const ByteMeaning meaning = FileExplainer(file).explain(byte);
   if (json)
-    console.line(jsonOf(path, byte, meaning));
+    program.console.line(jsonOf(path, byte, meaning, names));
   else
-    console.text(textOf(byte, meaning));
+    program.console.text(textOf(byte, meaning, names));
 }
 
 // Sixteen bytes a line, fewer where a message ends, under a heading for each.
-void annotate(const MessageFile& file, Console& console) {
+void annotate(const MessageFile& file, const ParameterNames& names, Console& console) {
   constexpr std::size_t kBytesOfLine = 16;
   FileExplainer explainer(file);
   std::vector<ExplainedByte> line;
   std::uint32_t message = MessageFile::kNone;
   bool isFirst = true;
   const auto end = [&] {
-    if (!line.empty()) console.line(lineOf(line));
+    if (!line.empty()) console.line(lineOf(line, names));
     line.clear();
   };
   for (const MessageFile::Byte& byte : file.bytes()) {
@@ -91,14 +92,15 @@ void annotate(const MessageFile& file, Console& console) {
   end();
 }
 
-void explainFile(const std::string& path, bool json, Console& console) {
+void explainFile(const std::string& path, bool json, Program& program) {
+  const ParameterNames names = program.parameterNames();
   const MessageFile file = loadMessages(path);
   const Interruptible interruptible;
-  if (!json) return annotate(file, console);
+  if (!json) return annotate(file, names, program.console);
   FileExplainer explainer(file);
   for (const MessageFile::Byte& byte : file.bytes()) {
     Interruptible::check();
-    console.line(jsonOf(path, byte, explainer.explain(byte)));
+    program.console.line(jsonOf(path, byte, explainer.explain(byte), names));
   }
 }
 
@@ -120,15 +122,20 @@ std::vector<std::vector<std::uint8_t>> dumpsOf(const std::vector<BulkAddress>& p
   return dumps;
 }
 
-void explainParameter(const std::string& word, const std::string& path, bool json, Program& program) {
+void explainParameter(const std::string& word, const std::string& parameter, bool json, Program& program) {
   const Places<BulkAddress> places = parsePlaces(word);
   if (!places.isOne && word != "system")
     throw Failure(kWrongUsage, fmt::format("{}: expected one place, not a bank or a range", places.name));
-  const std::vector<std::string> paths = pathsOf(places.list);
+  std::vector<std::string> paths = pathsOf(places.list);
   if (paths.empty()) throw Failure(kRefused, fmt::format("{}: it is not made of parameters", places.name));
-  if (std::find(paths.begin(), paths.end(), path) == paths.end())
-    throw Failure(kWrongUsage,
-                  fmt::format("{}: it has no parameter \"{}\"{}", places.name, escape(path), didYouMean(path, paths)));
+  const ParameterNames names = program.parameterNames();
+  const std::string path = names.pathOf(
+      parameter, [&](const std::string& one) { return std::find(paths.begin(), paths.end(), one) != paths.end(); });
+  if (path.empty()) {
+    std::ranges::move(names.all(), std::back_inserter(paths));
+    throw Failure(kWrongUsage, fmt::format("{}: it has no parameter \"{}\"{}", places.name, escape(parameter),
+                                           didYouMean(parameter, paths)));
+  }
   const std::vector<std::vector<std::uint8_t>> dumps = dumpsOf(places.list, program);
   const std::vector<CarryingByte> bytes = bytesByPath(dumps)[path];
   for (const CarryingByte& byte : bytes) program.console.line(json ? jsonOf(byte) : lineOf(byte));
@@ -148,10 +155,10 @@ void explain(const Words& words, bool json, Program& program) {
       throw Failure(kWrongUsage, fmt::format("{}: an address needs the path of a parameter, such as voice.common[3]; "
                                              "a file of that name is ./{}",
                                              escape(first), escape(first)));
-    return explainFile(first, json, program.console);
+    return explainFile(first, json, program);
   }
   if (const std::optional<std::uint64_t> offset = parseOffset(joined[1]))
-    return explainOffset(first, *offset, json, program.console);
+    return explainOffset(first, *offset, json, program);
   explainParameter(first, joined[1], json, program);
 }
 

@@ -42,11 +42,12 @@ class Finding {
         program_(program),
         console_(program.console),
         complaints_(program.console),
-        buffers_(options.editBuffers ? EditBuffers::included : EditBuffers::leftOut) {
+        buffers_(options.editBuffers ? EditBuffers::included : EditBuffers::leftOut),
+        names_(program.parameterNames()) {
     // What is used wrongly is told before anything is opened.
     for (const std::string& term : terms) wanted_.names.emplace_back(term);
     wanted_.kind = parseKind(options.kind);
-    for (const std::string& condition : options.conditions) wanted_.conditions.emplace_back(condition);
+    for (const std::string& condition : options.conditions) wanted_.conditions.emplace_back(condition, names_);
     wanted_.onlyFavourites = options.favourite;
     wanted_.duplicates = options.duplicates;
     wanted_.hashes = options.json;
@@ -148,12 +149,12 @@ class Finding {
   }
 
   void tell(const Found& found) {
-    if (options_.json) return console_.line(jsonOf(found));
+    if (options_.json) return console_.line(jsonOf(found, names_));
     if (found.group && *found.group != group_) {
       group_ = *found.group;
       console_.line(fmt::format("group {}:", group_));
     }
-    console_.line((found.group ? "  " : "") + lineOf(found, !options_.sources.empty()));
+    console_.line((found.group ? "  " : "") + lineOf(found, !options_.sources.empty(), names_));
   }
 
   void summarise(std::uint64_t found) {
@@ -170,6 +171,7 @@ class Finding {
   Console& console_;
   Complaints complaints_;
   const EditBuffers buffers_;
+  const ParameterNames names_;
   Wanted wanted_;
   Sources sources_;
   std::unique_ptr<EmbeddedEditor> library_;

@@ -9,6 +9,7 @@
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "models/ModelJson.h"
+#include "output/NamedValues.h"
 #include "targets/TargetModels.h"
 #include "verbs/Verbs.h"
 
@@ -16,13 +17,20 @@ namespace Editor {
 
 namespace {
 
-// Prints one line for each group and name: its path and its values.
+// Prints one line for each group and name, its path and its values; below a group each parameter that has a name.
 class Lines {
  public:
-  Lines(Console& console, std::string path) : console_(console), path_(std::move(path)) {}
+  Lines(std::string path, const ParameterNames& names, Console& console)
+      : path_(std::move(path)), names_(names), console_(console) {}
 
   void group(const char* key, const ArrayGroup& group) {
     console_.line(fmt::format("{}.{}: {}", path_, key, fmt::join(group.values(), " ")));
+    for (std::size_t i = 0; i < group.values().size(); ++i) {
+      const std::string path = fmt::format("{}.{}[{}]", path_, key, i);
+      const std::int64_t value = group.values()[i];
+      if (!names_.nameOf(path).empty() || !names_.nameOf(path, value).empty())
+        console_.line(fmt::format("  {}: {}", showPath(path, names_), showValue(path, value, names_)));
+    }
   }
   void name(const char* key, const NameText& name) {
     console_.line(fmt::format("{}.{}: \"{}\"", path_, key, showName(name.text())));
@@ -38,22 +46,29 @@ class Lines {
   }
 
  private:
-  Console& console_;
   std::string path_;
+  const ParameterNames& names_;
+  Console& console_;
 };
 
-void printLines(const ModelSet& models, Console& console) {
+void printLines(const ModelSet& models, const ParameterNames& names, Console& console) {
   forEachModel(models, [&](const char* key, const auto& model) {
-    Lines lines(console, key);
+    Lines lines(key, names, console);
     visitFields(model, lines);
   });
 }
 
+// What all targets are printed by.
+struct Form {
+  bool json;
+  ParameterNames names;
+};
+
 // `heading` says which target it is, where there are several.
-void print(const ModelSet& models, const std::optional<std::string>& heading, bool json, Console& console) {
-  if (!json) {
+void print(const ModelSet& models, const std::optional<std::string>& heading, const Form& form, Console& console) {
+  if (!form.json) {
     if (heading) console.line(*heading + ":");
-    printLines(models, console);
+    printLines(models, form.names, console);
     return;
   }
   nlohmann::ordered_json object;
@@ -64,7 +79,7 @@ void print(const ModelSet& models, const std::optional<std::string>& heading, bo
 
 // Shows the targets of one word; what cannot be shown is told, and keeps none from the others. Empty places of a bank
 // or a range are left out.
-void showAll(const Places<Target>& places, bool json, EmbeddedEditor& editor, Program& program) {
+void showAll(const Places<Target>& places, const Form& form, EmbeddedEditor& editor, Program& program) {
   std::size_t leftOut = 0;
   for (const Target& target : places.list) {
     const bool isContent = target.kind == Target::Kind::content;
@@ -73,7 +88,7 @@ void showAll(const Places<Target>& places, bool json, EmbeddedEditor& editor, Pr
       continue;
     }
     try {
-      print(loadTarget(editor, target), target.name, json, program.console);
+      print(loadTarget(editor, target), target.name, form, program.console);
     } catch (const TargetError& error) {
       program.console.problem(fmt::format("bda: {}", error.what()));
       program.refuse();
@@ -108,16 +123,17 @@ void keepWhatIsStored(std::vector<Places<Target>>& asked, EmbeddedEditor& editor
 void show(const Words& words, const ShowOptions& options, Program& program) {
   std::vector<Places<Target>> asked;
   for (const std::string& word : joinAddresses(words)) asked.push_back(parseTargets(word));
+  const Form form{options.json, program.parameterNames()};
   const bool isOfFile = !options.from.empty();
   const std::unique_ptr<EmbeddedEditor> editor =
       isOfFile ? editorOf(InputFile(options.from), "show", program) : program.openToRead();
   const EmbeddedEditor::View oneState(*editor);
   if (isOfFile) keepWhatIsStored(asked, *editor, displayName(options.from));
   if (asked.size() == 1 && asked.front().isOne) {
-    print(loadTarget(*editor, asked.front().list.front()), std::nullopt, options.json, program.console);
+    print(loadTarget(*editor, asked.front().list.front()), std::nullopt, form, program.console);
     return;
   }
-  for (const Places<Target>& places : asked) showAll(places, options.json, *editor, program);
+  for (const Places<Target>& places : asked) showAll(places, form, *editor, program);
 }
 
 }  // namespace Editor

@@ -224,7 +224,7 @@ TEST_F(Completion, makesNoLibraryAndTellsNoErrors) {
 }
 
 TEST_F(Completion, bashCompletesOnTheTerminal) {
-  if (!isHere("bash")) GTEST_SKIP() << "bash is not installed";
+  ASSERT_TRUE(isHere("bash")) << "bash is not installed";
   storeVoice();
   write("dump.syx", "");
   Shell shell({"bash", "--norc", "--noprofile", "-i"}, directory, libraryFile(),
@@ -238,7 +238,7 @@ TEST_F(Completion, bashCompletesOnTheTerminal) {
 }
 
 TEST_F(Completion, zshCompletesOnTheTerminal) {
-  if (!isHere("zsh")) GTEST_SKIP() << "zsh is not installed";
+  ASSERT_TRUE(isHere("zsh")) << "zsh is not installed";
   storeVoice();
   write("dump.syx", "");
   Shell shell({"zsh", "-f", "-i"}, directory, libraryFile(),

@@ -23,7 +23,6 @@ class Manual : public Program {
     const int status = std::system(man.c_str());
     return {status, read("shown"), read("told")};
   }
-  static bool isManHere() { return std::system("command -v man >/dev/null 2>&1") == 0; }
 };
 
 // Without the breaks of lines, which are elsewhere in each form.
@@ -40,7 +39,6 @@ std::string flow(const std::string& text) {
 }  // namespace
 
 TEST_F(Manual, manShowsItWithoutComplaintIn80Columns) {
-  if (!isManHere()) GTEST_SKIP() << "man is not installed";
   const Result page = shown();
   EXPECT_THAT(page, Exits(0));
   EXPECT_THAT(page.err, IsEmpty());
@@ -53,8 +51,15 @@ TEST_F(Manual, manShowsItWithoutComplaintIn80Columns) {
   EXPECT_THAT(page.out, HasSubstr("       bda - receives, keeps and answers"));
 }
 
+TEST_F(Manual, mandocFindsNothingWrongWithIt) {
+  write("bda.1", bda({"help", "--man"}).out);
+  const int status =
+      std::system(("cd " + directory.string() + " && mandoc -T lint -W warning bda.1 >told 2>&1").c_str());
+  EXPECT_EQ(read("told"), "");
+  EXPECT_EQ(status, 0) << "or mandoc is not installed";
+}
+
 TEST_F(Manual, allThatTheHelpOfAVerbSaysIsThere) {
-  if (!isManHere()) GTEST_SKIP() << "man is not installed";
   const std::string page = flow(shown().out);
   std::size_t verbs = 0;
   for (const std::string& line : lines(bda({"--help"}).out)) {
@@ -67,8 +72,9 @@ TEST_F(Manual, allThatTheHelpOfAVerbSaysIsThere) {
     bool isOwn = false;
     std::string entry;
     for (const std::string& text : help) {
-      if (!entry.empty() && text.rfind("    ", 0) != 0)
+      if (!entry.empty() && text.rfind("    ", 0) != 0) {
         EXPECT_THAT(page, HasSubstr(flow(std::exchange(entry, "")))) << verb;
+      }
       if (!text.empty() && text.front() != ' ') isOwn = text == "Options:" || text == "Arguments:";
       if (isOwn && text.rfind("  ", 0) == 0) entry += text + "\n";
     }

@@ -1,6 +1,8 @@
 // What --json prints, judged by the schema that is installed with the program.
 
+#include <algorithm>
 #include <fstream>
+#include <map>
 #include <set>
 #include <valijson/adapters/nlohmann_json_adapter.hpp>
 #include <valijson/schema.hpp>
@@ -16,6 +18,49 @@ using valijson::adapters::NlohmannJsonAdapter;
 namespace {
 
 Json schemaText() { return Json::parse(std::ifstream(BDA_SOURCE_DIR "/program/bda.schema.json")); }
+
+// Fields that are not always there.
+const std::map<std::string, std::set<std::string>> kOptional{
+    {"list", {"name", "note", "verdict"}},
+    {"verify", {"name", "note", "verdict"}},
+    {"explain", {"device", "parameters", "unused", "content", "contentByte", "nameByte", "reason"}},
+    {"salvage", {"corrected", "merged"}},
+    {"find", {"message", "parameters"}},
+    {"diff", {"name", "aName", "bName"}},
+    {"show", {"target", "voice"}},  // without it the rest is a multi
+    {"trace", {"name", "contents", "missing"}},
+};
+
+// The messages of a stream.
+std::vector<Bytes> messagesOf(const Bytes& stream) {
+  std::vector<Bytes> messages;
+  for (const std::uint8_t byte : stream) {
+    if (byte == 0xF0) messages.emplace_back();
+    messages.back().push_back(byte);
+  }
+  return messages;
+}
+// A stream of all but one of them.
+Bytes joined(const std::vector<Bytes>& messages, std::size_t leftOut) {
+  Bytes stream;
+  for (std::size_t i = 0; i < messages.size(); ++i)
+    if (i != leftOut) stream.insert(stream.end(), messages[i].begin(), messages[i].end());
+  return stream;
+}
+
+// Where in it objects stand, itself among them; of those of a list the first.
+std::vector<Json::json_pointer> objectsIn(const Json& value, const Json::json_pointer& at = {}) {
+  std::vector<Json::json_pointer> found;
+  if (value.is_object()) found.push_back(at);
+  if (!value.is_structured() || value.empty()) return found;
+  for (const auto& [key, inner] : value.items()) {
+    const Json::json_pointer there = value.is_array() ? at / 0 : at / key;
+    const std::vector<Json::json_pointer> more = objectsIn(inner, there);
+    found.insert(found.end(), more.begin(), more.end());
+    if (value.is_array()) break;
+  }
+  return found;
+}
 
 // One definition of it.
 class Definition {
@@ -58,19 +103,25 @@ class Schema : public Program {
     return objects;
   }
 
-  // Whatever is left out or called otherwise is noticed, but for fields that are not always there.
+  // Whatever is left out or called otherwise is noticed, and so is a field that nobody knows, however deep.
   void isExact(const std::string& definition, const std::vector<Json>& objects) {
-    static const std::set<std::string> kOptional{"name",     "note",    "target", "verdict",
-                                                 "contents", "missing", "voice"};  // without it the rest is a multi
     const Definition fits(definition);
-    for (const Json& object : objects)
+    const auto optional = kOptional.find(definition);
+    for (const Json& object : objects) {
       for (const auto& [key, value] : object.items()) {
         Json other = object;
         other.erase(key);
-        if (!kOptional.contains(key)) EXPECT_NE(fits.misfit(other), "") << other;
+        const bool isOptional = optional != kOptional.end() && optional->second.contains(key);
+        if (!isOptional) EXPECT_NE(fits.misfit(other), "") << other;
         other[key + "s"] = value;
         EXPECT_NE(fits.misfit(other), "") << other;
       }
+      for (const Json::json_pointer& at : objectsIn(object)) {
+        Json other = object;
+        other[at]["madeUp"] = 1;
+        EXPECT_NE(fits.misfit(other), "") << definition << ' ' << at;
+      }
+    }
   }
   void exactly(const std::vector<std::string>& arguments) {
     isExact(arguments.front(), printed(arguments.front(), arguments));
@@ -85,42 +136,68 @@ class Schema : public Program {
                          text(fileDump({0x0C, 0x08, 0x07}, "Raw", {1, 2, 3})) +
                          text(fileDump({0x0C, 0x08, 0x05}, "", {})) + text(dump({0x11, 0, 0}, {})) +
                          text(request({0x0E, 0x0A, 0x05})) + text(Bytes{0xF0, 0x7D, 0x00}));
+    write("louder.syx", text(unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 1)));
+    // Two captures of a unit, each without another block, and one of another unit without its footer.
+    const std::vector<Bytes> blocks = messagesOf(voice);
+    write("one.syx", text(joined(blocks, 2)) +
+                         text(joined(messagesOf(unit({0x0E, 0x0A, 0x06}, BDA::List::normalVoice)), blocks.size() - 1)));
+    write("other.syx", text(joined(blocks, 3)));
+    write("names", "parameter voice.common[4] Volume\nvalue voice.common[4] 0 Off\nvalue voice.common[4] 1 On\n");
   }
 
   std::set<std::string> ran_;
+};
+
+// Every verb that has --json with it, and between them what makes it say something: one after the other, in a library
+// with an opaque multi and a favourite that holds nothing.
+const std::vector<std::vector<std::string>> kRuns{
+    {"list", "--json", "all.syx"},
+    {"verify", "--json", "all.syx"},
+    {"explain", "--json", "all.syx"},
+    {"explain", "--json", "--names", "names", "voice.syx", "52"},
+    {"salvage", "--json", "one.syx", "other.syx", "-o", "good.syx"},
+    {"salvage", "--json", "all.syx", "--fix-checksums", "-o", "good.syx"},
+    {"restore", "--json", "voice.syx"},
+    {"explain", "--json", "voice:user1:6", "voice.common[3]"},
+    {"rename", "voice:user1:6", "One", "--json"},
+    {"favourite", "voice:user1:6", "on", "--json"},
+    {"copy", "voice:user1:6", "voice:user1:7", "--json"},
+    {"move", "voice:user1:7", "voice:user1:8", "--json"},
+    {"rename", "voice:user1:8", "Two"},
+    {"swap", "voice:user1:6", "voice:user1:8", "--json"},
+    {"find", "--json", "--names", "names", "--where", "Volume=Off", "--where", "voice.name!=Nobody"},
+    {"find", "--json", "--like", "voice:user1:6"},
+    {"find", "--json", "--duplicates", "--in", "all.syx", "--in", "library.db"},
+    {"settings", "--json"},
+    {"settings", "device-number", "--json"},
+    {"settings", "device-number", "5", "--json"},
+    {"settings", "device-number", "1"},
+    {"contents", "--json"},
+    {"check", "--json"},
+    {"show", "voice:user1:8", "drum:edit", "multi:edit", "master:edit", "remote:edit", "system", "additional",
+     "performance:edit", "--json"},
+    {"show", "voice:user1:8", "--json"},
+    {"receive", "all.syx"},
+    {"apply", "system", "system.json", "--json"},
+    {"diff", "library.db", "voice.syx", "--json"},
+    {"diff", "voice.syx", "louder.syx", "--names", "names", "--json"},
+    {"remove", "voice:user1:8", "--dry-run", "--json"},
+    {"undo", "--json"},
+    {"history", "--json"},
 };
 
 }  // namespace
 
 TEST_F(Schema, everyVerbThatHasJsonPrintsWhatTheSchemaSays) {
   writeFiles();
-  exactly({"list", "--json", "all.syx"});
-  exactly({"verify", "--json", "all.syx"});
-  exactly({"restore", "--json", "voice.syx"});
-  exactly({"rename", "voice:user1:6", "One", "--json"});
-  exactly({"favourite", "voice:user1:6", "on", "--json"});
-  exactly({"copy", "voice:user1:6", "voice:user1:7", "--json"});
-  exactly({"move", "voice:user1:7", "voice:user1:8", "--json"});
-  bda({"rename", "voice:user1:8", "Two"});
-  exactly({"swap", "voice:user1:6", "voice:user1:8", "--json"});
-  exactly({"settings", "--json"});
-  exactly({"settings", "device-number", "--json"});
-  exactly({"settings", "device-number", "5", "--json"});
-  bda({"settings", "device-number", "1"});
+  write("system.json", bda({"show", "system", "--json"}).out);
   Editor::Library(libraryFile()).store(kMulti1, Bytes{1, 2, 3}, "Raw");
   Editor::Library(libraryFile()).setFavourite(kPresetVoice1, 1);
-  exactly({"contents", "--json"});
-  exactly({"check", "--json"});
-  exactly({"show", "voice:user1:8", "drum:edit", "multi:edit", "master:edit", "remote:edit", "system", "additional",
-           "performance:edit", "--json"});
-  exactly({"show", "voice:user1:8", "--json"});
-  write("system.json", bda({"show", "system", "--json"}).out);
-  bda({"receive", "all.syx"});
-  exactly({"apply", "system", "system.json", "--json"});
-  exactly({"diff", "library.db", "voice.syx", "--json"});
-  exactly({"remove", "voice:user1:8", "--dry-run", "--json"});
-  exactly({"undo", "--json"});
-  exactly({"history", "--json"});
+  for (const std::vector<std::string>& run : kRuns)
+    if (std::find(run.begin(), run.end(), "--json") != run.end())
+      exactly(run);
+    else
+      bda(run);
 
   const Json definitions = schemaText().at("definitions");
   for (const std::string& line : lines(bda({"__complete", ""}).out)) {
@@ -129,6 +206,16 @@ TEST_F(Schema, everyVerbThatHasJsonPrintsWhatTheSchemaSays) {
     EXPECT_TRUE(definitions.contains(verb)) << verb;
     EXPECT_TRUE(ran_.contains(verb)) << verb << " is not run here";
   }
+}
+
+TEST_F(Schema, theManifestIsWhatTheSchemaSays) {
+  writeFiles();
+  bda({"receive", "voice.syx"});
+  EXPECT_THAT(bda({"backup", "-o", "backup.syx", "--manifest", "backup.json"}), Exits(0));
+  const Json manifest = Json::parse(read("backup.json"));
+  EXPECT_EQ(manifest.at("contents").size(), 1u);
+  EXPECT_EQ(Definition("manifest").misfit(manifest), "");
+  isExact("manifest", {manifest});
 }
 
 TEST_F(Schema, theTraceIsWhatTheSchemaSays) {

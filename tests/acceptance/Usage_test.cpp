@@ -194,7 +194,7 @@ TEST_F(Usage, anOutputThatTheRunNeedsIsRefusedAndStaysAsItIs) {
     for (const char* file : {"library.db", "./library.db", "link", "hard"}) refuses(verb, file, "this is the library");
     for (const char* file : {"library.db-wal", "library.db-shm", "library.db-journal"})
       refuses(verb, file, "this belongs to the library");
-    refuses(verb, "my.names", "these are the names of waveforms and arpeggios");
+    refuses(verb, "my.names", "these are the names of waveforms, arpeggios and parameters");
   }
   refuses({"receive", "a.syx", "-o"}, "a.syx", "this is also an input");
   refuses({"receive", "a.syx", "--trace"}, "./a.syx", "this is also an input");
