@@ -14,7 +14,10 @@ OptionHelp helpOf(const CLI::Option& option) {
   OptionHelp help;
   for (const std::string& name : option.get_snames()) help.names.push_back("-" + name);
   for (const std::string& name : option.get_lnames()) help.names.push_back("--" + name);
-  if (option.get_type_size() != 0) help.value = option.get_type_name();
+  if (option.get_type_size() != 0) {
+    const std::string type = option.get_type_name();
+    help.value = type.substr(0, type.find(':'));  // behind it are checks
+  }
   help.text = option.get_description();
   if (const std::string usual = option.get_default_str(); !usual.empty())
     help.text += fmt::format("; default {}", usual);

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <set>
 #include <utility>
 
 #include "Library.h"
@@ -162,11 +163,15 @@ TEST_F(Completion, offersTheOptionsOfAVerbAsItsHelpHasThem) {
 }
 
 TEST_F(Completion, knowsWhatEveryVerbAndOptionCallsItsWords) {
+  std::set<std::string> options;  // which are called the same everywhere
   for (const std::string& verb : verbs()) {
     completed({verb, ""});
     completed({verb, "x", ""});
-    for (const std::string& option : completed({verb, "-"})) completed({verb, option.substr(0, option.find('\t')), ""});
+    for (const std::string& line : completed({verb, "-"}))
+      if (const std::string option = line.substr(0, line.find('\t')); options.insert(option).second)
+        completed({verb, option, ""});
   }
+  EXPECT_GE(options.size(), 30u);
 }
 
 TEST_F(Completion, offersAddressesPartByPartWithTheNamesOfWhatTheLibraryHolds) {
@@ -203,18 +208,18 @@ TEST_F(Completion, takesTheLibraryThatTheLineNames) {
        {std::vector<std::string>{"--library", "other.db", "show"}, {"show", "--library=other.db"}}) {
     std::vector<std::string> all = words;
     all.emplace_back("voice:user1:6");
-    EXPECT_THAT(completed(all), ElementsAre("voice:user1:6\tGrand Piano"));
+    EXPECT_THAT(completed(all), Contains("voice:user1:6\tGrand Piano"));
   }
 }
 
 TEST_F(Completion, makesNoLibraryAndTellsNoErrors) {
   removeLibrary();
-  EXPECT_THAT(completed({"show", "voice:user1:6"}), ElementsAre("voice:user1:6\t"));
+  EXPECT_THAT(completed({"show", "voice:user1:6"}), Contains("voice:user1:6\t"));
   EXPECT_THAT(completed({"undo", ""}), IsEmpty());
   EXPECT_THAT(files(), IsEmpty());
   EXPECT_FALSE(exists("library.db"));
   write("library.db", "this is no library, and long enough to be looked at: all of it is text.");
-  EXPECT_THAT(completed({"show", "voice:user1:6"}), ElementsAre("voice:user1:6\t"));
+  EXPECT_THAT(completed({"show", "voice:user1:6"}), Contains("voice:user1:6\t"));
   EXPECT_THAT(completed({"--library="}), ElementsAre(":files"));
   EXPECT_THAT(completed({}), Not(IsEmpty()));
   EXPECT_THAT(completed({"show", "voice:user9:1.."}), IsEmpty());

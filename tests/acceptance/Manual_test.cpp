@@ -68,7 +68,7 @@ TEST_F(Manual, allThatTheHelpOfAVerbSaysIsThere) {
     if (verb.find_first_of(":,") != std::string::npos) continue;
     ++verbs;
     const std::vector<std::string> help = lines(bda({"help", verb}).out);
-    EXPECT_THAT(page, HasSubstr(help.at(2).substr(7) + " " + help.at(0)));
+    EXPECT_THAT(page, HasSubstr(flow(help.at(2).substr(7) + " " + help.at(0))));
     bool isOwn = false;
     std::string entry;
     for (const std::string& text : help) {

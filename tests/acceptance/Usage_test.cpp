@@ -63,8 +63,8 @@ TEST_F(Usage, theHelpOfAVerbHasItsOptionsTheCommonOnesThatItHeedsAndTwoExamples)
     EXPECT_EQ(examples, 2u) << help;
   }
   EXPECT_THAT(bda({"help", "list"}).out, Not(HasSubstr("--library")));
-  EXPECT_THAT(bda({"help", "diff"}).out, Not(HasSubstr("--library")));
-  EXPECT_THAT(bda({"help", "show"}).out, testing::AllOf(HasSubstr("--library FILE"), Not(HasSubstr("--names"))));
+  EXPECT_THAT(bda({"help", "verify"}).out, Not(HasSubstr("--library")));
+  EXPECT_THAT(bda({"help", "contents"}).out, testing::AllOf(HasSubstr("--library FILE"), Not(HasSubstr("--names"))));
   EXPECT_THAT(bda({"help", "request"}).out, HasSubstr("--names FILE"));
   EXPECT_EQ(bda({"help"}).out, bda({"--help"}).out);
 }

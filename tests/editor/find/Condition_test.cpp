@@ -111,6 +111,34 @@ TEST(Condition, aPathIsThatOfTheJson) {
   }
 }
 
+TEST(Condition, aNameStandsForItsParameterInEachKind) {
+  ParameterNames names;
+  names.nameParameter("voice.common[3]", "Volume");
+  names.nameParameter("master.common[0]", "Volume");
+  names.nameValue("voice.common[3]", 64, "Half");
+  const ModelValues master = valuesOf(emptySetFor(ContentKind::master));
+  EXPECT_TRUE(Condition("Volume=64", names).holds(ContentKind::voice, valuesOf(voice())));
+  EXPECT_TRUE(Condition("Volume=0", names).holds(ContentKind::master, master));
+  const Condition half("Volume != Half", names);
+  EXPECT_FALSE(half.holds(ContentKind::voice, valuesOf(voice())));
+  EXPECT_FALSE(half.holds(ContentKind::master, master)) << "which has no value of that name";
+  const Condition::Asked asked = Condition("Volume>1", names).asked(ContentKind::voice, valuesOf(voice()));
+  EXPECT_EQ(asked.path, "voice.common[3]");
+  EXPECT_EQ(asked.value, ParameterValue(std::int64_t{64}));
+}
+
+TEST(Condition, aNameOfSeveralValuesIsNone) {
+  ParameterNames names;
+  names.nameValue("voice.common[3]", 0, "Off");
+  names.nameValue("voice.common[3]", 1, "Off");
+  try {
+    const Condition several("voice.common[3]=Off", names);
+    FAIL() << "both are meant";
+  } catch (const std::invalid_argument& error) {
+    EXPECT_THAT(error.what(), HasSubstr("\"Off\" is the name of 0, 1 of voice.common[3]"));
+  }
+}
+
 TEST(Condition, aPathThatNoKindHasIsAskedAbout) {
   EXPECT_THAT(complaint("voice.comon[3]>1"), HasSubstr("did you mean voice.common[3]?"));
   EXPECT_THAT(complaint("voice.comon[300]>1"), HasSubstr("did you mean voice.common[92]?"));
