@@ -43,8 +43,7 @@ class Groups {
  public:
   Groups() {
     constexpr unsigned kHeaderTypes = 17;
-    for (unsigned type = 1; type <= kHeaderTypes; ++type)
-      for (const bool drum : {false, true}) add(emptySetFor(type, drum));
+    for (unsigned type = 1; type <= kHeaderTypes; ++type) add(emptySetFor(type));
     ModelSet others;
     others.system.emplace();
     others.additional.emplace();
@@ -95,11 +94,12 @@ class Reader {
   std::string readParameter(const Kind& kind, std::string_view line);
   std::string readValue(const Kind& kind, std::string_view line);
 
-  std::string takePath(std::string_view& line, std::string& path, Groups::Group& group) const;
+  std::string takePath(std::string_view& line, std::string& path, Groups::Group& group);
   std::string whyNotCalled(std::string_view name, const std::string& what) const;
+  const Groups& groups() { return groups_ ? *groups_ : groups_.emplace(); }
 
   NameLists& names_;
-  const Groups groups_;
+  std::optional<Groups> groups_;  // from the first parameter on
   std::set<std::pair<std::string_view, std::size_t>> seen_;
 };
 
@@ -135,14 +135,14 @@ std::string Reader::readListed(const Kind& kind, std::string_view line) {
   return {};
 }
 
-std::string Reader::takePath(std::string_view& line, std::string& path, Groups::Group& group) const {
+std::string Reader::takePath(std::string_view& line, std::string& path, Groups::Group& group) {
   path = takeWord(line);
   const std::optional<IndexedPath> indexed = splitParameterPath(path);
   const std::string_view wanted = indexed ? indexed->group : std::string_view(path);
-  const Groups::Group* const found = groups_.find(wanted);
+  const Groups::Group* const found = groups().find(wanted);
   if (found == nullptr)
     return fmt::format("\"{}\": expected the path of a parameter, such as voice.common[3]{}", escape(path),
-                       didYouMean(wanted, groups_.paths()));
+                       didYouMean(wanted, groups().paths()));
   if (!indexed || indexed->index >= found->count)
     return fmt::format("\"{}\": expected {}[0] to {}[{}]", escape(path), wanted, wanted, found->count - 1);
   group = *found;
@@ -167,7 +167,7 @@ std::string Reader::readParameter(const Kind& /*kind*/, std::string_view line) {
   if (line.find_first_of("=!<>") != std::string_view::npos)
     return fmt::format("\"{}\": the name of a parameter has none of = ! < >", line);
   const std::optional<IndexedPath> indexed = splitParameterPath(line);
-  if (indexed && groups_.find(indexed->group) != nullptr) return fmt::format("\"{}\": a path is no name", line);
+  if (indexed && groups().find(indexed->group) != nullptr) return fmt::format("\"{}\": a path is no name", line);
   if (!names_.parameters.nameParameter(path, std::string(line))) return fmt::format("parameter {} occurs twice", path);
   return {};
 }
