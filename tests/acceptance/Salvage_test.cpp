@@ -9,7 +9,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 using testing::SizeIs;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
@@ -22,11 +21,6 @@ class Salvage : public Program {
   static std::string without(const Bytes& whole, const Bytes& message) {
     std::string bytes = text(whole);
     return bytes.erase(bytes.find(text(message)), message.size());
-  }
-  static std::vector<Json> objects(const std::string& out) {
-    std::vector<Json> found;
-    for (const std::string& line : lines(out)) found.push_back(Json::parse(line));
-    return found;
   }
 };
 
@@ -67,7 +61,7 @@ TEST_F(Salvage, whatIsLostIsListedAndItsRequestsAreAnsweredByTheInstrument) {
   const Result run = bda({"salvage", "a.syx", "-o", "good.syx", "--requests", "r.syx", "--json"});
   EXPECT_THAT(run, Exits(3));
   std::vector<Json> lost;
-  for (const Json& unit : objects(run.out))
+  for (const Json& unit : objectsOf(run.out))
     if (unit["state"] == "lost") lost.push_back(unit);
   ASSERT_THAT(lost, SizeIs(2));
   EXPECT_EQ(lost[0]["unit"], "voice:user1:6");
