@@ -299,6 +299,7 @@ TEST_F(Backup, aVerboseDryRunIsOneStreamInOrder) {
 TEST_F(Backup, aManifestNamesEveryContentWithTheHashThatContentsGives) {
   fill();
   ASSERT_THAT(bda({"backup", "-o", "backup.syx", "--manifest", "backup.json"}), Exits(0));
+  EXPECT_THAT(lines(read("backup.json")), SizeIs(1));
   const Json manifest = Json::parse(read("backup.json"));
   EXPECT_EQ(manifest["deviceNumber"], bda({"settings", "device-number"}).out.substr(0, 1));
   EXPECT_THAT(bda({"--version"}).out, HasSubstr(manifest["version"].get<std::string>()));
