@@ -1,6 +1,8 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -15,17 +17,24 @@ class Complaints {
   explicit Complaints(Console& console) : console_(console) {}
 
   // `kind` says in words what those of a kind have in common.
-  void tell(const std::string& kind, std::string_view text) {
-    if (++counts_[kind] <= kMostAlike) console_.problem(text);
+  void tell(std::string_view kind, std::string_view text) {
+    tell(kind, [text] { return text; });
   }
-  // Says "and 12 more: `kind`" of each, and forgets them.
-  void finish();
+  // The text is made only when it is told.
+  template <std::invocable MakeText>
+  void tell(std::string_view kind, MakeText makeText) {
+    auto count = counts_.find(kind);
+    if (count == counts_.end()) count = counts_.emplace(kind, 0).first;
+    if (++count->second <= kMostAlike) console_.problem(makeText());
+  }
+  // Says "and 12 more: `where``kind`" of each, and forgets them.
+  void finish(std::string_view where = "");
 
  private:
   static constexpr std::uint64_t kMostAlike = 20;
 
   Console& console_;
-  std::map<std::string, std::uint64_t> counts_;
+  std::map<std::string, std::uint64_t, std::less<>> counts_;
 };
 
 }  // namespace Editor
