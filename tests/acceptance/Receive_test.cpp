@@ -337,7 +337,7 @@ TEST_F(Receive, asJsonItSaysTheLinesOfTheTrace) {
   EXPECT_EQ(objectsOf(run.out)[25]["outcome"], "stored");
   EXPECT_EQ(objectsOf(run.out)[25]["contents"].dump(), R"(["voice:user1:6"])");
   EXPECT_THAT(run.err, HasSubstr("checksum wrong"));
-  EXPECT_EQ(lines(run.err), lines(bda({"receive", "a.syx", "-o", "answers.syx", "--library", "other.db"}).err));
+  EXPECT_EQ(lines(run.err).back(), "1 stored, 1 answered, 25 accepted, 2 refused");
   EXPECT_EQ(bda({"receive", "--json", "-q", "a.syx", "--library", "quiet.db"}).out, run.out);
   EXPECT_EQ(bda({"receive", "--json", "-v", "a.syx", "--library", "loud.db"}).out, run.out);
 }
