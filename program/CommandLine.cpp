@@ -149,6 +149,7 @@ void addReceive(CLI::App& app, Given& given, Program& program) {
   verb.add_flag("--whole", given.receive.whole, "Store whole units only, as verify judges them, and refuse the rest");
   CLI::Option* const trace = addExchangeOptions(verb, given.exchange);
   verb.add_flag("--dry-run", given.receive.dryRun, kDryRun)->excludes(answers)->excludes(trace);
+  verb.add_flag("--json", given.receive.json, "One object a line for each message, as the trace has it");
   verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, given.receive, program); }; });
 }
 

@@ -1,6 +1,7 @@
 #include "salvage/Salvage.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -46,6 +47,7 @@ bool differ(const Capture& a, const Capture& b) { return !differencesOf({&a, &b}
 
 bool haveSomethingInCommon(const Capture& a, const Capture& b) {
   bool have = false;
+  if (a.device != b.device) return false;  // no instrument would take what they made together
   forEachShared(a, b, [&](BulkAddress address, bool isEqual) { have = have || (isEqual && hasParameters(address)); });
   return have;
 }
@@ -110,7 +112,7 @@ class Decision {
     if (salvaged_.state == Salvaged::State::lost) {
       salvaged_.device = 1;
       for (const Capture* const capture : captures_)
-        if (!capture->devices.empty()) salvaged_.device = *capture->devices.begin();
+        if (capture->device) salvaged_.device = capture->device;
     }
     return std::move(salvaged_);
   }
@@ -164,12 +166,17 @@ class Decision {
   }
 
   bool merge(const Group& all) {
-    const Pieces merged = joined(all, options_.preferred);
-    if (lackOf(salvaged_.address, merged) != std::vector<BulkAddress>()) return false;
-    salvaged_.isMerged = true;
-    salvaged_.contradicts = listOf(differencesOf(all));
-    keepCompleted(merged);
-    return true;
+    std::map<std::optional<unsigned>, Group> ofDevices;
+    for (const Capture* const capture : all) ofDevices[capture->device].push_back(capture);
+    for (const auto& [device, group] : ofDevices) {
+      const Pieces merged = joined(group, options_.preferred);
+      if (lackOf(salvaged_.address, merged) != std::vector<BulkAddress>()) continue;
+      salvaged_.isMerged = true;
+      salvaged_.contradicts = listOf(differencesOf(group));
+      keepCompleted(merged);
+      return true;
+    }
+    return false;
   }
 
   void keepCompleted(const Pieces& pieces) { keep(salvaged_, Salvaged::State::completed, pieces); }
@@ -298,6 +305,11 @@ void Salvage::add(Piece piece) {
 void Salvage::addFragment(std::size_t source, std::span<const std::uint8_t> beginning) {
   if (corrected_) corrected_->addFragment(source, beginning);
   captures_.addFragment(source, beginning);
+}
+
+void Salvage::addLoose(std::size_t source) {
+  if (corrected_) corrected_->addLoose(source);
+  captures_.addLoose(source);
 }
 
 // What is there without correcting anything goes before what is not.

@@ -140,7 +140,8 @@ class Pieces final : public StreamJoiner::Receiver {
   }
 
   void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
-    loss({file_, offset, count, describe(reason), kindOf(reason), std::exchange(beginning_, {})});
+    loss({file_, offset, count, describe(reason), kindOf(reason), beginning_});
+    beginning_.clear();
   }
 
   void cutShort(Bytes beginning) override {
@@ -148,12 +149,13 @@ class Pieces final : public StreamJoiner::Receiver {
     beginning_.assign(first.begin(), first.end());
   }
 
-  void loss(InputLoss loss) {
-    const bool isRealTime = loss.kind == InputLoss::Kind::realTime;
-    if (!isRealTime && !waits_) tellHeld(loss.offset);
+  // Noise can be one loss a byte: nothing is kept of one that is told at once.
+  void loss(const InputLoss& loss) {
     if (held_.size() >= kMostHeld) tellAll();
-    held_.push_back({loss.offset, loss.dropped, std::move(loss.reason), loss.kind, std::move(loss.beginning)});
-    if (!isRealTime && !waits_) tellHeld(kAll);
+    if (waits_ || loss.kind == InputLoss::Kind::realTime) return hold(loss);
+    tellHeld(loss.offset);
+    visitLoss_(loss);
+    tellHeld(kAll);
   }
 
   // What a file without any message would have to say is not said: it is none of messages.
@@ -174,16 +176,25 @@ class Pieces final : public StreamJoiner::Receiver {
     std::vector<std::uint8_t> beginning;
   };
 
+  void hold(const InputLoss& loss) {
+    held_.push_back({loss.offset,
+                     loss.dropped,
+                     std::string(loss.reason),
+                     loss.kind,
+                     {loss.beginning.begin(), loss.beginning.end()}});
+  }
+
   void tellAll() {
     waits_ = false;
     tellHeld(kAll);
   }
 
   void tellHeld(std::uint64_t before) {
+    if (held_.empty()) return;
     std::stable_sort(held_.begin(), held_.end(), [](const Held& a, const Held& b) { return a.offset < b.offset; });
     const auto end = std::find_if(held_.begin(), held_.end(), [&](const Held& one) { return one.offset >= before; });
     for (auto one = held_.begin(); one != end; ++one)
-      visitLoss_({file_, one->offset, one->dropped, std::move(one->reason), one->kind, std::move(one->beginning)});
+      visitLoss_({file_, one->offset, one->dropped, one->reason, one->kind, one->beginning});
     held_.erase(held_.begin(), end);
   }
 

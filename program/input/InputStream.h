@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ExitCode.h"
@@ -27,9 +28,9 @@ struct InputLoss {
   const std::string& file;
   std::uint64_t offset;
   std::uint64_t dropped;  // how many; 0 of a file's structure
-  std::string reason;
+  std::string_view reason;
   Kind kind;
-  std::vector<std::uint8_t> beginning = {};  // of a message of a stream that was cut short: its first bytes
+  std::span<const std::uint8_t> beginning = {};  // of a message of a stream that was cut short: its first bytes
 };
 
 // A file that can be read and holds no messages: it is of another kind.

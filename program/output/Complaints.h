@@ -1,6 +1,8 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -15,21 +17,30 @@ class Complaints {
   explicit Complaints(Console& console) : console_(console) {}
 
   // `kind` says in words what those of a kind have in common.
-  void tell(const std::string& kind, std::string_view text) {
-    if (++problems_[kind] <= kMostAlike) console_.problem(text);
+  void tell(std::string_view kind, std::string_view text) {
+    tell(kind, [text] { return text; });
   }
-  void note(const std::string& kind, std::string_view text) {
-    if (++notes_[kind] <= kMostAlike) console_.note(text);
+  // The text is made only when it is told.
+  template <std::invocable MakeText>
+  void tell(std::string_view kind, MakeText makeText) {
+    if (isTold(problems_, kind)) console_.problem(makeText());
   }
-  // Says "and 12 more: `kind`" of each, and forgets them.
-  void finish();
+  void note(std::string_view kind, std::string_view text) {
+    if (isTold(notes_, kind)) console_.note(text);
+  }
+  // Says "and 12 more: `where``kind`" of each, and forgets them.
+  void finish(std::string_view where = "");
 
  private:
+  using Counts = std::map<std::string, std::uint64_t, std::less<>>;
+
   static constexpr std::uint64_t kMostAlike = 20;
 
+  static bool isTold(Counts& counts, std::string_view kind);
+
   Console& console_;
-  std::map<std::string, std::uint64_t> problems_;
-  std::map<std::string, std::uint64_t> notes_;
+  Counts problems_;
+  Counts notes_;
 };
 
 }  // namespace Editor

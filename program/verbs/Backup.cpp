@@ -162,7 +162,7 @@ class BackingUp {
     const nlohmann::ordered_json json{{"version", BDA_VERSION_STRING},
                                       {"deviceNumber", deviceNumberWords(editor_->tools())},
                                       {"contents", std::move(contents)}};
-    manifest_->write(json.dump(2, ' ', true) + "\n");
+    manifest_->write(json.dump(-1, ' ', true) + "\n");
     manifest_->commit();
   }
 

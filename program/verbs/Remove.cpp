@@ -48,7 +48,7 @@ Places<Target> parseRemoved(const std::string& word, Program& program) {
   try {
     return parseContents(word);
   } catch (const TargetError&) {
-    const Places<Target> places = parseTargets(word);
+    Places<Target> places = parseTargets(word);
     if (!program.hasLibrary()) throw;
     const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
     const auto isDamaged = [&](const Target& target) { return !damageOf(editor->tools(), target).empty(); };

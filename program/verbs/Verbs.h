@@ -43,6 +43,7 @@ struct ExchangeOptions {
 struct ReceiveOptions {
   bool whole = false;   // only units that are whole are stored, the rest is refused
   bool dryRun = false;  // said what would be done, and nothing done
+  bool json = false;    // said as the trace says it
 };
 void receive(const Words& files, const ExchangeOptions& exchange, const ReceiveOptions& options, Program& program);
 void request(const Words& words, const ExchangeOptions& options, Program& program);

@@ -13,7 +13,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
@@ -22,8 +21,6 @@ constexpr std::size_t kSystemAndFavourites = 14 + 15;
 
 class Backup : public Program {
  protected:
-  Editor::Library library() { return Editor::Library(directory / "library.db"); }
-
   // Something of every kind: file dumps, units, edit buffers, system and favourites.
   void fill() {
     Bytes favourites = blockDump({0x71, 0x0A, 0x00});
@@ -49,8 +46,7 @@ class Backup : public Program {
 
   std::vector<std::string> addressesOf(const char* file) {
     std::vector<std::string> addresses;
-    for (const std::string& line : lines(bda({"list", "--json", file}).out))
-      addresses.push_back(Json::parse(line)["address"]);
+    for (const Json& message : objects({"list", "--json", file})) addresses.push_back(message["address"]);
     return addresses;
   }
 };
@@ -317,6 +313,7 @@ TEST_F(Backup, aVerboseDryRunIsOneStreamInOrder) {
 TEST_F(Backup, aManifestNamesEveryContentWithTheHashThatContentsGives) {
   fill();
   ASSERT_THAT(bda({"backup", "-o", "backup.syx", "--manifest", "backup.json"}), Exits(0));
+  EXPECT_THAT(lines(read("backup.json")), SizeIs(1));
   const Json manifest = Json::parse(read("backup.json"));
   EXPECT_EQ(manifest["deviceNumber"], bda({"settings", "device-number"}).out.substr(0, 1));
   EXPECT_THAT(bda({"--version"}).out, HasSubstr(manifest["version"].get<std::string>()));

@@ -11,7 +11,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
@@ -29,13 +28,6 @@ class Explain : public Program {
   }
   Json at(const std::string& file, std::size_t offset) {
     return json({"explain", file, std::to_string(offset), "--json"});
-  }
-  std::vector<Json> objects(const std::vector<std::string>& arguments) {
-    const Result run = bda(arguments);
-    EXPECT_THAT(run, Exits(0));
-    std::vector<Json> all;
-    for (const std::string& line : lines(run.out)) all.push_back(Json::parse(line));
-    return all;
   }
 };
 

@@ -12,7 +12,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
@@ -23,11 +22,6 @@ class History : public Program {
     ASSERT_THAT(bda({"receive", "-q", "voice.syx"}), Exits(0));
   }
   void ok(const std::vector<std::string>& words) { ASSERT_THAT(bda(words), Exits(0)) << testing::PrintToString(words); }
-  std::vector<Json> objects(const std::vector<std::string>& words) {
-    std::vector<Json> all;
-    for (const std::string& line : lines(bda(words).out)) all.push_back(Json::parse(line));
-    return all;
-  }
   std::vector<Json> history() { return objects({"history", "--json"}); }
   std::string backup() {
     ok({"backup", "-q", "-o", "backup.syx"});
