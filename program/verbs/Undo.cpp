@@ -4,11 +4,11 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <memory>
 
 #include "messages/Text.h"
 #include "midi/Counted.h"
+#include "output/Complaints.h"
 #include "output/HistoryLines.h"
 #include "verbs/Verbs.h"
 
@@ -17,10 +17,10 @@ namespace Editor {
 namespace {
 
 void tellConflicts(const Undone& undone, Console& console) {
-  const std::size_t told = std::min(undone.conflicts.size(), Console::kMostAlike);
-  for (std::size_t i = 0; i < told; ++i)
-    console.problem(fmt::format("{}: no longer holds what entry {} left there", undone.conflicts[i], undone.entry));
-  if (told < undone.conflicts.size()) console.problem(fmt::format("and {} more", undone.conflicts.size() - told));
+  const std::string kind = fmt::format("no longer holds what entry {} left there", undone.entry);
+  Complaints complaints(console);
+  for (const std::string& place : undone.conflicts) complaints.tell(kind, fmt::format("{}: {}", place, kind));
+  complaints.finish();
 }
 
 }  // namespace

@@ -285,12 +285,14 @@ TEST_F(Parameters, contentsListWhatIsStoredByBankWithFavourites) {
 }
 
 TEST_F(Parameters, settingsAreShownAndSet) {
-  EXPECT_EQ(bda({"settings"}).out, "device-number 1\nreceive-bulk on\nmixing-voices 2048\n");
+  EXPECT_EQ(bda({"settings"}).out,
+            "device-number 1\nreceive-bulk on\nmixing-voices 2048\nhistory 1000\nhistory-size 64\n");
   EXPECT_THAT(bda({"settings", "device-number", "16"}), Exits(0));
   EXPECT_EQ(bda({"settings", "device-number"}).out, "16\n");
   EXPECT_THAT(bda({"settings", "mixing-voices", "1"}), Exits(0));
   EXPECT_THAT(bda({"settings", "receive-bulk", "off"}), Exits(0));
-  EXPECT_EQ(bda({"settings"}).out, "device-number 16\nreceive-bulk off\nmixing-voices 1\n");
+  EXPECT_EQ(bda({"settings"}).out,
+            "device-number 16\nreceive-bulk off\nmixing-voices 1\nhistory 1000\nhistory-size 64\n");
   for (const char* value : {"0", "17", "-1", "1x", "ALL"})
     EXPECT_THAT(bda({"settings", "device-number", value}), Exits(1));
   EXPECT_EQ(bda({"settings", "device-number"}).out, "16\n");

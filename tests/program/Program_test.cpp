@@ -46,10 +46,10 @@ TEST(ProgramsLibrary, thatCannotBeReachedIsNoneThatDoesNotExist) {
   ::chmod(closed.c_str(), 0);
   const std::string library = (closed / "library.db").string();
   const auto read = [](Program& program) { program.openToRead(); };
-  const auto change = [](Program& program) { program.openToChange(); };
+  const auto change = [](Program& program) { program.openToChange({"test", {}, {}}); };
   const auto rename = [](Program& program) {
     program.requireLibrary(Editor::kRefused);
-    program.openToChange();
+    program.openToChange({"test", {}, {}});
   };
   EXPECT_EQ(codeForAnybody(read, library), Editor::kUnusableInput);
   EXPECT_EQ(codeForAnybody(change, library), Editor::kUnusableInput);
