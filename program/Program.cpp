@@ -35,11 +35,16 @@ void giveNames(EditorJobTools& tools, NameLists names, const std::string& file) 
 }  // namespace
 
 std::string Program::libraryFile() const {
+  if (std::optional<std::string> file = findLibraryFile()) return *std::move(file);
+  throw Failure(kWrongUsage, "no library: name one with --library or in BDA_LIBRARY");
+}
+
+std::optional<std::string> Program::findLibraryFile() const {
   if (!library_.empty()) return library_;
   if (std::string file = fromEnvironment(kLibraryVariable); !file.empty()) return file;
   if (const std::string data = fromEnvironment("XDG_DATA_HOME"); !data.empty()) return data + "/bda/library.db";
   if (const std::string home = fromEnvironment("HOME"); !home.empty()) return home + "/.local/share/bda/library.db";
-  throw Failure(kWrongUsage, "no library: name one with --library or in BDA_LIBRARY");
+  return std::nullopt;
 }
 
 void Program::requireLibrary(ExitCode code) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,8 +16,10 @@ class Program {
  public:
   Console console;
 
-  // The library that the command line, the environment or the default names.
+  // The library that the command line, the environment or the default names. Throws Failure (kWrongUsage) when there
+  // is not even a default.
   std::string libraryFile() const;
+  std::optional<std::string> findLibraryFile() const;
   void setLibraryFile(const std::string& file) { library_ = file; }
   // Throws Failure with that code unless there is one: for a verb that has no use for a new one.
   void requireLibrary(ExitCode code) const;

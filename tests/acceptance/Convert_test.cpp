@@ -1,0 +1,315 @@
+// convert: messages from files into files.
+
+#include <filesystem>
+#include <map>
+
+#include "Library.h"
+#include "Program.h"
+
+using Editor::BulkAddress;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+using Json = nlohmann::ordered_json;
+
+namespace {
+
+const Bytes kTrigger = blockDump({0x11, 0x00, 0x00});
+const Bytes kForeign{0xF0, 0x41, 0x10, 0xF7};
+
+class Convert : public Program {
+ protected:
+  static Bytes voice(BulkAddress header, std::uint8_t value = 'A') {
+    return unit(header, BDA::List::normalVoice, value);
+  }
+  // The files of a folder, by name.
+  std::map<std::string, std::string> folder(const std::string& name) const {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(directory / name))
+      files.emplace(entry.path().filename().string(), read(name + "/" + entry.path().filename().string()));
+    return files;
+  }
+  std::vector<std::string> units(const std::string& file) {
+    std::vector<std::string> names;
+    for (const std::string& line : lines(bda({"verify", "--json", file}).out))
+      if (const Json json = Json::parse(line); json.contains("unit"))
+        names.push_back(json["unit"].get<std::string>() + " " + json["state"].get<std::string>());
+    return names;
+  }
+};
+
+}  // namespace
+
+TEST_F(Convert, thereAndBackGivesTheSameBytesAndNeedsNoLibrary) {
+  removeLibrary();
+  write("a.syx", {kForeign,
+                  voice({0x0E, 0x0A, 0x05}),
+                  request({0, 0, 0}, 4),
+                  damaged(blockDump({0, 0, 0})),
+                  fileDump({0x0C, 0x0A, 0x06}, "Piano", Bytes(3000, 7)),
+                  kTrigger,
+                  {0xF0, 0xF7}});
+  for (const char* const other : {"b.mid", "b.txt", "b.syx"}) {
+    EXPECT_THAT(bda({"convert", "a.syx", "-o", other}), Exits(0));
+    EXPECT_THAT(bda({"convert", other, "-o", "back.syx"}), Exits(0));
+    EXPECT_EQ(read("back.syx"), read("a.syx")) << other;
+  }
+  EXPECT_THAT(files(), ElementsAre("a.syx", "b.mid", "b.syx", "b.txt", "back.syx"));
+}
+
+TEST_F(Convert, severalFilesBecomeOneInTheirOrder) {
+  write("a.syx", {kForeign});
+  write("b.txt", "F0 42 f7 # another\n");
+  const Result run = bda({"convert", "b.txt", "-", "a.syx", "-o", "-"}, "\xF0\x43\xF7");
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_EQ(run.out, "\xF0\x42\xF7\xF0\x43\xF7\xF0\x41\x10\xF7");
+}
+
+TEST_F(Convert, hexTextHasAMessageALine) {
+  write("a.syx", {request({0, 0x40, 0}), kForeign});
+  EXPECT_THAT(bda({"convert", "a.syx", "-o", "a.txt"}), Exits(0));
+  EXPECT_EQ(read("a.txt"), "F0 7D 20 7F 14 00 40 00 F7\nF0 41 10 F7\n");
+  for (const char* const verb : {"list", "verify"}) {
+    const Result run = bda({verb, "a.txt"});
+    EXPECT_THAT(run, Exits(0));
+    EXPECT_THAT(run.out, HasSubstr("request of system audio input part"));
+  }
+  write(
+      "system.txt", "# system\n" + [] {
+        std::string text;
+        for (const std::uint8_t byte : blockDump({0, 0x40, 0}))
+          text += "0123456789abcdef"[byte >> 4], text += "0123456789abcdef"[byte & 15];
+        return text;
+      }());
+  EXPECT_THAT(bda({"receive", "system.txt"}), Exits(0));
+}
+
+TEST_F(Convert, textThatIsNoHexIsToldLineByLine) {
+  write("a.txt", "F0 41 F7\nF0 41 xx\nF0 42 F7\n");
+  const Result run = bda({"convert", "a.txt", "-o", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("a.txt: offset 15: line 2: expected two hex digits a byte"));
+  EXPECT_EQ(read("a.syx"), "\xF0\x41\xF7\xF0\x42\xF7");
+  write("words.txt", "# only words\n");
+  const Result none = bda({"list", "words.txt"});
+  EXPECT_THAT(none, Exits(2));
+  EXPECT_EQ(none.err, "bda: words.txt: no System Exclusive message in it: it seems to be text\n");
+}
+
+TEST_F(Convert, whatBecameNoMessageIsTold) {
+  write("a.syx", "\x01\x02" + text(kForeign));
+  const Result loose = bda({"convert", "a.syx", "-o", "b.syx"});
+  EXPECT_THAT(loose, Exits(0));
+  EXPECT_THAT(loose.err, HasSubstr("a.syx: offset 0: 2 bytes dropped, outside of any message"));
+  write("a.syx", text(kForeign) + "\xF0\x41");
+  const Result cut = bda({"convert", "a.syx", "-o", "b.syx"});
+  EXPECT_THAT(cut, Exits(3));
+  EXPECT_EQ(read("b.syx"), text(kForeign));
+}
+
+TEST_F(Convert, aLongerPauseMakesALongerFile) {
+  write("a.syx", {kForeign, kForeign});
+  EXPECT_THAT(bda({"convert", "a.syx", "-o", "a.mid"}).err, HasSubstr("0.0 s to play"));
+  EXPECT_THAT(bda({"convert", "a.syx", "-o", "a.mid", "--pause", "1500"}).err, HasSubstr("1.5 s to play"));
+}
+
+TEST_F(Convert, wrongUsageIsToldAndNothingIsWritten) {
+  write("a.syx", {kForeign});
+  for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+           {"a.syx"},
+           {"-o", "b.syx"},
+           {"a.syx", "-o", "b.bin"},
+           {"a.syx", "-o", "b"},
+           {"a.syx", "-o", "b.syx", "--split", "dir"},
+           {"a.syx", "-o", "b.syx", "--pause", "20"},
+           {"a.syx", "-o", "b.mid", "--pause", "-1"},
+           {"a.syx", "-o", "b.syx", "--device", "0"},
+           {"a.syx", "-o", "b.syx", "--device", "17"},
+           {"a.syx", "-o", "b.syx", "--place", "voice:user9:1"},
+           {"a.syx", "-o", "b.syx", "--select", "voice:user9:1"},
+           {"a.syx", "-o", "a.syx"},
+       }) {
+    std::vector<std::string> all = words;
+    all.insert(all.begin(), "convert");
+    EXPECT_THAT(bda(all), Exits(1)) << testing::PrintToString(words);
+    EXPECT_THAT(files(), ElementsAre("a.syx"));
+  }
+  EXPECT_EQ(read("a.syx"), text(kForeign));
+}
+
+TEST_F(Convert, aFileThatCannotBeWrittenIs1AndOneThatCannotBeUsedIs2) {
+  write("a.syx", {kForeign});
+  EXPECT_THAT(bda({"convert", "a.syx", "-o", "none/b.syx"}), Exits(1));
+  EXPECT_THAT(bda({"convert", "a.syx", "--split", "a.syx"}), Exits(1));
+  EXPECT_THAT(bda({"convert", "a.syx", "none.syx", "-o", "b.syx"}), Exits(2));
+  EXPECT_THAT(bda({"convert", "a.syx", "-", "-o", "b.syx"}, "words"), Exits(2));
+  EXPECT_THAT(files(), ElementsAre("a.syx"));
+}
+
+TEST_F(Convert, placeAddressesAUnitToAnotherPlace) {
+  write("a.syx", {kForeign, voice({0x0E, 0x0A, 0x05})});
+  const Result run = bda({"convert", "a.syx", "--place", "voice:edit", "-o", "b.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.err, HasSubstr("voice:user1:6 -> voice:edit"));
+  EXPECT_EQ(read("b.syx"), text(kForeign) + text(voice({0x0E, 0x0F, 0x00})));
+  EXPECT_THAT(units("b.syx"), ElementsAre("voice:edit complete"));
+  EXPECT_THAT(bda({"receive", "b.syx"}), Exits(0));
+}
+
+TEST_F(Convert, aRequestedFileDumpIsPlacedToo) {
+  write("a.syx", {voice({0x0E, 0x0A, 0x05})});
+  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
+  ASSERT_THAT(bda({"request", "file:voice:user1:6", "-o", "a.syx"}), Exits(0));
+  EXPECT_THAT(bda({"convert", "a.syx", "--place", "voice:user3:9", "-o", "b.syx"}), Exits(0));
+  EXPECT_THAT(bda({"list", "b.syx"}).out, HasSubstr("file dump of voice user3:9"));
+  EXPECT_THAT(bda({"convert", "a.syx", "--place", "voice:edit", "-o", "b.syx"}), Exits(0));
+  EXPECT_EQ(read("b.syx"), text(voice({0x0E, 0x0F, 0x00})));
+}
+
+TEST_F(Convert, moreUnitsThanPlacesAre2AndAnotherKindIs3) {
+  write("a.syx", {voice({0x0E, 0x0A, 0x05}), voice({0x0E, 0x0A, 0x06})});
+  EXPECT_THAT(bda({"convert", "a.syx", "--place", "voice:edit", "-o", "b.syx"}), Exits(2));
+  EXPECT_THAT(bda({"convert", "a.syx", "--place", "drum:user", "-o", "b.syx"}), Exits(3));
+  write("none.syx", {kForeign});
+  EXPECT_THAT(bda({"convert", "none.syx", "--place", "voice:edit", "-o", "b.syx"}), Exits(2));
+  const Bytes whole = voice({0x0E, 0x0A, 0x05});
+  write("cut.syx", {Bytes(whole.begin(), whole.end() - 12)});
+  EXPECT_THAT(bda({"convert", "cut.syx", "--place", "voice:edit", "-o", "b.syx"}), Exits(3));
+  EXPECT_FALSE(exists("b.syx"));
+  EXPECT_THAT(bda({"convert", "a.syx", "--place", "voice:user2", "-o", "b.syx"}), Exits(0));
+  EXPECT_THAT(units("b.syx"), ElementsAre("voice:user2:1 complete", "voice:user2:2 complete"));
+}
+
+TEST_F(Convert, deviceIsThatOfThisMakersMessages) {
+  write("a.syx", {kForeign, voice({0x0E, 0x0A, 0x05}), request({0, 0, 0}, 3)});
+  EXPECT_THAT(bda({"convert", "a.syx", "--device", "6", "-o", "b.syx"}), Exits(0));
+  for (const std::string& line : lines(bda({"list", "--json", "b.syx"}).out)) {
+    const Json json = Json::parse(line);
+    EXPECT_TRUE(json["kind"] == "foreign" || json["device"] == 6) << line;
+    EXPECT_NE(json["verdict"], "checksum wrong");
+  }
+  EXPECT_EQ(read("b.syx").substr(0, 4), text(kForeign));
+}
+
+TEST_F(Convert, selectTakesUnitsOnly) {
+  write("a.syx", {kForeign, voice({0x0E, 0x0A, 0x05}), voice({0x0E, 0x0B, 0x05}), blockDump({0, 0, 0})});
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"a.syx", "-o", "b.syx", "--select", "voice:user1"},
+        {"--select", "voice:user1", "a.syx", "-o", "b.syx"},
+        {"-o", "b.syx", "--select", "0E", "0A", "05", "a.syx"}}) {
+    std::vector<std::string> all = words;
+    all.insert(all.begin(), "convert");
+    EXPECT_THAT(bda(all), Exits(0)) << testing::PrintToString(words);
+    EXPECT_EQ(read("b.syx"), text(voice({0x0E, 0x0A, 0x05})));
+    std::filesystem::remove(directory / "b.syx");
+  }
+  EXPECT_THAT(bda({"convert", "a.syx", "-o", "b.syx", "--select", "master"}), Exits(3));
+  EXPECT_FALSE(exists("b.syx"));
+  const Result some = bda({"convert", "a.syx", "-o", "b.syx", "--select", "master", "voice:user2:6"});
+  EXPECT_THAT(some, Exits(3));
+  EXPECT_THAT(some.err, HasSubstr("master: there is none in the files"));
+  EXPECT_EQ(read("b.syx"), text(voice({0x0E, 0x0B, 0x05})));
+}
+
+TEST_F(Convert, splitGivesEachUnitAFileAndTheRestOther) {
+  write("a.syx", {kForeign, voice({0x0E, 0x0A, 0x05}), blockDump({0, 0, 0}), voice({0x0E, 0x0A, 0x05}, 'B'),
+                  fileDump({0x0C, 0x50, 0x02}, "../x", {1}), voice({0x0E, 0x0A, 0x05}), kTrigger, kForeign});
+  const Result run = bda({"convert", "a.syx", "--split", "new/dir"});
+  EXPECT_THAT(run, Exits(0));
+  const std::string name = "voice-user1-006-AAAAAAAAAAAAAAAAAAAA";
+  std::map<std::string, std::string> expected{
+      {"other.syx", text(kForeign) + text(blockDump({0, 0, 0})) + text(kForeign)},
+      {name + ".syx", text(voice({0x0E, 0x0A, 0x05}))},
+      {name + "-2.syx", text(voice({0x0E, 0x0A, 0x05}))},
+      {"voice-user1-006-BBBBBBBBBBBBBBBBBBBB.syx", text(voice({0x0E, 0x0A, 0x05}, 'B'))},
+      {"multi-003-x.syx", text(fileDump({0x0C, 0x50, 0x02}, "../x", {1})) + text(kTrigger)}};
+  EXPECT_EQ(folder("new/dir"), expected);
+  EXPECT_THAT(lines(run.out), SizeIs(5));
+  EXPECT_THAT(bda({"verify", "new/dir/multi-003-x.syx"}), Exits(0));
+
+  EXPECT_THAT(bda({"convert", "a.syx", "--split", "new/dir"}), Exits(0));  // again: what stands there is the same
+  EXPECT_EQ(folder("new/dir"), expected);
+}
+
+TEST_F(Convert, splitWritesOverNothing) {
+  write("a.syx", {kForeign, voice({0x0E, 0x0A, 0x05}, ' ')});
+  write("precious", "precious");
+  std::filesystem::create_directory(directory / "dir");
+  write("dir/other.syx", "mine");
+  std::filesystem::create_symlink(directory / "precious", directory / "dir" / "voice-user1-006.syx");
+  EXPECT_THAT(bda({"convert", "a.syx", "--split", "dir"}), Exits(0));
+  EXPECT_EQ(read("dir/other.syx"), "mine");
+  EXPECT_EQ(read("dir/other-2.syx"), text(kForeign));
+  EXPECT_EQ(read("precious"), "precious");
+  EXPECT_EQ(read("dir/voice-user1-006-2.syx"), text(voice({0x0E, 0x0A, 0x05}, ' ')));
+}
+
+TEST_F(Convert, splitPutsWhatIsNoWholeUnitToTheRestAndSaysSo) {
+  const Bytes whole = voice({0x0E, 0x0A, 0x05});
+  write("cut.syx", {Bytes(whole.begin(), whole.end() - 12)});
+  const Result run = bda({"convert", "cut.syx", "--split", "dir"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("voice:user1:6: still open at the end"));
+  EXPECT_EQ(folder("dir"), (std::map<std::string, std::string>{{"other.syx", read("cut.syx")}}));
+}
+
+TEST_F(Convert, whatShowPrintedBecomesDumps) {
+  write("a.syx", {voice({0x0E, 0x0A, 0x05}), unit({0x0E, 0x28, 0x01}, BDA::List::drumVoice, 'D'), systemDump(1)});
+  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
+  for (const char* const target : {"voice:user1:6", "drum:user:2", "system", "multi:edit", "file:voice:user1:6"}) {
+    write("a.json", bda({"show", target, "--json"}).out);
+    ASSERT_THAT(bda({"request", target, "-o", "asked.syx"}), Exits(0)) << target;
+    const Result run = bdaWithout("HOME", {"convert", "a.json", "--place", target, "-o", "a.syx"});
+    EXPECT_THAT(run, Exits(0)) << target;
+    EXPECT_EQ(read("a.syx").substr(0, read("asked.syx").size()), read("asked.syx")) << target;
+    EXPECT_THAT(bda({"verify", "a.syx"}), Exits(0)) << target;
+  }
+}
+
+TEST_F(Convert, jsonThatSaysItsTargetNeedsNoPlace) {
+  write("a.syx", {voice({0x0E, 0x0A, 0x05}), voice({0x0E, 0x0A, 0x06})});
+  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
+  const std::string objects = bda({"show", "voice:user1:6..7", "--json"}).out;
+  const Result run = bda({"convert", "-", "-o", "b.syx"}, objects);
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_EQ(read("b.syx"), read("a.syx"));
+  EXPECT_THAT(bda({"convert", "-", "-o", "b.syx"}, bda({"show", "voice:user1:6", "--json"}).out), Exits(1));
+}
+
+TEST_F(Convert, jsonIsRefusedByItsKindOrItsValues) {
+  Json system = json({"show", "system", "--json"});
+  write("a.json", system.dump());
+  EXPECT_THAT(bda({"convert", "a.json", "--place", "voice:edit", "-o", "b.syx"}), Exits(3));
+  system["system"]["masterEq"][1] = 200;
+  write("wide.json", system.dump());
+  const Result wide = bda({"convert", "wide.json", "--place", "system", "-o", "b.syx"});
+  EXPECT_THAT(wide, Exits(3));
+  EXPECT_THAT(wide.err, HasSubstr("system.masterEq[1]: 200 cannot be carried, it would arrive as 72"));
+  write("bad.json", "{\"system\": 1}");
+  EXPECT_THAT(bda({"convert", "bad.json", "--place", "system", "-o", "b.syx"}), Exits(2));
+  write("cut.json", "{\"system\"");
+  EXPECT_THAT(bda({"convert", "cut.json", "--place", "system", "-o", "b.syx"}), Exits(2));
+  EXPECT_FALSE(exists("b.syx"));
+  EXPECT_THAT(bda({"list", "a.json"}), Exits(2));  // for others it is none of messages
+}
+
+TEST_F(Convert, jsonTellsWhatWasWrittenUnitByUnit) {
+  write("a.syx", {kForeign, voice({0x0E, 0x0A, 0x05}), dump({0x0C, 0x0A, 0x06}, Bytes(4)), kTrigger});
+  const Result one = bda({"convert", "a.syx", "--place", "voice:user2", "-o", "b.mid", "--json"});
+  EXPECT_THAT(one, Exits(0));
+  ASSERT_THAT(lines(one.out), SizeIs(3));
+  EXPECT_EQ(lines(one.out)[0],
+            R"({"unit":"voice:user2:1","address":"0E 0B 00","form":"blocks","name":"AAAAAAAAAAAAAAAAAAAA",)"
+            R"("from":"voice:user1:6","messages":26,"bytes":)" +
+                std::to_string(voice({0x0E, 0x0A, 0x05}).size()) + R"(,"file":"b.mid"})");
+  EXPECT_EQ(lines(one.out)[1],
+            R"({"unit":"voice:user2:2","address":"0C 0B 01","form":"file dump","name":"","from":"voice:user1:7",)"
+            R"("removes":["voice:user2:2"],"messages":1,"bytes":16,"file":"b.mid"})");
+  EXPECT_EQ(lines(one.out)[2], R"({"unit":null,"messages":2,"bytes":16,"file":"b.mid"})");
+  const Result split = bda({"convert", "a.syx", "--split", "dir", "--json"});
+  ASSERT_THAT(lines(split.out), SizeIs(3));
+  EXPECT_EQ(Json::parse(lines(split.out)[1])["file"], "dir/voice-user1-007-removes.syx");
+  EXPECT_EQ(Json::parse(lines(split.out)[2])["messages"], 1);
+}
