@@ -16,6 +16,7 @@
 #include "bda/version.h"
 #include "input/FilesInUse.h"
 #include "messages/Text.h"
+#include "targets/ContentKind.h"
 #include "targets/Targets.h"
 #include "verbs/Verbs.h"
 
@@ -34,19 +35,28 @@ struct Given {
   std::optional<std::string> value;
   ExchangeOptions exchange;
   ConvertOptions convert;
+  ShowOptions show;
+  ReceiveOptions receive;
   ContentsOptions contents;
+  std::string manifest;
+  FindOptions find;
   bool json = false;
   RestoreOptions restore;
+  ChangeOptions change;
+  std::string table;
+  std::string otherLibrary;
+  SalvageOptions salvage;
   bool brief = false;
   HistoryOptions history;
   std::optional<std::int64_t> entry;
-  UndoOptions undo;
+  bool force = false;
   std::function<void()> verb;  // what to do with them
 };
 
 // As CLI11 checks values: what is wrong with it, or nothing.
 std::string checkFileName(const std::string& name) { return name.empty() ? "an empty file name" : ""; }
 
+constexpr const char* kDryRun = "Say what would change, and change nothing";
 constexpr const char* kAnyDevice = "Take messages for other device numbers too";
 constexpr const char* kMessageFiles = "Message files, .syx, .mid or hex text by content; - is standard input";
 
@@ -55,6 +65,11 @@ CLI::Option* addWords(CLI::App& verb, const std::string& name, const std::string
   // Never gets a word: as long as a verb misses one, words that begin with - may follow its --.
   verb.add_option("LAST", given.never)->group("");
   return words;
+}
+
+void addChangeOptions(CLI::App& verb, ChangeOptions& options) {
+  verb.add_flag("--dry-run", options.dryRun, kDryRun);
+  verb.add_flag("--json", options.json, "One object for each change");
 }
 
 void addList(CLI::App& app, Given& given, Program& program) {
@@ -111,7 +126,36 @@ void addConvert(CLI::App& app, Given& given, Program& program) {
   });
 }
 
-void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
+void addExplain(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "explain");
+  addWords(verb, "FILE [OFFSET]|ADDRESS PATH", "A message file and one of its bytes, or a parameter as in JSON", given)
+      ->check(checkFileName);
+  verb.add_flag("--json", given.json, "One object a line, a byte");
+  verb.callback([&] { given.verb = [&] { explain(given.words, given.json, program); }; });
+}
+
+void addSalvage(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "salvage");
+  SalvageOptions& options = given.salvage;
+  addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
+  verb.add_option("-o,--output", options.output, "Where what is whole goes; - is standard output")
+      ->type_name("GOOD")
+      ->required()
+      ->check(checkFileName);
+  verb.add_option("--requests", options.requests, "Where the requests that fetch the rest go")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.add_flag("--fix-checksums", options.fixChecksums, "Keep messages of which the checksum alone is wrong, mended");
+  verb.add_flag("--merge", options.merge, "Complete units also by captures that may be of other sounds");
+  verb.add_option("--prefer", options.preferred, "The one of the files that counts where two differ")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.add_flag("--json", options.json, "One object a line, for each unit and single block");
+  verb.callback([&] { given.verb = [&] { salvage(given.words, given.salvage, program); }; });
+}
+
+// The option of the trace.
+CLI::Option* addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
   verb.add_option("--port", options.port, "The port on which the messages arrive")
       ->type_name("1|4|5|6")
       ->check([](const std::string& port) {
@@ -120,7 +164,7 @@ void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
         return isPort ? std::string() : fmt::format("\"{}\": expected 1, 4, 5 or 6", port);
       })
       ->capture_default_str();
-  verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
+  return verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
       ->type_name("FILE")
       ->check(checkFileName);
 }
@@ -128,12 +172,15 @@ void addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
 void addReceive(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "receive");
   addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
-  verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
-      ->type_name("ANSWERS")
-      ->check(checkFileName);
+  CLI::Option* const answers =
+      verb.add_option("-o,--output", given.exchange.output, "Where the answers to requests go; - is standard output")
+          ->type_name("ANSWERS")
+          ->check(checkFileName);
   verb.add_flag("--any-device", given.exchange.anyDevice, kAnyDevice);
-  addExchangeOptions(verb, given.exchange);
-  verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, program); }; });
+  verb.add_flag("--whole", given.receive.whole, "Store whole units only, as verify judges them, and refuse the rest");
+  CLI::Option* const trace = addExchangeOptions(verb, given.exchange);
+  verb.add_flag("--dry-run", given.receive.dryRun, kDryRun)->excludes(answers)->excludes(trace);
+  verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, given.receive, program); }; });
 }
 
 void addRequest(CLI::App& app, Given& given, Program& program) {
@@ -149,21 +196,26 @@ void addRequest(CLI::App& app, Given& given, Program& program) {
 void addShow(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "show");
   addWords(verb, "TARGET", "system, additional, headers or file dumps, their banks or ranges", given);
-  verb.add_flag("--json", given.json, "One object, as apply reads it; of several targets one object a line");
-  verb.callback([&] { given.verb = [&] { show(given.words, given.json, program); }; });
+  verb.add_flag("--json", given.show.json, "One object, as apply reads it; of several targets one object a line");
+  verb.add_option("--from", given.show.from, "A message file to show them of, instead of the library")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.callback([&] { given.verb = [&] { show(given.words, given.show, program); }; });
 }
 
 void addApply(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "apply");
   addWords(verb, "TARGET FILE", "A target as for show, and its JSON; - is standard input", given);
-  verb.callback([&] { given.verb = [&] { apply(given.words, program); }; });
+  addChangeOptions(verb, given.change);
+  verb.callback([&] { given.verb = [&] { apply(given.words, given.change, program); }; });
 }
 
 void addSettings(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "settings");
   verb.add_option("NAME", given.setting, "Which; default all");
   verb.add_option("VALUE", given.value, "Its new value");
-  verb.callback([&] { given.verb = [&] { settings(given.setting, given.value, program); }; });
+  addChangeOptions(verb, given.change);
+  verb.callback([&] { given.verb = [&] { settings(given.setting, given.value, given.change, program); }; });
 }
 
 void addContents(CLI::App& app, Given& given, Program& program) {
@@ -178,13 +230,41 @@ void addContents(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { contents(given.words, given.contents, program); }; });
 }
 
+void addFind(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "find");
+  FindOptions& options = given.find;
+  verb.add_option("TERM", given.words, "Part of a name, or with * a whole one; case does not count");
+  verb.add_option("--in", options.sources, "A library, a message file or a folder of them; default the library")
+      ->type_name("SOURCE")
+      ->allow_extra_args(false)
+      ->check(checkFileName);
+  verb.add_option("--kind", options.kind, fmt::format("One of {}", fmt::join(contentKindWords(), ", ")))
+      ->type_name("KIND");
+  verb.add_option("--where", options.conditions,
+                  "What a parameter is, by its path in JSON: = != < <= > >=, as 'voice.common[3]>64'")
+      ->type_name("CONDITION")
+      ->allow_extra_args(false);
+  verb.add_option("--same-as", options.sameAs, "Equal to that content of the library, but for names")
+      ->type_name("ADDRESS");
+  verb.add_option("--like", options.like, "By likeness to that content of the library, the nearest first")
+      ->type_name("ADDRESS");
+  verb.add_flag("--duplicates", options.duplicates, "What is there more than once, but for names");
+  verb.add_flag("--favourite", options.favourite, "Favourites only");
+  verb.add_flag("--edit-buffers", options.editBuffers, "Edit buffers too");
+  verb.add_flag("--json", options.json, "One object a line");
+  verb.callback([&] { given.verb = [&] { find(given.words, options, program); }; });
+}
+
 void addBackup(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "backup");
   verb.add_option("-o,--output", given.output, "Where it goes; - is standard output")
       ->type_name("FILE")
       ->required()
       ->check(checkFileName);
-  verb.callback([&] { given.verb = [&] { backup(given.output, program); }; });
+  verb.add_option("--manifest", given.manifest, "A JSON file that names what is in it, with hashes")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.callback([&] { given.verb = [&] { backup(given.output, given.manifest, program); }; });
 }
 
 void addRestore(CLI::App& app, Given& given, Program& program) {
@@ -193,7 +273,7 @@ void addRestore(CLI::App& app, Given& given, Program& program) {
       ->required()
       ->check(checkFileName);
   verb.add_flag("--any-device", given.restore.anyDevice, kAnyDevice);
-  verb.add_flag("--dry-run", given.restore.dryRun, "Say what would change, and change nothing");
+  addChangeOptions(verb, given.restore);
   verb.callback([&] { given.verb = [&] { restore(given.file, given.restore, program); }; });
 }
 
@@ -215,20 +295,52 @@ void addDiff(CLI::App& app, Given& given, Program& program) {
 
 void addRename(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "rename");
-  addWords(verb, "ADDRESS NAME", "A header or file dump, and up to 20 characters of ASCII", given);
-  verb.callback([&] { given.verb = [&] { rename(given.words, program); }; });
+  CLI::Option* const words =
+      addWords(verb, "ADDRESS NAME", "A header or file dump, and up to 20 characters of ASCII", given);
+  verb.add_option("--from", given.table, "Lines of an address and a name, all of them or none; - is standard input")
+      ->type_name("TABLE")
+      ->check(checkFileName)
+      ->excludes(words->required(false));
+  addChangeOptions(verb, given.change);
+  verb.callback([&] { given.verb = [&] { rename(given.words, given.table, given.change, program); }; });
 }
 
 void addFavourite(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "favourite");
   addWords(verb, "ADDRESS on|off", "A voice or drum voice of a bank; on or off", given);
-  verb.callback([&] { given.verb = [&] { favourite(given.words, program); }; });
+  addChangeOptions(verb, given.change);
+  verb.callback([&] { given.verb = [&] { favourite(given.words, given.change, program); }; });
 }
 
 void addRemove(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "remove");
-  addWords(verb, "ADDRESS", "Headers or file dumps", given);
-  verb.callback([&] { given.verb = [&] { remove(given.words, program); }; });
+  addWords(verb, "ADDRESS", "Headers or file dumps, their banks or ranges", given);
+  addChangeOptions(verb, given.change);
+  verb.callback([&] { given.verb = [&] { remove(given.words, given.change, program); }; });
+}
+
+CLI::App& addArranging(CLI::App& verb, const char* words, Arrangement::Kind kind, Given& given, Program& program) {
+  addWords(verb, words, "Contents or edit buffers: places, ranges or banks; of the second the first place will do",
+           given);
+  addChangeOptions(verb, given.change);
+  verb.callback(
+      [&, kind] { given.verb = [&, kind] { arrange(kind, given.words, given.otherLibrary, given.change, program); }; });
+  return verb;
+}
+
+void addCopy(CLI::App& app, Given& given, Program& program) {
+  addArranging(addVerb(app, "copy"), "FROM TO", Arrangement::Kind::copy, given, program)
+      .add_option("--from-library", given.otherLibrary, "The library that FROM is in; default the same")
+      ->type_name("FILE")
+      ->check(checkFileName);
+}
+
+void addMove(CLI::App& app, Given& given, Program& program) {
+  addArranging(addVerb(app, "move"), "FROM TO", Arrangement::Kind::move, given, program);
+}
+
+void addSwap(CLI::App& app, Given& given, Program& program) {
+  addArranging(addVerb(app, "swap"), "A B", Arrangement::Kind::swap, given, program);
 }
 
 void addHistory(CLI::App& app, Given& given, Program& program) {
@@ -242,10 +354,9 @@ void addUndo(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "undo");
   verb.add_option("ENTRY", given.entry, "Which; default the newest that is no undo and not undone")
       ->check(CLI::PositiveNumber);
-  verb.add_flag("--force", given.undo.force, "Put back also what was changed since");
-  verb.add_flag("--dry-run", given.undo.dryRun, "Say what would change, and change nothing");
-  verb.add_flag("--json", given.undo.json, "One object a line, a change");
-  verb.callback([&] { given.verb = [&] { undo(given.entry, given.undo, program); }; });
+  verb.add_flag("--force", given.force, "Put back also what was changed since");
+  addChangeOptions(verb, given.change);
+  verb.callback([&] { given.verb = [&] { undo(given.entry, given.force, given.change, program); }; });
 }
 
 void addCheck(CLI::App& app, Given& given, Program& program) {
@@ -269,9 +380,10 @@ void addHelp(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { program.console.text(helpOf(app, given.setting)); }; });
 }
 
-constexpr std::array kVerbs{addList,     addVerify,   addConvert, addReceive, addRequest, addShow,   addApply,
-                            addSettings, addContents, addBackup,  addRestore, addDiff,    addRename, addFavourite,
-                            addRemove,   addHistory,  addUndo,    addCheck,   addScreen,  addHelp};
+constexpr std::array kVerbs{addList,    addVerify, addConvert,   addExplain,  addSalvage, addReceive, addRequest,
+                            addShow,    addApply,  addSettings,  addContents, addFind,    addBackup,  addRestore,
+                            addDiff,    addRename, addFavourite, addRemove,   addCopy,    addMove,    addSwap,
+                            addHistory, addUndo,   addCheck,     addScreen,   addHelp};
 
 void addCommonOptions(CLI::App& app, Program& program) {
   app.set_help_flag("-h,--help", "Say this and exit");
@@ -305,9 +417,13 @@ void refuseEmptyValues(int argc, const char* const* argv) {
 
 // What is written must be no file that the run needs, nor be written twice.
 void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
-  const std::string& output = given.output.empty() ? given.exchange.output : given.output;
-  const std::string& trace = given.exchange.trace;
-  if (output.empty() && trace.empty()) return;
+  const std::pair<const char*, const std::string*> outputs[] = {{"-o", &given.output},
+                                                                {"-o", &given.exchange.output},
+                                                                {"-o", &given.salvage.output},
+                                                                {"--requests", &given.salvage.requests},
+                                                                {"--trace", &given.exchange.trace},
+                                                                {"--manifest", &given.manifest}};
+  if (std::ranges::all_of(outputs, [](const auto& output) { return output.second->empty(); })) return;
   FilesInUse files;
   if (const std::optional<std::string> library = program.findLibraryFile()) {
     files.addLibrary(*library);
@@ -316,8 +432,8 @@ void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
   if (readsFiles)
     for (const Words& words : {given.words, given.convert.select})
       for (const std::string& file : words) files.add(file, "this is also an input");
-  if (!output.empty()) files.addOutput(output, "-o");
-  if (!trace.empty()) files.addOutput(trace, "--trace");
+  for (const auto& [option, output] : outputs)
+    if (!output->empty()) files.addOutput(*output, option);
 }
 
 int run(int argc, const char* const* argv, Program& program) {
@@ -341,7 +457,9 @@ int run(int argc, const char* const* argv, Program& program) {
     throw Failure(kWrongUsage, whyNotRead(app, error));
   }
   if (findVerb(app.get_subcommands().front()->get_name())->heeds.names) program.needNames();
-  checkOutputs(given, program, app.got_subcommand("receive") || app.got_subcommand("convert"));
+  const std::initializer_list<const char*> readFiles{"receive", "salvage", "convert"};
+  checkOutputs(given, program,
+               std::ranges::any_of(readFiles, [&](const char* verb) { return app.got_subcommand(verb); }));
   given.verb();
   return program.exitCode();
 }

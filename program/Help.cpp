@@ -25,12 +25,12 @@ An ADDRESS or TARGET is three hex bytes (0E0A05, 0E 0A 05, 0E/0A/05) or a name:
   performance:edit, multi:edit, master:1, master:edit, remote:1, remote:edit,
   system, additional, file:voice:user1:6, file:mix:1:3, file:multi:1,
   file:single
-contents, show and request also take a bank (voice:user1) or a range of one
-(voice:user1:1..16).
+contents, show, request, remove, copy, move and swap also take a bank
+(voice:user1) or a range of one (voice:user1:1..16).
 
 Exit codes: 0 all good, 1 wrong usage or an error of the program, 2 input that
-cannot be used, 3 something was refused or is broken (diff: differs), 130 ended
-by Ctrl-C.
+cannot be used, 3 something was refused or is broken (diff: differs, find:
+nothing was found), 130 ended by Ctrl-C.
 )";
 
 constexpr std::size_t kWidth = 80;

@@ -34,17 +34,17 @@ void giveNames(EditorJobTools& tools, NameLists names, const std::string& file) 
 
 }  // namespace
 
-std::string Program::libraryFile() const {
-  if (std::optional<std::string> file = findLibraryFile()) return *std::move(file);
-  throw Failure(kWrongUsage, "no library: name one with --library or in BDA_LIBRARY");
-}
-
 std::optional<std::string> Program::findLibraryFile() const {
   if (!library_.empty()) return library_;
   if (std::string file = fromEnvironment(kLibraryVariable); !file.empty()) return file;
   if (const std::string data = fromEnvironment("XDG_DATA_HOME"); !data.empty()) return data + "/bda/library.db";
   if (const std::string home = fromEnvironment("HOME"); !home.empty()) return home + "/.local/share/bda/library.db";
   return std::nullopt;
+}
+
+std::string Program::libraryFile() const {
+  if (std::optional<std::string> file = findLibraryFile()) return *std::move(file);
+  throw Failure(kWrongUsage, "no library: name one with --library or in BDA_LIBRARY");
 }
 
 void Program::requireLibrary(ExitCode code) const {
@@ -59,6 +59,10 @@ std::unique_ptr<EmbeddedEditor> Program::openToChange(LibraryRun run) {
   std::unique_ptr<EmbeddedEditor> editor = open(file, Library::Use::change);
   editor->library().beginRun(std::move(run));
   if (isMissing(file)) console.note(fmt::format("{}: no library yet, the first change makes one", escape(file)));
+  if (editor->library().isOfOlderVersion())
+    console.note(fmt::format(
+        "{0}: a library of an older version: the first change brings it to this one, and leaves a copy as {0}.v1",
+        escape(file)));
   return editor;
 }
 
@@ -78,6 +82,20 @@ std::unique_ptr<Library> Program::openLibraryToRead() {
   } catch (const LibraryError& error) {
     throw Failure(kUnusableInput, escape(error.what()));
   }
+}
+
+std::unique_ptr<EmbeddedEditor> Program::openToRehearse(LibraryRun run) {
+  const std::string file = libraryFile();
+  std::unique_ptr<EmbeddedEditor> copy = open(file, Library::Use::memory);
+  if (isMissing(file)) {
+    console.note(fmt::format("{}: there is no library yet", escape(file)));
+  } else {
+    const std::unique_ptr<EmbeddedEditor> editor = openToRead(file);
+    const EmbeddedEditor::View oneState(*editor);
+    copy->library().copyFrom(editor->library());
+  }
+  copy->library().beginRun(std::move(run));
+  return copy;
 }
 
 std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::Use use) {

@@ -16,8 +16,7 @@ class Program {
  public:
   Console console;
 
-  // The library that the command line, the environment or the default names. Throws Failure (kWrongUsage) when there
-  // is not even a default.
+  // The library that the command line, the environment or the default names. Throws Failure when none of them does.
   std::string libraryFile() const;
   std::optional<std::string> findLibraryFile() const;
   void setLibraryFile(const std::string& file) { library_ = file; }
@@ -37,6 +36,9 @@ class Program {
   // The same without an editor, for whom live models that cannot be read are no reason to give up.
   std::unique_ptr<Library> openLibraryToRead();
   std::unique_ptr<EmbeddedEditor> openToRead(const std::string& file) { return open(file, Library::Use::read); }
+
+  // A copy of it in memory, to see what such a run would change; empty when it does not exist. Throws the same.
+  std::unique_ptr<EmbeddedEditor> openToRehearse(LibraryRun run);
 
   // Something was refused or is broken: the run goes on, and ends with this.
   void refuse() {

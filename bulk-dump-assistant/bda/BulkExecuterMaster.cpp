@@ -1,7 +1,6 @@
 #include "BulkExecuterMaster.h"
 
-#include "MasterRemoteLayouts.h"
-#include "ModelNodes.h"
+#include "LayoutTargets.h"
 #include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
@@ -16,8 +15,6 @@ constexpr BlockFailures kZone = blockFailures(
     kFile, "BDA::BulkExecuterMasterZone::execBulkBlock",
     "error : invalid length. (Master Zone): correct = [%02x], data = [%02x]\n", "error :model is NULL !\n");
 
-using Master = CMA::MasterParameterModel;
-
 // The model that the header chose: the live one when it loaded nothing, or the temporary one.
 Master* chosenMaster(bool loadSkipped, CMA::JobTools& jobTools, CMA::TemporaryCoreModel* temporaryModel) {
   return loadSkipped ? jobTools.getMasterModel() : jobTools.getTemporaryMasterModel(temporaryModel);
@@ -27,14 +24,12 @@ Master* chosenMaster(bool loadSkipped, CMA::JobTools& jobTools, CMA::TemporaryCo
 
 BDAErr BulkExecuterMasterCommon::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
   Master* const master = chosenMaster(getLoadSkipped() == 1, getJobTools(), getTemporaryModel());
-  const Targets<MasterCommon::kLayout> targets{{from(master, &Master::getCommon)}, {from(master, &Master::getName)}};
-  return convertBlock<MasterCommon::kLayout>(kCommon, targets, data, length, isReceive);
+  return convertBlock<MasterCommon::kLayout>(kCommon, MasterCommon::targetsIn(master), data, length, isReceive);
 }
 
 BDAErr BulkExecuterMasterZone::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
   Master* const master = chosenMaster(getLoadSkipped() == 1, getJobTools(), getTemporaryModel());
-  Master::ZoneNode* const zone = from(master, &Master::getZone, getBlockIndex());
-  const Targets<MasterZone::kLayout> targets{{from(zone, &Master::ZoneNode::getParams)}};
+  const auto targets = MasterZone::targetsIn(master, getBlockIndex());
   return convertBlock<MasterZone::kLayout>(kZone, targets, data, length, isReceive);
 }
 

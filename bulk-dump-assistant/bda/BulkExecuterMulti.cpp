@@ -1,8 +1,7 @@
 #include "BulkExecuterMulti.h"
 
 #include "EditorNumbers.h"
-#include "ModelNodes.h"
-#include "MultiLayouts.h"
+#include "LayoutTargets.h"
 #include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
@@ -43,9 +42,6 @@ enum BlockType : std::uint32_t {
   kPerformanceInsertionB = 98,
 };
 
-using Multi = CMA::MultiParameterModel;
-using Arpeggio = CMA::ArpeggioParameterModel;
-
 void receiveVoiceSelection(Multi::PartNode& part, CMA::ParameterGroup& bankProgram, std::uint32_t number,
                            const std::uint8_t* data) {
   std::uint8_t bankSelectMsb = data[1];
@@ -71,11 +67,7 @@ Arpeggio* BulkExecuterMultiBase::getArpeggio() const {
 
 BDAErr BulkExecuterMultiCommon::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
   Multi* const multi = getMulti();
-  Targets<MultiCommon::kLayout> targets{};
-  targets.groups[MultiCommon::common] = from(multi, &Multi::getCommon);
-  targets.groups[MultiCommon::adPart0] = from(from(multi, &Multi::getAdPart, 0U), &Multi::AdPartNode::getParams);
-  for (std::uint32_t i = 0; i < MultiCommon::kParts; ++i)
-    targets.groups[MultiCommon::part0 + i] = from(from(multi, &Multi::getPart, i), &Multi::PartNode::getMain);
+  const auto targets = MultiCommon::targetsIn(multi);
   const BDAErr result = checkBlock<MultiCommon::kLayout>(kCommon, targets, data, length);
   if (isFailure(result)) return result;
   constexpr std::size_t kBeforeSwitches = MultiCommon::kBeforeSwitches.size();
@@ -86,21 +78,21 @@ BDAErr BulkExecuterMultiCommon::execBulkBlock(std::uint8_t* data, std::uint32_t 
 }
 
 BDAErr BulkExecuterMultiCommonArp::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  CMA::ParameterGroup* const common = from(getArpeggio(), &Arpeggio::getCommon);
+  const auto convertAs = [&]<const auto & kLayout>(const Targets<kLayout>& targets) {
+    return convertBlock<kLayout>(kArp, targets, data, length, isReceive);
+  };
+  Arpeggio* const arpeggio = getArpeggio();
   if (getDataLength() < MultiCommonArp::kMulti.length)
-    return convertBlock<MultiCommonArp::kPerformance>(kArp, {{common}}, data, length, isReceive);
-  return convertBlock<MultiCommonArp::kMulti>(kArp, {{common}}, data, length, isReceive);
+    return convertAs(MultiCommonArp::targetsIn<MultiCommonArp::kPerformance>(arpeggio));
+  return convertAs(MultiCommonArp::targetsIn<MultiCommonArp::kMulti>(arpeggio));
 }
 
 BDAErr BulkExecuterMultiCommonMeq::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  return convertBlock<kEq>(kMeq, {{from(getMulti(), &Multi::getMasterEq)}}, data, length, isReceive);
+  return convertBlock<kEq>(kMeq, MultiEq::targetsIn(getMulti()), data, length, isReceive);
 }
 
 BDAErr BulkExecuterMultiCommonMef::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  Multi* const multi = getMulti();
-  const Targets<kMasterEffect> targets{
-      {from(multi, &Multi::getMasterEffect), from(multi, &Multi::getMasterEffectSettings)}};
-  return convertBlock<kMasterEffect>(kMef, targets, data, length, isReceive);
+  return convertBlock<kMasterEffect>(kMef, MultiEffect::targetsIn(getMulti()), data, length, isReceive);
 }
 
 // The order of its tests: model, block type, length.
@@ -113,10 +105,10 @@ BDAErr BulkExecuterMultiCommonInsAB::execBulkBlock(std::uint8_t* data, std::uint
   switch (getBlockType()) {
     case kMultiInsertionA:
     case kPerformanceInsertionA:
-      return convertBlock<kInsEffect>(kInsAB, {{multi->getInsertionA()}}, data, length, isReceive);
+      return convertBlock<kInsEffect>(kInsAB, MultiInsertion::targetsOfA(multi), data, length, isReceive);
     case kMultiInsertionB:
     case kPerformanceInsertionB:
-      return convertBlock<kInsEffect>(kInsAB, {{multi->getInsertionB()}}, data, length, isReceive);
+      return convertBlock<kInsEffect>(kInsAB, MultiInsertion::targetsOfB(multi), data, length, isReceive);
     default:
       kWrongInsertion();
       return BDA_ERR;
@@ -127,9 +119,7 @@ Multi::PartNode* BulkExecuterMultiPart::getPart() const { return from(getMulti()
 
 BDAErr BulkExecuterMultiPart::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
   Multi::PartNode* const part = getPart();
-  const Targets<MultiPart::kLayout> targets{{from(part, &Multi::PartNode::getBankProgram),
-                                             from(part, &Multi::PartNode::getMain),
-                                             from(part, &Multi::PartNode::getExtra)}};
+  const auto targets = MultiPart::targetsIn<MultiPart::kLayout>(part);
   const BDAErr result = checkBlock<MultiPart::kLayout>(kPart, targets, data, length);
   if (isFailure(result)) return result;
   if (isReceive == 1) receiveVoiceSelection(*part, *targets.groups[MultiPart::bankProgram], getBlockIndex(), data);
@@ -138,15 +128,13 @@ BDAErr BulkExecuterMultiPart::execBulkBlock(std::uint8_t* data, std::uint32_t le
 }
 
 BDAErr BulkExecuterMultiPartArp::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  Arpeggio::PartNode* const part = from(getArpeggio(), &Arpeggio::getPart, getBlockIndex());
-  const Targets<MultiPartArp::kLayout> targets{
-      {from(part, &Arpeggio::PartNode::getParams), from(part, &Arpeggio::PartNode::getSix)}};
+  const auto targets = MultiPartArp::targetsIn(getArpeggio(), getBlockIndex());
   return convertBlock<MultiPartArp::kLayout>(kPartArp, targets, data, length, isReceive);
 }
 
 BDAErr BulkExecuterMultiPartAd::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  Multi::AdPartNode* const part = from(getMulti(), &Multi::getAdPart, getBlockIndex());
-  return convertBlock<kAdPart>(kPartAd, {{from(part, &Multi::AdPartNode::getParams)}}, data, length, isReceive);
+  const auto targets = MultiAdPart::targetsIn(getMulti(), getBlockIndex());
+  return convertBlock<kAdPart>(kPartAd, targets, data, length, isReceive);
 }
 
 }  // namespace BDA

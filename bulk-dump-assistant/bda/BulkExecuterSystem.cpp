@@ -1,7 +1,6 @@
 #include "BulkExecuterSystem.h"
 
-#include "ModelNodes.h"
-#include "SystemLayouts.h"
+#include "LayoutTargets.h"
 #include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
@@ -35,27 +34,21 @@ constexpr BlockFailures kRemote = blockFailures(kFile, "BDA::BulkExecuterSystemR
 constexpr std::uint32_t kInsertionABlock = 51;
 constexpr std::uint32_t kInsertionBBlock = 52;
 
-using System = CMA::SystemParameterModel;
-
 }  // namespace
 
 BDAErr BulkExecuterSystemCommon::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  System* const system = getJobTools().getSystemModel();
-  const Targets<SystemCommon::kLayout> targets{{from(system, &System::getCommon), from(system, &System::getTune)}};
+  const auto targets = SystemCommon::targetsIn(getJobTools().getSystemModel());
   return convertBlock<SystemCommon::kLayout>(kCommon, targets, data, length, isReceive, BDA_INFO_SYSTEM);
 }
 
 BDAErr BulkExecuterSystemAd::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  System::AdPartNode* const part =
-      from(getJobTools().getSystemModel(), &System::getAdPart, std::uint32_t{getBlockIndex()});
-  const Targets<kAdPart> targets{{from(part, &System::AdPartNode::getParams)}};
+  const auto targets = SystemAd::targetsIn(SystemAd::partIn(getJobTools().getSystemModel(), getBlockIndex()));
   return convertBlock<kAdPart>(kAd, targets, data, length, isReceive, BDA_INFO_SYSTEM);
 }
 
 // The order of its tests: model, block type, length.
 BDAErr BulkExecuterSystemAdInsAB::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  System::AdPartNode* const part =
-      from(getJobTools().getSystemModel(), &System::getAdPart, std::uint32_t{getBlockIndex()});
+  System::AdPartNode* const part = SystemAd::partIn(getJobTools().getSystemModel(), getBlockIndex());
   if (part == nullptr) {
     kAdInsAB.noModel();
     return BDA_ERR;
@@ -64,39 +57,34 @@ BDAErr BulkExecuterSystemAdInsAB::execBulkBlock(std::uint8_t* data, std::uint32_
     kWrongInsertion();
     return BDA_ERR;
   }
-  const Targets<kInsEffect> targets{
-      {getBlockType() == kInsertionABlock ? part->getInsertionA() : part->getInsertionB()}};
+  const auto targets = getBlockType() == kInsertionABlock ? SystemAd::targetsOfA(part) : SystemAd::targetsOfB(part);
   return convertBlock<kInsEffect>(kAdInsAB, targets, data, length, isReceive, BDA_INFO_SYSTEM);
 }
 
 BDAErr BulkExecuterSystemMeq::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  const Targets<kEq> targets{{from(getJobTools().getSystemModel(), &System::getMasterEq)}};
+  const auto targets = SystemEq::targetsIn(getJobTools().getSystemModel());
   return convertBlock<kEq>(kMeq, targets, data, length, isReceive, BDA_INFO_SYSTEM);
 }
 
 BDAErr BulkExecuterSystemMef::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  System* const system = getJobTools().getSystemModel();
-  const Targets<kMasterEffect> targets{
-      {from(system, &System::getMasterEffect), from(system, &System::getMasterEffectSettings)}};
+  const auto targets = SystemEffect::targetsIn(getJobTools().getSystemModel());
   return convertBlock<kMasterEffect>(kMef, targets, data, length, isReceive, BDA_INFO_SYSTEM);
 }
 
 BDAErr BulkExecuterSystemUserQuickSetup::execBulkBlock(std::uint8_t* data, std::uint32_t length,
                                                        std::uint8_t isReceive) {
   const std::uint32_t number = getAddress().getMid() & 0x0FU;
-  System::QuickSetupNode* const quickSetup = from(getJobTools().getSystemModel(), &System::getQuickSetup, number);
-  const Targets<SystemUserQuickSetup::kLayout> targets{{from(quickSetup, &System::QuickSetupNode::getParams)},
-                                                       {from(quickSetup, &System::QuickSetupNode::getName)}};
+  const auto targets = SystemUserQuickSetup::targetsIn(getJobTools().getSystemModel(), number);
   return convertBlock<SystemUserQuickSetup::kLayout>(kQuickSetup, targets, data, length, isReceive, BDA_INFO_SYSTEM);
 }
 
 BDAErr BulkExecuterSystemSeq::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  const Targets<SystemSeq::kLayout> targets{{from(getJobTools().getSystemModel(), &System::getSequencer)}};
+  const auto targets = SystemSeq::targetsIn(getJobTools().getSystemModel());
   return convertBlock<SystemSeq::kLayout>(kSeq, targets, data, length, isReceive, BDA_INFO_SYSTEM);
 }
 
 BDAErr BulkExecuterSystemRemote::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  const Targets<SystemRemote::kLayout> targets{{from(getJobTools().getSystemModel(), &System::getRemote)}};
+  const auto targets = SystemRemote::targetsIn(getJobTools().getSystemModel());
   return convertBlock<SystemRemote::kLayout>(kRemote, targets, data, length, isReceive, BDA_INFO_SYSTEM);
 }
 

@@ -1,7 +1,6 @@
 #include "BulkExecuterVoice.h"
 
-#include "ModelNodes.h"
-#include "VoiceLayouts.h"
+#include "LayoutTargets.h"
 #include "bda/platform/CMA/JobTools.h"
 
 namespace BDA {
@@ -51,9 +50,6 @@ enum BlockType : std::uint32_t {
   kDrumVoiceInsertionB = 76,
 };
 
-using Voice = CMA::VoiceParameterModel;
-using Multi = CMA::MultiParameterModel;
-
 }  // namespace
 
 Voice* BulkExecuterVoiceBase::getVoice() const {
@@ -68,44 +64,32 @@ Multi* BulkExecuterVoiceBase::getMulti() const {
 
 BDAErr BulkExecuterVoiceCommon::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
   Voice* const voice = getVoice();
-  Multi::PartNode* const part0 = from(getMulti(), &Multi::getPart, 0U);
+  Multi* const multi = getMulti();
   const auto convertAs = [&]<const auto & kLayout>(const Targets<kLayout>& targets) {
     return convertBlock<kLayout>(kCommon, targets, data, length, isReceive);
   };
-  const std::array<CMA::ParameterGroup*, 3> groups{from(voice, &Voice::getCommon), from(voice, &Voice::getCommonExtra),
-                                                   from(part0, &Multi::PartNode::getExtra)};
-  ModelSrv::ModelPart* const name = from(voice, &Voice::getName);
   switch (getBlockType()) {
     case kNormalVoiceCommon:
-      return convertAs(Targets<VoiceCommon::kNormal>{groups, {name}});
+      return convertAs(VoiceCommon::targetsIn<VoiceCommon::kNormal>(voice, multi));
     case kDrumVoiceCommon:
-      return convertAs(Targets<VoiceCommon::kDrum>{groups, {name}});
+      return convertAs(VoiceCommon::targetsIn<VoiceCommon::kDrum>(voice, multi));
     default:
-      return convertAs(Targets<VoiceCommon::kEither>{groups, {name}});
+      return convertAs(VoiceCommon::targetsIn<VoiceCommon::kEither>(voice, multi));
   }
 }
 
 BDAErr BulkExecuterVoiceCommonArp::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  Voice* const voice = getVoice();
-  CMA::ParameterGroup* const entry =
-      voice == nullptr ? nullptr : voice->getArpeggioEntry(voice->getArpeggioEntryIndex());
-  const Targets<VoiceCommonArp::kLayout> targets{{from(voice, &Voice::getArpeggioCommon),
-                                                  from(voice, &Voice::getArpeggioTempo), entry,
-                                                  from(voice, &Voice::getArpeggioSix)}};
+  const auto targets = VoiceCommonArp::targetsIn(getVoice());
   return convertBlock<VoiceCommonArp::kLayout>(kArp, targets, data, length, isReceive);
 }
 
 BDAErr BulkExecuterVoiceCommonRev::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  Multi* const multi = getMulti();
-  const Targets<VoiceCommonRev::kLayout> targets{
-      {from(multi, &Multi::getReverb), from(multi, &Multi::getReverbSettings)}};
+  const auto targets = VoiceCommonRev::targetsIn(getMulti());
   return convertBlock<VoiceCommonRev::kLayout>(kRev, targets, data, length, isReceive);
 }
 
 BDAErr BulkExecuterVoiceCommonCho::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  Multi* const multi = getMulti();
-  const Targets<VoiceCommonCho::kLayout> targets{
-      {from(multi, &Multi::getChorus), from(multi, &Multi::getChorusSettings)}};
+  const auto targets = VoiceCommonCho::targetsIn(getMulti());
   return convertBlock<VoiceCommonCho::kLayout>(kCho, targets, data, length, isReceive);
 }
 
@@ -115,12 +99,12 @@ BDAErr BulkExecuterVoiceCommonInsAB::execBulkBlock(std::uint8_t* data, std::uint
   switch (getBlockType()) {
     case kNormalVoiceInsertionA:
     case kDrumVoiceInsertionA:
-      return convertBlock<kInsEffect>(kInsAB, {{from(voice, &Voice::getInsertionA)}}, data, length, isReceive);
+      return convertBlock<kInsEffect>(kInsAB, VoiceInsertion::targetsOfA(voice), data, length, isReceive);
     case kNormalVoiceInsertionB:
     case kDrumVoiceInsertionB:
-      return convertBlock<kInsEffect>(kInsAB, {{from(voice, &Voice::getInsertionB)}}, data, length, isReceive);
+      return convertBlock<kInsEffect>(kInsAB, VoiceInsertion::targetsOfB(voice), data, length, isReceive);
     default: {
-      const Targets<kInsEffect> either{{from(voice, &Voice::getInsertionA)}};
+      const auto either = VoiceInsertion::targetsOfA(voice);
       const BDAErr result = checkBlock<kInsEffect>(kInsAB, either, data, length);
       if (!isFailure(result)) kWrongInsertion();
       return result;
@@ -129,15 +113,17 @@ BDAErr BulkExecuterVoiceCommonInsAB::execBulkBlock(std::uint8_t* data, std::uint
 }
 
 BDAErr BulkExecuterVoiceCommonInsL::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  const Targets<VoiceCommonInsL::kLayout> targets{{from(getVoice(), &Voice::getInsertionL)}};
+  const auto targets = VoiceCommonInsL::targetsIn(getVoice());
   return convertBlock<VoiceCommonInsL::kLayout>(kInsL, targets, data, length, isReceive);
 }
 
 BDAErr BulkExecuterVoiceCommonCtrl::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  CMA::ParameterGroup* const common = from(getVoice(), &Voice::getCommon);
-  if (getBlockType() == kNormalVoiceCtrl)
-    return convertBlock<VoiceCommonCtrl::kNormal>(kCtrl, {{common}}, data, length, isReceive);
-  return convertBlock<VoiceCommonCtrl::kDrum>(kCtrl, {{common}}, data, length, isReceive);
+  const auto convertAs = [&]<const auto & kLayout>(const Targets<kLayout>& targets) {
+    return convertBlock<kLayout>(kCtrl, targets, data, length, isReceive);
+  };
+  Voice* const voice = getVoice();
+  if (getBlockType() == kNormalVoiceCtrl) return convertAs(VoiceCommonCtrl::targetsIn<VoiceCommonCtrl::kNormal>(voice));
+  return convertAs(VoiceCommonCtrl::targetsIn<VoiceCommonCtrl::kDrum>(voice));
 }
 
 Voice::ElementNode* BulkExecuterElementBase::getElement() const {
@@ -147,22 +133,19 @@ Voice::ElementNode* BulkExecuterElementBase::getElement() const {
 
 BDAErr BulkExecuterNormalVoiceElmOsc::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
   Voice::ElementNode* const element = getElement();
-  const Targets<NormalVoiceElmOsc::kLayout> targets{
-      {from(element, &Voice::ElementNode::getParams), from(element, &Voice::ElementNode::getWave)}};
+  const auto targets = NormalVoiceElmOsc::targetsIn(element);
   return convertElement<NormalVoiceElmOsc::kLayout>(kElmOsc, element, targets, data, length, isReceive);
 }
 
 BDAErr BulkExecuterNormalVoiceElmFilter::execBulkBlock(std::uint8_t* data, std::uint32_t length,
                                                        std::uint8_t isReceive) {
   Voice::ElementNode* const element = getElement();
-  const Targets<NormalVoiceElmFilter::kLayout> targets{{from(element, &Voice::ElementNode::getParams)}};
+  const auto targets = NormalVoiceElmFilter::targetsIn(element);
   return convertElement<NormalVoiceElmFilter::kLayout>(kElmFilter, element, targets, data, length, isReceive);
 }
 
 BDAErr BulkExecuterDrumVoiceKey::execBulkBlock(std::uint8_t* data, std::uint32_t length, std::uint8_t isReceive) {
-  Voice::KeyNode* const key = from(getVoice(), &Voice::getKey, getBlockIndex());
-  const Targets<DrumVoiceKey::kLayout> targets{
-      {from(key, &Voice::KeyNode::getParams), from(key, &Voice::KeyNode::getWave)}};
+  const auto targets = DrumVoiceKey::targetsIn(getVoice(), getBlockIndex());
   return convertBlock<DrumVoiceKey::kLayout>(kKey, targets, data, length, isReceive);
 }
 

@@ -19,6 +19,7 @@
 namespace Editor {
 
 inline constexpr std::int32_t kLibraryVersion = 2;
+inline constexpr std::uint32_t kLibraryApplicationId = 0x4244414C;  // "BDAL", in the header of every library
 
 // SQLite counts in int. What int cannot count is beyond SQLite's own limit of texts and blobs too, and ends like that.
 void requireCountable(std::size_t size);

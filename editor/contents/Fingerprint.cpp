@@ -13,13 +13,17 @@ std::uint64_t fnv1a(std::span<const std::uint8_t> bytes, std::uint64_t hash) {
 }
 
 Fingerprint fingerprintOf(ContentId id, std::span<const std::uint8_t> bytes) {
-  const auto print = [](bool isOpaque, std::span<const std::uint8_t> hashed) {
-    return Fingerprint{isOpaque, fmt::format("{:016x}", fnv1a(hashed))};
-  };
-  ModelSet models = emptySetFor(id);
-  if (haveSameShape(models, ModelSet()) || decodeContent(bytes, models)) return print(true, bytes);
-  clearNames(models);
-  return print(false, encodeContent(models));
+  return fingerprintOf(namelessOf(emptySetFor(id), bytes));
+}
+
+Nameless namelessOf(ModelSet shape, std::span<const std::uint8_t> bytes) {
+  if (haveSameShape(shape, ModelSet()) || decodeContent(bytes, shape)) return {true, {bytes.begin(), bytes.end()}};
+  clearNames(shape);
+  return {false, encodeContent(shape)};
+}
+
+Fingerprint fingerprintOf(const Nameless& content) {
+  return {content.isOpaque, fmt::format("{:016x}", fnv1a(content.bytes))};
 }
 
 }  // namespace Editor

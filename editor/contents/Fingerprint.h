@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
-#include "models/ContentAddress.h"
+#include "models/ModelSet.h"
 
 namespace Editor {
 
@@ -21,6 +22,16 @@ struct Fingerprint {
 };
 
 Fingerprint fingerprintOf(ContentId id, std::span<const std::uint8_t> bytes);
+
+// What the hash is made of, for who must be sure, or has a content of an edit buffer: `shape` is that of its models.
+struct Nameless {
+  bool isOpaque = false;
+  std::vector<std::uint8_t> bytes;
+
+  friend bool operator==(const Nameless&, const Nameless&) = default;
+};
+Nameless namelessOf(ModelSet shape, std::span<const std::uint8_t> bytes);
+Fingerprint fingerprintOf(const Nameless& content);
 
 // The hash itself, by its published definition; with what it was before, bytes that go on.
 inline constexpr std::uint64_t kFnvOffsetBasis = 0xCBF29CE484222325;

@@ -21,6 +21,10 @@ Held countableHeld(const std::string& name, std::span<const std::uint8_t> bytes)
   return heldOf(name, bytes);
 }
 
+std::optional<std::string> nameOf(const std::optional<Held>& held) {
+  return held ? std::optional(held->name) : std::nullopt;
+}
+
 void requireWhole(const Held& held) {
   if (!isWhole(held)) throw SQLite::Exception("bytes that do not fit their checksum", SQLITE_CORRUPT);
 }
@@ -187,6 +191,10 @@ void Library::change(Operation operation) {
   transaction.commit();
 }
 
+bool Library::isOfOlderVersion() {
+  return read([&] { return database_->version() < kLibraryVersion; });
+}
+
 // The transaction has changed nothing yet.
 void Library::requireVersion() {
   if (database_->version() == kLibraryVersion) return;
@@ -271,15 +279,15 @@ void Library::write(const Place& place, const std::optional<Held>& held) {
 // All that ever changes in a library is changed here.
 void Library::replace(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after) {
   write(place, after);
-  if (place_ != nullptr) recorder_.record(*database_, place, before, after);
+  if (place_ != nullptr || recorder_.hasRun()) recorder_.record(*database_, place, before, after);
 }
 
 void Library::putBack(const Place& place, const std::optional<Held>& held) {
   change([&] {
     replace(place, heldNow(place), held);
     if (place.kind == Place::Kind::content)
-      pending_.push_back({held ? Change::Kind::Stored : Change::Kind::Removed, place.id});
-    if (place.kind == Place::Kind::favourite) pending_.push_back({Change::Kind::Flagged, place.id});
+      pending_.push_back({held ? Change::Kind::Stored : Change::Kind::Removed, place.id, {}});
+    if (place.kind == Place::Kind::favourite) pending_.push_back({Change::Kind::Flagged, place.id, {}});
   });
 }
 
@@ -329,8 +337,9 @@ std::vector<ContentId> Library::contents() {
 void Library::store(ContentId id, std::span<const std::uint8_t> bytes, const std::string& name) {
   change([&] {
     const Place place = contentAt(id);
-    replace(place, heldNow(place), countableHeld(name, bytes));
-    pending_.push_back({Change::Kind::Stored, place.id});
+    const std::optional<Held> before = heldNow(place);
+    replace(place, before, countableHeld(name, bytes));
+    pending_.push_back({Change::Kind::Stored, place.id, nameOf(before)});
   });
 }
 
@@ -339,7 +348,7 @@ void Library::store(ContentId id, std::span<const std::uint8_t> bytes) {
     const Place place = contentAt(id);
     const std::optional<Held> before = heldNow(place);
     replace(place, before, countableHeld(before ? before->name : std::string(), bytes));
-    pending_.push_back({Change::Kind::Stored, place.id});
+    pending_.push_back({Change::Kind::Stored, place.id, nameOf(before)});
   });
 }
 
@@ -352,7 +361,7 @@ bool Library::rename(ContentId id, const std::string& name) {
     if (!renamed) return;
     requireWhole(*before);  // with a new checksum it would pass for good
     replace(place, before, countableHeld(name, before->bytes));
-    pending_.push_back({Change::Kind::Renamed, place.id});
+    pending_.push_back({Change::Kind::Renamed, place.id, nameOf(before)});
   });
   return renamed;
 }
@@ -365,7 +374,7 @@ bool Library::remove(ContentId id) {
     removed = before.has_value();
     if (!removed) return;
     replace(place, before, std::nullopt);
-    pending_.push_back({Change::Kind::Removed, place.id});
+    pending_.push_back({Change::Kind::Removed, place.id, nameOf(before)});
   });
   return removed;
 }
@@ -393,7 +402,7 @@ void Library::setFavourite(ContentId id, std::uint8_t flag) {
     const std::optional<Held> after = flag == 0 ? std::nullopt : std::optional(heldOf(flag));
     if (before == after) return;
     replace(place, before, after);
-    pending_.push_back({Change::Kind::Flagged, place.id});
+    pending_.push_back({Change::Kind::Flagged, place.id, {}});
   });
 }
 

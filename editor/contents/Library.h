@@ -41,9 +41,11 @@ class LibraryError : public std::runtime_error {
 struct Change {
   enum class Kind { Stored, Removed, Renamed, Flagged };
   Kind kind = Kind::Stored;
-  ContentId id;  // canonical
+  ContentId id;                            // canonical
+  std::optional<std::string> before = {};  // the name of what stood there; nothing: the place was empty
 
-  friend bool operator==(const Change&, const Change&) = default;
+  // The same change, whatever stood there.
+  friend bool operator==(const Change& a, const Change& b) { return a.kind == b.kind && a.id == b.id; }
 };
 
 // The editor's memory: contents, favourite flags, live models and settings in one SQLite file. Every change is on disk
@@ -152,6 +154,8 @@ class Library {
 
   // The history. What changes from now on is of that run; without one it is of a verb without a name.
   void beginRun(LibraryRun run) { recorder_.begin(std::move(run)); }
+  // The entry of that run, nothing before its first change. Others do not see it before it is committed.
+  std::optional<std::int64_t> entryOfRun() const { return recorder_.mark().entry; }
   std::vector<RecordedEntry> recordedEntries();  // the newest first
   std::vector<RecordedChange> recordedChanges(std::int64_t entry, bool withBytes);
   // What a place holds, damaged or not.
@@ -180,6 +184,8 @@ class Library {
   // How many operations the file has failed since the library was opened.
   std::uint64_t failureCount() const { return failureCount_; }
 
+  // Whether the next change that is kept brings the library to this version, and leaves a copy.
+  bool isOfOlderVersion();
   // Whether there is nothing in the file yet, or no file at all.
   bool isYetEmpty() const { return isInMemory_; }
 

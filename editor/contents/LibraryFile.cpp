@@ -14,12 +14,11 @@
 
 #include "contents/Library.h"
 #include "contents/LibraryCopy.h"
+#include "contents/LibraryMark.h"
 
 namespace Editor {
 
 namespace {
-
-constexpr std::uint32_t kApplicationId = 0x4244414C;  // "BDAL", in the header of every library
 
 std::uint32_t bigEndian32(const unsigned char* bytes) {
   return std::uint32_t(bytes[0]) << 24 | std::uint32_t(bytes[1]) << 16 | std::uint32_t(bytes[2]) << 8 | bytes[3];
@@ -30,6 +29,12 @@ struct Header {
   std::uint32_t applicationId = 0;  // 0 for what is not even a database
   std::uint32_t version = 0;
 };
+
+Header headerIn(std::span<const std::uint8_t> first) {
+  constexpr std::size_t kSize = 100;
+  if (first.size() < kSize || !isSqliteFile(first)) return {};
+  return {.applicationId = bigEndian32(&first[68]), .version = bigEndian32(&first[60])};
+}
 
 // The header of the file, seen before SQLite works with it: that may finish or take back what another program left
 // undone, and would so change a file that is none of ours. Yet it has to be SQLite that reads, for to close a file
@@ -44,9 +49,7 @@ Header readHeader(sqlite3* handle) {
   if (result == SQLITE_OK) result = file->pMethods->xRead(file, bytes.data(), int(bytes.size()), 0);
   if (result == SQLITE_IOERR_SHORT_READ) return {};
   if (result != SQLITE_OK) throw SQLite::Exception("disk I/O error", result);
-  constexpr std::string_view kMagic("SQLite format 3\0", 16);
-  if (std::memcmp(bytes.data(), kMagic.data(), kMagic.size()) != 0) return {};
-  return {.applicationId = bigEndian32(&bytes[68]), .version = bigEndian32(&bytes[60])};
+  return headerIn(bytes);
 }
 
 // A path as a URI's: what would mean something there is escaped.
@@ -66,6 +69,15 @@ std::string uriOf(const std::filesystem::path& path) {
 [[noreturn]] void cannotOpen(int error) { throw SQLite::Exception(std::strerror(error), SQLITE_CANTOPEN); }
 
 }  // namespace
+
+bool isSqliteFile(std::span<const std::uint8_t> first) {
+  constexpr std::string_view kMagic("SQLite format 3\0", 16);
+  return first.size() >= kMagic.size() && std::memcmp(first.data(), kMagic.data(), kMagic.size()) == 0;
+}
+
+bool isLibraryFile(std::span<const std::uint8_t> first) {
+  return headerIn(first).applicationId == kLibraryApplicationId;
+}
 
 std::unique_ptr<Database> LibraryFile::open() const {
   if (!exists()) return nullptr;
@@ -124,7 +136,7 @@ void LibraryFile::requireRoom() const {
 }
 
 void LibraryFile::requireLibrary(std::int64_t applicationId, std::int64_t version) const {
-  if (applicationId != kApplicationId)
+  if (applicationId != kLibraryApplicationId)
     throw LibraryError(LibraryError::Kind::NotALibrary, path_.string() + " is no library");
   requireKnown(version);
 }
@@ -199,7 +211,7 @@ std::unique_ptr<Database> LibraryMaking::make(Database& rows) {
   connection.exec("PRAGMA synchronous = FULL");
   // The id comes first and alone, in the only page that is written then: what a power cut leaves of the file is empty
   // or says that it is ours.
-  connection.exec("PRAGMA application_id = " + std::to_string(kApplicationId));
+  connection.exec("PRAGMA application_id = " + std::to_string(kLibraryApplicationId));
   file_.keepWriteAheadLog(*database);
   SQLite::Transaction transaction(connection, SQLite::TransactionBehavior::IMMEDIATE);
   requireNothing();

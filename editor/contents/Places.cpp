@@ -28,7 +28,6 @@ std::optional<ModelSet> decoded(const Place& place, std::span<const std::uint8_t
 }
 
 bool areEqualButForNames(const Place& place, const Held& before, const Held& after) {
-  if (before.bytes == after.bytes) return true;
   if (before.bytes.size() != after.bytes.size()) return false;
   std::optional<ModelSet> first = decoded(place, before.bytes);
   std::optional<ModelSet> second = decoded(place, after.bytes);
@@ -55,12 +54,16 @@ Held heldOf(std::int64_t number) { return heldOf(std::to_string(number), {}); }
 
 bool isWhole(const Held& held) { return checksumOf(bytesOf(held.name), held.bytes) == held.checksum; }
 
-What whatBecame(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after) {
+What whatBecame(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after,
+                bool isRenaming) {
   if (place.kind == Place::Kind::favourite) return What::flagged;
   if (place.kind == Place::Kind::setting) return What::set;
   if (!after) return What::removed;
-  if (!before || nameIn(place, *before) == nameIn(place, *after)) return What::stored;
-  return areEqualButForNames(place, *before, *after) ? What::renamed : What::stored;
+  // An edit buffer that was never stored is not empty, but as new.
+  if (!before) return isRenaming && place.kind == Place::Kind::live ? What::renamed : What::stored;
+  if (nameIn(place, *before) == nameIn(place, *after)) return What::stored;
+  const bool isRenamed = before->bytes == after->bytes || (isRenaming && areEqualButForNames(place, *before, *after));
+  return isRenamed ? What::renamed : What::stored;
 }
 
 std::string nameIn(const Place& place, const Held& held) {

@@ -45,7 +45,10 @@ bool isWhole(const Held& held);
 
 // What became of a place.
 enum class What : std::uint8_t { stored = 1, removed = 2, renamed = 3, flagged = 4, set = 5 };  // as in the file
-What whatBecame(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after);
+// `isRenaming`: by a run that changes nothing but names. Without it a content that comes over one which differs in its
+// name alone is stored, but for one that stays the same to the byte.
+What whatBecame(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after,
+                bool isRenaming);
 
 // The name that a place bears with this in it: edit buffers have theirs inside of their models.
 std::string nameIn(const Place& place, const Held& held);

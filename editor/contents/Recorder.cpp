@@ -49,10 +49,14 @@ void Recorder::begin(LibraryRun run) {
   at_ = {};
 }
 
+bool Recorder::isOff(Database& database) const {
+  return !run_.undoes && settingOf(database, kEntries, kDefaultEntries) == 0;
+}
+
 bool Recorder::goesOn(Database& database) const {
   if (!at_.entry) return false;
   if (at_.hasRecorded) return true;  // nobody else can have changed anything since
-  if (now_() - lastChange_ >= kPause) return false;
+  if (now_() - lastChange_ >= kPause || isOff(database)) return false;
   Query query(database.writing->isOpenEntry, *at_.entry);
   return query.next() && query.integer(0) != 0;
 }
@@ -71,7 +75,6 @@ void Recorder::open(Database& database) {
 void Recorder::record(Database& database, const Place& place, const std::optional<Held>& before,
                       const std::optional<Held>& after) {
   if (isOfHistory(place)) return trim(database);
-  if (!run_.undoes && settingOf(database, kEntries, kDefaultEntries) == 0) return;
   if (before == after && !goesOn(database)) return;
   open(database);
   std::optional<Held> first = before;
@@ -104,7 +107,7 @@ std::int64_t Recorder::addRow(Database& database, const Place& place, const std:
   };
   const auto shownName = [&](const Held& held) { return bytesOf(nameIn(place, held)); };
   const auto checksum = [](const Held& held) { return held.checksum; };
-  Query(database.writing->addChange, *at_.entry, place, std::int64_t(whatBecame(place, before, after)),
+  Query(database.writing->addChange, *at_.entry, place, std::int64_t(whatBecame(place, before, after, run_.isRenaming)),
         ifHeld(before, shownName), ifHeld(after, shownName), ifHeld(after, checksum),
         ifHeld(before, [](const Held& held) { return bytesOf(held.name); }), ifHeld(before, checksum),
         ifHeld(before, [](const Held& held) { return held.bytes; }))
@@ -119,7 +122,8 @@ bool Recorder::isEmpty(Database& database) const {
 
 void Recorder::finish(Database& database) {
   if (!std::exchange(at_.hasRecorded, false)) return;
-  if (std::exchange(at_.hasBegun, false) && !run_.undoes && isEmpty(database)) {
+  if (std::exchange(at_.hasBegun, false) && !run_.undoes && (isEmpty(database) || isOff(database))) {
+    Query(database.writing->removeChanges, *at_.entry).changes();
     Query(database.writing->removeEntry, *at_.entry).changes();
     at_.entry.reset();
   }

@@ -14,9 +14,10 @@ struct Database;
 
 // What changes a library: a run of a verb.
 struct LibraryRun {
-  std::string verb;
-  std::vector<std::string> sources;    // the files that it reads, as its user named them
-  std::optional<std::int64_t> undoes;  // the entry that it takes back
+  std::string verb = {};
+  std::vector<std::string> sources = {};    // the files that it reads, as its user named them
+  std::optional<std::int64_t> undoes = {};  // the entry that it takes back
+  bool isRenaming = false;                  // it changes nothing but names
 };
 
 // An entry of the history as it stands in the file.
@@ -47,8 +48,8 @@ struct RecordedChange {
 //     done
 //   - blocks of a unit that its footer has not stored: they are not in the library
 //   - that a library was made, or brought to a new version: no place changed by that
-//   - libraries in memory: they are gone before anybody could undo anything
-//   - anything but undos while the history is off
+//   - libraries in memory, but for runs that say what they are: those rehearse what they would change
+//   - anything but undos while the history is off: its entry goes when the transaction ends
 class Recorder {
  public:
   using Clock = std::chrono::system_clock::time_point (*)();
@@ -61,6 +62,7 @@ class Recorder {
   explicit Recorder(Clock clock) : now_(clock) {}
 
   void begin(LibraryRun run);
+  bool hasRun() const { return !run_.verb.empty(); }
   // Inside of a transaction, as all that follows. Throw SQLite::Exception.
   //
   // Begins the entry of the run at once: it stands without a change too when it is an undo.
@@ -82,6 +84,7 @@ class Recorder {
   void takeBack(const Mark& mark) { at_ = mark; }
 
  private:
+  bool isOff(Database& database) const;
   bool goesOn(Database& database) const;
   bool isEmpty(Database& database) const;
   std::int64_t addRow(Database& database, const Place& place, const std::optional<Held>& before,

@@ -18,21 +18,13 @@ std::vector<std::vector<std::size_t>> Batch::messagesByUnit() const {
   return found;
 }
 
-std::string placeNameOf(BulkAddress address) {
-  const MidLo place{address.mid, address.lo};
-  std::optional<ContentId> content;
-  if (address.hi == BDA::kHeaderHi || address.hi == BDA::kFooterHi) content = contentOfHeader(place);
-  if (address.hi == BDA::kFileDumpHi) content = contentOfFileDump(place);
-  return content ? nameOf(canonical(*content)) : nameOrBytes(address);
-}
-
 void BatchBuilder::add(std::span<const std::uint8_t> message) {
   batch_.messages.push_back({{message.begin(), message.end()}});
   const std::uint64_t number = batch_.messages.size();
   const Reading reading = readMessage(message);
   if (reading.kind == Reading::Kind::dump && reading.role == Role::fileDump && !isBroken(reading)) {
     const BulkAddress address = *reading.address;
-    const PlaceKind kind = kindOf(*contentOfFileDump({address.mid, address.lo}));
+    const ContentKind kind = contentKindOf(*contentAt(address));
     found_.push_back(
         {{Batch::Unit::Form::fileDump, placeNameOf(address), address, kind, reading.removes.has_value()}, {number}});
   }
@@ -45,7 +37,7 @@ void BatchBuilder::addJson(nlohmann::ordered_json object) {
     try {
       const std::string name = target->is_string() ? target->get<std::string>() : target->dump();
       const Target parsed = parseTarget(name);
-      unit.place = parsed.kind == Target::Kind::content ? nameOf(canonical(parsed.content)) : parsed.name;
+      unit.place = placeNameOf(parsed);
     } catch (const TargetError& error) {
       throw TargetJsonError(std::string("target: ") + error.what());
     }
@@ -91,24 +83,24 @@ void BatchBuilder::take(const std::vector<UnitReport>& reports) {
 }
 
 // By its blocks: the header of a part's voice does not tell.
-PlaceKind BatchBuilder::kindOfBlocks(const UnitReport& report) const {
+ContentKind BatchBuilder::kindOfBlocks(const UnitReport& report) const {
   for (const std::uint64_t number : report.messages) {
     switch (BDA::List(BDA::listOf(batch_.messages[number - 1].bytes[BDA::kDumpAddressAt]))) {
       case BDA::List::drumVoice:
-        return PlaceKind::drumVoice;
+        return ContentKind::drum;
       case BDA::List::multi:
-        return PlaceKind::multi;
+        return ContentKind::multi;
       case BDA::List::performance:
-        return PlaceKind::performance;
+        return ContentKind::performance;
       case BDA::List::master:
-        return PlaceKind::master;
+        return ContentKind::master;
       case BDA::List::remote:
-        return PlaceKind::remote;
+        return ContentKind::remote;
       default:
         break;
     }
   }
-  return PlaceKind::normalVoice;
+  return ContentKind::voice;
 }
 
 void readdress(std::vector<std::uint8_t>& dump, BulkAddress address) {
@@ -122,16 +114,8 @@ void setDevice(std::vector<std::uint8_t>& message, unsigned device) {
   if (readMessage(message).device) message[2] = std::uint8_t((message[2] & BDA::kTypeMask) | (device - 1));
 }
 
-std::vector<std::uint8_t> writeTrigger(unsigned device) {
-  std::vector<std::uint8_t> trigger(BDA::kDumpFrame);
-  trigger.front() = BDA::kStartOfExclusive;
-  trigger[1] = BDA::kMakerId;
-  trigger[2] = std::uint8_t(BDA::kTypeDump | (device - 1));
-  trigger[3] = BDA::kModelId1;
-  trigger[4] = BDA::kModelId2;
-  trigger.back() = BDA::kEndOfExclusive;
-  readdress(trigger, kWriteTrigger);
-  return trigger;
+std::vector<std::uint8_t> triggerFor(std::span<const std::uint8_t> fileDump) {
+  return writeTrigger(std::uint8_t(*readMessage(fileDump).device - 1));
 }
 
 }  // namespace Editor

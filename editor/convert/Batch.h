@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "messages/Units.h"
-#include "targets/PlaceKind.h"
+#include "targets/ContentKind.h"
 
 namespace Editor {
 
@@ -23,11 +23,11 @@ struct Batch {
     };
 
     Form form = Form::blocks;
-    std::string place;                        // readable: the same for all addresses of a content; of JSON may be ""
-    std::optional<BulkAddress> address;       // of its header or file dump, of `system` its first block; of JSON none
-    PlaceKind kind = PlaceKind::normalVoice;  // not of JSON
-    bool removes = false;                     // a file dump without data: it removes what stands in its place
-    nlohmann::ordered_json object = {};       // of JSON, without its "target"
+    std::string place;                      // readable: the same for all addresses of a content; of JSON may be ""
+    std::optional<BulkAddress> address;     // of its header or file dump, of `system` its first block; of JSON none
+    ContentKind kind = ContentKind::voice;  // not of JSON
+    bool removes = false;                   // a file dump without data: it removes what stands in its place
+    nlohmann::ordered_json object = {};     // of JSON, without its "target"
   };
   struct Message {
     std::vector<std::uint8_t> bytes;
@@ -42,9 +42,6 @@ struct Batch {
   // The places of the messages of each unit, in their order.
   std::vector<std::vector<std::size_t>> messagesByUnit() const;
 };
-
-// "voice:user1:6" for header, footer and file dump of that voice; else the block's own name, or its three bytes.
-std::string placeNameOf(BulkAddress address);
 
 // Makes a batch. A file dump is a unit whether its trigger comes or not: its content is whole.
 class BatchBuilder {
@@ -67,7 +64,7 @@ class BatchBuilder {
   };
 
   void take(const std::vector<UnitReport>& reports);
-  PlaceKind kindOfBlocks(const UnitReport& report) const;
+  ContentKind kindOfBlocks(const UnitReport& report) const;
 
   Batch batch_;
   UnitFollower follower_;
@@ -75,14 +72,13 @@ class BatchBuilder {
   std::vector<Written> written_;
 };
 
-// ---- What is changed in all of them, or in one
-// -----------------------------------------------------------------------
+// ---- What is changed in all of them, or in one ----
 
 // Addresses a dump to another block, with the checksum that it then has.
 void readdress(std::vector<std::uint8_t>& dump, BulkAddress address);
 // For the device of that number, from 1. Only this instrument's messages have one, and no checksum covers it.
 void setDevice(std::vector<std::uint8_t>& message, unsigned device);
-// The trigger that has file dumps written, and removes nothing.
-std::vector<std::uint8_t> writeTrigger(unsigned device = 1);
+// The trigger that writes a file dump, for the same device.
+std::vector<std::uint8_t> triggerFor(std::span<const std::uint8_t> fileDump);
 
 }  // namespace Editor

@@ -95,8 +95,8 @@ std::vector<std::string> Placing::placeFileDump(std::size_t unit, const Destinat
 std::vector<std::string> Placing::placeJson(std::size_t unit, const Destination& to) {
   Batch::Unit& moved = batch_.units[unit];
   if (to.target.kind == Target::Kind::additional) refuse(to.target, "no message carries it");
-  const std::optional<PlaceKind> kind = moved.place.empty() ? std::nullopt : kindOf(parseTarget(moved.place));
-  const bool isMulti = kind == PlaceKind::multi || kind == PlaceKind::performance;  // whose models are alike
+  const std::optional<ContentKind> kind = moved.place.empty() ? std::nullopt : contentKindOf(parseTarget(moved.place));
+  const bool isMulti = kind == ContentKind::multi || kind == ContentKind::performance;  // whose models are alike
   if (isOfOtherKind(moved.object, to.target) || (isMulti && !fits(*kind, to.target)))
     refuse(to.target, "models of another kind do not fit");
   const ModelSet models = modelsFromJson(moved.object, to.target);
@@ -104,8 +104,8 @@ std::vector<std::string> Placing::placeJson(std::size_t unit, const Destination&
   if (address && address->hi == BDA::kFileDumpHi && !fileDumpAt(to)) address = to.target.header;
   Dumps dumps = dumpsOf(to.target, address, models);
   moved.address = address ? *address : systemAddresses().front();
-  moved.kind = kindOf(to.target).value_or(PlaceKind::single);
-  if (models.voice && models.voice->isDrum()) moved.kind = PlaceKind::drumVoice;
+  moved.kind = contentKindOf(to.target).value_or(ContentKind::single);
+  if (models.voice && models.voice->isDrum()) moved.kind = ContentKind::drum;
   moved.place = address ? placeNameOf(*address) : to.target.name;
   replace(unit, std::move(dumps.messages), address && address->hi == BDA::kFileDumpHi ? Form::fileDump : Form::blocks);
   return std::move(dumps.leftOut);
@@ -127,8 +127,7 @@ void Placing::finish() {
     for (std::vector<std::uint8_t>& bytes : *replaced_[unit]) messages.push_back({std::move(bytes), unit});
     replaced_[unit]->clear();
     if (batch_.units[unit].form != Form::fileDump) continue;
-    const unsigned device = *readMessage(messages.back().bytes).device;
-    messages.push_back({writeTrigger(device), std::nullopt, {unit}});
+    messages.push_back({triggerFor(messages.back().bytes), std::nullopt, {unit}});
   }
   batch_.messages = std::move(messages);
 }

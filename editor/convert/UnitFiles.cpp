@@ -62,7 +62,7 @@ void forEachUnitFile(const Batch& batch, Sharing sharing, UnitModels& models,
     file.name = unit.place == "system" ? "" : models.read(unit, file.messages).name;
     file.stem = fileStemOf(unit, file.name);
     if (isApart && unit.form == Batch::Unit::Form::fileDump && isWritableFileDump(*unit.address))
-      file.messages.push_back(writeTrigger(*readMessage(file.messages.front()).device));
+      file.messages.push_back(triggerFor(file.messages.front()));
     visit(file);
   }
   UnitFile others{std::nullopt, "other", {}, {}};

@@ -1,7 +1,6 @@
 #include "convert/UnitModels.h"
 
 #include <algorithm>
-#include <array>
 
 #include "AddressRows.h"
 #include "exchange/Answers.h"
@@ -12,25 +11,21 @@ namespace Editor {
 
 namespace {
 
-// Where units of a kind are received here: the edit buffer for blocks, a content for file dumps.
-struct Workbench {
-  PlaceKind kind;
-  std::optional<EditBuffer> buffer;
-  std::optional<MidLo> fileDump;
-};
-constexpr std::array kWorkbenches{
-    Workbench{PlaceKind::normalVoice, EditBuffer::normalVoice, MidLo{0x0A, 0}},
-    Workbench{PlaceKind::drumVoice, EditBuffer::drumVoice, MidLo{0x28, 0}},
-    Workbench{PlaceKind::multi, EditBuffer::multi, MidLo{0x50, 0}},
-    Workbench{PlaceKind::performance, EditBuffer::performance, std::nullopt},
-    Workbench{PlaceKind::master, EditBuffer::master, std::nullopt},
-    Workbench{PlaceKind::remote, EditBuffer::remote, std::nullopt},
-    Workbench{PlaceKind::single, std::nullopt, MidLo{0x7F, 0}},
-};
-
-const Workbench& workbenchOf(PlaceKind kind) {
-  return *std::find_if(kWorkbenches.begin(), kWorkbenches.end(),
-                       [&](const Workbench& one) { return one.kind == kind; });
+// The content as which file dumps of a kind are received here.
+std::optional<MidLo> receivingDumpOf(ContentKind kind) {
+  switch (kind) {
+    case ContentKind::voice:
+    case ContentKind::mix:
+      return MidLo{0x0A, 0};
+    case ContentKind::drum:
+      return MidLo{0x28, 0};
+    case ContentKind::multi:
+      return MidLo{0x50, 0};
+    case ContentKind::single:
+      return MidLo{0x7F, 0};
+    default:
+      return std::nullopt;
+  }
 }
 
 BulkAddress at(std::uint8_t hi, MidLo place) { return {hi, place.mid, place.lo}; }
@@ -63,7 +58,7 @@ UnitModels::Held UnitModels::read(const Batch::Unit& unit, const MessageBytes& m
 }
 
 UnitModels::Held UnitModels::readBlocks(const Batch::Unit& unit, MessageBytes messages) {
-  const EditBuffer buffer = *workbenchOf(unit.kind).buffer;
+  const EditBuffer buffer = *editBufferOf(unit.kind);
   readdress(messages.front(), at(BDA::kHeaderHi, headerOf(buffer)));
   readdress(messages.back(), at(BDA::kFooterHi, headerOf(buffer)));
   for (const std::vector<std::uint8_t>& message : messages)
@@ -73,7 +68,7 @@ UnitModels::Held UnitModels::readBlocks(const Batch::Unit& unit, MessageBytes me
 }
 
 UnitModels::Held UnitModels::readFileDump(const Batch::Unit& unit, std::vector<std::uint8_t> message) {
-  const MidLo place = *workbenchOf(unit.kind).fileDump;
+  const MidLo place = *receivingDumpOf(unit.kind);
   const ContentId id = *contentOfFileDump(place);
   editor_.library().remove(id);
   readdress(message, at(BDA::kFileDumpHi, place));
@@ -90,8 +85,8 @@ std::string UnitModels::receive(const std::vector<std::uint8_t>& message) {
   return record.outcome == Outcome::refused ? record.reason : "";
 }
 
-Dumps UnitModels::blocksOf(PlaceKind kind, const ModelSet& models) {
-  const std::optional<EditBuffer> buffer = workbenchOf(kind).buffer;
+Dumps UnitModels::blocksOf(ContentKind kind, const ModelSet& models) {
+  const std::optional<EditBuffer> buffer = editBufferOf(kind);
   if (!buffer) refuse(std::string(wordsOf(kind)) + " has no blocks");
   const BulkAddress header = at(BDA::kHeaderHi, headerOf(*buffer));
   Dumps dumps{{}, checkBlocks(parseTarget(nameOrBytes(header)), models)};
@@ -100,8 +95,8 @@ Dumps UnitModels::blocksOf(PlaceKind kind, const ModelSet& models) {
   return dumps;
 }
 
-Dumps UnitModels::fileDumpOf(PlaceKind kind, const ModelSet& models) {
-  const std::optional<MidLo> place = workbenchOf(kind).fileDump;
+Dumps UnitModels::fileDumpOf(ContentKind kind, const ModelSet& models) {
+  const std::optional<MidLo> place = receivingDumpOf(kind);
   if (!place) refuse(std::string(wordsOf(kind)) + " has no file dump");
   std::string why;
   if (!editor_.store().storeModels(*contentOfFileDump(*place), nameOf(models), models, why)) refuse(why);

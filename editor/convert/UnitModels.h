@@ -34,8 +34,8 @@ class UnitModels {
 
   // The blocks or the file dump of models of that kind, addressed to some place that takes them. Throw TargetError
   // (refused) when nothing carries them.
-  Dumps blocksOf(PlaceKind kind, const ModelSet& models);
-  Dumps fileDumpOf(PlaceKind kind, const ModelSet& models);
+  Dumps blocksOf(ContentKind kind, const ModelSet& models);
+  Dumps fileDumpOf(ContentKind kind, const ModelSet& models);
 
  private:
   Held readBlocks(const Batch::Unit& unit, MessageBytes messages);

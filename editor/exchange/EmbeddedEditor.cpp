@@ -51,6 +51,7 @@ EmbeddedEditor::Run::Run(EmbeddedEditor& editor, Library::Transaction::Access ac
   EditorJobTools& tools = editor.tools();
   tools.reload();
   system_ = tools.liveSystem();
+  wasSystemStored_ = editor.library_.held(liveAt(tools.systemKey())).has_value();
   const unsigned device = system_.system->utility.values()[SystemModel::kDeviceNumber];
   setUtility(tools, SystemModel::kReceiveBulk, 1);
   if (devices == Devices::any)
@@ -66,11 +67,18 @@ EmbeddedEditor::Run::~Run() {
   editor_.handover_.endRun();
 }
 
-void EmbeddedEditor::Run::commit() {
+void EmbeddedEditor::Run::settle() {
   EditorJobTools& tools = editor_.tools();
   for (const std::uint16_t parameter : {SystemModel::kReceiveBulk, SystemModel::kDeviceNumber})
     setUtility(tools, parameter, std::uint8_t(system_.system->utility.values()[parameter]));
   saveLive(tools);
+  // What only this run has stored is no change.
+  if (!wasSystemStored_ && tools.liveSystem() == system_)
+    editor_.library_.putBack(liveAt(tools.systemKey()), std::nullopt);
+}
+
+void EmbeddedEditor::Run::commit() {
+  settle();
   transaction_->commit(Library::Transaction::Making::Always);
 }
 

@@ -48,6 +48,9 @@ class EmbeddedEditor {
   // From now on dumps and requests are taken as if they were for the device number that is set, whatever theirs is.
   void takeAnyDevice() { handover_.takeAnyDevice(); }
 
+  // Whether the instrument listens to such a dump, as it is set now. Throws LibraryError.
+  bool hears(const Reading& reading) { return handover_.hears(reading); }
+
   // The units that are still open, and the file dumps that are still held.
   std::vector<UnitReport> openUnits() const { return units_.open(); }
 
@@ -79,12 +82,15 @@ class EmbeddedEditor {
     Run& operator=(const Run&) = delete;
     ~Run();  // takes back what was not committed
 
-    void commit();  // a library that does not exist yet is made, whatever it holds
+    // Puts the switches back as they were set, when all messages are handled.
+    void settle();
+    void commit();  // and settles; a library that does not exist yet is made, whatever it holds
 
    private:
     EmbeddedEditor& editor_;
     std::optional<Library::Transaction> transaction_;
     ModelSet system_;  // as it was
+    bool wasSystemStored_ = false;
   };
 
  private:

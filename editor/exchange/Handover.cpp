@@ -1,6 +1,7 @@
 #include "exchange/Handover.h"
 
 #include "exchange/Outcome.h"
+#include "models/LiveKeys.h"
 
 namespace Editor {
 
@@ -45,6 +46,20 @@ Handed Handover::hand(const Reading& reading, std::span<const std::uint8_t> mess
   }
 }
 
+bool Handover::hears(const Reading& reading) {
+  try {
+    const Library::Transaction oneState(library_, Library::Transaction::Access::Read);
+    seeWhatOthersChanged();
+  } catch (const LiveModelError& error) {
+    throw LibraryError(LibraryError::Kind::Damaged, error.what());
+  }
+  const ModelSet live = host_.tools().liveSystem();
+  const auto& utility = live.system->utility.values();
+  const unsigned device = utility[SystemModel::kDeviceNumber];
+  if (utility[SystemModel::kReceiveBulk] == 0 || device == unsigned(CMA::DeviceNumber_Off)) return false;
+  return takesAnyDevice_ || device == unsigned(CMA::DeviceNumber_All) || reading.device == device + 1;
+}
+
 Handed Handover::handRequest(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port) {
   Handed handed;
   const Library::Transaction oneState(library_, Library::Transaction::Access::Read);
@@ -65,6 +80,7 @@ Handed Handover::handDump(const Reading& reading, std::span<const std::uint8_t> 
     const std::size_t before = library_.pendingChanges().size();
     seeWhatOthersChanged();
     liveBefore = tools.changeCount();
+    if (reading.role == Role::footer) handed.editBufferBefore = nameOfEditBuffer(*reading.address);
     hand(handed, reading, message, port);
     if (isTrigger) leaveNameless(before, nameless);
     isKept = isTrigger || (!hasFailed(handed) && handed.storeError.empty());
@@ -123,6 +139,14 @@ void Handover::rememberLive() {
   if (seen_) seen_->changes = host_.tools().changeCount();
 }
 
+std::optional<std::string> Handover::nameOfEditBuffer(BulkAddress footer) {
+  const std::optional<EditBuffer> buffer = editBufferOf(footer.mid);
+  if (!buffer) return std::nullopt;
+  const Place place = liveAt(liveKeyOf(*buffer, footer.lo));
+  const std::optional<Held> held = library_.held(place);
+  return held ? std::optional(nameIn(place, *held)) : std::nullopt;
+}
+
 // The store keeps the name of a content that is written and not named: of a dump whose name is broken, and it cannot
 // know, of one that says that there is none.
 void Handover::leaveNameless(std::size_t firstChange, const std::set<ContentId>& nameless) {
@@ -151,6 +175,13 @@ void Handover::reloadIfPossible() {
   } catch (const std::exception&) {
     // The next message reads them again, and tells.
   }
+}
+
+std::string deviceNumberWords(const EditorJobTools& tools) {
+  const unsigned device = tools.liveSystem().system->utility.values()[SystemModel::kDeviceNumber];
+  if (device == unsigned(CMA::DeviceNumber_All)) return "all";
+  if (device == unsigned(CMA::DeviceNumber_Off)) return "off";
+  return std::to_string(device + 1);
 }
 
 }  // namespace Editor

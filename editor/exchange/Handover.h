@@ -16,10 +16,11 @@ namespace Editor {
 
 // What the assistant made of a message, and what that did to the library.
 struct Handed : AssistantHost::Effects {
-  std::vector<Change> changes;  // of contents; inside of a run those that its commit brings to disk
-  bool isKept = false;          // they are on disk: they were not taken back, and no run has still to commit them
-  std::string storeError;       // what first went wrong in the store, also behind the assistant's back; empty: nothing
-  bool libraryFailed = false;   // the library's file failed meanwhile
+  std::vector<Change> changes;                  // of contents; inside of a run those that its commit brings to disk
+  std::optional<std::string> editBufferBefore;  // of its footer: the name of what had been stored there, if anything
+  bool isKept = false;         // they are on disk: they were not taken back, and no run has still to commit them
+  std::string storeError;      // what first went wrong in the store, also behind the assistant's back; empty: nothing
+  bool libraryFailed = false;  // the library's file failed meanwhile
 };
 
 // Hands messages to the assistant, each in one transaction of the library. A message that was refused leaves no trace
@@ -37,6 +38,10 @@ class Handover {
   Handed hand(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
               const std::set<ContentId>& nameless);
 
+  // Whether the instrument listens to it, as it is set now: to its device number, and to any dumps and requests at all.
+  // Throws LibraryError.
+  bool hears(const Reading& reading);
+
   // Between these a run's transaction, which is the caller's, is around all messages.
   void beginRun();
   void endRun();
@@ -50,6 +55,7 @@ class Handover {
   Handed handRequest(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
   void hand(Handed& handed, const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
   void seeWhatOthersChanged();
+  std::optional<std::string> nameOfEditBuffer(BulkAddress footer);
   void leaveNameless(std::size_t firstChange, const std::set<ContentId>& nameless);
   void rememberLive();
   void reloadIfPossible();
@@ -75,5 +81,8 @@ std::uint8_t deviceNumberOf(const EditorJobTools& tools);
 
 // Saves the live models that were changed. Throws LibraryError.
 void saveLive(EditorJobTools& tools);
+
+// The setting itself, in words: "1" to "16", "all" or "off".
+std::string deviceNumberWords(const EditorJobTools& tools);
 
 }  // namespace Editor

@@ -127,13 +127,17 @@ Touched touchedBy(const Reading& reading, const Handed& handed) {
   for (const Change& change : handed.changes) {
     if (change.kind != Change::Kind::Stored && change.kind != Change::Kind::Removed) continue;
     const std::string name = nameOf(change.id);
-    if (last.insert_or_assign(name, change.kind).second) touched.contents.push_back(name);
+    if (!last.insert_or_assign(name, change.kind).second) continue;
+    touched.contents.push_back(name);
+    if (change.before) touched.replaced.emplace(name, *change.before);
   }
   for (const std::string& name : touched.contents)
     if (last[name] == Change::Kind::Removed) touched.removed.push_back(name);
   const bool hasStored = handed.report.outcome == BDA::BulkDumpOutcome::handedToStore;
-  if (hasStored && reading.role == Role::footer && editBufferOf(reading.address->mid))
+  if (hasStored && reading.role == Role::footer && editBufferOf(reading.address->mid)) {
     touched.contents.push_back(nameOrBytes({BDA::kHeaderHi, reading.address->mid, reading.address->lo}));
+    if (handed.editBufferBefore) touched.replaced.emplace(touched.contents.back(), *handed.editBufferBefore);
+  }
   return touched;
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
 
 #include "exchange/Handover.h"
 #include "messages/Messages.h"
@@ -33,6 +36,8 @@ const char* wordsOf(BDA::BulkDumpRefusal refusal);
 struct Touched {
   std::vector<std::string> contents;
   std::vector<std::string> removed;  // those of `contents` that are not there in the end
+  std::map<std::string, std::string>
+      replaced;  // those of `contents` whose place was not empty, and what that was called
 };
 Touched touchedBy(const Reading& reading, const Handed& handed);
 

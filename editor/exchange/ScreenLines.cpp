@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "bda/platform/CMA/DeviceNumber.h"
+#include "exchange/Handover.h"
 
 namespace Editor {
 
@@ -21,16 +22,12 @@ std::vector<std::string> screenLines(Library& library, const EditorJobTools& too
   };
   const auto isUserBank = [](unsigned bank) { return bank >= 8 && bank <= 10; };
   const std::vector<std::uint16_t>& utility = tools.liveSystem().system->utility.values();
-  const unsigned device = utility[SystemModel::kDeviceNumber];
   const auto line = [](const char* left, auto leftCount, const char* right, auto rightCount) {
     return fmt::format("{:<8}{:>4}  {:<8}{:>4}", left, leftCount, right, rightCount);
   };
   return {"Bulk Dump Assistant",
           library.file().filename().string(),
-          fmt::format("Device {}, receive {}",
-                      device == unsigned(CMA::DeviceNumber_All)   ? "all"
-                      : device == unsigned(CMA::DeviceNumber_Off) ? "off"
-                                                                  : std::to_string(device + 1),
+          fmt::format("Device {}, receive {}", deviceNumberWords(tools),
                       utility[SystemModel::kReceiveBulk] != 0 ? "on" : "off"),
           line("Preset",
                countBanks([&](unsigned bank) { return !isUserBank(bank) && !isDrumBank(bank) && bank != kMixingBank; }),

@@ -13,8 +13,10 @@ namespace Editor {
 namespace {
 
 // A flag or a setting that was never set has a value all the same.
-std::optional<std::string> valueOf(const Place& place, const std::optional<std::string>& name) {
+std::optional<std::string> valueOf(const RecordedChange& change, const std::optional<std::string>& name) {
+  const Place& place = change.place;
   if (name) return name;
+  if (change.what == What::renamed) return "";  // an edit buffer as new
   if (place.kind == Place::Kind::favourite) return "0";
   return place.kind == Place::Kind::setting ? std::optional(std::to_string(Library::kDefaultMixingVoiceMaximum)) : name;
 }
@@ -55,9 +57,14 @@ const char* wordOf(What what) {
 std::vector<PlaceChange> changesOf(Library& library, std::int64_t entry) {
   std::vector<PlaceChange> changes;
   for (const RecordedChange& change : library.recordedChanges(entry, false))
-    changes.push_back({nameOf(change.place), change.what, valueOf(change.place, change.nameBefore),
-                       valueOf(change.place, change.nameAfter)});
+    changes.push_back(
+        {nameOf(change.place), change.what, valueOf(change, change.nameBefore), valueOf(change, change.nameAfter)});
   return changes;
+}
+
+std::vector<PlaceChange> changesOfRun(Library& library) {
+  const std::optional<std::int64_t> entry = library.entryOfRun();
+  return entry ? changesOf(library, *entry) : std::vector<PlaceChange>();
 }
 
 std::vector<HistoryEntry> entriesOf(Library& library) {

@@ -21,6 +21,8 @@ struct PlaceChange {
   // Names, nothing where the place is empty, "" of what bears none; of flags and settings the values.
   std::optional<std::string> before;
   std::optional<std::string> after;
+
+  friend bool operator==(const PlaceChange&, const PlaceChange&) = default;
 };
 
 struct HistoryEntry {
@@ -39,5 +41,8 @@ inline bool isNumber(What what) { return what == What::flagged || what == What::
 std::vector<HistoryEntry> entriesOf(Library& library);
 // As they stand in the entry.
 std::vector<PlaceChange> changesOf(Library& library, std::int64_t entry);
+// Of the run that is going on, as they will stand there: before its transaction is committed, for then there may be no
+// entry.
+std::vector<PlaceChange> changesOfRun(Library& library);
 
 }  // namespace Editor

@@ -32,9 +32,9 @@ void dropMisfits(Library& library) {
 Undone find(Library& library, std::optional<std::int64_t> named) {
   for (const HistoryEntry& entry : entriesOf(library)) {
     const bool isMeant = named ? entry.number == *named : !entry.undoes && !entry.undoneBy;
-    if (isMeant) return {Undone::State::done, entry.number, {}, {}};
+    if (isMeant) return {Undone::State::done, entry.number, {}, {}, {}};
   }
-  return {Undone::State::nothingToUndo, named.value_or(0), {}, {}};
+  return {Undone::State::nothingToUndo, named.value_or(0), {}, {}, {}};
 }
 
 }  // namespace
@@ -46,15 +46,23 @@ Undone undo(EmbeddedEditor& editor, std::optional<std::int64_t> entry, Force for
   const std::vector<RecordedChange> changes = library.recordedChanges(undone.entry, true);
   for (const RecordedChange& change : changes)
     if (!isAsLeft(library.held(change.place), change)) undone.conflicts.push_back(nameOf(change.place));
+  for (const RecordedChange& change : changes)
+    if (change.before && !isWhole(*change.before)) undone.damaged.push_back(nameOf(change.place));
+  if (!undone.damaged.empty()) {
+    undone.state = Undone::State::damaged;
+    return undone;
+  }
   if (!undone.conflicts.empty() && force == Force::no) {
     undone.state = Undone::State::conflict;
     return undone;
   }
-  library.beginRun({"undo", {}, undone.entry});
+  const bool isRenaming = std::all_of(changes.begin(), changes.end(),
+                                      [](const RecordedChange& change) { return change.what == What::renamed; });
+  library.beginRun({"undo", {}, undone.entry, isRenaming});
   library.openEntry();
   for (const RecordedChange& change : changes) library.putBack(change.place, change.before);
   dropMisfits(library);
-  undone.changes = changesOf(library, library.recordedEntries().front().number);
+  undone.changes = changesOfRun(library);
   editor.tools().reload();
   return undone;
 }

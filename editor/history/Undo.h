@@ -16,12 +16,14 @@ struct Undone {
     done,
     nothingToUndo,  // no entry is left, or none has that number
     conflict,       // places no longer hold what the entry left there
+    damaged,        // what places held before can no longer be trusted: it is never put back
   };
 
   State state = State::done;
   std::int64_t entry = 0;              // that was, or would have been, taken back
   std::vector<std::string> conflicts;  // the places; also where they were taken back all the same
-  std::vector<PlaceChange> changes;    // done: what the undo changed
+  std::vector<std::string> damaged;
+  std::vector<PlaceChange> changes;  // done: what the undo changed
 };
 
 enum class Force : std::uint8_t { no, yes };
@@ -30,7 +32,8 @@ enum class Force : std::uint8_t { no, yes };
 // it is done nothing is changed. The entry is the one that is named, or the newest that is no undo and not undone. The
 // undo is an entry and a run of the library itself, so it can be undone by its number. A place is compared by what it
 // holds, whatever happened to it meanwhile: where that is not what the entry left there nothing is put back, but with
-// force. The editor's live models are then those of the library. Throws LibraryError, and LiveModelError.
+// force. What the history holds damaged is not put back with it either. The editor's live models are then those of the
+// library. Throws LibraryError, and LiveModelError.
 Undone undo(EmbeddedEditor& editor, std::optional<std::int64_t> entry, Force force);
 
 }  // namespace Editor

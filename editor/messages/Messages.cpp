@@ -155,6 +155,23 @@ std::vector<std::uint8_t> requestMessage(BulkAddress address, std::uint8_t devic
           BDA::kEndOfExclusive};
 }
 
+std::vector<std::uint8_t> dumpMessage(BulkAddress address, std::span<const std::uint8_t> data, std::uint8_t device) {
+  std::vector<std::uint8_t> message{BDA::kStartOfExclusive,
+                                    BDA::kMakerId,
+                                    std::uint8_t(BDA::kTypeDump | device),
+                                    BDA::kModelId1,
+                                    BDA::kModelId2,
+                                    std::uint8_t(data.size() >> 7),
+                                    std::uint8_t(data.size() & 0x7F),
+                                    address.hi,
+                                    address.mid,
+                                    address.lo};
+  for (const std::uint8_t byte : data) message.push_back(byte);
+  message.push_back(BDA::Utility::calcCheckSum(message.data(), message.size() + 2));
+  message.push_back(BDA::kEndOfExclusive);
+  return message;
+}
+
 const char* wordOf(Reading::Kind kind) {
   switch (kind) {
     case Reading::Kind::foreign:

@@ -8,7 +8,7 @@ namespace Editor {
 
 namespace {
 
-constexpr std::uint8_t kStart = 0xF0;
+constexpr std::uint8_t kFirstStatus = 0x80;
 constexpr std::uint8_t kEnd = 0xF7;
 constexpr std::size_t kLongestRun = 4096;
 
@@ -53,10 +53,12 @@ void HexTextReader::takeDigit(unsigned digit) {
     return;
   }
   const auto byte = std::uint8_t(*std::exchange(high_, std::nullopt) * 16 + digit);
-  if (byte == kStart) pass();
-  if (run_.empty()) runOffset_ = offset_ - 1;
+  const std::uint64_t offset = offset_ - 1;
+  if (byte >= kFirstStatus && byte != kEnd) pass();
+  if (run_.empty()) runOffset_ = offset;
+  if (visitByte_) visitByte_(offset, byte);
   run_.push_back(byte);
-  if (byte == kEnd || run_.size() == kLongestRun) pass();
+  if (byte >= kEnd || run_.size() == kLongestRun) pass();
 }
 
 void HexTextReader::pass() {

@@ -24,13 +24,16 @@ std::string hexLine(std::span<const std::uint8_t> message);
 // Reads such text, arriving in chunks of any size, into a joiner. A line that is anything else is passed over from
 // there on and told; it ends a message that is open.
 //
-// Offsets are those of the text: that of a message is that of the digits of its F0.
+// Offsets are those of the text: that of a byte is that of the first of its digits.
 class HexTextReader {
  public:
   using TellError = std::function<void(std::uint64_t offset, std::string text)>;
+  using VisitByte = std::function<void(std::uint64_t offset, std::uint8_t byte)>;
 
-  // The joiner must outlive the reader.
-  HexTextReader(StreamJoiner& joiner, TellError tellError) : joiner_(joiner), tellError_(std::move(tellError)) {}
+  // The joiner must outlive the reader. Who wants to know where each byte stands has it visited, before the joiner sees
+  // it.
+  HexTextReader(StreamJoiner& joiner, TellError tellError, VisitByte visitByte = {})
+      : joiner_(joiner), tellError_(std::move(tellError)), visitByte_(std::move(visitByte)) {}
   HexTextReader(const HexTextReader&) = delete;
   HexTextReader& operator=(const HexTextReader&) = delete;
 
@@ -46,11 +49,12 @@ class HexTextReader {
 
   StreamJoiner& joiner_;
   TellError tellError_;
+  VisitByte visitByte_;
   std::uint64_t offset_ = 0;  // of the next character
   std::uint64_t line_ = 1;
   bool isPassedOver_ = false;      // the rest of the line
   std::optional<unsigned> high_;   // the first digit of a byte
-  std::vector<std::uint8_t> run_;  // bytes of one line that are still to be passed on
+  std::vector<std::uint8_t> run_;  // bytes of one line to be passed on; nothing begins but with the first of them
   std::uint64_t runOffset_ = 0;
 };
 

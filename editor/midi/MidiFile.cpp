@@ -212,6 +212,7 @@ class StandardReader {
   void join(Bytes part) {
     joiner_.skipTo(offsetOf(part));
     joiner_.feed(part);
+    file_.parts.push_back(part);
   }
 
   std::size_t offsetOf(Bytes part) const { return static_cast<std::size_t>(part.data() - whole_.data()); }
@@ -271,6 +272,7 @@ MidiFile readMidiFile(std::span<const std::uint8_t> file) {
     StreamJoiner joiner(collector);
     joiner.feed(file);
     joiner.finish();
+    result.parts.push_back(file);
   }
   return result;
 }

@@ -34,6 +34,9 @@ struct MidiFile {
   std::vector<Message> messages;
   std::vector<Dropped> dropped;
   std::vector<Error> errors;
+  // The parts of the file that went into messages or were dropped, in their order: all of a raw stream, else what the
+  // System Exclusive events carry.
+  std::vector<std::span<const std::uint8_t>> parts;
 
   std::unique_ptr<std::uint8_t[]> arena;  // holds the messages, so that none costs an allocation of its own
 };

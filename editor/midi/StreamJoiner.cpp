@@ -55,7 +55,7 @@ void StreamJoiner::feed(std::span<const std::uint8_t> chunk) {
       continue;
     }
     if (open_) {
-      abandon(at - begin, Reason::Abandoned);
+      abandon(chunk.subspan(begin, at - begin), Reason::Abandoned);
       begin = at;
     }
     if (status == kStart) {
@@ -71,7 +71,7 @@ void StreamJoiner::feed(std::span<const std::uint8_t> chunk) {
 }
 
 void StreamJoiner::finish() {
-  if (open_) abandon(0, Reason::Unfinished);
+  if (open_) abandon({}, Reason::Unfinished);
   reportRun();
 }
 
@@ -101,7 +101,7 @@ void StreamJoiner::setAside(std::span<const std::uint8_t> bytes, std::size_t at)
 
 // `tail`: the message's bytes that are not held yet.
 void StreamJoiner::deliver(std::span<const std::uint8_t> tail) {
-  if (tooLong_ > 0 || tail.size() > longest_ - held_.size()) return abandon(tail.size(), Reason::TooLong);
+  if (tooLong_ > 0 || tail.size() > longest_ - held_.size()) return abandon(tail, Reason::TooLong);
   reportRun();
   open_ = false;
   if (held_.empty()) {
@@ -113,10 +113,16 @@ void StreamJoiner::deliver(std::span<const std::uint8_t> tail) {
   held_.clear();
 }
 
-void StreamJoiner::abandon(std::uint64_t tail, Reason reason) {
+void StreamJoiner::abandon(std::span<const std::uint8_t> tail, Reason reason) {
   reportRun();
-  const std::uint64_t count = std::exchange(tooLong_, 0) + held_.size() + tail;
-  receiver_.dropped(messageOffset_, count, count > longest_ ? Reason::TooLong : reason);
+  const std::uint64_t count = std::exchange(tooLong_, 0) + held_.size() + tail.size();
+  if (count > longest_) {
+    reason = Reason::TooLong;
+  } else {
+    held_.insert(held_.end(), tail.begin(), tail.end());
+    receiver_.cutShort(held_);
+  }
+  receiver_.dropped(messageOffset_, count, reason);
   held_.clear();
   open_ = false;
 }

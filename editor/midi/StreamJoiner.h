@@ -36,6 +36,10 @@ class StreamJoiner {
     // run; a message that was cut short comes as one piece of its own, `count` without the real-time bytes inside.
     virtual void dropped(std::uint64_t offset, std::uint64_t count, Reason reason) = 0;
 
+    // The message that is reported as cut short by the next call begins so, without real-time bytes. Not called for one
+    // that is too long. The bytes are valid only during the call.
+    virtual void cutShort(std::span<const std::uint8_t> /*beginning*/) {}
+
    protected:
     ~Receiver() = default;
   };
@@ -59,7 +63,7 @@ class StreamJoiner {
   std::size_t deliverWhole(std::span<const std::uint8_t> chunk, std::size_t at);
   void setAside(std::span<const std::uint8_t> bytes, std::size_t at);
   void deliver(std::span<const std::uint8_t> tail);
-  void abandon(std::uint64_t tail, Reason reason);
+  void abandon(std::span<const std::uint8_t> tail, Reason reason);
   void drop(std::uint64_t offset, std::uint64_t count, Reason reason);
   void reportRun();
 

@@ -83,6 +83,11 @@ bool isDrumVoice(ContentId id) {
   return voice && isDrumBank(voice->bank);
 }
 
+bool canBeFavourite(ContentId id) {
+  const std::optional<BankVoice> voice = bankVoiceOf(id);
+  return voice && voice->bank != kMixingBank;
+}
+
 ContentId canonical(ContentId id) {
   const bool twice = id.type == ContSrv::ContType_Voice && id.number >= kMixingVoiceFirst &&
                      id.number < kMixingVoiceFirst + kVoicesPerMulti;

@@ -63,6 +63,8 @@ std::optional<BankVoice> bankVoiceOf(ContentId id);
 bool isMixingVoice(ContentId id);
 // A voice of a drum bank.
 bool isDrumVoice(ContentId id);
+// Whether a block of favourites has a flag for it: the voices of all banks but the mixing voices.
+bool canBeFavourite(ContentId id);
 
 // Two numbers stand for each voice of bank 15: this gives the one it is kept under, any other content unchanged.
 ContentId canonical(ContentId id);

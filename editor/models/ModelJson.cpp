@@ -11,26 +11,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// ---- Names: bytes of ISO 8859-1 here, UTF-8 there -------------------------------------------------------------------
-
-// Null when a character is none of U+0001 to U+00FF.
-std::optional<std::string> fromUtf8(const std::string& utf8) {
-  std::string bytes;
-  for (std::size_t i = 0; i < utf8.size(); ++i) {
-    const auto lead = static_cast<unsigned char>(utf8[i]);
-    if (lead == 0) return std::nullopt;
-    if (lead < 0x80) {
-      bytes += utf8[i];
-      continue;
-    }
-    if ((lead != 0xC2 && lead != 0xC3) || i + 1 == utf8.size()) return std::nullopt;
-    const auto trail = static_cast<unsigned char>(utf8[++i]);
-    if ((trail & 0xC0) != 0x80) return std::nullopt;
-    bytes += char((lead & 0x03) << 6 | (trail & 0x3F));
-  }
-  return bytes;
-}
-
 // ---- Writing -------------------------------------------------------------------------------------------------------
 
 class Writer {
@@ -99,7 +79,7 @@ class Reader {
     if (value == nullptr) return;
     const std::string path = joined(object_.path, key);
     if (!value->is_string()) return fail(path, "a string is expected");
-    const std::optional<std::string> bytes = fromUtf8(value->get_ref<const std::string&>());
+    const std::optional<std::string> bytes = utf8ToLatin1(value->get_ref<const std::string&>());
     if (!bytes) return fail(path, "a name has no other characters than U+0001 to U+00FF");
     if (!name.assign(*bytes)) fail(path, "longer than " + std::to_string(name.capacity()) + " characters");
   }

@@ -57,17 +57,12 @@ std::string nameOf(const ModelSet& set) {
 
 namespace {
 
-struct Field {
-  std::string path;
-  const ArrayGroup* group;
-  const NameText* name;
-  std::size_t count;  // of a list, otherwise 0
-};
+using Fields = std::vector<ModelField>;
 
 // Lists the fields of a model with their paths; a list comes before its nodes.
 class FieldLister {
  public:
-  FieldLister(std::string path, std::vector<Field>& fields) : path_(std::move(path)), fields_(fields) {}
+  FieldLister(std::string path, Fields& fields) : path_(std::move(path)), fields_(fields) {}
 
   void group(const char* key, const ArrayGroup& group) { fields_.push_back({path_ + '.' + key, &group, nullptr, 0}); }
   void name(const char* key, const NameText& name) { fields_.push_back({path_ + '.' + key, nullptr, &name, 0}); }
@@ -85,12 +80,12 @@ class FieldLister {
 
  private:
   std::string path_;
-  std::vector<Field>& fields_;
+  Fields& fields_;
 };
 
 template <typename Model>
-std::vector<Field> fieldsOf(const char* key, const Model& model) {
-  std::vector<Field> fields;
+Fields fieldsOf(const char* key, const Model& model) {
+  Fields fields;
   FieldLister lister(key, fields);
   visitFields(model, lister);
   return fields;
@@ -98,7 +93,7 @@ std::vector<Field> fieldsOf(const char* key, const Model& model) {
 
 using Differences = std::vector<ParameterDifference>;
 
-void compareFields(const Field& left, const Field& right, Differences& differences) {
+void compareFields(const ModelField& left, const ModelField& right, Differences& differences) {
   if (left.count != right.count)
     differences.push_back({left.path, std::int64_t(left.count), std::int64_t(right.count)});
   if (left.name != nullptr && !(*left.name == *right.name))
@@ -107,14 +102,13 @@ void compareFields(const Field& left, const Field& right, Differences& differenc
   const std::vector<std::uint16_t>& a = left.group->values();
   const std::vector<std::uint16_t>& b = right.group->values();
   for (std::size_t i = 0; i < a.size(); ++i)
-    if (a[i] != b[i])
-      differences.push_back({left.path + '[' + std::to_string(i) + ']', std::int64_t(a[i]), std::int64_t(b[i])});
+    if (a[i] != b[i]) differences.push_back({parameterPath(left, i), std::int64_t(a[i]), std::int64_t(b[i])});
 }
 
-void compareModels(const std::vector<Field>& left, const std::vector<Field>& right, Differences& differences) {
-  std::unordered_map<std::string, const Field*> others;
-  for (const Field& field : right) others.emplace(field.path, &field);
-  for (const Field& field : left) {
+void compareModels(const Fields& left, const Fields& right, Differences& differences) {
+  std::unordered_map<std::string, const ModelField*> others;
+  for (const ModelField& field : right) others.emplace(field.path, &field);
+  for (const ModelField& field : left) {
     const auto found = others.find(field.path);
     if (found != others.end()) compareFields(field, *found->second, differences);  // else its list has been named
   }
@@ -159,10 +153,22 @@ std::string namePathIn(const ModelSet& set) {
   if (name == nullptr) return {};
   std::string path;
   forEachModel(set, [&](const char* key, const auto& model) {
-    for (Field& field : fieldsOf(key, model))
+    for (ModelField& field : fieldsOf(key, model))
       if (field.name == name) path = std::move(field.path);
   });
   return path;
+}
+
+std::vector<ModelField> fieldsOf(const ModelSet& set) {
+  Fields all;
+  forEachModel(set, [&](const char* key, const auto& model) {
+    for (ModelField& field : fieldsOf(key, model)) all.push_back(std::move(field));
+  });
+  return all;
+}
+
+std::string parameterPath(const ModelField& group, std::size_t index) {
+  return group.path + '[' + std::to_string(index) + ']';
 }
 
 }  // namespace Editor

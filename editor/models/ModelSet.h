@@ -84,4 +84,18 @@ std::vector<std::string> differingPaths(const ModelSet& a, const ModelSet& b);
 // The path of the name that nameIn finds; empty for none.
 std::string namePathIn(const ModelSet& set);
 
+// One of a group, a name and a list of nodes, with its path: "voice.element[3].params".
+struct ModelField {
+  std::string path;
+  const ArrayGroup* group;
+  const NameText* name;
+  std::size_t count;  // of a list, otherwise 0
+};
+// All that a set consists of, in the order of the published JSON; a list comes before its nodes. Sets of one shape have
+// the same fields. Valid as long as the set.
+std::vector<ModelField> fieldsOf(const ModelSet& set);
+
+// "voice.common[3]"
+std::string parameterPath(const ModelField& group, std::size_t index);
+
 }  // namespace Editor

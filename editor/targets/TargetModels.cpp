@@ -16,6 +16,30 @@ void requireFormat(const Target& target) {
     refuse(target, "its bytes are kept as they came, they have no parameters");
 }
 
+// Bytes of another format are not replaced, and a new mixing voice needs room.
+void requireReplaceable(EmbeddedEditor& editor, const Target& target) {
+  ModelSet before = emptySetFor(target.content);
+  std::string why;
+  const ContentStore::Loaded found = editor.store().loadModels(target.content, before, why);
+  if (found == ContentStore::Loaded::failed) throw LibraryError(LibraryError::Kind::Failed, why);
+  if (found == ContentStore::Loaded::opaque) refuse(target, why);
+  const bool isNew = found == ContentStore::Loaded::empty;
+  if (isNew && isMixingVoice(target.content) &&
+      editor.store().mixingVoiceCount() >= editor.store().mixingVoiceMaximum())
+    refuse(target,
+           fmt::format("there is no room for another mixing voice, {} are stored", editor.store().mixingVoiceCount()));
+}
+
+// A part's voice brings the multi that it plays in.
+bool replaceBuffer(EditorJobTools& tools, const Target& target, const ModelSet& models) {
+  if (target.buffer != EditBuffer::partVoice) return tools.replaceLive(target.buffer, 0, models);
+  ModelSet multi = models;
+  multi.voice.reset();
+  ModelSet voice;
+  voice.voice = models.voice;
+  return tools.replaceLive(EditBuffer::multi, 0, multi) && tools.replaceLive(EditBuffer::partVoice, target.part, voice);
+}
+
 }  // namespace
 
 ModelSet loadTarget(EmbeddedEditor& editor, const Target& target) {
@@ -43,23 +67,32 @@ ModelSet loadTarget(EmbeddedEditor& editor, const Target& target) {
   return models;
 }
 
+std::vector<Target> editBuffers() {
+  std::vector<Target> targets;
+  const auto add = [&](EditBuffer buffer, std::uint8_t part) {
+    const MidLo header = headerOf(buffer, part);
+    targets.push_back(parseTarget(nameOrBytes({BDA::kHeaderHi, header.mid, header.lo})));
+  };
+  for (const EditBuffer buffer : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
+                                  EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
+    add(buffer, 0);
+  for (std::uint8_t part = 0; part < kParts; ++part) add(EditBuffer::partVoice, part);
+  return targets;
+}
+
 std::vector<Target> storedLive(EmbeddedEditor& editor) {
   const EditorJobTools& tools = editor.tools();
   const std::vector<std::string> keys = editor.library().liveKeys();
   std::vector<Target> targets;
-  const auto add = [&](const std::string& key, const std::string& name) {
-    if (std::find(keys.begin(), keys.end(), key) != keys.end()) targets.push_back(parseTarget(name));
+  const auto add = [&](const std::string& key, Target target) {
+    if (std::find(keys.begin(), keys.end(), key) != keys.end()) targets.push_back(std::move(target));
   };
-  const auto addBuffer = [&](EditBuffer buffer, std::uint8_t part) {
-    const MidLo header = headerOf(buffer, part);
-    add(tools.liveKey(buffer, part), nameOrBytes({BDA::kHeaderHi, header.mid, header.lo}));
-  };
-  for (const EditBuffer buffer : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
-                                  EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
-    addBuffer(buffer, 0);
-  for (std::uint8_t part = 0; part < kParts; ++part) addBuffer(EditBuffer::partVoice, part);
-  add(tools.systemKey(), "system");
-  add(tools.additionalKey(), "additional");
+  for (Target& buffer : editBuffers()) {
+    const std::string& key = tools.liveKey(buffer.buffer, buffer.part);
+    add(key, std::move(buffer));
+  }
+  add(tools.systemKey(), parseTarget("system"));
+  add(tools.additionalKey(), parseTarget("additional"));
   return targets;
 }
 
@@ -101,30 +134,12 @@ void storeTarget(EmbeddedEditor& editor, const Target& target, const ModelSet& m
       stored = tools.replaceAdditional(models);
       break;
     case Target::Kind::editBuffer:
-      if (target.buffer == EditBuffer::partVoice) {
-        ModelSet multi = models;
-        multi.voice.reset();
-        ModelSet voice;
-        voice.voice = models.voice;
-        stored = tools.replaceLive(EditBuffer::multi, 0, multi) &&
-                 tools.replaceLive(EditBuffer::partVoice, target.part, voice);
-      } else {
-        stored = tools.replaceLive(target.buffer, 0, models);
-      }
+      stored = replaceBuffer(tools, target, models);
       break;
-    case Target::Kind::content: {
-      ModelSet before = emptySetFor(target.content);
-      const ContentStore::Loaded found = editor.store().loadModels(target.content, before, why);
-      if (found == ContentStore::Loaded::failed) throw LibraryError(LibraryError::Kind::Failed, why);
-      if (found == ContentStore::Loaded::opaque) refuse(target, why);
-      const bool isNew = found == ContentStore::Loaded::empty;
-      if (isNew && isMixingVoice(target.content) &&
-          editor.store().mixingVoiceCount() >= editor.store().mixingVoiceMaximum())
-        refuse(target, fmt::format("there is no room for another mixing voice, {} are stored",
-                                   editor.store().mixingVoiceCount()));
+    case Target::Kind::content:
+      requireReplaceable(editor, target);
       stored = editor.store().storeModels(target.content, nameOf(models), models, why);
       break;
-    }
   }
   if (!stored) failToStore(editor.library(), failures, target, why.empty() ? tools.lastError() : why);
   transaction.commit();

@@ -12,7 +12,9 @@ namespace Editor {
 // LibraryError.
 ModelSet loadTarget(EmbeddedEditor& editor, const Target& target);
 
-// The edit buffers that were ever stored, by kind and part, then system and additional if they were. Throws
+// All edit buffers, by kind and part.
+std::vector<Target> editBuffers();
+// The edit buffers that were ever stored, in that order, then system and additional if they were. Throws
 // LibraryError.
 std::vector<Target> storedLive(EmbeddedEditor& editor);
 

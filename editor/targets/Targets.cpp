@@ -106,7 +106,31 @@ Places<BulkAddress> parseBlocks(const std::string& text, const std::vector<std::
   return {nameOrBytes(address), true, {address}};
 }
 
+void requireContent(const Target& target) {
+  if (target.kind != Target::Kind::content)
+    throw TargetError(TargetError::Kind::noTarget,
+                      fmt::format("{} is no stored content: expected the address or name of one, such as "
+                                  "voice:user1:6 or file:multi:1",
+                                  target.name));
+}
+
 }  // namespace
+
+std::string placeNameOf(const Target& target) {
+  return target.kind == Target::Kind::content ? nameOf(canonical(target.content)) : target.name;
+}
+
+std::string placeNameOf(BulkAddress address) {
+  const std::optional<ContentId> content = contentAt(address);
+  return content ? nameOf(canonical(*content)) : nameOrBytes(address);
+}
+
+std::optional<ContentId> contentAt(BulkAddress address) {
+  const MidLo place{address.mid, address.lo};
+  if (address.hi == BDA::kHeaderHi || address.hi == BDA::kFooterHi) return contentOfHeader(place);
+  if (address.hi == BDA::kFileDumpHi) return contentOfFileDump(place);
+  return std::nullopt;
+}
 
 void refuse(const Target& target, const std::string& why) {
   throw TargetError(TargetError::Kind::refused, fmt::format("{}: {}", target.name, escape(why)));
@@ -165,12 +189,27 @@ std::string bankOfName(const std::string& name) {
 
 Target parseContent(const std::string& text) {
   Target target = parseTarget(text);
-  if (target.kind != Target::Kind::content)
-    throw TargetError(TargetError::Kind::noTarget,
-                      fmt::format("{} is no stored content: expected the address or name of one, such as "
-                                  "voice:user1:6 or file:multi:1",
-                                  target.name));
+  requireContent(target);
   return target;
+}
+
+Places<Target> parseContents(const std::string& text) {
+  Places<Target> targets = parseTargets(text);
+  for (const Target& target : targets.list) requireContent(target);
+  return targets;
+}
+
+std::vector<Target> placesFrom(const Target& first, std::size_t count) {
+  std::vector<Target> places;
+  for (const BulkAddress address : placesOfBank(bankOfName(first.name)))
+    if (Target target = targetAt(address); !places.empty() || target.name == first.name)
+      places.push_back(std::move(target));
+  if (places.empty()) places.push_back(first);
+  if (places.size() < count)
+    failToName(
+        fmt::format("{}: {} places are needed from there on, its bank has {}", first.name, count, places.size()));
+  places.resize(count);
+  return places;
 }
 
 }  // namespace Editor

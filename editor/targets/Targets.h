@@ -34,6 +34,13 @@ class TargetError : public std::runtime_error {
   Kind kind_;
 };
 
+// The name under which a place is told, the same for all addresses of a content: that of its header, if it has one.
+// Of an address that is of no content the block's own name, or its three bytes.
+std::string placeNameOf(const Target& target);
+std::string placeNameOf(BulkAddress address);
+// The content that a header, a footer or a file dump is of.
+std::optional<ContentId> contentAt(BulkAddress address);
+
 // Throws TargetError (refused), which names the target.
 [[noreturn]] void refuse(const Target& target, const std::string& why);
 
@@ -61,6 +68,10 @@ Target parseTarget(const std::string& text);
 Target parseOneTarget(const std::vector<std::string>& words);
 // A target that is a stored content, or could be.
 Target parseContent(const std::string& text);
+// The same for all that a word names.
+Places<Target> parseContents(const std::string& text);
+// So many places of the bank that `first` lies in, from there on.
+std::vector<Target> placesFrom(const Target& first, std::size_t count);
 // All that the words name, banks and ranges with all their places.
 std::vector<BulkAddress> parseAddresses(const std::vector<std::string>& words);
 

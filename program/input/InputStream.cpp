@@ -140,14 +140,19 @@ class Pieces final : public StreamJoiner::Receiver {
   }
 
   void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
-    loss({file_, offset, count, describe(reason), kindOf(reason)});
+    loss({file_, offset, count, describe(reason), kindOf(reason), std::exchange(beginning_, {})});
+  }
+
+  void cutShort(Bytes beginning) override {
+    const Bytes first = beginning.first(std::min(beginning.size(), kBeginning));
+    beginning_.assign(first.begin(), first.end());
   }
 
   void loss(InputLoss loss) {
     const bool isRealTime = loss.kind == InputLoss::Kind::realTime;
     if (!isRealTime && !waits_) tellHeld(loss.offset);
     if (held_.size() >= kMostHeld) tellAll();
-    held_.push_back({loss.offset, loss.dropped, std::move(loss.reason), loss.kind});
+    held_.push_back({loss.offset, loss.dropped, std::move(loss.reason), loss.kind, std::move(loss.beginning)});
     if (!isRealTime && !waits_) tellHeld(kAll);
   }
 
@@ -159,12 +164,14 @@ class Pieces final : public StreamJoiner::Receiver {
  private:
   static constexpr std::uint64_t kAll = ~std::uint64_t{0};
   static constexpr std::size_t kMostHeld = 4096;  // then it is time to tell, whatever the order
+  static constexpr std::size_t kBeginning = 16;   // the frame of a dump before its data, and some
 
   struct Held {
     std::uint64_t offset;
     std::uint64_t dropped;
     std::string reason;
     InputLoss::Kind kind;
+    std::vector<std::uint8_t> beginning;
   };
 
   void tellAll() {
@@ -176,7 +183,7 @@ class Pieces final : public StreamJoiner::Receiver {
     std::stable_sort(held_.begin(), held_.end(), [](const Held& a, const Held& b) { return a.offset < b.offset; });
     const auto end = std::find_if(held_.begin(), held_.end(), [&](const Held& one) { return one.offset >= before; });
     for (auto one = held_.begin(); one != end; ++one)
-      visitLoss_({file_, one->offset, one->dropped, std::move(one->reason), one->kind});
+      visitLoss_({file_, one->offset, one->dropped, std::move(one->reason), one->kind, std::move(one->beginning)});
     held_.erase(held_.begin(), end);
   }
 
@@ -187,6 +194,7 @@ class Pieces final : public StreamJoiner::Receiver {
   const InputStream::VisitLoss& visitLoss_;
   bool waits_;  // until there is a message, nothing is told: there may never be one
   std::vector<Held> held_;
+  std::vector<std::uint8_t> beginning_;  // of the message that is reported next
 };
 
 // All of a file that is read whole.
@@ -296,7 +304,7 @@ InputStream::InputStream(const std::vector<std::string>& paths, Takes takes) : t
       throw Failure(kUnusableInput, problem);
 }
 
-// Why a file that can be read twice is none of messages; empty: it is one.
+// Why a file that can be read twice cannot be read; empty: it can. Throws NotMessages when it is none of messages.
 std::string InputStream::judge(const File& file) const {
   try {
     Source source(*file.stream, true);
@@ -307,7 +315,7 @@ std::string InputStream::judge(const File& file) const {
     const VisitLoss ignoreLoss = [](const InputLoss&) {};
     Pieces pieces(file.name, judgement, number, ignoreMessage, ignoreLoss, false);
     if (!isTakenAsJson) readPieces(source, file.name, judgement, pieces, [&] { return judgement.isUsable(); });
-    if (!isTakenAsJson && !judgement.isUsable()) return judgement.words(file.name);
+    if (!isTakenAsJson && !judgement.isUsable()) throw NotMessages(judgement.words(file.name));
     if (::lseek(::fileno(file.stream.get()), 0, SEEK_SET) != 0) throw ReadError{reasonOf(errno)};
     return {};
   } catch (const ReadError& error) {

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "ExitCode.h"
+
 namespace Editor {
 
 struct InputMessage {
@@ -28,6 +30,13 @@ struct InputLoss {
   std::uint64_t dropped;  // how many; 0 of a file's structure
   std::string reason;
   Kind kind;
+  std::vector<std::uint8_t> beginning = {};  // of a message of a stream that was cut short: its first bytes
+};
+
+// A file that can be read and holds no messages: it is of another kind.
+class NotMessages : public Failure {
+ public:
+  explicit NotMessages(const std::string& text) : Failure(kUnusableInput, text) {}
 };
 
 // The message files of a command line, read from the first to the last, message by message: of a stream of MIDI bytes
@@ -37,8 +46,8 @@ class InputStream {
  public:
   enum class Takes : std::uint8_t { messages, jsonToo };
 
-  // "-" is standard input. Throws Failure (kUnusableInput) when one cannot be opened, or holds no messages; of what
-  // comes through a pipe that is known at its end.
+  // "-" is standard input. Throws Failure (kUnusableInput) when one cannot be opened, NotMessages when one holds no
+  // messages; of what comes through a pipe that is known at its end.
   explicit InputStream(const std::vector<std::string>& paths, Takes takes = Takes::messages);
   InputStream(const InputStream&) = delete;
   InputStream& operator=(const InputStream&) = delete;

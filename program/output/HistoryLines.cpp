@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "messages/Text.h"
-#include "models/Latin1.h"
+#include "output/ChangeLines.h"
 
 namespace Editor {
 
@@ -21,26 +21,6 @@ constexpr What kWhats[] = {What::stored, What::removed, What::renamed, What::fla
 std::string timeOf(const HistoryEntry& entry) {
   return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(std::time_t(entry.time)));
 }
-
-Json toJson(const PlaceChange& change, const std::optional<std::string>& value) {
-  if (!value) return nullptr;
-  if (isNumber(change.what)) return std::stoll(*value);
-  return latin1ToUtf8(*value);
-}
-
-Json toJson(const PlaceChange& change) {
-  return {{"content", change.place},
-          {"what", wordOf(change.what)},
-          {"before", toJson(change, change.before)},
-          {"after", toJson(change, change.after)}};
-}
-
-std::string show(const PlaceChange& change, const std::optional<std::string>& value) {
-  if (!value) return "nothing";
-  return isNumber(change.what) ? *value : fmt::format("\"{}\"", showName(*value));
-}
-
-std::string line(const Json& json) { return json.dump(-1, ' ', true); }
 
 }  // namespace
 
@@ -59,26 +39,20 @@ std::string lineOf(const HistoryEntry& entry, const std::vector<PlaceChange>& ch
   return line;
 }
 
-std::string lineOf(const PlaceChange& change) {
-  return fmt::format("{}: {}: {} | {}", change.place, wordOf(change.what), show(change, change.before),
-                     show(change, change.after));
-}
-
 std::string jsonOf(const HistoryEntry& entry, const std::vector<PlaceChange>& changes) {
   const auto orNull = [](const std::optional<std::int64_t>& number) { return number ? Json(*number) : Json(nullptr); };
   Json sources = Json::array();
   for (const std::string& source : entry.sources) sources.push_back(escape(source));
   Json places = Json::array();
   for (const PlaceChange& change : changes) places.push_back(toJson(change));
-  return line({{"entry", entry.number},
-               {"time", timeOf(entry)},
-               {"verb", entry.verb},
-               {"sources", std::move(sources)},
-               {"changes", std::move(places)},
-               {"undoes", orNull(entry.undoes)},
-               {"undoneBy", orNull(entry.undoneBy)}});
+  const Json json{{"entry", entry.number},
+                  {"time", timeOf(entry)},
+                  {"verb", entry.verb},
+                  {"sources", std::move(sources)},
+                  {"changes", std::move(places)},
+                  {"undoes", orNull(entry.undoes)},
+                  {"undoneBy", orNull(entry.undoneBy)}};
+  return json.dump(-1, ' ', true);
 }
-
-std::string jsonOf(const PlaceChange& change) { return line(toJson(change)); }
 
 }  // namespace Editor

@@ -10,10 +10,6 @@ namespace Editor {
 
 // "12  2026-01-31T12:00:00Z  receive dump.syx: 3 stored, 1 removed"
 std::string lineOf(const HistoryEntry& entry, const std::vector<PlaceChange>& changes);
-// "voice:user1:6: renamed: \"Old\" | \"New\""
-std::string lineOf(const PlaceChange& change);
-
 std::string jsonOf(const HistoryEntry& entry, const std::vector<PlaceChange>& changes);
-std::string jsonOf(const PlaceChange& change);
 
 }  // namespace Editor

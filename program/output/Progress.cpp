@@ -57,9 +57,13 @@ Progress::Progress(Console& console, std::string verb, std::string items, std::u
     : console_(console), verb_(std::move(verb)), items_(std::move(items)), count_(count), size_(size) {}
 
 void Progress::step(std::uint64_t bytes) {
+  ++done_;
+  pass(bytes);
+}
+
+void Progress::pass(std::uint64_t bytes) {
   constexpr std::chrono::milliseconds kBetween(100);
   Interruptible::check();
-  ++done_;
   bytes_ += bytes;
   const Clock::time_point now = Clock::now();
   if (now - shown_ < kBetween) return;

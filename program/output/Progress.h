@@ -45,6 +45,8 @@ class Progress {
 
   // One item of that many bytes is done. Throws as Interruptible::check().
   void step(std::uint64_t bytes);
+  // Bytes that are of no item are done. Throws the same.
+  void pass(std::uint64_t bytes);
 
  private:
   using Clock = std::chrono::steady_clock;

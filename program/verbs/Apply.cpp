@@ -2,8 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <memory>
-
+#include "ChangeRun.h"
 #include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/MidiFile.h"
@@ -33,19 +32,19 @@ ModelSet readModels(const std::string& file, const Target& target) {
 
 }  // namespace
 
-void apply(Words words, Program& program) {
+void apply(Words words, const ChangeOptions& options, Program& program) {
   if (words.size() < 2) throw Failure(kWrongUsage, "expected a target and a file");
   const std::string file = words.back();
   if (file.empty()) throw Failure(kWrongUsage, "an empty file name");
   words.pop_back();
   const Target target = parseOneTarget(words);
   const ModelSet models = readModels(file, target);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange({"apply", {file}, {}});
+  ChangeRun run(program, {"apply", {file}}, options);
   const CarryCheck check = checkCarried(target, models);
   if (!check.refusal.empty()) throw Failure(kRefused, fmt::format("{}: {}", target.name, check.refusal));
-  storeTarget(*editor, target, models);
+  storeTarget(run.editor(), target, models);
   if (!check.unchecked.empty()) program.console.note(fmt::format("{}: {}", target.name, check.unchecked));
-  program.console.note(fmt::format("{}: replaced", target.name));
+  run.keep();
 }
 
 }  // namespace Editor

@@ -3,14 +3,19 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
 #include <set>
 
 #include "AddressRows.h"
+#include "bda/version.h"
 #include "compare/Compare.h"
+#include "contents/Fingerprint.h"
 #include "exchange/Answers.h"
+#include "messages/BackupOrder.h"
 #include "messages/Text.h"
+#include "models/Latin1.h"
 #include "output/DifferenceLines.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
@@ -24,17 +29,8 @@ namespace {
 struct Item {
   BulkAddress address;  // to ask for
   std::string name;
+  std::optional<ContentId> content;
 };
-
-bool isBefore(const Item& a, const Item& b) {
-  // The voices of its parts are of the kinds that the multi's banks make them: it has to stand before them.
-  const auto placeOf = [](BulkAddress address) {
-    const std::uint8_t parts = headerOf(EditBuffer::partVoice).mid;
-    const bool isMulti = address.hi == BDA::kHeaderHi && address.mid == headerOf(EditBuffer::multi).mid;
-    return std::array<int, 3>{address.hi, isMulti ? 2 * parts - 1 : 2 * address.mid, address.lo};
-  };
-  return placeOf(a.address) < placeOf(b.address);
-}
 
 // What a backup asks for, in its order.
 struct Plan {
@@ -47,14 +43,14 @@ struct Plan {
 
 Plan planOf(EmbeddedEditor& editor) {
   Plan plan;
-  const auto byName = [](BulkAddress address) { return Item{address, nameOrBytes(address)}; };
+  const auto byName = [](BulkAddress address) { return Item{address, nameOrBytes(address), std::nullopt}; };
   for (const ContentId id : editor.library().contents()) {
     const std::optional<MidLo> fileDump = fileDumpOf(id);
     const std::optional<MidLo> header = headerOf(id);
     if (fileDump && isWritableFileDump({BDA::kFileDumpHi, fileDump->mid, fileDump->lo}))
-      plan.fileDumps.push_back({{BDA::kFileDumpHi, fileDump->mid, fileDump->lo}, nameOf(id)});
+      plan.fileDumps.push_back({{BDA::kFileDumpHi, fileDump->mid, fileDump->lo}, nameOf(id), id});
     else if (header)
-      plan.units.push_back({{BDA::kHeaderHi, header->mid, header->lo}, nameOf(id)});
+      plan.units.push_back({{BDA::kHeaderHi, header->mid, header->lo}, nameOf(id), id});
     else
       plan.unaddressed.push_back(nameOf(id));
   }
@@ -65,7 +61,8 @@ Plan planOf(EmbeddedEditor& editor) {
     plan.favourites.push_back(byName({row.hi, mid, lo}));
   });
   for (std::vector<Item>* const group : {&plan.fileDumps, &plan.units, &plan.system, &plan.favourites})
-    std::sort(group->begin(), group->end(), isBefore);
+    std::sort(group->begin(), group->end(),
+              [](const Item& a, const Item& b) { return BackupOrder()(a.address, b.address); });
   return plan;
 }
 
@@ -73,10 +70,11 @@ Plan planOf(EmbeddedEditor& editor) {
 // not have in the end, the backup does not carry.
 class BackingUp {
  public:
-  BackingUp(const std::string& output, Program& program)
+  BackingUp(const std::string& output, const std::string& manifest, Program& program)
       : program_(program), editor_(program.openToRead()), file_(output) {
+    if (!manifest.empty()) manifest_.emplace(manifest);
     if (editor_->library().isYetEmpty()) throw Failure(kUnusableInput, "a backup of nothing: nothing is written");
-    if (output == "-") program.console.keepOutputForBytes();
+    if (output == "-" || manifest == "-") program.console.keepOutputForBytes();
   }
 
   void run() {
@@ -96,7 +94,7 @@ class BackingUp {
     };
     for (const std::string& name : plan.unaddressed) leaveOut(name, "no address carries it");
     add(plan.fileDumps);
-    if (done > 0) back({kWriteTrigger, nameOrBytes(kWriteTrigger)});
+    if (done > 0) back({kWriteTrigger, nameOrBytes(kWriteTrigger), std::nullopt});
     add(plan.units);
     add(plan.system);
     add(plan.favourites);
@@ -107,6 +105,7 @@ class BackingUp {
       complain(fmt::format("the backup could not be compared with the library: {}", escape(error.what())));
     }
     file_.commit();
+    writeManifest(plan);
     program_.console.note(fmt::format("{} of {} items in {} messages, {} bytes", done, count + plan.unaddressed.size(),
                                       messages_, bytes_));
   }
@@ -145,6 +144,25 @@ class BackingUp {
     return bytes;
   }
 
+  // What is in the backup, and nothing of when it was made: the same library gives the same bytes.
+  void writeManifest(const Plan& plan) {
+    if (!manifest_) return;
+    nlohmann::ordered_json contents = nlohmann::ordered_json::array();
+    for (const std::vector<Item>* const group : {&plan.fileDumps, &plan.units})
+      for (const Item& item : *group) {
+        if (!item.content || leftOut_.contains(item.name)) continue;
+        const Library::Content content = editor_->library().content(*item.content).value();
+        contents.push_back({{"place", item.name},
+                            {"name", latin1ToUtf8(content.name)},
+                            {"hash", fingerprintOf(*item.content, content.bytes).hash}});
+      }
+    const nlohmann::ordered_json json{{"version", BDA_VERSION_STRING},
+                                      {"deviceNumber", deviceNumberWords(editor_->tools())},
+                                      {"contents", std::move(contents)}};
+    manifest_->write(json.dump(2, ' ', true) + "\n");
+    manifest_->commit();
+  }
+
   void tellWhatIsLost() {
     compareLibraries(*editor_, proof_, Reception::ignored, [&](const Difference& lost) {
       if (!leftOut_.contains(lost.target)) tellLoss(lost);
@@ -169,6 +187,7 @@ class BackingUp {
   const Interruptible interruptible_;  // or what is written beside the output would stay
   const std::unique_ptr<EmbeddedEditor> editor_;
   OutputFile file_;
+  std::optional<OutputFile> manifest_;
   EmbeddedEditor proof_;
   std::uint64_t number_ = 0;
   std::uint64_t messages_ = 0;
@@ -178,9 +197,11 @@ class BackingUp {
 
 }  // namespace
 
-void backup(const std::string& output, Program& program) {
+void backup(const std::string& output, const std::string& manifest, Program& program) {
+  if (output == "-" && manifest == "-")
+    throw Failure(kWrongUsage, "backup and manifest cannot both go to standard output");
   program.requireLibrary(kUnusableInput);
-  BackingUp(output, program).run();
+  BackingUp(output, manifest, program).run();
 }
 
 }  // namespace Editor

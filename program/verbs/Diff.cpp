@@ -3,78 +3,19 @@
 #include <fmt/format.h>
 
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 
 #include "compare/Compare.h"
-#include "input/InputFile.h"
+#include "input/FileEditor.h"
+#include "input/Sources.h"
 #include "messages/Text.h"
-#include "output/Complaints.h"
 #include "output/DifferenceLines.h"
-#include "output/Progress.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
 
 namespace {
-
-bool isLibrary(const std::string& path) {
-  std::error_code unknown;
-  if (!std::filesystem::is_regular_file(path, unknown)) return false;  // a pipe can be read only once
-  constexpr std::string_view kMagic("SQLite format 3\0", 16);
-  std::string magic(kMagic.size(), '\0');
-  std::ifstream(path, std::ios::binary).read(magic.data(), std::streamsize(magic.size()));
-  return path != "-" && magic == kMagic;
-}
-
-// A library, or a file that a library in memory has received.
-class Side {
- public:
-  // `input` is nothing for a library.
-  Side(const std::string& path, const std::optional<InputFile>& input, Program& program) {
-    if (input) {
-      receive(*input, program);
-    } else {
-      editor_ = program.openToRead(path);
-    }
-  }
-
-  EmbeddedEditor& editor() { return *editor_; }
-
- private:
-  // What is refused is told, and is missing from the comparison: that alone makes it fail.
-  void receive(const InputFile& input, Program& program) {
-    editor_ = std::make_unique<EmbeddedEditor>();
-    Complaints complaints(program.console);
-    const auto complain = [&](const std::string& kind, const std::string& text) {
-      complaints.tell(kind, text);
-      program.refuse();
-    };
-    if (!input.reportLosses(program.console)) program.refuse();
-    Progress progress(program.console, "diff", "messages", input.countMessages());
-    EmbeddedEditor::Run run(editor(), Library::Transaction::Access::Write, EmbeddedEditor::Run::Devices::any);
-    input.forEachMessage([&](const InputMessage& message) {
-      const Reading reading = readMessage(message.bytes);
-      if (reading.kind == Reading::Kind::dump || reading.kind == Reading::Kind::invalid) {
-        const Record record = editor().handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
-        if (record.outcome == Outcome::refused)
-          complain(
-              fmt::format("refused: {}", wordsOf(record.report.refusal)),
-              fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
-        for (const UnitReport& unit : record.ended)
-          if (isBroken(unit)) complain(wordOf(unit.state), fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
-      }
-      progress.step(message.bytes.size());
-    });
-    for (const UnitReport& unit : editor().openUnits())
-      complain(wordOf(unit.state), fmt::format("{}: {}", input.place(unit.firstMessage), describeUnit(unit)));
-    complaints.finish();
-    run.commit();
-  }
-
-  std::unique_ptr<EmbeddedEditor> editor_;
-};
 
 // Says what differs, in one of three forms.
 class Telling {
@@ -136,14 +77,17 @@ void diff(const std::string& firstPath, const std::string& secondPath, DiffForm 
   };
   const std::optional<InputFile> firstInput = read(firstPath);
   const std::optional<InputFile> secondInput = read(secondPath);
-  Side first(firstPath, firstInput, program);
-  Side second(secondPath, secondInput, program);
-  const EmbeddedEditor::View firstState(first.editor());
-  const EmbeddedEditor::View secondState(second.editor());
+  const auto open = [&](const std::string& path, const std::optional<InputFile>& input) {
+    return input ? editorOf(*input, "diff", program) : program.openToRead(path);
+  };
+  const std::unique_ptr<EmbeddedEditor> first = open(firstPath, firstInput);
+  const std::unique_ptr<EmbeddedEditor> second = open(secondPath, secondInput);
+  const EmbeddedEditor::View firstState(*first);
+  const EmbeddedEditor::View secondState(*second);
   const Reception reception = firstInput || secondInput ? Reception::ignored : Reception::compared;
   const Telling telling(firstPath, secondPath, form, program.console);
-  const Comparison comparison = compareLibraries(first.editor(), second.editor(), reception,
-                                                 [&](const Difference& difference) { telling.tell(difference); });
+  const Comparison comparison =
+      compareLibraries(*first, *second, reception, [&](const Difference& difference) { telling.tell(difference); });
   telling.summarise(comparison, program.exitCode() == kAllGood);
   if (!comparison.isEqual()) program.refuse();
 }

@@ -2,24 +2,12 @@
 
 #include <fmt/format.h>
 
-#include <memory>
-
-#include "targets/Targets.h"
+#include "ChangeRun.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
 
-namespace {
-
-// Whether a block of favourites has a place for it.
-bool canBeFavourite(ContentId id) {
-  const std::optional<BankVoice> voice = bankVoiceOf(id);
-  return voice && voice->bank != kMixingBank;
-}
-
-}  // namespace
-
-void favourite(const Words& words, Program& program) {
+void favourite(const Words& words, const ChangeOptions& options, Program& program) {
   const std::string value = words.empty() ? "" : words.back();
   if (words.size() < 2 || (value != "on" && value != "off"))
     throw Failure(kWrongUsage, "expected an address, and on or off");
@@ -29,14 +17,12 @@ void favourite(const Words& words, Program& program) {
   if (!canBeFavourite(target.content))
     refuse(target, "only preset, GM and user voices and drum voices can be favourites");
   program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange({"favourite", {}, {}});
-  Library& library = editor->library();
-  Library::Transaction transaction(library);
+  ChangeRun run(program, {"favourite"}, options);
+  Library& library = run.library();
   const bool isOn = library.favourite(target.content) != 0;
   if (!isOn && !library.contentName(target.content)) refuse(target, "nothing is stored there");
   if (isOn != (value == "on")) library.setFavourite(target.content, value == "on" ? 1 : 0);
-  transaction.commit();
-  program.console.note(fmt::format("{}: {}", target.name, value == "on" ? "is a favourite" : "is no favourite"));
+  run.keep();
 }
 
 }  // namespace Editor

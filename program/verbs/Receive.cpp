@@ -10,6 +10,7 @@
 #include "exchange/Answers.h"
 #include "exchange/LogLines.h"
 #include "exchange/Tally.h"
+#include "exchange/WholeUnits.h"
 #include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
@@ -72,16 +73,18 @@ class OtherDevices {
 
 class Receiving {
  public:
-  Receiving(const Words& files, const ExchangeOptions& options, Program& program)
+  Receiving(const Words& files, const ExchangeOptions& options, const ReceiveOptions& how, Program& program)
       : program_(program),
         console_(program.console),
+        isRehearsal_(how.dryRun),
         port_(BDA::DevicePortNum(options.port)),
         input_(files),
         losses_(console_),
         refusals_(console_),
         progress_(program.console, "receive", "messages", 0, input_.size()),
-        editor_(program.openToChange({"receive", files, {}})),
+        editor_(isRehearsal_ ? program.openToRehearse({"receive", files}) : program.openToChange({"receive", files})),
         trace_(options.trace) {
+    if (how.whole) whole_.emplace();
     if (!options.output.empty()) answers_.emplace(options.output);
     if (options.output == "-" || options.trace == "-") console_.keepOutputForBytes();
     if (input_.isLive()) console_.flushEachLine();
@@ -106,13 +109,15 @@ class Receiving {
       console_.problem(fmt::format("bda: {}", failure->what()));
       program_.endWith(failure->code());
     }
-    console_.note(tally_.words());
+    console_.note((isRehearsal_ ? "dry run, nothing is changed: " : "") + tally_.words());
   }
 
  private:
   // What was done was done, however the run ends.
   void finish() {
     progress_.end();
+    if (whole_)
+      for (const WholeUnits::Decided& decided : whole_->finish()) settle(decided);
     for (const UnitReport& unit : editor_->openUnits())
       complain(fmt::format("{}: {}", places_.at(unit.firstMessage), describeUnit(unit)));
     refusals_.finish();
@@ -145,6 +150,48 @@ class Receiving {
 
   void receive(const InputMessage& message) {
     progress_.step(message.bytes.size());
+    if (!whole_) {
+      hand(message);
+      return;
+    }
+    const Reading reading = readMessage(message.bytes);
+    origins_.insert_or_assign(message.number, Origin{&message.file, message.offset});
+    const bool isHeard = reading.kind != Reading::Kind::dump || asked(message, [&] { return editor_->hears(reading); });
+    const std::vector<WholeUnits::Decided> decided =
+        whole_->next({message.number, reading, {message.bytes.begin(), message.bytes.end()}}, isHeard);
+    for (const WholeUnits::Decided& one : decided) settle(one);
+  }
+
+  // Hands on what belongs together, or refuses it.
+  void settle(const WholeUnits::Decided& decided) {
+    std::string why = decided.refusal;
+    for (const WholeUnits::Message& held : decided.messages) {
+      const Origin origin = origins_.extract(held.number).mapped();
+      const InputMessage message{held.number, *origin.file, origin.offset, held.bytes};
+      // Another program can have changed meanwhile what the instrument listens to: what has lost a block is not stored.
+      if (why.empty() || (decided.refusal.empty() && held.reading.role != Role::footer)) {
+        const bool isRefused = hand(message) == Outcome::refused;
+        if (isRefused && held.reading.role == Role::part) why = "a block of it was refused";
+        continue;
+      }
+      tally_.addRefused();
+      program_.refuse();
+      if (&held == &decided.messages.back())
+        refusals_.tell("refused: not whole",
+                       fmt::format("{}: {}: {}{}", placeOf(message), said("refused"), withOthers(decided), why));
+    }
+  }
+
+  static std::string withOthers(const WholeUnits::Decided& decided) {
+    const std::size_t count = decided.messages.size();
+    return count == 1 ? describeContent(decided.messages.front().reading) + ": "
+                      : fmt::format("{}: ", counted(count, "message"));
+  }
+
+  // "stored", or what would be.
+  std::string said(const char* word) const { return fmt::format("{}{}", isRehearsal_ ? "would be " : "", word); }
+
+  Outcome hand(const InputMessage& message) {
     const Record record = handle(message);
     places_.add(message, *editor_);
     const bool isPassedOn = tell(message, record);
@@ -164,58 +211,71 @@ class Receiving {
       complain(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
     if (record.libraryFailed && reading.kind == Reading::Kind::dump)
       throw Failure(kWrongUsage, fmt::format("{}: the library failed, nothing after it is handled", placeOf(message)));
+    return record.outcome;
   }
 
-  Record handle(const InputMessage& message) {
+  template <typename Ask>
+  auto asked(const InputMessage& message, Ask ask) -> decltype(ask()) {
     try {
-      return editor_->handle(message.bytes, port_, message.number);
+      return ask();
     } catch (const LibraryError& error) {
       throw Failure(kWrongUsage, fmt::format("{}: not handled, nor is anything after it: {}", placeOf(message),
                                              escape(error.what())));
     }
   }
 
+  Record handle(const InputMessage& message) {
+    return asked(message, [&] { return editor_->handle(message.bytes, port_, message.number); });
+  }
+
   // False for an answer that cannot be passed on.
   bool tell(const InputMessage& message, const Record& record) {
     const std::string what = describeContent(record.reading);
-    const auto line = [&](const std::string& text) {
-      console_.line(fmt::format("{}: {} ({})", wordOf(record.outcome), text, placeOf(message)));
-    };
-    const auto tellContents = [&] {
-      for (const std::string& content : record.contents) {
-        const bool isRemoved = std::find(record.removed.begin(), record.removed.end(), content) != record.removed.end();
-        console_.line(fmt::format("{}: {} ({})", isRemoved ? "removed" : "stored", content, placeOf(message)));
-      }
-    };
     switch (record.outcome) {
       case Outcome::stored:
-        tellContents();
+        tellContents(message, record);
         break;
       case Outcome::refused:
         refuse(message, record, what);
-        tellContents();
+        tellContents(message, record);
         break;
       case Outcome::answered:
         return answer(message, record, what);
       case Outcome::accepted:
-        console_.detail(fmt::format("accepted: {} ({})", what, placeOf(message)));
+        console_.detail(fmt::format("{}: {} ({})", said("accepted"), what, placeOf(message)));
+        break;
+      case Outcome::completed:
+        console_.line(fmt::format("{}: {} ({})", said("completed"), what, placeOf(message)));
         break;
       case Outcome::notOurs:
       case Outcome::ignored:
       case Outcome::nothingToSend:
-      case Outcome::completed:
-        line(what);
+        console_.line(fmt::format("{}: {} ({})", wordOf(record.outcome), what, placeOf(message)));
         break;
     }
     return true;
   }
+
+  // What stands in the place of something says what that was called.
+  void tellContents(const InputMessage& message, const Record& record) {
+    for (const std::string& content : record.contents) {
+      const bool isRemoved = std::ranges::find(record.removed, content) != record.removed.end();
+      const auto before = record.replaced.find(content);
+      const bool isReplaced = before != record.replaced.end() && (!isRemoved || isRehearsal_);
+      console_.line(fmt::format(
+          "{}: {} ({}){}", said(isRemoved ? "removed" : "stored"), content, placeOf(message),
+          isReplaced ? fmt::format(", {} {}", isRemoved ? "it is" : "replaces", quoted(before->second)) : ""));
+    }
+  }
+
+  static std::string quoted(const std::string& name) { return fmt::format("\"{}\"", showName(name)); }
 
   void refuse(const InputMessage& message, const Record& record, const std::string& what) {
     program_.refuse();
     const BDA::BulkDumpRefusal refusal = record.report.refusal;
     if (refusal == BDA::BulkDumpRefusal::wrongDeviceNumber && !otherDevices_.isNew(*record.reading.device)) return;
     refusals_.tell(fmt::format("refused: {}", wordsOf(refusal)),
-                   fmt::format("{}: refused: {}: {}", placeOf(message), what, escape(record.reason)));
+                   fmt::format("{}: {}: {}: {}", placeOf(message), said("refused"), what, escape(record.reason)));
   }
 
   bool answer(const InputMessage& message, const Record& record, const std::string& what) {
@@ -223,7 +283,8 @@ class Receiving {
       complain(fmt::format("{}: {}: {}", placeOf(message), what, why));
       return false;
     }
-    console_.line(fmt::format("answered: {}, {} ({})", what, counted(record.sent.size(), "message"), placeOf(message)));
+    console_.line(fmt::format("{}: {}, {} ({})", said("answered"), what, counted(record.sent.size(), "message"),
+                              placeOf(message)));
     if (!answers_) return true;
     hasAnswers_ = true;
     const bool isWritten = output([&] {
@@ -234,8 +295,14 @@ class Receiving {
     return true;
   }
 
+  struct Origin {
+    const std::string* file;
+    std::uint64_t offset;
+  };
+
   Program& program_;
   Console& console_;
+  const bool isRehearsal_;
   const BDA::DevicePortNum port_;
   InputStream input_;
   LossReport losses_;
@@ -245,6 +312,8 @@ class Receiving {
   Trace trace_;
   std::optional<OutputFile> answers_;
   bool hasAnswers_ = false;
+  std::optional<WholeUnits> whole_;          // none: what comes is handed on at once
+  std::map<std::uint64_t, Origin> origins_;  // of what is held back
   Places places_;
   OtherDevices otherDevices_;
   Tally tally_;
@@ -252,10 +321,10 @@ class Receiving {
 
 }  // namespace
 
-void receive(const Words& files, const ExchangeOptions& options, Program& program) {
-  if (options.output == "-" && options.trace == "-")
+void receive(const Words& files, const ExchangeOptions& exchange, const ReceiveOptions& options, Program& program) {
+  if (exchange.output == "-" && exchange.trace == "-")
     throw Failure(kWrongUsage, "answers and trace cannot both go to standard output");
-  Receiving(files, options, program).run();
+  Receiving(files, exchange, options, program).run();
 }
 
 }  // namespace Editor

@@ -1,30 +1,54 @@
-// The verb remove: single contents, all that are named or none.
+// The verb remove: contents, all that are named or none.
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <memory>
+#include <set>
 
-#include "targets/Targets.h"
+#include "ChangeRun.h"
+#include "messages/Text.h"
+#include "midi/Counted.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
 
-void remove(const Words& words, Program& program) {
-  std::vector<Target> targets;
-  for (const std::string& word : joinAddresses(words)) {
-    Target target = parseContent(word);
-    const bool isTwice = std::any_of(targets.begin(), targets.end(),
-                                     [&](const Target& other) { return other.content == target.content; });
-    if (!isTwice) targets.push_back(std::move(target));
+namespace {
+
+class Removing {
+ public:
+  Removing(Library& library, Console& console) : library_(library), console_(console) {}
+
+  // Of a bank or a range empty places are left out.
+  void take(const Places<Target>& places) {
+    std::size_t leftOut = 0;
+    for (const Target& target : places.list) {
+      if (named_.contains(target.content)) continue;
+      if (library_.remove(target.content))
+        named_.insert(target.content);
+      else
+        ++leftOut;
+    }
+    if (leftOut == places.list.size())
+      throw Failure(kRefused, fmt::format("{}: nothing is stored there; nothing is removed", escape(places.name)));
+    if (leftOut > 0)
+      console_.note(fmt::format("{}: {} nothing", places.name, counted(leftOut, "place holds", "places hold")));
   }
+
+ private:
+  Library& library_;
+  Console& console_;
+  std::set<ContentId> named_;
+};
+
+}  // namespace
+
+void remove(const Words& words, const ChangeOptions& options, Program& program) {
+  std::vector<Places<Target>> asked;
+  for (const std::string& word : joinAddresses(words)) asked.push_back(parseContents(word));
   program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange({"remove", {}, {}});
-  Library::Transaction transaction(editor->library());
-  for (const Target& target : targets)
-    if (!editor->library().remove(target.content)) refuse(target, "nothing is stored there; nothing is removed");
-  transaction.commit();
-  for (const Target& target : targets) program.console.note(fmt::format("{}: removed", target.name));
+  ChangeRun run(program, {"remove"}, options);
+  Removing removing(run.library(), program.console);
+  for (const Places<Target>& places : asked) removing.take(places);
+  run.keep();
 }
 
 }  // namespace Editor

@@ -1,11 +1,13 @@
-// The verb rename: a new name for a content or an edit buffer.
+// The verb rename: new names for contents and edit buffers.
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <memory>
 
+#include "ChangeRun.h"
 #include "contents/ContentFormat.h"
+#include "input/InputStream.h"
+#include "input/RenameTable.h"
 #include "targets/TargetModels.h"
 #include "verbs/Verbs.h"
 
@@ -44,32 +46,50 @@ void renameContent(EmbeddedEditor& editor, const Target& target, const std::stri
     failToStore(editor.library(), failures, target, why);
 }
 
-}  // namespace
+void renameBuffer(EmbeddedEditor& editor, const Target& target, const std::string& name) {
+  ModelSet models = loadTarget(editor, target);
+  checkName(target, name, nameIn(models)->capacity());
+  nameIn(models)->assign(name);
+  storeTarget(editor, target, models);
+}
 
-void rename(const Words& words, Program& program) {
+// Inside of a transaction.
+void renamePlace(EmbeddedEditor& editor, const Target& target, const std::string& name) {
+  if (!hasName(target)) refuse(target, "no message carries a name for it");
+  if (target.kind == Target::Kind::content)
+    renameContent(editor, target, name);
+  else
+    renameBuffer(editor, target, name);
+}
+
+RenameRow rowOf(const Words& words) {
   if (words.size() < 2) throw Failure(kWrongUsage, "expected an address and a name");
-  const std::string& name = words.back();
   const Words address(words.begin(), words.end() - 1);
   if (joinAddresses(address).size() > 1)
     throw Failure(kWrongUsage, "expected one address and one name: a name with blanks stands in quotes");
   const Target target = parseOneTarget(address);
   if (target.kind == Target::Kind::system || target.kind == Target::Kind::additional)
     throw Failure(kWrongUsage, fmt::format("{} has no name", target.name));
-  if (!hasName(target)) refuse(target, "no message carries a name for it");
+  return {1, target, words.back()};
+}
+
+}  // namespace
+
+void rename(const Words& words, const std::string& table, const ChangeOptions& options, Program& program) {
+  const bool isTable = !table.empty();
+  const std::vector<RenameRow> rows = isTable ? loadRenameTable(table) : std::vector<RenameRow>{rowOf(words)};
   program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange({"rename", {}, {}});
-  Library::Transaction transaction(editor->library());
-  if (target.kind == Target::Kind::content) {
-    renameContent(*editor, target, name);
-  } else {
-    editor->tools().reload();  // now that nobody changes it
-    ModelSet models = loadTarget(*editor, target);
-    checkName(target, name, nameIn(models)->capacity());
-    nameIn(models)->assign(name);
-    storeTarget(*editor, target, models);
+  ChangeRun run(program, {"rename", isTable ? Words{table} : Words(), {}, true}, options);
+  for (const RenameRow& row : rows) {
+    try {
+      renamePlace(run.editor(), row.target, row.name);
+    } catch (const TargetError& error) {
+      if (!isTable) throw;
+      throw Failure(kRefused,
+                    fmt::format("{}: line {}: {}; nothing is renamed", displayName(table), row.line, error.what()));
+    }
   }
-  transaction.commit();
-  program.console.note(fmt::format("{}: renamed to \"{}\"", target.name, name));
+  run.keep();
 }
 
 }  // namespace Editor

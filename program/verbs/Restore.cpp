@@ -31,11 +31,14 @@ class Restoring {
   void run() {
     verify();
     if (!options_.dryRun) {
-      const std::unique_ptr<EmbeddedEditor> editor = program_.openToChange({"restore", {file_}, {}});
+      const std::unique_ptr<EmbeddedEditor> editor = program_.openToChange(run_);
       EmbeddedEditor::Run run(*editor, Library::Transaction::Access::Write, devices());
       receive(*editor, "restore");
+      run.settle();
+      const std::vector<PlaceChange> changes = changesOfRun(editor->library());
       if (dumps_ > 0) run.commit();
-      tellChanges(editor->library().takeChanges());
+      if (options_.json) tellChanges(changes, options_, console_);
+      tellContents(editor->library().takeChanges());
     } else if (program_.hasLibrary()) {
       rehearse(*program_.openToRead());
     } else {
@@ -113,7 +116,7 @@ class Restoring {
     }
   }
 
-  void tellChanges(const std::vector<Change>& changes) {
+  void tellContents(const std::vector<Change>& changes) {
     std::set<ContentId> stored;
     std::set<ContentId> removed;
     for (const Change& change : changes) {
@@ -133,8 +136,11 @@ class Restoring {
     const EmbeddedEditor::View oneState(library);
     EmbeddedEditor copy;
     copy.library().copyFrom(library.library());
-    const EmbeddedEditor::Run run(copy, Library::Transaction::Access::Write, devices());
+    copy.library().beginRun(run_);
+    EmbeddedEditor::Run run(copy, Library::Transaction::Access::Write, devices());
     receive(copy, "dry run");
+    run.settle();
+    if (options_.json) return tellChanges(changesOfRun(copy.library()), options_, console_);
     std::uint64_t changes = 0;
     compareLibraries(library, copy, Reception::ignored, [&](const Difference& change) {
       ++changes;
@@ -162,6 +168,7 @@ class Restoring {
   }
 
   const std::string file_;
+  const LibraryRun run_{"restore", {file_}};
   const RestoreOptions options_;
   Program& program_;
   Console& console_;

@@ -6,7 +6,9 @@
 #include <array>
 #include <charconv>
 #include <memory>
+#include <nlohmann/json.hpp>
 
+#include "ChangeRun.h"
 #include "messages/Nearest.h"
 #include "messages/Text.h"
 #include "verbs/Verbs.h"
@@ -45,12 +47,7 @@ struct Setting {
 
 const std::array kSettings{
     Setting{"device-number", "1 to 16, all or off",
-            [](EmbeddedEditor& editor) -> std::string {
-              const unsigned device = utilityOf(editor, SystemModel::kDeviceNumber);
-              if (device == unsigned(CMA::DeviceNumber_All)) return "all";
-              if (device == unsigned(CMA::DeviceNumber_Off)) return "off";
-              return std::to_string(device + 1);
-            },
+            [](EmbeddedEditor& editor) { return deviceNumberWords(editor.tools()); },
             [](const std::string& value) -> std::optional<std::int64_t> {
               if (value == "all") return CMA::DeviceNumber_All;
               if (value == "off") return CMA::DeviceNumber_Off;
@@ -89,6 +86,21 @@ const std::array kSettings{
             [](EmbeddedEditor& editor, std::int64_t most) { editor.library().set(Recorder::kMegabytes, most); }},
 };
 
+std::string toJsonLine(const Setting& setting, EmbeddedEditor& editor) {
+  const nlohmann::ordered_json json{{"setting", setting.name}, {"value", setting.get(editor)}};
+  return json.dump();
+}
+
+void tellSet(const std::string& name, const std::string& before, const std::string& after, const ChangeOptions& options,
+             Console& console) {
+  if (before == after) return console.note(fmt::format("nothing changes: {} is {}", name, after));
+  const std::string change = fmt::format("set: {}: {}, was {}", name, after, before);
+  if (options.dryRun)
+    console.line("would " + change);
+  else
+    console.note(change);
+}
+
 const Setting& settingNamed(const std::string& name) {
   const auto* const found =
       std::find_if(kSettings.begin(), kSettings.end(), [&](const Setting& setting) { return name == setting.name; });
@@ -104,18 +116,31 @@ const Setting& settingNamed(const std::string& name) {
 
 }  // namespace
 
-void settings(const std::string& name, const std::optional<std::string>& value, Program& program) {
+void settings(const std::string& name, const std::optional<std::string>& value, const ChangeOptions& options,
+              Program& program) {
   if (name.empty()) {
     const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
     for (const Setting& setting : kSettings)
-      program.console.line(fmt::format("{} {}", setting.name, setting.get(*editor)));
+      program.console.line(options.json ? toJsonLine(setting, *editor)
+                                        : fmt::format("{} {}", setting.name, setting.get(*editor)));
     return;
   }
   const Setting& setting = settingNamed(name);
-  if (!value) return program.console.line(setting.get(*program.openToRead()));
+  if (!value) {
+    const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
+    return program.console.line(options.json ? toJsonLine(setting, *editor) : setting.get(*editor));
+  }
   const std::optional<std::int64_t> number = setting.parse(*value);
   if (!number) throw Failure(kWrongUsage, fmt::format("{}: \"{}\": expected {}", name, escape(*value), setting.values));
-  setting.set(*program.openToChange({"settings", {}, {}}), *number);
+  ChangeRun run(program, {"settings"}, options);
+  const std::string before = setting.get(run.editor());
+  if (setting.parse(before) != number) setting.set(run.editor(), *number);
+  const std::string after = setting.get(run.editor());
+  std::vector<PlaceChange> changes = run.commit();
+  if (!options.json) return tellSet(name, before, after, options, program.console);
+  if (changes.empty() && before != after)  // what the history says of itself it does not record
+    changes.push_back({name, What::set, std::to_string(*setting.parse(before)), std::to_string(*number)});
+  tellChanges(changes, options, program.console);
 }
 
 }  // namespace Editor

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "input/FileEditor.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "models/ModelJson.h"
@@ -88,18 +89,35 @@ void showAll(const Places<Target>& places, bool json, EmbeddedEditor& editor, Pr
   }
 }
 
+// An edit buffer of the library is as new where nothing was ever stored; one that a file does not have is none.
+void keepWhatIsStored(std::vector<Places<Target>>& asked, EmbeddedEditor& editor, const std::string& file) {
+  const std::vector<Target> live = storedLive(editor);
+  const auto isMissing = [&](const Target& target) {
+    return target.kind != Target::Kind::content &&
+           std::none_of(live.begin(), live.end(), [&](const Target& one) { return one.name == placeNameOf(target); });
+  };
+  for (Places<Target>& places : asked) {
+    const auto kept = std::remove_if(places.list.begin(), places.list.end(), isMissing);
+    if (kept == places.list.begin()) throw Failure(kRefused, fmt::format("{}: {} is not in it", file, places.name));
+    places.list.erase(kept, places.list.end());
+  }
+}
+
 }  // namespace
 
-void show(const Words& words, bool json, Program& program) {
+void show(const Words& words, const ShowOptions& options, Program& program) {
   std::vector<Places<Target>> asked;
   for (const std::string& word : joinAddresses(words)) asked.push_back(parseTargets(word));
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
+  const bool isOfFile = !options.from.empty();
+  const std::unique_ptr<EmbeddedEditor> editor =
+      isOfFile ? editorOf(InputFile(options.from), "show", program) : program.openToRead();
   const EmbeddedEditor::View oneState(*editor);
+  if (isOfFile) keepWhatIsStored(asked, *editor, displayName(options.from));
   if (asked.size() == 1 && asked.front().isOne) {
-    print(loadTarget(*editor, asked.front().list.front()), std::nullopt, json, program.console);
+    print(loadTarget(*editor, asked.front().list.front()), std::nullopt, options.json, program.console);
     return;
   }
-  for (const Places<Target>& places : asked) showAll(places, json, *editor, program);
+  for (const Places<Target>& places : asked) showAll(places, options.json, *editor, program);
 }
 
 }  // namespace Editor

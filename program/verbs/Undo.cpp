@@ -9,7 +9,6 @@
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "output/Complaints.h"
-#include "output/HistoryLines.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
@@ -25,25 +24,24 @@ void tellConflicts(const Undone& undone, Console& console) {
 
 }  // namespace
 
-void undo(std::optional<std::int64_t> entry, const UndoOptions& options, Program& program) {
+void undo(std::optional<std::int64_t> entry, bool force, const ChangeOptions& options, Program& program) {
   program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange({"undo", {}, {}});
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange({"undo"});
   Library::Transaction transaction(editor->library());
-  const Undone undone = undo(*editor, entry, options.force ? Force::yes : Force::no);
+  const Undone undone = undo(*editor, entry, force ? Force::yes : Force::no);
   if (undone.state == Undone::State::nothingToUndo)
     throw Failure(kRefused,
                   entry ? fmt::format("there is no entry {} in the history", *entry) : "there is nothing to undo");
+  for (const std::string& place : undone.damaged)
+    program.console.problem(fmt::format("{}: what it held before is damaged", place));
+  if (undone.state == Undone::State::damaged)
+    throw Failure(kRefused, fmt::format("entry {} is not undone, nothing is changed", undone.entry));
   tellConflicts(undone, program.console);
   if (undone.state == Undone::State::conflict)
     throw Failure(kRefused, fmt::format("entry {} is not undone, nothing is changed: --force puts back all the same",
                                         undone.entry));
   if (!options.dryRun) transaction.commit();
-  for (const PlaceChange& change : undone.changes) {
-    if (options.json)
-      program.console.line(jsonOf(change));
-    else
-      program.console.line(lineOf(change));
-  }
+  tellChanges(undone.changes, options, program.console);
   program.console.note(fmt::format("entry {} {}: {}", undone.entry, options.dryRun ? "would be undone" : "is undone",
                                    counted(undone.changes.size(), "change")));
 }

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "Program.h"
+#include "arrange/Arrangement.h"
+#include "output/ChangeLines.h"
 
 namespace Editor {
 
@@ -19,6 +21,18 @@ using Words = std::vector<std::string>;
 // Judging messages, without a library.
 void list(const Words& files, bool json, Program& program);
 void verify(const Words& files, bool json, Program& program);
+struct SalvageOptions {
+  std::string output;         // where what is whole goes
+  std::string requests;       // where the requests for the rest go; "": nowhere
+  std::string preferred;      // the file that counts where two differ; "": none
+  bool fixChecksums = false;  // messages of which the checksum alone is wrong are kept, with the right one
+  bool merge = false;         // captures complete each other, whatever they have in common
+  bool json = false;
+};
+void salvage(const Words& files, const SalvageOptions& options, Program& program);
+
+// A file; a file and an offset; an address, which can be three words, and the path of a parameter.
+void explain(const Words& words, bool json, Program& program);
 
 // Messages into other files, without a library. The files may also stand behind the addresses of `select`.
 struct ConvertOptions {
@@ -40,15 +54,24 @@ struct ExchangeOptions {
   std::string trace;       // "": none
   bool anyDevice = false;  // messages for other device numbers are taken too
 };
-void receive(const Words& files, const ExchangeOptions& options, Program& program);
+struct ReceiveOptions {
+  bool whole = false;   // only units that are whole are stored, the rest is refused
+  bool dryRun = false;  // said what would be done, and nothing done
+};
+void receive(const Words& files, const ExchangeOptions& exchange, const ReceiveOptions& options, Program& program);
 void request(const Words& words, const ExchangeOptions& options, Program& program);
 
 // The parameters of targets, whose addresses can be three words each; apply takes one, and a file of them behind it.
-void show(const Words& words, bool json, Program& program);
-void apply(Words words, Program& program);
+struct ShowOptions {
+  bool json = false;
+  std::string from;  // a file of messages; "": the library
+};
+void show(const Words& words, const ShowOptions& options, Program& program);
+void apply(Words words, const ChangeOptions& options, Program& program);
 
 // The library itself. No name: all settings; no value: what it is.
-void settings(const std::string& name, const std::optional<std::string>& value, Program& program);
+void settings(const std::string& name, const std::optional<std::string>& value, const ChangeOptions& options,
+              Program& program);
 struct ContentsOptions {  // one of them at most; none: a grid on a terminal, else lines
   bool json = false;
   bool grid = false;
@@ -56,10 +79,28 @@ struct ContentsOptions {  // one of them at most; none: a grid on a terminal, el
 };
 void contents(const Words& words, const ContentsOptions& options, Program& program);  // no words: all
 
-// Single contents: their addresses, then the new name of one, or on or off.
-void rename(const Words& words, Program& program);
-void favourite(const Words& words, Program& program);
-void remove(const Words& words, Program& program);
+// Contents by what is asked of them: their names by terms, and all else.
+struct FindOptions {
+  Words sources;       // libraries, message files and folders of them; none: the library
+  std::string kind;    // "": any
+  Words conditions;    // "voice.common[3]>64"
+  std::string sameAs;  // addresses in the library; "": none
+  std::string like;
+  bool favourite = false;
+  bool editBuffers = false;
+  bool duplicates = false;
+  bool json = false;
+};
+void find(const Words& terms, const FindOptions& options, Program& program);
+
+// Single contents: their addresses, then the new name of one, or on or off. A table has addresses and names instead.
+void rename(const Words& words, const std::string& table, const ChangeOptions& options, Program& program);
+void favourite(const Words& words, const ChangeOptions& options, Program& program);
+void remove(const Words& words, const ChangeOptions& options, Program& program);
+
+// Copies, moves or swaps what places hold: those of one word, and where it goes. `otherLibrary` is what is copied from.
+void arrange(Arrangement::Kind kind, const Words& words, const std::string& otherLibrary, const ChangeOptions& options,
+             Program& program);
 
 // What changed the library, and taking that back.
 struct HistoryOptions {
@@ -67,18 +108,14 @@ struct HistoryOptions {
   bool json = false;
 };
 void history(const HistoryOptions& options, Program& program);
-struct UndoOptions {
-  bool force = false;  // also where places changed since
-  bool dryRun = false;
-  bool json = false;
-};
-void undo(std::optional<std::int64_t> entry, const UndoOptions& options, Program& program);  // nothing: the newest
+// No entry: the newest. `force`: also where places changed since.
+void undo(std::optional<std::int64_t> entry, bool force, const ChangeOptions& options, Program& program);
 
 // Whole libraries.
 void check(bool json, Program& program);
-void backup(const std::string& output, Program& program);
-struct RestoreOptions {
-  bool dryRun = false;
+// `manifest`: a file for what the backup holds, or "".
+void backup(const std::string& output, const std::string& manifest, Program& program);
+struct RestoreOptions : ChangeOptions {
   bool anyDevice = false;  // as above
 };
 void restore(const std::string& file, const RestoreOptions& options, Program& program);

@@ -1,5 +1,7 @@
 // backup and restore: the whole library as messages, and messages into a library, all or nothing.
 
+#include <map>
+
 #include "Library.h"
 #include "Program.h"
 
@@ -296,4 +298,24 @@ TEST_F(Backup, aVerboseDryRunIsOneStreamInOrder) {
             "    system.remote[0]: 0 | 1\n"
             "    system.remote[1]: 0 | 1\n");
   EXPECT_THAT(lines(run.err), ElementsAre("3 contents or settings would change"));
+}
+
+TEST_F(Backup, aManifestNamesEveryContentWithTheHashThatContentsGives) {
+  fill();
+  ASSERT_THAT(bda({"backup", "-o", "backup.syx", "--manifest", "backup.json"}), Exits(0));
+  const Json manifest = Json::parse(read("backup.json"));
+  EXPECT_EQ(manifest["deviceNumber"], bda({"settings", "device-number"}).out.substr(0, 1));
+  EXPECT_THAT(bda({"--version"}).out, HasSubstr(manifest["version"].get<std::string>()));
+  std::map<std::string, Json> stored;
+  for (const std::string& line : lines(bda({"contents", "--json"}).out))
+    if (const Json json = Json::parse(line); json["stored"]) stored[json["content"]] = json;
+  ASSERT_THAT(manifest["contents"], SizeIs(stored.size()));
+  for (const Json& content : manifest["contents"]) {
+    EXPECT_EQ(content["hash"], stored.at(content["place"])["hash"]);
+    EXPECT_EQ(content["name"], stored.at(content["place"])["name"]);
+  }
+  ASSERT_THAT(bda({"backup", "-o", "again.syx", "--manifest", "again.json"}), Exits(0));
+  EXPECT_EQ(read("again.json"), read("backup.json"));
+  EXPECT_THAT(bda({"backup", "-o", "-", "--manifest", "-"}), Exits(1));
+  EXPECT_THAT(bda({"backup", "-o", "same.syx", "--manifest", "same.syx"}), Exits(1));
 }

@@ -19,6 +19,50 @@ namespace {
 const Bytes kTrigger = blockDump({0x11, 0x00, 0x00});
 const Bytes kForeign{0xF0, 0x41, 0x10, 0xF7};
 
+// A Standard MIDI File of one track as a player takes it: when each message begins, in microseconds by the file's
+// tempo.
+struct Played {
+  struct Message {
+    double begins;
+    std::string bytes;
+  };
+
+  explicit Played(const std::string& file) : file_(file), format(number(8, 2)), ticksPerQuarter_(number(12, 2)) {
+    EXPECT_EQ(number(10, 2), 1u);
+    for (std::size_t at = 22; at < file.size();) {
+      ends += length(at) * quarter_ / ticksPerQuarter_;
+      const std::uint8_t status = byte(at++);
+      const std::uint8_t meta = status == 0xFF ? byte(at++) : std::uint8_t(0);
+      const std::uint32_t size = length(at);
+      if (meta == 0x51) quarter_ = number(at, 3);
+      if (status == 0xF0) messages.push_back({ends, "\xF0" + file.substr(at, size)});
+      at += size;
+    }
+  }
+
+  std::string file_;
+  unsigned format;
+  std::vector<Message> messages;
+  double ends = 0;
+
+ private:
+  std::uint8_t byte(std::size_t at) const { return static_cast<std::uint8_t>(file_.at(at)); }
+  unsigned number(std::size_t at, std::size_t bytes) const {
+    unsigned value = 0;
+    for (std::size_t i = 0; i < bytes; ++i) value = value << 8 | byte(at + i);
+    return value;
+  }
+  std::uint32_t length(std::size_t& at) const {
+    std::uint32_t value = 0;
+    do value = value << 7 | (byte(at) & 0x7Fu);
+    while (byte(at++) >= 0x80);
+    return value;
+  }
+
+  double quarter_ = 500'000;
+  double ticksPerQuarter_;
+};
+
 class Convert : public Program {
  protected:
   static Bytes voice(BulkAddress header, std::uint8_t value = 'A') {
@@ -59,43 +103,30 @@ TEST_F(Convert, thereAndBackGivesTheSameBytesAndNeedsNoLibrary) {
   EXPECT_THAT(files(), ElementsAre("a.syx", "b.mid", "b.syx", "b.txt", "back.syx"));
 }
 
+TEST_F(Convert, everyKindOfInputIsReadByItsContent) {
+  write("a.syx", {kForeign, blockDump({0, 0x40, 0})});
+  ASSERT_THAT(bda({"convert", "a.syx", "-o", "a.mid"}), Exits(0));
+  ASSERT_THAT(bda({"convert", "a.syx", "-o", "a.TXT"}), Exits(0));
+  const std::string midi = read("a.mid");
+  EXPECT_EQ(midi.substr(0, 4), "MThd");
+  const std::string size{char(midi.size() & 0xFF), char(midi.size() >> 8), 0, 0};
+  write("a.rmi", std::string("RIFF\0\0\0\0RMIDdata", 16) + size + midi);
+  for (const char* const kind : {"a.syx", "a.mid", "a.TXT", "a.rmi"}) {
+    write("unnamed", read(kind));
+    EXPECT_THAT(bda({"convert", "unnamed", "-o", "named.syx"}), Exits(0)) << kind;
+    EXPECT_EQ(read("named.syx"), read("a.syx")) << kind;
+    const Result piped = bda({"convert", "-", "-o", "-"}, read(kind));
+    EXPECT_THAT(piped, Exits(0)) << kind;
+    EXPECT_EQ(piped.out, read("a.syx")) << kind;
+  }
+}
+
 TEST_F(Convert, severalFilesBecomeOneInTheirOrder) {
   write("a.syx", {kForeign});
   write("b.txt", "F0 42 f7 # another\n");
   const Result run = bda({"convert", "b.txt", "-", "a.syx", "-o", "-"}, "\xF0\x43\xF7");
   EXPECT_THAT(run, Exits(0));
   EXPECT_EQ(run.out, "\xF0\x42\xF7\xF0\x43\xF7\xF0\x41\x10\xF7");
-}
-
-TEST_F(Convert, hexTextHasAMessageALine) {
-  write("a.syx", {request({0, 0x40, 0}), kForeign});
-  EXPECT_THAT(bda({"convert", "a.syx", "-o", "a.txt"}), Exits(0));
-  EXPECT_EQ(read("a.txt"), "F0 7D 20 7F 14 00 40 00 F7\nF0 41 10 F7\n");
-  for (const char* const verb : {"list", "verify"}) {
-    const Result run = bda({verb, "a.txt"});
-    EXPECT_THAT(run, Exits(0));
-    EXPECT_THAT(run.out, HasSubstr("request of system audio input part"));
-  }
-  write(
-      "system.txt", "# system\n" + [] {
-        std::string text;
-        for (const std::uint8_t byte : blockDump({0, 0x40, 0}))
-          text += "0123456789abcdef"[byte >> 4], text += "0123456789abcdef"[byte & 15];
-        return text;
-      }());
-  EXPECT_THAT(bda({"receive", "system.txt"}), Exits(0));
-}
-
-TEST_F(Convert, textThatIsNoHexIsToldLineByLine) {
-  write("a.txt", "F0 41 F7\nF0 41 xx\nF0 42 F7\n");
-  const Result run = bda({"convert", "a.txt", "-o", "a.syx"});
-  EXPECT_THAT(run, Exits(3));
-  EXPECT_THAT(run.err, HasSubstr("a.txt: offset 15: line 2: expected two hex digits a byte"));
-  EXPECT_EQ(read("a.syx"), "\xF0\x41\xF7\xF0\x42\xF7");
-  write("words.txt", "# only words\n");
-  const Result none = bda({"list", "words.txt"});
-  EXPECT_THAT(none, Exits(2));
-  EXPECT_EQ(none.err, "bda: words.txt: no System Exclusive message in it: it seems to be text\n");
 }
 
 TEST_F(Convert, whatBecameNoMessageIsTold) {
@@ -109,7 +140,31 @@ TEST_F(Convert, whatBecameNoMessageIsTold) {
   EXPECT_EQ(read("b.syx"), text(kForeign));
 }
 
-TEST_F(Convert, aLongerPauseMakesALongerFile) {
+TEST_F(Convert, whoeverPlaysAMidSendsAtTheSpeedOfACable) {
+  const std::vector<Bytes> messages{kForeign, unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice), {0xF0, 0xF7}, kForeign};
+  write("a.syx", {messages[0], messages[1], messages[2], messages[3]});
+  for (const unsigned pause : {20u, 0u, 7u, 60'000u}) {
+    std::vector<std::string> words{"convert", "a.syx", "-o", "a.mid"};
+    if (pause != 20) words.insert(words.end(), {"--pause", std::to_string(pause)});
+    EXPECT_THAT(bda(words), Exits(0));
+    const Played file(read("a.mid"));
+    EXPECT_EQ(file.format, 0u);
+    ASSERT_EQ(file.messages.size(), 26 + 3);
+    std::string all;
+    for (std::size_t i = 0; i < file.messages.size(); ++i) {
+      all += file.messages[i].bytes;
+      if (i + 1 == file.messages.size()) continue;
+      const double sent = double(file.messages[i].bytes.size()) / 3125 * 1e6;
+      const double next = file.messages[i].begins + sent + pause * 1000.0;
+      EXPECT_GE(file.messages[i + 1].begins, next) << i;
+      EXPECT_LT(file.messages[i + 1].begins, next + 160) << i;
+    }
+    EXPECT_EQ(all, read("a.syx"));
+    EXPECT_GE(file.ends, file.messages.back().begins + double(file.messages.back().bytes.size()) / 3125 * 1e6);
+  }
+}
+
+TEST_F(Convert, saysHowLongTheFilePlays) {
   write("a.syx", {kForeign, kForeign});
   EXPECT_THAT(bda({"convert", "a.syx", "-o", "a.mid"}).err, HasSubstr("0.0 s to play"));
   EXPECT_THAT(bda({"convert", "a.syx", "-o", "a.mid", "--pause", "1500"}).err, HasSubstr("1.5 s to play"));
@@ -146,6 +201,26 @@ TEST_F(Convert, aFileThatCannotBeWrittenIs1AndOneThatCannotBeUsedIs2) {
   EXPECT_THAT(bda({"convert", "a.syx", "none.syx", "-o", "b.syx"}), Exits(2));
   EXPECT_THAT(bda({"convert", "a.syx", "-", "-o", "b.syx"}, "words"), Exits(2));
   EXPECT_THAT(files(), ElementsAre("a.syx"));
+}
+
+TEST_F(Convert, anOutputThatCannotBeWrittenIs1WhateverElseWasFound) {
+  write("good.syx", {kForeign});
+  write("cut.syx", text(kForeign) + "\xF0\x41");
+  for (const char* const name : {"full.syx", "full.mid", "full.txt"}) {
+    std::filesystem::create_symlink("/dev/full", directory / name);
+    for (const char* const file : {"good.syx", "cut.syx"}) {
+      const Result run = bda({"convert", file, "-o", name});
+      EXPECT_THAT(run, Exits(1)) << name;
+      EXPECT_THAT(run.err, HasSubstr("cannot write it: No space left on device"));
+    }
+  }
+  write("old.syx", "old");
+  std::filesystem::create_directory(directory / "dir.syx");
+  EXPECT_THAT(bda({"convert", "good.syx", "-o", "dir.syx"}), Exits(1));
+  EXPECT_THAT(bda({"convert", "good.syx", "--split", "/dev/null/dir"}), Exits(1));
+  EXPECT_THAT(bda({"convert", "good.syx", "--split", "/proc"}), Exits(1));
+  EXPECT_THAT(bda({"convert", "good.syx", "-o", "old.syx"}), Exits(0));
+  EXPECT_EQ(read("old.syx"), text(kForeign));
 }
 
 TEST_F(Convert, placeAddressesAUnitToAnotherPlace) {

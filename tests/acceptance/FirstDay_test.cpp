@@ -83,9 +83,15 @@ TEST_F(FirstDay, whatNeedsAContentIsRefusedAndMakesNone) {
                                                {"rename", "voice:edit", "Name"},
                                                {"favourite", "voice:user1:1", "on"},
                                                {"favourite", "voice:user1:1", "off"},
-                                               {"remove", "voice:user1:1"}}) {
+                                               {"remove", "voice:user1:1"},
+                                               {"move", "voice:edit", "voice:user1:1"},
+                                               {"swap", "voice:edit", "voice:user1:1"},
+                                               {"copy", "voice:user1:1", "voice:user1:2"}}) {
     EXPECT_THAT(bda(words), Exits(3)) << testing::PrintToString(words);
     EXPECT_THAT(bdaWithDefault(words), Exits(3)) << testing::PrintToString(words);
+    Words rehearsed = words;
+    rehearsed.emplace_back("--dry-run");
+    EXPECT_THAT(bda(rehearsed), Exits(3)) << testing::PrintToString(words);
   }
   EXPECT_FALSE(exists("library.db"));
   EXPECT_FALSE(exists("XDG_DATA_HOME"));
@@ -116,12 +122,13 @@ TEST_F(FirstDay, theFirstChangeMakesOne) {
   const Result dryRun = bda({"restore", "--dry-run", "voice.syx"});
   EXPECT_THAT(dryRun, Exits(0));
   EXPECT_THAT(dryRun.out, HasSubstr("would store: voice:user1:6"));
+  EXPECT_THAT(bda({"settings", "device-number", "1"}), Exits(0)) << "as it is";
   EXPECT_FALSE(exists("library.db"));
   const Result first = bda({"receive", "voice.syx"});
   EXPECT_THAT(first, Exits(0));
   EXPECT_THAT(first.err, HasSubstr("library.db: no library yet, the first change makes one\n"));
   EXPECT_THAT(bda({"contents"}).out, HasSubstr("voice:user1:6"));
-  EXPECT_EQ(bda({"settings", "device-number", "3"}).err, "");
+  EXPECT_EQ(bda({"settings", "device-number", "3"}).err, "set: device-number: 3, was 1\n");
 }
 
 TEST_F(FirstDay, eachVerbThatStoresMakesOne) {
@@ -130,6 +137,7 @@ TEST_F(FirstDay, eachVerbThatStoresMakesOne) {
   for (const Words& words : std::vector<Words>{{"receive", "voice.syx"},
                                                {"restore", "voice.syx"},
                                                {"apply", "system", "system.json"},
+                                               {"copy", "voice:edit", "voice:user1:1"},
                                                {"settings", "receive-bulk", "off"}}) {
     EXPECT_THAT(bda(words), Exits(0)) << testing::PrintToString(words);
     EXPECT_TRUE(exists("library.db")) << testing::PrintToString(words);

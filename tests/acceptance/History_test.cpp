@@ -71,7 +71,7 @@ TEST_F(History, hasAnEntryForEachRunThatChangedSomethingTheNewestFirst) {
   EXPECT_THAT(objects({"history", "--json", "-n", "2"}), SizeIs(2));
   const Result words = bda({"history", "-v", "-n", "1"});
   EXPECT_THAT(words.out,
-              AllOf(HasSubstr("   5  "), HasSubstr("settings: 1 stored"), HasSubstr("      system: stored")));
+              AllOf(HasSubstr("   5  "), HasSubstr("settings: 1 stored"), HasSubstr("      stored: system\n")));
   EXPECT_THAT(bda({"history", "-n", "0"}), Exits(1));
 }
 
@@ -212,6 +212,12 @@ TEST_F(History, aDamagedContentKeepsNoVerbFromTheOthers) {
   EXPECT_EQ(lines(bda({"check"}).out),
             std::vector<std::string>{"table change: damaged: entry 3: what voice:user1:6 held before does not fit its "
                                      "checksum"});
+  for (const char* force : {"--json", "--force"}) {
+    const Result undo = bda({"undo", force});
+    EXPECT_THAT(undo, Exits(3));
+    EXPECT_THAT(undo.err, HasSubstr("voice:user1:6: what it held before is damaged"));
+  }
+  EXPECT_THAT(bda({"contents"}), Exits(0));
 }
 
 // ---- Libraries of version 1 -----------------------------------------------------------------------------------------
@@ -226,9 +232,13 @@ TEST_F(History, aLibraryOfVersion1IsReadAsItIsAndMigratedByItsFirstChange) {
   EXPECT_THAT(bda({"undo"}), Exits(3));
   EXPECT_EQ(read("library.db"), old);
   EXPECT_FALSE(exists("library.db.v1"));
-  ok({"rename", "voice:user1:6", "Grand"});
+  const Result first = bda({"rename", "voice:user1:6", "Grand"});
+  EXPECT_THAT(first, Exits(0));
+  EXPECT_THAT(first.err, HasSubstr("the first change brings it to this one, and leaves a copy as"));
+  EXPECT_THAT(bda({"rename", "voice:user1:6", "Piano"}).err, Not(HasSubstr("the first change")));
+  ok({"undo"});
   EXPECT_EQ(read("library.db.v1"), old);
-  EXPECT_EQ(history()[0]["changes"].dump(),
+  EXPECT_EQ(history()[2]["changes"].dump(),
             R"([{"content":"voice:user1:6","what":"renamed","before":"Piano","after":"Grand"}])");
   ok({"undo"});
   ok({"diff", "library.db", "library.db.v1"});

@@ -1,28 +1,18 @@
 // A receive that is killed at a random moment: every unit is in the library whole or not at all, and what was told is.
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-
-#include <chrono>
-#include <csignal>
 #include <iostream>
 #include <map>
-#include <random>
 #include <set>
-#include <thread>
 
+#include "Killed.h"
 #include "Library.h"
-#include "Program.h"
 #include "messages/AddressNames.h"
-
-extern char** environ;
 
 namespace {
 
 using State = std::map<std::string, Bytes>;
 
-class Kill : public Program {
+class Kill : public Killed {
  protected:
   Kill() {
     std::string messages;
@@ -49,26 +39,15 @@ class Kill : public Program {
   std::set<std::string> receiveAndKill() {
     for (const char* file : {"library.db", "library.db-wal", "library.db-shm"})
       std::filesystem::remove(directory / file);
-    std::string words[] = {BDA_PROGRAM, "--library=" + (directory / "library.db").string(), "receive", "-v",
-                           (directory / "all.syx").string()};
-    char* argv[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data(), words[4].data(), nullptr};
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, (directory / "told").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    pid_t child = 0;
-    EXPECT_EQ(posix_spawn(&child, BDA_PROGRAM, &actions, nullptr, argv, environ), 0);
-    posix_spawn_file_actions_destroy(&actions);
+    const pid_t child = start({"receive", "-v", (directory / "all.syx").string()}, 1);
     const int status = killAfter(child, random_() % length_);
     if (WIFSIGNALED(status)) ++kills_;
 
     const std::string prefix = "stored: ";
-    std::set<std::string> told;
-    std::string all = read("told");
-    all.resize(all.find_last_of('\n') + 1);
-    for (const std::string& line : lines(all))
-      if (line.starts_with(prefix)) told.insert(line.substr(prefix.size(), line.find(" (") - prefix.size()));
-    return told;
+    std::set<std::string> names;
+    for (const std::string& line : toldLines())
+      if (line.starts_with(prefix)) names.insert(line.substr(prefix.size(), line.find(" (") - prefix.size()));
+    return names;
   }
 
   // Kills it when it has told so many bytes and a moment more. The status that wait gives.
@@ -87,15 +66,14 @@ class Kill : public Program {
   State whole_;
   std::size_t length_ = 0;  // of all that is told
   int kills_ = 0;
-  std::mt19937 random_{4711};
 };
 
 }  // namespace
 
 TEST_F(Kill, leavesWhatWasToldAndNoHalfUnit) {
-  constexpr int kKills = 100;
+  const int most = kills(100);
   std::size_t told = 0;
-  for (int run = 0; run < 10 * kKills && kills_ < kKills; ++run) {
+  for (int run = 0; run < 10 * most && kills_ < most; ++run) {
     const std::set<std::string> names = receiveAndKill();
     told += names.size();
     const State found = state();
@@ -105,6 +83,6 @@ TEST_F(Kill, leavesWhatWasToldAndNoHalfUnit) {
     ASSERT_LE(names.size(), found.size());
   }
   std::cout << kills_ << " kills, " << told << " contents told, none lost\n";
-  EXPECT_EQ(kills_, kKills);
+  EXPECT_EQ(kills_, most);
   EXPECT_GT(told, 0u);
 }

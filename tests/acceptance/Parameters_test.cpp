@@ -315,3 +315,20 @@ TEST_F(Parameters, theNumberOfMixingVoicesIsKept) {
   EXPECT_THAT(run.err, HasSubstr("no room for another mixing voice"));
   EXPECT_THAT(bda({"apply", "voice:mix:1", "a.json"}), Exits(0));
 }
+
+TEST_F(Parameters, ofAFileAreThoseThatALibraryWouldHold) {
+  write("voice.syx", {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 0x41)});
+  const Result ofFile = bda({"show", "voice:user1:6", "--from", "voice.syx", "--json"});
+  EXPECT_THAT(ofFile, Exits(0));
+  EXPECT_THAT(bda({"show", "voice:user1:6", "--json"}), Exits(3)) << "the library has it not";
+  ASSERT_THAT(bda({"receive", "-q", "voice.syx"}), Exits(0));
+  EXPECT_EQ(bda({"show", "voice:user1:6", "--json"}).out, ofFile.out);
+  for (const char* target : {"voice:user1:7", "voice:edit", "system"})
+    EXPECT_THAT(bda({"show", target, "--from", "voice.syx"}), Exits(3)) << target;
+  removeLibrary();
+  EXPECT_THAT(bda({"show", "voice:user1", "--from", "voice.syx", "--library", "none.db"}), Exits(0));
+  EXPECT_FALSE(exists("none.db"));
+  EXPECT_THAT(bda({"show", "voice:user1:6", "--from", "none.syx"}), Exits(2));
+  write("voice.syx", read("voice.syx").substr(0, 100));
+  EXPECT_THAT(bda({"show", "voice:user1:6", "--from", "voice.syx"}), Exits(3));
+}

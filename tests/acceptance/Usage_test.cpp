@@ -13,8 +13,9 @@ namespace {
 class Usage : public Program {
  protected:
   static std::vector<std::string> verbs() {
-    return {"list",   "verify",   "receive", "request", "screen", "contents", "show",    "apply", "rename", "favourite",
-            "remove", "settings", "backup",  "restore", "diff",   "help",     "history", "undo",  "check"};
+    return {"list",    "verify", "convert", "explain",  "salvage",   "receive", "request", "screen", "contents",
+            "find",    "show",   "apply",   "rename",   "favourite", "remove",  "copy",    "move",   "swap",
+            "history", "undo",   "check",   "settings", "backup",    "restore", "diff",    "help"};
   }
 };
 
@@ -85,26 +86,37 @@ TEST_F(Usage, whatIsMisspeltIsAskedFor) {
 
 TEST_F(Usage, wrongUsageExitsWith1AndSaysWhy) {
   write("a.syx", {blockDump({0, 0, 0})});
-  const std::vector<std::vector<std::string>> wrong{{},
-                                                    {"dance"},
-                                                    {"list"},
-                                                    {"list", "--nonsense", "a.syx"},
-                                                    {"receive", "--port", "2", "a.syx"},
-                                                    {"request", "0E0A"},
-                                                    {"request", "voice:user9:1"},
-                                                    {"show"},
-                                                    {"show", "000000"},
-                                                    {"apply", "system"},
-                                                    {"settings", "colour"},
-                                                    {"settings", "device-number", "17"},
-                                                    {"-q", "-v", "contents"},
-                                                    {"backup"},
-                                                    {"restore"},
-                                                    {"diff", "a.syx"},
-                                                    {"diff", "-", "-"},
-                                                    {"remove"},
-                                                    {"screen"},
-                                                    {"request", "system", "--trace", "-"}};
+  const std::vector<std::vector<std::string>> wrong{
+      {},
+      {"dance"},
+      {"list"},
+      {"list", "--nonsense", "a.syx"},
+      {"receive", "--port", "2", "a.syx"},
+      {"request", "0E0A"},
+      {"request", "voice:user9:1"},
+      {"show"},
+      {"show", "000000"},
+      {"apply", "system"},
+      {"settings", "colour"},
+      {"settings", "device-number", "17"},
+      {"-q", "-v", "contents"},
+      {"backup"},
+      {"restore"},
+      {"diff", "a.syx"},
+      {"diff", "-", "-"},
+      {"remove"},
+      {"rename"},
+      {"rename", "--from", "a.txt", "voice:edit", "Name"},
+      {"copy", "voice:user1:1"},
+      {"copy", "voice:user1:1", "voice:user1:2", "voice:user1:3"},
+      {"copy", "system", "system"},
+      {"copy", "voice:user1:1..3", "voice:user1:1..2"},
+      {"copy", "voice:user1:1..3", "voice:user1:127"},
+      {"move", "voice:user1", "voice:mix"},
+      {"move", "voice:user1:1", "voice:user1:2", "--from-library", "a.db"},
+      {"swap", "voice:user1:1..3", "voice:user1:3"},
+      {"screen"},
+      {"request", "system", "--trace", "-"}};
   for (const auto& arguments : wrong) {
     const Result run = bda(arguments);
     EXPECT_THAT(run, Exits(1)) << testing::PrintToString(arguments);
@@ -221,7 +233,9 @@ TEST_F(Usage, anEmptyFileNameIsWrongUsage) {
                                                     {"restore", ""},
                                                     {"diff", "", "a.syx"},
                                                     {"diff", "a.syx", ""},
-                                                    {"apply", "system", ""}};
+                                                    {"apply", "system", ""},
+                                                    {"rename", "--from", ""},
+                                                    {"copy", "voice:edit", "voice:user1:1", "--from-library", ""}};
   for (const auto& words : wrong) {
     const Result run = bda(words);
     EXPECT_THAT(run, Exits(1)) << testing::PrintToString(words);

@@ -27,13 +27,13 @@ struct LibraryHistory : LibraryTest {
   std::vector<RecordedChange> newest() {
     return library.recordedChanges(library.recordedEntries().front().number, true);
   }
-  void run(const std::string& verb) { library.beginRun({verb, {}, {}}); }
+  void run(const std::string& verb) { library.beginRun({verb}); }
 
   Library library{file, {.clock = [] { return now; }}};
 };
 
 TEST_F(LibraryHistory, OneRunIsOneEntryWithEachPlaceOnce) {
-  library.beginRun({"receive", {"a.syx", "b c.syx"}, {}});
+  library.beginRun({"receive", {"a.syx", "b c.syx"}});
   library.store(kVoice, Bytes{1}, "first");
   library.store(kVoice, Bytes{2}, "second");
   library.setFavourite(kVoice, 1);
@@ -74,16 +74,20 @@ TEST_F(LibraryHistory, APlaceKeepsWhatItHeldBeforeTheRun) {
   EXPECT_EQ(newest()[0].before, heldOf("old", Bytes{1}));
 }
 
-TEST_F(LibraryHistory, ANameThatAloneChangesIsARename) {
+TEST_F(LibraryHistory, ANameThatAloneChangesIsARenameByARunThatRenames) {
   ModelSet models = emptySetFor(kVoice);
   nameIn(models)->assign("Old");
   library.store(kVoice, encodeContent(models), "Old");
   library.store(kMulti, Bytes{1}, "opaque");
-  run("rename");
+  library.beginRun({"rename", {}, {}, true});
   nameIn(models)->assign("New");
   library.store(kVoice, encodeContent(models), "New");
   library.rename(kMulti, "other");
   for (const RecordedChange& change : newest()) EXPECT_EQ(change.what, What::renamed);
+  run("apply");
+  nameIn(models)->assign("Other");
+  library.store(kVoice, encodeContent(models), "Other");
+  EXPECT_EQ(newest()[0].what, What::stored);
   run("apply");
   models.voice->common.set(Bytes{1, 2, 3}.data(), 3, 0);
   nameIn(models)->assign("Newer");
@@ -127,7 +131,7 @@ TEST_F(LibraryHistory, AnEntryThatWasTakenBackGivesItsNumberToTheNext) {
     library.store(kVoice, Bytes{1}, "taken back");
   }
   Library other(file);
-  other.beginRun({"other", {}, {}});
+  other.beginRun({"other"});
   other.store(kMulti, Bytes{2}, "theirs");
   library.store(kVoice, Bytes{1}, "mine");  // not into their entry
   EXPECT_THAT(numbers(), ElementsAre(3, 2, 1));

@@ -7,7 +7,7 @@
 #include "targets/TargetJson.h"
 
 using Editor::Batch;
-using Editor::PlaceKind;
+using Editor::ContentKind;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -78,12 +78,12 @@ TEST(Batch, aUnitIsOfTheKindOfItsBlocks) {
   const auto kindOf = [](Editor::BulkAddress header, List list) {
     return batchOf({unit(header, list, 0)}).units.front().kind;
   };
-  EXPECT_EQ(kindOf({0x0E, 0x30, 0x03}, List::normalVoice), PlaceKind::normalVoice);
-  EXPECT_EQ(kindOf({0x0E, 0x30, 0x03}, List::drumVoice), PlaceKind::drumVoice);
-  EXPECT_EQ(kindOf({0x0E, 0x5F, 0x00}, List::multi), PlaceKind::multi);
-  EXPECT_EQ(kindOf({0x0E, 0x40, 0x00}, List::performance), PlaceKind::performance);
-  EXPECT_EQ(kindOf({0x0E, 0x70, 0x00}, List::master), PlaceKind::master);
-  EXPECT_EQ(kindOf({0x0E, 0x60, 0x00}, List::remote), PlaceKind::remote);
+  EXPECT_EQ(kindOf({0x0E, 0x30, 0x03}, List::normalVoice), ContentKind::voice);
+  EXPECT_EQ(kindOf({0x0E, 0x30, 0x03}, List::drumVoice), ContentKind::drum);
+  EXPECT_EQ(kindOf({0x0E, 0x5F, 0x00}, List::multi), ContentKind::multi);
+  EXPECT_EQ(kindOf({0x0E, 0x40, 0x00}, List::performance), ContentKind::performance);
+  EXPECT_EQ(kindOf({0x0E, 0x70, 0x00}, List::master), ContentKind::master);
+  EXPECT_EQ(kindOf({0x0E, 0x60, 0x00}, List::remote), ContentKind::remote);
 }
 
 TEST(Batch, aPlaceHasOneNameForAllItsAddresses) {

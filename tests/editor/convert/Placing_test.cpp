@@ -186,7 +186,7 @@ TEST_F(Placing, jsonBecomesWhatRequestAnswers) {
     EXPECT_THAT(place(batch, to), IsEmpty()) << to;
     EXPECT_EQ(batch.messages.size(), messages) << to;
     EXPECT_EQ(Editor::readMessage(batch.messages.front().bytes).address, first);
-    EXPECT_EQ(batch.units.front().kind, Editor::PlaceKind::normalVoice);
+    EXPECT_EQ(batch.units.front().kind, Editor::ContentKind::voice);
   }
 }
 

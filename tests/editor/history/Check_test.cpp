@@ -33,7 +33,7 @@ struct Checks : LibraryTest {
   void fill() {
     Library library(file);
     library.store(kVoice, encodeContent(emptySetFor(kVoice)), "Piano");
-    library.beginRun({"again", {}, {}});
+    library.beginRun({"again"});
     library.store(kVoice, encodeContent(emptySetFor(kVoice)), "Grand");
     library.store(kMulti, Bytes{1, 2, 3}, "opaque");
     library.storeLive("voice", encodeContent(emptySetFor(headerTypeOf(headerOf(EditBuffer::normalVoice)))));

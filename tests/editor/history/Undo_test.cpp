@@ -24,7 +24,7 @@ using State = Undone::State;
 
 class Undoing : public LibraryTest {
  protected:
-  void run(const std::string& verb) { library.beginRun({verb, {}, {}}); }
+  void run(const std::string& verb) { library.beginRun({verb}); }
   void store(ContentId id, const std::string& name, const Bytes& bytes) {
     run("store");
     library.store(id, bytes, name);
@@ -198,10 +198,10 @@ Contents contentsOf(const std::filesystem::path& file) {
 // Two entries: twenty contents, then ten of them replaced and ten removed.
 void makeHistory(const std::filesystem::path& file) {
   Library library(file);
-  library.beginRun({"first", {}, {}});
+  library.beginRun({"first"});
   for (std::uint32_t i = 0; i < 20; ++i) library.store({1, i}, Bytes(3000, std::uint8_t(i)), "first");
   Library::Transaction transaction(library);
-  library.beginRun({"second", {}, {}});
+  library.beginRun({"second"});
   for (std::uint32_t i = 0; i < 10; ++i) library.store({1, i}, Bytes(3000, 99), "second");
   for (std::uint32_t i = 10; i < 20; ++i) library.remove({1, i});
   transaction.commit();

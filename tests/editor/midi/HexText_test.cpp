@@ -69,6 +69,29 @@ TEST(HexText, bytesThatAreInNoMessageAreToldWhereTheyStand) {
               ElementsAre("0: 2 outside of any message", "6: 2 message cut short by another status byte", "12: F0 F7"));
 }
 
+TEST(HexText, whatIsLostInsideOfALineIsToldWhereItStands) {
+  EXPECT_THAT(
+      read("05 F0 01 90 40 F8 f8 06 F7"),
+      ElementsAre("0: 1 outside of any message", "3: 2 message cut short by another status byte",
+                  "9: 2 outside of any message", "15: 1 real-time", "18: 1 real-time", "21: 2 outside of any message"));
+  EXPECT_THAT(read("F0 F8 01 F7"), ElementsAre("3: 1 real-time", "0: F0 01 F7"));
+}
+
+TEST(HexText, everyByteIsVisitedWithTheOffsetOfItsFirstDigit) {
+  Listing listing;
+  StreamJoiner joiner(listing);
+  std::vector<std::string> bytes;
+  HexTextReader reader(
+      joiner, [](std::uint64_t, const std::string&) {},
+      [&](std::uint64_t offset, std::uint8_t byte) {
+        bytes.push_back(std::to_string(offset) + ":" + std::to_string(byte));
+      });
+  const std::string text = "# 01\nF0 0102 x 03\nf7";
+  reader.feed({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+  reader.finish();
+  EXPECT_THAT(bytes, ElementsAre("5:240", "8:1", "10:2", "18:247"));
+}
+
 TEST(HexText, aLineThatIsNoHexIsToldAndEndsTheMessage) {
   const std::string why = "expected two hex digits a byte, the rest of it is not read";
   EXPECT_THAT(read("F0 F7\nF0 01 zz F7\nF0 F7"),

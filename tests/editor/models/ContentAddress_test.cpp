@@ -126,6 +126,16 @@ TEST(ContentAddress, KnowsDrumVoicesFromOthers) {
   EXPECT_FALSE(isDrumVoice(header(0x40, 0)));
 }
 
+TEST(ContentAddress, voicesOfAllBanksButTheMixingOnesCanBeFavourites) {
+  for (const int mid : {0x00, 0x07, 0x09, 0x0A, 0x0C, 0x20, 0x21, 0x28})
+    EXPECT_TRUE(canBeFavourite(header(std::uint8_t(mid), 0))) << mid;
+  EXPECT_FALSE(canBeFavourite(header(0x31, 0)));
+  EXPECT_FALSE(canBeFavourite({ContSrv::ContType_Voice, mixingVoiceNumber(3, 4)}));
+  EXPECT_FALSE(canBeFavourite({ContSrv::ContType_Multi, 0}));
+  EXPECT_FALSE(canBeFavourite(header(0x40, 0)));
+  EXPECT_FALSE(canBeFavourite(header(0x70, 0)));
+}
+
 TEST(ContentAddress, HeadersNameTheirContents) {
   EXPECT_EQ(header(0x00, 0x05), (ContentId{kVoiceType, 0x3F0005}));
   EXPECT_EQ(header(0x09, 0x7F), (ContentId{kVoiceType, 0x00007F}));

@@ -108,6 +108,40 @@ TEST(Targets, banksAndRangesAreAskedForBlockByBlock) {
   EXPECT_THROW(parsePlaces("additional"), TargetError);
 }
 
+TEST(Targets, placesGoOnInTheirBankFromTheFirst) {
+  const auto placesFrom = [](const char* first, std::size_t count) {
+    std::vector<std::string> names;
+    for (const Target& target : Editor::placesFrom(Editor::parseTarget(first), count)) names.push_back(target.name);
+    return names;
+  };
+  EXPECT_THAT(placesFrom("0E0A05", 2), ElementsAre("voice:user1:6", "voice:user1:7"));
+  EXPECT_THAT(placesFrom("voice:user1:128", 1), ElementsAre("voice:user1:128"));
+  EXPECT_THAT(placesFrom("file:mix:2:15", 2), ElementsAre("file:mix:2:15", "file:mix:2:16"));
+  EXPECT_THAT(placesFrom("voice:edit", 1), ElementsAre("voice:edit"));
+  try {
+    placesFrom("voice:user1:120", 10);
+    FAIL();
+  } catch (const TargetError& error) {
+    EXPECT_EQ(error.kind(), TargetError::Kind::noTarget);
+    EXPECT_STREQ(error.what(), "voice:user1:120: 10 places are needed from there on, its bank has 9");
+  }
+  EXPECT_THROW(placesFrom("drum:gm", 2), TargetError);
+}
+
+TEST(Targets, aContentHasOneNameByWhateverAddress) {
+  for (const char* text : {"voice:user1:6", "file:voice:user1:6", "0E0A05", "0C0A05"})
+    EXPECT_EQ(placeNameOf(Editor::parseTarget(text)), "voice:user1:6");
+  EXPECT_EQ(placeNameOf(Editor::parseTarget("file:mix:1:3")), "voice:mix:3");
+  EXPECT_EQ(placeNameOf(Editor::parseTarget("file:multi:1")), "file:multi:1");
+  EXPECT_EQ(placeNameOf(Editor::parseTarget("voice:part:4")), "voice:part:4");
+}
+
+TEST(Targets, onlyContentsCanBeAskedForAsContents) {
+  EXPECT_EQ(Editor::parseContents("voice:user1:1..16").list.size(), 16u);
+  for (const char* text : {"voice:part", "voice:edit", "system"})
+    EXPECT_THROW(Editor::parseContents(text), TargetError);
+}
+
 TEST(Targets, aBankIsWhatNumberedNamesShare) {
   EXPECT_EQ(Editor::bankOfName("voice:user1:6"), "voice:user1");
   EXPECT_EQ(Editor::bankOfName("master:128"), "master");

@@ -1,0 +1,43 @@
+#include "arrange/ArrangedPlace.h"
+
+#include "contents/ContentFormat.h"
+
+namespace Editor {
+
+namespace {
+
+Library::Content contentOf(const ModelSet& models) { return {nameOf(models), encodeContent(models)}; }
+
+ModelSet freshModels(const ArrangedPlace& buffer) {
+  return freshTarget(buffer.target, buffer.kind == ContentKind::drum);
+}
+
+}  // namespace
+
+ArrangedPlace readPlace(EmbeddedEditor& editor, const Target& target) {
+  ArrangedPlace place;
+  place.target = target;
+  place.name = placeNameOf(target);
+  if (place.isBuffer()) {
+    place.kind = contentKindOf(target.buffer, editor.tools().live(target.buffer, target.part));
+    place.holds = contentOf(loadTarget(editor, target));
+  } else {
+    place.kind = contentKindOf(target.content);
+    place.holds = editor.library().content(target.content);
+    if (place.hasFlag()) place.flag = editor.library().favourite(target.content);
+  }
+  return place;
+}
+
+Library::Content asNew(const ArrangedPlace& buffer) { return contentOf(freshModels(buffer)); }
+
+ModelSet modelsFor(const ArrangedPlace& buffer, const Library::Content& content, const Target& from) {
+  ModelSet models = freshModels(buffer);
+  if (const auto why = decodeContent(content.bytes, models)) refuse(from, *why);
+  if (!buffer.isPart()) return models;
+  ModelSet voice;
+  voice.voice = std::move(models.voice);
+  return voice;
+}
+
+}  // namespace Editor

@@ -1,0 +1,108 @@
+#include "exchange/WholeUnits.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace Editor {
+
+namespace {
+
+const UnitReport* find(const std::vector<UnitReport>& ended, UnitReport::State state) {
+  const auto found = std::ranges::find(ended, state, &UnitReport::state);
+  return found == ended.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+std::vector<WholeUnits::Decided> WholeUnits::next(Message message, bool isHeard) {
+  if (!isHeard && message.reading.kind == Reading::Kind::dump) {
+    handOn(std::move(message));
+    return std::exchange(decided_, {});
+  }
+  const std::vector<UnitReport> ended = follower_.next(message.reading, message.number);
+  if (const UnitReport* const abandoned = find(ended, UnitReport::State::abandoned)) refuse(unit_, *abandoned);
+  decide(std::move(message), ended);
+  return std::exchange(decided_, {});
+}
+
+std::vector<WholeUnits::Decided> WholeUnits::finish() {
+  for (const UnitReport& unit : follower_.finish())
+    refuse(unit.state == UnitReport::State::held ? fileDumps_ : unit_, unit);
+  return std::exchange(decided_, {});
+}
+
+void WholeUnits::decide(Message message, const std::vector<UnitReport>& ended) {
+  const Reading& reading = message.reading;
+  if (reading.kind != Reading::Kind::dump) return handOn(std::move(message));
+  if (isBroken(reading)) {
+    std::string why = fmt::format("{}: {}", wordOf(reading.verdict), reading.note);
+    return refuse(std::move(message), std::move(why));
+  }
+  switch (reading.role) {
+    case Role::header:
+      return wait(unit_, std::move(message));
+    case Role::part:
+      if (const UnitReport* const outside = find(ended, UnitReport::State::outside))
+        return refuse(std::move(message), describeUnit(*outside));
+      return wait(unit_, std::move(message));
+    case Role::footer:
+      if (find(ended, UnitReport::State::complete) != nullptr) return release(unit_, std::move(message));
+      if (const UnitReport* const incomplete = find(ended, UnitReport::State::incomplete)) {
+        unit_.messages.push_back(std::move(message));
+        return refuse(unit_, *incomplete);
+      }
+      return refuse(std::move(message), describeUnit(ended.back()));
+    case Role::fileDump:
+      wait(fileDumps_, std::move(message));
+      if (const UnitReport* const discarded = find(ended, UnitReport::State::discarded)) refuse(fileDumps_, *discarded);
+      return;
+    case Role::trigger:
+      return release(fileDumps_, std::move(message));
+    case Role::alone:
+    case Role::unknown:
+    case Role::emptyHeader:
+    case Role::emptyFooter:
+      return handOn(std::move(message));
+  }
+}
+
+void WholeUnits::wait(Waiting& waiting, Message message) {
+  waiting.bytes += message.bytes.size();
+  waiting.isTooMuch = waiting.isTooMuch || waiting.bytes > mostBytes_;
+  waiting.messages.push_back(std::move(message));
+  if (waiting.isTooMuch) {
+    decided_.push_back({std::exchange(waiting.messages, {}),
+                        fmt::format("more than {} bytes would have to be held back", mostBytes_)});
+  }
+}
+
+void WholeUnits::release(Waiting& waiting, Message last) {
+  if (waiting.isTooMuch) {
+    wait(waiting, std::move(last));
+    waiting = {};
+    return;
+  }
+  Waiting whole = std::exchange(waiting, {});
+  whole.messages.push_back(std::move(last));
+  decided_.push_back({std::move(whole.messages), {}});
+}
+
+void WholeUnits::refuse(Waiting& waiting, const UnitReport& unit) {
+  Waiting refused = std::exchange(waiting, {});
+  if (!refused.messages.empty()) decided_.push_back({std::move(refused.messages), describeUnit(unit)});
+}
+
+void WholeUnits::refuse(Message message, std::string why) {
+  decided_.emplace_back();
+  decided_.back().messages.push_back(std::move(message));
+  decided_.back().refusal = std::move(why);
+}
+
+void WholeUnits::handOn(Message message) {
+  decided_.emplace_back();
+  decided_.back().messages.push_back(std::move(message));
+}
+
+}  // namespace Editor

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "find/ModelValues.h"
+#include "targets/ContentKind.h"
+
+namespace Editor {
+
+// What a parameter or a name of a content has to be: "voice.common[3]>64", "voice.name!=Piano". The path is that of
+// `show --json`.
+class Condition {
+ public:
+  // One of = != < <= > >= between a path that contents of some kind have and a value: an integer, or of a name, which
+  // can be equal or not, its characters in UTF-8. Throws std::invalid_argument, which says what was expected or may
+  // have been meant.
+  explicit Condition(const std::string& text);
+
+  // Whether it holds for the values of a content of that kind. For one that has no such parameter it never does.
+  bool holds(ContentKind kind, const ModelValues& values) const;
+
+ private:
+  using Holds = std::function<bool(std::int64_t, std::int64_t)>;  // of value and operand
+
+  // Where a value stands among those of its kind.
+  struct Place {
+    bool isName;
+    std::size_t at;
+  };
+  void findPlaces(const std::string& path);
+
+  std::array<std::optional<Place>, kContentKinds> places_;  // by kind; nothing: it has none
+  Holds compare_;
+  bool isOfName_ = false;
+  std::int64_t number_ = 0;
+  std::optional<std::string> name_;  // nothing: no name can have those characters
+};
+
+}  // namespace Editor

@@ -1,0 +1,122 @@
+#include "find/FileCandidates.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <set>
+#include <utility>
+
+#include "AddressRows.h"
+
+namespace Editor {
+
+namespace {
+
+bool isEditBuffer(const UnitReport& unit) {
+  return unit.state == UnitReport::State::complete && editBufferOf(unit.address.mid).has_value();
+}
+
+}  // namespace
+
+// The messages of a file, each with what it says of itself, and the units that they make.
+struct FileReceiver::Judged {
+  explicit Judged(std::span<const FileMessage> all) : messages(all) {
+    UnitFollower follower;
+    const auto keep = [&](std::vector<UnitReport> ended) {
+      std::move(ended.begin(), ended.end(), std::back_inserter(units));
+    };
+    readings.reserve(messages.size());
+    for (const FileMessage& message : messages) {
+      readings.push_back(readMessage(message.bytes));
+      keep(follower.next(readings.back(), readings.size() - 1));
+    }
+    keep(follower.finish());
+  }
+
+  // Of the file dumps that its trigger wrote: by content the message that counts, the last.
+  std::map<ContentId, std::size_t> dumpsOf(const UnitReport& unit) const {
+    std::map<ContentId, std::size_t> dumps;
+    if (unit.state != UnitReport::State::written) return dumps;
+    for (const std::uint64_t at : unit.messages)
+      if (const auto content = contentAt(*readings[at].address)) dumps[canonical(*content)] = at;
+    return dumps;
+  }
+
+  std::span<const FileMessage> messages;
+  std::vector<Reading> readings;
+  std::vector<UnitReport> units;  // their messages counted from 0
+};
+
+FileReceiver::FileReceiver() = default;
+
+// What another file has left behind goes: its edit buffers decide what the parts of a multi play. Contents need not go,
+// each is read as soon as it is stored.
+void FileReceiver::beginFile() {
+  const bool isClean = run_ && !hasFlags_ && editor_.tools().changeCount() == liveBefore_;
+  if (isClean) return;
+  run_.reset();
+  run_.emplace(editor_, Library::Transaction::Access::Write, EmbeddedEditor::Run::Devices::any);
+  liveBefore_ = editor_.tools().changeCount();
+  hasFlags_ = false;
+}
+
+FileContents FileReceiver::receive(std::span<const FileMessage> messages, EditBuffers buffers) {
+  beginFile();
+  const Judged judged(messages);
+  FileContents found;
+  for (const UnitReport& unit : judged.units) {
+    if (isBroken(unit))
+      ++found.broken;
+    else if (buffers == EditBuffers::included || !isEditBuffer(unit))
+      take(judged, unit, found);
+  }
+  takeFlags(judged, found);
+  return found;
+}
+
+void FileReceiver::take(const Judged& judged, const UnitReport& unit, FileContents& found) {
+  bool isRefused = false;
+  for (const std::uint64_t at : unit.messages) {
+    const Record record = editor_.handle(judged.readings[at], judged.messages[at].bytes, BDA::DevicePort_Main, at);
+    isRefused = isRefused || record.outcome == Outcome::refused;
+    if (at == unit.lastMessage) takeStored(judged, unit, record, found);
+  }
+  if (isRefused) ++found.broken;
+}
+
+// What the last message of a unit has stored.
+void FileReceiver::takeStored(const Judged& judged, const UnitReport& unit, const Record& record, FileContents& found) {
+  const auto add = [&](Candidate candidate, std::size_t at) {
+    candidate.message = judged.messages[at].number;
+    found.whole.push_back(std::move(candidate));
+  };
+  if (isEditBuffer(unit)) {
+    if (record.outcome != Outcome::refused)
+      add(candidateAt(editor_, parseTarget(formatAddress(unit.address))), unit.firstMessage);
+    return;
+  }
+  const std::map<ContentId, std::size_t> dumps = judged.dumpsOf(unit);
+  std::set<ContentId> seen;
+  for (const Change& change : record.changes) {
+    if (change.kind != Change::Kind::Stored || !seen.insert(change.id).second) continue;
+    const auto dump = dumps.find(change.id);
+    if (auto candidate = findCandidate(editor_, change.id))
+      add(std::move(*candidate), dump == dumps.end() ? unit.firstMessage : dump->second);
+  }
+}
+
+void FileReceiver::takeFlags(const Judged& judged, FileContents& found) {
+  for (std::size_t at = 0; at < judged.messages.size(); ++at) {
+    const Reading& reading = judged.readings[at];
+    const bool areFlags = reading.kind == Reading::Kind::dump && !isBroken(reading) &&
+                          BDA::listOf(reading.address->hi) == std::size_t(BDA::List::favorite);
+    if (!areFlags) continue;
+    hasFlags_ = true;
+    editor_.handle(reading, judged.messages[at].bytes, BDA::DevicePort_Main, at);
+  }
+  if (!hasFlags_) return;
+  for (Candidate& candidate : found.whole)
+    if (candidate.id) candidate.favourite = editor_.library().favourite(*candidate.id);
+}
+
+}  // namespace Editor

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <span>
+#include <vector>
+
+#include "messages/BackupOrder.h"
+#include "messages/Messages.h"
+#include "messages/Units.h"
+
+namespace Editor {
+
+// A message of a file, as it was captured.
+struct Piece {
+  std::size_t source = 0;  // which of the files, from 0
+  std::uint64_t number = 0;
+  std::uint64_t offset = 0;
+  std::vector<std::uint8_t> bytes;
+  std::optional<std::uint8_t> wrongChecksum;  // what stood there before it was corrected
+};
+using Pieces = std::map<BulkAddress, Piece, BackupOrder>;
+
+// Whether two messages of one block carry the same, for whatever device.
+bool carrySame(const Piece& a, const Piece& b);
+
+// What one file has of one unit or of one single block: system, favourites, a file dump. Several captures of one unit
+// can be in a file. What a broken message claims to be counts as evidence that there was such a thing, and never says
+// what blocks belong to.
+struct Capture {
+  BulkAddress address{};  // of the header, the block or the file dump; of blocks of no known unit that of the first
+  std::size_t source = 0;
+  Pieces pieces;                    // those that are good; of a unit header and footer among them
+  bool isWhole = false;             // as it is judged by UnitFollower, and surely one sound
+  std::set<unsigned> devices = {};  // whom its messages are for
+};
+
+bool isUnit(const Capture& capture);
+// A single block, or a file dump.
+inline bool isSingle(const Capture& capture) { return !isUnit(capture); }
+
+// All blocks of the unit, from header to footer; of anything else the block itself. What `pieces` has decides of which
+// kind the voice of a multi part is.
+std::vector<BulkAddress> blocksOf(BulkAddress address, const Pieces& pieces);
+
+// Finds the units and single blocks in the messages of files.
+class Captures {
+ public:
+  enum class Checksums : std::uint8_t { mustBeRight, areCorrected };
+
+  explicit Captures(Checksums checksums) : corrects_(checksums == Checksums::areCorrected) {}
+
+  // The next message. Sources follow one another; a unit does not go on in the next one.
+  void add(Piece piece);
+  // The beginning of a message that was cut short, as much as is known of it.
+  void addFragment(std::size_t source, std::span<const std::uint8_t> beginning);
+  // Call it once, at the end.
+  void finish() { endSource(); }
+
+  const std::vector<Capture>& captures() const { return captures_; }
+  // Blocks that belong to a unit of which nothing says which.
+  const std::vector<Capture>& orphans() const { return orphans_; }
+  const std::vector<Piece>& triggers() const { return triggers_; }
+
+  // A message that is kept nowhere, though nothing is wrong with it.
+  struct LeftOut {
+    Piece piece;  // without its bytes
+    const char* why;
+  };
+  const std::vector<LeftOut>& leftOut() const { return leftOut_; }
+  // How many broken messages there were of which nothing says what is lost with them.
+  std::uint64_t countUnknown() const { return unknown_; }
+
+ private:
+  // What comes between the last boundary and the next one.
+  struct Run {
+    std::optional<OpenUnit> unit;  // none: its first header is lost
+    bool isSure = false;           // a good header or footer says which unit it is
+    std::uint64_t firstMessage = 0;
+    Capture capture;
+    std::set<BulkAddress, BackupOrder> pass;  // the blocks since they last began to come again
+    bool isRepeating = false;
+    bool goesOn = false;  // it goes on with what another run has lost: that one is known
+  };
+
+  void endSource();
+  void take(Piece piece, const Reading& reading, const std::vector<UnitReport>& ended);
+  void takeBroken(const Reading& reading, std::size_t source, bool isOfRun);
+  void begin(std::size_t source, std::uint64_t number);
+  void begin(std::size_t source, std::uint64_t number, BulkAddress header);
+  void takePart(Piece piece, const Reading& reading);
+  void put(Piece piece, BulkAddress address, unsigned device);
+  void takeFooter(Piece piece, const Reading& reading, bool isComplete);
+  void claimFooter(BulkAddress footer, std::size_t source);
+  void addSingle(BulkAddress address, std::size_t source, std::optional<Piece> piece, unsigned device);
+  void leaveOut(const Piece& piece, const char* why);
+  void endRun();
+
+  const bool corrects_;
+  std::size_t source_ = 0;
+  std::uint64_t message_ = 0;
+  UnitFollower follower_;
+  std::optional<Run> run_;
+  std::vector<Capture> captures_;
+  std::vector<Capture> orphans_;
+  std::vector<Piece> triggers_;
+  std::vector<LeftOut> leftOut_;
+  std::uint64_t unknown_ = 0;
+};
+
+}  // namespace Editor

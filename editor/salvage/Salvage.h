@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "salvage/Captures.h"
+
+namespace Editor {
+
+// What became of one unit, or of one single block, of which some file has something.
+struct Salvaged {
+  enum class State : std::uint8_t {
+    whole,
+    completed,  // by several captures together
+    lost,
+  };
+
+  BulkAddress address{};  // as that of a Capture
+  State state = State::lost;
+  std::vector<std::size_t> from;         // the sources: of what is kept, or of all that there is
+  std::vector<BulkAddress> missing;      // lost: the blocks that none has, or else those that the fullest lacks
+  std::vector<BulkAddress> contradicts;  // the blocks in which captures differ
+  std::vector<Piece> messages;           // of what is kept, from header to footer
+  bool isMerged = false;                 // completed though nothing says that it is one sound
+  std::vector<std::size_t> repeatedIn;   // sources that have it whole more than once: the last one counts
+  std::optional<unsigned> device;        // lost: whom to ask; none: nobody can be asked for it
+};
+
+const char* wordOf(Salvaged::State state);
+
+struct SalvageResult {
+  std::vector<Salvaged> units;                      // in the order of a backup, then blocks of no known unit
+  std::vector<Piece> messages;                      // all that is kept, as a backup has it; none: nothing is whole
+  bool isTriggerAdded = false;                      // no file has the one behind file dumps
+  std::vector<std::vector<std::uint8_t>> requests;  // that fetch what is lost
+  std::vector<Captures::LeftOut> leftOut;
+  std::vector<ContentId> twice;  // contents that are kept as a file dump and as a unit: the unit is stored last
+  // Broken messages of which nothing says what is lost with them.
+  std::uint64_t unknown = 0;
+};
+
+// Finds what is whole in captured messages. Captures of one unit complete each other only where all blocks that are in
+// two of them are equal, and each has some such block of parameters: remains of two sounds never become one.
+class Salvage {
+ public:
+  struct Options {
+    bool correctsChecksums = false;  // messages of which the checksum alone is wrong count, where nothing else does
+    bool merges = false;             // captures complete each other, whatever they have in common
+    std::optional<std::size_t> preferred;  // the source that counts where two differ
+  };
+
+  explicit Salvage(const Options& options);
+
+  // As Captures.
+  void add(Piece piece);
+  void addFragment(std::size_t source, std::span<const std::uint8_t> beginning);
+  // Call it once, at the end.
+  SalvageResult finish();
+
+ private:
+  const Options options_;
+  Captures captures_{Captures::Checksums::mustBeRight};
+  std::optional<Captures> corrected_;
+};
+
+}  // namespace Editor

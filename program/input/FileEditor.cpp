@@ -1,0 +1,40 @@
+#include "input/FileEditor.h"
+
+#include <fmt/format.h>
+
+#include "messages/Text.h"
+#include "output/Complaints.h"
+#include "output/Progress.h"
+
+namespace Editor {
+
+std::unique_ptr<EmbeddedEditor> editorOf(const InputFile& input, const char* verb, Program& program) {
+  auto editor = std::make_unique<EmbeddedEditor>();
+  Complaints complaints(program.console);
+  const auto complain = [&](const std::string& kind, const std::string& text) {
+    complaints.tell(kind, text);
+    program.refuse();
+  };
+  if (!input.reportLosses(program.console)) program.refuse();
+  Progress progress(program.console, verb, "messages", input.countMessages());
+  EmbeddedEditor::Run run(*editor, Library::Transaction::Access::Write, EmbeddedEditor::Run::Devices::any);
+  input.forEachMessage([&](const InputMessage& message) {
+    const Reading reading = readMessage(message.bytes);
+    if (reading.kind == Reading::Kind::dump || reading.kind == Reading::Kind::invalid) {
+      const Record record = editor->handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
+      if (record.outcome == Outcome::refused)
+        complain(fmt::format("refused: {}", wordsOf(record.report.refusal)),
+                 fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
+      for (const UnitReport& unit : record.ended)
+        if (isBroken(unit)) complain(wordOf(unit.state), fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
+    }
+    progress.step(message.bytes.size());
+  });
+  for (const UnitReport& unit : editor->openUnits())
+    complain(wordOf(unit.state), fmt::format("{}: {}", input.place(unit.firstMessage), describeUnit(unit)));
+  complaints.finish();
+  run.commit();
+  return editor;
+}
+
+}  // namespace Editor

@@ -1,0 +1,79 @@
+#include "output/ChangeLines.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <map>
+#include <nlohmann/json.hpp>
+
+#include "messages/Text.h"
+#include "models/Latin1.h"
+
+namespace Editor {
+
+namespace {
+
+constexpr std::size_t kMostAlike = 20;
+// By What.
+constexpr std::array kPlanned{"would store", "would remove", "would rename", "would flag", "would set"};
+
+nlohmann::ordered_json toJson(const PlaceChange& change, const std::optional<std::string>& value) {
+  if (!value) return nullptr;
+  if (isNumber(change.what)) return std::stoll(*value);
+  return latin1ToUtf8(*value);
+}
+
+std::string quoted(const std::string& name) { return fmt::format("\"{}\"", showName(name)); }
+
+// What stands behind the place.
+std::string detailOf(const PlaceChange& change) {
+  switch (change.what) {
+    case What::stored: {
+      std::string stored = change.after->empty() ? "" : " " + quoted(*change.after);
+      if (change.before) stored += ", replaces " + (change.before->empty() ? "what was there" : quoted(*change.before));
+      return stored;
+    }
+    case What::removed:
+      return change.before->empty() ? "" : " " + quoted(*change.before);
+    case What::renamed:
+      return fmt::format(" {} to {}", quoted(*change.before), quoted(*change.after));
+    case What::flagged:
+      return change.after == "0" ? ": no favourite" : ": a favourite";
+    case What::set:
+      break;
+  }
+  return fmt::format(": {}, was {}", *change.after, *change.before);
+}
+
+std::string toWords(const PlaceChange& change, const char* verb) {
+  return fmt::format("{}: {}{}", verb, change.place, detailOf(change));
+}
+
+}  // namespace
+
+nlohmann::ordered_json toJson(const PlaceChange& change) {
+  return {{"content", change.place},
+          {"what", wordOf(change.what)},
+          {"before", toJson(change, change.before)},
+          {"after", toJson(change, change.after)}};
+}
+
+std::string lineOf(const PlaceChange& change) { return toWords(change, wordOf(change.what)); }
+
+void tellChanges(const std::vector<PlaceChange>& changes, const ChangeOptions& options, Console& console) {
+  std::map<What, std::size_t> counts;
+  for (const PlaceChange& change : changes) {
+    if (options.json)
+      console.line(toJson(change).dump(-1, ' ', true));  // a terminal would obey U+0080 to U+009F
+    else if (options.dryRun)
+      console.line(toWords(change, kPlanned.at(std::size_t(change.what) - 1)));
+    else if (++counts[change.what] <= kMostAlike || console.isVerbose())
+      console.note(lineOf(change));
+  }
+  for (const auto& [what, count] : counts)
+    if (count > kMostAlike && !console.isVerbose())
+      console.note(fmt::format("and {} more {}: all with -v", count - kMostAlike, wordOf(what)));
+  if (changes.empty()) console.note("nothing changes");
+}
+
+}  // namespace Editor

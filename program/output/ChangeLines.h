@@ -1,0 +1,26 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+#include "history/History.h"
+#include "output/Console.h"
+
+namespace Editor {
+
+// How a verb that changes the library tells it.
+struct ChangeOptions {
+  bool dryRun = false;  // nothing is changed: what is told would be
+  bool json = false;
+};
+
+// Tells each change: as an object, or in words. Objects are data, and so is what a dry run says. Of other words there
+// are twenty of a kind, and all with -v.
+void tellChanges(const std::vector<PlaceChange>& changes, const ChangeOptions& options, Console& console);
+
+// stored: voice:user1:6 "Piano", replaces "Strings"
+std::string lineOf(const PlaceChange& change);
+nlohmann::ordered_json toJson(const PlaceChange& change);
+
+}  // namespace Editor

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "explain/Explain.h"
+
+namespace Editor {
+
+// What a byte of a file is, as JSON and for people. `file` as it was named.
+std::string jsonOf(const std::string& file, const MessageFile::Byte& byte, const ByteMeaning& meaning);
+// One line or more, each with its end.
+std::string textOf(const MessageFile::Byte& byte, const ByteMeaning& meaning);
+
+// Where a parameter travels.
+std::string jsonOf(const CarryingByte& byte);
+std::string lineOf(const CarryingByte& byte);
+
+// A byte of a file, with what it is.
+struct ExplainedByte {
+  const MessageFile::Byte* byte;
+  ByteMeaning meaning;
+};
+// The heading of a message: "message 7: dump of element 3 oscillator (41 02 00)"; of none: "in no message".
+std::string headingOf(const ByteMeaning& meaning);
+// Some bytes of one message, or of none, that follow each other: where they are, what they are in hex, what they mean.
+std::string lineOf(std::span<const ExplainedByte> bytes);
+
+}  // namespace Editor

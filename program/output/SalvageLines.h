@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "salvage/Salvage.h"
+
+namespace Editor {
+
+// What became of captured units, as lines for people or as JSON. `files`: the sources, as they were named.
+
+// "lost: voice:user1:6: 1 block missing: element 3 oscillator (41 02 00) (a.syx, b.syx)"
+std::string lineOf(const Salvaged& unit, const std::vector<std::string>& files);
+std::string jsonOf(const Salvaged& unit, const std::vector<std::string>& files);
+
+}  // namespace Editor

@@ -1,0 +1,158 @@
+// The verb explain: what the bytes of a message file are, and where a parameter travels.
+
+#include "explain/Explain.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+
+#include "exchange/Answers.h"
+#include "input/InputStream.h"
+#include "messages/Nearest.h"
+#include "messages/Text.h"
+#include "midi/Counted.h"
+#include "midi/MidiFile.h"
+#include "output/ExplainLines.h"
+#include "output/Progress.h"
+#include "targets/Targets.h"
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+namespace {
+
+// A number in decimal or with 0x before it; the largest there is stands for any that is larger.
+std::optional<std::uint64_t> parseOffset(const std::string& word) {
+  const bool isHex = word.starts_with("0x") || word.starts_with("0X");
+  const char* const first = word.data() + (isHex ? 2 : 0);
+  const char* const end = word.data() + word.size();
+  std::uint64_t number = 0;
+  const auto [last, error] = std::from_chars(first, end, number, isHex ? 16 : 10);
+  if (first == end || last != end || error == std::errc::invalid_argument) return std::nullopt;
+  return error == std::errc::result_out_of_range ? std::numeric_limits<std::uint64_t>::max() : number;
+}
+
+bool isAddress(const std::string& word) {
+  try {
+    return !parsePlaces(word).list.empty();
+  } catch (const TargetError&) {
+    return false;
+  }
+}
+
+MessageFile loadMessages(const std::string& path) {
+  std::string error;
+  std::optional<std::vector<std::uint8_t>> bytes = loadBytes(path, error);
+  if (!bytes) throw Failure(kUnusableInput, fmt::format("{}: {}", displayName(path), error));
+  MessageFile file(std::move(*bytes));
+  if (!file.isUsable())
+    throw Failure(kUnusableInput,
+                  fmt::format("{}: no System Exclusive message in it{}: it seems to be {}", displayName(path),
+                              file.countMessages() == 0 ? "" : " for this instrument", file.describe()));
+  return file;
+}
+
+void explainOffset(const std::string& path, std::uint64_t offset, bool json, Console& console) {
+  const MessageFile file = loadMessages(path);
+  if (offset >= file.size())
+    throw Failure(kUnusableInput, fmt::format("{}: offset {} lies behind the end: it has {}", displayName(path), offset,
+                                              counted(file.size(), "byte")));
+  const MessageFile::Byte* const found = file.find(offset);
+  const MessageFile::Byte between{.offset = offset, .value = file.raw(offset)};
+  const MessageFile::Byte& byte = found != nullptr ? *found : between;
+  const ByteMeaning meaning = FileExplainer(file).explain(byte);
+  if (json)
+    console.line(jsonOf(path, byte, meaning));
+  else
+    console.text(textOf(byte, meaning));
+}
+
+// Sixteen bytes a line, fewer where a message ends, under a heading for each.
+void annotate(const MessageFile& file, Console& console) {
+  constexpr std::size_t kBytesOfLine = 16;
+  FileExplainer explainer(file);
+  std::vector<ExplainedByte> line;
+  std::uint32_t message = MessageFile::kNone;
+  bool isFirst = true;
+  const auto end = [&] {
+    if (!line.empty()) console.line(lineOf(line));
+    line.clear();
+  };
+  for (const MessageFile::Byte& byte : file.bytes()) {
+    Interruptible::check();
+    if (isFirst || byte.message != message || line.size() == kBytesOfLine) end();
+    ByteMeaning meaning = explainer.explain(byte);
+    if (isFirst || byte.message != message) console.line(headingOf(meaning));
+    isFirst = false;
+    message = byte.message;
+    line.push_back({&byte, std::move(meaning)});
+  }
+  end();
+}
+
+void explainFile(const std::string& path, bool json, Console& console) {
+  const MessageFile file = loadMessages(path);
+  const Interruptible interruptible;
+  if (!json) return annotate(file, console);
+  FileExplainer explainer(file);
+  for (const MessageFile::Byte& byte : file.bytes()) {
+    Interruptible::check();
+    console.line(jsonOf(path, byte, explainer.explain(byte)));
+  }
+}
+
+// What `request` of the places sends; what is not answered is told.
+std::vector<std::vector<std::uint8_t>> dumpsOf(const std::vector<BulkAddress>& places, Program& program) {
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
+  std::vector<std::vector<std::uint8_t>> dumps;
+  std::uint64_t number = 0;
+  for (const BulkAddress place : places) {
+    const Record record = editor->handle(editor->requestFor(place), BDA::DevicePort_Main, ++number);
+    if (const std::string why = whyUnanswered(record); !why.empty()) {
+      program.console.problem(
+          fmt::format("{} ({}): no answer: {}", nameOrBytes(place), formatAddress(place), escape(why)));
+      program.refuse();
+      continue;
+    }
+    for (const AssistantHost::Sent& sent : record.sent) dumps.push_back(sent.bytes);
+  }
+  return dumps;
+}
+
+void explainParameter(const std::string& word, const std::string& path, bool json, Program& program) {
+  const Places<BulkAddress> places = parsePlaces(word);
+  if (!places.isOne && word != "system")
+    throw Failure(kWrongUsage, fmt::format("{}: expected one place, not a bank or a range", places.name));
+  const std::vector<std::string> paths = pathsOf(places.list);
+  if (paths.empty()) throw Failure(kRefused, fmt::format("{}: it is not made of parameters", places.name));
+  if (std::find(paths.begin(), paths.end(), path) == paths.end())
+    throw Failure(kWrongUsage,
+                  fmt::format("{}: it has no parameter \"{}\"{}", places.name, escape(path), didYouMean(path, paths)));
+  const std::vector<std::vector<std::uint8_t>> dumps = dumpsOf(places.list, program);
+  const std::vector<CarryingByte> bytes = bytesByPath(dumps)[path];
+  for (const CarryingByte& byte : bytes) program.console.line(json ? jsonOf(byte) : lineOf(byte));
+  if (bytes.empty() && program.exitCode() == kAllGood)
+    throw Failure(kRefused, fmt::format("{}: no block carries {}", places.name, path));
+}
+
+}  // namespace
+
+void explain(const Words& words, bool json, Program& program) {
+  const Words joined = joinAddresses(words);
+  const std::string& first = joined.front();
+  if (joined.size() > 2)
+    throw Failure(kWrongUsage, "expected a file, a file and an offset, or an address and the path of a parameter");
+  if (joined.size() == 1) {
+    if (isAddress(first))
+      throw Failure(kWrongUsage, fmt::format("{}: an address needs the path of a parameter, such as voice.common[3]; "
+                                             "a file of that name is ./{}",
+                                             escape(first), escape(first)));
+    return explainFile(first, json, program.console);
+  }
+  if (const std::optional<std::uint64_t> offset = parseOffset(joined[1]))
+    return explainOffset(first, *offset, json, program.console);
+  explainParameter(first, joined[1], json, program);
+}
+
+}  // namespace Editor

@@ -1,0 +1,180 @@
+// salvage: what is whole in broken captures, and requests for the rest.
+
+#include "Library.h"
+#include "Program.h"
+
+using Editor::BulkAddress;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+using testing::SizeIs;
+using Json = nlohmann::ordered_json;
+
+namespace {
+
+constexpr BulkAddress kVoice{0x0E, 0x0A, 0x05};
+constexpr BulkAddress kElement{0x41, 0x02, 0x00};
+
+class Salvage : public Program {
+ protected:
+  static Bytes voice(std::uint8_t value = 1) { return unit(kVoice, BDA::List::normalVoice, value); }
+  static std::string without(const Bytes& whole, const Bytes& message) {
+    std::string bytes = text(whole);
+    return bytes.erase(bytes.find(text(message)), message.size());
+  }
+  static std::vector<Json> objects(const std::string& out) {
+    std::vector<Json> found;
+    for (const std::string& line : lines(out)) found.push_back(Json::parse(line));
+    return found;
+  }
+};
+
+}  // namespace
+
+TEST_F(Salvage, aBackupComesBackByteForByte) {
+  write("in.syx", {voice(), unit({0x0E, 0x70, 0x02}, BDA::List::master, 3), unit({0x0E, 0x5F, 0x00}, BDA::List::multi),
+                   fileDump({0x0C, 0x50, 0x07}, "Opaque", {1, 2, 3}), dump(Editor::kWriteTrigger), systemDump(1)});
+  ASSERT_THAT(bda({"receive", "in.syx"}), Exits(0));
+  ASSERT_THAT(bda({"backup", "-o", "backup.syx"}), Exits(0));
+  const Result run = bda({"salvage", "backup.syx", "-o", "good.syx", "--requests", "r.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_EQ(read("good.syx"), read("backup.syx"));
+  EXPECT_FALSE(exists("r.syx"));
+  EXPECT_THAT(run.out, HasSubstr("whole: file:multi:8 (backup.syx)"));
+}
+
+TEST_F(Salvage, twoCapturesCompleteEachOther) {
+  write("a.syx", without(voice(), blockDump(kElement, 1)));
+  std::string damaged = text(voice());
+  damaged[text(voice()).size() - 40] ^= 1;  // in the last block
+  write("b.syx", damaged);
+  const Result run = bda({"salvage", "a.syx", "b.syx", "-o", "good.syx", "--requests", "r.syx", "--json"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_EQ(run.out, R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"completed","from":["a.syx","b.syx"],)"
+                     R"("missing":[],"contradicts":[]})"
+                     "\n");
+  EXPECT_EQ(read("good.syx"), text(voice()));
+  EXPECT_FALSE(exists("r.syx"));
+  EXPECT_THAT(run.err, HasSubstr("checksum wrong"));
+  EXPECT_THAT(bda({"verify", "good.syx"}), Exits(0));
+}
+
+TEST_F(Salvage, whatIsLostIsListedAndItsRequestsAreAnsweredByTheInstrument) {
+  const std::string system = text(systemDump(1));
+  write("whole.syx", {voice(), systemDump(1)});
+  write("a.syx", without(voice(), blockDump(kElement, 1)) + system.substr(0, system.size() - 20));
+  const Result run = bda({"salvage", "a.syx", "-o", "good.syx", "--requests", "r.syx", "--json"});
+  EXPECT_THAT(run, Exits(3));
+  std::vector<Json> lost;
+  for (const Json& unit : objects(run.out))
+    if (unit["state"] == "lost") lost.push_back(unit);
+  ASSERT_THAT(lost, SizeIs(2));
+  EXPECT_EQ(lost[0]["unit"], "voice:user1:6");
+  EXPECT_EQ(lost[0]["missing"].dump(), R"(["41 02 00"])");
+  ASSERT_THAT(bda({"receive", "whole.syx"}), Exits(0));
+  EXPECT_THAT(bda({"receive", "r.syx", "-o", "rest.syx"}), Exits(0));
+  EXPECT_THAT(bda({"salvage", "a.syx", "rest.syx", "-o", "all.syx"}), Exits(0));
+  EXPECT_EQ(lines(bda({"list", "r.syx"}).out).size(), 2U);
+}
+
+TEST_F(Salvage, remainsOfTwoSoundsNeverBecomeOne) {
+  const std::string one = text(voice(1));
+  const std::string two = text(voice(2));
+  write("a.syx", one.substr(0, 1000));
+  write("b.syx", two.substr(900));
+  const Result run = bda({"salvage", "a.syx", "b.syx", "-o", "good.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_FALSE(exists("good.syx"));
+  EXPECT_THAT(run.err, HasSubstr("nothing is whole: nothing is written"));
+}
+
+TEST_F(Salvage, mergingIsAskedForAndSaid) {
+  const std::string whole = text(voice());
+  const std::size_t middle = whole.find(text(blockDump(kElement, 1)));
+  write("a.syx", whole.substr(0, middle));
+  write("b.syx", whole.substr(middle));
+  EXPECT_THAT(bda({"salvage", "a.syx", "b.syx", "-o", "good.syx"}), Exits(3));
+  const Result run = bda({"salvage", "a.syx", "b.syx", "-o", "good.syx", "--merge"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.err, HasSubstr("voice:user1:6: merged, and nothing says that it is one sound"));
+  EXPECT_EQ(read("good.syx"), whole);
+}
+
+TEST_F(Salvage, ofTwoWholeOnesThatDifferNoneIsKeptUnlessOneIsPreferred) {
+  write("a.syx", {voice(1), blockDump({0x00, 0x40, 0x00})});
+  std::string other = text(voice(1));
+  other.replace(other.find(text(blockDump(kElement, 1))), blockDump(kElement).size(), text(blockDump(kElement, 2)));
+  write("b.syx", other);
+  const Result run = bda({"salvage", "a.syx", "b.syx", "-o", "good.syx", "--json"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_EQ(lines(run.out)[0],
+            R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"lost","from":["a.syx","b.syx"],)"
+            R"("missing":[],"contradicts":["41 02 00"]})");
+  EXPECT_EQ(read("good.syx"), text(blockDump({0x00, 0x40, 0x00})));
+  EXPECT_THAT(bda({"salvage", "a.syx", "b.syx", "-o", "good.syx", "--prefer", "b.syx"}), Exits(0));
+  EXPECT_EQ(read("good.syx"), other + text(blockDump({0x00, 0x40, 0x00})));
+  EXPECT_THAT(bda({"salvage", "a.syx", "b.syx", "-o", "good.syx", "--prefer", "c.syx"}), Exits(1));
+}
+
+TEST_F(Salvage, inOneFileTheLaterOneCountsAndThatIsSaid) {
+  write("a.syx", {voice(1), voice(2)});
+  const Result run = bda({"salvage", "a.syx", "-o", "good.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.err, HasSubstr("voice:user1:6: more than once in a.syx: the last one counts"));
+  EXPECT_EQ(read("good.syx"), text(voice(2)));
+}
+
+TEST_F(Salvage, checksumsAreCorrectedWhenAskedAndNamed) {
+  write("a.syx", {damaged(blockDump({0x00, 0x40, 0x00}))});
+  EXPECT_THAT(bda({"salvage", "a.syx", "-o", "good.syx"}), Exits(3));
+  EXPECT_FALSE(exists("good.syx"));
+  const Result run = bda({"salvage", "a.syx", "-o", "good.syx", "--fix-checksums"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.err, HasSubstr("a.syx: message 1 at offset 0: system audio input part: checksum 39 corrected to 38"));
+  EXPECT_EQ(read("good.syx"), text(blockDump({0x00, 0x40, 0x00})));
+}
+
+TEST_F(Salvage, aTriggerThatIsMissingIsAdded) {
+  write("a.syx", {fileDump({0x0C, 0x50, 0x07}, "One", {1})});
+  const Result run = bda({"salvage", "a.syx", "-o", "good.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.err, HasSubstr("no file has the write trigger behind its file dumps: one is added"));
+  EXPECT_EQ(read("good.syx"), read("a.syx") + text(dump(Editor::kWriteTrigger)));
+}
+
+TEST_F(Salvage, aMessageCutShortIsLostByItsName) {
+  const std::string block = text(blockDump({0x00, 0x40, 0x00}));
+  write("a.syx", text(blockDump({0x00, 0x00, 0x00})) + block.substr(0, 12));
+  const Result run = bda({"salvage", "a.syx", "-o", "good.syx", "--requests", "r.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.out, HasSubstr("lost: system:audio-input: it is broken (a.syx)"));
+  EXPECT_EQ(read("r.syx"), text(request({0x00, 0x40, 0x00})));
+}
+
+TEST_F(Salvage, outputsAreNoInputsAndNeverTheSame) {
+  write("a.syx", {voice()});
+  EXPECT_THAT(bda({"salvage", "a.syx", "-o", "a.syx"}), Exits(1));
+  EXPECT_THAT(bda({"salvage", "a.syx", "-o", "b.syx", "--requests", "a.syx"}), Exits(1));
+  EXPECT_THAT(bda({"salvage", "a.syx", "-o", "b.syx", "--requests", "b.syx"}), Exits(1));
+  EXPECT_THAT(bda({"salvage", "a.syx", "-o", "-", "--requests", "-"}), Exits(1));
+  EXPECT_THAT(bda({"salvage", "a.syx"}), Exits(1));
+  EXPECT_THAT(files(), ElementsAre("a.syx"));
+}
+
+TEST_F(Salvage, needsNoLibraryAndMakesNone) {
+  removeLibrary();
+  write("a.syx", {voice()});
+  EXPECT_EQ(bda({"salvage", "a.syx", "-o", "-"}).out, text(voice()));
+  EXPECT_FALSE(exists("library.db"));
+}
+
+TEST_F(Salvage, ofOtherMakersMessagesNothingIsWhole) {
+  Bytes foreign = request({0, 0, 0});
+  foreign[1] = 0x41;
+  write("a.syx", {foreign});
+  EXPECT_THAT(bda({"salvage", "a.syx", "-o", "good.syx"}), Exits(3));
+  write("b.syx", "no messages");
+  EXPECT_THAT(bda({"salvage", "b.syx", "-o", "good.syx"}), Exits(2));
+  EXPECT_FALSE(exists("good.syx"));
+}
