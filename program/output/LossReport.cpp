@@ -14,13 +14,14 @@ void LossReport::add(const InputLoss& loss) {
   const bool isRealTime = loss.kind == InputLoss::Kind::realTime;
   if (isRealTime) realTime_ += loss.dropped;
   if (isRealTime && !console_.isVerbose()) return;
-  const std::string what = loss.kind == InputLoss::Kind::brokenFile
-                               ? loss.reason
-                               : fmt::format("{} dropped, {}", counted(loss.dropped, "byte"), loss.reason);
+  const bool isStructure = loss.kind == InputLoss::Kind::brokenFile;
+  const std::string what =
+      isStructure ? loss.reason : fmt::format("{} dropped, {}", counted(loss.dropped, "byte"), loss.reason);
   const std::string line = fmt::format("{}: offset {}: {}", displayName(loss.file), loss.offset, what);
   if (isRealTime) return console_.detail(line);
   isWhole_ = isWhole_ && loss.kind == InputLoss::Kind::loose;
-  complaints_.tell(fmt::format("{}: {}", displayName(loss.file), loss.reason), line);
+  const std::string alike = isStructure ? "not built as it must be" : loss.reason;  // its reasons have numbers in them
+  complaints_.tell(fmt::format("{}: {}", displayName(loss.file), alike), line);
 }
 
 void LossReport::finish() {

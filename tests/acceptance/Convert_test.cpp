@@ -130,9 +130,10 @@ TEST_F(Convert, severalFilesBecomeOneInTheirOrder) {
 }
 
 TEST_F(Convert, whatBecameNoMessageIsTold) {
-  write("a.syx", "\x01\x02" + text(kForeign));
+  write("a.syx", "\x01\x02" + text(kForeign) + text(request({0, 0, 0})));
   const Result loose = bda({"convert", "a.syx", "-o", "b.syx"});
   EXPECT_THAT(loose, Exits(0));
+  EXPECT_EQ(read("b.syx"), read("a.syx").substr(2));
   EXPECT_THAT(loose.err, HasSubstr("a.syx: offset 0: 2 bytes dropped, outside of any message"));
   write("a.syx", text(kForeign) + "\xF0\x41");
   const Result cut = bda({"convert", "a.syx", "-o", "b.syx"});
@@ -240,7 +241,22 @@ TEST_F(Convert, aRequestedFileDumpIsPlacedToo) {
   EXPECT_THAT(bda({"convert", "a.syx", "--place", "voice:user3:9", "-o", "b.syx"}), Exits(0));
   EXPECT_THAT(bda({"list", "b.syx"}).out, HasSubstr("file dump of voice user3:9"));
   EXPECT_THAT(bda({"convert", "a.syx", "--place", "voice:edit", "-o", "b.syx"}), Exits(0));
-  EXPECT_EQ(read("b.syx"), text(voice({0x0E, 0x0F, 0x00})));
+  ASSERT_THAT(bda({"request", "voice:user1:6", "-o", "blocks.syx"}), Exits(0));
+  ASSERT_THAT(bda({"convert", "blocks.syx", "--place", "voice:edit", "-o", "blocks.mid"}), Exits(0));
+  EXPECT_EQ(read("b.syx"), bda({"convert", "blocks.mid", "-o", "-"}).out);
+  EXPECT_THAT(units("b.syx"), ElementsAre("voice:edit complete"));
+}
+
+TEST_F(Convert, whatNoBlockCarriesOfAFileDumpIsNamed) {
+  write("a.syx", {unit({0x0E, 0x5F, 0x00}, BDA::List::multi, 1)});
+  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
+  ASSERT_THAT(bda({"copy", "multi:edit", "file:multi:3"}), Exits(0));
+  ASSERT_THAT(bda({"rename", "file:multi:3", "Evening"}), Exits(0));
+  ASSERT_THAT(bda({"request", "file:multi:3", "-o", "a.syx"}), Exits(0));
+  const Result run = bda({"convert", "a.syx", "--place", "multi:edit", "-o", "b.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("multi:edit: no message carries 1 parameter: multi.name"));
+  EXPECT_THAT(units("b.syx"), ElementsAre("multi:edit complete"));
 }
 
 TEST_F(Convert, moreUnitsThanPlacesAre2AndAnotherKindIs3) {
@@ -349,7 +365,7 @@ TEST_F(Convert, jsonThatSaysItsTargetNeedsNoPlace) {
   const std::string objects = bda({"show", "voice:user1:6..7", "--json"}).out;
   const Result run = bda({"convert", "-", "-o", "b.syx"}, objects);
   EXPECT_THAT(run, Exits(0));
-  EXPECT_EQ(read("b.syx"), read("a.syx"));
+  EXPECT_EQ(read("b.syx"), bda({"request", "voice:user1:6..7", "-o", "-"}).out);
   EXPECT_THAT(bda({"convert", "-", "-o", "b.syx"}, bda({"show", "voice:user1:6", "--json"}).out), Exits(1));
 }
 

@@ -61,6 +61,12 @@ TEST_F(HexText, thatIsNoHexIsToldLineByLine) {
   EXPECT_THAT(run, Exits(3));
   EXPECT_THAT(run.err, HasSubstr("a.txt: offset 15: line 2: expected two hex digits a byte"));
   EXPECT_EQ(read("a.syx"), "\xF0\x41\xF7\xF0\x42\xF7");
+  std::string many = "F0 41 F7\n";
+  for (int i = 0; i < 30; ++i) many += "zz\n";
+  write("many.txt", many);
+  const Result alike = bda({"convert", "many.txt", "-o", "a.syx"});
+  EXPECT_THAT(lines(alike.err), testing::Contains("and 10 more: many.txt: not built as it must be"));
+  EXPECT_THAT(alike.err, testing::Not(HasSubstr("line 22:")));
   write("words.txt", "# only words\n");
   const Result none = bda({"list", "words.txt"});
   EXPECT_THAT(none, Exits(2));
@@ -111,7 +117,7 @@ TEST_F(HexText, isExplainedWhereItsDigitsStand) {
   const Json first = json({"explain", "a.txt", "12", "--json"});
   EXPECT_EQ(first["part"], "frame");
   EXPECT_EQ(first["message"], 1);
-  EXPECT_EQ(json({"list", "a.txt", "--json"})["offset"], 12);
+  EXPECT_EQ(Json::parse(lines(bda({"list", "a.txt", "--json"}).out).front())["offset"], 12);
   EXPECT_EQ(json({"explain", "a.txt", "28", "--json"})["part"], "address");
   EXPECT_EQ(json({"explain", "a.txt", "39", "--json"})["reason"], "outside of any message");
 }

@@ -116,8 +116,11 @@ TEST(Batch, anotherAddressBringsTheChecksumThatFits) {
     Editor::readdress(message, {0x0E, 0x0F, value});
     EXPECT_EQ(message, dump({0x0E, 0x0F, value}, {value}));
   }
-  EXPECT_EQ(Editor::writeTrigger(), kTrigger);
-  EXPECT_EQ(Editor::writeTrigger(16), dump({0x11, 0x00, 0x00}, {}, 15));
+}
+
+TEST(Batch, theTriggerOfAFileDumpIsForTheSameDevice) {
+  for (const std::uint8_t device : {std::uint8_t{0}, std::uint8_t{15}})
+    EXPECT_EQ(Editor::triggerFor(dump({0x0C, 0x0A, 0x05}, Bytes(4), device)), dump({0x11, 0x00, 0x00}, {}, device));
 }
 
 TEST(Batch, onlyMessagesOfThisInstrumentHaveADeviceNumber) {
