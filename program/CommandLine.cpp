@@ -5,8 +5,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <csignal>
 #include <functional>
+#include <limits>
 #include <new>
 #include <stdexcept>
 #include <string_view>
@@ -55,6 +57,14 @@ struct Given {
 
 // As CLI11 checks values: what is wrong with it, or nothing.
 std::string checkFileName(const std::string& name) { return name.empty() ? "an empty file name" : ""; }
+
+std::string checkNumber(const std::string& text) {
+  std::int64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [last, error] = std::from_chars(text.data(), end, number);
+  if (error == std::errc() && last == end && number > 0) return "";
+  return fmt::format("\"{}\": expected a number from 1 to {}", text, std::numeric_limits<std::int64_t>::max());
+}
 
 constexpr const char* kDryRun = "Say what would change, and change nothing";
 constexpr const char* kAnyDevice = "Take messages for other device numbers too";
@@ -345,15 +355,14 @@ void addSwap(CLI::App& app, Given& given, Program& program) {
 
 void addHistory(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "history");
-  verb.add_option("-n", given.history.most, "So many entries at most")->type_name("N")->check(CLI::PositiveNumber);
+  verb.add_option("-n", given.history.most, "So many entries at most")->type_name("N")->check(checkNumber);
   verb.add_flag("--json", given.history.json, "One object a line, an entry with its changes");
   verb.callback([&] { given.verb = [&] { history(given.history, program); }; });
 }
 
 void addUndo(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "undo");
-  verb.add_option("ENTRY", given.entry, "Which; default the newest that is no undo and not undone")
-      ->check(CLI::PositiveNumber);
+  verb.add_option("ENTRY", given.entry, "Which; default the newest that is no undo and not undone")->check(checkNumber);
   verb.add_flag("--force", given.force, "Put back also what was changed since");
   addChangeOptions(verb, given.change);
   verb.callback([&] { given.verb = [&] { undo(given.entry, given.force, given.change, program); }; });

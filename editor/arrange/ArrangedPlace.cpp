@@ -20,10 +20,13 @@ ArrangedPlace readPlace(EmbeddedEditor& editor, const Target& target) {
   place.name = placeNameOf(target);
   if (place.isBuffer()) {
     place.kind = contentKindOf(target.buffer, editor.tools().live(target.buffer, target.part));
-    place.holds = contentOf(loadTarget(editor, target));
+    place.isDamaged = !damageOf(editor.tools(), target).empty();
+    if (!place.isDamaged) place.holds = contentOf(loadTarget(editor, target));
   } else {
     place.kind = contentKindOf(target.content);
-    place.holds = editor.library().content(target.content);
+    const std::optional<Held> held = editor.library().held(contentAt(target.content));
+    place.isDamaged = held && !isWhole(*held);
+    if (held && !place.isDamaged) place.holds = Library::Content{held->name, held->bytes};
     if (place.hasFlag()) place.flag = editor.library().favourite(target.content);
   }
   return place;

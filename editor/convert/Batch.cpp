@@ -22,9 +22,12 @@ void BatchBuilder::add(std::span<const std::uint8_t> message) {
   batch_.messages.push_back({{message.begin(), message.end()}});
   const std::uint64_t number = batch_.messages.size();
   const Reading reading = readMessage(message);
-  if (reading.kind == Reading::Kind::dump && reading.role == Role::fileDump && !isBroken(reading)) {
+  const bool isFileDump = reading.kind == Reading::Kind::dump && reading.role == Role::fileDump;
+  if (isFileDump && isBroken(reading)) {
+    batch_.brokenDumps.push_back({*reading.address, number, reading.note});
+  } else if (isFileDump) {
     const BulkAddress address = *reading.address;
-    const ContentKind kind = contentKindOf(*contentAt(address));
+    const ContentKind kind = contentKindOf(*contentNamedBy(address));
     found_.push_back(
         {{Batch::Unit::Form::fileDump, placeNameOf(address), address, kind, reading.removes.has_value()}, {number}});
   }

@@ -37,7 +37,13 @@ struct Batch {
 
   std::vector<Unit> units;  // in the order in which they begin
   std::vector<Message> messages;
-  std::vector<UnitReport> broken;  // what is no whole unit, by the numbers of its messages, from 1
+  struct BrokenDump {
+    BulkAddress address;
+    std::uint64_t message;  // its number, from 1
+    std::string why;
+  };
+  std::vector<UnitReport> broken;       // what is no whole unit, by the numbers of its messages, from 1
+  std::vector<BrokenDump> brokenDumps;  // file dumps that are none
 
   // The places of the messages of each unit, in their order.
   std::vector<std::vector<std::size_t>> messagesByUnit() const;

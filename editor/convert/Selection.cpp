@@ -69,6 +69,11 @@ Selection::Result Selection::apply(Batch& batch) const {
     found.insert(placeNameOf(report.address));
     kept.broken.push_back(std::move(report));
   }
+  for (Batch::BrokenDump& dump : batch.brokenDumps) {
+    if (!takes(placeNameOf(dump.address))) continue;
+    found.insert(placeNameOf(dump.address));
+    kept.brokenDumps.push_back(std::move(dump));
+  }
   for (const Word& word : words_)
     if (std::none_of(word.places.begin(), word.places.end(),
                      [&](const std::string& place) { return found.contains(place); }))

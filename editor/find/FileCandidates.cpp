@@ -38,7 +38,7 @@ struct FileReceiver::Judged {
     std::map<ContentId, std::size_t> dumps;
     if (unit.state != UnitReport::State::written) return dumps;
     for (const std::uint64_t at : unit.messages)
-      if (const auto content = contentAt(*readings[at].address)) dumps[canonical(*content)] = at;
+      if (const auto content = contentNamedBy(*readings[at].address)) dumps[canonical(*content)] = at;
     return dumps;
   }
 

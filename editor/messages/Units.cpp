@@ -177,13 +177,14 @@ void UnitFollower::fileDump(const Reading& reading) {
     supersede(*same, "that");
     same->message = message_;
     same->removes = reading.removes;
+    same->isBroken = isBroken(reading);
   } else {
     // A mixing voice of the first multi has two addresses. Both are written, in the order in which they came to be
     // held.
     const auto content = contentOfFileDump({address.mid, address.lo});
     for (const HeldFileDump& dump : held_)
       if (contentOfFileDump({dump.address.mid, dump.address.lo}) == content) supersede(dump, nameOrBytes(address));
-    held_.push_back({address, message_, reading.removes});
+    held_.push_back({address, message_, reading.removes, isBroken(reading)});
   }
   heldDevices_.insert(*reading.device);
 }
@@ -208,7 +209,13 @@ void UnitFollower::report(UnitReport::State state, BulkAddress address) {
 
 UnitReport UnitFollower::endHeld(UnitReport::State state, BulkAddress address) {
   UnitReport ended{state, held_.empty() ? message_ : firstHeld_, message_, address, {}, {}};
+  std::string unwritten;
   for (const HeldFileDump& dump : held_) {
+    if (state == UnitReport::State::written && dump.isBroken) {
+      unwritten += fmt::format("{} {} of message {}", unwritten.empty() ? "broken and not written:" : ",",
+                               nameOrBytes(dump.address), dump.message);
+      continue;
+    }
     ended.blocks.push_back(dump.address);
     if (state != UnitReport::State::written) continue;
     ended.messages.push_back(dump.message);
@@ -216,7 +223,8 @@ UnitReport UnitFollower::endHeld(UnitReport::State state, BulkAddress address) {
   }
   if (state == UnitReport::State::written) ended.messages.push_back(message_);
   ended.note = noteOf(heldDevices_);
-  if (!superseded_.empty()) ended.note += (ended.note.empty() ? "" : "; ") + superseded_;
+  for (const std::string& note : {superseded_, unwritten})
+    if (!note.empty()) ended.note += (ended.note.empty() ? "" : "; ") + note;
   held_.clear();
   heldDevices_.clear();
   superseded_.clear();

@@ -60,9 +60,10 @@ struct UnitReport {
   std::uint64_t firstMessage = 0;
   std::uint64_t lastMessage = 0;
   BulkAddress address{};                // of the header, the block, the footer, the trigger or the refused file dump
-  std::vector<BulkAddress> blocks;      // incomplete and open: those missing; file dumps: those it is about
+  std::vector<BulkAddress> blocks;      // incomplete and open: those missing; file dumps: those it is about, when they
+                                        // are written without the broken ones, which are not
   std::string cause;                    // abandoned: by what
-  std::string note = {};                // what is odd about one that is whole
+  std::string note = {};                // what is odd about one that is whole, or was not written
   std::vector<ContentId> removes = {};  // written: what the file dumps without data among them removed
   // Complete and incomplete: what it is made of, of a block that came twice the last. Written: the file dumps, and the
   // trigger. Only a UnitFollower says so.
@@ -89,6 +90,7 @@ class UnitFollower {
     BulkAddress address;
     std::uint64_t message;
     std::optional<ContentId> removes;
+    bool isBroken;  // the instrument holds it all the same, and finds out when it should write it
   };
   void dump(const Reading& reading);
   void footer(BulkAddress address, unsigned device);

@@ -260,7 +260,7 @@ void gather(SalvageResult& result, const std::vector<Piece>& triggers) {
     if (isTriggerDue && !isFileDump) addTrigger(result, triggers);
     isTriggerDue = isFileDump;
     result.messages.insert(result.messages.end(), unit.messages.begin(), unit.messages.end());
-    if (const std::optional<ContentId> content = contentAt(unit.address))
+    if (const std::optional<ContentId> content = contentNamedBy(unit.address))
       if (!contents.insert(canonical(*content)).second) result.twice.push_back(*content);
   }
   if (isTriggerDue) addTrigger(result, triggers);

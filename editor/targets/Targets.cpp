@@ -121,11 +121,11 @@ std::string placeNameOf(const Target& target) {
 }
 
 std::string placeNameOf(BulkAddress address) {
-  const std::optional<ContentId> content = contentAt(address);
+  const std::optional<ContentId> content = contentNamedBy(address);
   return content ? nameOf(canonical(*content)) : nameOrBytes(address);
 }
 
-std::optional<ContentId> contentAt(BulkAddress address) {
+std::optional<ContentId> contentNamedBy(BulkAddress address) {
   const MidLo place{address.mid, address.lo};
   if (address.hi == BDA::kHeaderHi || address.hi == BDA::kFooterHi) return contentOfHeader(place);
   if (address.hi == BDA::kFileDumpHi) return contentOfFileDump(place);

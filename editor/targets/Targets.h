@@ -39,7 +39,7 @@ class TargetError : public std::runtime_error {
 std::string placeNameOf(const Target& target);
 std::string placeNameOf(BulkAddress address);
 // The content that a header, a footer or a file dump is of.
-std::optional<ContentId> contentAt(BulkAddress address);
+std::optional<ContentId> contentNamedBy(BulkAddress address);
 
 // Throws TargetError (refused), which names the target.
 [[noreturn]] void refuse(const Target& target, const std::string& why);

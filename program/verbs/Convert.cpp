@@ -111,6 +111,11 @@ class Converting {
       complaints.tell(wordOf(unit.state), describeUnit(unit));
       program_.refuse();
     }
+    for (const Batch::BrokenDump& dump : batch_.brokenDumps) {
+      complaints.tell("broken file dump",
+                      fmt::format("{}: broken (message {}): {}", nameOrBytes(dump.address), dump.message, dump.why));
+      program_.refuse();
+    }
     complaints.finish();
   }
 
@@ -152,7 +157,8 @@ class Converting {
   void requirePlaces() {
     const std::size_t units = batch_.units.size();
     if (options_.select.empty()) tellBroken();
-    if (!batch_.broken.empty()) throw Failure(kRefused, "only whole units can be placed, nothing is written");
+    if (!batch_.broken.empty() || !batch_.brokenDumps.empty())
+      throw Failure(kRefused, "only whole units can be placed, nothing is written");
     if (units == 0) throw Failure(kUnusableInput, "no unit that could be placed, nothing is written");
     if (units > destinations_.size())
       throw Failure(kUnusableInput, fmt::format("{} for {} ({}), nothing is written", counted(units, "unit"),

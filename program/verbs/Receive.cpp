@@ -256,19 +256,28 @@ class Receiving {
     return true;
   }
 
-  // What stands in the place of something says what that was called.
   void tellContents(const InputMessage& message, const Record& record) {
     for (const std::string& content : record.contents) {
       const bool isRemoved = std::ranges::find(record.removed, content) != record.removed.end();
-      const auto before = record.replaced.find(content);
-      const bool isReplaced = before != record.replaced.end() && (!isRemoved || isRehearsal_);
-      console_.line(fmt::format(
-          "{}: {} ({}){}", said(isRemoved ? "removed" : "stored"), content, placeOf(message),
-          isReplaced ? fmt::format(", {} {}", isRemoved ? "it is" : "replaces", quoted(before->second)) : ""));
+      console_.line(fmt::format("{}: {} ({}){}{}", said(isRemoved ? "removed" : "stored"), content, placeOf(message),
+                                wasIn(content, record, isRemoved),
+                                isOfPart(record.reading) ? "; sets the effects of multi:edit" : ""));
     }
   }
 
-  static std::string quoted(const std::string& name) { return fmt::format("\"{}\"", showName(name)); }
+  // What stood in the place.
+  std::string wasIn(const std::string& content, const Record& record, bool isRemoved) const {
+    const auto before = record.replaced.find(content);
+    if (before == record.replaced.end()) return "";
+    const std::string& name = before->second;
+    if (name.empty()) return isRemoved ? "" : ", replaces what was there";
+    const char* const verb = isRehearsal_ ? "it is" : "it was";
+    return fmt::format(", {} \"{}\"", isRemoved ? verb : "replaces", showName(name));
+  }
+
+  static bool isOfPart(const Reading& reading) {
+    return reading.role == Role::footer && editBufferOf(reading.address->mid) == EditBuffer::partVoice;
+  }
 
   void refuse(const InputMessage& message, const Record& record, const std::string& what) {
     program_.refuse();

@@ -242,6 +242,20 @@ TEST_F(Backup, whatTheFileDoesNotNameStays) {
   EXPECT_EQ(library().contents().size(), 2u);
 }
 
+TEST_F(Backup, whatARestoreReplacedOrRemovedIsTold) {
+  library().store(kUserVoice6, Bytes{1}, "Mine");
+  library().store(kMulti1, Bytes{1}, "Mine too");
+  write("a.syx", {unit(kUserVoice, BDA::List::normalVoice), unit({0x0E, 0x70, 0x00}, BDA::List::master),
+                  dump({0x0C, 0x50, 0x00}, {0, 0, 0, 0}), dump(kWriteTrigger)});
+  EXPECT_EQ(bda({"restore", "a.syx"}).err,
+            "removed: file:multi:1 \"Mine too\"\n"
+            "stored: voice:user1:6, replaces \"Mine\"\n"
+            "restored: 35 messages, 2 contents stored, 1 removed\n");
+  EXPECT_EQ(bda({"restore", "a.syx"}).err,
+            "nothing changes\n"
+            "restored: 35 messages, 0 contents stored, 0 removed, 2 as they were\n");
+}
+
 TEST_F(Backup, requestsAndOtherInstrumentsMessagesAreIgnored) {
   Bytes foreign = request({0, 0, 0});
   foreign[1] = 0x41;

@@ -346,6 +346,21 @@ TEST_F(Convert, splitPutsWhatIsNoWholeUnitToTheRestAndSaysSo) {
   EXPECT_EQ(folder("dir"), (std::map<std::string, std::string>{{"other.syx", read("cut.syx")}}));
 }
 
+TEST_F(Convert, aBrokenFileDumpIsToldWhereUnitsCount) {
+  write("a.syx", {damaged(fileDump({0x0C, 0x0A, 0x06}, "Piano", {1})), kTrigger});
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"--split", "dir"},
+                                                {"-o", "b.syx", "--place", "voice:user2:1"},
+                                                {"-o", "b.syx", "--select", "voice:user1:7"}}) {
+    std::vector<std::string> all = words;
+    all.insert(all.begin(), {"convert", "a.syx"});
+    const Result run = bda(all);
+    EXPECT_THAT(run, Exits(3)) << testing::PrintToString(words);
+    EXPECT_THAT(run.err, HasSubstr("file:voice:user1:7: broken (message 1): checksum"));
+  }
+  EXPECT_EQ(folder("dir"), (std::map<std::string, std::string>{{"other.syx", read("a.syx")}}));
+  EXPECT_FALSE(exists("b.syx"));
+}
+
 TEST_F(Convert, whatShowPrintedBecomesDumps) {
   write("a.syx", {voice({0x0E, 0x0A, 0x05}), unit({0x0E, 0x28, 0x01}, BDA::List::drumVoice, 'D'), systemDump(1)});
   ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));

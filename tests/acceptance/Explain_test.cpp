@@ -184,6 +184,15 @@ TEST_F(Explain, aTextOfHexDigitsIsExplainedDigitByDigit) {
   EXPECT_THAT(objects({"explain", "a.txt", "--json"}), SizeIs(9));
 }
 
+TEST_F(Explain, anOffsetThatIsNoneIsSaidToBe) {
+  write("a.syx", {systemDump(1)});
+  for (const char* offset : {"1e3", "-1", "0x"}) {
+    const Result run = bda({"explain", "--", "a.syx", offset});
+    EXPECT_THAT(run, Exits(1)) << offset;
+    EXPECT_THAT(run.err, HasSubstr("expected the offset of a byte")) << offset;
+  }
+}
+
 TEST_F(Explain, insideOfAFileDumpItIsABytesPlaceInNameOrContent) {
   // Name: 2 bytes of length, one group of "Abc"; content: 2 bytes of length, two groups of 8 and 3.
   write("a.syx", {fileDump({0x0C, 0x0A, 0x05}, "Abc", pattern(9))});

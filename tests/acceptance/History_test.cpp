@@ -166,7 +166,11 @@ TEST_F(History, aConflictNamesThePlaceAndChangesNothingWithoutForce) {
   ok({"undo", "2", "--force"});
   EXPECT_EQ(json({"show", "voice:user1:6", "--json"})["voice"]["name"], std::string(20, 'A'));
   EXPECT_THAT(bda({"undo", "99"}), Exits(3));
-  EXPECT_THAT(bda({"undo", "none"}), Exits(1));
+  for (const char* entry : {"none", "0", "-1", "18446744073709551616"}) {
+    const Result undo = bda({"undo", "--", entry});
+    EXPECT_THAT(undo, Exits(1)) << entry;
+    EXPECT_THAT(undo.err, HasSubstr("expected a number from 1 to 9223372036854775807")) << entry;
+  }
 }
 
 // ---- check, and what is damaged -------------------------------------------------------------------------------------

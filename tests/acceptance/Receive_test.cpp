@@ -54,6 +54,15 @@ TEST_F(Receive, theLastLineCountsContentsAndARemovalIsNotStored) {
   EXPECT_THAT(lines(run.err), ElementsAre("1 stored, 1 removed, 2 accepted"));
 }
 
+TEST_F(Receive, theVoiceOfAPartSetsTheEffectsOfTheMulti) {
+  const Editor::MidLo part = Editor::headerOf(Editor::EditBuffer::partVoice, 2);
+  write("a.syx", {unit({0x0E, part.mid, part.lo}, BDA::List::normalVoice, 1)});
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.out, HasSubstr("; sets the effects of multi:edit\n"));
+  EXPECT_THAT(bda({"history", "-v"}).out, HasSubstr("multi:edit"));
+}
+
 TEST_F(Receive, whatARefusedTriggerStoredIsCounted) {
   write("a.syx", {fileDump({0x0C, 0x50, 0x04}, "One", {1}), dump({0x0C, 0x50, 0x05}, {0, 0, 0, 9, 0, 0x41}),
                   dump({0x11, 0x00, 0x00})});
@@ -172,7 +181,7 @@ TEST_F(Receive, aFileDumpOfNothingRemovesAndIsToldSo) {
   ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
   const Result run = bda({"receive", "b.syx"});
   EXPECT_THAT(run, Exits(0));
-  EXPECT_EQ(run.out, "removed: file:multi:5 (b.syx: message 2 at offset 16)\n");
+  EXPECT_EQ(run.out, "removed: file:multi:5 (b.syx: message 2 at offset 16), it was \"A\"\n");
   EXPECT_THAT(bda({"contents"}).out, Not(HasSubstr("multi:5")));
 }
 

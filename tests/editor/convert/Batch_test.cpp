@@ -70,7 +70,16 @@ TEST(Batch, whatIsBrokenIsNoUnit) {
   EXPECT_THAT(batch.units, IsEmpty());
   ASSERT_EQ(batch.broken.size(), 1u);
   EXPECT_EQ(batch.broken.front().state, Editor::UnitReport::State::incomplete);
+  ASSERT_EQ(batch.brokenDumps.size(), 1u);
+  EXPECT_EQ(batch.brokenDumps.front().message, messages.size() + 1);
   EXPECT_EQ(bytesOf(batch), joined({messages, {damaged(kFileDump)}}));
+}
+
+TEST(Batch, aTriggerWritesNoFileDumpThatIsBroken) {
+  const Batch batch = batchOf({{dump({0x0C, 0x0A, 0x05}, Bytes(3)), kTrigger}});
+  EXPECT_THAT(batch.units, IsEmpty());
+  EXPECT_EQ(batch.brokenDumps.size(), 1u);
+  EXPECT_THAT(batch.messages.back().writes, IsEmpty());
 }
 
 TEST(Batch, aUnitIsOfTheKindOfItsBlocks) {

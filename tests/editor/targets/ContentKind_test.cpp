@@ -41,7 +41,7 @@ TEST(ContentKind, hasAWord) {
 }
 
 TEST(ContentKind, aMixingVoiceFitsWhereverANormalVoiceDoes) {
-  for (const char* const place : {"voice:user1:6", "voice:edit", "file:mix:5:1", "part:3", "voice:mixing:1"})
+  for (const char* const place : {"voice:user1:6", "voice:edit", "file:mix:5:1", "voice:part:3", "voice:mix:1"})
     for (const ContentKind kind : {ContentKind::voice, ContentKind::mix})
       EXPECT_TRUE(fits(kind, parseTarget(place))) << place;
   EXPECT_FALSE(fits(ContentKind::mix, ContentKind::drum));
@@ -49,9 +49,9 @@ TEST(ContentKind, aMixingVoiceFitsWhereverANormalVoiceDoes) {
 }
 
 TEST(ContentKind, aPartPlaysBothKindsOfVoice) {
-  EXPECT_TRUE(fits(ContentKind::drum, parseTarget("part:3")));
+  EXPECT_TRUE(fits(ContentKind::drum, parseTarget("voice:part:3")));
   EXPECT_FALSE(fits(ContentKind::drum, parseTarget("voice:edit")));
-  EXPECT_FALSE(fits(ContentKind::multi, parseTarget("part:3")));
+  EXPECT_FALSE(fits(ContentKind::multi, parseTarget("voice:part:3")));
 }
 
 TEST(ContentKind, everythingElseFitsItsOwnKindOnly) {
