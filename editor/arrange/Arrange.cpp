@@ -90,7 +90,7 @@ class Arranging {
   }
 
   static void requireFit(const ArrangedPlace& from, const ArrangedPlace& to) {
-    if (from.kind != to.kind)
+    if (!fits(from.kind, to.kind))
       refuse(from.target,
              fmt::format("{} does not fit {}, which takes {}", wordsOf(from.kind), to.name, wordsOf(to.kind)));
   }

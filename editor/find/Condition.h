@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "find/ContentKind.h"
 #include "find/ModelValues.h"
+#include "targets/ContentKind.h"
 
 namespace Editor {
 

@@ -7,6 +7,7 @@
 
 #include "AddressRows.h"
 #include "BulkMessage.h"
+#include "targets/Targets.h"
 
 namespace Editor {
 
@@ -234,13 +235,6 @@ Salvaged lostOrphan(const Capture& orphan) {
   return lost;
 }
 
-std::optional<ContentId> contentOf(BulkAddress address) {
-  const MidLo place{address.mid, address.lo};
-  if (address.hi == BDA::kHeaderHi) return contentOfHeader(place);
-  if (address.hi == BDA::kFileDumpHi) return contentOfFileDump(place);
-  return std::nullopt;
-}
-
 unsigned deviceOf(const Piece& piece) { return piece.bytes[2] & BDA::kDeviceMask; }
 
 // The trigger that has these file dumps written; nothing: no file has one for their device.
@@ -255,7 +249,7 @@ void addTrigger(SalvageResult& result, const std::vector<Piece>& triggers) {
   const Piece& fileDump = result.messages.back();
   if (const Piece* const trigger = triggerFor(fileDump, triggers)) return result.messages.push_back(*trigger);
   Piece trigger;
-  trigger.bytes = dumpMessage(kWriteTrigger, {}, std::uint8_t(deviceOf(fileDump)));
+  trigger.bytes = writeTrigger(std::uint8_t(deviceOf(fileDump)));
   result.isTriggerAdded = true;
   result.messages.push_back(std::move(trigger));
 }
@@ -273,7 +267,7 @@ void gather(SalvageResult& result, const std::vector<Piece>& triggers) {
     if (isTriggerDue && !isFileDump) addTrigger(result, triggers);
     isTriggerDue = isFileDump;
     result.messages.insert(result.messages.end(), unit.messages.begin(), unit.messages.end());
-    if (const std::optional<ContentId> content = contentOf(unit.address))
+    if (const std::optional<ContentId> content = contentNamedBy(unit.address))
       if (!contents.insert(canonical(*content)).second) result.twice.push_back(*content);
   }
   if (isTriggerDue) addTrigger(result, triggers);

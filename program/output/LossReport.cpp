@@ -28,7 +28,8 @@ void LossReport::add(const InputLoss& loss) {
     return;
   }
   isWhole_ = isWhole_ && loss.kind == InputLoss::Kind::loose;
-  complaints_.tell(loss.reason, [&] { return lineOf(loss); });
+  const bool isStructure = loss.kind == InputLoss::Kind::brokenFile;  // its reasons have numbers in them
+  complaints_.tell(isStructure ? "not built as it must be" : loss.reason, [&] { return lineOf(loss); });
 }
 
 void LossReport::finish() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -32,6 +33,19 @@ void salvage(const Words& files, const SalvageOptions& options, Program& program
 
 // A file; a file and an offset; an address, which can be three words, and the path of a parameter.
 void explain(const Words& words, bool json, Program& program);
+
+// Messages into other files, without a library. The files may also stand behind the addresses of `select`.
+struct ConvertOptions {
+  std::string output;     // one file; "": none
+  std::string directory;  // one file a unit; "": none
+  std::string place;      // where units are addressed to; "": they stay
+  Words select;           // which units are taken; none: all messages
+  std::optional<unsigned> device;
+  std::chrono::milliseconds pause{20};  // between the messages of a .mid
+  bool pauses = false;                  // it was asked for
+  bool json = false;
+};
+void convert(Words files, ConvertOptions options, Program& program);
 
 // Handing messages to the library's instrument.
 struct ExchangeOptions {
