@@ -5,8 +5,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <csignal>
 #include <functional>
+#include <limits>
 #include <new>
 #include <stdexcept>
 #include <string_view>
@@ -16,9 +18,9 @@
 #include "Manual.h"
 #include "VerbHelp.h"
 #include "bda/version.h"
-#include "find/ContentKind.h"
 #include "input/FilesInUse.h"
 #include "messages/Text.h"
+#include "targets/ContentKind.h"
 #include "targets/Targets.h"
 #include "verbs/Verbs.h"
 
@@ -36,6 +38,7 @@ struct Given {
   std::string setting;
   std::optional<std::string> value;
   ExchangeOptions exchange;
+  ConvertOptions convert;
   ShowOptions show;
   ReceiveOptions receive;
   ContentsOptions contents;
@@ -58,9 +61,17 @@ struct Given {
 // As CLI11 checks values: what is wrong with it, or nothing.
 std::string checkFileName(const std::string& name) { return name.empty() ? "an empty file name" : ""; }
 
+std::string checkNumber(const std::string& text) {
+  std::int64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [last, error] = std::from_chars(text.data(), end, number);
+  if (error == std::errc() && last == end && number > 0) return "";
+  return fmt::format("\"{}\": expected a number from 1 to {}", text, std::numeric_limits<std::int64_t>::max());
+}
+
 constexpr const char* kDryRun = "Say what would change, and change nothing";
 constexpr const char* kAnyDevice = "Take messages for other device numbers too";
-constexpr const char* kMessageFiles = "Message files, .syx or .mid by content; - is standard input";
+constexpr const char* kMessageFiles = "Message files, .syx, .mid or hex text by content; - is standard input";
 
 CLI::Option* addWords(CLI::App& verb, const std::string& name, const std::string& description, Given& given) {
   CLI::Option* const words = verb.add_option(name, given.words, description)->required();
@@ -86,6 +97,46 @@ void addVerify(CLI::App& app, Given& given, Program& program) {
   addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
   verb.add_flag("--json", given.json, "One object a line");
   verb.callback([&] { given.verb = [&] { verify(given.words, given.json, program); }; });
+}
+
+void addConvert(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "convert");
+  ConvertOptions& options = given.convert;
+  addWords(verb, "IN", "Message files, or what show --json printed, by content; - is standard input", given)
+      ->required(false)
+      ->check(checkFileName);
+  CLI::Option* const output =
+      verb.add_option("-o,--output", given.output, "All in one: a .syx, .mid or .txt; - is standard output, as .syx")
+          ->type_name("OUT")
+          ->check(checkFileName);
+  verb.add_option("--split", options.directory, "A folder for a file a unit, and other.syx for the rest")
+      ->type_name("DIR")
+      ->check(checkFileName)
+      ->excludes(output);
+  verb.add_option("--place", options.place, "Where the units go instead: a place each, of a range or bank")
+      ->type_name("ADDRESS")
+      ->check(checkFileName);
+  verb.add_option("--device", options.device, "The device number that the messages are for, 1 to 16")
+      ->type_name("N")
+      ->check(CLI::Range(1, 16));
+  verb.add_option("--select", options.select, "Only the units of these places, banks or ranges")
+      ->type_name("ADDRESS...");
+  verb.add_option_function<unsigned>(
+          "--pause",
+          [&options](unsigned milliseconds) {
+            options.pause = std::chrono::milliseconds(milliseconds);
+            options.pauses = true;
+          },
+          "Between the messages of a .mid; default 20")
+      ->type_name("MILLISECONDS")
+      ->check(CLI::Range(0, 60'000));
+  verb.add_flag("--json", options.json, "One object a unit, for what was written");
+  verb.callback([&] {
+    given.verb = [&] {
+      options.output = given.output;
+      convert(given.words, options, program);
+    };
+  });
 }
 
 void addExplain(CLI::App& app, Given& given, Program& program) {
@@ -143,6 +194,7 @@ void addReceive(CLI::App& app, Given& given, Program& program) {
   verb.add_flag("--whole", given.receive.whole, "Store whole units only, as verify judges them, and refuse the rest");
   CLI::Option* const trace = addExchangeOptions(verb, given.exchange);
   verb.add_flag("--dry-run", given.receive.dryRun, kDryRun)->excludes(answers)->excludes(trace);
+  verb.add_flag("--json", given.receive.json, "One object a line for each message, as the trace has it");
   verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, given.receive, program); }; });
 }
 
@@ -308,15 +360,14 @@ void addSwap(CLI::App& app, Given& given, Program& program) {
 
 void addHistory(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "history");
-  verb.add_option("-n", given.history.most, "So many entries at most")->type_name("N")->check(CLI::PositiveNumber);
+  verb.add_option("-n", given.history.most, "So many entries at most")->type_name("N")->check(checkNumber);
   verb.add_flag("--json", given.history.json, "One object a line, an entry with its changes");
   verb.callback([&] { given.verb = [&] { history(given.history, program); }; });
 }
 
 void addUndo(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "undo");
-  verb.add_option("ENTRY", given.entry, "Which; default the newest that is no undo and not undone")
-      ->check(CLI::PositiveNumber);
+  verb.add_option("ENTRY", given.entry, "Which; default the newest that is no undo and not undone")->check(checkNumber);
   verb.add_flag("--force", given.force, "Put back also what was changed since");
   addChangeOptions(verb, given.change);
   verb.callback([&] { given.verb = [&] { undo(given.entry, given.force, given.change, program); }; });
@@ -345,10 +396,10 @@ void addHelp(CLI::App& app, Given& given, Program& program) {
       [&] { given.verb = [&] { program.console.text(given.manual ? manualOf(app) : helpOf(app, given.setting)); }; });
 }
 
-constexpr std::array kVerbs{addList,   addVerify,    addExplain,  addSalvage, addReceive, addRequest, addShow,
-                            addApply,  addSettings,  addContents, addFind,    addBackup,  addRestore, addDiff,
-                            addRename, addFavourite, addRemove,   addCopy,    addMove,    addSwap,    addHistory,
-                            addUndo,   addCheck,     addScreen,   addHelp};
+constexpr std::array kVerbs{addList,    addVerify, addConvert,   addExplain,  addSalvage, addReceive, addRequest,
+                            addShow,    addApply,  addSettings,  addContents, addFind,    addBackup,  addRestore,
+                            addDiff,    addRename, addFavourite, addRemove,   addCopy,    addMove,    addSwap,
+                            addHistory, addUndo,   addCheck,     addScreen,   addHelp};
 
 void addCommonOptions(CLI::App& app, Program& program) {
   app.set_help_flag("-h,--help", "Say this and exit");
@@ -397,7 +448,8 @@ void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
     files.add(program.nameFileOf(*library), "these are the names of waveforms, arpeggios and parameters");
   }
   if (readsFiles)
-    for (const std::string& file : given.words) files.add(file, "this is also an input");
+    for (const Words& words : {given.words, given.convert.select})
+      for (const std::string& file : words) files.add(file, "this is also an input");
   for (const auto& [option, output] : outputs)
     if (!output->empty()) files.addOutput(*output, option);
 }
@@ -427,7 +479,9 @@ int run(int argc, const char* const* argv, Program& program) {
     throw Failure(kWrongUsage, whyNotRead(app, error));
   }
   if (findVerb(app.get_subcommands().front()->get_name())->heeds.names == Heeds::Names::lists) program.needNames();
-  checkOutputs(given, program, app.got_subcommand("receive") || app.got_subcommand("salvage"));
+  const std::initializer_list<const char*> readFiles{"receive", "salvage", "convert"};
+  checkOutputs(given, program,
+               std::ranges::any_of(readFiles, [&](const char* verb) { return app.got_subcommand(verb); }));
   given.verb();
   return program.exitCode();
 }

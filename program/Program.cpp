@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "contents/LibraryCopy.h"
 #include "input/NameFile.h"
 #include "messages/Text.h"
 
@@ -72,8 +73,8 @@ std::unique_ptr<EmbeddedEditor> Program::openToChange(LibraryRun run) {
   if (isMissing(file)) console.note(fmt::format("{}: no library yet, the first change makes one", escape(file)));
   if (editor->library().isOfOlderVersion())
     console.note(fmt::format(
-        "{0}: a library of an older version: the first change brings it to this one, and leaves a copy as {0}.v1",
-        escape(file)));
+        "{}: a library of an older version: the first change brings it to this one, and leaves a copy as {}",
+        escape(file), escape(nameOfCopy(file).string())));
   return editor;
 }
 
@@ -118,13 +119,21 @@ std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::
     auto editor = std::make_unique<EmbeddedEditor>(file, Library::Options{.use = use});
     if (use == Library::Use::read && editor->library().isYetEmpty())
       console.note(fmt::format("{}: there is nothing in it yet, it is read as an empty library", escape(file)));
+    if (!editor->tools().systemDamage().empty())
+      console.note(
+          fmt::format("{}: the system settings are damaged and count as new (bda check tells more)", escape(file)));
     if (names) giveNames(editor->tools(), std::move(*names), nameFile);
     return editor;
   } catch (const LibraryError& error) {
     throw Failure(kUnusableInput, escape(error.what()));
   } catch (const LiveModelError& error) {
-    throw Failure(kUnusableInput, fmt::format("{}: {}", escape(file), escape(error.what())));
+    throw Failure(kUnusableInput, escape(error.what()));
   }
+}
+
+void Program::leaveOutDamaged(const std::string& place) {
+  console.problem(fmt::format("{}: left out: it is damaged (bda check tells more)", place));
+  refuse();
 }
 
 void Program::failInputs(const std::vector<std::string>& problems) {

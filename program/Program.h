@@ -49,6 +49,8 @@ class Program {
   void refuse() {
     if (exitCode_ == kAllGood) exitCode_ = kRefused;
   }
+  // What stands there is damaged: the run goes on without it.
+  void leaveOutDamaged(const std::string& place);
   // Inputs proved unusable while they were read, a text for each: the run ends with kUnusableInput.
   void failInputs(const std::vector<std::string>& problems);
   // The run ends with this, whatever it has refused.

@@ -56,7 +56,9 @@ class Arranging {
   void plan(const std::vector<Slot*>& from, const std::vector<Slot*>& to) {
     std::vector<std::pair<Slot*, Slot*>> pairs;
     for (std::size_t i = 0; i < from.size(); ++i) {
-      if (!from[i]->holds && (kind_ != Kind::swap || !to[i]->holds))
+      if (from[i]->isDamaged || (kind_ == Kind::swap && to[i]->isDamaged))
+        arranged_.damaged.push_back(from[i]->isDamaged ? from[i]->name : to[i]->name);
+      else if (!from[i]->holds && (kind_ != Kind::swap || !to[i]->holds))
         arranged_.leftOut.push_back(from[i]->name);
       else if (from[i] != to[i])
         pairs.emplace_back(from[i], to[i]);
@@ -88,7 +90,7 @@ class Arranging {
   }
 
   static void requireFit(const ArrangedPlace& from, const ArrangedPlace& to) {
-    if (from.kind != to.kind)
+    if (!fits(from.kind, to.kind))
       refuse(from.target,
              fmt::format("{} does not fit {}, which takes {}", wordsOf(from.kind), to.name, wordsOf(to.kind)));
   }
@@ -117,12 +119,15 @@ class Arranging {
     if (!to.hasFlag() && from.flag != 0) arranged_.droppedFlags.push_back({from.name, to.name});
   }
 
+  static bool isStored(const ArrangedPlace& place) { return place.holds || place.isDamaged; }
+
   void requireRoom() {
     const std::int64_t before = library_.mixingVoiceCount();
     std::int64_t after = before;
     for (const Slot& slot : shelf_.slots())
       if (!slot.isBuffer() && isMixingVoice(slot.target.content))
-        after += std::int64_t(slot.shallHold.has_value()) - std::int64_t(slot.holds.has_value());
+        after +=
+            std::int64_t(slot.changes ? slot.shallHold.has_value() : isStored(slot)) - std::int64_t(isStored(slot));
     const std::int64_t most = library_.mixingVoiceMaximum();
     if (after > before && after > most)
       throw TargetError(

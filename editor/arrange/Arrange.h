@@ -19,6 +19,7 @@ struct Arranged {
   };
 
   std::vector<std::string> leftOut;  // of `from`: nothing stood there, and what stood in their `to` stays
+  std::vector<std::string> damaged;  // what should have been taken from there is damaged: it stays as it is
   std::vector<Note> droppedFlags;    // a favourite went where no flag can stand
   std::vector<Note> voicesAlone;     // a voice became that of a part: what else belonged to it did not go along
 };
@@ -27,6 +28,7 @@ struct Arranged {
 // buffers. All is read first, then judged, then written as one transaction.
 //
 // - Where nothing stands, nothing is taken; a swap then moves what stands on the other side.
+// - What is damaged is not taken, and keeps nothing else from being taken; over it another content can be put.
 // - What is moved away leaves its place empty, without a favourite flag; an edit buffer is then as if it had never been
 //   stored. The multi that a part plays in always stays as it is.
 // - The flag of a place is replaced by that of the place which the content comes from, if that one can have a flag.

@@ -4,21 +4,18 @@
 #include <optional>
 #include <string>
 
+#include "targets/ContentKind.h"
 #include "targets/TargetModels.h"
 
 namespace Editor {
-
-// What fits a place: a normal voice any place of a normal voice, wherever that is, and so on.
-enum class PlaceKind : std::uint8_t { normalVoice, drumVoice, multi, performance, master, remote, single };
-// "a normal voice"
-const char* wordsOf(PlaceKind kind);
 
 // A place of a library, and what stood in it when it was read.
 struct ArrangedPlace {
   Target target;
   std::string name;  // the same for all addresses of the place
-  PlaceKind kind = PlaceKind::normalVoice;
+  ContentKind kind = ContentKind::voice;
   std::optional<Library::Content> holds;  // of an edit buffer its models, in our format
+  bool isDamaged = false;                 // something stands there that nobody can take: `holds` is empty
   std::uint8_t flag = 0;                  // 0 where none can stand
 
   bool isBuffer() const { return target.kind == Target::Kind::editBuffer; }

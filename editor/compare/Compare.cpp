@@ -22,7 +22,15 @@ void addInnerName(Difference& difference, ParameterDifference inner) {
     difference.names.push_back(std::move(inner));
 }
 
+ParameterDifference damage(bool isInFirst, bool isInSecond) {
+  return {"damaged", std::int64_t(isInFirst), std::int64_t(isInSecond)};
+}
+
 void compareContents(ContentId id, Held first, Held second, Difference& difference) {
+  if (!isWhole(first) || !isWhole(second)) {
+    difference.parameters.push_back(damage(!isWhole(first), !isWhole(second)));
+    return;
+  }
   if (first.name != second.name) difference.names.push_back({"name", std::move(first.name), std::move(second.name)});
   if (first.bytes == second.bytes) return;
   ModelSet left = emptySetFor(id);
@@ -81,20 +89,23 @@ class Comparing {
   void live(Reception reception) {
     const EditorJobTools& left = first_.tools();
     const EditorJobTools& right = second_.tools();
-    for (const EditBuffer buffer : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
-                                    EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
-      models(nameOf(buffer), left.live(buffer), right.live(buffer));
-    for (std::uint8_t part = 0; part < kParts; ++part)
-      models(nameOf(EditBuffer::partVoice, part), left.live(EditBuffer::partVoice, part),
-             right.live(EditBuffer::partVoice, part));
+    const auto buffer = [&](EditBuffer which, std::uint8_t part) {
+      const std::string name = nameOf(which, part);
+      live(name, left.damage(which, part), left.live(which, part), right.damage(which, part), right.live(which, part));
+    };
+    for (const EditBuffer which : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
+                                   EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
+      buffer(which, 0);
+    for (std::uint8_t part = 0; part < kParts; ++part) buffer(EditBuffer::partVoice, part);
     ModelSet leftSystem = left.liveSystem();
     ModelSet rightSystem = right.liveSystem();
     if (reception == Reception::ignored) {
       ignoreReception(leftSystem);
       ignoreReception(rightSystem);
     }
-    models("system", leftSystem, rightSystem);
-    models("additional", left.liveAdditional(), right.liveAdditional());
+    live("system", left.systemDamage(), leftSystem, right.systemDamage(), rightSystem);
+    live("additional", left.additionalDamage(), left.liveAdditional(), right.additionalDamage(),
+         right.liveAdditional());
     const std::int64_t leftMost = first_.library().mixingVoiceMaximum();
     const std::int64_t rightMost = second_.library().mixingVoiceMaximum();
     if (reception == Reception::compared && leftMost != rightMost)
@@ -110,7 +121,7 @@ class Comparing {
   }
 
   void content(ContentId id, std::uint8_t leftFlag, std::uint8_t rightFlag) {
-    std::optional<Held> left = first_.library().held(contentAt(id));  // damaged or not: the others are compared too
+    std::optional<Held> left = first_.library().held(contentAt(id));
     std::optional<Held> right = second_.library().held(contentAt(id));
     if (left && right) return inBoth(id, std::move(*left), std::move(*right), leftFlag, rightFlag);
     if (left) onlyIn(Kind::onlyInFirst, comparison.onlyInFirst, id, std::move(left->name), leftFlag);
@@ -147,8 +158,12 @@ class Comparing {
     visit_(difference);
   }
 
-  void models(const std::string& target, const ModelSet& left, const ModelSet& right) {
-    if (!(left == right)) other(target, differencesOf(left, right));
+  void live(const std::string& target, const std::string& leftDamage, const ModelSet& left,
+            const std::string& rightDamage, const ModelSet& right) {
+    if (!leftDamage.empty() || !rightDamage.empty())
+      other(target, {damage(!leftDamage.empty(), !rightDamage.empty())});
+    else if (!(left == right))
+      other(target, differencesOf(left, right));
   }
 
   void other(const std::string& target, std::vector<ParameterDifference> parameters) {

@@ -26,7 +26,8 @@ struct Difference {
   // The name of a content that both have: in the library's list ("name") and inside its models ("voice.name"); one
   // entry, the models', where both say the same.
   std::vector<ParameterDifference> names;
-  // Everything else: parameters by their paths, "favourite" for the flag, "bytes" for opaque contents.
+  // Everything else: parameters by their paths, "favourite" for the flag, "bytes" for opaque contents; "damaged" (1 or
+  // 0) alone where what stands on either side is damaged, for nobody knows then what it held.
   std::vector<ParameterDifference> parameters;
 };
 
@@ -48,8 +49,8 @@ enum class Reception : std::uint8_t { compared, ignored };
 
 // Calls `visit` for each difference when it is found, so that it takes no more memory than two contents do: contents by
 // type and number with their favourite flags, then edit buffers, system and settings. Contents in our format are
-// compared by parameter, others byte for byte; an edit buffer that was never stored is as new. The live models are
-// taken as the editors have them. Throws LibraryError.
+// compared by parameter, others byte for byte; an edit buffer that was never stored is as new. What is damaged is equal
+// to nothing. The live models are taken as the editors have them. Throws LibraryError.
 Comparison compareLibraries(EmbeddedEditor& first, EmbeddedEditor& second, Reception reception,
                             const std::function<void(const Difference&)>& visit);
 

@@ -78,15 +78,15 @@ void copyBytes(sqlite3_file* from, sqlite3_file* to) {
   require(to->pMethods->xSync(to, SQLITE_SYNC_FULL), kFailed);
 }
 
-std::filesystem::path freeNameBeside(const std::filesystem::path& file) {
+}  // namespace
+
+std::filesystem::path nameOfCopy(const std::filesystem::path& file) {
   const std::string name = file.string() + ".v1";
   std::filesystem::path free = name;
   for (unsigned number = 2; std::filesystem::exists(std::filesystem::symlink_status(free)); ++number)
     free = name + "." + std::to_string(number);
   return free;
 }
-
-}  // namespace
 
 std::filesystem::path copyBeside(const std::filesystem::path& file, Database& database,
                                  std::chrono::milliseconds busyTimeout, const char* vfs) {
@@ -103,7 +103,7 @@ std::filesystem::path copyBeside(const std::filesystem::path& file, Database& da
       std::filesystem::permissions(part, std::filesystem::status(file).permissions());
       copyBytes(library, to.file());
     }
-    copy = freeNameBeside(file);
+    copy = nameOfCopy(file);
     std::filesystem::rename(part, copy);
   } catch (...) {
     std::error_code ignored;

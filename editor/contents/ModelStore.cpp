@@ -5,14 +5,20 @@
 namespace Editor {
 namespace {
 
-template <typename Result, typename Operation>
-Result attempt(Result onFailure, std::string& why, Operation operation) {
+template <typename Operation>
+bool attempt(std::string& why, Operation operation) {
   try {
-    return operation();
+    operation();
+    return true;
   } catch (const LibraryError& error) {
     why = error.what();
-    return onFailure;
+    return false;
   }
+}
+
+ContentStore::Loaded notRead(const LibraryError& error, std::string& why) {
+  why = error.what();
+  return error.kind() == LibraryError::Kind::Damaged ? ContentStore::Loaded::opaque : ContentStore::Loaded::failed;
 }
 
 ContentStore::Loaded decode(const Library::Bytes& bytes, ModelSet& models, std::string& why) {
@@ -34,8 +40,7 @@ ContentStore::Loaded ModelStore::loadModels(ContentId id, ModelSet& models, std:
     const std::optional<Library::Content> content = library_.content(id);
     return content ? decode(content->bytes, models, why) : nothingStored(why);
   } catch (const LibraryError& error) {
-    why = error.what();
-    return error.kind() == LibraryError::Kind::Damaged ? Loaded::opaque : Loaded::failed;
+    return notRead(error, why);
   }
 }
 
@@ -44,25 +49,23 @@ bool ModelStore::storeModels(ContentId id, const std::string& name, const ModelS
     why = "such models cannot be stored there";
     return false;
   }
-  return attempt(false, why, [&] {
-    library_.store(id, encodeContent(models), name);
-    return true;
-  });
+  return attempt(why, [&] { library_.store(id, encodeContent(models), name); });
 }
 
 ContentStore::Loaded ModelStore::loadLive(const std::string& key, ModelSet& models, std::string& why) {
-  return attempt(Loaded::failed, why, [&] {
+  try {
     const std::optional<Library::Bytes> bytes = library_.live(key);
     return bytes ? decode(*bytes, models, why) : nothingStored(why);
-  });
+  } catch (const LibraryError& error) {
+    return notRead(error, why);
+  }
 }
 
 bool ModelStore::storeLive(const std::vector<LiveModels>& live, std::string& why) {
-  return attempt(false, why, [&] {
+  return attempt(why, [&] {
     Library::Transaction transaction(library_);
     for (const LiveModels& one : live) library_.storeLive(one.key, encodeContent(*one.models));
     transaction.commit();
-    return true;
   });
 }
 

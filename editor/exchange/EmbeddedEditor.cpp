@@ -51,14 +51,20 @@ EmbeddedEditor::Run::Run(EmbeddedEditor& editor, Library::Transaction::Access ac
   EditorJobTools& tools = editor.tools();
   tools.reload();
   system_ = tools.liveSystem();
-  wasSystemStored_ = editor.library_.held(liveAt(tools.systemKey())).has_value();
+  heldSystem_ = editor.library_.held(liveAt(tools.systemKey()));
+  isSystemNew_ = !heldSystem_ || !tools.systemDamage().empty();
   const unsigned device = system_.system->utility.values()[SystemModel::kDeviceNumber];
   setUtility(tools, SystemModel::kReceiveBulk, 1);
   if (devices == Devices::any)
     setUtility(tools, SystemModel::kDeviceNumber, CMA::DeviceNumber_All);
   else if (device == unsigned(CMA::DeviceNumber_Off))
     setUtility(tools, SystemModel::kDeviceNumber, 0);
-  if (access == Library::Transaction::Access::Write) saveLive(tools);
+  if (access == Library::Transaction::Access::Write) {
+    // What the messages bring may replace damaged system settings.
+    if (!tools.systemDamage().empty() && !tools.replaceSystem(tools.liveSystem()))
+      throw LibraryError(LibraryError::Kind::Failed, tools.lastError());
+    saveLive(tools);
+  }
   editor.handover_.beginRun();
 }
 
@@ -73,8 +79,7 @@ void EmbeddedEditor::Run::settle() {
     setUtility(tools, parameter, std::uint8_t(system_.system->utility.values()[parameter]));
   saveLive(tools);
   // What only this run has stored is no change.
-  if (!wasSystemStored_ && tools.liveSystem() == system_)
-    editor_.library_.putBack(liveAt(tools.systemKey()), std::nullopt);
+  if (isSystemNew_ && tools.liveSystem() == system_) editor_.library_.putBack(liveAt(tools.systemKey()), heldSystem_);
 }
 
 void EmbeddedEditor::Run::commit() {

@@ -89,8 +89,9 @@ class EmbeddedEditor {
    private:
     EmbeddedEditor& editor_;
     std::optional<Library::Transaction> transaction_;
-    ModelSet system_;  // as it was
-    bool wasSystemStored_ = false;
+    ModelSet system_;                 // as it was
+    std::optional<Held> heldSystem_;  // what the library holds of it
+    bool isSystemNew_ = false;        // for nothing is stored, or what is stored is damaged
   };
 
  private:

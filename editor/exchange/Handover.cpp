@@ -1,5 +1,6 @@
 #include "exchange/Handover.h"
 
+#include "AddressRows.h"
 #include "exchange/Outcome.h"
 #include "models/LiveKeys.h"
 
@@ -122,6 +123,19 @@ void Handover::hand(Handed& handed, const Reading& reading, std::span<const std:
   handed.libraryFailed = library_.failureCount() != failures;
   handed.storeError = work_.takeError();
   if (handed.storeError.empty() && hasFailed(handed)) handed.storeError = host_.tools().lastError();
+  if (!handed.storeError.empty()) return;
+  handed.storeError = damageAt(reading);
+  if (!handed.storeError.empty()) handed.sent.clear();
+}
+
+// Damaged live models are neither sent, as if they were new, nor changed in part.
+std::string Handover::damageAt(const Reading& reading) const {
+  const EditorJobTools& tools = host_.tools();
+  if (reading.role == Role::alone && BDA::listOf(reading.address->hi) == std::size_t(BDA::List::system))
+    return tools.systemDamage();
+  if (reading.role != Role::header || reading.kind != Reading::Kind::request) return {};
+  const std::optional<EditBuffer> buffer = editBufferOf(reading.address->mid);
+  return buffer ? tools.damage(*buffer, reading.address->lo) : std::string();
 }
 
 // Another program may have changed the live models, but not while a run holds the library; and whoever uses this editor

@@ -54,6 +54,7 @@ class Handover {
                   const std::set<ContentId>& nameless);
   Handed handRequest(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
   void hand(Handed& handed, const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
+  std::string damageAt(const Reading& reading) const;
   void seeWhatOthersChanged();
   std::optional<std::string> nameOfEditBuffer(BulkAddress footer);
   void leaveNameless(std::size_t firstChange, const std::set<ContentId>& nameless);

@@ -48,7 +48,7 @@ class MessageFile {
   void readMidi();
 
   std::vector<std::uint8_t> file_;
-  bool isText_ = false;
+  bool isText_;
   std::vector<Byte> bytes_;
   std::vector<std::vector<std::uint8_t>> messages_;
 };

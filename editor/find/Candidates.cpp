@@ -42,7 +42,12 @@ void forEachCandidate(EmbeddedEditor& editor, EditBuffers buffers, const std::fu
   }
   if (buffers == EditBuffers::leftOut) return;
   for (const Target& target : storedLive(editor))
-    if (target.kind == Target::Kind::editBuffer) visit(candidateOf(editor, target));
+    if (target.kind == Target::Kind::editBuffer) {
+      if (damageOf(editor.tools(), target).empty())
+        visit(candidateOf(editor, target));
+      else
+        visitDamaged(target.name);
+    }
 }
 
 std::optional<Candidate> findCandidate(EmbeddedEditor& editor, ContentId id) {

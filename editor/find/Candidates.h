@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "exchange/EmbeddedEditor.h"
-#include "find/ContentKind.h"
+#include "targets/ContentKind.h"
 #include "targets/Targets.h"
 
 namespace Editor {

@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "find/ContentKind.h"
 #include "find/ModelValues.h"
 #include "names/ParameterNames.h"
+#include "targets/ContentKind.h"
 
 namespace Editor {
 

@@ -1,5 +1,7 @@
 #include "find/FileCandidates.h"
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <set>
 #include <utility>
@@ -21,12 +23,8 @@ struct FileReceiver::Judged {
   explicit Judged(std::span<const FileMessage> all) : messages(all) {
     UnitFollower follower;
     const auto keep = [&](std::vector<UnitReport> ended) {
-      for (UnitReport& unit : ended) {
-        if (unit.state == UnitReport::State::outside) isOutside[unit.lastMessage] = true;
-        units.push_back(std::move(unit));
-      }
+      std::move(ended.begin(), ended.end(), std::back_inserter(units));
     };
-    isOutside.resize(messages.size());
     readings.reserve(messages.size());
     for (const FileMessage& message : messages) {
       readings.push_back(readMessage(message.bytes));
@@ -35,30 +33,17 @@ struct FileReceiver::Judged {
     keep(follower.finish());
   }
 
-  // Whether that message brings something to a unit that it lies in.
-  bool belongsTo(const UnitReport& unit, std::size_t at) const {
-    const Reading& reading = readings[at];
-    if (reading.kind != Reading::Kind::dump || isBroken(reading) || isOutside[at]) return false;
-    if (unit.state == UnitReport::State::written)
-      return reading.role == Role::fileDump || reading.role == Role::trigger;
-    return reading.role == Role::header || reading.role == Role::part || reading.role == Role::footer;
-  }
-
   // Of the file dumps that its trigger wrote: by content the message that counts, the last.
   std::map<ContentId, std::size_t> dumpsOf(const UnitReport& unit) const {
     std::map<ContentId, std::size_t> dumps;
     if (unit.state != UnitReport::State::written) return dumps;
-    for (std::size_t at = unit.firstMessage; at < unit.lastMessage; ++at) {
-      if (!belongsTo(unit, at)) continue;
-      const BulkAddress address = *readings[at].address;
-      if (const auto content = contentOfFileDump({address.mid, address.lo})) dumps[canonical(*content)] = at;
-    }
+    for (const std::uint64_t at : unit.messages)
+      if (const auto content = contentNamedBy(*readings[at].address)) dumps[canonical(*content)] = at;
     return dumps;
   }
 
   std::span<const FileMessage> messages;
   std::vector<Reading> readings;
-  std::vector<bool> isOutside;    // a block that its open unit does not admit
   std::vector<UnitReport> units;  // their messages counted from 0
 };
 
@@ -91,8 +76,7 @@ FileContents FileReceiver::receive(std::span<const FileMessage> messages, EditBu
 
 void FileReceiver::take(const Judged& judged, const UnitReport& unit, FileContents& found) {
   bool isRefused = false;
-  for (std::size_t at = unit.firstMessage; at <= unit.lastMessage; ++at) {
-    if (!judged.belongsTo(unit, at)) continue;
+  for (const std::uint64_t at : unit.messages) {
     const Record record = editor_.handle(judged.readings[at], judged.messages[at].bytes, BDA::DevicePort_Main, at);
     isRefused = isRefused || record.outcome == Outcome::refused;
     if (at == unit.lastMessage) takeStored(judged, unit, record, found);

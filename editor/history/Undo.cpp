@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "contents/ContentFormat.h"
-#include "models/LiveKeys.h"
+#include "contents/PartVoices.h"
 
 namespace Editor {
 
@@ -11,21 +10,6 @@ namespace {
 
 bool isAsLeft(const std::optional<Held>& held, const RecordedChange& change) {
   return held ? change.checksumAfter == held->checksum && isWhole(*held) : !change.checksumAfter;
-}
-
-// A forced undo may bring back a multi without the voices of its parts: those of the other kind go, as they do when any
-// multi comes.
-void dropMisfits(Library& library) {
-  const std::string multiKey = liveKeyOf(EditBuffer::multi);
-  ModelSet multi = shapesOfLiveKey(multiKey).front();
-  if (const std::optional<Library::Bytes> bytes = library.live(multiKey); bytes && decodeContent(*bytes, multi)) return;
-  for (std::uint8_t part = 0; part < kParts; ++part) {
-    const std::string key = liveKeyOf(EditBuffer::partVoice, part);
-    const std::optional<Library::Bytes> bytes = library.live(key);
-    ModelSet voice;
-    voice.voice.emplace(EditorJobTools::playsDrums(*multi.multi, part));
-    if (bytes && decodeContent(*bytes, voice)) library.putBack(liveAt(key), std::nullopt);
-  }
 }
 
 // The one that is named, or else the newest that is no undo and not undone.
@@ -61,7 +45,7 @@ Undone undo(EmbeddedEditor& editor, std::optional<std::int64_t> entry, Force for
   library.beginRun({"undo", {}, undone.entry, isRenaming});
   library.openEntry();
   for (const RecordedChange& change : changes) library.putBack(change.place, change.before);
-  dropMisfits(library);
+  dropMisfits(library);  // a forced undo may bring back a multi without the voices of its parts
   undone.changes = changesOfRun(library);
   editor.tools().reload();
   return undone;

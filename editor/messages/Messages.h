@@ -49,10 +49,12 @@ Reading readMessage(std::span<const std::uint8_t> message);
 
 // The request of that address, for an instrument with that device number (0 to 15).
 std::vector<std::uint8_t> requestMessage(BulkAddress address, std::uint8_t device = 0);
-// The write trigger for such an instrument.
-
-// The dump of that block with that data, for an instrument with that device number (0 to 15).
+// The dump of that block with that data, for such an instrument.
 std::vector<std::uint8_t> dumpMessage(BulkAddress address, std::span<const std::uint8_t> data, std::uint8_t device = 0);
+// The trigger that has the file dumps before it written, and removes nothing.
+inline std::vector<std::uint8_t> writeTrigger(std::uint8_t device = 0) {
+  return dumpMessage(kWriteTrigger, {}, device);
+}
 
 const char* wordOf(Reading::Kind kind);
 const char* wordOf(Reading::Verdict verdict);

@@ -29,7 +29,7 @@ OpenUnit::OpenUnit(BulkAddress header, std::uint64_t message) : header_(header),
 
 void OpenUnit::expect(std::size_t list) {
   BDA::forEachAddress(BDA::kParameterRows, [&](const BDA::AddressRow& row, std::uint8_t mid, std::uint8_t lo) {
-    if (BDA::listOf(row.hi) == list) blocks_.push_back({{row.hi, mid, lo}, false});
+    if (BDA::listOf(row.hi) == list) blocks_.push_back({{row.hi, mid, lo}, false, 0});
   });
 }
 
@@ -37,7 +37,7 @@ void OpenUnit::expectVoice(bool isDrum) {
   if (blocks_.empty()) expect(std::size_t(isDrum ? BDA::List::drumVoice : BDA::List::normalVoice));
 }
 
-bool OpenUnit::arrive(BulkAddress block) {
+bool OpenUnit::arrive(BulkAddress block, std::uint64_t message) {
   const std::size_t list = BDA::listOf(block.hi);
   const bool isVoiceBlock = isList(list, BDA::List::normalVoice) || isList(list, BDA::List::drumVoice);
   if (blocks_.empty() && isVoiceBlock) expect(list);
@@ -45,6 +45,7 @@ bool OpenUnit::arrive(BulkAddress block) {
       std::find_if(blocks_.begin(), blocks_.end(), [&](const Block& expected) { return expected.address == block; });
   if (found == blocks_.end()) return false;
   found->arrived = true;
+  found->message = message;
   return true;
 }
 
@@ -62,6 +63,14 @@ std::vector<BulkAddress> OpenUnit::missing() const {
   for (const Block& block : blocks_)
     if (!block.arrived) missing.push_back(block.address);
   return missing;
+}
+
+std::vector<std::uint64_t> OpenUnit::messages() const {
+  std::vector<std::uint64_t> messages{firstMessage_};
+  for (const Block& block : blocks_)
+    if (block.arrived) messages.push_back(block.message);
+  std::sort(messages.begin(), messages.end());
+  return messages;
 }
 
 std::vector<UnitReport> UnitFollower::next(const Reading& reading, std::uint64_t message) {
@@ -130,7 +139,7 @@ void UnitFollower::dump(const Reading& reading) {
 
 void UnitFollower::part(const Reading& reading) {
   const BulkAddress address = *reading.address;
-  if (!open_ || !open_->arrive(address))
+  if (!open_ || !open_->arrive(address, message_))
     report(UnitReport::State::outside, address);
   else if (reading.verdict != Reading::Verdict::good)
     abandon(describeAddress(address) + " of the wrong length");
@@ -144,6 +153,8 @@ void UnitFollower::footer(BulkAddress address, unsigned device) {
   report(missing.empty() ? UnitReport::State::complete : UnitReport::State::incomplete, open_->header());
   ended_.back().firstMessage = open_->firstMessage();
   ended_.back().blocks = std::move(missing);
+  ended_.back().messages = open_->messages();
+  ended_.back().messages.push_back(message_);
   openDevices_.insert(device);
   ended_.back().note = noteOf(openDevices_);
   open_.reset();
@@ -166,13 +177,14 @@ void UnitFollower::fileDump(const Reading& reading) {
     supersede(*same, "that");
     same->message = message_;
     same->removes = reading.removes;
+    same->isBroken = isBroken(reading);
   } else {
     // A mixing voice of the first multi has two addresses. Both are written, in the order in which they came to be
     // held.
     const auto content = contentOfFileDump({address.mid, address.lo});
     for (const HeldFileDump& dump : held_)
       if (contentOfFileDump({dump.address.mid, dump.address.lo}) == content) supersede(dump, nameOrBytes(address));
-    held_.push_back({address, message_, reading.removes});
+    held_.push_back({address, message_, reading.removes, isBroken(reading)});
   }
   heldDevices_.insert(*reading.device);
 }
@@ -197,12 +209,22 @@ void UnitFollower::report(UnitReport::State state, BulkAddress address) {
 
 UnitReport UnitFollower::endHeld(UnitReport::State state, BulkAddress address) {
   UnitReport ended{state, held_.empty() ? message_ : firstHeld_, message_, address, {}, {}};
+  std::string unwritten;
   for (const HeldFileDump& dump : held_) {
+    if (state == UnitReport::State::written && dump.isBroken) {
+      unwritten += fmt::format("{} {} of message {}", unwritten.empty() ? "broken and not written:" : ",",
+                               nameOrBytes(dump.address), dump.message);
+      continue;
+    }
     ended.blocks.push_back(dump.address);
-    if (state == UnitReport::State::written && dump.removes) ended.removes.push_back(*dump.removes);
+    if (state != UnitReport::State::written) continue;
+    ended.messages.push_back(dump.message);
+    if (dump.removes) ended.removes.push_back(*dump.removes);
   }
+  if (state == UnitReport::State::written) ended.messages.push_back(message_);
   ended.note = noteOf(heldDevices_);
-  if (!superseded_.empty()) ended.note += (ended.note.empty() ? "" : "; ") + superseded_;
+  for (const std::string& note : {superseded_, unwritten})
+    if (!note.empty()) ended.note += (ended.note.empty() ? "" : "; ") + note;
   held_.clear();
   heldDevices_.clear();
   superseded_.clear();

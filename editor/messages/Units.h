@@ -20,17 +20,20 @@ class OpenUnit {
 
   // Which kind of voice the part of a multi takes, where that is known before its blocks come.
   void expectVoice(bool isDrum);
-  // False when the header does not admit the block.
-  bool arrive(BulkAddress block);
+  // False when the header does not admit the block. `message` is the number under which messages() has it.
+  bool arrive(BulkAddress block, std::uint64_t message = 0);
   bool isClosedBy(BulkAddress footer) const;
   // The blocks that did not arrive, in table order. The voice of a multi part is a normal or a drum voice as its first
   // block tells; without any, those of a normal voice are missing.
   std::vector<BulkAddress> missing() const;
+  // The header and the blocks that arrived, in their order; of a block that came twice the last.
+  std::vector<std::uint64_t> messages() const;
 
  private:
   struct Block {
     BulkAddress address;
     bool arrived;
+    std::uint64_t message;
   };
   void expect(std::size_t list);
 
@@ -57,10 +60,14 @@ struct UnitReport {
   std::uint64_t firstMessage = 0;
   std::uint64_t lastMessage = 0;
   BulkAddress address{};                // of the header, the block, the footer, the trigger or the refused file dump
-  std::vector<BulkAddress> blocks;      // incomplete and open: those missing; file dumps: those it is about
+  std::vector<BulkAddress> blocks;      // incomplete and open: those missing; file dumps: those it is about, when they
+                                        // are written without the broken ones, which are not
   std::string cause;                    // abandoned: by what
-  std::string note = {};                // what is odd about one that is whole
+  std::string note = {};                // what is odd about one that is whole, or was not written
   std::vector<ContentId> removes = {};  // written: what the file dumps without data among them removed
+  // Complete and incomplete: what it is made of, of a block that came twice the last. Written: the file dumps, and the
+  // trigger. Only a UnitFollower says so.
+  std::vector<std::uint64_t> messages = {};
 };
 
 const char* wordOf(UnitReport::State state);
@@ -83,6 +90,7 @@ class UnitFollower {
     BulkAddress address;
     std::uint64_t message;
     std::optional<ContentId> removes;
+    bool isBroken;  // the instrument holds it all the same, and finds out when it should write it
   };
   void dump(const Reading& reading);
   void footer(BulkAddress address, unsigned device);

@@ -4,6 +4,8 @@
 #include <array>
 #include <string_view>
 
+#include "midi/HexText.h"
+
 namespace Editor {
 
 namespace {
@@ -48,7 +50,7 @@ constexpr std::array kMagics{
     Magic{4, "ftyp"sv, "an MPEG-4 film or sound"},
     Magic{0, "RIFF"sv, "a RIFF file without MIDI"},
     Magic{0, "MThd"sv, "a Standard MIDI File without System Exclusive that can be read"},
-    Magic{0, "\xEF\xBB\xBF"sv, "text"},  // the mark before UTF-8
+    Magic{0, kUtf8Mark, "text"},
     Magic{0, "#!"sv, "a script"},
     Magic{0, "<!DOCTYPE"sv, "a web page"},
     Magic{0, "<html"sv, "a web page"},
@@ -68,11 +70,30 @@ bool fits(const Magic& magic, std::span<const std::uint8_t> first) {
                     [](char expected, std::uint8_t byte) { return static_cast<std::uint8_t>(expected) == byte; });
 }
 
+// A comment, or digits in pairs; the last pair may be cut.
+bool isHexText(std::span<const std::uint8_t> first) {
+  constexpr std::string_view kDigits = "0123456789ABCDEFabcdef";
+  std::string_view text(reinterpret_cast<const char*>(first.data()), std::min(first.size(), kMidiKindBytes));
+  if (text.starts_with(kUtf8Mark)) return true;
+  text.remove_prefix(std::min(text.find_first_not_of(kHexBlanks), text.size()));
+  if (text.empty()) return false;
+  while (!text.empty() && text.front() != '#') {
+    const std::size_t digits = std::min(text.find_first_not_of(kDigits), text.size());
+    if (digits % 2 != 0 && digits < text.size()) return false;
+    text.remove_prefix(digits);
+    const std::size_t blanks = std::min(text.find_first_not_of(kHexBlanks), text.size());
+    if (digits + blanks == 0) return false;
+    text.remove_prefix(blanks);
+  }
+  return true;
+}
+
 }  // namespace
 
 MidiKind midiKindOf(std::span<const std::uint8_t> first) {
   if (fits({0, "MThd", nullptr}, first)) return MidiKind::standard;
-  return fits({0, "RIFF", nullptr}, first) ? MidiKind::riff : MidiKind::stream;
+  if (fits({0, "RIFF", nullptr}, first)) return MidiKind::riff;
+  return isHexText(first) ? MidiKind::text : MidiKind::stream;
 }
 
 std::string describeFile(std::span<const std::uint8_t> first) {

@@ -11,6 +11,7 @@ enum class MidiKind : std::uint8_t {
   stream,    // raw MIDI bytes, .syx
   standard,  // a Standard MIDI File, "MThd"
   riff,      // one in a RIFF container, "RIFF"
+  text,      // bytes as two hex digits each, or a comment: see HexText.h
 };
 inline constexpr std::size_t kMidiKindBytes = 4;
 MidiKind midiKindOf(std::span<const std::uint8_t> first);

@@ -6,15 +6,14 @@ namespace {
 
 constexpr std::string_view kDigits = "0123456789ABCDEF";
 
-// The value of a digit, or -1.
-int digit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return -1;
-}
-
 }  // namespace
+
+std::optional<unsigned> hexDigit(char c) {
+  if (c >= '0' && c <= '9') return unsigned(c - '0');
+  if (c >= 'A' && c <= 'F') return unsigned(c - 'A' + 10);
+  if (c >= 'a' && c <= 'f') return unsigned(c - 'a' + 10);
+  return std::nullopt;
+}
 
 std::string formatHex(std::span<const std::uint8_t> bytes) {
   std::string text;
@@ -31,10 +30,10 @@ std::optional<std::vector<std::uint8_t>> parseHex(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r\n";
   std::vector<std::uint8_t> bytes;
   for (std::size_t at = text.find_first_not_of(kBlanks); at < text.size(); at = text.find_first_not_of(kBlanks, at)) {
-    const int high = digit(text[at++]);
-    const int low = at < text.size() ? digit(text[at++]) : -1;
-    if (high < 0 || low < 0) return std::nullopt;
-    bytes.push_back(static_cast<std::uint8_t>(high * 16 + low));
+    const std::optional<unsigned> high = hexDigit(text[at++]);
+    const std::optional<unsigned> low = at < text.size() ? hexDigit(text[at++]) : std::nullopt;
+    if (!high || !low) return std::nullopt;
+    bytes.push_back(static_cast<std::uint8_t>(*high * 16 + *low));
   }
   return bytes;
 }

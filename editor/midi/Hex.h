@@ -9,6 +9,9 @@
 
 namespace Editor {
 
+// The value of a hex digit, in either case; nothing when it is none.
+std::optional<unsigned> hexDigit(char c);
+
 // "F0 7D .. F7": upper case, one blank between bytes.
 std::string formatHex(std::span<const std::uint8_t> bytes);
 

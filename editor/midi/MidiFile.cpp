@@ -262,7 +262,7 @@ std::optional<Bytes> standardFileIn(Bytes riff, MidiFile& file) {
 MidiFile readMidiFile(std::span<const std::uint8_t> file) {
   MidiFile result;
   const MidiKind kind = midiKindOf(file);
-  result.standard = kind != MidiKind::stream;
+  result.standard = kind == MidiKind::standard || kind == MidiKind::riff;
   if (kind == MidiKind::riff) {
     if (const std::optional<Bytes> inner = standardFileIn(file, result)) StandardReader(file, *inner, result).read();
   } else if (kind == MidiKind::standard) {

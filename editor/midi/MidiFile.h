@@ -41,7 +41,10 @@ struct MidiFile {
   std::unique_ptr<std::uint8_t[]> arena;  // holds the messages, so that none costs an allocation of its own
 };
 
-// Reads a whole file, recognised by its content (MidiKind).
+// One that is larger is not read: it is in memory as a whole.
+inline constexpr std::size_t kLargestMidiFile = 64'000'000;
+
+// Reads a whole file, recognised by its content (MidiKind); text is to it a stream like any other.
 //
 // Of a Standard MIDI File the System Exclusive events count: F0 events, F7 events that continue a message, and whole
 // messages in F7 events; anything else that F7 events carry is dropped. Between the parts of one message only meta

@@ -171,24 +171,35 @@ void EditorJobTools::watch(std::size_t unit) {
 }
 
 void EditorJobTools::reload() {
-  std::array<ModelSet, kUnitCount> read;
+  using Loaded = ContentStore::Loaded;
+  struct Read {
+    ModelSet models;
+    std::string damage;
+  };
+  std::array<Read, kUnitCount> read;
   const auto load = [&](std::size_t unit, ModelSet fresh) {
     std::string why;
-    const ContentStore::Loaded result = store_.loadLive(units_[unit].key, fresh, why);
-    if (result != ContentStore::Loaded::ok && result != ContentStore::Loaded::empty)
+    const Loaded result = store_.loadLive(units_[unit].key, fresh, why);
+    if (result == Loaded::failed)
       throw LiveModelError("the live models \"" + units_[unit].key + "\" cannot be read: " + why);
-    read[unit] = std::move(fresh);
+    read[unit] = {std::move(fresh), result == Loaded::opaque ? "what is stored there is damaged: " + why : ""};
   };
   for (const EditBuffer buffer : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
                                   EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
     load(unitOf(buffer, 0), freshSet(buffer));
   load(kSystem, freshSystem());
   load(kAdditional, freshAdditional());
-  for (std::size_t part = 0; part < kParts; ++part)
-    load(kFirstPart + part, freshVoice(playsDrums(*read[kMulti].multi, part)));
+  for (std::size_t part = 0; part < kParts; ++part) {
+    const std::size_t unit = kFirstPart + part;
+    const bool drum = playsDrums(*read[kMulti].models.multi, part);
+    load(unit, freshVoice(drum));
+    // The bank that says what the part plays is damaged itself.
+    if (!read[kMulti].damage.empty() && !read[unit].damage.empty()) load(unit, freshVoice(!drum));
+  }
 
   for (std::size_t unit = 0; unit < kUnitCount; ++unit) {
-    units_[unit].models = std::move(read[unit]);
+    units_[unit].models = std::move(read[unit].models);
+    units_[unit].damage = std::move(read[unit].damage);
     units_[unit].isChanged = false;
   }
   for (std::size_t unit = 0; unit < kUnitCount; ++unit) watch(unit);
@@ -196,6 +207,11 @@ void EditorJobTools::reload() {
 
 const ModelSet& EditorJobTools::live(EditBuffer buffer, std::uint8_t part) const {
   return units_[unitOf(buffer, part)].models;
+}
+
+const std::string& EditorJobTools::damage(EditBuffer buffer, std::uint8_t part) const {
+  const std::string& own = units_[unitOf(buffer, part)].damage;
+  return own.empty() && buffer == EditBuffer::partVoice ? units_[kMulti].damage : own;
 }
 
 bool EditorJobTools::replaceLive(EditBuffer buffer, std::uint8_t part, const ModelSet& models) {
@@ -221,17 +237,21 @@ bool EditorJobTools::replace(std::vector<Replacement> replacements) {
         replacements.push_back({kFirstPart + part, freshVoice(drum)});
     }
   if (!save(replacements)) return false;
-  for (const Replacement& replacement : replacements) units_[replacement.unit].models = replacement.models;
+  for (const Replacement& replacement : replacements) {
+    units_[replacement.unit].models = replacement.models;
+    units_[replacement.unit].damage.clear();
+  }
   for (Unit& unit : units_) unit.isChanged = false;
   return true;
 }
 
 // Stores all live models that changed, the replacements in their place. The kinds of the part voices follow the multi:
-// they are always stored together, so that what is stored agrees even when several programs write it.
+// they are always stored together, so that what is stored agrees even when several programs write it. What is damaged
+// is stored when it is replaced: what stands for it here is not what it was.
 bool EditorJobTools::save(const std::vector<Replacement>& replacements) {
   std::array<const ModelSet*, kUnitCount> models{};
   for (std::size_t unit = 0; unit < kUnitCount; ++unit)
-    if (units_[unit].isChanged) models[unit] = &units_[unit].models;
+    if (units_[unit].isChanged && units_[unit].damage.empty()) models[unit] = &units_[unit].models;
   for (const Replacement& replacement : replacements) models[replacement.unit] = &replacement.models;
 
   const auto isOfMulti = [](std::size_t unit) { return unit == kMulti || unit >= kFirstPart; };
@@ -240,7 +260,8 @@ bool EditorJobTools::save(const std::vector<Replacement>& replacements) {
 
   std::vector<ContentStore::LiveModels> live;
   for (std::size_t unit = 0; unit < kUnitCount; ++unit) {
-    if (multi && isOfMulti(unit) && models[unit] == nullptr) models[unit] = &units_[unit].models;
+    if (multi && isOfMulti(unit) && models[unit] == nullptr && units_[unit].damage.empty())
+      models[unit] = &units_[unit].models;
     if (models[unit] != nullptr) live.push_back({units_[unit].key, models[unit]});
   }
   return live.empty() || store_.storeLive(live, error_);
@@ -256,7 +277,7 @@ bool EditorJobTools::saveChanged(std::vector<std::string>& saved) {
   error_.clear();
   if (!save({})) return false;
   for (Unit& unit : units_)
-    if (std::exchange(unit.isChanged, false)) saved.push_back(unit.key);
+    if (std::exchange(unit.isChanged, false) && unit.damage.empty()) saved.push_back(unit.key);
   return true;
 }
 
@@ -393,6 +414,10 @@ unsigned long EditorJobTools::storeForReceivedSysExBulk(CMA::TemporaryCoreModel*
 unsigned long EditorJobTools::storeLive(EditBuffer buffer, std::uint8_t part, const ModelSet& models) {
   std::vector<Replacement> replacements;
   if (buffer == EditBuffer::partVoice) {
+    if (!units_[kMulti].damage.empty()) {
+      error_ = "the multi that it plays in is damaged";
+      return CMA::JOB::Result_UnknownError;
+    }
     ModelSet multi = units_[kMulti].models;
     multi.multi->reverb = models.multi->reverb;
     multi.multi->reverbSettings = models.multi->reverbSettings;

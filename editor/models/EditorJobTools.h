@@ -12,7 +12,7 @@
 
 namespace Editor {
 
-// Live models that cannot be read from the store: going on would overwrite them.
+// The store failed while the live models were read.
 class LiveModelError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -24,6 +24,9 @@ class LiveModelError : public std::runtime_error {
 // sixteen part voices), the performance, the master and the remote setting; the system settings and the additional
 // parameters are always live. The set that the last checked address named is "the live one". All of them are kept in
 // the store between two runs.
+//
+// Live models that are damaged in the store keep nobody from the others: here they are as new, damage() says that they
+// are not what is stored, and what is stored stays until they are replaced as a whole.
 class EditorJobTools final : public CMA::JobTools {
  public:
   // Loads the live models. The store and the manager, which may be null, outlive this object. Throws LiveModelError.
@@ -43,6 +46,12 @@ class EditorJobTools final : public CMA::JobTools {
   const std::string& additionalKey() const { return units_[kAdditional].key; }
   const ModelSet& liveSystem() const { return units_[kSystem].models; }
   const ModelSet& liveAdditional() const { return units_[kAdditional].models; }
+  // Why they could not be read when they were last loaded; empty when they could. In place of what is damaged stand new
+  // models, which are nobody's: whoever shows, sends or changes them asks first. `part` as for live(); the voice of a
+  // part is damaged with its multi, whose effects it uses.
+  const std::string& damage(EditBuffer buffer, std::uint8_t part = 0) const;
+  const std::string& systemDamage() const { return units_[kSystem].damage; }
+  const std::string& additionalDamage() const { return units_[kAdditional].damage; }
   // Whether that part of a multi plays a drum voice: its bank says so.
   static bool playsDrums(const MultiModel& multi, std::size_t part);
   // The edit buffer whose models the getters hand out.
@@ -55,8 +64,8 @@ class EditorJobTools final : public CMA::JobTools {
   bool replaceSystem(const ModelSet& models);
   bool replaceAdditional(const ModelSet& models);
 
-  // Saves the live models that were changed since they were last saved and adds their keys to `saved`. False, with
-  // nothing saved and lastError() set, when the store fails: they still count as changed.
+  // Saves the live models that were changed since they were last saved, but for damaged ones, and adds their keys to
+  // `saved`. False, with nothing saved and lastError() set, when the store fails: they still count as changed.
   bool saveChanged(std::vector<std::string>& saved);
   // Forgets what is not saved and reads all live models anew: after a transaction around a save was taken back, or
   // another program changed the store. Throws LiveModelError, nothing is changed then.
@@ -132,6 +141,7 @@ class EditorJobTools final : public CMA::JobTools {
   struct Unit final : ChangeWatcher {
     std::string key;
     ModelSet models;
+    std::string damage;      // why what is stored cannot be read; empty when it can
     bool isChanged = false;  // since it was last saved
     std::uint64_t changeCount = 0;
 

@@ -56,9 +56,7 @@ std::vector<BulkAddress> blocksOf(BulkAddress address, const Pieces& pieces) {
 }
 
 void Captures::add(Piece piece) {
-  if (piece.source != source_) endSource();
-  source_ = piece.source;
-  message_ = piece.number;
+  enter(piece.source);
   Reading reading = readMessage(piece.bytes);
   if (corrects_ && reading.verdict == Reading::Verdict::checksumWrong) {
     Piece corrected = piece;
@@ -69,75 +67,70 @@ void Captures::add(Piece piece) {
       reading = std::move(again);
     }
   }
-  const bool hadRun = run_.has_value();
-  const std::vector<UnitReport> ended = follower_.next(reading, message_);
-  const bool isAbandoned =
-      std::ranges::any_of(ended, [](const UnitReport& unit) { return unit.state == UnitReport::State::abandoned; });
-  if (isAbandoned) endRun();
-  if (!isBroken(reading))
-    take(std::move(piece), reading, ended);
-  else if (reading.block)
-    takeBroken(reading, piece.source, hadRun);
-  else if (!hadRun)
-    ++unknown_;
+  if (isBroken(reading))
+    takeBroken(reading);
+  else
+    take(std::move(piece), reading);
 }
 
 void Captures::addFragment(std::size_t source, std::span<const std::uint8_t> beginning) {
-  if (source != source_) endSource();
-  source_ = source;
+  enter(source);
   constexpr std::size_t kMaker = 1;
-  if (beginning.size() > kMaker && beginning[kMaker] != BDA::kMakerId) return;
+  if (beginning.size() > kMaker && beginning[kMaker] != BDA::kMakerId) return breakRun();
   Reading reading;
   if (beginning.size() >= BDA::kDataAt) {
     std::vector<std::uint8_t> message(beginning.begin(), beginning.end());
     message.resize(std::max(message.size() + 1, BDA::kDumpFrame));
     message.back() = BDA::kEndOfExclusive;
     reading = readMessage(message);
-    if (reading.kind == Reading::Kind::foreign) return;
+    if (reading.kind == Reading::Kind::foreign) return breakRun();
+    if (reading.kind != Reading::Kind::dump) reading.block.reset();
     reading.verdict = Reading::Verdict::lengthWrong;
   }
-  if (reading.kind == Reading::Kind::dump && reading.block)
-    takeBroken(reading, source, run_.has_value());
-  else if (!run_)
-    ++unknown_;
+  takeBroken(reading);
 }
 
-void Captures::endSource() {
-  endRun();
-  follower_ = UnitFollower();
+void Captures::addLoose(std::size_t source) {
+  enter(source);
+  breakRun();
 }
 
-void Captures::take(Piece piece, const Reading& reading, const std::vector<UnitReport>& ended) {
-  if (reading.kind == Reading::Kind::request) endRun();
-  if (reading.kind != Reading::Kind::dump)
-    return leaveOut(piece, reading.kind == Reading::Kind::foreign ? "for another instrument" : "no dump");
-  const unsigned device = *reading.device;
+void Captures::enter(std::size_t source) {
+  if (source != source_) endRun();
+  source_ = source;
+}
+
+// A dump is one run of messages, but a damaged one of them may seem to be of another kind.
+void Captures::take(Piece piece, const Reading& reading) {
+  if (reading.kind == Reading::Kind::dump) return takeDump(std::move(piece), reading);
+  reading.kind == Reading::Kind::request ? endRun() : breakRun();
+  leaveOut(piece, reading.kind == Reading::Kind::foreign ? "for another instrument" : "no dump");
+}
+
+void Captures::takeDump(Piece piece, const Reading& reading) {
+  const bool isOfUnit = reading.role == Role::header || reading.role == Role::part || reading.role == Role::footer;
+  if (!isOfUnit) endRun();
   switch (reading.role) {
     case Role::header:
-      begin(piece.source, piece.number, *reading.address);
+      begin(*reading.address);
       run_->isSure = true;
-      run_->capture.devices = {device};
+      run_->capture.device = *reading.device;
       run_->capture.pieces.emplace(*reading.address, std::move(piece));
       return;
     case Role::part:
       return takePart(std::move(piece), reading);
     case Role::footer:
-      return takeFooter(std::move(piece), reading, std::ranges::any_of(ended, [&](const UnitReport& unit) {
-                          return unit.state == UnitReport::State::complete && run_ &&
-                                 unit.firstMessage == run_->firstMessage;
-                        }));
+      return takeFooter(std::move(piece), reading);
     case Role::fileDump:
       if (!isWritableFileDump(*reading.address)) return leaveOut(piece, "no instrument stores it");
       if (reading.removes) return leaveOut(piece, "it would have what stands in its place removed");
-      return addSingle(placeOf(*reading.address), source_, std::move(piece), device);
+      return addSingle(placeOf(*reading.address), std::move(piece), *reading.device);
     case Role::trigger:
-      endRun();
       triggers_.push_back(std::move(piece));
       return;
     case Role::alone:
-      endRun();
       if (!isStoredAlone(*reading.address)) return leaveOut(piece, "no instrument stores it");
-      return addSingle(*reading.address, source_, std::move(piece), device);
+      return addSingle(*reading.address, std::move(piece), *reading.device);
     case Role::emptyHeader:
     case Role::emptyFooter:
       return leaveOut(piece, "it would have a mixing voice removed");
@@ -146,62 +139,75 @@ void Captures::take(Piece piece, const Reading& reading, const std::vector<UnitR
   }
 }
 
-// What it claims to be has been there. Only header and footer of one claim make it sure.
-void Captures::takeBroken(const Reading& reading, std::size_t source, bool isOfRun) {
-  const BulkAddress address = *reading.address;
-  if (!isPlausible(reading)) {
+// What it claims to be has been there. Only header and footer of one claim make it sure. Inside of a unit it is what
+// that one lacks, unless it claims to be something else.
+void Captures::takeBroken(const Reading& reading) {
+  const bool isOfRun = run_.has_value();
+  if (!reading.block || !isPlausible(reading)) {
     if (!isOfRun) ++unknown_;
-    return;
+    return breakRun();
   }
+  const BulkAddress address = *reading.address;
   switch (reading.role) {
     case Role::header:
-      begin(source, message_, address);
-      run_->capture.devices = {*reading.device};
+      begin(address);
+      run_->capture.device = *reading.device;
       return;
     case Role::part:
-      if (run_) return;
-      begin(source, message_);
+      begin();
       run_->goesOn = isOfRun;
       return;
     case Role::footer:
-      return claimFooter(address, source);
+      return claimFooter(address);
     case Role::fileDump:
-      if (isWritableFileDump(address)) addSingle(placeOf(address), source, std::nullopt, *reading.device);
+      breakRun();
+      if (isWritableFileDump(address)) addSingle(placeOf(address), std::nullopt, *reading.device);
       return;
     case Role::alone:
-      if (isStoredAlone(address)) addSingle(address, source, std::nullopt, *reading.device);
+      breakRun();
+      if (isStoredAlone(address)) addSingle(address, std::nullopt, *reading.device);
       return;
     default:
-      return;
+      return breakRun();
   }
 }
 
-void Captures::begin(std::size_t source, std::uint64_t number) {
+void Captures::begin() {
   endRun();
   run_ = Run();
-  run_->firstMessage = number;
-  run_->capture.source = source;
+  run_->capture.source = source_;
 }
 
-void Captures::begin(std::size_t source, std::uint64_t number, BulkAddress header) {
-  begin(source, number);
-  run_->unit.emplace(header, number);
+void Captures::begin(BulkAddress header) {
+  begin();
+  run_->unit.emplace(header, 0);
   run_->capture.address = header;
+}
+
+// Of which unit it is what follows, nothing says any more.
+void Captures::breakRun() {
+  if (!run_) return;
+  begin();
+  run_->goesOn = true;
 }
 
 void Captures::takePart(Piece piece, const Reading& reading) {
   const BulkAddress address = *reading.address;
-  const bool isAdmitted =
-      run_ && (run_->unit ? run_->unit->arrive(address)
-                          : run_->capture.pieces.empty() ||
-                                BDA::listOf(run_->capture.pieces.begin()->first.hi) == BDA::listOf(address.hi));
-  if (!isAdmitted) begin(piece.source, piece.number);
-  put(std::move(piece), address, *reading.device);
+  if (!admits(address, *reading.device)) begin();
+  run_->capture.device = *reading.device;
+  put(std::move(piece), address);
+}
+
+bool Captures::admits(BulkAddress address, unsigned device) {
+  if (!run_ || run_->capture.device.value_or(device) != device) return false;
+  if (run_->unit) return run_->unit->arrive(address);
+  const Pieces& pieces = run_->capture.pieces;
+  return pieces.empty() || BDA::listOf(pieces.begin()->first.hi) == BDA::listOf(address.hi);
 }
 
 // Blocks that come again with other data are those of another time: what came before has lost its footer, and they
 // their header. What came of the unit since they began to come again is one sound, all before is not.
-void Captures::put(Piece piece, BulkAddress address, unsigned device) {
+void Captures::put(Piece piece, BulkAddress address) {
   Pieces& pieces = run_->capture.pieces;
   const auto before = pieces.find(address);
   const bool comesAgain = before != pieces.end();
@@ -212,14 +218,15 @@ void Captures::put(Piece piece, BulkAddress address, unsigned device) {
     std::erase_if(pieces, [&](const Pieces::value_type& one) {
       return one.first.hi != BDA::kHeaderHi && !run_->pass.contains(one.first);
     });
-  run_->capture.devices.insert(device);
   pieces.insert_or_assign(address, std::move(piece));
 }
 
-void Captures::takeFooter(Piece piece, const Reading& reading, bool isComplete) {
+void Captures::takeFooter(Piece piece, const Reading& reading) {
   const BulkAddress header = headerOf(*reading.address);
+  const unsigned device = *reading.device;
+  if (run_ && run_->capture.device.value_or(device) != device) endRun();
   if (run_ && !run_->unit) {
-    OpenUnit unit(header, run_->firstMessage);
+    OpenUnit unit(header, 0);
     const bool isItsOwn = std::ranges::all_of(run_->capture.pieces,
                                               [&](const Pieces::value_type& one) { return unit.arrive(one.first); });
     if (isItsOwn) {
@@ -228,21 +235,21 @@ void Captures::takeFooter(Piece piece, const Reading& reading, bool isComplete) 
     }
   }
   const bool closes = run_ && run_->unit && run_->capture.address == header;
-  if (run_ && run_->unit && !closes) claimFooter(*reading.address, piece.source);
-  if (!closes) begin(piece.source, piece.number, header);
+  if (run_ && run_->unit && !closes) claimFooter(*reading.address);
+  if (!closes) begin(header);
   run_->isSure = true;
-  run_->capture.devices.insert(*reading.device);
+  run_->capture.device = device;
   Pieces& pieces = run_->capture.pieces;
   pieces.insert_or_assign(*reading.address, std::move(piece));
-  run_->capture.isWhole = isComplete && pieces.size() == blocksOf(header, pieces).size();
+  run_->capture.isWhole = pieces.size() == blocksOf(header, pieces).size();
   endRun();
 }
 
 // A footer that is broken, or of another unit than the open one: then nothing says which of the two a block is of.
-void Captures::claimFooter(BulkAddress footer, std::size_t source) {
+void Captures::claimFooter(BulkAddress footer) {
   const BulkAddress header = headerOf(footer);
   if (run_ && run_->unit && !(run_->capture.address == header)) {
-    Capture blocks{{}, source, std::exchange(run_->capture.pieces, {}), false, run_->capture.devices};
+    Capture blocks{{}, source_, std::exchange(run_->capture.pieces, {}), false, run_->capture.device};
     if (auto own = blocks.pieces.extract(run_->capture.address); !own.empty())
       run_->capture.pieces.insert(std::move(own));
     if (!blocks.pieces.empty()) {
@@ -252,11 +259,11 @@ void Captures::claimFooter(BulkAddress footer, std::size_t source) {
   }
   const bool isKnown = run_ && run_->unit && run_->capture.address == header;
   endRun();
-  if (!isKnown) captures_.push_back({header, source, {}, false});
+  if (!isKnown) captures_.push_back({header, source_, {}, false});
 }
 
-void Captures::addSingle(BulkAddress address, std::size_t source, std::optional<Piece> piece, unsigned device) {
-  Capture single{address, source, {}, piece.has_value(), {device}};
+void Captures::addSingle(BulkAddress address, std::optional<Piece> piece, unsigned device) {
+  Capture single{address, source_, {}, piece.has_value(), device};
   if (piece) single.pieces.emplace(address, std::move(*piece));
   captures_.push_back(std::move(single));
 }

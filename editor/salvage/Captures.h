@@ -33,9 +33,9 @@ bool carrySame(const Piece& a, const Piece& b);
 struct Capture {
   BulkAddress address{};  // of the header, the block or the file dump; of blocks of no known unit that of the first
   std::size_t source = 0;
-  Pieces pieces;                    // those that are good; of a unit header and footer among them
-  bool isWhole = false;             // as it is judged by UnitFollower, and surely one sound
-  std::set<unsigned> devices = {};  // whom its messages are for
+  Pieces pieces;                        // those that are good; of a unit header and footer among them
+  bool isWhole = false;                 // all of it is there, and nothing else between
+  std::optional<unsigned> device = {};  // whom its messages are for
 };
 
 bool isUnit(const Capture& capture);
@@ -46,7 +46,9 @@ inline bool isSingle(const Capture& capture) { return !isUnit(capture); }
 // kind the voice of a multi part is.
 std::vector<BulkAddress> blocksOf(BulkAddress address, const Pieces& pieces);
 
-// Finds the units and single blocks in the messages of files.
+// Finds the units and single blocks in the messages of files. Whatever stands between two blocks of a unit ends the
+// capture, be it damage, a message for another device or one of something else: it may have swallowed the end of one
+// dump and the beginning of the next, of the same place. What follows is another capture.
 class Captures {
  public:
   enum class Checksums : std::uint8_t { mustBeRight, areCorrected };
@@ -57,8 +59,10 @@ class Captures {
   void add(Piece piece);
   // The beginning of a message that was cut short, as much as is known of it.
   void addFragment(std::size_t source, std::span<const std::uint8_t> beginning);
+  // Bytes that belong to no message.
+  void addLoose(std::size_t source);
   // Call it once, at the end.
-  void finish() { endSource(); }
+  void finish() { endRun(); }
 
   const std::vector<Capture>& captures() const { return captures_; }
   // Blocks that belong to a unit of which nothing says which.
@@ -79,30 +83,30 @@ class Captures {
   struct Run {
     std::optional<OpenUnit> unit;  // none: its first header is lost
     bool isSure = false;           // a good header or footer says which unit it is
-    std::uint64_t firstMessage = 0;
     Capture capture;
     std::set<BulkAddress, BackupOrder> pass;  // the blocks since they last began to come again
     bool isRepeating = false;
     bool goesOn = false;  // it goes on with what another run has lost: that one is known
   };
 
-  void endSource();
-  void take(Piece piece, const Reading& reading, const std::vector<UnitReport>& ended);
-  void takeBroken(const Reading& reading, std::size_t source, bool isOfRun);
-  void begin(std::size_t source, std::uint64_t number);
-  void begin(std::size_t source, std::uint64_t number, BulkAddress header);
+  void enter(std::size_t source);
+  void take(Piece piece, const Reading& reading);
+  void takeDump(Piece piece, const Reading& reading);
+  void takeBroken(const Reading& reading);
+  void begin();
+  void begin(BulkAddress header);
+  void breakRun();
   void takePart(Piece piece, const Reading& reading);
-  void put(Piece piece, BulkAddress address, unsigned device);
-  void takeFooter(Piece piece, const Reading& reading, bool isComplete);
-  void claimFooter(BulkAddress footer, std::size_t source);
-  void addSingle(BulkAddress address, std::size_t source, std::optional<Piece> piece, unsigned device);
+  bool admits(BulkAddress address, unsigned device);
+  void put(Piece piece, BulkAddress address);
+  void takeFooter(Piece piece, const Reading& reading);
+  void claimFooter(BulkAddress footer);
+  void addSingle(BulkAddress address, std::optional<Piece> piece, unsigned device);
   void leaveOut(const Piece& piece, const char* why);
   void endRun();
 
   const bool corrects_;
   std::size_t source_ = 0;
-  std::uint64_t message_ = 0;
-  UnitFollower follower_;
   std::optional<Run> run_;
   std::vector<Capture> captures_;
   std::vector<Capture> orphans_;

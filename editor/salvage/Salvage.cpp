@@ -1,11 +1,13 @@
 #include "salvage/Salvage.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
 #include "AddressRows.h"
 #include "BulkMessage.h"
+#include "targets/Targets.h"
 
 namespace Editor {
 
@@ -46,6 +48,7 @@ bool differ(const Capture& a, const Capture& b) { return !differencesOf({&a, &b}
 
 bool haveSomethingInCommon(const Capture& a, const Capture& b) {
   bool have = false;
+  if (a.device != b.device) return false;  // no instrument would take what they made together
   forEachShared(a, b, [&](BulkAddress address, bool isEqual) { have = have || (isEqual && hasParameters(address)); });
   return have;
 }
@@ -110,7 +113,7 @@ class Decision {
     if (salvaged_.state == Salvaged::State::lost) {
       salvaged_.device = 1;
       for (const Capture* const capture : captures_)
-        if (!capture->devices.empty()) salvaged_.device = *capture->devices.begin();
+        if (capture->device) salvaged_.device = capture->device;
     }
     return std::move(salvaged_);
   }
@@ -164,12 +167,17 @@ class Decision {
   }
 
   bool merge(const Group& all) {
-    const Pieces merged = joined(all, options_.preferred);
-    if (lackOf(salvaged_.address, merged) != std::vector<BulkAddress>()) return false;
-    salvaged_.isMerged = true;
-    salvaged_.contradicts = listOf(differencesOf(all));
-    keepCompleted(merged);
-    return true;
+    std::map<std::optional<unsigned>, Group> ofDevices;
+    for (const Capture* const capture : all) ofDevices[capture->device].push_back(capture);
+    for (const auto& [device, group] : ofDevices) {
+      const Pieces merged = joined(group, options_.preferred);
+      if (lackOf(salvaged_.address, merged) != std::vector<BulkAddress>()) continue;
+      salvaged_.isMerged = true;
+      salvaged_.contradicts = listOf(differencesOf(group));
+      keepCompleted(merged);
+      return true;
+    }
+    return false;
   }
 
   void keepCompleted(const Pieces& pieces) { keep(salvaged_, Salvaged::State::completed, pieces); }
@@ -227,13 +235,6 @@ Salvaged lostOrphan(const Capture& orphan) {
   return lost;
 }
 
-std::optional<ContentId> contentOf(BulkAddress address) {
-  const MidLo place{address.mid, address.lo};
-  if (address.hi == BDA::kHeaderHi) return contentOfHeader(place);
-  if (address.hi == BDA::kFileDumpHi) return contentOfFileDump(place);
-  return std::nullopt;
-}
-
 unsigned deviceOf(const Piece& piece) { return piece.bytes[2] & BDA::kDeviceMask; }
 
 // The trigger that has these file dumps written; nothing: no file has one for their device.
@@ -248,7 +249,7 @@ void addTrigger(SalvageResult& result, const std::vector<Piece>& triggers) {
   const Piece& fileDump = result.messages.back();
   if (const Piece* const trigger = triggerFor(fileDump, triggers)) return result.messages.push_back(*trigger);
   Piece trigger;
-  trigger.bytes = dumpMessage(kWriteTrigger, {}, std::uint8_t(deviceOf(fileDump)));
+  trigger.bytes = writeTrigger(std::uint8_t(deviceOf(fileDump)));
   result.isTriggerAdded = true;
   result.messages.push_back(std::move(trigger));
 }
@@ -266,7 +267,7 @@ void gather(SalvageResult& result, const std::vector<Piece>& triggers) {
     if (isTriggerDue && !isFileDump) addTrigger(result, triggers);
     isTriggerDue = isFileDump;
     result.messages.insert(result.messages.end(), unit.messages.begin(), unit.messages.end());
-    if (const std::optional<ContentId> content = contentOf(unit.address))
+    if (const std::optional<ContentId> content = contentNamedBy(unit.address))
       if (!contents.insert(canonical(*content)).second) result.twice.push_back(*content);
   }
   if (isTriggerDue) addTrigger(result, triggers);
@@ -298,6 +299,11 @@ void Salvage::add(Piece piece) {
 void Salvage::addFragment(std::size_t source, std::span<const std::uint8_t> beginning) {
   if (corrected_) corrected_->addFragment(source, beginning);
   captures_.addFragment(source, beginning);
+}
+
+void Salvage::addLoose(std::size_t source) {
+  if (corrected_) corrected_->addLoose(source);
+  captures_.addLoose(source);
 }
 
 // What is there without correcting anything goes before what is not.

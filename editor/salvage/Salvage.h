@@ -42,8 +42,9 @@ struct SalvageResult {
   std::uint64_t unknown = 0;
 };
 
-// Finds what is whole in captured messages. Captures of one unit complete each other only where all blocks that are in
-// two of them are equal, and each has some such block of parameters: remains of two sounds never become one.
+// Finds what is whole in captured messages. Captures of one unit, for one device, complete each other only where all
+// blocks that are in two of them are equal, and each has some such block of parameters: remains of two sounds never
+// become one.
 class Salvage {
  public:
   struct Options {
@@ -57,6 +58,7 @@ class Salvage {
   // As Captures.
   void add(Piece piece);
   void addFragment(std::size_t source, std::span<const std::uint8_t> beginning);
+  void addLoose(std::size_t source);
   // Call it once, at the end.
   SalvageResult finish();
 

@@ -181,7 +181,10 @@ CarryCheck checkCarried(const Target& target, const ModelSet& models) {
     findMoved(otherArrived, fresh);
   }
   for (const ParameterDifference& difference : wrong) {
-    if (!held.contains(difference.path)) continue;
+    if (!held.contains(difference.path)) {
+      check.leftOut.push_back(difference.path);
+      continue;
+    }
     check.refusal = fmt::format("{}: {} cannot be carried, it would arrive as {}", difference.path,
                                 showValue(difference.a), showValue(difference.b));
     return check;

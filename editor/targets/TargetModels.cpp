@@ -5,6 +5,8 @@
 #include <algorithm>
 
 #include "AddressRows.h"
+#include "contents/PartVoices.h"
+#include "models/LiveKeys.h"
 
 namespace Editor {
 
@@ -42,8 +44,23 @@ bool replaceBuffer(EditorJobTools& tools, const Target& target, const ModelSet& 
 
 }  // namespace
 
+std::string damageOf(const EditorJobTools& tools, const Target& target) {
+  switch (target.kind) {
+    case Target::Kind::system:
+      return tools.systemDamage();
+    case Target::Kind::additional:
+      return tools.additionalDamage();
+    case Target::Kind::editBuffer:
+      return tools.damage(target.buffer, target.part);
+    case Target::Kind::content:
+      break;
+  }
+  return {};
+}
+
 ModelSet loadTarget(EmbeddedEditor& editor, const Target& target) {
   const EditorJobTools& tools = editor.tools();
+  if (const std::string why = damageOf(tools, target); !why.empty()) refuse(target, why);
   switch (target.kind) {
     case Target::Kind::system:
       return tools.liveSystem();
@@ -65,6 +82,17 @@ ModelSet loadTarget(EmbeddedEditor& editor, const Target& target) {
   if (result == ContentStore::Loaded::failed) throw LibraryError(LibraryError::Kind::Failed, why);
   if (result != ContentStore::Loaded::ok) refuse(target, why);
   return models;
+}
+
+bool forgetTarget(Library& library, const Target& target) {
+  if (target.kind == Target::Kind::content) return library.remove(target.content);
+  std::string key = kSystemKey;
+  if (target.kind == Target::Kind::additional) key = kAdditionalKey;
+  if (target.kind == Target::Kind::editBuffer) key = liveKeyOf(target.buffer, target.part);
+  if (!library.held(liveAt(key))) return false;
+  library.putBack(liveAt(key), std::nullopt);
+  dropMisfits(library);
+  return true;
 }
 
 std::vector<Target> editBuffers() {

@@ -8,8 +8,15 @@
 
 namespace Editor {
 
-// The models of a target as they are in the library. Throws TargetError (refused) when there are none, and
-// LibraryError.
+// Removes what is stored for a target, damaged or not; live models are then as new, and voices of parts that do not fit
+// a new multi with them. False when nothing is stored. Throws LibraryError.
+bool forgetTarget(Library& library, const Target& target);
+
+// Why the live models of a target cannot be read; empty when they can, and of a content.
+std::string damageOf(const EditorJobTools& tools, const Target& target);
+
+// The models of a target as they are in the library. Throws TargetError (refused) when there are none or they are
+// damaged, and LibraryError.
 ModelSet loadTarget(EmbeddedEditor& editor, const Target& target);
 
 // All edit buffers, by kind and part.

@@ -117,7 +117,19 @@ void requireContent(const Target& target) {
 }  // namespace
 
 std::string placeNameOf(const Target& target) {
-  return target.kind == Target::Kind::content ? nameOf(target.content) : target.name;
+  return target.kind == Target::Kind::content ? nameOf(canonical(target.content)) : target.name;
+}
+
+std::string placeNameOf(BulkAddress address) {
+  const std::optional<ContentId> content = contentNamedBy(address);
+  return content ? nameOf(canonical(*content)) : nameOrBytes(address);
+}
+
+std::optional<ContentId> contentNamedBy(BulkAddress address) {
+  const MidLo place{address.mid, address.lo};
+  if (address.hi == BDA::kHeaderHi || address.hi == BDA::kFooterHi) return contentOfHeader(place);
+  if (address.hi == BDA::kFileDumpHi) return contentOfFileDump(place);
+  return std::nullopt;
 }
 
 void refuse(const Target& target, const std::string& why) {

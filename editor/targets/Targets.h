@@ -34,8 +34,12 @@ class TargetError : public std::runtime_error {
   Kind kind_;
 };
 
-// The name under which a target is told, the same for all addresses of a content: that of its header, if it has one.
+// The name under which a place is told, the same for all addresses of a content: that of its header, if it has one.
+// Of an address that is of no content the block's own name, or its three bytes.
 std::string placeNameOf(const Target& target);
+std::string placeNameOf(BulkAddress address);
+// The content that a header, a footer or a file dump is of.
+std::optional<ContentId> contentNamedBy(BulkAddress address);
 
 // Throws TargetError (refused), which names the target.
 [[noreturn]] void refuse(const Target& target, const std::string& why);

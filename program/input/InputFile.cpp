@@ -12,7 +12,7 @@ InputFile::InputFile(const std::string& path) : name_(path) {
         bytes_.insert(bytes_.end(), message.bytes.begin(), message.bytes.end());
       },
       [this](const InputLoss& loss) {
-        losses_.push_back({loss.offset, loss.dropped, loss.reason, loss.kind});
+        losses_.push_back({loss.offset, loss.dropped, std::string(loss.reason), loss.kind});
       });
   if (!problems.empty()) throw Failure(kUnusableInput, problems.front());
 }

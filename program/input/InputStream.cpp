@@ -15,6 +15,7 @@
 #include "messages/Messages.h"
 #include "messages/Text.h"
 #include "midi/FileKind.h"
+#include "midi/HexText.h"
 #include "midi/MidiFile.h"
 #include "output/Progress.h"
 
@@ -25,8 +26,7 @@ namespace {
 using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::size_t kChunk = 65'536;
-constexpr std::size_t kLongestMessage = 16U << 20;    // a longer one is none: the memory is bounded
-constexpr std::size_t kLargestMidiFile = 64'000'000;  // one that is read whole
+constexpr std::size_t kLongestMessage = 16U << 20;  // a longer one is none: the memory is bounded
 
 int leaveOpen(std::FILE* /*standardInput*/) { return 0; }
 
@@ -140,7 +140,8 @@ class Pieces final : public StreamJoiner::Receiver {
   }
 
   void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
-    loss({file_, offset, count, describe(reason), kindOf(reason), std::exchange(beginning_, {})});
+    loss({file_, offset, count, describe(reason), kindOf(reason), beginning_});
+    beginning_.clear();
   }
 
   void cutShort(Bytes beginning) override {
@@ -148,12 +149,13 @@ class Pieces final : public StreamJoiner::Receiver {
     beginning_.assign(first.begin(), first.end());
   }
 
-  void loss(InputLoss loss) {
-    const bool isRealTime = loss.kind == InputLoss::Kind::realTime;
-    if (!isRealTime && !waits_) tellHeld(loss.offset);
+  // Noise can be one loss a byte: nothing is kept of one that is told at once.
+  void loss(const InputLoss& loss) {
     if (held_.size() >= kMostHeld) tellAll();
-    held_.push_back({loss.offset, loss.dropped, std::move(loss.reason), loss.kind, std::move(loss.beginning)});
-    if (!isRealTime && !waits_) tellHeld(kAll);
+    if (waits_ || loss.kind == InputLoss::Kind::realTime) return hold(loss);
+    tellHeld(loss.offset);
+    visitLoss_(loss);
+    tellHeld(kAll);
   }
 
   // What a file without any message would have to say is not said: it is none of messages.
@@ -174,16 +176,25 @@ class Pieces final : public StreamJoiner::Receiver {
     std::vector<std::uint8_t> beginning;
   };
 
+  void hold(const InputLoss& loss) {
+    held_.push_back({loss.offset,
+                     loss.dropped,
+                     std::string(loss.reason),
+                     loss.kind,
+                     {loss.beginning.begin(), loss.beginning.end()}});
+  }
+
   void tellAll() {
     waits_ = false;
     tellHeld(kAll);
   }
 
   void tellHeld(std::uint64_t before) {
+    if (held_.empty()) return;
     std::stable_sort(held_.begin(), held_.end(), [](const Held& a, const Held& b) { return a.offset < b.offset; });
     const auto end = std::find_if(held_.begin(), held_.end(), [&](const Held& one) { return one.offset >= before; });
     for (auto one = held_.begin(); one != end; ++one)
-      visitLoss_({file_, one->offset, one->dropped, std::move(one->reason), one->kind, std::move(one->beginning)});
+      visitLoss_({file_, one->offset, one->dropped, one->reason, one->kind, one->beginning});
     held_.erase(held_.begin(), end);
   }
 
@@ -203,7 +214,7 @@ std::vector<std::uint8_t> readAll(Source& source, Judgement& judgement) {
   for (Bytes more = source.next(); !more.empty(); more = source.next()) {
     judgement.look(more);
     if (all.size() + more.size() > kLargestMidiFile)
-      throw ReadError{"a Standard MIDI File is read whole, this one is larger than 64 MB"};
+      throw ReadError{"files of its kind are read whole, this one is larger than 64 MB"};
     all.insert(all.end(), more.begin(), more.end());
   }
   return all;
@@ -242,28 +253,49 @@ bool isOtherRiff(Bytes first) {
          (first.size() < kAt + kMidi.size() || !std::equal(kMidi.begin(), kMidi.end(), first.begin() + kAt));
 }
 
+// Feeds a joiner, or who reads text into one.
+template <typename Reader>
+void readInto(Reader& reader, Source& source, Judgement& judgement, const std::function<bool()>& isEnough) {
+  for (Bytes more = source.next(); !more.empty() && !isEnough(); more = source.next()) {
+    judgement.look(more);
+    reader.feed(more);
+  }
+  reader.finish();
+}
+
 void readPieces(Source& source, const std::string& file, Judgement& judgement, Pieces& pieces,
                 const std::function<bool()>& isEnough) {
   constexpr std::size_t kRiffHead = 12;
   const MidiKind kind = midiKindOf(source.first(kMidiKindBytes));
   if (kind == MidiKind::riff && isOtherRiff(source.first(kRiffHead))) {
     judgement.look(source.next());
-  } else if (kind != MidiKind::stream) {
+  } else if (kind == MidiKind::standard || kind == MidiKind::riff) {
     hand(readMidiFile(readAll(source, judgement)), file, pieces);
   } else {
     StreamJoiner joiner(pieces, kLongestMessage);
-    for (Bytes more = source.next(); !more.empty() && !isEnough(); more = source.next()) {
-      judgement.look(more);
-      joiner.feed(more);
-    }
-    joiner.finish();
+    HexTextReader text(joiner, [&](std::uint64_t offset, std::string why) {
+      pieces.loss({file, offset, 0, std::move(why), InputLoss::Kind::brokenFile});
+    });
+    if (kind == MidiKind::text)
+      readInto(text, source, judgement, isEnough);
+    else
+      readInto(joiner, source, judgement, isEnough);
   }
   pieces.finish();
 }
 
+// An object, as it begins: what `show --json` prints.
+bool isJson(Source& source) {
+  const Bytes first = source.first(kMidiKindBytes);
+  const auto begin = std::find_if(first.begin(), first.end(), [](std::uint8_t byte) {
+    return kHexBlanks.find(char(byte)) == std::string_view::npos;
+  });
+  return begin != first.end() && *begin == '{';
+}
+
 }  // namespace
 
-InputStream::InputStream(const std::vector<std::string>& paths) {
+InputStream::InputStream(const std::vector<std::string>& paths, Takes takes) : takes_(takes) {
   if (std::count(paths.begin(), paths.end(), "-") > 1)
     throw Failure(kWrongUsage, "standard input can be read only once");
   for (const std::string& path : paths) {
@@ -284,16 +316,17 @@ InputStream::InputStream(const std::vector<std::string>& paths) {
 }
 
 // Why a file that can be read twice cannot be read; empty: it can. Throws NotMessages when it is none of messages.
-std::string InputStream::judge(const File& file) {
+std::string InputStream::judge(const File& file) const {
   try {
     Source source(*file.stream, true);
+    const bool isTakenAsJson = takes_ == Takes::jsonToo && isJson(source);
     Judgement judgement;
     std::uint64_t number = 0;
     const VisitMessage ignoreMessage = [](const InputMessage&) {};
     const VisitLoss ignoreLoss = [](const InputLoss&) {};
     Pieces pieces(file.name, judgement, number, ignoreMessage, ignoreLoss, false);
-    readPieces(source, file.name, judgement, pieces, [&] { return judgement.isUsable(); });
-    if (!judgement.isUsable()) throw NotMessages(judgement.words(file.name));
+    if (!isTakenAsJson) readPieces(source, file.name, judgement, pieces, [&] { return judgement.isUsable(); });
+    if (!isTakenAsJson && !judgement.isUsable()) throw NotMessages(judgement.words(file.name));
     if (::lseek(::fileno(file.stream.get()), 0, SEEK_SET) != 0) throw ReadError{reasonOf(errno)};
     return {};
   } catch (const ReadError& error) {
@@ -301,13 +334,19 @@ std::string InputStream::judge(const File& file) {
   }
 }
 
-std::vector<std::string> InputStream::read(const VisitMessage& visitMessage, const VisitLoss& visitLoss) {
+std::vector<std::string> InputStream::read(const VisitMessage& visitMessage, const VisitLoss& visitLoss,
+                                           const VisitJson& visitJson) {
   std::vector<std::string> problems;
   std::uint64_t number = 0;
   for (const File& file : files_) {
     Judgement judgement;
     try {
       Source source(*file.stream, file.isPlain);
+      if (takes_ == Takes::jsonToo && isJson(source)) {
+        const std::vector<std::uint8_t> text = readAll(source, judgement);
+        visitJson(file.name, {reinterpret_cast<const char*>(text.data()), text.size()});
+        continue;
+      }
       Pieces pieces(file.name, judgement, number, visitMessage, visitLoss, !file.isPlain);
       readPieces(source, file.name, judgement, pieces, [] { return false; });
       if (!file.isPlain && !judgement.isUsable()) problems.push_back(judgement.words(file.name));

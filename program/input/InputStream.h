@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ExitCode.h"
@@ -27,9 +28,9 @@ struct InputLoss {
   const std::string& file;
   std::uint64_t offset;
   std::uint64_t dropped;  // how many; 0 of a file's structure
-  std::string reason;
+  std::string_view reason;
   Kind kind;
-  std::vector<std::uint8_t> beginning = {};  // of a message of a stream that was cut short: its first bytes
+  std::span<const std::uint8_t> beginning = {};  // of a message of a stream that was cut short: its first bytes
 };
 
 // A file that can be read and holds no messages: it is of another kind.
@@ -43,18 +44,22 @@ class NotMessages : public Failure {
 // on as soon as it is there.
 class InputStream {
  public:
+  enum class Takes : std::uint8_t { messages, jsonToo };
+
   // "-" is standard input. Throws Failure (kUnusableInput) when one cannot be opened, NotMessages when one holds no
   // messages; of what comes through a pipe that is known at its end.
-  explicit InputStream(const std::vector<std::string>& paths);
+  explicit InputStream(const std::vector<std::string>& paths, Takes takes = Takes::messages);
   InputStream(const InputStream&) = delete;
   InputStream& operator=(const InputStream&) = delete;
 
   using VisitMessage = std::function<void(const InputMessage&)>;
   using VisitLoss = std::function<void(const InputLoss&)>;
-  // Calls one of the two for each piece of the files, in their order; what it gets is valid as long as the call.
-  // Returns what proved unusable meanwhile, a text for each file. Throws what they throw, and where Ctrl-C is caught
-  // Failure (kInterrupted).
-  std::vector<std::string> read(const VisitMessage& visitMessage, const VisitLoss& visitLoss);
+  using VisitJson = std::function<void(const std::string& file, std::string_view text)>;
+  // Calls one of them for each piece of the files, in their order; what it gets is valid as long as the call. JSON,
+  // where it is taken, comes as the whole text of its file. Returns what proved unusable meanwhile, a text for each
+  // file. Throws what they throw, and where Ctrl-C is caught Failure (kInterrupted).
+  std::vector<std::string> read(const VisitMessage& visitMessage, const VisitLoss& visitLoss,
+                                const VisitJson& visitJson = {});
 
   bool areSeveral() const { return files_.size() > 1; }
   // Whether one of them has no end yet: a pipe, or a terminal.
@@ -70,8 +75,9 @@ class InputStream {
     std::uint64_t size = 0;
   };
 
-  static std::string judge(const File& file);
+  std::string judge(const File& file) const;
 
+  const Takes takes_;
   std::vector<File> files_;
 };
 

@@ -2,12 +2,24 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 namespace Editor {
 
-void Complaints::finish() {
-  for (const auto& [kind, count] : counts_)
-    if (count > kMostAlike) console_.problem(fmt::format("and {} more: {}", count - kMostAlike, kind));
-  counts_.clear();
+bool Complaints::isTold(Counts& counts, std::string_view kind) {
+  auto count = counts.find(kind);
+  if (count == counts.end()) count = counts.emplace(kind, 0).first;
+  return ++count->second <= kMostAlike;
+}
+
+void Complaints::finish(std::string_view where) {
+  const auto more = [&](std::uint64_t count, const std::string& kind) {
+    return fmt::format("and {} more: {}{}", count - kMostAlike, where, kind);
+  };
+  for (const auto& [kind, count] : std::exchange(problems_, {}))
+    if (count > kMostAlike) console_.problem(more(count, kind));
+  for (const auto& [kind, count] : std::exchange(notes_, {}))
+    if (count > kMostAlike) console_.note(more(count, kind));
 }
 
 }  // namespace Editor

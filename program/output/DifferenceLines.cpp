@@ -24,6 +24,10 @@ std::string lineOf(const ParameterDifference& parameter, const ParameterNames& n
   using Bytes = std::vector<std::uint8_t>;
   if (const auto* const bytes = std::get_if<Bytes>(&parameter.a))
     return fmt::format("opaque bytes differ: {} | {} bytes", bytes->size(), std::get<Bytes>(parameter.b).size());
+  if (parameter.path == "damaged") {
+    const auto word = [](const auto& isIt) { return std::get<std::int64_t>(isIt) == 0 ? "good" : "damaged"; };
+    return fmt::format("not compared: {} | {}", word(parameter.a), word(parameter.b));
+  }
   return fmt::format("{}: {}", showPath(parameter.path, names), valuesOf(parameter, names));
 }
 

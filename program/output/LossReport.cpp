@@ -6,25 +6,34 @@
 
 namespace Editor {
 
+namespace {
+
+std::string lineOf(const InputLoss& loss) {
+  const std::string what = loss.kind == InputLoss::Kind::brokenFile
+                               ? std::string(loss.reason)
+                               : fmt::format("{} dropped, {}", counted(loss.dropped, "byte"), loss.reason);
+  return fmt::format("{}: offset {}: {}", displayName(loss.file), loss.offset, what);
+}
+
+}  // namespace
+
 void LossReport::add(const InputLoss& loss) {
   if (file_ != loss.file) {
     finish();
     file_ = loss.file;
   }
-  const bool isRealTime = loss.kind == InputLoss::Kind::realTime;
-  if (isRealTime) realTime_ += loss.dropped;
-  if (isRealTime && !console_.isVerbose()) return;
-  const std::string what = loss.kind == InputLoss::Kind::brokenFile
-                               ? loss.reason
-                               : fmt::format("{} dropped, {}", counted(loss.dropped, "byte"), loss.reason);
-  const std::string line = fmt::format("{}: offset {}: {}", displayName(loss.file), loss.offset, what);
-  if (isRealTime) return console_.detail(line);
+  if (loss.kind == InputLoss::Kind::realTime) {
+    realTime_ += loss.dropped;
+    if (console_.isVerbose()) console_.detail(lineOf(loss));
+    return;
+  }
   isWhole_ = isWhole_ && loss.kind == InputLoss::Kind::loose;
-  complaints_.tell(fmt::format("{}: {}", displayName(loss.file), loss.reason), line);
+  const bool isStructure = loss.kind == InputLoss::Kind::brokenFile;  // its reasons have numbers in them
+  complaints_.tell(isStructure ? "not built as it must be" : loss.reason, [&] { return lineOf(loss); });
 }
 
 void LossReport::finish() {
-  complaints_.finish();
+  complaints_.finish(displayName(file_) + ": ");
   if (realTime_ > 0)
     console_.problem(fmt::format("{}: {} dropped", displayName(file_), counted(realTime_, "real-time byte")));
   realTime_ = 0;

@@ -19,13 +19,8 @@ Json toJson(const std::vector<AssistantHost::Sent>& sent) {
 
 }  // namespace
 
-Trace::Trace(const std::string& path) {
-  if (!path.empty()) file_.emplace(path);
-}
-
-void Trace::add(const Origin& origin, BDA::DevicePortNum port, std::span<const std::uint8_t> message,
-                const Record& record) {
-  if (!file_) return;
+std::string jsonOf(const MessageOrigin& origin, BDA::DevicePortNum port, std::span<const std::uint8_t> message,
+                   const Record& record) {
   Json line{{"message", origin.message},
             {"file", origin.file == nullptr ? Json(nullptr) : Json(*origin.file)},
             {"offset", origin.offset ? Json(*origin.offset) : Json(nullptr)},
@@ -42,7 +37,16 @@ void Trace::add(const Origin& origin, BDA::DevicePortNum port, std::span<const s
   line["shown"] = record.shown;
   line["log"] = record.log;
   line["sent"] = toJson(record.sent);
-  file_->write(line.dump(-1, ' ', true, Json::error_handler_t::replace) + '\n');
+  return line.dump(-1, ' ', true, Json::error_handler_t::replace);
+}
+
+Trace::Trace(const std::string& path) {
+  if (!path.empty()) file_.emplace(path);
+}
+
+void Trace::add(const MessageOrigin& origin, BDA::DevicePortNum port, std::span<const std::uint8_t> message,
+                const Record& record) {
+  if (file_) file_->write(jsonOf(origin, port, message, record) + '\n');
 }
 
 void Trace::commit() {

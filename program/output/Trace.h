@@ -10,20 +10,25 @@
 
 namespace Editor {
 
-// The trace of a run: one JSON object a line for each message that was handed to the assistant.
+// Where a message came from; a request of the program's own comes from nowhere.
+struct MessageOrigin {
+  std::uint64_t message;  // from 1, through all files
+  const std::string* file = nullptr;
+  std::optional<std::uint64_t> offset;
+};
+
+// One JSON object, without line end: a message that was handed to the assistant, and what became of it.
+std::string jsonOf(const MessageOrigin& origin, BDA::DevicePortNum port, std::span<const std::uint8_t> message,
+                   const Record& record);
+
+// The trace of a run: such an object a line for each message.
 class Trace {
  public:
-  // Where a message came from; a request of the program's own comes from nowhere.
-  struct Origin {
-    std::uint64_t message;  // from 1, through all files
-    const std::string* file = nullptr;
-    std::optional<std::uint64_t> offset;
-  };
-
   // "": there is none.
   explicit Trace(const std::string& path);
 
-  void add(const Origin& origin, BDA::DevicePortNum port, std::span<const std::uint8_t> message, const Record& record);
+  void add(const MessageOrigin& origin, BDA::DevicePortNum port, std::span<const std::uint8_t> message,
+           const Record& record);
   // As OutputFile does.
   void passOn() {
     if (file_) file_->passOn();

@@ -6,8 +6,8 @@
 #include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/MidiFile.h"
-#include "models/ModelJson.h"
 #include "targets/CarryCheck.h"
+#include "targets/TargetJson.h"
 #include "targets/TargetModels.h"
 #include "verbs/Verbs.h"
 
@@ -15,31 +15,19 @@ namespace Editor {
 
 namespace {
 
-// A voice that the target takes in both kinds is a drum voice when the file gives it keys.
-bool hasKeys(const nlohmann::ordered_json& json) {
-  const auto voice = json.find("voice");
-  if (voice == json.end() || !voice->is_object()) return false;
-  const auto key = voice->find("key");
-  return key != voice->end() && key->is_array() && !key->empty();
-}
-
 ModelSet readModels(const std::string& file, const Target& target) {
   const std::string name = displayName(file);
   std::string why;
   const auto bytes = loadBytes(file, why);
   if (!bytes) throw Failure(kUnusableInput, fmt::format("{}: {}", name, why));
-  const auto unusable = [&](const std::string& text) {
-    return Failure(kUnusableInput, fmt::format("{}: {}", name, escape(text)));
-  };
-  nlohmann::ordered_json json;
-  const std::string_view text(reinterpret_cast<const char*>(bytes->data()), bytes->size());
-  if (const auto error = parseJson(text, json)) {
-    const std::size_t tag = error->compare(0, 1, "[") == 0 ? error->find("] ") : std::string::npos;  // the parser's own
-    throw unusable(tag == std::string::npos ? *error : error->substr(tag + 2));
+  try {
+    const std::vector<nlohmann::ordered_json> objects =
+        parseTargetJson({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
+    if (objects.size() > 1) throw TargetJsonError("expected one object");
+    return modelsFromJson(objects.front(), target);
+  } catch (const TargetJsonError& error) {
+    throw Failure(kUnusableInput, fmt::format("{}: {}", name, escape(error.what())));
   }
-  ModelSet models = freshTarget(target, json.is_object() && hasKeys(json));
-  if (const auto error = fromJson(json, models)) throw unusable(*error);
-  return models;
 }
 
 }  // namespace

@@ -49,6 +49,7 @@ void arrange(Arrangement::Kind kind, const Words& words, const std::string& othe
                                 : arrange(run.editor(), arrangement, *program.openToRead(otherLibrary));
   run.keep();
   tellNotes(arranged, program.console);
+  for (const std::string& place : arranged.damaged) program.leaveOutDamaged(place);
 }
 
 }  // namespace Editor

@@ -16,6 +16,7 @@
 #include "messages/BackupOrder.h"
 #include "messages/Text.h"
 #include "models/Latin1.h"
+#include "output/Complaints.h"
 #include "output/DifferenceLines.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
@@ -71,7 +72,7 @@ Plan planOf(EmbeddedEditor& editor) {
 class BackingUp {
  public:
   BackingUp(const std::string& output, const std::string& manifest, Program& program)
-      : program_(program), editor_(program.openToRead()), file_(output) {
+      : program_(program), editor_(program.openToRead()), file_(output), complaints_(program.console) {
     if (!manifest.empty()) manifest_.emplace(manifest);
     if (editor_->library().isYetEmpty()) throw Failure(kUnusableInput, "a backup of nothing: nothing is written");
     if (output == "-" || manifest == "-") program.console.keepOutputForBytes();
@@ -98,6 +99,7 @@ class BackingUp {
     add(plan.units);
     add(plan.system);
     add(plan.favourites);
+    complaints_.finish();
     if (messages_ == 0) throw Failure(kRefused, "nothing could be backed up, nothing is written");
     try {
       tellWhatIsLost();
@@ -117,7 +119,8 @@ class BackingUp {
   }
 
   void leaveOut(const std::string& name, const std::string& why) {
-    complain(fmt::format("{}: not in the backup: {}", name, escape(why)));
+    complaints_.tell("not in the backup: " + escape(why), fmt::format("{}: not in the backup: {}", name, escape(why)));
+    program_.refuse();
     leftOut_.insert(name);
   }
 
@@ -159,7 +162,7 @@ class BackingUp {
     const nlohmann::ordered_json json{{"version", BDA_VERSION_STRING},
                                       {"deviceNumber", deviceNumberWords(editor_->tools())},
                                       {"contents", std::move(contents)}};
-    manifest_->write(json.dump(2, ' ', true) + "\n");
+    manifest_->write(json.dump(-1, ' ', true) + "\n");
     manifest_->commit();
   }
 
@@ -193,6 +196,7 @@ class BackingUp {
   std::uint64_t messages_ = 0;
   std::uint64_t bytes_ = 0;
   std::set<std::string> leftOut_;
+  Complaints complaints_;
 };
 
 }  // namespace

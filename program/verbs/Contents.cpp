@@ -79,7 +79,12 @@ Found find(EmbeddedEditor& editor, const Selection& selection) {
   found.entries.reserve(entries.size());
   for (auto& [id, entry] : entries) found.entries.push_back(std::move(entry));
   for (Target& target : storedLive(editor))
-    if (selection.has(target)) found.live.push_back(std::move(target));
+    if (selection.has(target)) {
+      if (damageOf(editor.tools(), target).empty())
+        found.live.push_back(std::move(target));
+      else
+        found.damaged.push_back(target.name);
+    }
   return found;
 }
 
@@ -222,10 +227,7 @@ void contents(const Words& words, const ContentsOptions& options, Program& progr
     const bool isGrid = options.grid || (!options.lines && ::isatty(STDOUT_FILENO) != 0);
     Listing(program.console, isGrid).print(found, *editor);
   }
-  for (const std::string& name : found.damaged) {
-    program.console.problem(fmt::format("{}: left out: it is damaged (bda check tells more)", name));
-    program.refuse();
-  }
+  for (const std::string& name : found.damaged) program.leaveOutDamaged(name);
   program.console.note(countOf(found) + (selection.isAll() ? "" : " there"));
 }
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <filesystem>
 
 #include "exchange/Answers.h"
 #include "input/InputStream.h"
@@ -159,6 +160,9 @@ void explain(const Words& words, bool json, Program& program) {
   }
   if (const std::optional<std::uint64_t> offset = parseOffset(joined[1]))
     return explainOffset(first, *offset, json, program);
+  if (!isAddress(first) && (first == "-" || std::filesystem::exists(first)))
+    throw Failure(kWrongUsage,
+                  fmt::format("\"{}\": expected the offset of a byte, such as 1024 or 0x400", escape(joined[1])));
   explainParameter(first, joined[1], json, program);
 }
 

@@ -77,6 +77,7 @@ class Receiving {
       : program_(program),
         console_(program.console),
         isRehearsal_(how.dryRun),
+        saysJson_(how.json),
         port_(BDA::DevicePortNum(options.port)),
         input_(files),
         losses_(console_),
@@ -87,7 +88,7 @@ class Receiving {
     if (how.whole) whole_.emplace();
     if (!options.output.empty()) answers_.emplace(options.output);
     if (options.output == "-" || options.trace == "-") console_.keepOutputForBytes();
-    if (input_.isLive()) console_.flushEachLine();
+    if (input_.isLive() || saysJson_) console_.flushEachLine();
     if (options.anyDevice) editor_->takeAnyDevice();
   }
 
@@ -191,13 +192,19 @@ class Receiving {
   // "stored", or what would be.
   std::string said(const char* word) const { return fmt::format("{}{}", isRehearsal_ ? "would be " : "", word); }
 
+  void say(const std::string& line) {
+    if (!saysJson_) console_.line(line);
+  }
+
   Outcome hand(const InputMessage& message) {
     const Record record = handle(message);
     places_.add(message, *editor_);
     const bool isPassedOn = tell(message, record);
     isPassedOn ? tally_.add(record) : tally_.addRefused();
+    const MessageOrigin origin{message.number, &message.file, message.offset};
+    if (saysJson_) console_.line(jsonOf(origin, port_, message.bytes, record));
     try {
-      trace_.add({message.number, &message.file, message.offset}, port_, message.bytes, record);
+      trace_.add(origin, port_, message.bytes, record);
       trace_.passOn();
     } catch (const Failure& failure) {
       throw Failure(failure.code(),
@@ -245,30 +252,39 @@ class Receiving {
         console_.detail(fmt::format("{}: {} ({})", said("accepted"), what, placeOf(message)));
         break;
       case Outcome::completed:
-        console_.line(fmt::format("{}: {} ({})", said("completed"), what, placeOf(message)));
+        say(fmt::format("{}: {} ({})", said("completed"), what, placeOf(message)));
         break;
       case Outcome::notOurs:
       case Outcome::ignored:
       case Outcome::nothingToSend:
-        console_.line(fmt::format("{}: {} ({})", wordOf(record.outcome), what, placeOf(message)));
+        say(fmt::format("{}: {} ({})", wordOf(record.outcome), what, placeOf(message)));
         break;
     }
     return true;
   }
 
-  // What stands in the place of something says what that was called.
   void tellContents(const InputMessage& message, const Record& record) {
     for (const std::string& content : record.contents) {
       const bool isRemoved = std::ranges::find(record.removed, content) != record.removed.end();
-      const auto before = record.replaced.find(content);
-      const bool isReplaced = before != record.replaced.end() && (!isRemoved || isRehearsal_);
-      console_.line(fmt::format(
-          "{}: {} ({}){}", said(isRemoved ? "removed" : "stored"), content, placeOf(message),
-          isReplaced ? fmt::format(", {} {}", isRemoved ? "it is" : "replaces", quoted(before->second)) : ""));
+      say(fmt::format("{}: {} ({}){}{}", said(isRemoved ? "removed" : "stored"), content, placeOf(message),
+                      wasIn(content, record, isRemoved),
+                      isOfPart(record.reading) ? "; sets the effects of multi:edit" : ""));
     }
   }
 
-  static std::string quoted(const std::string& name) { return fmt::format("\"{}\"", showName(name)); }
+  // What stood in the place.
+  std::string wasIn(const std::string& content, const Record& record, bool isRemoved) const {
+    const auto before = record.replaced.find(content);
+    if (before == record.replaced.end()) return "";
+    const std::string& name = before->second;
+    if (name.empty()) return isRemoved ? "" : ", replaces what was there";
+    const char* const verb = isRehearsal_ ? "it is" : "it was";
+    return fmt::format(", {} \"{}\"", isRemoved ? verb : "replaces", showName(name));
+  }
+
+  static bool isOfPart(const Reading& reading) {
+    return reading.role == Role::footer && editBufferOf(reading.address->mid) == EditBuffer::partVoice;
+  }
 
   void refuse(const InputMessage& message, const Record& record, const std::string& what) {
     program_.refuse();
@@ -283,8 +299,8 @@ class Receiving {
       complain(fmt::format("{}: {}: {}", placeOf(message), what, why));
       return false;
     }
-    console_.line(fmt::format("{}: {}, {} ({})", said("answered"), what, counted(record.sent.size(), "message"),
-                              placeOf(message)));
+    say(fmt::format("{}: {}, {} ({})", said("answered"), what, counted(record.sent.size(), "message"),
+                    placeOf(message)));
     if (!answers_) return true;
     hasAnswers_ = true;
     const bool isWritten = output([&] {
@@ -303,6 +319,7 @@ class Receiving {
   Program& program_;
   Console& console_;
   const bool isRehearsal_;
+  const bool saysJson_;
   const BDA::DevicePortNum port_;
   InputStream input_;
   LossReport losses_;

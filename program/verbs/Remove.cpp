@@ -1,12 +1,15 @@
-// The verb remove: contents, all that are named or none.
+// The verb remove: contents, all that are named or none, and what is damaged.
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <memory>
 #include <set>
 
 #include "ChangeRun.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
+#include "targets/TargetModels.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
@@ -21,9 +24,10 @@ class Removing {
   void take(const Places<Target>& places) {
     std::size_t leftOut = 0;
     for (const Target& target : places.list) {
-      if (named_.contains(target.content)) continue;
-      if (library_.remove(target.content))
-        named_.insert(target.content);
+      const std::string name = placeNameOf(target);
+      if (named_.contains(name)) continue;
+      if (forgetTarget(library_, target))
+        named_.insert(name);
       else
         ++leftOut;
     }
@@ -36,14 +40,28 @@ class Removing {
  private:
   Library& library_;
   Console& console_;
-  std::set<ContentId> named_;
+  std::set<std::string> named_;
 };
+
+// Contents; or live models, but those only that are damaged.
+Places<Target> parseRemoved(const std::string& word, Program& program) {
+  try {
+    return parseContents(word);
+  } catch (const TargetError&) {
+    Places<Target> places = parseTargets(word);
+    if (!program.hasLibrary()) throw;
+    const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
+    const auto isDamaged = [&](const Target& target) { return !damageOf(editor->tools(), target).empty(); };
+    if (!std::ranges::all_of(places.list, isDamaged)) throw;
+    return places;
+  }
+}
 
 }  // namespace
 
 void remove(const Words& words, const ChangeOptions& options, Program& program) {
   std::vector<Places<Target>> asked;
-  for (const std::string& word : joinAddresses(words)) asked.push_back(parseContents(word));
+  for (const std::string& word : joinAddresses(words)) asked.push_back(parseRemoved(word, program));
   program.requireLibrary(kRefused);
   ChangeRun run(program, {"remove"}, options);
   Removing removing(run.library(), program.console);

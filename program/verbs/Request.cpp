@@ -9,6 +9,7 @@
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "midi/Hex.h"
+#include "output/Complaints.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
 #include "output/Trace.h"
@@ -31,11 +32,11 @@ void writeAnswers(const std::vector<std::vector<std::uint8_t>>& answers, const s
 }
 
 // An empty place is answered by a dump without data, which is no harmless one.
-void tellErasers(const std::vector<AssistantHost::Sent>& sent, Console& console) {
+void tellErasers(const std::vector<AssistantHost::Sent>& sent, Complaints& notes) {
+  constexpr const char* kEraser = "nothing is stored there: this dump has whoever receives it remove what is";
   for (const AssistantHost::Sent& message : sent)
     if (const Reading reading = readMessage(message.bytes); reading.removes)
-      console.note(fmt::format("{}: nothing is stored there: this dump has whoever receives it remove what is",
-                               nameOrBytes(*reading.address)));
+      notes.note(kEraser, fmt::format("{}: {}", nameOrBytes(*reading.address), kEraser));
 }
 
 }  // namespace
@@ -49,6 +50,7 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
   const Interruptible interruptible;  // or what is written beside the output would stay
   Trace trace(options.trace);
   std::vector<std::vector<std::uint8_t>> answers;
+  Complaints complaints(program.console);
   std::size_t answered = 0;
   std::uint64_t number = 0;
   for (const BulkAddress address : addresses) {
@@ -58,13 +60,13 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
       const Record record = editor->handle(message, port, ++number);
       trace.add({number, nullptr, std::nullopt}, port, message, record);
       if (const std::string why = whyUnanswered(record); !why.empty()) {
-        program.console.problem(fmt::format("{} ({}, {}): no answer: {}", nameOrBytes(address), formatAddress(address),
-                                            describeAddress(address), escape(why)));
+        complaints.tell(escape(why), fmt::format("{} ({}, {}): no answer: {}", nameOrBytes(address),
+                                                 formatAddress(address), describeAddress(address), escape(why)));
         program.refuse();
         continue;
       }
       ++answered;
-      tellErasers(record.sent, program.console);
+      tellErasers(record.sent, complaints);
       for (const AssistantHost::Sent& sent : record.sent) answers.push_back(sent.bytes);
     } catch (const LibraryError& error) {
       try {
@@ -77,6 +79,7 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
                                              formatAddress(address), escape(error.what())));
     }
   }
+  complaints.finish();
   if (answered > 0) writeAnswers(answers, options.output, program.console);
   trace.commit();
   if (answered == 0) throw Failure(kRefused, "no address was answered, nothing is written");

@@ -37,8 +37,8 @@ class Restoring {
       run.settle();
       const std::vector<PlaceChange> changes = changesOfRun(editor->library());
       if (dumps_ > 0) run.commit();
-      if (options_.json) tellChanges(changes, options_, console_);
-      tellContents(editor->library().takeChanges());
+      tell(changes);
+      tellTally(editor->library().takeChanges(), changes);
     } else if (program_.hasLibrary()) {
       rehearse(*program_.openToRead());
     } else {
@@ -116,19 +116,28 @@ class Restoring {
     }
   }
 
-  void tellContents(const std::vector<Change>& changes) {
-    std::set<ContentId> stored;
-    std::set<ContentId> removed;
-    for (const Change& change : changes) {
-      if (change.kind != Change::Kind::Stored && change.kind != Change::Kind::Removed) continue;
-      const bool isStored = change.kind == Change::Kind::Stored;
-      (isStored ? stored : removed).insert(change.id);
-      (isStored ? removed : stored).erase(change.id);
+  // What fills an empty place is told with -v.
+  void tell(std::vector<PlaceChange> changes) const {
+    if (!options_.json && !console_.isVerbose() && !changes.empty()) {
+      std::erase_if(changes, [](const PlaceChange& change) { return isNumber(change.what) || !change.before; });
+      if (changes.empty()) return;
     }
-    for (const ContentId id : stored) console_.detail(fmt::format("stored: {}", nameOf(id)));
-    for (const ContentId id : removed) console_.detail(fmt::format("removed: {}", nameOf(id)));
-    console_.note(fmt::format("restored: {}, {} stored, {} removed", counted(dumps_, "message"),
-                              counted(stored.size(), "content"), removed.size()));
+    tellChanges(changes, options_, console_);
+  }
+
+  void tellTally(const std::vector<Change>& handed, const std::vector<PlaceChange>& changes) const {
+    std::set<std::string> received;
+    for (const Change& change : handed)
+      if (change.kind == Change::Kind::Stored || change.kind == Change::Kind::Removed)
+        received.insert(nameOf(change.id));
+    std::size_t removed = 0;
+    std::size_t stored = 0;
+    for (const PlaceChange& change : changes)
+      if (received.contains(change.place)) ++(change.what == What::removed ? removed : stored);
+    const std::size_t same = received.size() - stored - removed;
+    console_.note(fmt::format("restored: {}, {} stored, {} removed{}", counted(dumps_, "message"),
+                              counted(stored, "content"), removed,
+                              same == 0 ? "" : fmt::format(", {} as they were", same)));
   }
 
   // On a copy.

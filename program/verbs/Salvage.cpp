@@ -78,11 +78,23 @@ class Salvaging {
         },
         [&](const InputLoss& loss) {
           losses.add(loss);
-          if (loss.kind == InputLoss::Kind::cutShort) salvage_.addFragment(sourceOf(loss.file), loss.beginning);
+          add(loss);
         });
     complaints.finish();
     losses.finish();
     return problems;
+  }
+
+  void add(const InputLoss& loss) {
+    switch (loss.kind) {
+      case InputLoss::Kind::realTime:
+        return;
+      case InputLoss::Kind::cutShort:
+        return salvage_.addFragment(sourceOf(loss.file), loss.beginning);
+      case InputLoss::Kind::loose:
+      case InputLoss::Kind::brokenFile:
+        return salvage_.addLoose(sourceOf(loss.file));
+    }
   }
 
   // The files come in their order, and one can be named twice.
@@ -147,9 +159,23 @@ class Salvaging {
   }
 
   void writeRequests(const SalvageResult& result) {
-    if (result.requests.empty()) return console_.note("nothing has to be requested: no requests are written");
+    const std::size_t unfetchable = tellUnfetchable(result);
+    if (result.requests.empty())
+      return console_.note(unfetchable == 0 ? "nothing has to be requested: no requests are written"
+                                            : "no requests are written");
     for (const std::vector<std::uint8_t>& request : result.requests) requests_->write(request);
     requests_->commit();
+  }
+
+  // Returns how much is lost that no request fetches.
+  std::size_t tellUnfetchable(const SalvageResult& result) {
+    std::vector<std::string> lost;
+    for (const Salvaged& unit : result.units)
+      if (unit.state == Salvaged::State::lost && !unit.device)
+        lost.push_back(fmt::format("blocks of no known unit, {} and after it", describeAddress(unit.address)));
+    if (result.unknown > 0) lost.push_back(fmt::format("what was in {}", counted(result.unknown, "broken message")));
+    for (const std::string& what : lost) console_.problem(fmt::format("lost, and no request can fetch it: {}", what));
+    return lost.size();
   }
 
   const Words& files_;

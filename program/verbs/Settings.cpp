@@ -25,6 +25,9 @@ std::uint8_t utilityOf(const EmbeddedEditor& editor, std::uint16_t parameter) {
 void setUtility(EmbeddedEditor& editor, std::uint16_t parameter, std::uint8_t value) {
   Library::Transaction transaction(editor.library());
   editor.tools().reload();  // another program may have changed the other system settings
+  if (!editor.tools().systemDamage().empty())
+    throw Failure(kRefused,
+                  "the system settings are damaged: restore them, or have them as new with \"bda remove system\"");
   ModelSet system = editor.tools().liveSystem();
   system.system->utility.set(&value, parameter, 0);
   if (!editor.tools().replaceSystem(system)) throw Failure(kWrongUsage, editor.tools().lastError());

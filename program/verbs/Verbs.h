@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -33,6 +34,19 @@ void salvage(const Words& files, const SalvageOptions& options, Program& program
 // A file; a file and an offset; an address, which can be three words, and the path of a parameter.
 void explain(const Words& words, bool json, Program& program);
 
+// Messages into other files, without a library. The files may also stand behind the addresses of `select`.
+struct ConvertOptions {
+  std::string output;     // one file; "": none
+  std::string directory;  // one file a unit; "": none
+  std::string place;      // where units are addressed to; "": they stay
+  Words select;           // which units are taken; none: all messages
+  std::optional<unsigned> device;
+  std::chrono::milliseconds pause{20};  // between the messages of a .mid
+  bool pauses = false;                  // it was asked for
+  bool json = false;
+};
+void convert(Words files, ConvertOptions options, Program& program);
+
 // Handing messages to the library's instrument.
 struct ExchangeOptions {
   unsigned port = 1;       // on which the messages arrive: 1, 4, 5 or 6
@@ -43,6 +57,7 @@ struct ExchangeOptions {
 struct ReceiveOptions {
   bool whole = false;   // only units that are whole are stored, the rest is refused
   bool dryRun = false;  // said what would be done, and nothing done
+  bool json = false;    // said as the trace says it
 };
 void receive(const Words& files, const ExchangeOptions& exchange, const ReceiveOptions& options, Program& program);
 void request(const Words& words, const ExchangeOptions& options, Program& program);

@@ -6,14 +6,11 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
 class Arrange : public Program {
  protected:
-  Editor::Library library() { return Editor::Library(libraryFile()); }
-
   // A whole voice in our format, by that name.
   void storeVoice(const std::string& place, const std::string& name, std::uint8_t value = 0x41) {
     const Editor::BulkAddress header = *Editor::findName(place);
@@ -24,28 +21,14 @@ class Arrange : public Program {
   }
 
   std::string nameAt(const std::string& place) {
-    for (const std::string& line : lines(bda({"contents", place, "--json"}).out)) {
-      const Json json = Json::parse(line);
-      if (json["stored"]) return json["name"];
-    }
+    for (const Json& content : objects({"contents", place, "--json"}))
+      if (content["stored"]) return content["name"];
     return "-";
   }
   bool isFavourite(const std::string& place) {
-    for (const std::string& line : lines(bda({"contents", place, "--json"}).out))
-      if (Json::parse(line)["favourite"] != 0) return true;
+    for (const Json& content : objects({"contents", place, "--json"}))
+      if (content["favourite"] != 0) return true;
     return false;
-  }
-
-  // The objects that it says.
-  std::vector<Json> objects(const std::vector<std::string>& arguments) {
-    const Result run = bda(arguments);
-    EXPECT_THAT(run, Exits(0));
-    std::vector<Json> found;
-    for (const std::string& line : lines(run.out)) found.push_back(Json::parse(line));
-    return found;
-  }
-  static Json change(const std::string& place, const char* what, const Json& before, const Json& after) {
-    return {{"content", place}, {"what", what}, {"before", before}, {"after", after}};
   }
 };
 

@@ -13,7 +13,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
@@ -22,8 +21,6 @@ constexpr std::size_t kSystemAndFavourites = 14 + 15;
 
 class Backup : public Program {
  protected:
-  Editor::Library library() { return Editor::Library(directory / "library.db"); }
-
   // Something of every kind: file dumps, units, edit buffers, system and favourites.
   void fill() {
     Bytes favourites = blockDump({0x71, 0x0A, 0x00});
@@ -49,8 +46,7 @@ class Backup : public Program {
 
   std::vector<std::string> addressesOf(const char* file) {
     std::vector<std::string> addresses;
-    for (const std::string& line : lines(bda({"list", "--json", file}).out))
-      addresses.push_back(Json::parse(line)["address"]);
+    for (const Json& message : objects({"list", "--json", file})) addresses.push_back(message["address"]);
     return addresses;
   }
 };
@@ -242,6 +238,20 @@ TEST_F(Backup, whatTheFileDoesNotNameStays) {
   EXPECT_EQ(library().contents().size(), 2u);
 }
 
+TEST_F(Backup, whatARestoreReplacedOrRemovedIsTold) {
+  library().store(kUserVoice6, Bytes{1}, "Mine");
+  library().store(kMulti1, Bytes{1}, "Mine too");
+  write("a.syx", {unit(kUserVoice, BDA::List::normalVoice), unit({0x0E, 0x70, 0x00}, BDA::List::master),
+                  dump({0x0C, 0x50, 0x00}, {0, 0, 0, 0}), dump(kWriteTrigger)});
+  EXPECT_EQ(bda({"restore", "a.syx"}).err,
+            "removed: file:multi:1 \"Mine too\"\n"
+            "stored: voice:user1:6, replaces \"Mine\"\n"
+            "restored: 35 messages, 2 contents stored, 1 removed\n");
+  EXPECT_EQ(bda({"restore", "a.syx"}).err,
+            "nothing changes\n"
+            "restored: 35 messages, 0 contents stored, 0 removed, 2 as they were\n");
+}
+
 TEST_F(Backup, requestsAndOtherInstrumentsMessagesAreIgnored) {
   Bytes foreign = request({0, 0, 0});
   foreign[1] = 0x41;
@@ -303,6 +313,7 @@ TEST_F(Backup, aVerboseDryRunIsOneStreamInOrder) {
 TEST_F(Backup, aManifestNamesEveryContentWithTheHashThatContentsGives) {
   fill();
   ASSERT_THAT(bda({"backup", "-o", "backup.syx", "--manifest", "backup.json"}), Exits(0));
+  EXPECT_THAT(lines(read("backup.json")), SizeIs(1));
   const Json manifest = Json::parse(read("backup.json"));
   EXPECT_EQ(manifest["deviceNumber"], bda({"settings", "device-number"}).out.substr(0, 1));
   EXPECT_THAT(bda({"--version"}).out, HasSubstr(manifest["version"].get<std::string>()));

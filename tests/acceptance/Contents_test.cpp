@@ -20,7 +20,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-using Json = nlohmann::ordered_json;
 
 extern char** environ;
 
@@ -31,8 +30,6 @@ constexpr Editor::ContentId kRemote3{103, 2};
 
 class Contents : public Program {
  protected:
-  Editor::Library library() { return Editor::Library(directory / "library.db"); }
-
   // A fresh content of that kind.
   void store(Editor::ContentId id, const std::string& name) {
     Editor::Library(directory / "library.db").store(id, Editor::encodeContent(Editor::emptySetFor(id)), name);
@@ -41,10 +38,8 @@ class Contents : public Program {
   std::vector<std::string> names(const std::vector<std::string>& addresses) {
     std::vector<std::string> words{"contents", "--json"};
     words.insert(words.end(), addresses.begin(), addresses.end());
-    const Result run = bda(words);
-    EXPECT_THAT(run, Exits(0));
     std::vector<std::string> found;
-    for (const std::string& line : lines(run.out)) found.push_back(Json::parse(line)["content"]);
+    for (const Json& content : objects(words)) found.push_back(content["content"]);
     return found;
   }
 

@@ -7,7 +7,6 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
@@ -15,8 +14,6 @@ constexpr Editor::BulkAddress kUserVoice{0x0E, 0x0A, 0x05};
 
 class Diff : public Program {
  protected:
-  Editor::Library library(const char* name) { return Editor::Library(directory / name); }
-
   // Two libraries, b.db with everything that can differ: a voice with another name, one with another parameter and
   // another name, one that is equal, one in each that the other has not, opaque bytes, flags, the rest.
   void fillTwo() {

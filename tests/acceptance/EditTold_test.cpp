@@ -6,7 +6,6 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
@@ -18,19 +17,6 @@ class EditTold : public Program {
     write("voice.syx", {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 0x41)});
     EXPECT_THAT(bda({"receive", "-q", "voice.syx"}), Exits(0));
     EXPECT_THAT(bda({"rename", "-q", "voice:user1:6", "Piano"}), Exits(0));
-  }
-
-  Editor::Library library() { return Editor::Library(libraryFile()); }
-
-  std::vector<Json> objects(const Words& arguments) {
-    const Result run = bda(arguments);
-    EXPECT_THAT(run, Exits(0));
-    std::vector<Json> found;
-    for (const std::string& line : lines(run.out)) found.push_back(Json::parse(line));
-    return found;
-  }
-  static Json change(const std::string& place, const char* what, const Json& before, const Json& after) {
-    return {{"content", place}, {"what", what}, {"before", before}, {"after", after}};
   }
 };
 

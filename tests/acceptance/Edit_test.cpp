@@ -6,13 +6,11 @@
 #include "Program.h"
 
 using testing::HasSubstr;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
 class Edit : public Program {
  protected:
-  Editor::Library library() { return Editor::Library(directory / "library.db"); }
   void storeVoice() {
     write("voice.syx", {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 0x41)});
     ASSERT_THAT(bda({"receive", "-q", "voice.syx"}), Exits(0));

@@ -11,7 +11,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
@@ -29,13 +28,6 @@ class Explain : public Program {
   }
   Json at(const std::string& file, std::size_t offset) {
     return json({"explain", file, std::to_string(offset), "--json"});
-  }
-  std::vector<Json> objects(const std::vector<std::string>& arguments) {
-    const Result run = bda(arguments);
-    EXPECT_THAT(run, Exits(0));
-    std::vector<Json> all;
-    for (const std::string& line : lines(run.out)) all.push_back(Json::parse(line));
-    return all;
   }
 };
 
@@ -182,6 +174,15 @@ TEST_F(Explain, aTextOfHexDigitsIsExplainedDigitByDigit) {
   EXPECT_EQ(at("a.txt", 17)["part"], "outside");
   EXPECT_EQ(at("a.txt", 27)["address"], "0E 0A 05");
   EXPECT_THAT(objects({"explain", "a.txt", "--json"}), SizeIs(9));
+}
+
+TEST_F(Explain, anOffsetThatIsNoneIsSaidToBe) {
+  write("a.syx", {systemDump(1)});
+  for (const char* offset : {"1e3", "-1", "0x"}) {
+    const Result run = bda({"explain", "--", "a.syx", offset});
+    EXPECT_THAT(run, Exits(1)) << offset;
+    EXPECT_THAT(run.err, HasSubstr("expected the offset of a byte")) << offset;
+  }
 }
 
 TEST_F(Explain, insideOfAFileDumpItIsABytesPlaceInNameOrContent) {

@@ -14,7 +14,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
@@ -39,8 +38,7 @@ class Find : public Program {
   std::vector<Json> found(std::vector<std::string> words) {
     words.insert(words.begin(), {"find", "--json"});
     const Result run = bda(words);
-    std::vector<Json> objects;
-    for (const std::string& line : lines(run.out)) objects.push_back(Json::parse(line));
+    const std::vector<Json> objects = objectsOf(run.out);
     EXPECT_THAT(run, Exits(objects.empty() ? 3 : 0));
     return objects;
   }

@@ -12,7 +12,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
@@ -23,11 +22,6 @@ class History : public Program {
     ASSERT_THAT(bda({"receive", "-q", "voice.syx"}), Exits(0));
   }
   void ok(const std::vector<std::string>& words) { ASSERT_THAT(bda(words), Exits(0)) << testing::PrintToString(words); }
-  std::vector<Json> objects(const std::vector<std::string>& words) {
-    std::vector<Json> all;
-    for (const std::string& line : lines(bda(words).out)) all.push_back(Json::parse(line));
-    return all;
-  }
   std::vector<Json> history() { return objects({"history", "--json"}); }
   std::string backup() {
     ok({"backup", "-q", "-o", "backup.syx"});
@@ -166,7 +160,11 @@ TEST_F(History, aConflictNamesThePlaceAndChangesNothingWithoutForce) {
   ok({"undo", "2", "--force"});
   EXPECT_EQ(json({"show", "voice:user1:6", "--json"})["voice"]["name"], std::string(20, 'A'));
   EXPECT_THAT(bda({"undo", "99"}), Exits(3));
-  EXPECT_THAT(bda({"undo", "none"}), Exits(1));
+  for (const char* entry : {"none", "0", "-1", "18446744073709551616"}) {
+    const Result undo = bda({"undo", "--", entry});
+    EXPECT_THAT(undo, Exits(1)) << entry;
+    EXPECT_THAT(undo.err, HasSubstr("expected a number from 1 to 9223372036854775807")) << entry;
+  }
 }
 
 // ---- check, and what is damaged -------------------------------------------------------------------------------------

@@ -22,7 +22,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 using testing::StartsWith;
-using Json = nlohmann::ordered_json;
 
 namespace {
 

@@ -168,6 +168,15 @@ TEST_F(Judge, anEraserLooksLikeOne) {
   EXPECT_EQ(nlohmann::json::parse(objects[3])["removes"], nlohmann::json::array({"voice:user1:1"}));
 }
 
+TEST_F(Judge, aBrokenFileDumpDoesNotCountAsWritten) {
+  write("a.syx", {fileDump({0x0C, 0x0A, 0x01}, "Kept", {1}), dump({0x0C, 0x50, 0x05}, {0, 0, 0, 9, 0, 0x41}),
+                  dump({0x11, 0x00, 0x00})});
+  const Result verify = bda({"verify", "a.syx"});
+  EXPECT_THAT(verify, Exits(3));
+  EXPECT_THAT(verify.out, HasSubstr("1 file dump (messages 1 to 3)"));
+  EXPECT_THAT(verify.out, HasSubstr("; broken and not written: file:multi:6 of message 2"));
+}
+
 TEST_F(Judge, anEraserThatIsReplacedOrCannotBeStoredRemovesNothing) {
   write("a.syx",
         {dump({0x0C, 0x0A, 0x00}, Bytes(4)), fileDump({0x0C, 0x0A, 0x00}, "Kept", {1}), dump({0x11, 0x00, 0x00})});

@@ -10,7 +10,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 using testing::StartsWith;
-using Json = nlohmann::ordered_json;
 
 namespace {
 

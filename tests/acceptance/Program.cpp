@@ -10,8 +10,6 @@
 #include <fstream>
 #include <sstream>
 
-#include "contents/Library.h"
-
 extern char** environ;
 
 namespace {
@@ -122,16 +120,22 @@ Bytes Program::systemDump(std::uint8_t value) {
   return bytes;
 }
 
-nlohmann::ordered_json Program::json(const std::vector<std::string>& arguments) {
+Json Program::json(const std::vector<std::string>& arguments) {
   const Result result = bda(arguments);
   EXPECT_THAT(result, Exits(0));
-  return nlohmann::ordered_json::parse(result.out, nullptr, false);
+  return Json::parse(result.out, nullptr, false);
 }
 
-std::vector<nlohmann::ordered_json> Program::trace(const std::string& name) const {
-  std::vector<nlohmann::ordered_json> objects;
-  for (const std::string& line : lines(read(name))) objects.push_back(nlohmann::ordered_json::parse(line));
-  return objects;
+std::vector<Json> Program::objects(const std::vector<std::string>& arguments) {
+  const Result result = bda(arguments);
+  EXPECT_THAT(result, Exits(0));
+  return objectsOf(result.out);
+}
+
+std::vector<Json> Program::trace(const std::string& name) const { return objectsOf(read(name)); }
+
+Json Program::change(const std::string& place, const char* what, const Json& before, const Json& after) {
+  return {{"content", place}, {"what", what}, {"before", before}, {"after", after}};
 }
 
 std::vector<std::string> lines(const std::string& text) {
@@ -139,6 +143,12 @@ std::vector<std::string> lines(const std::string& text) {
   std::istringstream stream(text);
   for (std::string line; std::getline(stream, line);) found.push_back(line);
   return found;
+}
+
+std::vector<Json> objectsOf(const std::string& text) {
+  std::vector<Json> objects;
+  for (const std::string& line : lines(text)) objects.push_back(Json::parse(line));
+  return objects;
 }
 
 std::string text(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }

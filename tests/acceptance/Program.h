@@ -12,7 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "contents/Library.h"
 #include "editor/messages/BulkMessages.h"
+
+using Json = nlohmann::ordered_json;
 
 struct Result {
   int code = -1;  // -1: it did not end by itself
@@ -30,6 +33,8 @@ class Program : public testing::Test {
   Result bdaWithout(const std::string& variable, const std::vector<std::string>& arguments);
 
   std::filesystem::path libraryFile() const { return directory / "library.db"; }
+  // That one, or another of the directory.
+  Editor::Library library(const std::string& name = "library.db") const { return Editor::Library(directory / name); }
   // As on the first day: there is no library yet.
   void removeLibrary() { std::filesystem::remove(libraryFile()); }
 
@@ -45,15 +50,20 @@ class Program : public testing::Test {
   // All system blocks.
   static Bytes systemDump(std::uint8_t value);
 
-  nlohmann::ordered_json json(const std::vector<std::string>& arguments);
+  // The object, or the objects a line, that it says: it ends with 0.
+  Json json(const std::vector<std::string>& arguments);
+  std::vector<Json> objects(const std::vector<std::string>& arguments);
   // The trace that `name` holds, one object for each message.
-  std::vector<nlohmann::ordered_json> trace(const std::string& name) const;
+  std::vector<Json> trace(const std::string& name) const;
+  // A change as the verbs and the history say it.
+  static Json change(const std::string& place, const char* what, const Json& before, const Json& after);
 
   std::filesystem::path directory;
 };
 
 // Lines of a text.
 std::vector<std::string> lines(const std::string& text);
+std::vector<Json> objectsOf(const std::string& lines);
 std::string text(const Bytes& bytes);
 
 MATCHER_P(Exits, code, "") {

@@ -9,7 +9,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
-using Json = nlohmann::ordered_json;
 
 namespace {
 

@@ -1,9 +1,9 @@
 // receive: what comes in, what is said of it, and what is in the library afterwards.
 
+#include <cstdlib>
+
 #include "Library.h"
 #include "Program.h"
-
-#include "contents/Library.h"
 
 using Editor::BulkAddress;
 using testing::AllOf;
@@ -52,6 +52,15 @@ TEST_F(Receive, theLastLineCountsContentsAndARemovalIsNotStored) {
   const Result run = bda({"receive", "b.syx"});
   EXPECT_THAT(run, Exits(0));
   EXPECT_THAT(lines(run.err), ElementsAre("1 stored, 1 removed, 2 accepted"));
+}
+
+TEST_F(Receive, theVoiceOfAPartSetsTheEffectsOfTheMulti) {
+  const Editor::MidLo part = Editor::headerOf(Editor::EditBuffer::partVoice, 2);
+  write("a.syx", {unit({0x0E, part.mid, part.lo}, BDA::List::normalVoice, 1)});
+  const Result run = bda({"receive", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.out, HasSubstr("; sets the effects of multi:edit\n"));
+  EXPECT_THAT(bda({"history", "-v"}).out, HasSubstr("multi:edit"));
 }
 
 TEST_F(Receive, whatARefusedTriggerStoredIsCounted) {
@@ -172,7 +181,7 @@ TEST_F(Receive, aFileDumpOfNothingRemovesAndIsToldSo) {
   ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
   const Result run = bda({"receive", "b.syx"});
   EXPECT_THAT(run, Exits(0));
-  EXPECT_EQ(run.out, "removed: file:multi:5 (b.syx: message 2 at offset 16)\n");
+  EXPECT_EQ(run.out, "removed: file:multi:5 (b.syx: message 2 at offset 16), it was \"A\"\n");
   EXPECT_THAT(bda({"contents"}).out, Not(HasSubstr("multi:5")));
 }
 
@@ -323,4 +332,61 @@ TEST_F(Receive, aLockedLibraryIsToldAndNothingIsChanged) {
   EXPECT_THAT(run.err, HasSubstr("a.syx: message 1 at offset 0: not handled, nor is anything after it: "));
   EXPECT_THAT(run.err, HasSubstr("locked by another program"));
   EXPECT_THAT(run.out, IsEmpty());
+}
+
+// ---- As JSON ----
+
+TEST_F(Receive, asJsonItSaysTheLinesOfTheTrace) {
+  write("a.syx", {unit(kHeader, BDA::List::normalVoice, 1), damaged(blockDump({0, 0, 0})), request({0, 0x40, 0}),
+                  dump({0, 0x40, 0}, Bytes(8), 3)});
+  const Result run = bda({"receive", "--json", "a.syx", "--trace", "trace", "-o", "answers.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_EQ(run.out, read("trace"));
+  ASSERT_THAT(objectsOf(run.out), SizeIs(29));
+  EXPECT_EQ(objectsOf(run.out)[25]["outcome"], "stored");
+  EXPECT_EQ(objectsOf(run.out)[25]["contents"].dump(), R"(["voice:user1:6"])");
+  EXPECT_THAT(run.err, HasSubstr("checksum wrong"));
+  EXPECT_EQ(lines(run.err).back(), "1 stored, 1 answered, 25 accepted, 2 refused");
+  EXPECT_EQ(bda({"receive", "--json", "-q", "a.syx", "--library", "quiet.db"}).out, run.out);
+  EXPECT_EQ(bda({"receive", "--json", "-v", "a.syx", "--library", "loud.db"}).out, run.out);
+}
+
+TEST_F(Receive, asJsonADryRunSaysWhatWouldBecomeOfEach) {
+  write("a.syx", {unit(kHeader, BDA::List::normalVoice, 1)});
+  const std::string before = read("library.db");
+  const Result run = bda({"receive", "--json", "--dry-run", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_TRUE(read("library.db") == before);
+  EXPECT_EQ(bda({"receive", "--json", "a.syx"}).out, run.out);
+}
+
+TEST_F(Receive, asJsonWhatIsHandedToNobodyHasNoObject) {
+  const std::string whole = text(unit(kHeader, BDA::List::normalVoice, 1));
+  write("a.syx", whole.substr(0, whole.size() - blockDump(kFooter).size()) + text(blockDump({0, 0x40, 0})));
+  const Result run = bda({"receive", "--json", "--whole", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  ASSERT_THAT(objectsOf(run.out), SizeIs(1));
+  EXPECT_EQ(objectsOf(run.out)[0]["message"], 26);
+  EXPECT_EQ(objectsOf(run.out)[0]["outcome"], "completed");
+}
+
+TEST_F(Receive, asJsonItLeavesStandardOutputToAnswersAndTrace) {
+  write("a.syx", {request({0, 0x40, 0})});
+  const Result run = bda({"receive", "--json", "a.syx", "-o", "-"});
+  EXPECT_EQ(run.out, text(blockDump({0, 0x40, 0})));
+  EXPECT_EQ(Json::parse(lines(run.err)[0])["outcome"], "answered");
+  const Result traced = bda({"receive", "--json", "a.syx", "--trace", "-"});
+  EXPECT_EQ(lines(traced.out)[0], lines(traced.err)[0]);
+}
+
+// Who reads the objects waits for each.
+TEST_F(Receive, asJsonEachObjectIsFlushed) {
+  write("a.syx", {blockDump({0, 0x40, 0}), blockDump({0, 0, 0})});
+  const std::string command = "cd " + directory.string() +
+                              " && mkfifo in out && { BDA_LIBRARY=library.db " BDA_PROGRAM
+                              " receive -q --json in >out & } && exec 4<>out 3>in && head -c " +
+                              std::to_string(blockDump({0, 0x40, 0}).size()) +
+                              " a.syx >&3 && read -r line <&4 && echo \"$line\" >first && exec 3>&- && wait";
+  ASSERT_EQ(std::system(("timeout 30 bash -c '" + command + "'").c_str()), 0);
+  EXPECT_EQ(Json::parse(read("first"))["outcome"], "completed");
 }

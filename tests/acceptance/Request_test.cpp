@@ -16,6 +16,18 @@ class Request : public Program {};
 
 }  // namespace
 
+TEST_F(Request, whatIsAlikeOfManyPlacesIsToldTwentyTimesAndCounted) {
+  const Result voices = bda({"request", "voice:user1"});
+  EXPECT_THAT(voices, Exits(3));
+  EXPECT_THAT(lines(voices.err), SizeIs(22));
+  EXPECT_THAT(voices.err, HasSubstr("and 108 more: nothing is stored there\n"));
+  const Result erasers = bda({"request", "file:voice:user1", "-o", "a.syx"});
+  EXPECT_THAT(erasers, Exits(0));
+  EXPECT_THAT(erasers.err,
+              HasSubstr("and 108 more: nothing is stored there: this dump has whoever receives it remove"));
+  EXPECT_EQ(bda({"-q", "request", "file:voice:user1", "-o", "a.syx"}).err, "");
+}
+
 TEST_F(Request, eachOfTheFourteenSystemBlocksIsAnsweredByItself) {
   for (const Editor::BulkAddress address : Editor::systemAddresses()) {
     const Result run = bda({"request", formatAddress(address)});

@@ -9,7 +9,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 using testing::SizeIs;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
@@ -22,11 +21,6 @@ class Salvage : public Program {
   static std::string without(const Bytes& whole, const Bytes& message) {
     std::string bytes = text(whole);
     return bytes.erase(bytes.find(text(message)), message.size());
-  }
-  static std::vector<Json> objects(const std::string& out) {
-    std::vector<Json> found;
-    for (const std::string& line : lines(out)) found.push_back(Json::parse(line));
-    return found;
   }
 };
 
@@ -67,7 +61,7 @@ TEST_F(Salvage, whatIsLostIsListedAndItsRequestsAreAnsweredByTheInstrument) {
   const Result run = bda({"salvage", "a.syx", "-o", "good.syx", "--requests", "r.syx", "--json"});
   EXPECT_THAT(run, Exits(3));
   std::vector<Json> lost;
-  for (const Json& unit : objects(run.out))
+  for (const Json& unit : objectsOf(run.out))
     if (unit["state"] == "lost") lost.push_back(unit);
   ASSERT_THAT(lost, SizeIs(2));
   EXPECT_EQ(lost[0]["unit"], "voice:user1:6");
@@ -87,6 +81,51 @@ TEST_F(Salvage, remainsOfTwoSoundsNeverBecomeOne) {
   EXPECT_THAT(run, Exits(3));
   EXPECT_FALSE(exists("good.syx"));
   EXPECT_THAT(run.err, HasSubstr("nothing is whole: nothing is written"));
+}
+
+// The end of the one and the beginning of the other are swallowed, and what is left of a message stands between them:
+// every block is there.
+TEST_F(Salvage, whatStandsBehindDamageIsOfAnotherCapture) {
+  const std::string one = text(voice(1));
+  const std::string two = text(voice(2));
+  const std::size_t first = one.find(text(blockDump(kElement, 1)));
+  const std::size_t second = two.find(text(blockDump(kElement, 2)));
+  Bytes foreign = blockDump(kElement);
+  foreign[1] = 0x41;
+  for (const std::string& between : {two.substr(second - 7, 7), one.substr(first, 30), one.substr(first, 5),
+                                     text(damaged(blockDump(kElement, 2))), text(foreign)}) {
+    write("a.syx", one.substr(0, first) + between + two.substr(second));
+    const Result run = bda({"salvage", "a.syx", "-o", "good.syx"});
+    EXPECT_THAT(run, Exits(3));
+    EXPECT_THAT(run.out, HasSubstr("lost: voice:user1:6"));
+    EXPECT_FALSE(exists("good.syx"));
+  }
+  Bytes forAnotherDevice = voice(1);
+  for (std::size_t i = first; i + 2 < forAnotherDevice.size(); ++i)
+    if (forAnotherDevice[i] == 0xF0) forAnotherDevice[i + 2] = 3;
+  write("a.syx", {forAnotherDevice});
+  EXPECT_THAT(bda({"salvage", "a.syx", "-o", "good.syx"}), Exits(3));
+  const std::string clock = "\xF8";
+  write("a.syx", one.substr(0, first) + clock + one.substr(first, 20) + clock + one.substr(first + 20));
+  EXPECT_THAT(bda({"salvage", "a.syx", "-o", "good.syx"}), Exits(0));
+  EXPECT_EQ(read("good.syx"), one);
+}
+
+TEST_F(Salvage, whatNoRequestCanFetchIsSaid) {
+  const std::string whole = text(voice());
+  const std::string blocks = whole.substr(blockDump(kVoice).size(), 200);
+  write("a.syx", text(blockDump({0x00, 0x40, 0x00})) + blocks + text(damaged(dump({0x7F, 0x00, 0x00}))));
+  const Result run = bda({"salvage", "a.syx", "-o", "good.syx", "--requests", "r.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("lost, and no request can fetch it: blocks of no known unit, normal voice common"));
+  EXPECT_THAT(run.err, HasSubstr("no requests are written"));
+  EXPECT_THAT(run.err, Not(HasSubstr("nothing has to be requested")));
+  EXPECT_FALSE(exists("r.syx"));
+  write("b.syx", text(damaged(dump({0x7F, 0x00, 0x00}))) + text(damaged(blockDump({0x00, 0x40, 0x00}))));
+  const Result other = bda({"salvage", "b.syx", "-o", "good.syx", "--requests", "r.syx"});
+  EXPECT_THAT(other, Exits(3));
+  EXPECT_THAT(other.err, HasSubstr("lost, and no request can fetch it: what was in 1 broken message"));
+  EXPECT_EQ(read("r.syx"), text(request({0x00, 0x40, 0x00})));
 }
 
 TEST_F(Salvage, mergingIsAskedForAndSaid) {

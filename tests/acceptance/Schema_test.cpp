@@ -23,11 +23,13 @@ Json schemaText() { return Json::parse(std::ifstream(BDA_SOURCE_DIR "/program/bd
 const std::map<std::string, std::set<std::string>> kOptional{
     {"list", {"name", "note", "verdict"}},
     {"verify", {"name", "note", "verdict"}},
+    {"convert", {"from", "removes"}},
     {"explain", {"device", "parameters", "unused", "content", "contentByte", "nameByte", "reason"}},
     {"salvage", {"corrected", "merged"}},
     {"find", {"message", "parameters"}},
     {"diff", {"name", "aName", "bName"}},
     {"show", {"target", "voice"}},  // without it the rest is a multi
+    {"receive", {"name", "contents", "missing"}},
     {"trace", {"name", "contents", "missing"}},
 };
 
@@ -168,6 +170,9 @@ class Schema : public Program {
 const std::vector<std::vector<std::string>> kRuns{
     {"list", "--json", "all.syx"},
     {"verify", "--json", "all.syx"},
+    {"convert", "--json", "all.syx", "--split", "units"},
+    {"convert", "--json", "all.syx", "-o", "all.txt"},
+    {"convert", "--json", "voice.syx", "--place", "voice:user1:9", "-o", "placed.syx"},
     {"explain", "--json", "bytes.syx"},
     {"explain", "--json", "--names", "names", "voice.syx", "52"},
     {"salvage", "--json", "one.syx", "other.syx", "-o", "good.syx"},
@@ -192,7 +197,7 @@ const std::vector<std::vector<std::string>> kRuns{
     {"show", "voice:user1:8", "drum:edit", "multi:edit", "master:edit", "remote:edit", "system", "additional",
      "performance:edit", "--json"},
     {"show", "voice:user1:8", "--json"},
-    {"receive", "all.syx"},
+    {"receive", "all.syx", "--json"},
     {"apply", "system", "system.json", "--json"},
     {"diff", "library.db", "voice.syx", "--json"},
     {"diff", "voice.syx", "louder.syx", "--names", "names", "--json"},

@@ -13,9 +13,9 @@ namespace {
 class Usage : public Program {
  protected:
   static std::vector<std::string> verbs() {
-    return {"list", "verify", "explain",  "salvage",   "receive", "request", "screen", "contents", "find",
-            "show", "apply",  "rename",   "favourite", "remove",  "copy",    "move",   "swap",     "history",
-            "undo", "check",  "settings", "backup",    "restore", "diff",    "help"};
+    return {"list",    "verify", "convert", "explain",  "salvage",   "receive", "request", "screen", "contents",
+            "find",    "show",   "apply",   "rename",   "favourite", "remove",  "copy",    "move",   "swap",
+            "history", "undo",   "check",   "settings", "backup",    "restore", "diff",    "help"};
   }
 };
 

@@ -22,7 +22,7 @@ class MemoryContentStore final : public ContentStore {
   std::map<std::string, ModelSet> live;
   std::int64_t mixingVoices = 0;
   std::int64_t mostMixingVoices = 2048;
-  std::string failure;  // not empty: every store fails with it, every question throws it
+  std::string failure;  // not empty: every store and live model fails with it, every question throws it
 
   std::vector<std::vector<std::string>> liveStores;  // the keys of each storeLive, in order
 
@@ -50,6 +50,7 @@ class MemoryContentStore final : public ContentStore {
   std::int64_t mixingVoiceMaximum() override { return mostMixingVoices; }
 
   Loaded loadLive(const std::string& key, ModelSet& models, std::string& why) override {
+    if (fails(why)) return Loaded::failed;
     const auto found = live.find(key);
     return found == live.end() ? Loaded::empty : load(found->second, models, why);
   }

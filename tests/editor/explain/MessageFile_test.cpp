@@ -85,6 +85,14 @@ TEST(MessageFile, whatIsNoDigitInATextEndsTheMessageAndItsLine) {
                                           "23:outside of any message", "26:outside of any message"));
 }
 
+TEST(MessageFile, realTimeBytesAndLossesOfATextAreKnownWhereTheyStand) {
+  const MessageFile file(text("F0 F8 01 F7 05 F0 02 90 F7"));
+  EXPECT_THAT(placesIn(file),
+              ElementsAre("0:1.0", "3:real-time", "6:1.1", "9:1.2", "12:outside of any message",
+                          "15:message cut short by another status byte", "18:message cut short by another status byte",
+                          "21:outside of any message", "24:outside of any message"));
+}
+
 TEST(MessageFile, aFileOfSomethingElseIsNotUsable) {
   for (const char* other : {"", "hello", "{\"a\": 1}"}) EXPECT_FALSE(MessageFile(text(other)).isUsable()) << other;
   EXPECT_EQ(MessageFile(text("hello")).describe(), "text");

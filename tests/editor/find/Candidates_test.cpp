@@ -102,35 +102,5 @@ TEST_F(CandidatesTest, anAddressIsThatOfAContentOrAnEditBuffer) {
   }
 }
 
-// ---- Kinds ----
-
-TEST(ContentKind, isKnownOfEveryContentAndHasItsShape) {
-  const std::vector<std::pair<ContentId, ContentKind>> expected{{{4, 0x3F0000}, ContentKind::voice},
-                                                                {{4, voiceContentNumber(11, 0)}, ContentKind::drum},
-                                                                {{4, voiceContentNumber(14, 0)}, ContentKind::drum},
-                                                                {{4, mixingVoiceNumber(0, 3)}, ContentKind::mix},
-                                                                {{4, mixingVoiceNumber(9, 3)}, ContentKind::mix},
-                                                                {{1, 127}, ContentKind::multi},
-                                                                {{kContentPerformance, 200}, ContentKind::performance},
-                                                                {{kContentMaster, 3}, ContentKind::master},
-                                                                {{kContentRemote, 3}, ContentKind::remote},
-                                                                {{ContSrv::ContType_Single, 0}, ContentKind::single}};
-  for (const auto& [id, kind] : expected) {
-    ASSERT_TRUE(isContent(id)) << id.type << ' ' << id.number;
-    EXPECT_EQ(contentKindOf(id), kind) << wordOf(kind);
-    EXPECT_TRUE(haveSameShape(emptySetFor(id), emptySetFor(kind))) << wordOf(kind);
-  }
-}
-
-TEST(ContentKind, hasAWord) {
-  const std::vector<std::string> words = contentKindWords();
-  EXPECT_THAT(words, ElementsAre("voice", "drum", "mix", "multi", "performance", "master", "remote", "single"));
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    EXPECT_EQ(wordOf(ContentKind(i)), words[i]);
-    EXPECT_EQ(findContentKind(words[i]), ContentKind(i));
-  }
-  EXPECT_FALSE(findContentKind("voices"));
-}
-
 }  // namespace
 }  // namespace Editor

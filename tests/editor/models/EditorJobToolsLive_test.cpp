@@ -11,6 +11,7 @@ namespace {
 
 using namespace CMA::JOB;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 // ---- Which models are live -----------------------------------------------------------------------------------------
@@ -401,17 +402,37 @@ TEST_F(LiveStore, ReadsAnewWhatWasTakenBack) {
   EXPECT_THAT(saveChanged(), ElementsAre("multi", "part:2"));
 }
 
-TEST_F(LiveStore, RefusesToStartOverModelsThatCannotBeRead) {
+TEST_F(LiveStore, TakesWhatIsDamagedAsNewAndLeavesItAsItIsUntilItIsReplaced) {
   store_.live["drum"] = emptySetFor(4);
-  try {
-    EditorJobTools tools(store_);
-    FAIL() << "the next save would overwrite them";
-  } catch (const LiveModelError& error) {
-    EXPECT_STREQ(error.what(), "the live models \"drum\" cannot be read: other models than asked for");
-  }
-  const ModelSet multi = tools_->live(EditBuffer::multi);
-  EXPECT_THROW(tools_->reload(), LiveModelError);
-  EXPECT_EQ(tools_->live(EditBuffer::multi), multi);
+  EditorJobTools tools(store_);
+  EXPECT_THAT(tools.damage(EditBuffer::drumVoice), HasSubstr("other models than asked for"));
+  EXPECT_EQ(tools.damage(EditBuffer::normalVoice), "");
+  EXPECT_EQ(tools.live(EditBuffer::drumVoice), emptySetFor(8));
+  std::vector<std::string> saved;
+  set(tools.getSystemModel()->getUtility(), 0, 1);
+  EXPECT_TRUE(tools.saveChanged(saved));
+  EXPECT_THAT(saved, ElementsAre("system"));
+  EXPECT_EQ(store_.live["drum"], emptySetFor(4));
+  EXPECT_TRUE(tools.replaceLive(EditBuffer::drumVoice, 0, emptySetFor(8)));
+  EXPECT_EQ(tools.damage(EditBuffer::drumVoice), "");
+  EXPECT_EQ(store_.live["drum"], emptySetFor(8));
+}
+
+TEST_F(LiveStore, KeepsTheVoicesOfTheKindThatIsStoredWhereTheirMultiIsDamaged) {
+  store_.live["multi"] = emptySetFor(4);
+  store_.live["part:3"] = emptySetFor(8);
+  EditorJobTools tools(store_);
+  EXPECT_TRUE(tools.live(EditBuffer::partVoice, 3).voice->isDrum());
+  EXPECT_THAT(tools.damage(EditBuffer::partVoice, 3), HasSubstr("damaged")) << "with its multi";
+  std::vector<std::string> saved;
+  tools.getVoiceModel(0);
+  EXPECT_TRUE(tools.saveChanged(saved));
+  EXPECT_EQ(store_.live["part:3"], emptySetFor(8));
+}
+
+TEST_F(LiveStore, RefusesToStartWhereTheStoreFails) {
+  store_.failure = "the disk is full";
+  EXPECT_THROW(EditorJobTools{store_}, LiveModelError);
 }
 
 RC_GTEST_FIXTURE_PROP(LiveStore, HasExactlyTheLiveModelsAfterEverySave, ()) {

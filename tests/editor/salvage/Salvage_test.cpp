@@ -1,111 +1,16 @@
 #include "salvage/Salvage.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include <algorithm>
+#include <functional>
 
-#include <random>
-
+#include "SalvageFixture.h"
 #include "acceptance/Library.h"
-#include "editor/messages/BulkMessages.h"
 
 using Editor::BulkAddress;
-using Editor::formatAddress;
-using Editor::Salvage;
 using Editor::Salvaged;
-using Editor::SalvageResult;
-using State = Salvaged::State;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-namespace {
-
-constexpr BulkAddress kVoice6{0x0E, 0x0A, 0x05};
-constexpr BulkAddress kVoice7{0x0E, 0x0A, 0x06};
-constexpr BulkAddress kElement{0x41, 0x02, 0x00};
-constexpr BulkAddress kCommon{0x00, 0x00, 0x00};
-
-BulkAddress footerOf(BulkAddress header) { return {0x0F, header.mid, header.lo}; }
-
-// The messages of a unit, block by block.
-struct Unit {
-  explicit Unit(BulkAddress header, std::uint8_t value = 0, BDA::List list = BDA::List::normalVoice) {
-    messages.push_back(blockDump(header));
-    for (const BulkAddress block : blocksOf(list)) messages.push_back(blockDump(block, value));
-    messages.push_back(blockDump(footerOf(header)));
-  }
-  Unit without(BulkAddress address) const {
-    Unit unit = *this;
-    std::erase_if(unit.messages, [&](const Bytes& one) { return Editor::readMessage(one).address == address; });
-    return unit;
-  }
-  // The blocks from the `first`th to before the `last`th, 0 is the header.
-  Unit part(std::size_t first, std::size_t last) const {
-    Unit unit = *this;
-    unit.messages.assign(messages.begin() + std::ptrdiff_t(first), messages.begin() + std::ptrdiff_t(last));
-    return unit;
-  }
-  Unit with(BulkAddress address, const Bytes& instead) const {
-    Unit unit = *this;
-    for (Bytes& one : unit.messages)
-      if (Editor::readMessage(one).address == address) one = instead;
-    return unit;
-  }
-  std::vector<Bytes> messages;
-};
-
-class Salvaging : public testing::Test {
- public:
-  Salvaging& file() {
-    ++source_;
-    return *this;
-  }
-  Salvaging& send(const Bytes& message) {
-    salvage().add({std::size_t(source_), ++number_, 0, message, std::nullopt});
-    return *this;
-  }
-  Salvaging& send(const Unit& unit) {
-    for (const Bytes& message : unit.messages) send(message);
-    return *this;
-  }
-  Salvaging& cutShort(const Bytes& message, std::size_t length) {
-    salvage().addFragment(std::size_t(source_), std::span(message).first(length));
-    return *this;
-  }
-  const SalvageResult& result() {
-    if (!result_) result_ = salvage().finish();
-    return *result_;
-  }
-  // "voice:user1:6 whole 0"
-  std::vector<std::string> units() {
-    std::vector<std::string> words;
-    for (const Salvaged& unit : result().units) {
-      words.push_back(Editor::nameOrBytes(unit.address) + " " + wordOf(unit.state));
-      for (const std::size_t source : unit.from) words.back() += " " + std::to_string(source);
-    }
-    return words;
-  }
-  std::vector<Bytes> kept() {
-    std::vector<Bytes> messages;
-    for (const Editor::Piece& piece : result().messages) messages.push_back(piece.bytes);
-    return messages;
-  }
-
-  Salvage::Options options;
-
- private:
-  Salvage& salvage() {
-    if (!salvage_) salvage_.emplace(options);
-    return *salvage_;
-  }
-
-  std::optional<Salvage> salvage_;
-  std::optional<SalvageResult> result_;
-  int source_ = -1;
-  std::uint64_t number_ = 0;
-};
-
-}  // namespace
 
 TEST_F(Salvaging, keepsWholeUnitsAndSingleBlocksInTheOrderOfABackup) {
   const Unit voice(kVoice6);
@@ -382,33 +287,86 @@ TEST_F(Salvaging, requestsAreForTheDeviceThatSentTheRest) {
   EXPECT_EQ(result().unknown, 0u) << "it is the block that the unit lacks";
 }
 
-// Files of one sound each, with messages that are lost, broken or sent twice.
-TEST_F(Salvaging, whatIsKeptIsAlwaysOneSound) {
-  std::mt19937 random(1);
-  const auto isOneIn = [&random](unsigned many) { return random() % many == 0; };
-  const Unit sounds[] = {Unit(kVoice6, 1), Unit(kVoice6, 2)};
-  unsigned keptUnits = 0;
-  unsigned completedUnits = 0;
-  for (int i = 0; i < 200; ++i) {
-    Salvage salvage({});
-    std::uint64_t number = 0;
-    for (std::size_t source = 0; source < 3; ++source) {
-      const unsigned loss = std::vector{3U, 30U, 300U}[random() % 3];
-      for (const Bytes& message : sounds[random() % 8 == 0].messages) {
-        if (isOneIn(loss)) continue;
-        const Bytes sent = isOneIn(loss) ? damaged(message) : message;
-        for (int times = isOneIn(30) ? 2 : 1; times > 0; --times)
-          salvage.add({source, ++number, 0, sent, std::nullopt});
-      }
-    }
-    std::vector<Bytes> kept;
-    const SalvageResult result = salvage.finish();
-    for (const Editor::Piece& piece : result.messages) kept.push_back(piece.bytes);
-    if (kept.empty()) continue;
-    ++keptUnits;
-    completedUnits += result.units[0].state == State::completed;
-    ASSERT_TRUE(kept == sounds[0].messages || kept == sounds[1].messages) << i;
+// ---- What stands inside of a unit ----
+
+// The first blocks of one voice and the last of another of the same place: together they have every block.
+TEST_F(Salvaging, whatStandsInsideOfAUnitMayHaveSwallowedTheEndOfOneSoundAndTheBeginningOfTheNext) {
+  const auto sending = [](const Bytes& message) { return [message](Salvaging& to) { to.send(message); }; };
+  const auto cuttingShort = [](const Bytes& message, std::size_t length) {
+    return [message, length](Salvaging& to) { to.cutShort(message, length); };
+  };
+  Bytes countWrong = blockDump(kElement, 1);
+  countWrong.erase(countWrong.end() - 5);
+  Bytes ofNoType = blockDump(kElement, 1);
+  ofNoType[2] = 0x70;
+  Bytes ofOtherType = blockDump(kElement, 1);
+  ofOtherType[2] = 0x10;
+  Bytes foreign = blockDump(kElement, 1);
+  foreign[1] = 0x41;
+  const std::pair<const char*, std::function<void(Salvaging&)>> between[] = {
+      {"a wrong checksum", sending(damaged(blockDump(kElement, 1)))},
+      {"of a single block", sending(damaged(blockDump(kCommon)))},
+      {"of a file dump", sending(damaged(fileDump({0x0C, 0x50, 0x04}, "One", {1})))},
+      {"a wrong byte count", sending(countWrong)},
+      {"the length of another block", sending(dump(kElement, Bytes(3)))},
+      {"an unknown address", sending(dump({0x7F, 0x00, 0x00}))},
+      {"no type", sending(ofNoType)},
+      {"a type of something else", sending(ofOtherType)},
+      {"another instrument's", sending(foreign)},
+      {"a file dump", sending(fileDump({0x0C, 0x50, 0x04}, "One", {1}))},
+      {"an eraser", sending(dump({0x0E, 0x31, 0x40}))},
+      {"cut short behind its address", cuttingShort(blockDump(kElement, 1), 12)},
+      {"cut short before it", cuttingShort(blockDump(kElement, 1), 5)},
+      {"another instrument's cut short", cuttingShort(foreign, 12)},
+      {"of which nothing is known", cuttingShort({}, 0)},
+      {"in no message", [](Salvaging& to) { to.loose(); }}};
+  for (const auto& [what, send] : between) {
+    SCOPED_TRACE(what);
+    anew().file().send(Unit(kVoice6, 1).part(0, 10));
+    send(*this);
+    this->send(Unit(kVoice6, 2).part(10, 26));
+    EXPECT_THAT(units(), testing::Contains("voice:user1:6 lost 0"));
+    EXPECT_THAT(result().requests, testing::Contains(request(kVoice6)));
+    EXPECT_EQ(result().unknown, 0U) << "it is what the unit lacks";
+    options.merges = true;
+    anew().file().send(Unit(kVoice6, 1).part(0, 10));
+    send(*this);
+    this->send(Unit(kVoice6, 2).part(10, 26));
+    EXPECT_THAT(units(), testing::Contains("voice:user1:6 completed 0"));
+    EXPECT_TRUE(std::ranges::any_of(result().units, &Salvaged::isMerged));
+    options.merges = false;
   }
-  EXPECT_GT(keptUnits, 20U);
-  EXPECT_GT(completedUnits, 10U);
+}
+
+TEST_F(Salvaging, aUnitIsForOneDevice) {
+  const Unit whole(kVoice6, 1);
+  Unit forAnother = whole;
+  for (Bytes& message : forAnother.messages) message[2] = 3;
+  for (const bool merges : {false, true}) {
+    options.merges = merges;
+    anew().file().send(whole.part(0, 10)).send(forAnother.part(10, 26));
+    EXPECT_THAT(units(), ElementsAre("voice:user1:6 lost 0"));
+    anew().file().send(whole.part(0, 25)).send(forAnother.part(25, 26));
+    EXPECT_THAT(units(), ElementsAre("voice:user1:6 lost 0"));
+    anew().file().send(whole.part(0, 20)).file().send(forAnother.part(5, 26));
+    EXPECT_THAT(units(), ElementsAre("voice:user1:6 lost 0 1"));
+    anew().file().send(whole).send(forAnother);
+    EXPECT_EQ(kept(), forAnother.messages);
+  }
+}
+
+TEST_F(Salvaging, anotherCaptureJoinsWhatStandsBeforeAndBehindTheDamage) {
+  const Unit whole(kVoice6, 1);
+  file().send(whole.part(0, 10)).send(damaged(blockDump(kElement, 1))).send(whole.part(11, 26));
+  file().send(whole.part(0, 20)).loose().send(whole.part(20, 26));
+  EXPECT_THAT(units(), ElementsAre("voice:user1:6 completed 0 1"));
+  EXPECT_EQ(kept(), whole.messages);
+}
+
+TEST_F(Salvaging, whatStandsBetweenUnitsIsNoHarm) {
+  const Unit six(kVoice6, 1);
+  const Unit seven(kVoice7, 2);
+  file().loose().send(six).loose().cutShort({0xF0, 0x41, 0x00}, 3).send(seven).loose();
+  EXPECT_THAT(units(), ElementsAre("voice:user1:6 whole 0", "voice:user1:7 whole 0"));
+  EXPECT_EQ(result().unknown, 0U);
 }

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "messages/Units.h"
+#include "targets/ContentKind.h"
+
+namespace Editor {
+
+// Messages on their way from files into files, in their order, and the whole units among them.
+struct Batch {
+  struct Unit {
+    enum class Form : std::uint8_t {
+      blocks,    // header to footer, as a UnitFollower finds it complete
+      fileDump,  // one good message; the trigger behind it is none of its messages
+      json,      // what `show --json` printed: no messages yet, one that is empty keeps its place
+    };
+
+    Form form = Form::blocks;
+    std::string place;                      // readable: the same for all addresses of a content; of JSON may be ""
+    std::optional<BulkAddress> address;     // of its header or file dump, of `system` its first block; of JSON none
+    ContentKind kind = ContentKind::voice;  // not of JSON
+    bool removes = false;                   // a file dump without data: it removes what stands in its place
+    nlohmann::ordered_json object = {};     // of JSON, without its "target"
+  };
+  struct Message {
+    std::vector<std::uint8_t> bytes;
+    std::optional<std::size_t> unit = {};  // which one it is part of; nothing: it is of none
+    std::vector<std::size_t> writes = {};  // of a trigger: the units that it has written
+  };
+
+  std::vector<Unit> units;  // in the order in which they begin
+  std::vector<Message> messages;
+  struct BrokenDump {
+    BulkAddress address;
+    std::uint64_t message;  // its number, from 1
+    std::string why;
+  };
+  std::vector<UnitReport> broken;       // what is no whole unit, by the numbers of its messages, from 1
+  std::vector<BrokenDump> brokenDumps;  // file dumps that are none
+
+  // The places of the messages of each unit, in their order.
+  std::vector<std::vector<std::size_t>> messagesByUnit() const;
+};
+
+// Makes a batch. A file dump is a unit whether its trigger comes or not: its content is whole.
+class BatchBuilder {
+ public:
+  // The next message F0..F7.
+  void add(std::span<const std::uint8_t> message);
+  // What `show --json` printed, in the place of its dumps. Throws TargetJsonError when its "target" is none.
+  void addJson(nlohmann::ordered_json object);
+  // The last call.
+  Batch finish();
+
+ private:
+  struct Found {
+    Batch::Unit unit;
+    std::vector<std::uint64_t> messages;  // numbers from 1
+  };
+  struct Written {
+    std::uint64_t trigger;
+    std::vector<std::uint64_t> fileDumps;
+  };
+
+  void take(const std::vector<UnitReport>& reports);
+  ContentKind kindOfBlocks(const UnitReport& report) const;
+
+  Batch batch_;
+  UnitFollower follower_;
+  std::vector<Found> found_;
+  std::vector<Written> written_;
+};
+
+// ---- What is changed in all of them, or in one ----
+
+// Addresses a dump to another block, with the checksum that it then has.
+void readdress(std::vector<std::uint8_t>& dump, BulkAddress address);
+// For the device of that number, from 1. Only this instrument's messages have one, and no checksum covers it.
+void setDevice(std::vector<std::uint8_t>& message, unsigned device);
+// The trigger that writes a file dump, for the same device.
+std::vector<std::uint8_t> triggerFor(std::span<const std::uint8_t> fileDump);
+
+}  // namespace Editor

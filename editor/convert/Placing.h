@@ -1,0 +1,47 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "convert/UnitModels.h"
+
+namespace Editor {
+
+// A place that a unit can be addressed to.
+struct Destination {
+  Target target;
+  std::optional<BulkAddress> address;  // as it was named; none: `system`, `additional`
+};
+// The places that a word names: one, a bank or a range. Throws TargetError (noTarget).
+std::vector<Destination> parseDestinations(const std::string& text);
+
+// Addresses units of a batch to other places. A unit stays what it is, blocks or file dump, where its place can be
+// reached so; else it becomes the other: the edit buffers have no file dumps, multis and the mixing voices of other
+// multis no headers of their own, and nobody writes file dumps of presets.
+class Placing {
+ public:
+  // Both outlive this object.
+  Placing(Batch& batch, UnitModels& models)
+      : batch_(batch), models_(models), messages_(batch.messagesByUnit()), replaced_(batch.units.size()) {}
+
+  // Returns the paths of parameters that its new messages leave out. Throws TargetError (refused) when it is of a kind
+  // that does not fit, or cannot become what its place needs; and TargetJsonError.
+  std::vector<std::string> place(std::size_t unit, const Destination& to);
+  // The last call: until then the batch has old messages.
+  void finish();
+
+ private:
+  std::vector<std::string> placeBlocks(std::size_t unit, const Destination& to);
+  std::vector<std::string> placeFileDump(std::size_t unit, const Destination& to);
+  std::vector<std::string> placeJson(std::size_t unit, const Destination& to);
+  UnitModels::Held read(std::size_t unit);
+  void replace(std::size_t unit, MessageBytes messages, Batch::Unit::Form form);
+
+  Batch& batch_;
+  UnitModels& models_;
+  const std::vector<std::vector<std::size_t>> messages_;
+  std::vector<std::optional<MessageBytes>> replaced_;
+};
+
+}  // namespace Editor

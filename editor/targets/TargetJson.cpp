@@ -1,0 +1,86 @@
+#include "targets/TargetJson.h"
+
+#include <algorithm>
+#include <set>
+
+#include "midi/HexText.h"
+#include "targets/TargetModels.h"
+
+namespace Editor {
+
+namespace {
+
+// A voice that the target takes in both kinds is a drum voice when the file gives it keys.
+bool hasKeys(const nlohmann::ordered_json& json) {
+  const auto voice = json.find("voice");
+  if (voice == json.end() || !voice->is_object()) return false;
+  const auto key = voice->find("key");
+  return key != voice->end() && key->is_array() && !key->empty();
+}
+
+nlohmann::ordered_json parseOne(std::string_view text) {
+  nlohmann::ordered_json json;
+  if (const auto error = parseJson(text, json)) {
+    const std::size_t tag = error->compare(0, 1, "[") == 0 ? error->find("] ") : std::string::npos;  // the parser's own
+    throw TargetJsonError(tag == std::string::npos ? *error : error->substr(tag + 2));
+  }
+  return json;
+}
+
+// The lines of a text, when each is an object by its first and last characters; empty blanks aside.
+std::vector<std::string_view> objectLines(std::string_view text) {
+  std::vector<std::string_view> lines;
+  while (!text.empty()) {
+    std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    const std::size_t begin = line.find_first_not_of(kHexBlanks);
+    if (begin == std::string_view::npos) continue;
+    line = line.substr(begin, line.find_last_not_of(kHexBlanks) + 1 - begin);
+    if (line.front() != '{' || line.back() != '}') return {};
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+// The key of the model that gives a set its kind: a voice has a multi with it, a multi has no voice.
+template <typename HasKey>
+const char* leadingKey(HasKey hasKey) {
+  for (const char* const key : {"voice", "multi", "master", "remote", "system", "additional"})
+    if (hasKey(key)) return key;
+  return nullptr;
+}
+
+}  // namespace
+
+bool isOfOtherKind(const nlohmann::ordered_json& json, const Target& target) {
+  if (!json.is_object()) return false;
+  const bool isDrum = hasKeys(json);
+  ModelSet fresh = freshTarget(target, isDrum);
+  std::set<std::string> keys;
+  forEachModel(fresh, [&](const char* key, const auto&) { keys.insert(key); });
+  const char* const given = leadingKey([&](const char* key) { return json.contains(key); });
+  const char* const taken = leadingKey([&](const char* key) { return keys.contains(key); });
+  return given != nullptr && (given != taken || (fresh.voice && fresh.voice->isDrum() != isDrum));
+}
+
+std::vector<nlohmann::ordered_json> parseTargetJson(std::string_view text) {
+  const std::vector<std::string_view> lines = objectLines(text);
+  if (lines.size() < 2) return {parseOne(text)};
+  std::vector<nlohmann::ordered_json> objects;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    try {
+      objects.push_back(parseOne(lines[i]));
+    } catch (const TargetJsonError& error) {
+      throw TargetJsonError("object " + std::to_string(i + 1) + ": " + error.what());
+    }
+  }
+  return objects;
+}
+
+ModelSet modelsFromJson(const nlohmann::ordered_json& json, const Target& target) {
+  ModelSet models = freshTarget(target, json.is_object() && hasKeys(json));
+  if (const auto error = fromJson(json, models)) throw TargetJsonError(*error);
+  return models;
+}
+
+}  // namespace Editor

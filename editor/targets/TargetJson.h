@@ -1,0 +1,28 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "models/ModelJson.h"
+#include "targets/Targets.h"
+
+namespace Editor {
+
+// Text that is none of what `show --json` prints; what() says what is wrong with it.
+class TargetJsonError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The objects of a text: one, however it is broken into lines, or one a line.
+std::vector<nlohmann::ordered_json> parseTargetJson(std::string_view text);
+
+// Whether the object's models are of another kind than the target's, however well-formed they are.
+bool isOfOtherKind(const nlohmann::ordered_json& json, const Target& target);
+
+// The models of a target as that object has them.
+ModelSet modelsFromJson(const nlohmann::ordered_json& json, const Target& target);
+
+}  // namespace Editor

@@ -1,0 +1,295 @@
+// The verb convert: messages from files into files, whole or one file a unit, on the way chosen and addressed anew.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "convert/FileFormat.h"
+#include "convert/Placing.h"
+#include "convert/Selection.h"
+#include "convert/UnitFiles.h"
+#include "input/InputStream.h"
+#include "messages/Text.h"
+#include "midi/Counted.h"
+#include "midi/MidiFile.h"
+#include "models/Latin1.h"
+#include "output/Complaints.h"
+#include "output/LossReport.h"
+#include "output/OutputFile.h"
+#include "output/Progress.h"
+#include "targets/TargetJson.h"
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+namespace {
+
+using Form = Batch::Unit::Form;
+
+// CLI11 takes all words behind --select for its own: the files among them are the first that is no address but a file,
+// and all behind it.
+void takeFilesFrom(Words& select, Words& files) {
+  const auto isFile = [](const std::string& word) {
+    std::error_code unknown;
+    if (word != "-" && !std::filesystem::exists(word, unknown)) return false;
+    try {
+      parsePlaces(word);
+      return false;
+    } catch (const TargetError&) {
+      return true;
+    }
+  };
+  Words joined = joinAddresses(select);
+  const auto first = std::find_if(joined.begin(), joined.end(), isFile);
+  files.insert(files.end(), first, joined.end());
+  joined.erase(first, joined.end());
+  select = std::move(joined);
+}
+
+std::size_t sizeOf(const MessageBytes& messages) {
+  std::size_t size = 0;
+  for (const std::vector<std::uint8_t>& message : messages) size += message.size();
+  return size;
+}
+
+class Converting {
+ public:
+  Converting(const Words& files, const ConvertOptions& options, Program& program)
+      : options_(options), program_(program), console_(program.console), input_(files, InputStream::Takes::jsonToo) {}
+
+  void run() {
+    if (!options_.place.empty()) destinations_ = parseDestinations(options_.place);
+    const Selection selection(options_.select);
+    read();
+    if (!options_.select.empty()) select(selection);
+    place();
+    if (options_.device)
+      for (Batch::Message& message : batch_.messages) setDevice(message.bytes, *options_.device);
+    if (batch_.messages.empty()) throw Failure(kRefused, "no message is left, nothing is written");
+    options_.directory.empty() ? writeOne() : split();
+  }
+
+ private:
+  void read() {
+    BatchBuilder builder;
+    LossReport losses(console_);
+    const std::vector<std::string> problems =
+        input_.read([&](const InputMessage& message) { builder.add(message.bytes); },
+                    [&](const InputLoss& loss) { losses.add(loss); },
+                    [&](const std::string& file, std::string_view text) {
+                      try {
+                        for (nlohmann::ordered_json& object : parseTargetJson(text)) builder.addJson(std::move(object));
+                      } catch (const TargetJsonError& error) {
+                        throw Failure(kUnusableInput, fmt::format("{}: {}", displayName(file), escape(error.what())));
+                      }
+                    });
+    losses.finish();
+    if (!losses.areAllWhole()) program_.refuse();
+    if (!problems.empty()) throw Failure(kUnusableInput, problems.front());
+    batch_ = builder.finish();
+    moved_.resize(batch_.units.size());
+  }
+
+  void select(const Selection& selection) {
+    const Selection::Result result = selection.apply(batch_);
+    for (const std::string& word : result.notFound) {
+      console_.problem(fmt::format("{}: there is none in the files", word));
+      program_.refuse();
+    }
+    if (result.tamesTrigger) tellTamed();
+    moved_.resize(batch_.units.size());
+    tellBroken();
+  }
+
+  // What is no whole unit. Nothing is written of it where units count; else its messages go along like any other.
+  void tellBroken() {
+    Complaints complaints(console_);
+    for (const UnitReport& unit : batch_.broken) {
+      complaints.tell(wordOf(unit.state), describeUnit(unit));
+      program_.refuse();
+    }
+    for (const Batch::BrokenDump& dump : batch_.brokenDumps) {
+      complaints.tell("broken file dump",
+                      fmt::format("{}: broken (message {}): {}", nameOrBytes(dump.address), dump.message, dump.why));
+      program_.refuse();
+    }
+    complaints.finish();
+  }
+
+  void tellTamed() { console_.note("a trigger that removes all mixing voices has become one that only writes"); }
+
+  void place() {
+    const bool hasJson = std::any_of(batch_.units.begin(), batch_.units.end(),
+                                     [](const Batch::Unit& unit) { return unit.form == Form::json; });
+    if (options_.place.empty() && !hasJson) return;
+    if (!options_.place.empty()) requirePlaces();
+    Placing placing(batch_, models_);
+    for (std::size_t i = 0; i < batch_.units.size(); ++i) {
+      const Batch::Unit& unit = batch_.units[i];
+      if (options_.place.empty() && unit.form != Form::json) continue;
+      if (options_.place.empty() && unit.place.empty())
+        throw Failure(kWrongUsage, "JSON that does not say its target: --place says where it goes");
+      moved_[i] = unit.place;
+      placeUnit(placing, i, options_.place.empty() ? parseDestinations(unit.place).front() : destinations_[i]);
+    }
+    placing.finish();
+  }
+
+  void placeUnit(Placing& placing, std::size_t unit, const Destination& to) {
+    constexpr std::size_t kMostTold = 3;
+    try {
+      std::vector<std::string> leftOut = placing.place(unit, to);
+      if (leftOut.empty()) return;
+      const std::size_t count = leftOut.size();
+      leftOut.resize(std::min(count, kMostTold));
+      console_.problem(fmt::format("{}: no message carries {}: {}{}", to.target.name, counted(count, "parameter"),
+                                   fmt::join(leftOut, ", "), count > kMostTold ? " ..." : ""));
+      program_.refuse();
+    } catch (const TargetJsonError& error) {
+      throw Failure(kUnusableInput, fmt::format("{}: {}", to.target.name, escape(error.what())));
+    }
+  }
+
+  // One unit a place, and each of them whole.
+  void requirePlaces() {
+    const std::size_t units = batch_.units.size();
+    if (options_.select.empty()) tellBroken();
+    if (!batch_.broken.empty() || !batch_.brokenDumps.empty())
+      throw Failure(kRefused, "only whole units can be placed, nothing is written");
+    if (units == 0) throw Failure(kUnusableInput, "no unit that could be placed, nothing is written");
+    if (units > destinations_.size())
+      throw Failure(kUnusableInput, fmt::format("{} for {} ({}), nothing is written", counted(units, "unit"),
+                                                counted(destinations_.size(), "place"), options_.place));
+    if (units < destinations_.size())
+      console_.note(fmt::format("{} for {}: the first of them are taken", counted(units, "unit"),
+                                counted(destinations_.size(), "place")));
+  }
+
+  void writeOne() {
+    const std::optional<WrittenFile> file =
+        writeFile(batch_, options_.output == "-" ? FileFormat::stream : *formatOf(options_.output), options_.pause);
+    if (!file)
+      throw Failure(kRefused,
+                    fmt::format("a .mid of more than {} MB, nothing is written", kLargestMidiFile / 1'000'000));
+    if (options_.output == "-") console_.keepOutputForBytes();
+    OutputFile output(options_.output);
+    output.write(file->bytes);
+    Interruptible::check();
+    output.commit();
+    if (options_.json) tellUnits();
+    tellMoved();
+    console_.note(
+        fmt::format("{}, {}: {} written{}", counted(batch_.messages.size(), "message"),
+                    counted(batch_.units.size(), "unit"), counted(file->bytes.size(), "byte"),
+                    file->duration ? fmt::format(", {:.1f} s to play", double(file->duration->count()) / 1e6) : ""));
+  }
+
+  // As objects, each of the units of the one file.
+  void tellUnits() {
+    forEachUnitFile(batch_, Sharing::together, models_,
+                    [&](const UnitFile& unit) { tell(unit, options_.output, false); });
+  }
+
+  void tellMoved() {
+    if (options_.json) return;
+    for (std::size_t i = 0; i < moved_.size(); ++i)
+      if (!moved_[i].empty()) console_.note(fmt::format("{} -> {}", moved_[i], batch_.units[i].place));
+  }
+
+  void split() {
+    if (!options_.place.empty()) tellMoved();
+    if (options_.select.empty() && options_.place.empty()) tellBroken();
+    std::error_code error;
+    std::filesystem::create_directories(options_.directory, error);
+    if (std::error_code unknown; !std::filesystem::is_directory(options_.directory, unknown))
+      throw Failure(kWrongUsage, fmt::format("{}: cannot be made a folder: {}", escape(options_.directory),
+                                             error ? error.message() : "it is a file"));
+    Progress progress(console_, "convert", "units", batch_.units.size());
+    std::size_t files = 0;
+    forEachUnitFile(batch_, Sharing::apart, models_, [&](const UnitFile& file) {
+      progress.step(sizeOf(file.messages));
+      writeUnit(file);
+      ++files;
+    });
+    progress.end();
+    console_.note(fmt::format("{} in {}", counted(files, "file"), escape(options_.directory)));
+  }
+
+  // A file that stands there is never written over: one that is equal is taken for this one.
+  void writeUnit(const UnitFile& file) {
+    std::vector<std::uint8_t> bytes;
+    for (const std::vector<std::uint8_t>& message : file.messages)
+      bytes.insert(bytes.end(), message.begin(), message.end());
+    const std::filesystem::path directory(options_.directory);
+    bool isThere = false;
+    const std::string name = names_.next(file.stem, [&](const std::string& candidate) {
+      std::error_code unknown;
+      const std::filesystem::file_status status = std::filesystem::symlink_status(directory / candidate, unknown);
+      isThere = std::filesystem::is_regular_file(status);
+      if (!std::filesystem::exists(status)) return true;
+      std::string why;
+      return isThere && loadBytes((directory / candidate).string(), why) == bytes;
+    });
+    const std::string path = (directory / name).string();
+    if (!isThere) {
+      OutputFile output(path);
+      output.write(bytes);
+      output.commit();
+    }
+    tell(file, path, isThere);
+  }
+
+  void tell(const UnitFile& file, const std::string& path, bool isThere) {
+    const Batch::Unit* const unit = file.unit ? &batch_.units[*file.unit] : nullptr;
+    if (!options_.json)
+      return console_.line(fmt::format("{}: {}{}, {}{}", escape(path), unit != nullptr ? unit->place : "of no unit",
+                                       file.name.empty() ? "" : fmt::format(" \"{}\"", showName(file.name)),
+                                       counted(file.messages.size(), "message"), isThere ? ", stands there" : ""));
+    nlohmann::ordered_json json{{"unit", nullptr}};
+    if (unit != nullptr) {
+      json["unit"] = unit->place;
+      json["address"] = formatAddress(*unit->address);
+      json["form"] = unit->form == Form::fileDump ? "file dump" : "blocks";
+      json["name"] = latin1ToUtf8(file.name);
+      if (!moved_[*file.unit].empty()) json["from"] = moved_[*file.unit];
+      if (unit->removes) json["removes"] = nlohmann::json::array({unit->place});
+    }
+    json["messages"] = file.messages.size();
+    json["bytes"] = sizeOf(file.messages);
+    json["file"] = path;
+    console_.line(json.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace));
+  }
+
+  const ConvertOptions& options_;
+  Program& program_;
+  Console& console_;
+  const Interruptible interruptible_;
+  InputStream input_;
+  std::vector<Destination> destinations_;
+  UnitModels models_;
+  FileNames names_;
+  Batch batch_;
+  std::vector<std::string> moved_;  // by unit: its place before
+};
+
+}  // namespace
+
+void convert(Words files, ConvertOptions options, Program& program) {
+  takeFilesFrom(options.select, files);
+  if (files.empty()) throw Failure(kWrongUsage, "expected files to convert");
+  if (options.output.empty() == options.directory.empty())
+    throw Failure(kWrongUsage, "expected -o FILE or --split DIR, one of them");
+  const std::optional<FileFormat> format =
+      options.output.empty() || options.output == "-" ? FileFormat::stream : formatOf(options.output);
+  if (!format)
+    throw Failure(kWrongUsage,
+                  fmt::format("{}: expected a name that ends with .syx, .mid or .txt", escape(options.output)));
+  if (options.pauses && format != FileFormat::standard)
+    throw Failure(kWrongUsage, "--pause: only a .mid says when a message is sent");
+  Converting(files, options, program).run();
+}
+
+}  // namespace Editor
