@@ -12,12 +12,12 @@
 #include "Library.h"
 #include "Program.h"
 
-using Json = nlohmann::json;
+using Value = nlohmann::json;
 using valijson::adapters::NlohmannJsonAdapter;
 
 namespace {
 
-Json schemaText() { return Json::parse(std::ifstream(BDA_SOURCE_DIR "/program/bda.schema.json")); }
+Value schemaText() { return Value::parse(std::ifstream(BDA_SOURCE_DIR "/program/bda.schema.json")); }
 
 // Fields that are not always there.
 const std::map<std::string, std::set<std::string>> kOptional{
@@ -51,13 +51,13 @@ Bytes joined(const std::vector<Bytes>& messages, std::size_t leftOut) {
 }
 
 // Where in it objects stand, itself among them; of those of a list the first.
-std::vector<Json::json_pointer> objectsIn(const Json& value, const Json::json_pointer& at = Json::json_pointer()) {
-  std::vector<Json::json_pointer> found;
+std::vector<Value::json_pointer> objectsIn(const Value& value, const Value::json_pointer& at = Value::json_pointer()) {
+  std::vector<Value::json_pointer> found;
   if (value.is_object()) found.push_back(at);
   if (!value.is_structured() || value.empty()) return found;
   for (const auto& [key, inner] : value.items()) {
-    const Json::json_pointer there = value.is_array() ? at / 0 : at / key;
-    const std::vector<Json::json_pointer> more = objectsIn(inner, there);
+    const Value::json_pointer there = value.is_array() ? at / 0 : at / key;
+    const std::vector<Value::json_pointer> more = objectsIn(inner, there);
     found.insert(found.end(), more.begin(), more.end());
     if (value.is_array()) break;
   }
@@ -65,9 +65,9 @@ std::vector<Json::json_pointer> objectsIn(const Json& value, const Json::json_po
 }
 
 // The fields of all of them.
-std::string shapeOf(const Json& object) {
+std::string shapeOf(const Value& object) {
   std::string shape;
-  for (const Json::json_pointer& at : objectsIn(object))
+  for (const Value::json_pointer& at : objectsIn(object))
     for (const auto& [key, value] : object[at].items())
       shape += at.to_string() + ' ' + key + ' ' + value.type_name() + '\n';
   return shape;
@@ -78,11 +78,11 @@ class Definition {
  public:
   explicit Definition(const std::string& name) : text_(schemaText()) {
     text_.erase("anyOf");
-    text_["allOf"] = Json::array({{{"$ref", "#/definitions/" + name}}});
+    text_["allOf"] = Value::array({{{"$ref", "#/definitions/" + name}}});
     valijson::SchemaParser().populateSchema(NlohmannJsonAdapter(text_), schema_);
   }
   // Why not; empty when it fits.
-  std::string misfit(const Json& object) const {
+  std::string misfit(const Value& object) const {
     valijson::ValidationResults results;
     if (valijson::Validator().validate(schema_, NlohmannJsonAdapter(object), &results)) return "";
     std::string text = "it does not fit";
@@ -95,34 +95,34 @@ class Definition {
   }
 
  private:
-  Json text_;
+  Value text_;
   valijson::Schema schema_;
 };
 
 class Schema : public Program {
  protected:
   // What that prints, each object fitting the definition.
-  std::vector<Json> printed(const std::string& definition, const std::vector<std::string>& arguments) {
+  std::vector<Value> printed(const std::string& definition, const std::vector<std::string>& arguments) {
     const Result result = bda(arguments);
     EXPECT_GE(result.code, 0);
-    std::vector<Json> objects;
-    for (const std::string& line : lines(result.out)) objects.push_back(Json::parse(line));
+    std::vector<Value> objects;
+    for (const std::string& line : lines(result.out)) objects.push_back(Value::parse(line));
     EXPECT_FALSE(objects.empty()) << testing::PrintToString(arguments) << result.err;
     const Definition fits(definition);
-    for (const Json& object : objects) EXPECT_EQ(fits.misfit(object), "") << object;
+    for (const Value& object : objects) EXPECT_EQ(fits.misfit(object), "") << object;
     ran_.insert(arguments.front());
     return objects;
   }
 
   // Whatever is left out or called otherwise is noticed, and so is a field that nobody knows, however deep.
-  void isExact(const std::string& definition, const std::vector<Json>& objects) {
+  void isExact(const std::string& definition, const std::vector<Value>& objects) {
     const Definition fits(definition);
     const auto optional = kOptional.find(definition);
     std::set<std::string> shapes;  // one of each is enough
-    for (const Json& object : objects) {
+    for (const Value& object : objects) {
       if (!shapes.insert(shapeOf(object)).second) continue;
       for (const auto& [key, value] : object.items()) {
-        Json other = object;
+        Value other = object;
         other.erase(key);
         const bool isOptional = optional != kOptional.end() && optional->second.contains(key);
         if (!isOptional) {
@@ -131,8 +131,8 @@ class Schema : public Program {
         other[key + "s"] = value;
         EXPECT_NE(fits.misfit(other), "") << other;
       }
-      for (const Json::json_pointer& at : objectsIn(object)) {
-        Json other = object;
+      for (const Value::json_pointer& at : objectsIn(object)) {
+        Value other = object;
         other[at]["madeUp"] = 1;
         EXPECT_NE(fits.misfit(other), "") << definition << ' ' << at;
       }
@@ -219,7 +219,7 @@ TEST_F(Schema, everyVerbThatHasJsonPrintsWhatTheSchemaSays) {
     else
       bda(run);
 
-  const Json definitions = schemaText().at("definitions");
+  const Value definitions = schemaText().at("definitions");
   for (const std::string& line : lines(bda({"__complete", ""}).out)) {
     const std::string verb = line.substr(0, line.find('\t'));
     if (bda({"__complete", verb, "--json"}).out.empty()) continue;
@@ -232,7 +232,7 @@ TEST_F(Schema, theManifestIsWhatTheSchemaSays) {
   writeFiles();
   bda({"receive", "voice.syx"});
   EXPECT_THAT(bda({"backup", "-o", "backup.syx", "--manifest", "backup.json"}), Exits(0));
-  const Json manifest = Json::parse(read("backup.json"));
+  const Value manifest = Value::parse(read("backup.json"));
   EXPECT_EQ(manifest.at("contents").size(), 1u);
   EXPECT_EQ(Definition("manifest").misfit(manifest), "");
   isExact("manifest", {manifest});
