@@ -36,7 +36,7 @@ constexpr std::array kVerbs{
              "Messages into other files, chosen and addressed anew",
              VerbGroup::files,
              kNoLibrary,
-             {{{"bda convert song.mid -o song.syx", "also .syx to .mid, and to .txt and back"},
+             {{{"bda convert song.mid -o song.syx", "or to .mid, or .txt"},
                {"bda convert voice.syx --place voice:edit -o edit.syx", "to another place"}}}},
     VerbHelp{"explain",
              "FILE [OFFSET] | ADDRESS PATH",
