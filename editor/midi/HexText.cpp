@@ -31,15 +31,14 @@ void HexTextReader::finish() {
 
 void HexTextReader::take(char c) {
   const bool isBlank = kHexBlanks.find(c) != std::string_view::npos;
+  const bool isOfMark = offset_ < kUtf8Mark.size() && c == kUtf8Mark[offset_];
   if (!isPassedOver_) {
     if (const std::optional<unsigned> digit = hexDigit(c))
       takeDigit(*digit);
-    else if (high_)
+    else if (high_ || (c != '#' && !isBlank && !isOfMark))
       fail();
-    else if (c == '#')
-      isPassedOver_ = true;
-    else if (!isBlank && (offset_ >= kUtf8Mark.size() || c != kUtf8Mark[offset_]))
-      fail();
+    else
+      isPassedOver_ = c == '#';
   }
   if (c != '\n') return;
   pass();
