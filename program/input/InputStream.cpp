@@ -273,8 +273,8 @@ void readPieces(Source& source, const std::string& file, Judgement& judgement, P
     hand(readMidiFile(readAll(source, judgement)), file, pieces);
   } else {
     StreamJoiner joiner(pieces, kLongestMessage);
-    HexTextReader text(joiner, [&](std::uint64_t offset, std::string why) {
-      pieces.loss({file, offset, 0, std::move(why), InputLoss::Kind::brokenFile});
+    HexTextReader text(joiner, [&](std::uint64_t offset, const std::string& why) {
+      pieces.loss({file, offset, 0, why, InputLoss::Kind::brokenFile});
     });
     if (kind == MidiKind::text)
       readInto(text, source, judgement, isEnough);
