@@ -114,7 +114,7 @@ void feed(Salvaging& salvaging, const Bytes& stream) {
 }
 
 bool holds(const std::vector<Bytes>& messages, const Unit& unit) {
-  return std::ranges::search(messages, unit.messages).begin() != messages.end();
+  return std::search(messages.begin(), messages.end(), unit.messages.begin(), unit.messages.end()) != messages.end();
 }
 
 bool holdsAnyOf(const std::vector<Bytes>& messages, const Unit& unit) {
