@@ -412,8 +412,7 @@ void addCommonOptions(CLI::App& app, Program& program) {
   app.add_option_function<std::string>(
          "--names", [&program](const std::string& file) { program.setNameFile(file); },
          "The names of waveforms, arpeggios and parameters; default the library's name with .names behind it, if there "
-         "is "
-         "such")
+         "is such")
       ->type_name("FILE")
       ->check(checkFileName);
   CLI::Option* const verbose = app.add_flag_callback(

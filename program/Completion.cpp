@@ -16,6 +16,7 @@
 #include "history/History.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
+#include "targets/ContentKind.h"
 #include "targets/Targets.h"
 #include "verbs/SettingHelp.h"
 
@@ -99,6 +100,10 @@ class Completing {
     if (line_.verb != nullptr)
       for (OptionHelp& option : commonOptionsOf(*line_.verb)) options.push_back(std::move(option));
     for (const OptionHelp& option : options) tell(option.names.back(), option.text);
+  }
+
+  void offerKinds() {
+    for (const std::string& kind : contentKindWords()) tell(kind, "");
   }
 
   void offerSettings() {
@@ -229,7 +234,10 @@ const std::array<Completing::Kind, 28> Completing::kKinds{{
     {"SOURCE", &Completing::offerFiles},
     {"A", &Completing::offerFiles},
     {"B", &Completing::offerFiles},
+    {"REQUESTS", &Completing::offerFiles},
+    {"LIBRARY", &Completing::offerFiles},
     {"DIR", &Completing::offerFolders},
+    {"KIND", &Completing::offerKinds},
     {"ADDRESS", &Completing::offerAddresses},
     {"TARGET", &Completing::offerAddresses},
     {"FROM", &Completing::offerAddresses},
@@ -242,13 +250,10 @@ const std::array<Completing::Kind, 28> Completing::kKinds{{
     {"NAME", &Completing::offerNothing},
     {"TERM", &Completing::offerNothing},
     {"N", &Completing::offerNothing},
-    {"KIND", &Completing::offerNothing},
     {"CONDITION", &Completing::offerNothing},
     {"OFFSET", &Completing::offerNothing},
     {"PATH", &Completing::offerNothing},
     {"MILLISECONDS", &Completing::offerNothing},
-    {"REQUESTS", &Completing::offerFiles},
-    {"LIBRARY", &Completing::offerFiles},
 }};
 
 }  // namespace

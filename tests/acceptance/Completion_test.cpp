@@ -196,6 +196,7 @@ TEST_F(Completion, offersAddressesPartByPartWithTheNamesOfWhatTheLibraryHolds) {
 TEST_F(Completion, offersSettingsTheirValuesAndTheEntriesOfTheHistory) {
   EXPECT_THAT(completed({"settings", "hist"}), ElementsAre(StartsWith("history\t"), StartsWith("history-size\t")));
   EXPECT_THAT(completed({"settings", "device-number", ""}), ElementsAre("all\t", "off\t"));
+  EXPECT_THAT(completed({"find", "--kind", "ma"}), ElementsAre("master\t"));
   EXPECT_THAT(completed({"undo", ""}), IsEmpty());
   EXPECT_THAT(bda({"settings", "device-number", "5"}), Exits(0));
   EXPECT_THAT(completed({"undo", ""}), ElementsAre("1\tsettings"));
