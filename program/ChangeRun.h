@@ -28,9 +28,14 @@ class ChangeRun {
   std::vector<PlaceChange> commit() {
     std::vector<PlaceChange> changes = changesOfRun(library());
     transaction_.commit();
+    if (!options_.dryRun && !changes.empty()) program_.noteChange();
     return changes;
   }
-  void keep() { tellChanges(commit(), options_, program_.console); }
+  std::vector<PlaceChange> keep() {
+    std::vector<PlaceChange> changes = commit();
+    tellChanges(changes, options_, program_.console);
+    return changes;
+  }
 
  private:
   Program& program_;

@@ -8,6 +8,7 @@
 #include <charconv>
 #include <csignal>
 #include <functional>
+#include <iterator>
 #include <limits>
 #include <new>
 #include <stdexcept>
@@ -151,7 +152,7 @@ void addExplain(CLI::App& app, Given& given, Program& program) {
 void addSalvage(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "salvage");
   SalvageOptions& options = given.salvage;
-  addWords(verb, "FILE", kMessageFiles, given)->check(checkFileName);
+  addWords(verb, "FILE", "Message files, and folders of them; - is standard input", given)->check(checkFileName);
   verb.add_option("-o,--output", options.output, "Where what is whole goes; - is standard output")
       ->type_name("GOOD")
       ->required()
@@ -322,7 +323,7 @@ void addRename(CLI::App& app, Given& given, Program& program) {
 
 void addFavourite(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "favourite");
-  addWords(verb, "ADDRESS on|off", "A voice or drum voice of a bank; on or off", given);
+  addWords(verb, "ADDRESS... on|off", "Voices or drum voices: places, ranges or banks; on or off", given);
   addChangeOptions(verb, given.change);
   verb.callback([&] { given.verb = [&] { favourite(given.words, given.change, program); }; });
 }
@@ -432,6 +433,36 @@ void refuseEmptyValues(int argc, const char* const* argv) {
   }
 }
 
+// CLI11 takes a word `[a,b]` apart as a list, and `++` for the end of a verb's words, wherever they stand. A character
+// behind them, which no word of a command line can have, keeps it from that, until the word is handed on as it was
+// typed.
+constexpr char kGuard = '\0';
+
+std::string asTyped(std::string word) {
+  std::erase(word, kGuard);
+  return word;
+}
+
+// Backwards, as CLI11 reads them.
+std::vector<std::string> guardWords(int argc, const char* const* argv) {
+  std::vector<std::string> words(std::make_reverse_iterator(argv + argc),
+                                 std::make_reverse_iterator(argv + std::min(argc, 1)));
+  for (std::string& word : words)
+    if (word.ends_with(']') || word == "++") word += kGuard;
+  return words;
+}
+
+void handOnAsTyped(CLI::App& app) {
+  for (CLI::Option* const option : app.get_options()) option->transform(asTyped);
+  for (CLI::App* const verb : app.get_subcommands({})) handOnAsTyped(*verb);
+}
+
+std::string whyNotParsed(const CLI::App& app, const CLI::ParseError& error) {
+  std::vector<std::string> unknown = app.remaining(true);
+  std::ranges::transform(unknown, unknown.begin(), asTyped);
+  return whyNotRead(app, error, unknown);
+}
+
 // What is written must be no file that the run needs, nor be written twice.
 void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
   const std::pair<const char*, const std::string*> outputs[] = {{"-o", &given.output},
@@ -466,8 +497,9 @@ int run(int argc, const char* const* argv, Program& program) {
     return kAllGood;
   }
   refuseEmptyValues(argc, argv);
+  handOnAsTyped(app);
   try {
-    app.parse(argc, argv);
+    app.parse(guardWords(argc, argv));
   } catch (const CLI::CallForHelp&) {
     program.console.text(app.help());  // of the verb, if there is one
     return kAllGood;
@@ -475,7 +507,7 @@ int run(int argc, const char* const* argv, Program& program) {
     program.console.line(version.what());
     return kAllGood;
   } catch (const CLI::ParseError& error) {
-    throw Failure(kWrongUsage, whyNotRead(app, error));
+    throw Failure(kWrongUsage, whyNotParsed(app, error));
   }
   if (findVerb(app.get_subcommands().front()->get_name())->heeds.names == Heeds::Names::lists) program.needNames();
   const std::initializer_list<const char*> readFiles{"receive", "salvage", "convert"};
@@ -509,7 +541,8 @@ int runProgram(int argc, const char* const* argv) {
     program.console.problem(fmt::format("bda: {}", escape(error.what())));
   }
   if (!program.console.finish()) {
-    program.console.problem("bda: standard output could not be written");
+    program.console.problem(fmt::format("bda: standard output could not be written{}",
+                                        program.hasChanged() ? "; the library is changed" : ""));
     program.failOutput();
   }
   return program.hasOutputFailed() ? int(kWrongUsage) : code;

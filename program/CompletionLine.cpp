@@ -69,8 +69,8 @@ CompletionLine readLine(const CLI::App& app, std::span<const std::string> words)
 std::vector<std::string> placeholdersOf(std::string_view usage, std::size_t index) {
   std::vector<std::string> found;
   for (const std::string& form : split(usage, " | ")) {
-    std::vector<std::string> words;
-    bool goesOn = false;
+    std::size_t at = 0;   // of the next word
+    bool goesOn = false;  // one before it may stand there again and again
     bool isValue = false;
     for (const std::string& token : split(form, " ")) {
       const std::string word = withoutBrackets(token);
@@ -79,14 +79,12 @@ std::vector<std::string> placeholdersOf(std::string_view usage, std::size_t inde
       } else if (std::exchange(isValue, false)) {
         continue;
       } else {
-        goesOn = word.ends_with("...");
-        words.push_back(goesOn ? word.substr(0, word.size() - 3) : word);
+        const bool isRepeated = word.ends_with("...");
+        goesOn = goesOn || isRepeated;
+        if (index == at || (index > at && goesOn)) found.push_back(isRepeated ? word.substr(0, word.size() - 3) : word);
+        ++at;
       }
     }
-    if (index < words.size())
-      found.push_back(words[index]);
-    else if (goesOn && !words.empty())
-      found.push_back(words.back());
   }
   return found;
 }

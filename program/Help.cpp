@@ -105,6 +105,12 @@ std::string noSuchOption(const std::string& word, const CLI::App& app, const CLI
   return fmt::format("there is no option {}{}", escape(name), didYouMean(name, options));
 }
 
+std::string notExpected(const std::vector<std::string>& words) {
+  return fmt::format("{} not expected: {}",
+                     words.size() == 1 ? "The following argument was" : "The following arguments were",
+                     escape(fmt::format("{}", fmt::join(words, " "))));
+}
+
 }  // namespace
 
 CLI::App& addVerb(CLI::App& app, const std::string& name) {
@@ -122,15 +128,16 @@ std::string helpOf(const CLI::App& app, const std::string& verb) {
   return asked->get_formatter()->make_help(asked, {}, CLI::AppFormatMode::Normal);
 }
 
-std::string whyNotRead(const CLI::App& app, const CLI::ParseError& error) {
+std::string whyNotRead(const CLI::App& app, const CLI::ParseError& error, const std::vector<std::string>& unknown) {
   const std::vector<CLI::App*> given = app.get_subcommands();
   const CLI::App* const verb = given.empty() ? nullptr : given.front();
   const std::string more = fmt::format(" (bda help{} tells more)", verb == nullptr ? "" : " " + verb->get_name());
-  const std::vector<std::string> unknown = app.remaining(true);
   if (unknown.empty()) return (verb == nullptr ? "expected a verb" : escape(error.what())) + more;
   const std::string& word = unknown.front();
   if (word.size() > 1 && word.front() == '-' && word != "--") return noSuchOption(word, app, verb) + more;
-  return (verb == nullptr ? noSuchVerb(word) : escape(error.what())) + more;
+  if (verb == nullptr) return noSuchVerb(word) + more;
+  const bool isOfThem = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
+  return (isOfThem ? notExpected(unknown) : escape(error.what())) + more;
 }
 
 }  // namespace Editor

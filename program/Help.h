@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <vector>
 
 namespace Editor {
 
@@ -15,7 +16,8 @@ void useHelp(CLI::App& app);
 // The help of a verb; of all when it is empty. Throws Failure (kWrongUsage) when there is no such verb.
 std::string helpOf(const CLI::App& app, const std::string& verb);
 
-// Why the command line could not be read, and what may have been meant.
-std::string whyNotRead(const CLI::App& app, const CLI::ParseError& error);
+// Why the command line could not be read, and what may have been meant; `unknown` are the words that nobody expected,
+// as they were typed.
+std::string whyNotRead(const CLI::App& app, const CLI::ParseError& error, const std::vector<std::string>& unknown);
 
 }  // namespace Editor

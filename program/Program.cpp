@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "contents/LibraryCopy.h"
+#include "history/History.h"
 #include "input/NameFile.h"
 #include "messages/Text.h"
 
@@ -90,7 +91,10 @@ Library::Use Program::useToRead() {
 std::unique_ptr<Library> Program::openLibraryToRead() {
   const std::string file = libraryFile();
   try {
-    return std::make_unique<Library>(file, Library::Options{.use = useToRead()});
+    const Library::Use use = useToRead();
+    auto library = std::make_unique<Library>(file, Library::Options{.use = use});
+    if (use == Library::Use::read) tellIfEmpty(file, *library);
+    return library;
   } catch (const LibraryError& error) {
     throw Failure(kUnusableInput, escape(error.what()));
   }
@@ -117,8 +121,10 @@ std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::
   if (needsNames_ && (!names_.empty() || std::filesystem::exists(nameFile, unknown))) names = loadNames(nameFile);
   try {
     auto editor = std::make_unique<EmbeddedEditor>(file, Library::Options{.use = use});
-    if (use == Library::Use::read && editor->library().isYetEmpty())
-      console.note(fmt::format("{}: there is nothing in it yet, it is read as an empty library", escape(file)));
+    if (use == Library::Use::read) {
+      tellIfEmpty(file, editor->library());
+      editor->library().leaveOutUnread([this, file](const Library::Unread& unread) { leaveOut(file, unread); });
+    }
     if (!editor->tools().systemDamage().empty())
       console.note(
           fmt::format("{}: the system settings are damaged and count as new (bda check tells more)", escape(file)));
@@ -129,6 +135,21 @@ std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::
   } catch (const LiveModelError& error) {
     throw Failure(kUnusableInput, escape(error.what()));
   }
+}
+
+void Program::tellIfEmpty(const std::string& file, const Library& library) {
+  if (library.isYetEmpty())
+    console.note(fmt::format("{}: there is nothing in it yet, it is read as an empty library", escape(file)));
+}
+
+void Program::leaveOut(const std::string& library, const Library::Unread& unread) {
+  const std::string what =
+      unread.place ? fmt::format("{}: its favourite flag is left out: it is damaged", nameOf(*unread.place))
+                   : fmt::format("table {} is damaged, what cannot be read of it is left out", unread.table);
+  const std::string text =
+      fmt::format("{}: {}: {} (bda check tells more)", escape(library), what, escape(unread.reason));
+  if (leftOut_.insert(text).second) console.problem(text);
+  refuse();
 }
 
 void Program::leaveOutDamaged(const std::string& place) {

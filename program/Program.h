@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -37,8 +38,9 @@ class Program {
   // history says of the changes. Throws Failure (kUnusableInput).
   std::unique_ptr<EmbeddedEditor> openToChange(LibraryRun run);
   // Opens it to read it, as if it were empty when it is the default one and does not exist. Throws the same.
+  // What cannot be read of it is left out, and told.
   std::unique_ptr<EmbeddedEditor> openToRead() { return open(libraryFile(), useToRead()); }
-  // The same without an editor, for whom live models that cannot be read are no reason to give up.
+  // The same without an editor: live models are not read.
   std::unique_ptr<Library> openLibraryToRead();
   std::unique_ptr<EmbeddedEditor> openToRead(const std::string& file) { return open(file, Library::Use::read); }
 
@@ -58,17 +60,24 @@ class Program {
   // An output could not be written: the run may go on, and ends with that, whatever else is found.
   void failOutput() { hasOutputFailed_ = true; }
   bool hasOutputFailed() const { return hasOutputFailed_; }
+  // The library was changed, whatever becomes of what the run says of it.
+  void noteChange() { hasChanged_ = true; }
+  bool hasChanged() const { return hasChanged_; }
   ExitCode exitCode() const { return exitCode_; }
 
  private:
   std::unique_ptr<EmbeddedEditor> open(const std::string& file, Library::Use use);
   Library::Use useToRead();
+  void leaveOut(const std::string& library, const Library::Unread& unread);
+  void tellIfEmpty(const std::string& file, const Library& library);
 
   std::string library_;
   std::string names_;
   bool needsNames_ = false;
+  std::set<std::string> leftOut_;  // what is told of each once
   ExitCode exitCode_ = kAllGood;
   bool hasOutputFailed_ = false;
+  bool hasChanged_ = false;
 };
 
 }  // namespace Editor

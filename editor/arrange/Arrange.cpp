@@ -21,7 +21,7 @@ struct Slot : ArrangedPlace {
 
   bool changes = false;
   std::optional<Library::Content> shallHold;
-  std::uint8_t shallFlag;
+  std::optional<std::uint8_t> shallFlag;
   ModelSet models;  // of an edit buffer that changes
 };
 
@@ -115,7 +115,7 @@ class Arranging {
     to.changes = true;
     fill(to, *from.holds, from);
     if (to.isPart() && !from.isPart()) arranged_.voicesAlone.push_back({from.name, to.name});
-    if (to.hasFlag() && from.hasFlag()) to.shallFlag = from.flag;
+    if (to.hasFlag()) to.shallFlag = from.hasFlag() ? from.flag : to.flag;
     if (!to.hasFlag() && from.flag != 0) arranged_.droppedFlags.push_back({from.name, to.name});
   }
 
@@ -142,7 +142,7 @@ class Arranging {
       library_.store(slot.target.content, slot.shallHold->bytes, slot.shallHold->name);
     else
       library_.remove(slot.target.content);
-    if (slot.flag != slot.shallFlag) library_.setFavourite(slot.target.content, slot.shallFlag);
+    if (slot.flag != slot.shallFlag) library_.setFavourite(slot.target.content, slot.shallFlag.value_or(0));
   }
 
   void writeBuffer(const Slot& slot) {

@@ -12,6 +12,18 @@ ModelSet freshModels(const ArrangedPlace& buffer) {
   return freshTarget(buffer.target, buffer.kind == ContentKind::drum);
 }
 
+// Nothing, and damage, where it does not fit its checksum or cannot be read.
+std::optional<Held> heldAt(Library& library, const Place& place, bool& isDamaged) {
+  try {
+    std::optional<Held> held = library.held(place);
+    if (!held || isWhole(*held)) return held;
+  } catch (const LibraryError& error) {
+    if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
+  }
+  isDamaged = true;
+  return std::nullopt;
+}
+
 }  // namespace
 
 ArrangedPlace readPlace(EmbeddedEditor& editor, const Target& target) {
@@ -24,10 +36,12 @@ ArrangedPlace readPlace(EmbeddedEditor& editor, const Target& target) {
     if (!place.isDamaged) place.holds = contentOf(loadTarget(editor, target));
   } else {
     place.kind = contentKindOf(target.content);
-    const std::optional<Held> held = editor.library().held(contentAt(target.content));
-    place.isDamaged = held && !isWhole(*held);
-    if (held && !place.isDamaged) place.holds = Library::Content{held->name, held->bytes};
-    if (place.hasFlag()) place.flag = editor.library().favourite(target.content);
+    const auto held = [&](const Place& of) { return heldAt(editor.library(), of, place.isDamaged); };
+    const std::optional<Held> content = held(contentAt(target.content));
+    if (place.hasFlag())
+      if (const std::optional<Held> flag = held(favouriteAt(target.content))) place.flag = flagIn(*flag);
+    place.isDamaged = place.isDamaged || !place.flag;
+    if (content && !place.isDamaged) place.holds = Library::Content{content->name, content->bytes};
   }
   return place;
 }

@@ -16,7 +16,7 @@ struct ArrangedPlace {
   ContentKind kind = ContentKind::voice;
   std::optional<Library::Content> holds;  // of an edit buffer its models, in our format
   bool isDamaged = false;                 // something stands there that nobody can take: `holds` is empty
-  std::uint8_t flag = 0;                  // 0 where none can stand
+  std::optional<std::uint8_t> flag = 0;   // 0 where none can stand; nothing: it is damaged, and so is the place
 
   bool isBuffer() const { return target.kind == Target::Kind::editBuffer; }
   bool isPart() const { return isBuffer() && target.buffer == EditBuffer::partVoice; }

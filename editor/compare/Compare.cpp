@@ -1,6 +1,5 @@
 #include "compare/Compare.h"
 
-#include <map>
 #include <set>
 #include <utility>
 
@@ -12,7 +11,7 @@ namespace Editor {
 namespace {
 
 using Kind = Difference::Kind;
-using Flags = std::map<ContentId, std::uint8_t>;
+using Flag = std::optional<std::uint8_t>;  // nothing: it is damaged
 
 // A content's name stands in two places, and whoever renames it changes both: that is told once.
 void addInnerName(Difference& difference, ParameterDifference inner) {
@@ -22,8 +21,10 @@ void addInnerName(Difference& difference, ParameterDifference inner) {
     difference.names.push_back(std::move(inner));
 }
 
+constexpr const char* kDamaged = "damaged";
+
 ParameterDifference damage(bool isInFirst, bool isInSecond) {
-  return {"damaged", std::int64_t(isInFirst), std::int64_t(isInSecond)};
+  return {kDamaged, std::int64_t(isInFirst), std::int64_t(isInSecond)};
 }
 
 void compareContents(ContentId id, Held first, Held second, Difference& difference) {
@@ -49,19 +50,29 @@ void compareContents(ContentId id, Held first, Held second, Difference& differen
   }
 }
 
-Flags flagsOf(Library& library) {
-  Flags flags;
-  for (const auto& [id, flag] : library.favourites()) flags[id] = flag;
-  return flags;
+// What cannot be read fits no checksum.
+std::optional<Held> heldAt(Library& library, const Place& place) {
+  try {
+    return library.held(place);
+  } catch (const LibraryError& error) {
+    if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
+    Held unread = heldOf("", {});
+    ++unread.checksum;
+    return unread;
+  }
 }
 
-std::uint8_t flagOf(const Flags& flags, ContentId id) {
-  const auto found = flags.find(id);
-  return found == flags.end() ? std::uint8_t(0) : found->second;
+Flag flagOf(Library& library, ContentId id) {
+  const std::optional<Held> held = heldAt(library, favouriteAt(id));
+  if (!held) return std::uint8_t(0);
+  return isWhole(*held) ? flagIn(*held) : std::nullopt;
 }
 
-ParameterDifference favourites(std::uint8_t left, std::uint8_t right) {
-  return {"favourite", std::int64_t(left), std::int64_t(right)};
+// One that is damaged is not compared.
+bool differ(Flag left, Flag right) { return left && right && left != right; }
+
+ParameterDifference favourites(Flag left, Flag right) {
+  return {"favourite", std::int64_t(*left), std::int64_t(*right)};
 }
 
 void ignoreReception(ModelSet& system) {
@@ -77,13 +88,11 @@ class Comparing {
 
   void contents() {
     std::set<ContentId> ids;
-    const Flags left = flagsOf(first_.library());
-    const Flags right = flagsOf(second_.library());
-    for (EmbeddedEditor* const editor : {&first_, &second_})
+    for (EmbeddedEditor* const editor : {&first_, &second_}) {
       for (const ContentId id : editor->library().contents()) ids.insert(id);
-    for (const Flags& flags : {left, right})
-      for (const auto& [id, flag] : flags) ids.insert(id);
-    for (const ContentId id : ids) content(id, flagOf(left, id), flagOf(right, id));
+      for (const auto& [id, flag] : editor->library().favourites()) ids.insert(id);
+    }
+    for (const ContentId id : ids) content(id, flagOf(first_.library(), id), flagOf(second_.library(), id));
   }
 
   void live(Reception reception) {
@@ -93,9 +102,7 @@ class Comparing {
       const std::string name = nameOf(which, part);
       live(name, left.damage(which, part), left.live(which, part), right.damage(which, part), right.live(which, part));
     };
-    for (const EditBuffer which : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
-                                   EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
-      buffer(which, 0);
+    for (const EditBuffer which : kSingleEditBuffers) buffer(which, 0);
     for (std::uint8_t part = 0; part < kParts; ++part) buffer(EditBuffer::partVoice, part);
     ModelSet leftSystem = left.liveSystem();
     ModelSet rightSystem = right.liveSystem();
@@ -106,10 +113,7 @@ class Comparing {
     live("system", left.systemDamage(), leftSystem, right.systemDamage(), rightSystem);
     live("additional", left.additionalDamage(), left.liveAdditional(), right.additionalDamage(),
          right.liveAdditional());
-    const std::int64_t leftMost = first_.library().mixingVoiceMaximum();
-    const std::int64_t rightMost = second_.library().mixingVoiceMaximum();
-    if (reception == Reception::compared && leftMost != rightMost)
-      other("settings", {{"mixing-voices", leftMost, rightMost}});
+    if (reception == Reception::compared) settings();
   }
 
   Comparison comparison;
@@ -120,21 +124,40 @@ class Comparing {
     return nameOrBytes({BDA::kHeaderHi, header.mid, header.lo});
   }
 
-  void content(ContentId id, std::uint8_t leftFlag, std::uint8_t rightFlag) {
-    std::optional<Held> left = first_.library().held(contentAt(id));
-    std::optional<Held> right = second_.library().held(contentAt(id));
+  // Nothing: they are damaged.
+  static std::optional<std::int64_t> mostMixingVoices(Library& library) {
+    try {
+      return library.mixingVoiceMaximum();
+    } catch (const LibraryError& error) {
+      if (error.kind() != LibraryError::Kind::Damaged) throw;
+      return std::nullopt;
+    }
+  }
+
+  void settings() {
+    const std::optional<std::int64_t> left = mostMixingVoices(first_.library());
+    const std::optional<std::int64_t> right = mostMixingVoices(second_.library());
+    if (!left || !right)
+      other("settings", {damage(!left, !right)});
+    else if (left != right)
+      other("settings", {{"mixing-voices", *left, *right}});
+  }
+
+  void content(ContentId id, Flag leftFlag, Flag rightFlag) {
+    std::optional<Held> left = heldAt(first_.library(), contentAt(id));
+    std::optional<Held> right = heldAt(second_.library(), contentAt(id));
     if (left && right) return inBoth(id, std::move(*left), std::move(*right), leftFlag, rightFlag);
     if (left) onlyIn(Kind::onlyInFirst, comparison.onlyInFirst, id, std::move(left->name), leftFlag);
     if (right) onlyIn(Kind::onlyInSecond, comparison.onlyInSecond, id, std::move(right->name), rightFlag);
     // The flag belongs to the place. That of a content goes with it; one of an empty place stands alone.
     const bool isWithContent = (left && rightFlag == 0) || (right && leftFlag == 0);
-    if (leftFlag != rightFlag && !isWithContent) other(Editor::nameOf(id), {favourites(leftFlag, rightFlag)});
+    if (differ(leftFlag, rightFlag) && !isWithContent) other(Editor::nameOf(id), {favourites(leftFlag, rightFlag)});
   }
 
-  void inBoth(ContentId id, Held left, Held right, std::uint8_t leftFlag, std::uint8_t rightFlag) {
+  void inBoth(ContentId id, Held left, Held right, Flag leftFlag, Flag rightFlag) {
     Difference difference;
     compareContents(id, std::move(left), std::move(right), difference);
-    if (leftFlag != rightFlag) difference.parameters.push_back(favourites(leftFlag, rightFlag));
+    if (differ(leftFlag, rightFlag)) difference.parameters.push_back(favourites(leftFlag, rightFlag));
     if (difference.names.empty() && difference.parameters.empty()) {
       ++comparison.equal;
       return;
@@ -147,14 +170,14 @@ class Comparing {
     visit_(difference);
   }
 
-  void onlyIn(Kind side, std::uint64_t& count, ContentId id, std::string name, std::uint8_t flag) {
+  void onlyIn(Kind side, std::uint64_t& count, ContentId id, std::string name, Flag flag) {
     ++count;
     Difference difference;
     difference.target = Editor::nameOf(id);
     difference.kind = side;
     difference.isContent = true;
     difference.name = std::move(name);
-    difference.favourite = flag;
+    difference.favourite = flag.value_or(0);
     visit_(difference);
   }
 
@@ -180,6 +203,11 @@ class Comparing {
 };
 
 }  // namespace
+
+bool isDamagedInBoth(const Difference& difference) {
+  const std::vector<ParameterDifference>& found = difference.parameters;
+  return found.size() == 1 && found[0].path == kDamaged && found[0].a == found[0].b;
+}
 
 Comparison compareLibraries(EmbeddedEditor& first, EmbeddedEditor& second, Reception reception,
                             const std::function<void(const Difference&)>& visit) {

@@ -31,6 +31,8 @@ struct Difference {
   std::vector<ParameterDifference> parameters;
 };
 
+bool isDamagedInBoth(const Difference& difference);
+
 // How two libraries compare: each content that one of them holds counts once.
 struct Comparison {
   std::uint64_t equal = 0;

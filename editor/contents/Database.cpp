@@ -1,6 +1,7 @@
 #include "contents/Database.h"
 
 #include <algorithm>
+#include <cerrno>
 
 namespace Editor {
 
@@ -102,6 +103,13 @@ std::unique_ptr<Database> Database::inMemory() {
   database->makeTables();
   database->prepareStatements();
   return database;
+}
+
+bool Database::isDiskFull() const {
+  sqlite3* const handle = connection.getHandle();
+  if (sqlite3_errcode(handle) == SQLITE_FULL) return true;
+  const int error = sqlite3_system_errno(handle);
+  return (sqlite3_errcode(handle) & 0xFF) == SQLITE_IOERR && (error == ENOSPC || error == EDQUOT || error == EFBIG);
 }
 
 std::int64_t Database::version() {

@@ -67,6 +67,9 @@ struct Database {
            hasMoved != 0;
   }
 
+  // Whether that is why the last operation failed.
+  bool isDiskFull() const;
+
   SQLite::Database connection;
   // Every message is a transaction. These need nothing of the file: they can be prepared before it is looked at.
   SQLite::Statement begin{connection, "BEGIN"};
@@ -87,7 +90,8 @@ struct Database {
     SQLite::Statement liveKeys{database_, "SELECT key FROM live_model ORDER BY key"};
     SQLite::Statement setting{database_, "SELECT value FROM setting WHERE name = ?"};
     SQLite::Statement dataVersion{database_, "PRAGMA data_version"};
-    SQLite::Statement entries{database_, "SELECT number, time, undoes, verb, sources FROM entry ORDER BY number DESC"};
+    SQLite::Statement entries{database_,
+                              "SELECT number, time, undoes, verb, sources, bytes FROM entry ORDER BY number DESC"};
     SQLite::Statement changes{database_,
                               "SELECT kind, type, number, key, what, name_before, name_after, checksum_after "
                               "FROM change WHERE entry = ? ORDER BY kind, type, number, key"};
@@ -98,6 +102,8 @@ struct Database {
     SQLite::Statement changeAt{database_,
                                "SELECT held_name, held_checksum, held_bytes FROM change "
                                "WHERE entry = ? AND kind = ? AND type = ? AND number = ? AND key = ?"};
+    SQLite::Statement missingEntries{
+        database_, "SELECT DISTINCT entry FROM change WHERE entry NOT IN (SELECT number FROM entry) ORDER BY entry"};
     SQLite::Statement sizeOfHistory{database_, "SELECT count(*), coalesce(sum(bytes), 0) FROM entry"};
   };
 
@@ -179,6 +185,7 @@ class Query {
     const auto* const first = static_cast<const typename Blob::value_type*>(value.getBlob());
     return first == nullptr ? Blob() : Blob(first, first + value.getBytes());
   }
+  bool isId() const { return std::in_range<std::uint32_t>(integer(0)) && std::in_range<std::uint32_t>(integer(1)); }
   ContentId id() const { return {number<std::uint32_t>(0), number<std::uint32_t>(1)}; }
 
  private:

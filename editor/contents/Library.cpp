@@ -1,11 +1,14 @@
 #include "contents/Library.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <system_error>
 #include <utility>
 
 #include "contents/Database.h"
 #include "contents/LibraryFile.h"
+#include "contents/PastDamage.h"
 
 namespace Editor {
 namespace {
@@ -25,14 +28,28 @@ std::optional<std::string> nameOf(const std::optional<Held>& held) {
   return held ? std::optional(held->name) : std::nullopt;
 }
 
+[[noreturn]] void failPlace(const std::string& why) {
+  throw LibraryError(LibraryError::Kind::DamagedPlace, "it is damaged: " + why);
+}
+
+constexpr const char* kWayOn = "; what is whole can be backed up, and restored into a new library";
+constexpr const char* kNoFlag = "no favourite flag has such a number";
+
 void requireWhole(const Held& held) {
-  if (!isWhole(held)) throw SQLite::Exception("bytes that do not fit their checksum", SQLITE_CORRUPT);
+  if (!isWhole(held)) failPlace("bytes that do not fit their checksum");
+}
+
+constexpr const char* tableOf(Listed rows) {
+  if (rows == Listed::contents) return "content";
+  return rows == Listed::favourites ? "favourite" : "live_model";
 }
 
 }  // namespace
 
 Library::Library(const std::filesystem::path& file, const Options& options)
-    : file_(file.empty() ? file : std::filesystem::absolute(file)), recorder_(options.clock) {
+    : file_(file.empty() ? file : std::filesystem::absolute(file)),
+      canChange_(options.use == Use::change),
+      recorder_(options.clock) {
   if (file.empty()) throw LibraryError(LibraryError::Kind::CannotOpen, "a library needs a file name");
   if (options.use != Use::memory) place_ = std::make_unique<LibraryFile>(file_, options.busyTimeout, options.vfs);
   run([&] {
@@ -40,7 +57,7 @@ Library::Library(const std::filesystem::path& file, const Options& options)
     if (database_ != nullptr) return;
     if (options.use == Use::read && !place_->exists())
       throw SQLite::Exception("there is no such library", SQLITE_CANTOPEN);
-    isYetToBeMade_ = options.use == Use::change;
+    isYetToBeMade_ = canChange_;
     if (isYetToBeMade_) place_->requireRoom();
     database_ = Database::inMemory();
     isInMemory_ = true;
@@ -64,9 +81,11 @@ void Library::fail(int sqliteCode, const std::string& text) const {
       throw LibraryError(Kind::Locked, name + " is locked by another program");
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-      throw LibraryError(Kind::Damaged, name + " is damaged: " + text);
+      throw LibraryError(Kind::Damaged,
+                         name + " is damaged: " + text + (canChange_ && database_ != nullptr ? kWayOn : ""));
     default:
-      throw LibraryError(Kind::Failed, name + ": " + text);
+      throw LibraryError(Kind::Failed,
+                         name + ": " + (database_ != nullptr && database_->isDiskFull() ? "the disk is full" : text));
   }
 }
 
@@ -215,7 +234,8 @@ void Library::endCopy() noexcept {
 }
 
 void Library::copyFrom(Library& other) {
-  change([&] { other.database_->copyRowsTo(*database_, Database::Rows::allButHistory); });
+  tellUnread_ = other.tellUnread_;
+  change([&] { other.run([&] { other.database_->copyRowsTo(*database_, Database::Rows::allButHistory); }); });
 }
 
 // ---- Places ---------------------------------------------------------------------------------------------------------
@@ -225,6 +245,20 @@ std::optional<Held> Library::held(const Place& place) {
 }
 
 std::optional<Held> Library::heldNow(const Place& place) {
+  try {
+    return heldByIndex(place);
+  } catch (const SQLite::Exception& error) {
+    if (!isDamage(error)) throw;
+  }
+  try {
+    return heldPastDamage(*database_, place);
+  } catch (const SQLite::Exception& error) {
+    if (!tellUnread_ || !isDamage(error)) throw;
+    failPlace(error.what());
+  }
+}
+
+std::optional<Held> Library::heldByIndex(const Place& place) {
   Database::Reading& reading = *database_->reading;
   switch (place.kind) {
     case Place::Kind::content: {
@@ -234,7 +268,7 @@ std::optional<Held> Library::heldNow(const Place& place) {
     }
     case Place::Kind::favourite: {
       Query query(reading.favourite, place.id);
-      return query.next() ? std::optional(heldOf(query.number<std::uint8_t>(0))) : std::nullopt;
+      return query.next() ? std::optional(heldOf(query.integer(0))) : std::nullopt;
     }
     case Place::Kind::live: {
       Query query(reading.live, place.key);
@@ -303,8 +337,36 @@ std::vector<RecordedChange> Library::recordedChanges(std::int64_t entry, bool wi
   return read([&] { return Editor::recordedChanges(*database_, entry, withBytes); });
 }
 
+std::vector<std::int64_t> Library::missingEntries() {
+  return read([&] { return Editor::missingEntries(*database_); });
+}
+
 std::vector<std::pair<std::string, std::string>> Library::checkTables() {
   return read([&] { return database_->checkTables(); });
+}
+
+// ---- What cannot be read --------------------------------------------------------------------------------------------
+
+void Library::leaveOut(const Unread& unread) const {
+  if (tellUnread_) tellUnread_(unread);
+}
+
+template <typename Statement, typename Visit>
+void Library::list(Listed rows, Statement& inOrder, Visit visit) {
+  const auto visitRow = [&](const Query& query) {
+    const bool isPlace = rows == Listed::liveKeys || query.isId();
+    if (tellUnread_ && !isPlace)
+      leaveOut({std::nullopt, tableOf(rows), "it has a row of a place that there is not"});
+    else
+      visit(query);
+  };
+  try {
+    for (Query query(inOrder); query.next();) visitRow(query);
+  } catch (const SQLite::Exception& error) {
+    if (!tellUnread_ || !isDamage(error)) throw;
+    leaveOut({std::nullopt, tableOf(rows), error.what()});
+    visitPastDamage(*database_, rows, visitRow);
+  }
 }
 
 // ---- Contents, flags, live models, settings -------------------------------------------------------------------------
@@ -320,17 +382,21 @@ std::optional<Library::Content> Library::content(ContentId id) {
 
 std::optional<std::string> Library::contentName(ContentId id) {
   return read([&]() -> std::optional<std::string> {
-    Query query(database_->reading->contentName, id);
-    if (!query.next()) return std::nullopt;
-    return query.blob<std::string>(0);
+    try {
+      Query query(database_->reading->contentName, id);
+      return query.next() ? std::optional(query.blob<std::string>(0)) : std::nullopt;
+    } catch (const SQLite::Exception& error) {
+      if (!isDamage(error)) throw;
+    }
+    return nameOf(heldNow(contentAt(id)));
   });
 }
 
 std::vector<ContentId> Library::contents() {
   return read([&] {
-    std::vector<ContentId> ids;
-    for (Query query(database_->reading->contents); query.next();) ids.push_back(query.id());
-    return ids;
+    std::set<ContentId> ids;
+    list(Listed::contents, database_->reading->contents, [&](const Query& query) { ids.insert(query.id()); });
+    return std::vector(ids.begin(), ids.end());
   });
 }
 
@@ -380,18 +446,25 @@ bool Library::remove(ContentId id) {
 }
 
 std::uint8_t Library::favourite(ContentId id) {
-  return read([&] {
-    Query query(database_->reading->favourite, id);
-    return query.next() ? query.number<std::uint8_t>(0) : std::uint8_t(0);
-  });
+  const Place place = favouriteAt(id);
+  const std::optional<Held> flag = held(place);
+  if (!flag) return 0;
+  if (const std::optional<std::uint8_t> number = flagIn(*flag)) return *number;
+  if (!tellUnread_) failPlace(kNoFlag);
+  leaveOut({place, tableOf(Listed::favourites), kNoFlag});
+  return 0;
 }
 
 std::vector<std::pair<ContentId, std::uint8_t>> Library::favourites() {
   return read([&] {
-    std::vector<std::pair<ContentId, std::uint8_t>> flags;
-    for (Query query(database_->reading->favourites); query.next();)
-      flags.emplace_back(query.id(), query.number<std::uint8_t>(2));
-    return flags;
+    std::map<ContentId, std::uint8_t> flags;
+    list(Listed::favourites, database_->reading->favourites, [&](const Query& query) {
+      const ContentId id = query.id();
+      if (tellUnread_ && !std::in_range<std::uint8_t>(query.integer(2)))
+        return leaveOut({favouriteAt(id), tableOf(Listed::favourites), kNoFlag});
+      flags.emplace(id, query.number<std::uint8_t>(2));
+    });
+    return std::vector<std::pair<ContentId, std::uint8_t>>(flags.begin(), flags.end());
   });
 }
 
@@ -426,9 +499,10 @@ std::optional<Library::Bytes> Library::live(const std::string& key) {
 
 std::vector<std::string> Library::liveKeys() {
   return read([&] {
-    std::vector<std::string> keys;
-    for (Query query(database_->reading->liveKeys); query.next();) keys.push_back(query.blob<std::string>(0));
-    return keys;
+    std::set<std::string> keys;
+    list(Listed::liveKeys, database_->reading->liveKeys,
+         [&](const Query& query) { keys.insert(query.blob<std::string>(0)); });
+    return std::vector(keys.begin(), keys.end());
   });
 }
 

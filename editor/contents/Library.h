@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -17,6 +18,7 @@ namespace Editor {
 
 class LibraryFile;
 class LibraryMaking;
+enum class Listed : std::uint8_t;
 
 // What went wrong with a library, as a text that names the file.
 class LibraryError : public std::runtime_error {
@@ -25,9 +27,10 @@ class LibraryError : public std::runtime_error {
     CannotOpen,  // no such directory, no permission, not a file
     NotALibrary,
     NewerVersion,
-    Locked,   // by another program, for longer than the time we wait
-    Damaged,  // the file, or what it says about itself
-    Failed,   // anything else: no space, an input or output error, a transaction that was lost to one of them
+    Locked,        // by another program, for longer than the time we wait
+    Damaged,       // the file, or what it says about itself
+    DamagedPlace,  // what one place holds, whatever of the file can be read beside it
+    Failed,        // anything else: no space, an input or output error, a transaction that was lost to one of them
   };
 
   LibraryError(Kind kind, const std::string& text) : std::runtime_error(text), kind_(kind) {}
@@ -83,7 +86,18 @@ class Library {
   Library& operator=(const Library&) = delete;
   ~Library();
 
-  // Takes over everything that `other` holds, as a change of its own. This one is empty.
+  // What cannot be read of it: one place, or some of a table.
+  struct Unread {
+    std::optional<Place> place;
+    std::string table;
+    std::string reason;
+  };
+  // For who only reads. From now on what cannot be read is left out of what is listed, and told, as often as it is met;
+  // a single place that cannot be read throws DamagedPlace. Without this the library is Damaged then: who changes
+  // something has to know all.
+  void leaveOutUnread(std::function<void(const Unread&)> tell) { tellUnread_ = std::move(tell); }
+
+  // Takes over everything that `other` holds, as a change of its own, and leaves out what that does. This one is empty.
   void copyFrom(Library& other);
 
   // Makes one change of many, or for reading holds one state of the library still. Inside another transaction it is a
@@ -123,7 +137,7 @@ class Library {
   };
 
   // Names and bytes are kept as they come, whatever they are. An id need not be canonical, what comes back is. A
-  // content that does not fit the checksum which is kept with it is damaged: that is thrown.
+  // content that does not fit the checksum which is kept with it throws DamagedPlace.
   std::optional<Content> content(ContentId id);
   std::optional<std::string> contentName(ContentId id);
   std::vector<ContentId> contents();  // by type and number
@@ -133,7 +147,8 @@ class Library {
   bool rename(ContentId id, const std::string& name);  // false: nothing is stored there
   bool remove(ContentId id);                           // false: nothing was stored there
 
-  // A flag belongs to the place, whether a content is stored there or not; 0 is no favourite.
+  // A flag belongs to the place, whether a content is stored there or not; 0 is no favourite. One out of range is
+  // damaged: it throws DamagedPlace, or is left out.
   std::uint8_t favourite(ContentId id);
   std::vector<std::pair<ContentId, std::uint8_t>> favourites();
   void setFavourite(ContentId id, std::uint8_t flag);
@@ -158,6 +173,7 @@ class Library {
   std::optional<std::int64_t> entryOfRun() const { return recorder_.mark().entry; }
   std::vector<RecordedEntry> recordedEntries();  // the newest first
   std::vector<RecordedChange> recordedChanges(std::int64_t entry, bool withBytes);
+  std::vector<std::int64_t> missingEntries();  // that have changes all the same
   // What a place holds, damaged or not.
   std::optional<Held> held(const Place& place);
   // For an undo: begins its entry, whatever it changes, and has a place hold that, or nothing.
@@ -201,21 +217,27 @@ class Library {
   auto read(Operation operation) -> decltype(operation());
   template <typename Operation>
   void change(Operation operation);
+  template <typename Statement, typename Visit>
+  void list(Listed rows, Statement& inOrder, Visit visit);
+  void leaveOut(const Unread& unread) const;
   bool lookForLibrary();
   void setDatabase(std::unique_ptr<Database> made);
   void requireVersion();
   void endCopy() noexcept;
   std::optional<Held> heldNow(const Place& place);
+  std::optional<Held> heldByIndex(const Place& place);
   void write(const Place& place, const std::optional<Held>& held);
   void replace(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after);
 
   std::filesystem::path file_;
+  bool canChange_;
   std::unique_ptr<LibraryFile> place_;  // null: in memory for good
   std::unique_ptr<Database> database_;
   bool isInMemory_ = false;
-  std::uint32_t databases_ = 0;           // how many have stood here before
-  bool isYetToBeMade_ = false;            // the database is one in memory until there is something to keep
-  std::vector<const Transaction*> open_;  // from the outermost to the innermost
+  std::uint32_t databases_ = 0;                    // how many have stood here before
+  bool isYetToBeMade_ = false;                     // the database is one in memory until there is something to keep
+  std::vector<const Transaction*> open_;           // from the outermost to the innermost
+  std::function<void(const Unread&)> tellUnread_;  // none: what cannot be read is an error
   Recorder recorder_;
   std::filesystem::path copy_;  // of a library of version 1, made in the transaction that is open
   std::vector<Change> pending_;

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -41,7 +42,7 @@ class PlainFile {
         name_(sqlite3_create_filename(path.c_str(), "", "", 0, nullptr)),
         memory_(std::size_t(vfs_->szOsFile)) {
     if (name_ == nullptr) throw std::bad_alloc();
-    constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MAIN_DB;
+    constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_EXCLUSIVE | SQLITE_OPEN_MAIN_DB;
     int flags = 0;
     const int result = vfs_->xOpen(vfs_, name_, file(), kFlags, &flags);
     if (result == SQLITE_OK) return;
@@ -63,6 +64,16 @@ class PlainFile {
   std::vector<std::max_align_t> memory_;  // more than it takes
 };
 
+// Beside the library itself, where `file` is a link to it.
+std::filesystem::path freeName(const std::filesystem::path& file, const char* ending) {
+  const std::filesystem::path library = std::filesystem::is_symlink(file) ? std::filesystem::canonical(file) : file;
+  const std::string name = library.string() + ending;
+  std::filesystem::path free = name;
+  for (unsigned number = 2; std::filesystem::exists(std::filesystem::symlink_status(free)); ++number)
+    free = name + "." + std::to_string(number);
+  return free;
+}
+
 void copyBytes(sqlite3_file* from, sqlite3_file* to) {
   constexpr sqlite3_int64 kMost = 1 << 16;
   constexpr const char* kFailed = "the copy of it could not be written";
@@ -80,28 +91,22 @@ void copyBytes(sqlite3_file* from, sqlite3_file* to) {
 
 }  // namespace
 
-std::filesystem::path nameOfCopy(const std::filesystem::path& file) {
-  const std::string name = file.string() + ".v1";
-  std::filesystem::path free = name;
-  for (unsigned number = 2; std::filesystem::exists(std::filesystem::symlink_status(free)); ++number)
-    free = name + "." + std::to_string(number);
-  return free;
-}
+std::filesystem::path nameOfCopy(const std::filesystem::path& file) { return freeName(file, ".v1"); }
 
 std::filesystem::path copyBeside(const std::filesystem::path& file, Database& database,
                                  std::chrono::milliseconds busyTimeout, const char* vfs) {
   writeLogBack(file, busyTimeout, vfs);
-  // Half of it is there under this name only: of a program that was killed it may be left, and the next one begins
-  // anew.
-  const std::filesystem::path part = file.string() + ".v1.part";
+  // Half of it is there under this name only: of a program that was killed it may be left.
+  const std::filesystem::path part = freeName(file, ".v1.part");
   std::filesystem::path copy;
+  sqlite3_file* library = nullptr;
+  sqlite3_file_control(database.connection.getHandle(), "main", SQLITE_FCNTL_FILE_POINTER, &library);
+  auto made = std::make_unique<PlainFile>(part, vfs);
   try {
-    sqlite3_file* library = nullptr;
-    sqlite3_file_control(database.connection.getHandle(), "main", SQLITE_FCNTL_FILE_POINTER, &library);
     {
-      PlainFile to(part, vfs);
+      const std::unique_ptr<PlainFile> to = std::move(made);
       std::filesystem::permissions(part, std::filesystem::status(file).permissions());
-      copyBytes(library, to.file());
+      copyBytes(library, to->file());
     }
     copy = nameOfCopy(file);
     std::filesystem::rename(part, copy);
@@ -110,7 +115,7 @@ std::filesystem::path copyBeside(const std::filesystem::path& file, Database& da
     std::filesystem::remove(part, ignored);
     throw;
   }
-  syncDirectory(file.parent_path());
+  syncDirectory(copy.parent_path());
   return copy;
 }
 

@@ -66,6 +66,46 @@ std::string uriOf(const std::filesystem::path& path) {
   return uri;
 }
 
+// A link stands for the file that SQLite works with: there its side files stand.
+std::filesystem::path resolved(const std::filesystem::path& path) {
+  std::error_code unknown;
+  std::filesystem::path file = std::filesystem::canonical(path, unknown);
+  return unknown ? path : file;
+}
+
+// Whether side files could not be made, or not as large as they have to be.
+bool isAboutRoom(const SQLite::Exception& error) {
+  const int code = error.getErrorCode() & 0xFF;
+  return code == SQLITE_IOERR || code == SQLITE_FULL || code == SQLITE_CANTOPEN;
+}
+
+// Works on what a failure has left of a library, with a lock that nobody has who uses it: it is left to him otherwise.
+// Needs no room: the lock is held without shared memory.
+template <typename Operation>
+void whileAlone(const std::filesystem::path& path, Operation operation) {
+  std::error_code unknown;
+  if (!std::filesystem::exists(path, unknown)) return;
+  try {
+    Database database(path.string(), SQLite::OPEN_READWRITE, std::chrono::milliseconds(0), nullptr);
+    database.connection.exec("PRAGMA locking_mode = EXCLUSIVE");
+    database.connection.exec("BEGIN EXCLUSIVE");
+    operation(database);
+  } catch (const SQLite::Exception&) {
+    // Somebody uses it.
+  }
+}
+
+// What it throws then says that the disk is full, where it is.
+template <typename Operation>
+auto tellingFullDisk(Database& database, Operation operation) {
+  try {
+    return operation();
+  } catch (const SQLite::Exception& error) {
+    if (!database.isDiskFull()) throw;
+    throw SQLite::Exception("the disk is full", error.getErrorCode());
+  }
+}
+
 [[noreturn]] void cannotOpen(int error) { throw SQLite::Exception(std::strerror(error), SQLITE_CANTOPEN); }
 
 }  // namespace
@@ -95,23 +135,52 @@ std::unique_ptr<Database> LibraryFile::openToRead() const {
   // Who must not write to the file can neither put away the log that SQLite makes for a reader, nor make one in a
   // directory that is closed to him: the file is read as it is, unless somebody works on it or was cut off.
   const bool isReadOnly = vfs_ == nullptr && (::access(path_.c_str(), W_OK) != 0 ||
-                                              ::access(path_.parent_path().c_str(), W_OK | X_OK) != 0);
-  if (isReadOnly && (isBeside("-wal") || isBeside("-journal")))
+                                              ::access(resolved(path_).parent_path().c_str(), W_OK | X_OK) != 0);
+  if (isReadOnly && hasLog())
     throw SQLite::Exception("its place cannot be written, and the log beside it only a writer can read",
                             SQLITE_CANTOPEN);
-  std::unique_ptr<Database> database =
-      isReadOnly ? open(uriOf(path_) + "?immutable=1", SQLite::OPEN_READONLY | SQLite::OPEN_URI)
-                 : open(path_.string(), SQLite::OPEN_READWRITE);
+  if (isReadOnly) return openAsItIs();
+  try {
+    std::unique_ptr<Database> database = open(path_.string(), SQLite::OPEN_READWRITE);
+    if (database != nullptr) database->prepareStatements();
+    return database;
+  } catch (const SQLite::Exception& error) {
+    if (vfs_ != nullptr || hasLog() || !isAboutRoom(error)) throw;
+  }
+  clearSideFiles();
+  return openAsItIs();
+}
+
+// As if nobody could ever change it.
+std::unique_ptr<Database> LibraryFile::openAsItIs() const {
+  std::unique_ptr<Database> database = open(uriOf(path_) + "?immutable=1", SQLite::OPEN_READONLY | SQLite::OPEN_URI);
   if (database != nullptr) database->prepareStatements();
   return database;
 }
 
+// What a connection has left that had no room for all of its side files.
+void LibraryFile::clearSideFiles() const {
+  whileAlone(path_, [&](Database&) {
+    std::error_code ignored;
+    std::filesystem::remove(resolved(path_).string() + "-shm", ignored);
+  });
+}
+
 // Null when there is nothing in it yet.
 std::unique_ptr<Database> LibraryFile::open(const std::string& name, int flags) const {
+  try {
+    return openWhatIsThere(name, flags);
+  } catch (const SQLite::Exception&) {
+    if (exists()) throw;
+    return nullptr;  // who began to make it has failed meanwhile, and taken it back
+  }
+}
+
+std::unique_ptr<Database> LibraryFile::openWhatIsThere(const std::string& name, int flags) const {
   auto database = std::make_unique<Database>(name, flags, busyTimeout_, vfs_);
   if (const Header header = readHeader(database->connection.getHandle()); !header.empty)
     requireLibrary(header.applicationId, header.version);
-  if (database->isUnfinished()) return nullptr;
+  if (tellingFullDisk(*database, [&] { return database->isUnfinished(); })) return nullptr;
   // Again, now that no log hides anything.
   const std::int64_t version = database->integer("PRAGMA user_version");
   requireLibrary(database->integer("PRAGMA application_id"), version);
@@ -130,9 +199,16 @@ bool LibraryFile::exists() const {
 
 void LibraryFile::requireRoom() const {
   if (vfs_ != nullptr) return;
+  if (!path_.has_filename()) cannotOpen(EISDIR);
   const std::filesystem::path directory = nearestDirectory();
   if (!std::filesystem::is_directory(directory)) cannotOpen(ENOTDIR);
   if (::access(directory.c_str(), W_OK | X_OK) != 0) cannotOpen(errno);
+  // There are places where permissions say nothing, as /proc: whether a file can be made there, only one that is says.
+  std::string probe = (directory / ".bda-XXXXXX").string();
+  const int file = ::mkstemp(probe.data());
+  if (file < 0) cannotOpen(errno);
+  ::close(file);
+  ::unlink(probe.c_str());
 }
 
 void LibraryFile::requireLibrary(std::int64_t applicationId, std::int64_t version) const {
@@ -172,7 +248,15 @@ void LibraryFile::keepWriteAheadLog(Database& database) const {
   }
 }
 
-bool LibraryFile::isBeside(const char* ending) const { return std::filesystem::exists(path_.string() + ending); }
+// A log without a byte is none.
+bool LibraryFile::hasLog() const {
+  const std::string file = resolved(path_).string();
+  const auto holdsAnything = [&](const char* ending) {
+    std::error_code unknown;
+    return std::filesystem::exists(file + ending) && std::filesystem::file_size(file + ending, unknown) != 0;
+  };
+  return holdsAnything("-wal") || holdsAnything("-journal");
+}
 
 // The directory that the library lies in, or the lowest above it that is there.
 std::filesystem::path LibraryFile::nearestDirectory() const {
@@ -200,7 +284,30 @@ LibraryMaking::LibraryMaking(const LibraryFile& file) : file_(file) {
 }
 
 std::unique_ptr<Database> LibraryMaking::make(Database& rows) {
-  if (file_.vfs_ == nullptr) createDirectories(file_.path_.parent_path());
+  if (file_.vfs_ != nullptr) return makeFile(rows);
+  const bool wasThere = std::filesystem::exists(file_.path_);
+  try {
+    createDirectories(file_.path_.parent_path());
+    return makeFile(rows);
+  } catch (...) {
+    takeBack(wasThere);
+    throw;
+  }
+}
+
+// Unless somebody who knows no locks of directories has made one meanwhile.
+void LibraryMaking::takeBack(bool wasThere) {
+  std::error_code ignored;
+  if (!wasThere)
+    whileAlone(file_.path_, [&](Database& database) {
+      if (!database.isUnfinished()) return;
+      for (const char* const ending : {"-shm", "-wal", "-journal", ""})
+        std::filesystem::remove(file_.path_.string() + ending, ignored);
+    });
+  for (; !made_.empty(); made_.pop_back()) std::filesystem::remove(made_.back(), ignored);  // unless it is in use
+}
+
+std::unique_ptr<Database> LibraryMaking::makeFile(Database& rows) {
   auto database = std::make_unique<Database>(file_.path_.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE,
                                              file_.busyTimeout_, file_.vfs_);
   SQLite::Database& connection = database->connection;
@@ -211,14 +318,16 @@ std::unique_ptr<Database> LibraryMaking::make(Database& rows) {
   connection.exec("PRAGMA synchronous = FULL");
   // The id comes first and alone, in the only page that is written then: what a power cut leaves of the file is empty
   // or says that it is ours.
-  connection.exec("PRAGMA application_id = " + std::to_string(kLibraryApplicationId));
-  file_.keepWriteAheadLog(*database);
-  SQLite::Transaction transaction(connection, SQLite::TransactionBehavior::IMMEDIATE);
-  requireNothing();
-  database->makeTables();
-  rows.copyRowsTo(*database, Database::Rows::all);
-  database->prepareStatements();
-  transaction.commit();  // the last thing that can fail: what is on disk must not be told as failed
+  tellingFullDisk(*database, [&] {
+    connection.exec("PRAGMA application_id = " + std::to_string(kLibraryApplicationId));
+    file_.keepWriteAheadLog(*database);
+    SQLite::Transaction transaction(connection, SQLite::TransactionBehavior::IMMEDIATE);
+    requireNothing();
+    database->makeTables();
+    rows.copyRowsTo(*database, Database::Rows::all);
+    database->prepareStatements();
+    transaction.commit();  // the last thing that can fail: what is on disk must not be told as failed
+  });
   return database;
 }
 
@@ -244,7 +353,7 @@ void LibraryMaking::createDirectories(const std::filesystem::path& directory) {
   if (std::filesystem::exists(directory)) return;
   const std::filesystem::path parent = directory.parent_path();
   createDirectories(parent);
-  std::filesystem::create_directory(directory);
+  if (std::filesystem::create_directory(directory)) made_.push_back(directory);
   lock(directory, LOCK_EX);
   syncDirectory(parent);
 }

@@ -19,8 +19,8 @@ class LibraryFile {
 
   // Null when there is none, or nothing but what making one has left that was cut off.
   std::unique_ptr<Database> open() const;
-  // The same for reading alone: nothing is written, nor left behind, and a place that cannot be written will do when no
-  // log stands beside the file, which only a writer could read.
+  // The same for reading alone: nothing is written, nor left behind, and a place that cannot be written, or has no room
+  // left, will do when no log stands beside the file, which only a writer could read.
   std::unique_ptr<Database> openToRead() const;
   bool exists() const;
 
@@ -37,10 +37,13 @@ class LibraryFile {
   friend class LibraryMaking;
 
   std::unique_ptr<Database> open(const std::string& name, int flags) const;
+  std::unique_ptr<Database> openWhatIsThere(const std::string& name, int flags) const;
+  std::unique_ptr<Database> openAsItIs() const;
+  void clearSideFiles() const;
   void requireLibrary(std::int64_t applicationId, std::int64_t version) const;
   void requireKnown(std::int64_t version) const;
   void keepWriteAheadLog(Database& database) const;
-  bool isBeside(const char* ending) const;
+  bool hasLog() const;
   std::filesystem::path nearestDirectory() const;
 
   std::filesystem::path path_;  // absolute
@@ -64,9 +67,12 @@ class LibraryMaking {
   void lock(const std::filesystem::path& directory, int how);
   void unlock();
   void createDirectories(const std::filesystem::path& directory);
+  std::unique_ptr<Database> makeFile(Database& rows);
+  void takeBack(bool wasThere);
 
   const LibraryFile& file_;
-  std::vector<int> locks_;  // of directories, the upper ones first
+  std::vector<int> locks_;                   // of directories, the upper ones first
+  std::vector<std::filesystem::path> made_;  // directories, the upper ones first
 };
 
 }  // namespace Editor

@@ -18,7 +18,7 @@ bool attempt(std::string& why, Operation operation) {
 
 ContentStore::Loaded notRead(const LibraryError& error, std::string& why) {
   why = error.what();
-  return error.kind() == LibraryError::Kind::Damaged ? ContentStore::Loaded::opaque : ContentStore::Loaded::failed;
+  return error.kind() == LibraryError::Kind::DamagedPlace ? ContentStore::Loaded::opaque : ContentStore::Loaded::failed;
 }
 
 ContentStore::Loaded decode(const Library::Bytes& bytes, ModelSet& models, std::string& why) {
@@ -57,7 +57,10 @@ ContentStore::Loaded ModelStore::loadLive(const std::string& key, ModelSet& mode
     const std::optional<Library::Bytes> bytes = library_.live(key);
     return bytes ? decode(*bytes, models, why) : nothingStored(why);
   } catch (const LibraryError& error) {
-    return notRead(error, why);
+    // All of them are read by whoever opens a library: what cannot be read keeps nobody from the rest.
+    if (error.kind() != LibraryError::Kind::Damaged) return notRead(error, why);
+    why = error.what();
+    return Loaded::opaque;
   }
 }
 

@@ -1,6 +1,8 @@
 #include "contents/Places.h"
 
 #include <array>
+#include <charconv>
+#include <utility>
 
 #include "contents/ContentFormat.h"
 #include "contents/Fingerprint.h"
@@ -46,6 +48,24 @@ std::int64_t checksumOf(std::span<const std::uint8_t> name, std::span<const std:
   return std::int64_t(fnv1a(bytes, fnv1a(name, fnv1a(length))));
 }
 
+std::optional<std::int64_t> numberIn(const std::string& text) {
+  std::int64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
+}
+
+std::optional<std::uint8_t> flagIn(const Held& held) {
+  const std::optional<std::int64_t> flag = numberIn(held.name);
+  return flag && std::in_range<std::uint8_t>(*flag) ? std::optional(std::uint8_t(*flag)) : std::nullopt;
+}
+
+bool isSound(const Place& place, const Held& held) {
+  if (place.kind == Place::Kind::favourite && !flagIn(held)) return false;
+  if (place.kind == Place::Kind::setting && !numberIn(held.name)) return false;
+  return isWhole(held);
+}
+
 Held heldOf(const std::string& name, std::span<const std::uint8_t> bytes) {
   return {name, {bytes.begin(), bytes.end()}, checksumOf(bytesOf(name), bytes)};
 }
@@ -60,7 +80,10 @@ What whatBecame(const Place& place, const std::optional<Held>& before, const std
   if (place.kind == Place::Kind::setting) return What::set;
   if (!after) return What::removed;
   // An edit buffer that was never stored is not empty, but as new.
-  if (!before) return isRenaming && place.kind == Place::Kind::live ? What::renamed : What::stored;
+  if (!before) {
+    const bool isRenamed = isRenaming && place.kind == Place::Kind::live && !nameIn(place, *after).empty();
+    return isRenamed ? What::renamed : What::stored;
+  }
   if (nameIn(place, *before) == nameIn(place, *after)) return What::stored;
   const bool isRenamed = before->bytes == after->bytes || (isRenaming && areEqualButForNames(place, *before, *after));
   return isRenamed ? What::renamed : What::stored;

@@ -42,6 +42,11 @@ std::int64_t checksumOf(std::span<const std::uint8_t> name, std::span<const std:
 Held heldOf(const std::string& name, std::span<const std::uint8_t> bytes);
 Held heldOf(std::int64_t number);
 bool isWhole(const Held& held);
+std::optional<std::int64_t> numberIn(const std::string& text);  // nothing: there is none, or more than one
+// Of the place of one; nothing: no flag has that number.
+std::optional<std::uint8_t> flagIn(const Held& held);
+// Whether it can be put back there.
+bool isSound(const Place& place, const Held& held);
 
 // What became of a place.
 enum class What : std::uint8_t { stored = 1, removed = 2, renamed = 3, flagged = 4, set = 5 };  // as in the file

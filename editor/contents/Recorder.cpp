@@ -42,6 +42,27 @@ std::int64_t sizeOf(const std::optional<Held>& before) {
   return kRowBytes + (before ? std::int64_t(before->name.size() + before->bytes.size()) : 0);
 }
 
+// Of a row of the table of changes; empty when it says what one of ours does.
+std::string faultIn(const Query& row) {
+  const auto isIn = [&](int column, auto first, auto last) {
+    return row.integer(column) >= std::int64_t(first) && row.integer(column) <= std::int64_t(last);
+  };
+  if (!isIn(0, Place::Kind::content, Place::Kind::setting)) return "a change of it is of no kind of place";
+  if (!isIn(4, What::stored, What::set)) return "a change of it is of no kind";
+  constexpr std::uint32_t kMost = 0xFFFFFFFF;
+  if (!isIn(1, 0, kMost) || !isIn(2, 0, kMost)) return "a change of it is of a place that there is not";
+  const auto kind = Place::Kind(row.integer(0));
+  const auto what = What(row.integer(4));
+  const bool isNumber = kind == Place::Kind::favourite || kind == Place::Kind::setting;
+  const bool fits = isNumber ? what == (kind == Place::Kind::favourite ? What::flagged : What::set)
+                             : what != What::flagged && what != What::set;
+  if (!fits) return "a change of it does not fit its place";
+  for (const int name : {5, 6})
+    if (isNumber && !row.isNull(name) && !numberIn(row.blob<std::string>(name))) return "a change of it has no value";
+  const bool lacksName = (what == What::stored && row.isNull(6)) || (what == What::removed && row.isNull(5));
+  return lacksName ? "a change of it has no name" : "";
+}
+
 }  // namespace
 
 void Recorder::begin(LibraryRun run) {
@@ -148,13 +169,22 @@ void Recorder::trim(Database& database) {
   }
 }
 
+std::int64_t sizeOf(const RecordedChange& change) { return sizeOf(change.before); }
+
+std::vector<std::int64_t> missingEntries(Database& database) {
+  std::vector<std::int64_t> numbers;
+  for (Query query(database.reading->missingEntries); query.next();) numbers.push_back(query.integer(0));
+  return numbers;
+}
+
 std::vector<RecordedEntry> recordedEntries(Database& database) {
   std::vector<RecordedEntry> entries;
   for (Query query(database.reading->entries); query.next();)
     entries.push_back({query.integer(0),
                        query.integer(1),
                        {query.blob<std::string>(3), unpacked(query.blob<std::string>(4)),
-                        query.isNull(2) ? std::nullopt : std::optional(query.integer(2))}});
+                        query.isNull(2) ? std::nullopt : std::optional(query.integer(2))},
+                       query.integer(5)});
   return entries;
 }
 
@@ -166,10 +196,12 @@ std::vector<RecordedChange> recordedChanges(Database& database, std::int64_t ent
       return query.isNull(column) ? std::nullopt : std::optional(query.blob<std::string>(column));
     };
     RecordedChange& change = changes.emplace_back();
-    change.place = {Place::Kind(query.number<std::uint8_t>(0)),
+    change.fault = faultIn(query);
+    if (!change.fault.empty()) continue;
+    change.place = {Place::Kind(query.integer(0)),
                     {query.number<std::uint32_t>(1), query.number<std::uint32_t>(2)},
                     query.blob<std::string>(3)};
-    change.what = What(query.number<std::uint8_t>(4));
+    change.what = What(query.integer(4));
     change.nameBefore = text(5);
     change.nameAfter = text(6);
     if (!query.isNull(7)) change.checksumAfter = query.integer(7);

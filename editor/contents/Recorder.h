@@ -25,6 +25,7 @@ struct RecordedEntry {
   std::int64_t number = 0;  // from 1, never used again
   std::int64_t time = 0;    // when it was begun, in seconds since 1970
   LibraryRun run;
+  std::int64_t bytes = 0;  // as its changes say of themselves
 };
 
 // One place that a run changed: what it held before the first change, and what the last one left there.
@@ -35,6 +36,7 @@ struct RecordedChange {
   std::optional<std::string> nameAfter;
   std::optional<std::int64_t> checksumAfter;
   std::optional<Held> before;  // only where it is asked for
+  std::string fault;           // what is wrong with the row, in words: then nothing of it counts
 };
 
 // Writes the history: each change of a place into the entry of the run, in the transaction that makes the change. An
@@ -100,5 +102,9 @@ class Recorder {
 std::vector<RecordedEntry> recordedEntries(Database& database);  // the newest first
 // By place. Their bytes only `withBytes`.
 std::vector<RecordedChange> recordedChanges(Database& database, std::int64_t entry, bool withBytes);
+// About what it takes in the file, its bytes with it.
+std::int64_t sizeOf(const RecordedChange& change);
+// The numbers of entries that are not there, though changes of them are.
+std::vector<std::int64_t> missingEntries(Database& database);
 
 }  // namespace Editor

@@ -23,8 +23,9 @@ void BatchBuilder::add(std::span<const std::uint8_t> message) {
   const std::uint64_t number = batch_.messages.size();
   const Reading reading = readMessage(message);
   const bool isFileDump = reading.kind == Reading::Kind::dump && reading.role == Role::fileDump;
-  if (isFileDump && isBroken(reading)) {
-    batch_.brokenDumps.push_back({*reading.address, number, reading.note});
+  if (isBroken(reading)) {
+    batch_.brokenMessages.push_back({reading.address, isFileDump, number, describeFault(reading)});
+    if (reading.role == Role::part) brokenBlocks_.insert(number);
   } else if (isFileDump) {
     const BulkAddress address = *reading.address;
     const ContentKind kind = contentKindOf(*contentNamedBy(address));
@@ -53,6 +54,7 @@ void BatchBuilder::addJson(nlohmann::ordered_json object) {
 
 Batch BatchBuilder::finish() {
   take(follower_.finish());
+  leaveOutLackingBlocks();
   std::stable_sort(found_.begin(), found_.end(),
                    [](const Found& a, const Found& b) { return a.messages.front() < b.messages.front(); });
   for (Found& found : found_) {
@@ -83,6 +85,14 @@ void BatchBuilder::take(const std::vector<UnitReport>& reports) {
         batch_.broken.push_back(report);
     }
   }
+}
+
+// What is told of their unit is enough.
+void BatchBuilder::leaveOutLackingBlocks() {
+  std::set<std::uint64_t> lacking;
+  for (const UnitReport& unit : batch_.broken)
+    lacking.insert(brokenBlocks_.lower_bound(unit.firstMessage), brokenBlocks_.upper_bound(unit.lastMessage));
+  std::erase_if(batch_.brokenMessages, [&](const auto& broken) { return lacking.contains(broken.message); });
 }
 
 // By its blocks: the header of a part's voice does not tell.

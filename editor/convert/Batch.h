@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -37,13 +38,14 @@ struct Batch {
 
   std::vector<Unit> units;  // in the order in which they begin
   std::vector<Message> messages;
-  struct BrokenDump {
-    BulkAddress address;
+  struct BrokenMessage {
+    std::optional<BulkAddress> address;
+    bool isFileDump;
     std::uint64_t message;  // its number, from 1
     std::string why;
   };
-  std::vector<UnitReport> broken;       // what is no whole unit, by the numbers of its messages, from 1
-  std::vector<BrokenDump> brokenDumps;  // file dumps that are none
+  std::vector<UnitReport> broken;             // what is no whole unit, by the numbers of its messages, from 1
+  std::vector<BrokenMessage> brokenMessages;  // but the blocks that a broken unit lacks
 
   // The places of the messages of each unit, in their order.
   std::vector<std::vector<std::size_t>> messagesByUnit() const;
@@ -70,12 +72,14 @@ class BatchBuilder {
   };
 
   void take(const std::vector<UnitReport>& reports);
+  void leaveOutLackingBlocks();
   ContentKind kindOfBlocks(const UnitReport& report) const;
 
   Batch batch_;
   UnitFollower follower_;
   std::vector<Found> found_;
   std::vector<Written> written_;
+  std::set<std::uint64_t> brokenBlocks_;  // messages
 };
 
 // ---- What is changed in all of them, or in one ----

@@ -27,11 +27,9 @@ std::optional<BulkAddress> fileDumpAt(const Destination& to) {
   return isWritableFileDump(*address) ? address : std::nullopt;
 }
 
-BulkAddress footerOf(BulkAddress header) { return {BDA::kFooterHi, header.mid, header.lo}; }
-
-void addressBlocks(MessageBytes& messages, BulkAddress header) {
-  readdress(messages.front(), header);
-  readdress(messages.back(), footerOf(header));
+bool isGoodPart(const std::vector<std::uint8_t>& message) {
+  const Reading reading = readMessage(message);
+  return reading.role == Role::part && reading.verdict == Reading::Verdict::good;
 }
 
 }  // namespace
@@ -49,12 +47,13 @@ std::vector<std::string> Placing::place(std::size_t unit, const Destination& to)
   if (moved.form == Form::json) return placeJson(unit, to);
   if (!fits(moved.kind, to.target))
     refuse(to.target, fmt::format("{} does not fit, it is {}", moved.place, wordsOf(moved.kind)));
-  return moved.form == Form::blocks ? placeBlocks(unit, to) : placeFileDump(unit, to);
+  if (moved.form == Form::fileDump) return placeFileDump(unit, to);
+  placeBlocks(unit, to);
+  return {};
 }
 
-std::vector<std::string> Placing::placeBlocks(std::size_t unit, const Destination& to) {
+void Placing::placeBlocks(std::size_t unit, const Destination& to) {
   Batch::Unit& moved = batch_.units[unit];
-  std::vector<std::string> leftOut;
   if (to.target.header) {
     readdress(batch_.messages[messages_[unit].front()].bytes, *to.target.header);
     readdress(batch_.messages[messages_[unit].back()].bytes, footerOf(*to.target.header));
@@ -69,7 +68,6 @@ std::vector<std::string> Placing::placeBlocks(std::size_t unit, const Destinatio
     replace(unit, std::move(dumps.messages), Form::fileDump);
   }
   moved.place = placeNameOf(*moved.address);
-  return leftOut;
 }
 
 std::vector<std::string> Placing::placeFileDump(std::size_t unit, const Destination& to) {
@@ -83,7 +81,8 @@ std::vector<std::string> Placing::placeFileDump(std::size_t unit, const Destinat
     if (!held.models || !to.target.header)
       refuse(to.target, fmt::format("{} cannot become blocks, which it takes: {}", moved.place, held.why));
     Dumps dumps = models_.blocksOf(moved.kind, *held.models);
-    addressBlocks(dumps.messages, *to.target.header);
+    readdress(dumps.messages.front(), *to.target.header);
+    readdress(dumps.messages.back(), footerOf(*to.target.header));
     moved.address = to.target.header;
     replace(unit, std::move(dumps.messages), Form::blocks);
     leftOut = std::move(dumps.leftOut);
@@ -112,24 +111,51 @@ std::vector<std::string> Placing::placeJson(std::size_t unit, const Destination&
 }
 
 void Placing::finish() {
+  const std::vector<std::size_t> ends = this->ends();
   std::vector<Batch::Message> messages;
-  for (Batch::Message& message : batch_.messages) {
-    const auto isBlocks = [&](std::size_t unit) { return batch_.units[unit].form == Form::blocks; };
-    const bool hasWritten = !message.writes.empty();
-    message.writes.erase(std::remove_if(message.writes.begin(), message.writes.end(), isBlocks), message.writes.end());
-    if (hasWritten && message.writes.empty()) continue;  // a trigger that has nothing left to write
-    if (!message.unit || !replaced_[*message.unit]) {
-      messages.push_back(std::move(message));
-      continue;
-    }
-    const std::size_t unit = *message.unit;
-    if (replaced_[unit]->empty()) continue;  // they stand where the first one was
-    for (std::vector<std::uint8_t>& bytes : *replaced_[unit]) messages.push_back({std::move(bytes), unit});
-    replaced_[unit]->clear();
-    if (batch_.units[unit].form != Form::fileDump) continue;
-    messages.push_back({triggerFor(messages.back().bytes), std::nullopt, {unit}});
+  std::vector<std::size_t> waiting;
+  std::size_t end = 0;  // before it nothing new is put
+  for (std::size_t i = 0; i <= batch_.messages.size(); ++i) {
+    if (i >= end || i == batch_.messages.size())
+      for (const std::size_t unit : std::exchange(waiting, {})) putNew(unit, messages);
+    if (i == batch_.messages.size()) break;
+    const std::optional<std::size_t> unit = batch_.messages[i].unit;
+    if (unit && replaced_[*unit] && messages_[*unit].front() == i) waiting.push_back(*unit);
+    if (!takeOld(i)) continue;
+    if (unit) end = std::max(end, ends[*unit]);
+    messages.push_back(std::move(batch_.messages[i]));
   }
   batch_.messages = std::move(messages);
+}
+
+// By unit: behind which message it is over, where it keeps its messages.
+std::vector<std::size_t> Placing::ends() const {
+  std::vector<std::size_t> ends(batch_.units.size());
+  for (std::size_t unit = 0; unit < ends.size(); ++unit) ends[unit] = messages_[unit].back() + 1;
+  for (std::size_t i = 0; i < batch_.messages.size(); ++i)
+    for (const std::size_t unit : batch_.messages[i].writes) ends[unit] = i + 1;
+  return ends;
+}
+
+// Whether an old message stays. A block that came twice in a unit goes with it, and a trigger that has nothing left to
+// write.
+bool Placing::takeOld(std::size_t message) {
+  Batch::Message& old = batch_.messages[message];
+  if (old.unit) {
+    if (!replaced_[*old.unit]) return true;
+    goneUntil_ = std::max(goneUntil_, messages_[*old.unit].back());
+    return false;
+  }
+  if (message < goneUntil_ && isGoodPart(old.bytes)) return false;
+  const bool hasWritten = !old.writes.empty();
+  std::erase_if(old.writes, [&](std::size_t unit) { return batch_.units[unit].form == Form::blocks; });
+  return !hasWritten || !old.writes.empty();
+}
+
+void Placing::putNew(std::size_t unit, std::vector<Batch::Message>& messages) {
+  for (std::vector<std::uint8_t>& bytes : *replaced_[unit]) messages.push_back({std::move(bytes), unit});
+  if (batch_.units[unit].form == Form::fileDump)
+    messages.push_back({triggerFor(messages.back().bytes), std::nullopt, {unit}});
 }
 
 UnitModels::Held Placing::read(std::size_t unit) {

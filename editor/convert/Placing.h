@@ -28,20 +28,26 @@ class Placing {
   // Returns the paths of parameters that its new messages leave out. Throws TargetError (refused) when it is of a kind
   // that does not fit, or cannot become what its place needs; and TargetJsonError.
   std::vector<std::string> place(std::size_t unit, const Destination& to);
-  // The last call: until then the batch has old messages.
+  // The last call: until then a unit that becomes the other form has its old messages. Its new ones stand where the
+  // first old one stood, but never inside of another unit of blocks, nor between file dumps and the trigger that writes
+  // them: then behind that.
   void finish();
 
  private:
-  std::vector<std::string> placeBlocks(std::size_t unit, const Destination& to);
+  void placeBlocks(std::size_t unit, const Destination& to);
   std::vector<std::string> placeFileDump(std::size_t unit, const Destination& to);
   std::vector<std::string> placeJson(std::size_t unit, const Destination& to);
   UnitModels::Held read(std::size_t unit);
   void replace(std::size_t unit, MessageBytes messages, Batch::Unit::Form form);
+  std::vector<std::size_t> ends() const;
+  bool takeOld(std::size_t message);
+  void putNew(std::size_t unit, std::vector<Batch::Message>& messages);
 
   Batch& batch_;
   UnitModels& models_;
   const std::vector<std::vector<std::size_t>> messages_;
   std::vector<std::optional<MessageBytes>> replaced_;
+  std::size_t goneUntil_ = 0;  // of the units that are replaced: the last message
 };
 
 }  // namespace Editor

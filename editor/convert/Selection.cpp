@@ -69,10 +69,10 @@ Selection::Result Selection::apply(Batch& batch) const {
     found.insert(placeNameOf(report.address));
     kept.broken.push_back(std::move(report));
   }
-  for (Batch::BrokenDump& dump : batch.brokenDumps) {
-    if (!takes(placeNameOf(dump.address))) continue;
-    found.insert(placeNameOf(dump.address));
-    kept.brokenDumps.push_back(std::move(dump));
+  for (Batch::BrokenMessage& message : batch.brokenMessages) {
+    if (!message.address || !takes(placeNameOf(*message.address))) continue;
+    found.insert(placeNameOf(*message.address));
+    kept.brokenMessages.push_back(std::move(message));
   }
   for (const Word& word : words_)
     if (std::none_of(word.places.begin(), word.places.end(),

@@ -43,6 +43,11 @@ std::string stemOfPlace(std::string_view place) {
   return stem;
 }
 
+std::string inLowerCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return char(std::tolower(c)); });
+  return text;
+}
+
 }  // namespace
 
 std::string fileStemOf(const Batch::Unit& unit, const std::string& name) {
@@ -72,10 +77,14 @@ void forEachUnitFile(const Batch& batch, Sharing sharing, UnitModels& models,
 }
 
 std::string FileNames::next(const std::string& stem, const std::function<bool(const std::string&)>& isFree) {
-  for (unsigned number = 1;; ++number) {
-    std::string name = number == 1 ? stem + ".syx" : fmt::format("{}-{}.syx", stem, number);
-    std::string key = name;
-    std::transform(key.begin(), key.end(), key.begin(), [](unsigned char c) { return char(std::tolower(c)); });
+  const auto nameOf = [&](unsigned number) {
+    return number == 1 ? stem + ".syx" : fmt::format("{}-{}.syx", stem, number);
+  };
+  unsigned& first = upTo_.emplace(inLowerCase(stem), 1).first->second;
+  while (given_.contains(inLowerCase(nameOf(first)))) ++first;
+  for (unsigned number = first;; ++number) {
+    std::string name = nameOf(number);
+    std::string key = inLowerCase(name);
     if (given_.contains(key) || !isFree(name)) continue;
     given_.insert(std::move(key));
     return name;

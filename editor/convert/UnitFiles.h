@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -32,11 +33,12 @@ std::string fileStemOf(const Batch::Unit& unit, const std::string& name);
 // Gives every file a name of its own, also where case does not count: "stem.syx", "stem-2.syx", ...
 class FileNames {
  public:
-  // The first that was not given before and is free.
+  // The first that was not given before and is free. Those that were are passed over without being asked for again.
   std::string next(const std::string& stem, const std::function<bool(const std::string&)>& isFree);
 
  private:
-  std::set<std::string> given_;  // in lower case
+  std::set<std::string> given_;           // in lower case
+  std::map<std::string, unsigned> upTo_;  // by stem, in lower case: all numbers below were given
 };
 
 }  // namespace Editor

@@ -51,7 +51,7 @@ EmbeddedEditor::Run::Run(EmbeddedEditor& editor, Library::Transaction::Access ac
   EditorJobTools& tools = editor.tools();
   tools.reload();
   system_ = tools.liveSystem();
-  heldSystem_ = editor.library_.held(liveAt(tools.systemKey()));
+  if (access == Library::Transaction::Access::Write) heldSystem_ = editor.library_.held(liveAt(tools.systemKey()));
   isSystemNew_ = !heldSystem_ || !tools.systemDamage().empty();
   const unsigned device = system_.system->utility.values()[SystemModel::kDeviceNumber];
   setUtility(tools, SystemModel::kReceiveBulk, 1);

@@ -55,7 +55,7 @@ std::string reasonOfMessage(const Reading& reading, const Handed& handed, const 
     return fmt::format("it is for device {}, the device number is {}", *reading.device, setting + 1);
   }
   if (lastShown(handed) == BDA::kMixingVoiceFullMessage) return wordsOf(BDA::BulkDumpRefusal::mixingVoicesFull);
-  if (isBroken(reading)) return fmt::format("{}: {}", wordOf(reading.verdict), reading.note);
+  if (isBroken(reading)) return describeFault(reading);
   if (!handed.storeError.empty()) return handed.storeError;
   std::string reason;
   if (handed.result == BDA::BulkMsg_BulkDump) reason = reasonOfDump(reading, units);

@@ -14,6 +14,14 @@ const UnitReport* find(const std::vector<UnitReport>& ended, UnitReport::State s
   return found == ended.end() ? nullptr : &*found;
 }
 
+// A header or footer of the wrong length for its block, which the instrument takes all the same.
+bool beginsOrEndsUnit(const Reading& reading, const std::vector<UnitReport>& ended) {
+  if (reading.verdict != Reading::Verdict::blockLengthWrong) return false;
+  return reading.role == Role::header ||
+         (reading.role == Role::footer && (find(ended, UnitReport::State::complete) != nullptr ||
+                                           find(ended, UnitReport::State::incomplete) != nullptr));
+}
+
 }  // namespace
 
 std::vector<WholeUnits::Decided> WholeUnits::next(Message message, bool isHeard) {
@@ -37,8 +45,9 @@ void WholeUnits::decide(Message message, const std::vector<UnitReport>& ended) {
   const Reading& reading = message.reading;
   if (reading.kind != Reading::Kind::dump) return handOn(std::move(message));
   if (isBroken(reading)) {
-    std::string why = fmt::format("{}: {}", wordOf(reading.verdict), reading.note);
-    return refuse(std::move(message), std::move(why));
+    std::string why = describeFault(reading);
+    if (!beginsOrEndsUnit(reading, ended)) return refuse(std::move(message), std::move(why));
+    unit_.fault = std::move(why);
   }
   switch (reading.role) {
     case Role::header:
@@ -86,7 +95,7 @@ void WholeUnits::release(Waiting& waiting, Message last) {
   }
   Waiting whole = std::exchange(waiting, {});
   whole.messages.push_back(std::move(last));
-  decided_.push_back({std::move(whole.messages), {}});
+  decided_.push_back({std::move(whole.messages), std::move(whole.fault)});
 }
 
 void WholeUnits::refuse(Waiting& waiting, const UnitReport& unit) {

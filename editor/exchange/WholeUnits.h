@@ -41,6 +41,7 @@ class WholeUnits {
     std::vector<Message> messages;
     std::size_t bytes = 0;
     bool isTooMuch = false;
+    std::string fault;  // of a header or footer that is broken and taken all the same: with it goes the unit
   };
 
   void decide(Message message, const std::vector<UnitReport>& ended);

@@ -9,8 +9,7 @@ namespace {
 
 // The edit buffer whose unit has the block.
 std::optional<EditBuffer> bufferOf(BulkAddress block) {
-  for (const EditBuffer buffer : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
-                                  EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
+  for (const EditBuffer buffer : kSingleEditBuffers)
     if (BDA::listBetween(headerTypeOf(headerOf(buffer))) == BDA::listOf(block.hi)) return buffer;
   return std::nullopt;
 }

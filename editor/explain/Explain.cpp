@@ -170,6 +170,14 @@ std::map<std::string, std::vector<CarryingByte>> bytesByPath(const std::vector<s
   return found;
 }
 
+bool carries(BulkAddress block, const std::string& path) {
+  const std::optional<BlockMap> map = BlockMap::of(block);
+  for (std::size_t byte = 0; map && byte < map->size(); ++byte)
+    for (const BlockMap::Carried& carried : map->at(byte))
+      if (carried.path == path) return true;
+  return false;
+}
+
 std::vector<std::string> pathsOf(const std::vector<BulkAddress>& places) {
   std::vector<std::string> paths;
   const auto add = [&](const ModelSet& models) {

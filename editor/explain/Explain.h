@@ -101,6 +101,9 @@ struct CarryingByte {
 // Those of all parameters that some messages carry, by their paths.
 std::map<std::string, std::vector<CarryingByte>> bytesByPath(const std::vector<std::vector<std::uint8_t>>& messages);
 
+// Whether some byte of the block carries that parameter or name.
+bool carries(BulkAddress block, const std::string& path);
+
 // The paths of all parameters and names that the units of these places have, whether a block carries them or not; none
 // for places that are not made of parameters.
 std::vector<std::string> pathsOf(const std::vector<BulkAddress>& places);

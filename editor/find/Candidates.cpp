@@ -21,6 +21,17 @@ Candidate candidateOf(EmbeddedEditor& editor, const Target& buffer) {
   return {buffer.name, {}, contentKindOf(buffer.buffer, models), nameOf(models), 0, encodeContent(models), {}};
 }
 
+// One that is damaged is none.
+std::uint8_t flagAt(Library& library, ContentId id) {
+  try {
+    const std::optional<Held> flag = library.held(favouriteAt(id));
+    return flag ? flagIn(*flag).value_or(0) : std::uint8_t(0);
+  } catch (const LibraryError& error) {
+    if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
+    return 0;
+  }
+}
+
 }  // namespace
 
 void forEachCandidate(EmbeddedEditor& editor, EditBuffers buffers, const std::function<void(Candidate)>& visit,
@@ -34,7 +45,7 @@ void forEachCandidate(EmbeddedEditor& editor, EditBuffers buffers, const std::fu
     try {
       content = library.content(id);
     } catch (const LibraryError& error) {
-      if (error.kind() != LibraryError::Kind::Damaged) throw;
+      if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
       visitDamaged(nameOf(id));
     }
     const auto flag = flags.find(id);
@@ -53,7 +64,7 @@ void forEachCandidate(EmbeddedEditor& editor, EditBuffers buffers, const std::fu
 std::optional<Candidate> findCandidate(EmbeddedEditor& editor, ContentId id) {
   std::optional<Library::Content> content = editor.library().content(id);
   if (!content) return std::nullopt;
-  return candidateOf(canonical(id), std::move(*content), editor.library().favourite(id));
+  return candidateOf(canonical(id), std::move(*content), flagAt(editor.library(), id));
 }
 
 void requireCandidate(const Target& target) {
@@ -69,7 +80,7 @@ Candidate candidateAt(EmbeddedEditor& editor, const Target& target) {
   try {
     if (std::optional<Candidate> found = findCandidate(editor, target.content)) return std::move(*found);
   } catch (const LibraryError& error) {
-    if (error.kind() != LibraryError::Kind::Damaged) throw;
+    if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
     refuse(target, error.what());
   }
   refuse(target, "nothing is stored there");

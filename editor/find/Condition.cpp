@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <map>
 #include <set>
 #include <stdexcept>
 #include <string_view>
@@ -39,7 +40,7 @@ std::string_view trimmed(std::string_view text) {
 struct Words {
   std::string path;
   const Operator* comparison;
-  std::string value;
+  std::string value;  // as it was written: a name may begin and end with blanks
 };
 
 Words split(const std::string& text) {
@@ -52,7 +53,7 @@ Words split(const std::string& text) {
     throw std::invalid_argument(
         fmt::format("\"{}\": expected a path, one of = != < <= > >=, and a value, such as voice.common[3]>64", text));
   return {std::string(trimmed(std::string_view(text).substr(0, at))), found,
-          std::string(trimmed(rest.substr(found->sign.size())))};
+          std::string(rest.substr(found->sign.size()))};
 }
 
 // All fields that a content of some kind has, each path once.
@@ -61,7 +62,7 @@ std::vector<ValueField> allFields() {
   std::set<std::string> paths;
   for (std::size_t kind = 0; kind < kContentKinds; ++kind)
     for (ValueField& field : valueFieldsOf(emptySetFor(ContentKind(kind))))
-      if (paths.insert(field.path).second) all.push_back(std::move(field));
+      if (field.count != 0 && paths.insert(field.path).second) all.push_back(std::move(field));
   return all;
 }
 
@@ -80,6 +81,20 @@ std::optional<std::size_t> placeIn(const std::vector<ValueField>& fields, const 
   return field->first + (indexed ? indexed->index : 0);
 }
 
+// The names that stand for a parameter in some kind, and in none for several.
+std::vector<std::string> namesTaken(const ParameterNames& names) {
+  std::map<std::string, std::size_t> most;
+  for (std::size_t kind = 0; kind < kContentKinds; ++kind) {
+    const std::vector<ValueField> fields = valueFieldsOf(emptySetFor(ContentKind(kind)));
+    const auto isThere = [&](const std::string& path) { return placeIn(fields, path).has_value(); };
+    for (const auto& [name, count] : names.namesAmong(isThere)) most[name] = std::max(most[name], count);
+  }
+  std::vector<std::string> taken;
+  for (const auto& [name, count] : most)
+    if (count == 1) taken.push_back(name);
+  return taken;
+}
+
 // Says what may have been meant by a path or name that no kind has.
 [[noreturn]] void failToFind(const std::string& path, const ParameterNames& names) {
   const std::vector<ValueField> fields = allFields();
@@ -92,7 +107,7 @@ std::optional<std::size_t> placeIn(const std::vector<ValueField>& fields, const 
   for (const ValueField& field : fields) paths.push_back(field.path);
   const std::string meant = nearest(group, paths);
   const ValueField* const field = meant.empty() ? nullptr : findField(fields, meant);
-  std::string hint = didYouMean(path, names.all());
+  std::string hint = didYouMean(path, namesTaken(names));
   if (field != nullptr)
     hint = field->isName
                ? fmt::format(": did you mean {}?", meant)
@@ -114,7 +129,7 @@ Condition::Condition(const std::string& text, const ParameterNames& names) {
   findPlaces(words.path, names);
   compare_ = words.comparison->holds;
   if (!isOfName_) {
-    setNumbers(words.path, words.value, names);
+    setNumbers(words.path, std::string(trimmed(words.value)), names);
   } else if (words.comparison->isOfNames) {
     name_ = utf8ToLatin1(words.value);
   } else {

@@ -42,6 +42,21 @@ struct FileReceiver::Judged {
     return dumps;
   }
 
+  // Those of which no broken unit tells: lost by what is wrong with their messages, or left out by their trigger.
+  std::uint64_t countBrokenDumps() const {
+    std::uint64_t count = 0;
+    for (std::size_t at = 0; at < readings.size(); ++at) {
+      if (readings[at].role != Role::fileDump || readings[at].kind != Reading::Kind::dump || !isBroken(readings[at]))
+        continue;
+      const auto leavesItOut = [&](const UnitReport& unit) {
+        return unit.state == UnitReport::State::written && unit.firstMessage <= at && at <= unit.lastMessage;
+      };
+      const bool isHeld = readings[at].verdict == Reading::Verdict::fileDumpBroken;
+      if (!isHeld || std::any_of(units.begin(), units.end(), leavesItOut)) ++count;
+    }
+    return count;
+  }
+
   std::span<const FileMessage> messages;
   std::vector<Reading> readings;
   std::vector<UnitReport> units;  // their messages counted from 0
@@ -60,11 +75,14 @@ void FileReceiver::beginFile() {
   hasFlags_ = false;
 }
 
-FileContents FileReceiver::receive(std::span<const FileMessage> messages, EditBuffers buffers) {
+FileContents FileReceiver::receive(std::span<const FileMessage> messages, EditBuffers buffers,
+                                   const std::function<void(std::size_t)>& progress) {
   beginFile();
   const Judged judged(messages);
   FileContents found;
+  found.broken = judged.countBrokenDumps();
   for (const UnitReport& unit : judged.units) {
+    if (progress) progress(unit.firstMessage);
     if (isBroken(unit))
       ++found.broken;
     else if (buffers == EditBuffers::included || !isEditBuffer(unit))

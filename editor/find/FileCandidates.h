@@ -18,7 +18,8 @@ struct FileMessage {
 // What the messages of a file carry.
 struct FileContents {
   std::vector<Candidate> whole;  // in the order in which their units end
-  std::uint64_t broken = 0;      // units that are not whole, or that no instrument takes
+  // Units that are not whole or that no instrument takes, and file dumps that are broken.
+  std::uint64_t broken = 0;
 };
 
 // Receives the whole units of message files, so that they are contents: one file after the other, none of which sees
@@ -28,8 +29,10 @@ class FileReceiver {
  public:
   FileReceiver();
 
-  // Throws LibraryError: there is no memory left.
-  FileContents receive(std::span<const FileMessage> messages, EditBuffers buffers);
+  // Calls `progress` with how many of the messages are done, from time to time. Throws what that throws, and
+  // LibraryError: there is no memory left.
+  FileContents receive(std::span<const FileMessage> messages, EditBuffers buffers,
+                       const std::function<void(std::size_t)>& progress = {});
 
  private:
   struct Judged;

@@ -1,6 +1,7 @@
 #include "history/Check.h"
 
 #include <array>
+#include <set>
 
 #include "contents/ContentFormat.h"
 #include "history/History.h"
@@ -18,8 +19,17 @@ class Checking {
   Checking(Library& library, const std::function<void(const Checked&)>& visit) : library_(library), visit_(visit) {}
 
   void tables() {
-    for (const auto& [name, wrong] : library_.checkTables())
+    for (const auto& [name, wrong] : library_.checkTables()) {
       visit_({Checked::Kind::table, name, wrong.empty() ? State::good : State::damaged, wrong});
+      if (!wrong.empty()) told_.insert(name);
+    }
+  }
+
+  // What is left out of a list: of a table that is told already only places.
+  void leftOut(const Library::Unread& unread) {
+    const std::string reason = unread.place ? nameOf(*unread.place) + ": " + unread.reason : unread.reason;
+    if (unread.place || told_.insert(unread.table).second)
+      visit_({Checked::Kind::table, unread.table, State::damaged, reason});
   }
 
   void contents() {
@@ -34,14 +44,15 @@ class Checking {
     });
   }
 
+  void favourites() {
+    inTable("favourite", [&] { library_.favourites(); });
+  }
+
   void history() {
     inTable("change", [&] {
-      for (const RecordedEntry& entry : library_.recordedEntries())
-        for (const RecordedChange& change : library_.recordedChanges(entry.number, true))
-          if (change.before && !isWhole(*change.before))
-            visit_({Checked::Kind::table, "change", State::damaged,
-                    "entry " + std::to_string(entry.number) + ": what " + nameOf(change.place) +
-                        " held before does not fit its checksum"});
+      for (const RecordedEntry& recorded : library_.recordedEntries()) entry(recorded);
+      for (const std::int64_t number : library_.missingEntries())
+        damaged("entry", number, "it is not there, though changes of it are");
     });
   }
 
@@ -54,6 +65,20 @@ class Checking {
     } catch (const LibraryError& error) {
       visit_({Checked::Kind::table, name, State::damaged, error.what()});
     }
+  }
+
+  void damaged(const char* table, std::int64_t number, const std::string& what) {
+    visit_({Checked::Kind::table, table, State::damaged, "entry " + std::to_string(number) + ": " + what});
+  }
+
+  void entry(const RecordedEntry& entry) {
+    const std::vector<RecordedChange> changes = library_.recordedChanges(entry.number, true);
+    if (const std::string fault = faultOf(entry, changes); !fault.empty()) damaged("entry", entry.number, fault);
+    for (const RecordedChange& change : changes)
+      if (change.before && !isSound(change.place, *change.before))
+        damaged("change", entry.number,
+                "what " + nameOf(change.place) + " held before " +
+                    (isWhole(*change.before) ? "is nothing that it can hold" : "does not fit its checksum"));
   }
 
   void thing(const Place& place, std::vector<ModelSet> shapes) {
@@ -79,6 +104,7 @@ class Checking {
 
   Library& library_;
   const std::function<void(const Checked&)>& visit_;
+  std::set<std::string> told_;  // tables that are damaged
 };
 
 }  // namespace
@@ -91,9 +117,12 @@ const char* wordOf(State state) {
 void checkLibrary(Library& library, const std::function<void(const Checked&)>& visit) {
   const Library::Transaction oneState(library, Library::Transaction::Access::Read);
   Checking checking(library, visit);
+  library.leaveOutUnread([&checking](const Library::Unread& unread) { checking.leftOut(unread); });
   checking.tables();
   checking.contents();
+  checking.favourites();
   checking.history();
+  library.leaveOutUnread({});
 }
 
 }  // namespace Editor

@@ -1,7 +1,9 @@
 #include "history/History.h"
 
+#include <algorithm>
 #include <array>
 #include <map>
+#include <tuple>
 #include <utility>
 
 #include "AddressRows.h"
@@ -17,17 +19,30 @@ std::optional<std::string> valueOf(const RecordedChange& change, const std::opti
   const Place& place = change.place;
   if (name) return name;
   if (change.what == What::renamed) return "";  // an edit buffer as new
-  if (place.kind == Place::Kind::favourite) return "0";
+  if (place.kind == Place::Kind::favourite) return kNoFavourite;
   return place.kind == Place::Kind::setting ? std::optional(std::to_string(Library::kDefaultMixingVoiceMaximum)) : name;
 }
+
+constexpr std::uint8_t kBehind = 0xFF;  // the edit buffers: what has no header
+
+// Edit buffers by their addresses, as everything else stands already: part 2 before part 11.
+bool isBefore(const RecordedChange& a, const RecordedChange& b) {
+  const auto order = [](const Place& place) {
+    const std::optional<MidLo> header = headerOfLiveKey(place.key);
+    return header ? std::tuple(place.kind, header->mid, header->lo) : std::tuple(place.kind, kBehind, kBehind);
+  };
+  return order(a.place) < order(b.place);
+}
+
+// One that says that it undoes itself or a later one undoes nothing.
+bool isUndo(const RecordedEntry& entry) { return entry.run.undoes && *entry.run.undoes < entry.number; }
 
 // Each entry that is undone, with the undo that did it.
 std::map<std::int64_t, std::int64_t> undosOf(const std::vector<RecordedEntry>& newestFirst) {
   std::map<std::int64_t, std::int64_t> newest;  // undo of each entry, whether or not undone itself
   std::map<std::int64_t, std::int64_t> undone;
   for (const RecordedEntry& entry : newestFirst)
-    if (entry.run.undoes && newest.try_emplace(*entry.run.undoes, entry.number).second &&
-        !undone.contains(entry.number))
+    if (isUndo(entry) && newest.try_emplace(*entry.run.undoes, entry.number).second && !undone.contains(entry.number))
       undone[*entry.run.undoes] = entry.number;
   return undone;
 }
@@ -49,16 +64,31 @@ std::string nameOf(const Place& place) {
   return place.key;
 }
 
+std::string faultOf(const RecordedEntry& entry, const std::vector<RecordedChange>& changes) {
+  if (!isTime(entry.time)) return "its time is none";
+  if (entry.run.undoes && !isUndo(entry)) return "it says that it undoes an entry that is not before it";
+  std::int64_t bytes = 0;
+  for (const RecordedChange& change : changes) {
+    if (!change.fault.empty()) return change.fault;
+    bytes += sizeOf(change);
+  }
+  const bool isWhole = bytes == entry.bytes && (entry.run.undoes || !changes.empty());
+  return isWhole ? "" : "its changes are not those that were recorded";
+}
+
 const char* wordOf(What what) {
   constexpr std::array kWords{"stored", "removed", "renamed", "flagged", "set"};
   return kWords.at(std::size_t(what) - 1);
 }
 
 std::vector<PlaceChange> changesOf(Library& library, std::int64_t entry) {
+  std::vector<RecordedChange> recorded = library.recordedChanges(entry, false);
+  std::stable_sort(recorded.begin(), recorded.end(), isBefore);
   std::vector<PlaceChange> changes;
-  for (const RecordedChange& change : library.recordedChanges(entry, false))
-    changes.push_back(
-        {nameOf(change.place), change.what, valueOf(change, change.nameBefore), valueOf(change, change.nameAfter)});
+  for (const RecordedChange& change : recorded)
+    if (change.fault.empty())
+      changes.push_back(
+          {nameOf(change.place), change.what, valueOf(change, change.nameBefore), valueOf(change, change.nameAfter)});
   return changes;
 }
 

@@ -34,12 +34,21 @@ struct HistoryEntry {
   std::optional<std::int64_t> undoneBy;  // its newest undo, unless that is undone itself
 };
 
+inline constexpr const char* kNoFavourite = "0";  // the value of such a flag
+
+// What is wrong with an entry, in words, for its changes as they stand in the file with their bytes: such an entry is
+// not undone. Empty: nothing.
+std::string faultOf(const RecordedEntry& entry, const std::vector<RecordedChange>& changes);
+
+// When entries can have been made.
+constexpr bool isTime(std::int64_t seconds) { return seconds >= 0 && seconds <= 253'402'300'799; }  // to the year 9999
+
 const char* wordOf(What what);  // "stored"
 inline bool isNumber(What what) { return what == What::flagged || what == What::set; }
 
 // All of them, the newest first, without their changes. Throws LibraryError, as all that follow.
 std::vector<HistoryEntry> entriesOf(Library& library);
-// As they stand in the entry.
+// As they stand in the entry, without rows that are damaged.
 std::vector<PlaceChange> changesOf(Library& library, std::int64_t entry);
 // Of the run that is going on, as they will stand there: before its transaction is committed, for then there may be no
 // entry.

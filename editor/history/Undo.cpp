@@ -14,11 +14,26 @@ bool isAsLeft(const std::optional<Held>& held, const RecordedChange& change) {
 
 // The one that is named, or else the newest that is no undo and not undone.
 Undone find(Library& library, std::optional<std::int64_t> named) {
+  Undone found{.state = Undone::State::nothingToUndo, .entry = named.value_or(0)};
   for (const HistoryEntry& entry : entriesOf(library)) {
-    const bool isMeant = named ? entry.number == *named : !entry.undoes && !entry.undoneBy;
-    if (isMeant) return {Undone::State::done, entry.number, {}, {}, {}};
+    const bool isNext = !entry.undoes && !entry.undoneBy;
+    if (found.state != Undone::State::nothingToUndo) {
+      if (!isNext) continue;
+      found.older = entry.number;
+      break;
+    }
+    if (named ? entry.number != *named : !isNext) continue;
+    found.state = entry.undoneBy ? Undone::State::isUndone : Undone::State::done;
+    found.entry = entry.number;
+    found.undoneBy = entry.undoneBy;
   }
-  return {Undone::State::nothingToUndo, named.value_or(0), {}, {}, {}};
+  return found;
+}
+
+RecordedEntry recordedEntry(Library& library, std::int64_t number) {
+  for (RecordedEntry& entry : library.recordedEntries())
+    if (entry.number == number) return std::move(entry);
+  return {};
 }
 
 }  // namespace
@@ -28,10 +43,15 @@ Undone undo(EmbeddedEditor& editor, std::optional<std::int64_t> entry, Force for
   Undone undone = find(library, entry);
   if (undone.state != Undone::State::done) return undone;
   const std::vector<RecordedChange> changes = library.recordedChanges(undone.entry, true);
+  undone.fault = faultOf(recordedEntry(library, undone.entry), changes);
+  if (!undone.fault.empty()) {
+    undone.state = Undone::State::damaged;
+    return undone;
+  }
   for (const RecordedChange& change : changes)
     if (!isAsLeft(library.held(change.place), change)) undone.conflicts.push_back(nameOf(change.place));
   for (const RecordedChange& change : changes)
-    if (change.before && !isWhole(*change.before)) undone.damaged.push_back(nameOf(change.place));
+    if (change.before && !isSound(change.place, *change.before)) undone.damaged.push_back(nameOf(change.place));
   if (!undone.damaged.empty()) {
     undone.state = Undone::State::damaged;
     return undone;

@@ -254,29 +254,35 @@ Search searchName(std::string_view name) {
   return search;
 }
 
-// The shapes of the names that begin alike.
-std::string relativesOf(const std::string& name) {
+bool contains(const std::vector<std::string>& names, const std::string& name) {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+// The shapes of the names that begin alike, of those that are taken.
+std::string relativesOf(const std::string& name, const std::vector<std::string>& taken) {
   std::string relatives;
   const std::string family = name.substr(0, std::min(name.find(':'), name.size() - 1) + 1);
   anyNamedRow([&](const BDA::AddressRow& row, const char* pattern) {
     const std::string shape = shapeOf(pattern, row);
-    if (!family.empty() && shape.compare(0, family.size(), family) == 0)
+    if (!family.empty() && shape.compare(0, family.size(), family) == 0 &&
+        contains(taken, fill(pattern, 0, row.lo.first)))
       relatives += (relatives.empty() ? "" : ", ") + shape;
     return false;
   });
   return relatives;
 }
 
-BulkAddress parseName(const std::string& name, const MoreNames& besides) {
+BulkAddress parseName(const std::string& name, const TakenNames& taken) {
   const Search search = searchName(name);
   if (search.found) return *search.found;
+  const std::vector<std::string> candidates = taken();
+  // What travels as a file dump only has no other name.
+  if (const std::string dump = "file:" + name; contains(candidates, dump))
+    throw std::invalid_argument(fmt::format("\"{}\": did you mean {}?", name, dump));
   if (!search.outOfRange.empty())
     throw std::invalid_argument(fmt::format("\"{}\": expected {}", name, search.outOfRange));
-  std::vector<std::string> candidates = blockNames();
-  if (besides)
-    for (std::string& more : besides()) candidates.push_back(std::move(more));
   const std::string question = didYouMean(name, candidates);
-  if (const std::string relatives = relativesOf(name); !relatives.empty())
+  if (const std::string relatives = relativesOf(name, candidates); !relatives.empty())
     throw std::invalid_argument(question.empty() ? fmt::format("\"{}\": expected one of {}", name, relatives)
                                                  : fmt::format("\"{}\"{} Else one of {}", name, question, relatives));
   if (!question.empty()) throw std::invalid_argument(fmt::format("\"{}\"{}", name, question));
@@ -392,12 +398,12 @@ std::vector<std::string> blockNames() {
 
 std::optional<BulkAddress> findName(std::string_view name) { return searchName(lowerCase(name)).found; }
 
-BulkAddress parseAddress(std::string_view text, const MoreNames& besides) {
+BulkAddress parseAddress(std::string_view text, const TakenNames& taken) {
   std::string plain(text);
   const bool isHex = !plain.empty() && std::all_of(plain.begin(), plain.end(), [](unsigned char c) {
     return std::isxdigit(c) != 0 || c == ' ' || c == '/';
   });
-  if (!isHex) return parseName(lowerCase(text), besides);
+  if (!isHex) return parseName(lowerCase(text), taken);
   std::replace(plain.begin(), plain.end(), '/', ' ');
   const auto bytes = parseHex(plain);
   if (!bytes || bytes->size() != 3)

@@ -79,12 +79,11 @@ std::vector<std::string> blockNames();
 std::optional<BulkAddress> findName(std::string_view name);
 
 // Asked for when they are needed.
-using MoreNames = std::function<std::vector<std::string>()>;
+using TakenNames = std::function<std::vector<std::string>()>;
 
 // Reads three bytes, `0E0A05`, `0E 0A 05` or `0E/0A/05` (which need not be in the map), or a name. Throws
-// std::invalid_argument, which says what was expected or may have been meant: a name, or one of those that the caller
-// takes besides.
-BulkAddress parseAddress(std::string_view text, const MoreNames& besides = {});
+// std::invalid_argument, which says what was expected or may have been meant: one of the names that the caller takes.
+BulkAddress parseAddress(std::string_view text, const TakenNames& taken = blockNames);
 
 // All system blocks, in table order.
 std::vector<BulkAddress> systemAddresses();

@@ -15,7 +15,7 @@ namespace Editor {
 namespace {
 
 bool isForThisInstrument(std::span<const std::uint8_t> message) {
-  return message.size() >= BDA::kRequestLength && message[1] == BDA::kMakerId &&
+  return message.size() >= BDA::kRequestLength && isOfThisMaker(message) &&
          ((message[3] == BDA::kModelId1 && message[4] == BDA::kModelId2) || message[4] == BDA::kOtherModelId2);
 }
 
@@ -69,11 +69,18 @@ void judgeFileDump(Reading& reading, std::span<const std::uint8_t> field) {
   reading.verdict = Reading::Verdict::removes;
 }
 
+// It says that a mixing voice of the first multi is empty.
+void judgeEmptyFooter(Reading& reading) {
+  reading.removes = canonical({ContSrv::ContType_Voice, mixingVoiceNumber(0, reading.address->lo & 0x0F)});
+  reading.verdict = Reading::Verdict::removes;
+}
+
 void judgeAddress(Reading& reading, std::span<const std::uint8_t> data) {
   const std::optional<BlockFacts>& block = reading.block;
   if (!block) {
-    const bool isScreen = reading.kind == Reading::Kind::dump && *reading.address == kScreenData;
-    if (reading.role != Role::unknown || isScreen) return;
+    const bool isDump = reading.kind == Reading::Kind::dump;
+    if (isDump && reading.role == Role::emptyFooter) return judgeEmptyFooter(reading);
+    if (reading.role != Role::unknown || (isDump && *reading.address == kScreenData)) return;
     judge(reading, Reading::Verdict::unknownAddress, fmt::format("no block at {}", formatAddress(*reading.address)));
   } else if (reading.kind == Reading::Kind::dump && block->dataLength && *block->dataLength != reading.dataBytes) {
     judge(reading, Reading::Verdict::blockLengthWrong,
@@ -116,6 +123,8 @@ void readRequest(Reading& reading, std::span<const std::uint8_t> message) {
 }
 
 }  // namespace
+
+bool isOfThisMaker(std::span<const std::uint8_t> message) { return message.size() > 1 && message[1] == BDA::kMakerId; }
 
 Reading readMessage(std::span<const std::uint8_t> message) {
   Reading reading;
@@ -221,6 +230,10 @@ bool isBroken(const Reading& reading) {
     default:
       return true;
   }
+}
+
+std::string describeFault(const Reading& reading) {
+  return fmt::format("{}: {}", wordOf(reading.verdict), reading.note);
 }
 
 std::string describeContent(const Reading& reading) {

@@ -39,13 +39,15 @@ struct Reading {
   Role role = Role::unknown;                     // of that address
   std::size_t dataBytes = 0;                     // of a dump
   bool isNamed = false;                          // of a file dump: it carries a name, whatever is wrong with it
-  std::optional<ContentId> removes;              // what a good file dump without data has removed
+  std::optional<ContentId> removes;              // by a good file dump without data, or footer of an empty voice
   std::optional<std::uint8_t> checksum;          // the one that the dump carries
   std::optional<std::uint8_t> expectedChecksum;  // the one that it should carry
   std::string note;                              // why it is not good, in words
 };
 
 Reading readMessage(std::span<const std::uint8_t> message);
+// Whether a whole message is of the instrument's maker, be it for another model.
+bool isOfThisMaker(std::span<const std::uint8_t> message);
 
 // The request of that address, for an instrument with that device number (0 to 15).
 std::vector<std::uint8_t> requestMessage(BulkAddress address, std::uint8_t device = 0);
@@ -60,6 +62,8 @@ const char* wordOf(Reading::Kind kind);
 const char* wordOf(Reading::Verdict verdict);
 // Those that are good, that remove something and foreign ones are fine, all others are broken.
 bool isBroken(const Reading& reading);
+// What is wrong with a broken one: "checksum wrong: 12 instead of 34".
+std::string describeFault(const Reading& reading);
 
 // What the message carries, in words: "element 3 oscillator", "request of system common" ...
 std::string describeContent(const Reading& reading);

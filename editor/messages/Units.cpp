@@ -22,6 +22,8 @@ std::string noteOf(const std::set<unsigned>& devices) {
 
 }  // namespace
 
+BulkAddress footerOf(BulkAddress header) { return {BDA::kFooterHi, header.mid, header.lo}; }
+
 OpenUnit::OpenUnit(BulkAddress header, std::uint64_t message) : header_(header), firstMessage_(message) {
   const std::uint8_t type = findBlock(header)->type;
   if (type != BDA::kPartVoiceHeader) expect(BDA::listBetween(type));
@@ -167,6 +169,7 @@ void UnitFollower::fileDump(const Reading& reading) {
     return abandon(describeAddress(address));
   }
   const auto supersede = [&](const HeldFileDump& dump, const std::string& by) {
+    if (++supersededCount_ > kMostAlike) return;
     superseded_ += fmt::format("{}{} of message {} is replaced by {} of message {}", superseded_.empty() ? "" : "; ",
                                nameOrBytes(dump.address), dump.message, by, message_);
   };
@@ -209,11 +212,11 @@ void UnitFollower::report(UnitReport::State state, BulkAddress address) {
 
 UnitReport UnitFollower::endHeld(UnitReport::State state, BulkAddress address) {
   UnitReport ended{state, held_.empty() ? message_ : firstHeld_, message_, address, {}, {}};
-  std::string unwritten;
+  std::string broken;
   for (const HeldFileDump& dump : held_) {
     if (state == UnitReport::State::written && dump.isBroken) {
-      unwritten += fmt::format("{} {} of message {}", unwritten.empty() ? "broken and not written:" : ",",
-                               nameOrBytes(dump.address), dump.message);
+      broken +=
+          fmt::format("{} {} of message {}", broken.empty() ? "broken:" : ",", nameOrBytes(dump.address), dump.message);
       continue;
     }
     ended.blocks.push_back(dump.address);
@@ -223,11 +226,16 @@ UnitReport UnitFollower::endHeld(UnitReport::State state, BulkAddress address) {
   }
   if (state == UnitReport::State::written) ended.messages.push_back(message_);
   ended.note = noteOf(heldDevices_);
-  for (const std::string& note : {superseded_, unwritten})
+  if (supersededCount_ > kMostAlike)
+    superseded_ += fmt::format("; {} more are replaced", supersededCount_ - kMostAlike);
+  const bool isRemoving = state == UnitReport::State::written && address != kWriteTrigger;
+  for (const std::string& note :
+       {std::string(isRemoving ? "removes all mixing voices first" : ""), superseded_, broken})
     if (!note.empty()) ended.note += (ended.note.empty() ? "" : "; ") + note;
   held_.clear();
   heldDevices_.clear();
   superseded_.clear();
+  supersededCount_ = 0;
   return ended;
 }
 
@@ -290,7 +298,7 @@ std::string describeState(const UnitReport& unit) {
     case UnitReport::State::strayFooter:
       return fmt::format("{} closes no open header ({})", describeAddress(unit.address), where);
     case UnitReport::State::written:
-      if (count == 0) return fmt::format("{}: nothing held to write ({})", name, where);
+      if (count == 0) return fmt::format("{}: no whole file dump to write ({})", name, where);
       return fmt::format("{}: {}{} ({}): {}", name, counted(count, "file dump"),
                          unit.removes.empty() ? "" : fmt::format(" written, removes {}", unit.removes.size()), where,
                          describeBlocks(unit.blocks));

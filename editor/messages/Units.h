@@ -10,6 +10,9 @@
 
 namespace Editor {
 
+// What ends a unit, by what begins it.
+BulkAddress footerOf(BulkAddress header);
+
 // One content on its way: the header came, the blocks that it admits are coming.
 class OpenUnit {
  public:
@@ -61,7 +64,7 @@ struct UnitReport {
   std::uint64_t lastMessage = 0;
   BulkAddress address{};                // of the header, the block, the footer, the trigger or the refused file dump
   std::vector<BulkAddress> blocks;      // incomplete and open: those missing; file dumps: those it is about, when they
-                                        // are written without the broken ones, which are not
+                                        // are written without the broken ones, of which the instrument may take some
   std::string cause;                    // abandoned: by what
   std::string note = {};                // what is odd about one that is whole, or was not written
   std::vector<ContentId> removes = {};  // written: what the file dumps without data among them removed
@@ -107,7 +110,8 @@ class UnitFollower {
   std::vector<HeldFileDump> held_;
   std::uint64_t firstHeld_ = 0;
   std::set<unsigned> heldDevices_;
-  std::string superseded_;  // of the file dumps held: those that came again
+  std::string superseded_;  // of the file dumps held: the first of those that came again
+  std::uint64_t supersededCount_ = 0;
   std::vector<UnitReport> ended_;
 };
 

@@ -88,12 +88,15 @@ bool isHexText(std::span<const std::uint8_t> first) {
   return true;
 }
 
+constexpr std::size_t kMostLookedAt = 65'536;
+
 }  // namespace
 
 MidiKind midiKindOf(std::span<const std::uint8_t> first) {
   if (fits({0, "MThd", nullptr}, first)) return MidiKind::standard;
   if (fits({0, "RIFF", nullptr}, first)) return MidiKind::riff;
-  return isHexText(first) ? MidiKind::text : MidiKind::stream;
+  return isHexText(first) && isText(first.first(std::min(first.size(), kMostLookedAt))) ? MidiKind::text
+                                                                                        : MidiKind::stream;
 }
 
 std::string describeFile(std::span<const std::uint8_t> first) {

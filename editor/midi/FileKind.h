@@ -6,7 +6,9 @@
 
 namespace Editor {
 
-// The files that messages come in, by their first four bytes: whatever is none of the others is a stream.
+// The files that messages come in, by their first four bytes: whatever is none of the others is a stream. What begins
+// as hex text may still be a stream that begins inside of a message: of more bytes that are given none, of the first
+// 64 KB, is then one that no text has.
 enum class MidiKind : std::uint8_t {
   stream,    // raw MIDI bytes, .syx
   standard,  // a Standard MIDI File, "MThd"

@@ -295,11 +295,15 @@ std::optional<std::vector<std::uint8_t>> loadBytes(const std::string& path, std:
   std::vector<std::uint8_t> bytes;
   std::size_t size = 0;
   do {
-    bytes.resize(std::max<std::size_t>(2 * size, 65'536));
+    bytes.resize(std::clamp<std::size_t>(2 * size, 65'536, kLargestMidiFile + 1));
     size += std::fread(bytes.data() + size, 1, bytes.size() - size, file);
-  } while (size == bytes.size());
+  } while (size == bytes.size() && size <= kLargestMidiFile);
   if (std::ferror(file) != 0) {
     error = reason();
+    return std::nullopt;
+  }
+  if (size > kLargestMidiFile) {
+    error = kTooLargeForMemory;
     return std::nullopt;
   }
   bytes.resize(size);

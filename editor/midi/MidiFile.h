@@ -41,8 +41,9 @@ struct MidiFile {
   std::unique_ptr<std::uint8_t[]> arena;  // holds the messages, so that none costs an allocation of its own
 };
 
-// One that is larger is not read: it is in memory as a whole.
+// One that is larger is not read: it is in memory as a whole. The same holds for all other files that are read whole.
 inline constexpr std::size_t kLargestMidiFile = 64'000'000;
+inline constexpr const char* kTooLargeForMemory = "files of its kind are read whole, this one is larger than 64 MB";
 
 // Reads a whole file, recognised by its content (MidiKind); text is to it a stream like any other.
 //
@@ -54,8 +55,8 @@ inline constexpr std::size_t kLargestMidiFile = 64'000'000;
 // always those of the whole file.
 MidiFile readMidiFile(std::span<const std::uint8_t> file);
 
-// All bytes of a file, "-" is standard input. On failure nothing, and `error` says why in words without the file's
-// name.
+// All bytes of a file of at most kLargestMidiFile, "-" is standard input. On failure nothing, and `error` says why in
+// words without the file's name.
 std::optional<std::vector<std::uint8_t>> loadBytes(const std::string& path, std::string& error);
 
 // F0 first, F7 last, only data bytes between: what may be written to a file or a cable.

@@ -76,6 +76,10 @@ bool isContent(ContentId id);
 // The live models, one set each.
 enum class EditBuffer : std::uint8_t { normalVoice, drumVoice, partVoice, multi, performance, master, remote };
 
+// Those that there is one of; of partVoice there are sixteen.
+inline constexpr std::array kSingleEditBuffers{EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
+                                               EditBuffer::performance, EditBuffer::master,    EditBuffer::remote};
+
 // The edit buffer that a middle byte names.
 std::optional<EditBuffer> editBufferOf(std::uint8_t mid);
 // The header of an edit buffer; `part` (0 to 15) counts for partVoice only.

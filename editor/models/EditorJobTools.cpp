@@ -112,9 +112,7 @@ EditorJobTools::EditorJobTools(ContentStore& store, EvtSrv::EventPortManager* ma
       waveNames_{"Sine",      "Triangle",  "Saw Up",      "Saw Down",  "Square",
                  "Pulse 25%", "Pulse 10%", "White Noise", "Pink Noise"},
       arpeggioNames_{"Up", "Down", "Up/Down", "Down/Up", "Random", "As Played", "Chord"} {
-  for (const EditBuffer buffer : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
-                                  EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
-    units_[unitOf(buffer, 0)].key = liveKeyOf(buffer);
+  for (const EditBuffer buffer : kSingleEditBuffers) units_[unitOf(buffer, 0)].key = liveKeyOf(buffer);
   units_[kSystem].key = kSystemKey;
   units_[kAdditional].key = kAdditionalKey;
   for (std::size_t part = 0; part < kParts; ++part) {
@@ -184,9 +182,7 @@ void EditorJobTools::reload() {
       throw LiveModelError("the live models \"" + units_[unit].key + "\" cannot be read: " + why);
     read[unit] = {std::move(fresh), result == Loaded::opaque ? "what is stored there is damaged: " + why : ""};
   };
-  for (const EditBuffer buffer : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
-                                  EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
-    load(unitOf(buffer, 0), freshSet(buffer));
+  for (const EditBuffer buffer : kSingleEditBuffers) load(unitOf(buffer, 0), freshSet(buffer));
   load(kSystem, freshSystem());
   load(kAdditional, freshAdditional());
   for (std::size_t part = 0; part < kParts; ++part) {

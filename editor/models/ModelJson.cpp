@@ -149,21 +149,28 @@ std::optional<std::string> fromJson(const Json& json, ModelSet& models) {
   return reader.error;
 }
 
+constexpr int kDeepest = 32;  // models have five
+
 std::optional<std::string> parseJson(std::string_view text, Json& json) {
   std::vector<std::set<std::string>> open;  // the keys so far of each object around the parser's place
   std::optional<std::string> error;
-  const auto watch = [&](int /*depth*/, Json::parse_event_t event, Json& parsed) {
+  struct TooDeep {};
+  const auto watch = [&](int depth, Json::parse_event_t event, Json& parsed) {
+    if (depth > kDeepest) throw TooDeep();  // or whoever walks through it runs out of stack
     if (event == Json::parse_event_t::object_start) open.emplace_back();
     if (event == Json::parse_event_t::object_end) open.pop_back();
     if (event == Json::parse_event_t::key && !open.back().insert(parsed.get<std::string>()).second && !error)
       error = "key " + parsed.dump() + " occurs twice in an object";
     return true;
   };
+  if (text.find('\0') != std::string_view::npos) return "there is a character U+0000 in it";  // the parser stops there
   try {
     Json parsed = Json::parse(text, watch);
     if (!error) json = std::move(parsed);
   } catch (const Json::exception& exception) {
     error = exception.what();
+  } catch (const TooDeep&) {
+    error = "more than " + std::to_string(kDeepest) + " objects and lists inside each other";
   }
   return error;
 }

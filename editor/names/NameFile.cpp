@@ -9,6 +9,7 @@
 
 #include "messages/Nearest.h"
 #include "messages/Text.h"
+#include "midi/HexText.h"
 
 namespace Editor {
 
@@ -28,6 +29,15 @@ std::optional<std::size_t> numberIn(std::string_view digits) {
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
   if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
   return number;
+}
+
+// Whatever may be meant as one where a number can stand: "12", "-1", "+5", "0x5".
+bool looksLikeNumber(std::string_view name) {
+  if (name.starts_with('-') || name.starts_with('+')) name.remove_prefix(1);
+  const bool isHex = name.starts_with("0x") || name.starts_with("0X");
+  if (isHex) name.remove_prefix(2);
+  return (isHex || !name.empty()) &&
+         name.find_first_not_of(isHex ? "0123456789ABCDEFabcdef" : "0123456789") == std::string_view::npos;
 }
 
 std::string whyNoName(std::string_view name) {
@@ -140,9 +150,13 @@ std::string Reader::takePath(std::string_view& line, std::string& path, Groups::
   const std::optional<IndexedPath> indexed = splitParameterPath(path);
   const std::string_view wanted = indexed ? indexed->group : std::string_view(path);
   const Groups::Group* const found = groups().find(wanted);
-  if (found == nullptr)
+  if (found == nullptr) {
+    const std::string meant = nearest(wanted, groups().paths());
+    const Groups::Group* const near = meant.empty() ? nullptr : groups().find(meant);
+    const std::size_t index = near == nullptr || !indexed ? 0 : std::min(indexed->index, near->count - 1);
     return fmt::format("\"{}\": expected the path of a parameter, such as voice.common[3]{}", escape(path),
-                       didYouMean(wanted, groups().paths()));
+                       near == nullptr ? "" : fmt::format(": did you mean {}[{}]?", meant, index));
+  }
   if (!indexed || indexed->index >= found->count)
     return fmt::format("\"{}\": expected {}[0] to {}[{}]", escape(path), wanted, wanted, found->count - 1);
   group = *found;
@@ -154,8 +168,7 @@ std::string Reader::takePath(std::string_view& line, std::string& path, Groups::
 std::string Reader::whyNotCalled(std::string_view name, const std::string& what) const {
   if (name.empty()) return fmt::format("expected a name behind {}", what);
   if (name.front() == ' ' || name.back() == ' ') return "the name has a blank at an end";
-  if (name.find_first_not_of("0123456789") == std::string_view::npos || name.starts_with("0x"))
-    return fmt::format("\"{}\": a number is no name", escape(name));
+  if (looksLikeNumber(name)) return fmt::format("\"{}\": a number is no name", escape(name));
   return whyNoName(name);
 }
 
@@ -190,6 +203,7 @@ std::string Reader::readValue(const Kind& /*kind*/, std::string_view line) {
 
 std::string parseNames(std::string_view text, NameLists& names) {
   names = {};
+  if (text.starts_with(kUtf8Mark)) text.remove_prefix(kUtf8Mark.size());
   Reader reader(names);
   for (std::size_t number = 1; !text.empty(); ++number) {
     std::string_view line = text.substr(0, text.find('\n'));

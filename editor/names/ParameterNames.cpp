@@ -47,10 +47,11 @@ std::vector<std::int64_t> ParameterNames::valuesOf(const std::string& path, cons
   return values;
 }
 
-std::vector<std::string> ParameterNames::all() const {
-  std::vector<std::string> names;
-  names.reserve(parameters_.size());
-  for (const auto& [path, name] : parameters_) names.push_back(name);
+std::map<std::string, std::size_t> ParameterNames::namesAmong(
+    const std::function<bool(const std::string&)>& isThere) const {
+  std::map<std::string, std::size_t> names;
+  for (const auto& [path, name] : parameters_)
+    if (isThere(path)) ++names[name];
   return names;
 }
 

@@ -29,8 +29,8 @@ class ParameterNames {
   // The values of a parameter that are called so.
   std::vector<std::int64_t> valuesOf(const std::string& path, const std::string& name) const;
 
-  // All names of parameters.
-  std::vector<std::string> all() const;
+  // The names that parameters have among the paths that there are, with how many each: pathOf() takes those of one.
+  std::map<std::string, std::size_t> namesAmong(const std::function<bool(const std::string&)>& isThere) const;
 
  private:
   std::map<std::string, std::string> parameters_;

@@ -13,7 +13,6 @@ namespace {
 bool isInList(BulkAddress address, BDA::List list) { return BDA::listOf(address.hi) == std::size_t(list); }
 
 BulkAddress headerOf(BulkAddress footer) { return {BDA::kHeaderHi, footer.mid, footer.lo}; }
-BulkAddress footerOf(BulkAddress header) { return {BDA::kFooterHi, header.mid, header.lo}; }
 
 // Some contents have two file dumps: they are told apart by the content.
 BulkAddress placeOf(BulkAddress fileDump) {
@@ -33,18 +32,18 @@ bool isPlausible(const Reading& reading) {
   return !isLengthKnown || *reading.block->dataLength == reading.dataBytes;
 }
 
+}  // namespace
+
 std::span<const std::uint8_t> dataOf(const Piece& piece) {
   return std::span(piece.bytes).subspan(BDA::kDataAt, piece.bytes.size() - BDA::kDumpFrame);
 }
 
-}  // namespace
-
 bool carrySame(const Piece& a, const Piece& b) { return std::ranges::equal(dataOf(a), dataOf(b)); }
 
-bool isUnit(const Capture& capture) { return capture.address.hi == BDA::kHeaderHi; }
+bool isUnit(BulkAddress address) { return address.hi == BDA::kHeaderHi; }
 
 std::vector<BulkAddress> blocksOf(BulkAddress address, const Pieces& pieces) {
-  if (address.hi != BDA::kHeaderHi) return {address};
+  if (!isUnit(address)) return {address};
   OpenUnit unit(address, 0);
   const bool isDrum = std::ranges::any_of(
       pieces, [](const Pieces::value_type& piece) { return isInList(piece.first, BDA::List::drumVoice); });
@@ -126,6 +125,7 @@ void Captures::takeDump(Piece piece, const Reading& reading) {
       if (reading.removes) return leaveOut(piece, "it would have what stands in its place removed");
       return addSingle(placeOf(*reading.address), std::move(piece), *reading.device);
     case Role::trigger:
+      if (reading.address != kWriteTrigger) leaveOut(piece, "it would have all mixing voices removed");
       triggers_.push_back(std::move(piece));
       return;
     case Role::alone:

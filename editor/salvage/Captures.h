@@ -24,6 +24,7 @@ struct Piece {
 };
 using Pieces = std::map<BulkAddress, Piece, BackupOrder>;
 
+std::span<const std::uint8_t> dataOf(const Piece& piece);
 // Whether two messages of one block carry the same, for whatever device.
 bool carrySame(const Piece& a, const Piece& b);
 
@@ -38,9 +39,8 @@ struct Capture {
   std::optional<unsigned> device = {};  // whom its messages are for
 };
 
-bool isUnit(const Capture& capture);
-// A single block, or a file dump.
-inline bool isSingle(const Capture& capture) { return !isUnit(capture); }
+// Not a single block, nor a file dump.
+bool isUnit(BulkAddress address);
 
 // All blocks of the unit, from header to footer; of anything else the block itself. What `pieces` has decides of which
 // kind the voice of a multi part is.
@@ -67,6 +67,7 @@ class Captures {
   const std::vector<Capture>& captures() const { return captures_; }
   // Blocks that belong to a unit of which nothing says which.
   const std::vector<Capture>& orphans() const { return orphans_; }
+  // Those that remove mixing voices too are also left out.
   const std::vector<Piece>& triggers() const { return triggers_; }
 
   // A message that is kept nowhere, though nothing is wrong with it.

@@ -1,20 +1,19 @@
 #include "salvage/Salvage.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <set>
 #include <utility>
 
 #include "AddressRows.h"
 #include "BulkMessage.h"
+#include "salvage/Remains.h"
 #include "targets/Targets.h"
 
 namespace Editor {
 
 namespace {
-
-using Group = std::vector<const Capture*>;
-using Addresses = std::set<BulkAddress, BackupOrder>;
 
 std::vector<BulkAddress> listOf(const Addresses& addresses) { return {addresses.begin(), addresses.end()}; }
 
@@ -22,35 +21,6 @@ std::vector<std::size_t> sourcesOf(const Group& captures) {
   std::set<std::size_t> sources;
   for (const Capture* const capture : captures) sources.insert(capture->source);
   return {sources.begin(), sources.end()};
-}
-
-bool hasParameters(BulkAddress address) { return address.hi != BDA::kHeaderHi && address.hi != BDA::kFooterHi; }
-
-// Calls visit(address, isEqual) for each block that both have.
-template <typename Visit>
-void forEachShared(const Capture& a, const Capture& b, Visit visit) {
-  for (const auto& [address, piece] : a.pieces)
-    if (const auto other = b.pieces.find(address); other != b.pieces.end())
-      visit(address, carrySame(piece, other->second));
-}
-
-Addresses differencesOf(const Group& captures) {
-  Addresses found;
-  for (auto a = captures.begin(); a != captures.end(); ++a)
-    for (auto b = a + 1; b != captures.end(); ++b)
-      forEachShared(**a, **b, [&](BulkAddress address, bool isEqual) {
-        if (!isEqual) found.insert(address);
-      });
-  return found;
-}
-
-bool differ(const Capture& a, const Capture& b) { return !differencesOf({&a, &b}).empty(); }
-
-bool haveSomethingInCommon(const Capture& a, const Capture& b) {
-  bool have = false;
-  if (a.device != b.device) return false;  // no instrument would take what they made together
-  forEachShared(a, b, [&](BulkAddress address, bool isEqual) { have = have || (isEqual && hasParameters(address)); });
-  return have;
 }
 
 // All blocks of the captures: those of the preferred source before all others, those of the fullest before the rest.
@@ -69,24 +39,6 @@ std::optional<std::vector<BulkAddress>> lackOf(BulkAddress address, const Pieces
   std::erase_if(missing, [&](BulkAddress block) { return pieces.contains(block); });
   if (blocks - missing.size() != pieces.size()) return std::nullopt;
   return missing;
-}
-
-// Those that hang together by blocks that they share.
-std::vector<Group> connected(Group captures) {
-  std::vector<Group> groups;
-  while (!captures.empty()) {
-    Group group{captures.front()};
-    captures.erase(captures.begin());
-    for (std::size_t i = 0; i < group.size(); ++i) {
-      const auto others = std::stable_partition(captures.begin(), captures.end(), [&](const Capture* one) {
-        return !haveSomethingInCommon(*group[i], *one);
-      });
-      group.insert(group.end(), others, captures.end());
-      captures.erase(others, captures.end());
-    }
-    groups.push_back(std::move(group));
-  }
-  return groups;
 }
 
 void keep(Salvaged& salvaged, Salvaged::State state, const Pieces& pieces) {
@@ -114,6 +66,8 @@ class Decision {
       salvaged_.device = 1;
       for (const Capture* const capture : captures_)
         if (capture->device) salvaged_.device = capture->device;
+    } else {
+      salvaged_.notTaken = notTaken();
     }
     return std::move(salvaged_);
   }
@@ -144,21 +98,22 @@ class Decision {
     if (preferred != whole.end()) return keep(salvaged_, Salvaged::State::whole, (*preferred)->pieces);
     if (different.empty() && areOfOneKind) return keep(salvaged_, Salvaged::State::whole, whole.front()->pieces);
     salvaged_.from = sourcesOf(whole);
-    salvaged_.contradicts = listOf(different);
+    salvaged_.contradicts = different.empty() ? std::vector{salvaged_.address} : listOf(different);
   }
 
   void complete() {
     Group all = captures_;
     std::erase_if(all, [](const Capture* one) { return one->pieces.empty(); });
-    Group remains = all;
-    std::erase_if(remains, [&](const Capture* one) { return isContradicted(*one); });
+    const Group remains = uncontradicted(all, options_.preferred);
     const Addresses different = differencesOf(remains);
     if (different.empty())
       for (const Group& group : connected(remains)) {
         const Pieces pieces = joined(group, options_.preferred);
         if (lackOf(salvaged_.address, pieces) == std::vector<BulkAddress>()) return keepCompleted(pieces);
       }
-    if (options_.merges && merge(all)) return;
+    const std::optional<Group> mergeable = mergeableOf(all);
+    if (mergeable && options_.merges) return merge(*mergeable);
+    salvaged_.isMergeable = mergeable.has_value();
     salvaged_.contradicts = listOf(different);
     const std::optional<std::vector<BulkAddress>> missing =
         lackOf(salvaged_.address, joined(remains, options_.preferred));
@@ -166,27 +121,37 @@ class Decision {
     salvaged_.missing = missing && !missing->empty() ? *missing : lackOfFullest(remains);
   }
 
-  bool merge(const Group& all) {
+  // Those for one device that have all blocks together.
+  std::optional<Group> mergeableOf(const Group& all) const {
     std::map<std::optional<unsigned>, Group> ofDevices;
     for (const Capture* const capture : all) ofDevices[capture->device].push_back(capture);
-    for (const auto& [device, group] : ofDevices) {
-      const Pieces merged = joined(group, options_.preferred);
-      if (lackOf(salvaged_.address, merged) != std::vector<BulkAddress>()) continue;
-      salvaged_.isMerged = true;
-      salvaged_.contradicts = listOf(differencesOf(group));
-      keepCompleted(merged);
-      return true;
-    }
-    return false;
+    for (auto& [device, group] : ofDevices)
+      if (lackOf(salvaged_.address, joined(group, options_.preferred)) == std::vector<BulkAddress>())
+        return std::move(group);
+    return std::nullopt;
+  }
+
+  void merge(const Group& group) {
+    salvaged_.isMerged = true;
+    salvaged_.contradicts = listOf(differencesOf(group));
+    keepCompleted(joined(group, options_.preferred));
   }
 
   void keepCompleted(const Pieces& pieces) { keep(salvaged_, Salvaged::State::completed, pieces); }
 
-  // By one that is preferred to it.
-  bool isContradicted(const Capture& capture) const {
-    if (capture.source == options_.preferred) return false;
-    return std::ranges::any_of(
-        captures_, [&](const Capture* one) { return one->source == options_.preferred && differ(*one, capture); });
+  std::vector<BulkAddress> notTaken() const {
+    if (!options_.preferred || std::ranges::find(salvaged_.from, *options_.preferred) != salvaged_.from.end())
+      return {};
+    Capture kept;
+    for (const Piece& piece : salvaged_.messages) kept.pieces.emplace(*readMessage(piece.bytes).address, piece);
+    Addresses different;
+    for (const Capture* const capture : captures_) {
+      if (capture->source != options_.preferred) continue;
+      different.merge(differencesOf({&kept, capture}));
+      for (const auto& [address, piece] : capture->pieces)
+        if (!kept.pieces.contains(address)) different.insert(address);
+    }
+    return listOf(different);
   }
 
   std::vector<BulkAddress> lackOfFullest(const Group& remains) const {
@@ -217,17 +182,6 @@ Groups byAddress(const Captures& captures) {
   return groups;
 }
 
-// Whether a unit that is kept has all of these blocks.
-bool isKeptElsewhere(const Capture& orphan, const std::vector<Salvaged>& units) {
-  return std::ranges::any_of(units, [&](const Salvaged& unit) {
-    return std::ranges::all_of(orphan.pieces, [&](const Pieces::value_type& one) {
-      return std::ranges::any_of(unit.messages, [&](const Piece& piece) {
-        return readMessage(piece.bytes).address == one.first && carrySame(piece, one.second);
-      });
-    });
-  });
-}
-
 Salvaged lostOrphan(const Capture& orphan) {
   Salvaged lost;
   lost.address = orphan.address;
@@ -235,42 +189,60 @@ Salvaged lostOrphan(const Capture& orphan) {
   return lost;
 }
 
-unsigned deviceOf(const Piece& piece) { return piece.bytes[2] & BDA::kDeviceMask; }
-
-// The trigger that has these file dumps written; nothing: no file has one for their device.
-const Piece* triggerFor(const Piece& fileDump, const std::vector<Piece>& triggers) {
-  const auto found = std::ranges::find_if(triggers, [&](const Piece& trigger) {
-    return readMessage(trigger.bytes).address == kWriteTrigger && deviceOf(trigger) == deviceOf(fileDump);
-  });
-  return found == triggers.end() ? nullptr : &*found;
+// The blocks of no known unit but those that a unit has that is kept.
+void addOrphans(SalvageResult& result, const std::vector<Capture>& orphans, const std::function<void()>& pause) {
+  KeptBlocks kept;
+  for (const Salvaged& unit : result.units) kept.add(unit.messages);
+  std::vector<Salvaged> lost;
+  for (const Capture& orphan : orphans) {
+    pause();
+    if (!kept.haveAll(orphan.pieces)) lost.push_back(lostOrphan(orphan));
+  }
+  std::ranges::move(lost, std::back_inserter(result.units));
 }
 
-void addTrigger(SalvageResult& result, const std::vector<Piece>& triggers) {
-  const Piece& fileDump = result.messages.back();
-  if (const Piece* const trigger = triggerFor(fileDump, triggers)) return result.messages.push_back(*trigger);
+// From 1.
+unsigned deviceOf(const Piece& piece) { return (piece.bytes[2] & BDA::kDeviceMask) + 1U; }
+
+// Behind the file dumps for a device. One that a file has like that goes before one that was corrected.
+Piece triggerBehind(unsigned device, const std::vector<Piece>& triggers, SalvageResult& result) {
+  const Piece* found = nullptr;
+  bool isOther = false;
+  for (const Piece& trigger : triggers) {
+    if (deviceOf(trigger) != device) continue;
+    const bool isIt = readMessage(trigger.bytes).address == kWriteTrigger;
+    isOther = isOther || !isIt;
+    if (isIt && (found == nullptr || (found->wrongChecksum && !trigger.wrongChecksum))) found = &trigger;
+  }
+  if (found != nullptr) return *found;
+  result.addedTriggers.push_back({device, isOther});
   Piece trigger;
-  trigger.bytes = writeTrigger(std::uint8_t(deviceOf(fileDump)));
-  result.isTriggerAdded = true;
-  result.messages.push_back(std::move(trigger));
+  trigger.bytes = writeTrigger(std::uint8_t(device - 1));
+  return trigger;
 }
 
-// All messages that are kept, and the requests that fetch the rest.
+// All messages that are kept, and the requests that fetch the rest. Of file dumps for several devices an instrument
+// writes none by the trigger of another.
 void gather(SalvageResult& result, const std::vector<Piece>& triggers) {
   std::set<ContentId> contents;
-  bool isTriggerDue = false;
+  std::map<unsigned, std::vector<Piece>> fileDumps;
+  std::vector<Piece> others;
   for (const Salvaged& unit : result.units) {
     if (unit.state == Salvaged::State::lost) {
       if (unit.device) result.requests.push_back(requestMessage(unit.address, std::uint8_t(*unit.device - 1)));
       continue;
     }
     const bool isFileDump = unit.address.hi == BDA::kFileDumpHi;
-    if (isTriggerDue && !isFileDump) addTrigger(result, triggers);
-    isTriggerDue = isFileDump;
-    result.messages.insert(result.messages.end(), unit.messages.begin(), unit.messages.end());
+    std::vector<Piece>& messages = isFileDump ? fileDumps[deviceOf(unit.messages.front())] : others;
+    messages.insert(messages.end(), unit.messages.begin(), unit.messages.end());
     if (const std::optional<ContentId> content = contentNamedBy(unit.address))
       if (!contents.insert(canonical(*content)).second) result.twice.push_back(*content);
   }
-  if (isTriggerDue) addTrigger(result, triggers);
+  for (auto& [device, messages] : fileDumps) {
+    std::ranges::move(messages, std::back_inserter(result.messages));
+    result.messages.push_back(triggerBehind(device, triggers, result));
+  }
+  std::ranges::move(others, std::back_inserter(result.messages));
 }
 
 }  // namespace
@@ -307,7 +279,7 @@ void Salvage::addLoose(std::size_t source) {
 }
 
 // What is there without correcting anything goes before what is not.
-SalvageResult Salvage::finish() {
+SalvageResult Salvage::finish(const std::function<void()>& pause) {
   captures_.finish();
   if (corrected_) corrected_->finish();
   const Captures& last = corrected_ ? *corrected_ : captures_;
@@ -316,16 +288,14 @@ SalvageResult Salvage::finish() {
   for (const auto& [address, group] : corrected) groups[address];
   SalvageResult result;
   for (const auto& [address, group] : groups) {
+    pause();
     Salvaged unit = Decision(options_, address, group).run();
     if (const auto again = corrected.find(address);
         corrected_ && unit.state == Salvaged::State::lost && again != corrected.end())
       unit = Decision(options_, address, again->second).run();
     result.units.push_back(std::move(unit));
   }
-  std::vector<Salvaged> orphans;
-  for (const Capture& orphan : last.orphans())
-    if (!isKeptElsewhere(orphan, result.units)) orphans.push_back(lostOrphan(orphan));
-  result.units.insert(result.units.end(), orphans.begin(), orphans.end());
+  addOrphans(result, last.orphans(), pause);
   gather(result, last.triggers());
   result.leftOut = last.leftOut();
   result.unknown = last.countUnknown();

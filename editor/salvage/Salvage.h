@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
@@ -22,19 +23,29 @@ struct Salvaged {
   State state = State::lost;
   std::vector<std::size_t> from;         // the sources: of what is kept, or of all that there is
   std::vector<BulkAddress> missing;      // lost: the blocks that none has, or else those that the fullest lacks
-  std::vector<BulkAddress> contradicts;  // the blocks in which captures differ
+  std::vector<BulkAddress> contradicts;  // the blocks in which captures differ; the header: they are of two kinds
   std::vector<Piece> messages;           // of what is kept, from header to footer
   bool isMerged = false;                 // completed though nothing says that it is one sound
   std::vector<std::size_t> repeatedIn;   // sources that have it whole more than once: the last one counts
   std::optional<unsigned> device;        // lost: whom to ask; none: nobody can be asked for it
+  bool isMergeable = false;              // lost: merging would complete it
+  std::vector<BulkAddress> notTaken;     // blocks of the preferred source, of which nothing is kept, that differ
+};
+
+// A trigger that no file has, behind the file dumps for a device.
+struct AddedTrigger {
+  unsigned device;          // from 1
+  bool isInsteadOfAnother;  // a file has one for it, that would have all mixing voices removed
 };
 
 const char* wordOf(Salvaged::State state);
 
 struct SalvageResult {
-  std::vector<Salvaged> units;                      // in the order of a backup, then blocks of no known unit
-  std::vector<Piece> messages;                      // all that is kept, as a backup has it; none: nothing is whole
-  bool isTriggerAdded = false;                      // no file has the one behind file dumps
+  std::vector<Salvaged> units;  // in the order of a backup, then blocks of no known unit
+  // All that is kept, as a backup has it, but that file dumps of one device stand together, before their trigger. None:
+  // nothing is whole.
+  std::vector<Piece> messages;
+  std::vector<AddedTrigger> addedTriggers;
   std::vector<std::vector<std::uint8_t>> requests;  // that fetch what is lost
   std::vector<Captures::LeftOut> leftOut;
   std::vector<ContentId> twice;  // contents that are kept as a file dump and as a unit: the unit is stored last
@@ -42,9 +53,9 @@ struct SalvageResult {
   std::uint64_t unknown = 0;
 };
 
-// Finds what is whole in captured messages. Captures of one unit, for one device, complete each other only where all
-// blocks that are in two of them are equal, and each has some such block of parameters: remains of two sounds never
-// become one.
+// Finds what is whole in captured messages, in a time that grows as they do. Captures of one unit, for one device,
+// complete each other only where all blocks that are in two of them are equal, and each has some such block of
+// parameters: remains of two sounds never become one.
 class Salvage {
  public:
   struct Options {
@@ -59,8 +70,8 @@ class Salvage {
   void add(Piece piece);
   void addFragment(std::size_t source, std::span<const std::uint8_t> beginning);
   void addLoose(std::size_t source);
-  // Call it once, at the end.
-  SalvageResult finish();
+  // Call it once, at the end. Calls `pause` between two units: it may throw.
+  SalvageResult finish(const std::function<void()>& pause = [] {});
 
  private:
   const Options options_;

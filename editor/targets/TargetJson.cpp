@@ -64,6 +64,7 @@ bool isOfOtherKind(const nlohmann::ordered_json& json, const Target& target) {
 }
 
 std::vector<nlohmann::ordered_json> parseTargetJson(std::string_view text) {
+  if (text.starts_with(kUtf8Mark)) text.remove_prefix(kUtf8Mark.size());
   const std::vector<std::string_view> lines = objectLines(text);
   if (lines.size() < 2) return {parseOne(text)};
   std::vector<nlohmann::ordered_json> objects;

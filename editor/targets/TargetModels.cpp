@@ -101,9 +101,7 @@ std::vector<Target> editBuffers() {
     const MidLo header = headerOf(buffer, part);
     targets.push_back(parseTarget(nameOrBytes({BDA::kHeaderHi, header.mid, header.lo})));
   };
-  for (const EditBuffer buffer : {EditBuffer::normalVoice, EditBuffer::drumVoice, EditBuffer::multi,
-                                  EditBuffer::performance, EditBuffer::master, EditBuffer::remote})
-    add(buffer, 0);
+  for (const EditBuffer buffer : kSingleEditBuffers) add(buffer, 0);
   for (std::uint8_t part = 0; part < kParts; ++part) add(EditBuffer::partVoice, part);
   return targets;
 }
@@ -113,7 +111,8 @@ std::vector<Target> storedLive(EmbeddedEditor& editor) {
   const std::vector<std::string> keys = editor.library().liveKeys();
   std::vector<Target> targets;
   const auto add = [&](const std::string& key, Target target) {
-    if (std::find(keys.begin(), keys.end(), key) != keys.end()) targets.push_back(std::move(target));
+    const bool isStored = std::find(keys.begin(), keys.end(), key) != keys.end() || !damageOf(tools, target).empty();
+    if (isStored) targets.push_back(std::move(target));
   };
   for (Target& buffer : editBuffers()) {
     const std::string& key = tools.liveKey(buffer.buffer, buffer.part);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 #include <stdexcept>
 
 #include "AddressRows.h"
@@ -20,25 +21,15 @@ bool isByte(const std::string& word) {
 
 [[noreturn]] void failToName(const std::string& text) { throw TargetError(TargetError::Kind::noTarget, escape(text)); }
 
-BulkAddress parse(const std::string& text, const MoreNames& besides = {}) {
+BulkAddress parse(const std::string& text, const TakenNames& taken) {
   try {
-    return parseAddress(text, besides);
+    return parseAddress(text, taken);
   } catch (const std::invalid_argument& error) {
     failToName(error.what());
   }
 }
 
-// Words that stand for something else than one block, for who may have meant them.
-std::vector<std::string> targetWords() { return {"system", "additional"}; }
-
-std::vector<std::string> withBanks(std::vector<std::string> banks) {
-  for (const std::string& name : blockNames())
-    if (std::string bank = bankOfName(name); bank != name && (banks.empty() || banks.back() != bank))
-      banks.push_back(std::move(bank));
-  return banks;
-}
-
-Target targetAt(BulkAddress address) {
+std::optional<Target> findTarget(BulkAddress address) {
   Target target;
   target.name = nameOrBytes(address);
   const std::size_t list = BDA::listOf(address.hi);
@@ -64,11 +55,43 @@ Target targetAt(BulkAddress address) {
       return target;
     }
   }
+  return std::nullopt;
+}
+
+Target targetAt(BulkAddress address) {
+  if (std::optional<Target> target = findTarget(address)) return std::move(*target);
   throw TargetError(
       TargetError::Kind::noTarget,
       fmt::format("{} ({}) is no target: expected system, additional, or the address or name of a header or "
                   "a file dump",
                   formatAddress(address), describeAddress(address)));
+}
+
+// What is taken of all that has a name.
+enum class Taken : std::uint8_t { blocks, targets, contents };
+
+// For who may have meant one of them.
+std::vector<std::string> namesOf(Taken taken) {
+  const auto isTaken = [taken](const std::string& name) {
+    if (taken == Taken::blocks) return true;
+    const std::optional<Target> target = findTarget(*findName(name));
+    return target && (taken == Taken::targets || target->kind == Target::Kind::content);
+  };
+  std::vector<std::string> names = blockNames();
+  std::erase_if(names, [&](const std::string& name) { return !isTaken(name); });
+  if (taken != Taken::contents) names.emplace_back("system");
+  if (taken == Taken::targets) names.emplace_back("additional");
+  return names;
+}
+
+std::vector<std::string> namesAndBanksOf(Taken taken) {
+  std::vector<std::string> names = namesOf(taken);
+  std::vector<std::string> banks;
+  for (const std::string& name : names)
+    if (std::string bank = bankOfName(name); bank != name && (banks.empty() || banks.back() != bank))
+      banks.push_back(std::move(bank));
+  std::ranges::move(banks, std::back_inserter(names));
+  return names;
 }
 
 // "voice:user1:6"
@@ -83,13 +106,13 @@ std::vector<BulkAddress> placesOfBank(const std::string& bank) {
 }
 
 // "voice:user1:1..16", whose second number begins at `dots`.
-std::vector<BulkAddress> placesOfRange(const std::string& text, std::size_t dots) {
+std::vector<BulkAddress> placesOfRange(const std::string& text, std::size_t dots, const TakenNames& taken) {
   const std::string first = text.substr(0, dots);
   const std::string bank = bankOfName(first);
   if (bank == first || dots + 2 == text.size() || text.find_first_not_of("0123456789", dots + 2) != std::string::npos)
     failToName(fmt::format("\"{}\": expected a range such as voice:user1:1..16", text));
-  const BulkAddress from = parse(first);
-  const BulkAddress to = parse(numbered(bank, std::string_view(text).substr(dots + 2)));
+  const BulkAddress from = parse(first, taken);
+  const BulkAddress to = parse(numbered(bank, std::string_view(text).substr(dots + 2)), taken);
   const std::vector<BulkAddress> places = placesOfBank(bank);
   const auto begin = std::find(places.begin(), places.end(), from);
   const auto end = std::find(begin, places.end(), to);
@@ -97,13 +120,37 @@ std::vector<BulkAddress> placesOfRange(const std::string& text, std::size_t dots
   return {begin, end + 1};
 }
 
-// A word that has no meaning of its own; `words` are those that have one.
-Places<BulkAddress> parseBlocks(const std::string& text, const std::vector<std::string>& words) {
+// The range that someone meant who wrote "voice:user1:1-16"; empty: none.
+std::string rangeMeantBy(const std::string& text) {
+  const std::size_t dash = text.rfind('-');
+  if (dash == std::string::npos || !findName(text.substr(0, dash))) return "";
+  std::string range = text.substr(0, dash) + ".." + text.substr(dash + 1);
+  try {
+    placesOfRange(range, dash, blockNames);
+  } catch (const TargetError&) {
+    return "";
+  }
+  return range;
+}
+
+// A word that has no meaning of its own.
+Places<BulkAddress> parseBlocks(const std::string& text, Taken kind) {
+  const auto taken = [kind] { return namesAndBanksOf(kind); };
   if (const std::size_t dots = text.find(".."); dots != std::string::npos)
-    return {text, false, placesOfRange(text, dots)};
+    return {text, false, placesOfRange(text, dots, taken)};
+  if (const std::string range = rangeMeantBy(text); !range.empty())
+    failToName(fmt::format("\"{}\": did you mean {}?", text, range));
   if (std::vector<BulkAddress> places = placesOfBank(text); !places.empty()) return {text, false, std::move(places)};
-  const BulkAddress address = parse(text, [&] { return withBanks(words); });
+  const BulkAddress address = parse(text, taken);
   return {nameOrBytes(address), true, {address}};
+}
+
+Places<Target> parseTargets(const std::string& text, Taken taken) {
+  if (text == "system" || text == "additional") return {text, true, {parseTarget(text)}};
+  const Places<BulkAddress> blocks = parseBlocks(text, taken);
+  Places<Target> targets{blocks.name, blocks.isOne, {}};
+  for (const BulkAddress address : blocks.list) targets.list.push_back(targetAt(address));
+  return targets;
 }
 
 void requireContent(const Target& target) {
@@ -149,22 +196,19 @@ std::vector<std::string> joinAddresses(const std::vector<std::string>& words) {
 
 Places<BulkAddress> parsePlaces(const std::string& text) {
   if (text == "system") return {text, false, systemAddresses()};
-  return parseBlocks(text, {"system"});
+  return parseBlocks(text, Taken::blocks);
 }
 
-Places<Target> parseTargets(const std::string& text) {
-  if (text == "system" || text == "additional") return {text, true, {parseTarget(text)}};
-  const Places<BulkAddress> blocks = parseBlocks(text, targetWords());
-  Places<Target> targets{blocks.name, blocks.isOne, {}};
-  for (const BulkAddress address : blocks.list) targets.list.push_back(targetAt(address));
-  return targets;
-}
+Places<Target> parseTargets(const std::string& text) { return parseTargets(text, Taken::targets); }
 
 Target parseTarget(const std::string& text) {
   Target target;
   target.name = text;
   target.kind = text == "additional" ? Target::Kind::additional : Target::Kind::system;
-  return text == "system" || text == "additional" ? target : targetAt(parse(text, targetWords));
+  if (text == "system" || text == "additional") return target;
+  if (text.find("..") != std::string::npos || !placesOfBank(text).empty() || !rangeMeantBy(text).empty())
+    failToName(fmt::format("\"{}\": expected one place, not a bank or a range", text));
+  return targetAt(parse(text, [] { return namesOf(Taken::targets); }));
 }
 
 Target parseOneTarget(const std::vector<std::string>& words) {
@@ -194,7 +238,7 @@ Target parseContent(const std::string& text) {
 }
 
 Places<Target> parseContents(const std::string& text) {
-  Places<Target> targets = parseTargets(text);
+  Places<Target> targets = parseTargets(text, Taken::contents);
   for (const Target& target : targets.list) requireContent(target);
   return targets;
 }

@@ -8,14 +8,18 @@ _bda() {
       rest=${rest#"${rest%%[![:blank:]]*}"}
       words+=('')
     fi
-    words[-1]+=${rest:0:${#piece}}
+    piece=${rest:0:${#piece}}
+    words[-1]+=$piece
     rest=${rest:${#piece}}
   done
+  # What bash replaces is the last piece; behind one of the marks it is nothing yet.
+  [[ $piece == *[!:=]* ]] || piece=
   words=("${words[@]//[\"\'\\]/}")
+  local begun=${words[-1]%"${piece//[\"\'\\]/}"}
   words=("${words[@]/#\~\//$HOME/}")
-  local word=${words[-1]} begun=
-  # What bash replaces begins behind the last of them.
-  [[ ${COMP_WORDS[COMP_CWORD]} == [\"\']* ]] || begun=${word%"${word##*[:=]}"}
+  begun=${begun/#\~\//$HOME/}
+  local word=${words[-1]} option=
+  [[ $word != --*=* ]] || option=${word%%=*}=
 
   COMPREPLY=()
   mapfile -t answers < <("${words[0]}" __complete "${words[@]:1}" 2>/dev/null)
@@ -26,16 +30,19 @@ _bda() {
       *) COMPREPLY+=("${answer%%$'\t'*}") ;;
     esac
   done
-  COMPREPLY=("${COMPREPLY[@]#"$begun"}")
   if [[ -n $files ]]; then
-    compopt -o filenames
+    # A file may be the value of an option.
     while read -r answer; do
-      COMPREPLY+=("$answer")
-    done < <(compgen -A "$files" -- "${word#"$begun"}")
+      compopt -o filenames
+      # Of a part of a name bash cannot tell what it is.
+      [[ $begun == "$option" || ! -d $answer ]] || answer+=/
+      COMPREPLY+=("$option$answer")
+    done < <(compgen -A "$files" -- "${word#"$option"}")
   fi
+  COMPREPLY=("${COMPREPLY[@]#"$begun"}")
   compopt -o nosort
-  # There is more to come behind a part of an address.
-  [[ ${COMPREPLY[0]-} != *: ]] || compopt -o nospace
+  # There is more to come behind a part of an address, or a folder.
+  [[ ${COMPREPLY[0]-} != *[:/] ]] || compopt -o nospace
 }
 
 complete -F _bda bda

@@ -15,8 +15,8 @@ std::unique_ptr<EmbeddedEditor> editorOf(const InputFile& input, const char* ver
     complaints.tell(kind, text);
     program.refuse();
   };
-  if (!input.reportLosses(program.console)) program.refuse();
-  Progress progress(program.console, verb, "messages", input.countMessages());
+  if (!input.isWhole()) program.refuse();
+  Progress progress(program.console, verb, "message", input.countMessages());
   EmbeddedEditor::Run run(*editor, Library::Transaction::Access::Write, EmbeddedEditor::Run::Devices::any);
   input.forEachMessage([&](const InputMessage& message) {
     const Reading reading = readMessage(message.bytes);

@@ -12,12 +12,12 @@ namespace Editor {
 // A message file, read whole before anything is done with it.
 class InputFile {
  public:
-  // "-" is standard input. Throws Failure (kUnusableInput) when it cannot be read or holds no messages.
-  explicit InputFile(const std::string& path);
+  // Tells the console, where there is one, which bytes became no message, and why. "-" is standard input. Throws
+  // Failure (kUnusableInput) when it cannot be read or holds no messages.
+  InputFile(const std::string& path, Console* console);
 
-  // Tells which bytes became no message, and why. False when that broke a message or the file; stray bytes and
-  // real-time messages are only told.
-  bool reportLosses(Console& console) const;
+  // False when a message or the file is broken; stray bytes and real-time messages do not count.
+  bool isWhole() const { return isWhole_; }
 
   template <typename Visit>
   void forEachMessage(Visit visit) const {
@@ -33,18 +33,12 @@ class InputFile {
     std::size_t begin;  // of its bytes
     std::size_t end;
   };
-  struct Loss {
-    std::uint64_t offset;
-    std::uint64_t dropped;
-    std::string reason;
-    InputLoss::Kind kind;
-  };
   InputMessage message(std::uint64_t number) const;
 
   std::string name_;
   std::vector<std::uint8_t> bytes_;  // of all messages
   std::vector<Place> messages_;
-  std::vector<Loss> losses_;
+  bool isWhole_ = true;
 };
 
 }  // namespace Editor

@@ -26,6 +26,7 @@ namespace {
 using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::size_t kChunk = 65'536;
+constexpr std::size_t kMostBlanks = 64;             // before the first brace of JSON
 constexpr std::size_t kLongestMessage = 16U << 20;  // a longer one is none: the memory is bounded
 
 int leaveOpen(std::FILE* /*standardInput*/) { return 0; }
@@ -53,6 +54,7 @@ class Source {
  public:
   Source(std::FILE& stream, bool isPlain) : descriptor_(::fileno(&stream)), isPlain_(isPlain) {}
 
+  bool isPlain() const { return isPlain_; }
   // As many as there are, at least one; none: the end. Valid until the next call.
   Bytes next() {
     if (returned_ > 0) return {buffer_.data(), std::exchange(returned_, 0)};
@@ -92,22 +94,23 @@ class Judgement {
     first_.insert(first_.end(), bytes.begin(),
                   bytes.begin() + std::ptrdiff_t(std::min(bytes.size(), kFirst - first_.size())));
     if (isBegun_) return;
-    if (midiKindOf(first_) != MidiKind::stream) isBegun_ = isMidi_ = true;
+    const MidiKind kind = midiKindOf(first_);
+    isCut_ = kind == MidiKind::standard;
+    if (kind != MidiKind::stream) isBegun_ = isMidi_ = true;
     const auto begin = std::find_if(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte < kRealTime; });
     if (isBegun_ || begin == bytes.end()) return;
     isBegun_ = true;
-    isMidi_ = *begin == 0xF0;
+    isCut_ = isMidi_ = *begin == 0xF0;
   }
   void see(Bytes message) {
     hasMessage_ = true;
-    isMidi_ = isMidi_ || readMessage(message).kind != Reading::Kind::foreign;
+    isMidi_ = isMidi_ || isOfThisMaker(message);
   }
   bool isUsable() const { return hasMessage_ && isMidi_; }
+  // Of one that is not: whether it is the remains of one that was.
+  bool isCut() const { return isCut_; }
 
-  std::string words(const std::string& file) const {
-    return fmt::format("{}: no System Exclusive message in it{}: it seems to be {}", displayName(file),
-                       hasMessage_ ? " for this instrument" : "", describeFile(first_));
-  }
+  std::string words(const std::string& file) const { return whyNoMessages(file, hasMessage_, describeFile(first_)); }
 
  private:
   static constexpr std::size_t kFirst = 512;
@@ -115,6 +118,7 @@ class Judgement {
 
   std::vector<std::uint8_t> first_;
   bool isBegun_ = false;  // something else than real-time bytes has come
+  bool isCut_ = false;    // it begins as messages do
   bool isMidi_ = false;   // it begins as such files do, or has a message of this maker
   bool hasMessage_ = false;
 };
@@ -213,8 +217,7 @@ std::vector<std::uint8_t> readAll(Source& source, Judgement& judgement) {
   std::vector<std::uint8_t> all;
   for (Bytes more = source.next(); !more.empty(); more = source.next()) {
     judgement.look(more);
-    if (all.size() + more.size() > kLargestMidiFile)
-      throw ReadError{"files of its kind are read whole, this one is larger than 64 MB"};
+    if (all.size() + more.size() > kLargestMidiFile) throw ReadError{kTooLargeForMemory};
     all.insert(all.end(), more.begin(), more.end());
   }
   return all;
@@ -266,7 +269,8 @@ void readInto(Reader& reader, Source& source, Judgement& judgement, const std::f
 void readPieces(Source& source, const std::string& file, Judgement& judgement, Pieces& pieces,
                 const std::function<bool()>& isEnough) {
   constexpr std::size_t kRiffHead = 12;
-  const MidiKind kind = midiKindOf(source.first(kMidiKindBytes));
+  // Of what comes through a pipe four bytes have to do.
+  const MidiKind kind = midiKindOf(source.first(source.isPlain() ? kChunk : kMidiKindBytes));
   if (kind == MidiKind::riff && isOtherRiff(source.first(kRiffHead))) {
     judgement.look(source.next());
   } else if (kind == MidiKind::standard || kind == MidiKind::riff) {
@@ -284,13 +288,30 @@ void readPieces(Source& source, const std::string& file, Judgement& judgement, P
   pieces.finish();
 }
 
-// An object, as it begins: what `show --json` prints.
+// The last character may be cut.
+bool isUtf8(Bytes text) {
+  for (std::size_t i = 0; i < text.size();) {
+    const std::uint8_t lead = text[i++];
+    const bool isLead = lead >= 0xC2 && lead <= 0xF4;
+    if (lead >= 0x80 && !isLead) return false;
+    for (int more = isLead ? 1 + int(lead >= 0xE0) + int(lead >= 0xF0) : 0; more > 0 && i < text.size(); --more)
+      if ((text[i++] & 0xC0) != 0x80) return false;
+  }
+  return true;
+}
+
+// An object, as it begins: what `show --json` prints. What comes from a cable may begin like that, but it is no UTF-8
+// where a message begins: behind F0 there is none of the bytes that UTF-8 has there.
 bool isJson(Source& source) {
-  const Bytes first = source.first(kMidiKindBytes);
-  const auto begin = std::find_if(first.begin(), first.end(), [](std::uint8_t byte) {
-    return kHexBlanks.find(char(byte)) == std::string_view::npos;
-  });
-  return begin != first.end() && *begin == '{';
+  const auto isBegun = [](Bytes text) {
+    if (std::ranges::equal(text.first(std::min(text.size(), kUtf8Mark.size())), kUtf8Mark, {},
+                           [](std::uint8_t byte) { return char(byte); }))
+      text = text.subspan(kUtf8Mark.size());
+    const auto begin = std::ranges::find_if(
+        text, [](std::uint8_t byte) { return kHexBlanks.find(char(byte)) == std::string_view::npos; });
+    return begin != text.end() && *begin == '{';
+  };
+  return isBegun(source.first(kMostBlanks)) && isUtf8(source.first(kChunk));
 }
 
 }  // namespace
@@ -326,7 +347,7 @@ std::string InputStream::judge(const File& file) const {
     const VisitLoss ignoreLoss = [](const InputLoss&) {};
     Pieces pieces(file.name, judgement, number, ignoreMessage, ignoreLoss, false);
     if (!isTakenAsJson) readPieces(source, file.name, judgement, pieces, [&] { return judgement.isUsable(); });
-    if (!isTakenAsJson && !judgement.isUsable()) throw NotMessages(judgement.words(file.name));
+    if (!isTakenAsJson && !judgement.isUsable()) throw NotMessages(judgement.words(file.name), judgement.isCut());
     if (::lseek(::fileno(file.stream.get()), 0, SEEK_SET) != 0) throw ReadError{reasonOf(errno)};
     return {};
   } catch (const ReadError& error) {
@@ -336,6 +357,7 @@ std::string InputStream::judge(const File& file) const {
 
 std::vector<std::string> InputStream::read(const VisitMessage& visitMessage, const VisitLoss& visitLoss,
                                            const VisitJson& visitJson) {
+  const Interruptible interruptible;
   std::vector<std::string> problems;
   std::uint64_t number = 0;
   for (const File& file : files_) {
@@ -365,6 +387,11 @@ std::uint64_t InputStream::size() const {
   std::uint64_t size = 0;
   for (const File& file : files_) size += file.size;
   return isLive() ? 0 : size;
+}
+
+std::string whyNoMessages(const std::string& file, bool hasForeign, const std::string& kind) {
+  return fmt::format("{}: no System Exclusive message in it{}: it seems to be {}", displayName(file),
+                     hasForeign ? " for this instrument" : "", kind);
 }
 
 std::string displayName(const std::string& file) { return file == "-" ? "standard input" : escape(file); }

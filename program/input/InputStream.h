@@ -33,10 +33,21 @@ struct InputLoss {
   std::span<const std::uint8_t> beginning = {};  // of a message of a stream that was cut short: its first bytes
 };
 
+// Whether that broke a message or the file.
+inline bool isBroken(const InputLoss& loss) {
+  return loss.kind == InputLoss::Kind::cutShort || loss.kind == InputLoss::Kind::brokenFile;
+}
+
 // A file that can be read and holds no messages: it is of another kind.
 class NotMessages : public Failure {
  public:
-  explicit NotMessages(const std::string& text) : Failure(kUnusableInput, text) {}
+  NotMessages(const std::string& text, bool isCut) : Failure(kUnusableInput, text), isCut_(isCut) {}
+
+  // Whether it begins as messages do: something is lost with it.
+  bool isCut() const { return isCut_; }
+
+ private:
+  bool isCut_;
 };
 
 // The message files of a command line, read from the first to the last, message by message: of a stream of MIDI bytes
@@ -57,7 +68,7 @@ class InputStream {
   using VisitJson = std::function<void(const std::string& file, std::string_view text)>;
   // Calls one of them for each piece of the files, in their order; what it gets is valid as long as the call. JSON,
   // where it is taken, comes as the whole text of its file. Returns what proved unusable meanwhile, a text for each
-  // file. Throws what they throw, and where Ctrl-C is caught Failure (kInterrupted).
+  // file. Throws what they throw; Ctrl-C ends it between two pieces by Failure (kInterrupted).
   std::vector<std::string> read(const VisitMessage& visitMessage, const VisitLoss& visitLoss,
                                 const VisitJson& visitJson = {});
 
@@ -83,6 +94,9 @@ class InputStream {
 
 // The name of a file for people: "standard input" for "-", without control characters.
 std::string displayName(const std::string& file);
+
+// That a file holds no messages, or only those of other makers; `kind` is what it seems to be.
+std::string whyNoMessages(const std::string& file, bool hasForeign, const std::string& kind);
 
 // "a.syx: message 7 at offset 1200", the beginning of every line about a message.
 std::string placeOf(const InputMessage& message);

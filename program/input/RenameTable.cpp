@@ -47,6 +47,7 @@ std::string parseLine(std::string_view line, RenameRow& row) {
   if (row.target.kind == Target::Kind::system || row.target.kind == Target::Kind::additional)
     return fmt::format("{} has no name", row.target.name);
   if (line.empty()) return fmt::format("expected a name behind {}", row.target.name);
+  if (line.size() > 1 && line.front() == '"' && line.back() == '"') return "a name stands here without quotes";
   row.name = line;
   return {};
 }

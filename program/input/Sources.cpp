@@ -104,6 +104,21 @@ Sources findSources(const std::vector<std::string>& paths) {
   return std::move(finding.sources);
 }
 
+void passOver(Sources& sources, const Source& source, const NotMessages& failure) {
+  if (source.isNamed) throw;
+  if (failure.isCut())
+    sources.problems.emplace_back(failure.what());
+  else
+    ++sources.ofOtherKinds;
+}
+
+bool isThere(const std::string& path) {
+  std::error_code error;
+  const bool exists = fs::exists(path, error);
+  if (error) throw Failure(kUnusableInput, fmt::format("{}: {}", escape(path), error.message()));
+  return exists;
+}
+
 bool isLibrary(const std::string& path) {
   std::error_code unknown;
   if (path == "-" || !std::filesystem::is_regular_file(path, unknown)) return false;  // a pipe can be read only once

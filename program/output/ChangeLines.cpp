@@ -7,13 +7,13 @@
 #include <nlohmann/json.hpp>
 
 #include "messages/Text.h"
+#include "midi/Counted.h"
 #include "models/Latin1.h"
 
 namespace Editor {
 
 namespace {
 
-constexpr std::size_t kMostAlike = 20;
 // By What.
 constexpr std::array kPlanned{"would store", "would remove", "would rename", "would flag", "would set"};
 
@@ -38,7 +38,7 @@ std::string detailOf(const PlaceChange& change) {
     case What::renamed:
       return fmt::format(" {} to {}", quoted(*change.before), quoted(*change.after));
     case What::flagged:
-      return change.after == "0" ? ": no favourite" : ": a favourite";
+      return change.after == kNoFavourite ? ": no favourite" : ": a favourite";
     case What::set:
       break;
   }

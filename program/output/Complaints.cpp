@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "midi/Counted.h"
+
 namespace Editor {
 
 bool Complaints::isTold(Counts& counts, std::string_view kind) {

@@ -14,6 +14,8 @@ namespace Editor {
 // Problems and notes that may be many: of each kind so many are told, and at the end how many more there were.
 class Complaints {
  public:
+  static constexpr std::uint64_t kMostAlike = 20;
+
   explicit Complaints(Console& console) : console_(console) {}
 
   // `kind` says in words what those of a kind have in common.
@@ -33,8 +35,6 @@ class Complaints {
 
  private:
   using Counts = std::map<std::string, std::uint64_t, std::less<>>;
-
-  static constexpr std::uint64_t kMostAlike = 20;
 
   static bool isTold(Counts& counts, std::string_view kind);
 

@@ -192,10 +192,10 @@ std::string lineOf(std::span<const ExplainedByte> bytes, const ParameterNames& n
   std::vector<std::uint8_t> values;
   Words words(names);
   for (const ExplainedByte& one : bytes) {
-    values.push_back(one.byte->value);
+    values.push_back(one.byte.value);
     words.add(one.meaning);
   }
-  return fmt::format("{:>8}  {:<47}  {}", bytes.front().byte->offset, formatHex(values), words.text());
+  return fmt::format("{:>8}  {:<47}  {}", bytes.front().byte.offset, formatHex(values), words.text());
 }
 
 }  // namespace Editor

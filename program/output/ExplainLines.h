@@ -22,7 +22,7 @@ std::string lineOf(const CarryingByte& byte);
 
 // A byte of a file, with what it is.
 struct ExplainedByte {
-  const MessageFile::Byte* byte;
+  MessageFile::Byte byte;
   ByteMeaning meaning;
 };
 // The heading of a message: "message 7: dump of element 3 oscillator (41 02 00)"; of none: "in no message".

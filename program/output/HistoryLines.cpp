@@ -19,7 +19,8 @@ constexpr What kWhats[] = {What::stored, What::removed, What::renamed, What::fla
 
 // By RFC 3339.
 std::string timeOf(const HistoryEntry& entry) {
-  return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(std::time_t(entry.time)));
+  const std::int64_t time = isTime(entry.time) ? entry.time : 0;  // the entry is damaged
+  return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(std::time_t(time)));
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ void LossReport::add(const InputLoss& loss) {
     if (console_.isVerbose()) console_.detail(lineOf(loss));
     return;
   }
-  isWhole_ = isWhole_ && loss.kind == InputLoss::Kind::loose;
+  isWhole_ = isWhole_ && !isBroken(loss);
   const bool isStructure = loss.kind == InputLoss::Kind::brokenFile;  // its reasons have numbers in them
   complaints_.tell(isStructure ? "not built as it must be" : loss.reason, [&] { return lineOf(loss); });
 }

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <utility>
@@ -36,11 +37,11 @@ std::string followLinks(const std::string& path) {
   return place.string();
 }
 
-OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
+OutputFile::OutputFile(std::string path, Existing existing) : existing_(existing), path_(std::move(path)) {
   if (isStandardOutput()) return;
-  path_ = followLinks(path_);
+  if (existing_ == Existing::isReplaced) path_ = followLinks(path_);
   struct stat status {};
-  const bool exists = ::stat(path_.c_str(), &status) == 0;
+  const bool exists = existing_ == Existing::isReplaced && ::stat(path_.c_str(), &status) == 0;
   if (exists && S_ISDIR(status.st_mode)) {
     errno = EISDIR;
     fail("open");
@@ -93,12 +94,29 @@ void OutputFile::flush() {
   buffer_.clear();
 }
 
-void OutputFile::commit() {
+// Not every file system knows how to rename without replacing, nor every one links.
+bool OutputFile::takePlace() {
+  const auto isUnknown = [] { return errno == EINVAL || errno == ENOSYS; };
+  const char* const from = temporary_.c_str();
+  const char* const to = path_.c_str();
+  bool isTaken = false;
+  if (existing_ == Existing::isReplaced) {
+    isTaken = ::rename(from, to) == 0;
+  } else {
+    isTaken = ::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0;
+    if (!isTaken && isUnknown()) isTaken = ::link(from, to) == 0 && ::unlink(from) == 0;
+    if (!isTaken && errno == EEXIST) return false;
+  }
+  if (!isTaken) fail("replace");
+  return true;
+}
+
+bool OutputFile::commit() {
   flush();
-  if (isStandardOutput()) return;
+  if (isStandardOutput()) return true;
   if (!temporary_.empty()) {
     if (::fsync(descriptor_) != 0) fail("write");
-    if (::rename(temporary_.c_str(), path_.c_str()) != 0) fail("replace");
+    if (!takePlace()) return false;
     temporary_.clear();
     // The new name reaches the disk with its directory.
     const std::filesystem::path directory = std::filesystem::path(path_).parent_path();
@@ -110,6 +128,7 @@ void OutputFile::commit() {
   }
   const int descriptor = std::exchange(descriptor_, -1);
   if (::close(descriptor) != 0) fail("write");
+  return true;
 }
 
 void OutputFile::fail(const std::string& doing) const {

@@ -14,7 +14,10 @@ std::string followLinks(const std::string& path);
 // names is written. Errors are thrown as Failure.
 class OutputFile {
  public:
-  explicit OutputFile(std::string path);
+  // What becomes of a file that stands in its place.
+  enum class Existing : std::uint8_t { isReplaced, stays };
+
+  explicit OutputFile(std::string path, Existing existing = Existing::isReplaced);
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
   ~OutputFile();  // without commit: as if it had never been
@@ -25,13 +28,16 @@ class OutputFile {
   void passOn() {
     if (isStandardOutput()) flush();
   }
-  void commit();
+  // False only where what stands in its place stays, be it there since a moment ago: nothing has come into being.
+  bool commit();
 
  private:
   bool isStandardOutput() const { return path_ == "-"; }
   void flush();
+  bool takePlace();
   [[noreturn]] void fail(const std::string& doing) const;
 
+  const Existing existing_;
   std::string path_;
   std::string temporary_;  // empty: standard output, or committed
   std::string buffer_;

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "ExitCode.h"
+#include "midi/Counted.h"
 
 namespace Editor {
 
@@ -53,8 +54,8 @@ void Interruptible::wait(int descriptor) {
   check();
 }
 
-Progress::Progress(Console& console, std::string verb, std::string items, std::uint64_t count, std::uint64_t size)
-    : console_(console), verb_(std::move(verb)), items_(std::move(items)), count_(count), size_(size) {}
+Progress::Progress(Console& console, std::string verb, std::string item, std::uint64_t count, std::uint64_t size)
+    : console_(console), verb_(std::move(verb)), item_(std::move(item)), count_(count), size_(size) {}
 
 void Progress::step(std::uint64_t bytes) {
   ++done_;
@@ -69,13 +70,13 @@ void Progress::pass(std::uint64_t bytes) {
   if (now - shown_ < kBetween) return;
   shown_ = now;
   console_.progress(
-      fmt::format("{}: {}", verb_, describeProgress({done_, count_}, items_, {bytes_, size_}, now - start_)));
+      fmt::format("{}: {}", verb_, describeProgress({done_, count_}, item_, {bytes_, size_}, now - start_)));
 }
 
-std::string describeProgress(Share items, const std::string& what, Share bytes, std::chrono::duration<double> elapsed) {
+std::string describeProgress(Share items, const std::string& item, Share bytes, std::chrono::duration<double> elapsed) {
   constexpr double kMega = 1e6;
   std::string text =
-      items.all > 0 ? fmt::format("{} of {} {}", items.done, items.all, what) : fmt::format("{} {}", items.done, what);
+      items.all > 0 ? fmt::format("{} of {}", items.done, counted(items.all, item)) : counted(items.done, item);
   text += bytes.all > 0 ? fmt::format(", {:.1f} of {:.1f} MB", double(bytes.done) / kMega, double(bytes.all) / kMega)
                         : fmt::format(", {:.1f} MB", double(bytes.done) / kMega);
   const Share known = items.all > 0 ? items : bytes;

@@ -33,9 +33,9 @@ class Interruptible {
 // where Ctrl-C ends the run.
 class Progress {
  public:
-  // "backup: 120 of 2600 contents": `verb`, `items` and their count, and all their bytes; each may be 0 when it is not
-  // known.
-  Progress(Console& console, std::string verb, std::string items, std::uint64_t count, std::uint64_t size = 0);
+  // "backup: 120 of 2600 contents": `verb`, what one `item` is called, their count, and all their bytes; each may be 0
+  // when it is not known.
+  Progress(Console& console, std::string verb, std::string item, std::uint64_t count, std::uint64_t size = 0);
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
   ~Progress() { console_.endProgress(); }
@@ -53,7 +53,7 @@ class Progress {
 
   Console& console_;
   const std::string verb_;
-  const std::string items_;
+  const std::string item_;
   const std::uint64_t count_;
   const std::uint64_t size_;
   std::uint64_t done_ = 0;
@@ -69,6 +69,6 @@ struct Share {
   std::uint64_t all;
 };
 // "120 of 2600 contents, 1.2 MB, 3 s left", "120 messages, 1.2 of 3.4 MB, 3 s left"
-std::string describeProgress(Share items, const std::string& what, Share bytes, std::chrono::duration<double> elapsed);
+std::string describeProgress(Share items, const std::string& item, Share bytes, std::chrono::duration<double> elapsed);
 
 }  // namespace Editor

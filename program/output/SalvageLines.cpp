@@ -16,9 +16,14 @@ using State = Salvaged::State;
 
 std::string why(const Salvaged& unit) {
   if (!unit.device) return fmt::format(": blocks of no known unit, {} and after it", describeAddress(unit.address));
-  if (!unit.contradicts.empty()) return ": captures differ in " + describeBlocks(unit.contradicts);
-  if (unit.missing.empty()) return ": captures differ in kind";
-  if (unit.missing.size() == 1 && unit.missing.front() == unit.address) return ": it is broken";
+  const std::string help = unit.isMergeable ? "; --merge completes it" : "";
+  const bool areOfTwoKinds = isUnit(unit.address) && unit.contradicts == std::vector{unit.address};
+  if (areOfTwoKinds) return ": captures differ in kind" + help;
+  if (!unit.contradicts.empty()) return ": captures differ in " + describeBlocks(unit.contradicts) + help;
+  if (!isUnit(unit.address)) return ": it is broken";
+  if (unit.isMergeable)
+    return fmt::format(": nothing says that its remains are of one sound, the fullest lack {}: {}{}",
+                       counted(unit.missing.size(), "block"), describeBlocks(unit.missing), help);
   return fmt::format(": {} missing: {}", counted(unit.missing.size(), "block"), describeBlocks(unit.missing));
 }
 

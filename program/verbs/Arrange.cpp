@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 
 #include "ChangeRun.h"
@@ -19,17 +20,16 @@ const char* wordOf(Arrangement::Kind kind) {
   return kWords.at(std::size_t(kind));
 }
 
-constexpr std::size_t kMostNamed = 20;  // of the places that are left out
-
-void tellNotes(const Arranged& arranged, Console& console) {
+void tellNotes(const Arranged& arranged, const std::vector<PlaceChange>& changes, Console& console) {
   for (const Arranged::Note& flag : arranged.droppedFlags)
-    console.note(fmt::format("{} cannot be a favourite: the flag of {} is dropped", flag.to, flag.from));
+    if (std::ranges::find(changes, flag.to, &PlaceChange::place) != changes.end())
+      console.note(fmt::format("{} cannot be a favourite: it gets no flag", flag.to));
   for (const Arranged::Note& voice : arranged.voicesAlone)
     console.note(fmt::format("{} takes the voice of {} alone: its multi stays as it is", voice.to, voice.from));
   std::string places;
-  for (std::size_t i = 0; i < arranged.leftOut.size() && i < kMostNamed; ++i)
+  for (std::size_t i = 0; i < arranged.leftOut.size() && i < kMostAlike; ++i)
     places += (i == 0 ? "" : ", ") + arranged.leftOut[i];
-  if (arranged.leftOut.size() > kMostNamed) places += fmt::format(" and {} more", arranged.leftOut.size() - kMostNamed);
+  if (arranged.leftOut.size() > kMostAlike) places += fmt::format(" and {} more", arranged.leftOut.size() - kMostAlike);
   if (!places.empty())
     console.note(fmt::format("{} nothing, left out: {}", counted(arranged.leftOut.size(), "place holds", "places hold"),
                              places));
@@ -47,8 +47,7 @@ void arrange(Arrangement::Kind kind, const Words& words, const std::string& othe
   const Arranged arranged = otherLibrary.empty()
                                 ? arrange(run.editor(), arrangement)
                                 : arrange(run.editor(), arrangement, *program.openToRead(otherLibrary));
-  run.keep();
-  tellNotes(arranged, program.console);
+  tellNotes(arranged, run.keep(), program.console);
   for (const std::string& place : arranged.damaged) program.leaveOutDamaged(place);
 }
 

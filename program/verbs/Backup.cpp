@@ -84,7 +84,7 @@ class BackingUp {
     const EmbeddedEditor::Run proof(proof_, Access::Write, EmbeddedEditor::Run::Devices::any);
     const Plan plan = planOf(*editor_);
     const std::size_t count = plan.fileDumps.size() + plan.units.size() + plan.system.size() + plan.favourites.size();
-    Progress progress(program_.console, "backup", "items", count);
+    Progress progress(program_.console, "backup", "item", count);
     std::size_t done = 0;
     const auto add = [&](const std::vector<Item>& items) {
       for (const Item& item : items) {

@@ -67,7 +67,7 @@ Found find(EmbeddedEditor& editor, const Selection& selection) {
     try {
       entries[id] = {id, library.content(id), 0};
     } catch (const LibraryError& error) {
-      if (error.kind() != LibraryError::Kind::Damaged) throw;
+      if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
       found.damaged.push_back(nameOf(id));
     }
   }

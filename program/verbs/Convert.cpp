@@ -104,16 +104,18 @@ class Converting {
     tellBroken();
   }
 
-  // What is no whole unit. Nothing is written of it where units count; else its messages go along like any other.
+  // What is broken, units and messages. Nothing is written of units where they count; else all go along like any other.
   void tellBroken() {
     Complaints complaints(console_);
     for (const UnitReport& unit : batch_.broken) {
       complaints.tell(wordOf(unit.state), describeUnit(unit));
       program_.refuse();
     }
-    for (const Batch::BrokenDump& dump : batch_.brokenDumps) {
-      complaints.tell("broken file dump",
-                      fmt::format("{}: broken (message {}): {}", nameOrBytes(dump.address), dump.message, dump.why));
+    for (const Batch::BrokenMessage& message : batch_.brokenMessages) {
+      complaints.tell(message.isFileDump ? "broken file dump" : "broken message",
+                      fmt::format("{}: broken (message {}): {}",
+                                  message.address ? nameOrBytes(*message.address) : "of no known type", message.message,
+                                  message.why));
       program_.refuse();
     }
     complaints.finish();
@@ -128,11 +130,12 @@ class Converting {
     if (!options_.place.empty()) requirePlaces();
     Placing placing(batch_, models_);
     for (std::size_t i = 0; i < batch_.units.size(); ++i) {
+      Interruptible::check();
       const Batch::Unit& unit = batch_.units[i];
       if (options_.place.empty() && unit.form != Form::json) continue;
       if (options_.place.empty() && unit.place.empty())
         throw Failure(kWrongUsage, "JSON that does not say its target: --place says where it goes");
-      moved_[i] = unit.place;
+      if (!options_.place.empty()) moved_[i] = unit.place;
       placeUnit(placing, i, options_.place.empty() ? parseDestinations(unit.place).front() : destinations_[i]);
     }
     placing.finish();
@@ -157,7 +160,9 @@ class Converting {
   void requirePlaces() {
     const std::size_t units = batch_.units.size();
     if (options_.select.empty()) tellBroken();
-    if (!batch_.broken.empty() || !batch_.brokenDumps.empty())
+    const bool isFileDumpBroken = std::any_of(batch_.brokenMessages.begin(), batch_.brokenMessages.end(),
+                                              [](const Batch::BrokenMessage& message) { return message.isFileDump; });
+    if (!batch_.broken.empty() || isFileDumpBroken)
       throw Failure(kRefused, "only whole units can be placed, nothing is written");
     if (units == 0) throw Failure(kUnusableInput, "no unit that could be placed, nothing is written");
     if (units > destinations_.size())
@@ -177,9 +182,10 @@ class Converting {
     if (options_.output == "-") console_.keepOutputForBytes();
     OutputFile output(options_.output);
     output.write(file->bytes);
+    const std::vector<std::string> units = options_.json ? linesOfUnits() : std::vector<std::string>();
     Interruptible::check();
     output.commit();
-    if (options_.json) tellUnits();
+    for (const std::string& line : units) console_.line(line);
     tellMoved();
     console_.note(
         fmt::format("{}, {}: {} written{}", counted(batch_.messages.size(), "message"),
@@ -187,10 +193,14 @@ class Converting {
                     file->duration ? fmt::format(", {:.1f} s to play", double(file->duration->count()) / 1e6) : ""));
   }
 
-  // As objects, each of the units of the one file.
-  void tellUnits() {
-    forEachUnitFile(batch_, Sharing::together, models_,
-                    [&](const UnitFile& unit) { tell(unit, options_.output, false); });
+  // Objects, for each of the units of the one file.
+  std::vector<std::string> linesOfUnits() {
+    std::vector<std::string> lines;
+    forEachUnitFile(batch_, Sharing::together, models_, [&](const UnitFile& unit) {
+      Interruptible::check();
+      lines.push_back(jsonOf(unit, options_.output));
+    });
+    return lines;
   }
 
   void tellMoved() {
@@ -207,7 +217,7 @@ class Converting {
     if (std::error_code unknown; !std::filesystem::is_directory(options_.directory, unknown))
       throw Failure(kWrongUsage, fmt::format("{}: cannot be made a folder: {}", escape(options_.directory),
                                              error ? error.message() : "it is a file"));
-    Progress progress(console_, "convert", "units", batch_.units.size());
+    Progress progress(console_, "convert", "unit", batch_.units.size());
     std::size_t files = 0;
     forEachUnitFile(batch_, Sharing::apart, models_, [&](const UnitFile& file) {
       progress.step(sizeOf(file.messages));
@@ -224,30 +234,39 @@ class Converting {
     for (const std::vector<std::uint8_t>& message : file.messages)
       bytes.insert(bytes.end(), message.begin(), message.end());
     const std::filesystem::path directory(options_.directory);
-    bool isThere = false;
-    const std::string name = names_.next(file.stem, [&](const std::string& candidate) {
-      std::error_code unknown;
-      const std::filesystem::file_status status = std::filesystem::symlink_status(directory / candidate, unknown);
-      isThere = std::filesystem::is_regular_file(status);
-      if (!std::filesystem::exists(status)) return true;
-      std::string why;
-      return isThere && loadBytes((directory / candidate).string(), why) == bytes;
-    });
-    const std::string path = (directory / name).string();
-    if (!isThere) {
-      OutputFile output(path);
-      output.write(bytes);
-      output.commit();
+    for (bool isWritten = false; !isWritten;) {
+      bool isThere = false;
+      const std::string name = names_.next(file.stem, [&](const std::string& candidate) {
+        std::error_code unknown;
+        const std::filesystem::file_status status = std::filesystem::symlink_status(directory / candidate, unknown);
+        isThere = std::filesystem::is_regular_file(status);
+        if (!std::filesystem::exists(status)) return true;
+        std::string why;
+        return isThere && loadBytes((directory / candidate).string(), why) == bytes;
+      });
+      const std::string path = (directory / name).string();
+      isWritten = isThere || writeNew(path, bytes);
+      if (isWritten) tell(file, path, isThere);
     }
-    tell(file, path, isThere);
+  }
+
+  // False: another program has put a file there meanwhile.
+  static bool writeNew(const std::string& path, const std::vector<std::uint8_t>& bytes) {
+    OutputFile output(path, OutputFile::Existing::stays);
+    output.write(bytes);
+    return output.commit();
   }
 
   void tell(const UnitFile& file, const std::string& path, bool isThere) {
     const Batch::Unit* const unit = file.unit ? &batch_.units[*file.unit] : nullptr;
-    if (!options_.json)
-      return console_.line(fmt::format("{}: {}{}, {}{}", escape(path), unit != nullptr ? unit->place : "of no unit",
-                                       file.name.empty() ? "" : fmt::format(" \"{}\"", showName(file.name)),
-                                       counted(file.messages.size(), "message"), isThere ? ", stands there" : ""));
+    if (options_.json) return console_.line(jsonOf(file, path));
+    console_.line(fmt::format("{}: {}{}, {}{}", escape(path), unit != nullptr ? unit->place : "of no unit",
+                              file.name.empty() ? "" : fmt::format(" \"{}\"", showName(file.name)),
+                              counted(file.messages.size(), "message"), isThere ? ", stands there" : ""));
+  }
+
+  std::string jsonOf(const UnitFile& file, const std::string& path) const {
+    const Batch::Unit* const unit = file.unit ? &batch_.units[*file.unit] : nullptr;
     nlohmann::ordered_json json{{"unit", nullptr}};
     if (unit != nullptr) {
       json["unit"] = unit->place;
@@ -260,7 +279,7 @@ class Converting {
     json["messages"] = file.messages.size();
     json["bytes"] = sizeOf(file.messages);
     json["file"] = path;
-    console_.line(json.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace));
+    return json.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace);
   }
 
   const ConvertOptions& options_;

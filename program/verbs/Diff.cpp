@@ -77,10 +77,10 @@ class Telling {
 void diff(const std::string& firstPath, const std::string& secondPath, DiffForm form, Program& program) {
   if (firstPath == "-" && secondPath == "-") throw Failure(kWrongUsage, "standard input cannot be both");
   for (const std::string& path : {firstPath, secondPath})
-    if (path != "-" && !std::filesystem::exists(path))
+    if (path != "-" && !isThere(path))
       throw Failure(kUnusableInput, fmt::format("{}: No such file or directory", escape(path)));
   const auto read = [&](const std::string& path) {
-    return isLibrary(path) ? std::nullopt : std::optional<InputFile>(path);
+    return isLibrary(path) ? std::nullopt : std::optional<InputFile>(std::in_place, path, &program.console);
   };
   std::vector<std::string> libraries;
   for (const std::string& path : {firstPath, secondPath})

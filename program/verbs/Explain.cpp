@@ -6,10 +6,12 @@
 
 #include <algorithm>
 #include <charconv>
-#include <filesystem>
+#include <limits>
+#include <set>
 
 #include "exchange/Answers.h"
 #include "input/InputStream.h"
+#include "input/Sources.h"
 #include "messages/Nearest.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
@@ -23,7 +25,7 @@ namespace Editor {
 
 namespace {
 
-// A number in decimal or with 0x before it; the largest there is stands for any that is larger.
+// A number in decimal or with 0x before it; the largest there is stands for any that is larger, behind the end of all.
 std::optional<std::uint64_t> parseOffset(const std::string& word) {
   const bool isHex = word.starts_with("0x") || word.starts_with("0X");
   const char* const first = word.data() + (isHex ? 2 : 0);
@@ -47,22 +49,20 @@ MessageFile loadMessages(const std::string& path) {
   std::optional<std::vector<std::uint8_t>> bytes = loadBytes(path, error);
   if (!bytes) throw Failure(kUnusableInput, fmt::format("{}: {}", displayName(path), error));
   MessageFile file(std::move(*bytes));
-  if (!file.isUsable())
-    throw Failure(kUnusableInput,
-                  fmt::format("{}: no System Exclusive message in it{}: it seems to be {}", displayName(path),
-                              file.countMessages() == 0 ? "" : " for this instrument", file.describe()));
+  if (!file.isUsable()) throw Failure(kUnusableInput, whyNoMessages(path, file.countMessages() != 0, file.describe()));
   return file;
 }
 
-void explainOffset(const std::string& path, std::uint64_t offset, bool json, Program& program) {
+// `word` is the offset as it was written.
+void explainOffset(const std::string& path, std::uint64_t offset, const std::string& word, bool json,
+                   Program& program) {
   const ParameterNames names = program.parameterNames();
   const MessageFile file = loadMessages(path);
   if (offset >= file.size())
-    throw Failure(kUnusableInput, fmt::format("{}: offset {} lies behind the end: it has {}", displayName(path), offset,
+    throw Failure(kUnusableInput, fmt::format("{}: offset {} lies behind the end: it has {}", displayName(path), word,
                                               counted(file.size(), "byte")));
-  const MessageFile::Byte* const found = file.find(offset);
   const MessageFile::Byte between{.offset = offset, .value = file.raw(offset)};
-  const MessageFile::Byte& byte = found != nullptr ? *found : between;
+  const MessageFile::Byte byte = file.find(offset).value_or(between);
   const ByteMeaning meaning = FileExplainer(file).explain(byte);
   if (json)
     program.console.line(jsonOf(path, byte, meaning, names));
@@ -81,15 +81,15 @@ void annotate(const MessageFile& file, const ParameterNames& names, Console& con
     if (!line.empty()) console.line(lineOf(line, names));
     line.clear();
   };
-  for (const MessageFile::Byte& byte : file.bytes()) {
+  file.forEachByte([&](const MessageFile::Byte& byte) {
     Interruptible::check();
     if (isFirst || byte.message != message || line.size() == kBytesOfLine) end();
     ByteMeaning meaning = explainer.explain(byte);
     if (isFirst || byte.message != message) console.line(headingOf(meaning));
     isFirst = false;
     message = byte.message;
-    line.push_back({&byte, std::move(meaning)});
-  }
+    line.push_back({byte, std::move(meaning)});
+  });
   end();
 }
 
@@ -99,10 +99,10 @@ void explainFile(const std::string& path, bool json, Program& program) {
   const Interruptible interruptible;
   if (!json) return annotate(file, names, program.console);
   FileExplainer explainer(file);
-  for (const MessageFile::Byte& byte : file.bytes()) {
+  file.forEachByte([&](const MessageFile::Byte& byte) {
     Interruptible::check();
     program.console.line(jsonOf(path, byte, explainer.explain(byte), names));
-  }
+  });
 }
 
 // What `request` of the places sends; what is not answered is told.
@@ -123,25 +123,49 @@ std::vector<std::vector<std::uint8_t>> dumpsOf(const std::vector<BulkAddress>& p
   return dumps;
 }
 
+// A file dump carries the whole content in a form of the editor's own.
+[[noreturn]] void refuseFileDump(BulkAddress dump) {
+  const std::string name = nameOrBytes(dump);
+  const std::string place = placeNameOf(dump);
+  throw Failure(kRefused, fmt::format("{}: in a file dump no parameter has bytes of its own{}", name,
+                                      place == name ? "" : fmt::format(": see {}", place)));
+}
+
+// Why none of the blocks that the places send carries it: another block of the system may.
+[[noreturn]] void refuseUncarried(const Places<BulkAddress>& places, const std::string& path) {
+  std::string others;
+  for (const BulkAddress block : systemAddresses())
+    if (carries(block, path)) others += (others.empty() ? "" : ", ") + nameOrBytes(block);
+  if (others.empty()) throw Failure(kRefused, fmt::format("{}: no block carries {}", places.name, path));
+  throw Failure(kRefused, fmt::format("{}: it does not carry {}: see {}", places.name, path, others));
+}
+
+// What may have been meant by a word that is none of the paths of a place, nor a name of one.
+std::string meantBy(const std::string& word, std::vector<std::string> paths, const ParameterNames& names) {
+  const std::set<std::string> known(paths.begin(), paths.end());
+  for (const auto& [name, count] : names.namesAmong([&](const std::string& path) { return known.contains(path); }))
+    if (count == 1) paths.push_back(name);
+  return didYouMean(word, paths);
+}
+
 void explainParameter(const std::string& word, const std::string& parameter, bool json, Program& program) {
   const Places<BulkAddress> places = parsePlaces(word);
   if (!places.isOne && word != "system")
     throw Failure(kWrongUsage, fmt::format("{}: expected one place, not a bank or a range", places.name));
-  std::vector<std::string> paths = pathsOf(places.list);
+  if (const auto block = findBlock(places.list.front()); block && block->role == Role::fileDump)
+    refuseFileDump(places.list.front());
+  const std::vector<std::string> paths = pathsOf(places.list);
   if (paths.empty()) throw Failure(kRefused, fmt::format("{}: it is not made of parameters", places.name));
   const ParameterNames names = program.parameterNames();
   const std::string path = names.pathOf(
       parameter, [&](const std::string& one) { return std::find(paths.begin(), paths.end(), one) != paths.end(); });
-  if (path.empty()) {
-    std::ranges::move(names.all(), std::back_inserter(paths));
+  if (path.empty())
     throw Failure(kWrongUsage, fmt::format("{}: it has no parameter \"{}\"{}", places.name, escape(parameter),
-                                           didYouMean(parameter, paths)));
-  }
+                                           meantBy(parameter, paths, names)));
   const std::vector<std::vector<std::uint8_t>> dumps = dumpsOf(places.list, program);
   const std::vector<CarryingByte> bytes = bytesByPath(dumps)[path];
   for (const CarryingByte& byte : bytes) program.console.line(json ? jsonOf(byte) : lineOf(byte));
-  if (bytes.empty() && program.exitCode() == kAllGood)
-    throw Failure(kRefused, fmt::format("{}: no block carries {}", places.name, path));
+  if (bytes.empty() && program.exitCode() == kAllGood) refuseUncarried(places, path);
 }
 
 }  // namespace
@@ -159,8 +183,8 @@ void explain(const Words& words, bool json, Program& program) {
     return explainFile(first, json, program);
   }
   if (const std::optional<std::uint64_t> offset = parseOffset(joined[1]))
-    return explainOffset(first, *offset, json, program);
-  if (!isAddress(first) && (first == "-" || std::filesystem::exists(first)))
+    return explainOffset(first, *offset, joined[1], json, program);
+  if (!isAddress(first) && (first == "-" || isThere(first)))
     throw Failure(kWrongUsage,
                   fmt::format("\"{}\": expected the offset of a byte, such as 1024 or 0x400", escape(joined[1])));
   explainParameter(first, joined[1], json, program);

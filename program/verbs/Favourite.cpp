@@ -3,25 +3,51 @@
 #include <fmt/format.h>
 
 #include "ChangeRun.h"
+#include "messages/Text.h"
+#include "midi/Counted.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
 
+namespace {
+
+// False: neither a voice nor a flag is there.
+bool setFlag(Library& library, ContentId id, bool isOn) {
+  const std::optional<Held> flag = library.held(favouriteAt(id));
+  const bool wasOn = flag && flagIn(*flag).value_or(0) != 0;
+  const bool isDamaged = flag && !flagIn(*flag);
+  if (!wasOn && !isDamaged && !library.contentName(id)) return false;
+  if (isDamaged || wasOn != isOn) library.setFavourite(id, isOn ? 1 : 0);
+  return true;
+}
+
+// Of a bank or a range empty places are left out.
+void setFlags(Library& library, const Places<Target>& places, bool isOn, Console& console) {
+  std::size_t leftOut = 0;
+  for (const Target& target : places.list)
+    if (!setFlag(library, target.content, isOn)) ++leftOut;
+  if (leftOut == places.list.size())
+    throw Failure(kRefused, fmt::format("{}: nothing is stored there", escape(places.name)));
+  if (leftOut > 0)
+    console.note(fmt::format("{}: {} nothing", places.name, counted(leftOut, "place holds", "places hold")));
+}
+
+}  // namespace
+
 void favourite(const Words& words, const ChangeOptions& options, Program& program) {
   const std::string value = words.empty() ? "" : words.back();
   if (words.size() < 2 || (value != "on" && value != "off"))
-    throw Failure(kWrongUsage, "expected an address, and on or off");
-  const Words joined = joinAddresses(Words(words.begin(), words.end() - 1));
-  if (joined.size() != 1) throw Failure(kWrongUsage, "expected one address");
-  const Target target = parseContent(joined.front());
-  if (!canBeFavourite(target.content))
-    refuse(target, "only preset, GM and user voices and drum voices can be favourites");
+    throw Failure(kWrongUsage, "expected addresses, and on or off");
+  std::vector<Places<Target>> asked;
+  for (const std::string& word : joinAddresses(Words(words.begin(), words.end() - 1)))
+    asked.push_back(parseContents(word));
+  for (const Places<Target>& places : asked)
+    for (const Target& target : places.list)
+      if (!canBeFavourite(target.content))
+        refuse(target, "only preset, GM and user voices and drum voices can be favourites");
   program.requireLibrary(kRefused);
   ChangeRun run(program, {"favourite"}, options);
-  Library& library = run.library();
-  const bool isOn = library.favourite(target.content) != 0;
-  if (!isOn && !library.contentName(target.content)) refuse(target, "nothing is stored there");
-  if (isOn != (value == "on")) library.setFavourite(target.content, value == "on" ? 1 : 0);
+  for (const Places<Target>& places : asked) setFlags(run.library(), places, value == "on", program.console);
   run.keep();
 }
 

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <numeric>
@@ -63,13 +64,12 @@ class Finding {
   void run() {
     Search search(std::move(wanted_), [this](const Found& found) { tell(found); });
     if (options_.sources.empty()) {
-      Progress progress(console_, "find", "contents", 0);
+      Progress progress(console_, "find", "content", 0);
       searchLibrary({program_.libraryFile(), true}, library(), search, progress);
     } else {
-      Progress progress(console_, "find", "contents", 0, sizeOf(sources_.list));
+      Progress progress(console_, "find", "content", 0, sizeOf(sources_.list));
       for (const Source& source : sources_.list) searchSource(source, search, progress);
     }
-    const Interruptible interruptible;
     const std::uint64_t found = search.finish();
     complaints_.finish();
     summarise(found);
@@ -105,9 +105,8 @@ class Finding {
                       progress);
       else
         searchFile(source, search, progress);
-    } catch (const NotMessages&) {
-      if (source.isNamed) throw;
-      ++sources_.ofOtherKinds;
+    } catch (const NotMessages& failure) {
+      passOver(sources_, source, failure);
     } catch (const Failure& failure) {
       if (source.isNamed || failure.code() != kUnusableInput) throw;
       std::error_code unknown;
@@ -133,22 +132,30 @@ class Finding {
   }
 
   void searchFile(const Source& source, Search& search, Progress& progress) {
-    const InputFile input(source.path);
+    const InputFile input(source.path, nullptr);  // what is broken is counted
     std::vector<FileMessage> messages;
     messages.reserve(input.countMessages());
     input.forEachMessage([&](const InputMessage& message) { messages.push_back({message.number, message.bytes}); });
     if (!receiver_) receiver_.emplace();
-    FileContents contents = receiver_->receive(messages, buffers_);
+    std::uint64_t passed = 0;
+    const auto passUpTo = [&](std::uint64_t bytes) {
+      progress.pass(std::max(bytes, passed) - passed);
+      passed = std::max(bytes, passed);
+    };
+    FileContents contents = receiver_->receive(messages, buffers_, [&](std::size_t done) {
+      passUpTo(std::uint64_t(double(source.size) * double(done) / double(messages.size())));
+    });
     broken_ += contents.broken;
     for (Candidate& candidate : contents.whole) {
       ++looked_;
       search.look({source.path}, std::move(candidate));
       progress.step(0);
     }
-    progress.pass(source.size);
+    passUpTo(source.size);
   }
 
   void tell(const Found& found) {
+    Interruptible::check();
     if (options_.json) return console_.line(jsonOf(found, names_));
     if (found.group && *found.group != group_) {
       group_ = *found.group;
@@ -183,6 +190,9 @@ class Finding {
 
 }  // namespace
 
-void find(const Words& terms, const FindOptions& options, Program& program) { Finding(terms, options, program).run(); }
+void find(const Words& terms, const FindOptions& options, Program& program) {
+  const Interruptible interruptible;
+  Finding(terms, options, program).run();
+}
 
 }  // namespace Editor

@@ -15,6 +15,7 @@
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "output/LossReport.h"
+#include "output/OtherDevices.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
 #include "output/Trace.h"
@@ -54,23 +55,6 @@ class Places {
   std::size_t most_ = kFew;
 };
 
-// Messages for other devices: told once each, with a count at the end.
-class OtherDevices {
- public:
-  // False for what has been told before.
-  bool isNew(unsigned device) { return ++messages_[device] == 1; }
-  void tell(Console& console) const {
-    for (const auto& [device, count] : messages_)
-      console.problem(
-          fmt::format("{} for device {}: take it with --any-device, or listen to it from now on: "
-                      "bda settings device-number {}",
-                      counted(count, "message"), device, device));
-  }
-
- private:
-  std::map<unsigned, std::uint64_t> messages_;
-};
-
 class Receiving {
  public:
   Receiving(const Words& files, const ExchangeOptions& options, const ReceiveOptions& how, Program& program)
@@ -82,7 +66,7 @@ class Receiving {
         input_(files),
         losses_(console_),
         refusals_(console_),
-        progress_(program.console, "receive", "messages", 0, input_.size()),
+        progress_(program.console, "receive", "message", 0, input_.size()),
         editor_(isRehearsal_ ? program.openToRehearse({"receive", files}) : program.openToChange({"receive", files})),
         trace_(options.trace) {
     if (how.whole) whole_.emplace();
@@ -101,10 +85,10 @@ class Receiving {
     } catch (const Failure& early) {
       failure = early;
     } catch (...) {
-      finish();
+      finish(false);
       throw;
     }
-    finish();
+    finish(!failure || failure->code() == kInterrupted);
     program_.failInputs(unusable);
     if (failure) {
       console_.problem(fmt::format("bda: {}", failure->what()));
@@ -114,13 +98,14 @@ class Receiving {
   }
 
  private:
-  // What was done was done, however the run ends.
-  void finish() {
+  // What was done was done, however the run ends. `isHandled`: all that came.
+  void finish(bool isHandled) {
     progress_.end();
     if (whole_)
       for (const WholeUnits::Decided& decided : whole_->finish()) settle(decided);
     for (const UnitReport& unit : editor_->openUnits())
-      complain(fmt::format("{}: {}", places_.at(unit.firstMessage), describeUnit(unit)));
+      complain(fmt::format("{}: {}", places_.at(unit.firstMessage),
+                           isHandled ? describeUnit(unit) : "what began here is not handled to its end, nor stored"));
     refusals_.finish();
     losses_.finish();
     if (!losses_.areAllWhole()) program_.refuse();
@@ -177,8 +162,9 @@ class Receiving {
       }
       tally_.addRefused();
       program_.refuse();
+      const bool isAlone = decided.messages.size() == 1;
       if (&held == &decided.messages.back())
-        refusals_.tell("refused: not whole",
+        refusals_.tell(isAlone && isBroken(held.reading) ? wordOf(held.reading.verdict) : "refused: not whole",
                        fmt::format("{}: {}: {}{}", placeOf(message), said("refused"), withOthers(decided), why));
     }
   }
@@ -215,7 +201,7 @@ class Receiving {
     for (const std::string& line : linesOf(record.log, record.reading)) console_.detail("    log: " + line);
     const Reading& reading = record.reading;
     if (record.outcome != Outcome::refused && reading.verdict == Reading::Verdict::fileDumpBroken)
-      complain(fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
+      complain(fmt::format("{}: {}", placeOf(message), describeFault(reading)));
     if (record.libraryFailed && reading.kind == Reading::Kind::dump)
       throw Failure(kWrongUsage, fmt::format("{}: the library failed, nothing after it is handled", placeOf(message)));
     return record.outcome;
@@ -289,7 +275,7 @@ class Receiving {
   void refuse(const InputMessage& message, const Record& record, const std::string& what) {
     program_.refuse();
     const BDA::BulkDumpRefusal refusal = record.report.refusal;
-    if (refusal == BDA::BulkDumpRefusal::wrongDeviceNumber && !otherDevices_.isNew(*record.reading.device)) return;
+    if (refusal == BDA::BulkDumpRefusal::wrongDeviceNumber && !otherDevices_.add(*record.reading.device)) return;
     refusals_.tell(fmt::format("refused: {}", wordsOf(refusal)),
                    fmt::format("{}: {}: {}: {}", placeOf(message), said("refused"), what, escape(record.reason)));
   }

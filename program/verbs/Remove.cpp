@@ -3,8 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <memory>
+#include <optional>
 #include <set>
+#include <utility>
 
 #include "ChangeRun.h"
 #include "messages/Text.h"
@@ -44,28 +45,37 @@ class Removing {
 };
 
 // Contents; or live models, but those only that are damaged.
-Places<Target> parseRemoved(const std::string& word, Program& program) {
+struct Asked {
+  Places<Target> places;
+  std::optional<TargetError> unlessDamaged;  // what is wrong with live models that are not
+};
+
+Asked parseRemoved(const std::string& word, const Program& program) {
   try {
-    return parseContents(word);
-  } catch (const TargetError&) {
+    return {parseContents(word), std::nullopt};
+  } catch (const TargetError& error) {
     Places<Target> places = parseTargets(word);
     if (!program.hasLibrary()) throw;
-    const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
-    const auto isDamaged = [&](const Target& target) { return !damageOf(editor->tools(), target).empty(); };
-    if (!std::ranges::all_of(places.list, isDamaged)) throw;
-    return places;
+    return {std::move(places), error};
   }
+}
+
+void requireRemovable(const Asked& asked, const EditorJobTools& tools) {
+  const auto isDamaged = [&](const Target& target) { return !damageOf(tools, target).empty(); };
+  if (asked.unlessDamaged && !std::ranges::all_of(asked.places.list, isDamaged))
+    throw TargetError(*asked.unlessDamaged);
 }
 
 }  // namespace
 
 void remove(const Words& words, const ChangeOptions& options, Program& program) {
-  std::vector<Places<Target>> asked;
+  std::vector<Asked> asked;
   for (const std::string& word : joinAddresses(words)) asked.push_back(parseRemoved(word, program));
   program.requireLibrary(kRefused);
   ChangeRun run(program, {"remove"}, options);
   Removing removing(run.library(), program.console);
-  for (const Places<Target>& places : asked) removing.take(places);
+  for (const Asked& one : asked) requireRemovable(one, run.editor().tools());
+  for (const Asked& one : asked) removing.take(one.places);
   run.keep();
 }
 

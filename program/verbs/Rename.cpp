@@ -28,9 +28,18 @@ void checkName(const Target& target, const std::string& name, std::size_t most) 
     refuse(target, fmt::format("\"{}\" has {} characters, a name here has at most {}", name, name.size(), most));
 }
 
+std::optional<Library::Content> contentOf(Library& library, const Target& target) {
+  try {
+    return library.content(target.content);
+  } catch (const LibraryError& error) {
+    if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
+    refuse(target, error.what());
+  }
+}
+
 void renameContent(EmbeddedEditor& editor, const Target& target, const std::string& name) {
   constexpr std::size_t kLongest = 20;  // in the list of multi names too
-  const std::optional<Library::Content> content = editor.library().content(target.content);
+  const std::optional<Library::Content> content = contentOf(editor.library(), target);
   if (!content) refuse(target, "nothing is stored there");
   ModelSet models = emptySetFor(target.content);
   if (haveSameShape(models, ModelSet()) || decodeContent(content->bytes, models)) {

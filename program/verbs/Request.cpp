@@ -62,7 +62,7 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
       if (const std::string why = whyUnanswered(record); !why.empty()) {
         complaints.tell(escape(why), fmt::format("{} ({}, {}): no answer: {}", nameOrBytes(address),
                                                  formatAddress(address), describeAddress(address), escape(why)));
-        program.refuse();
+        record.libraryFailed ? program.endWith(kWrongUsage) : program.refuse();
         continue;
       }
       ++answered;
@@ -82,7 +82,7 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
   complaints.finish();
   if (answered > 0) writeAnswers(answers, options.output, program.console);
   trace.commit();
-  if (answered == 0) throw Failure(kRefused, "no address was answered, nothing is written");
+  if (answered == 0) throw Failure(program.exitCode(), "no address was answered, nothing is written");
   program.console.note(
       fmt::format("{} answered, {}", counted(answered, "address", "addresses"), counted(answers.size(), "message")));
 }

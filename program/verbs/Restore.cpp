@@ -6,11 +6,13 @@
 #include <set>
 
 #include "compare/Compare.h"
+#include "history/History.h"
 #include "input/InputFile.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "output/Complaints.h"
 #include "output/DifferenceLines.h"
+#include "output/OtherDevices.h"
 #include "output/Progress.h"
 #include "verbs/Verbs.h"
 
@@ -25,7 +27,7 @@ class Restoring {
         options_(options),
         program_(program),
         console_(program.console),
-        input_(file),
+        input_(file, &console_),
         messages_(input_.countMessages()) {}
 
   void run() {
@@ -37,6 +39,7 @@ class Restoring {
       run.settle();
       const std::vector<PlaceChange> changes = changesOfRun(editor->library());
       if (dumps_ > 0) run.commit();
+      if (!changes.empty()) program_.noteChange();
       tell(changes);
       tellTally(editor->library().takeChanges(), changes);
     } else if (program_.hasLibrary()) {
@@ -59,7 +62,7 @@ class Restoring {
   // Judges the file by itself, before any library is opened.
   void verify() {
     bool isForUs = false;
-    bool isWhole = input_.reportLosses(console_);
+    bool isWhole = input_.isWhole();
     Complaints complaints(console_);
     const auto complain = [&](const std::string& kind, const std::string& text) {
       isWhole = false;
@@ -74,8 +77,7 @@ class Restoring {
       const Reading reading = readMessage(message.bytes);
       isForUs = isForUs || reading.kind != Reading::Kind::foreign;
       if (isBroken(reading))
-        complain(wordOf(reading.verdict),
-                 fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
+        complain(wordOf(reading.verdict), fmt::format("{}: {}", placeOf(message), describeFault(reading)));
       if (reading.kind != Reading::Kind::request) judge(follower.next(reading, message.number), placeOf(message));
     });
     for (const UnitReport& unit : follower.finish()) judge({unit}, input_.place(unit.firstMessage));
@@ -85,7 +87,7 @@ class Restoring {
   }
 
   void receive(EmbeddedEditor& editor, const char* verb) {
-    Progress progress(console_, verb, "messages", messages_);
+    Progress progress(console_, verb, "message", messages_);
     input_.forEachMessage([&](const InputMessage& message) {
       const Reading reading = readMessage(message.bytes);
       if (reading.kind == Reading::Kind::dump) {
@@ -94,8 +96,7 @@ class Restoring {
         if (record.outcome == Outcome::refused) {
           console_.problem(
               fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
-          if (record.report.refusal == BDA::BulkDumpRefusal::wrongDeviceNumber)
-            console_.problem("--any-device takes messages for other devices too");
+          if (record.report.refusal == BDA::BulkDumpRefusal::wrongDeviceNumber) tellOtherDevices(editor);
           giveUp(record.libraryFailed ? kWrongUsage : kRefused);
         }
       }
@@ -108,6 +109,15 @@ class Restoring {
       console_.note(fmt::format("{} of {} messages are no dumps: ignored", messages_ - dumps_, messages_));
   }
 
+  void tellOtherDevices(EmbeddedEditor& editor) const {
+    OtherDevices others;
+    input_.forEachMessage([&](const InputMessage& message) {
+      const Reading reading = readMessage(message.bytes);
+      if (reading.kind == Reading::Kind::dump && !editor.hears(reading)) others.add(*reading.device);
+    });
+    others.tell(console_);
+  }
+
   static Record handle(EmbeddedEditor& editor, const Reading& reading, const InputMessage& message) {
     try {
       return editor.handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
@@ -116,10 +126,12 @@ class Restoring {
     }
   }
 
-  // What fills an empty place is told with -v.
+  // What fills an empty place, and what becomes a favourite, is told with -v.
   void tell(std::vector<PlaceChange> changes) const {
     if (!options_.json && !console_.isVerbose() && !changes.empty()) {
-      std::erase_if(changes, [](const PlaceChange& change) { return isNumber(change.what) || !change.before; });
+      std::erase_if(changes, [](const PlaceChange& change) {
+        return change.what == What::flagged ? change.after != kNoFavourite : !change.before;
+      });
       if (changes.empty()) return;
     }
     tellChanges(changes, options_, console_);
@@ -133,10 +145,11 @@ class Restoring {
     std::size_t removed = 0;
     std::size_t stored = 0;
     for (const PlaceChange& change : changes)
-      if (received.contains(change.place)) ++(change.what == What::removed ? removed : stored);
+      if (received.contains(change.place) && change.what != What::flagged)
+        ++(change.what == What::removed ? removed : stored);
     const std::size_t same = received.size() - stored - removed;
-    console_.note(fmt::format("restored: {}, {} stored, {} removed{}", counted(dumps_, "message"),
-                              counted(stored, "content"), removed,
+    console_.note(fmt::format("{}: {}, {} stored, {} removed{}", options_.dryRun ? "would be restored" : "restored",
+                              counted(dumps_, "message"), counted(stored, "content"), removed,
                               same == 0 ? "" : fmt::format(", {} as they were", same)));
   }
 
@@ -149,14 +162,18 @@ class Restoring {
     EmbeddedEditor::Run run(copy, Library::Transaction::Access::Write, devices());
     receive(copy, "dry run");
     run.settle();
-    if (options_.json) return tellChanges(changesOfRun(copy.library()), options_, console_);
-    std::uint64_t changes = 0;
+    const std::vector<PlaceChange> changes = changesOfRun(copy.library());
+    if (options_.json) return tellChanges(changes, options_, console_);
+    run.commit();           // to the copy
+    copy.tools().reload();  // what is damaged stays so
+    bool isAnyTold = false;
     compareLibraries(library, copy, Reception::ignored, [&](const Difference& change) {
-      ++changes;
+      if (isDamagedInBoth(change)) return;  // messages do not damage: nothing has come there
+      isAnyTold = true;
       tell(change);
     });
-    console_.note(changes == 0 ? "nothing would change"
-                               : counted(changes, "content or setting", "contents or settings") + " would change");
+    if (!isAnyTold) console_.note("nothing would change");
+    tellTally(copy.library().takeChanges(), changes);
   }
 
   void tell(const Difference& change) {

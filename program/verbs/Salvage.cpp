@@ -5,10 +5,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <functional>
 #include <map>
+#include <numeric>
 #include <utility>
 
+#include "input/FilesInUse.h"
 #include "input/InputStream.h"
+#include "input/Sources.h"
+#include "messages/Text.h"
 #include "midi/Counted.h"
 #include "output/Complaints.h"
 #include "output/LossReport.h"
@@ -21,68 +27,114 @@ namespace Editor {
 
 namespace {
 
+// By its name, or by another name of the same file.
 std::optional<std::size_t> preferredOf(const Words& files, const std::string& preferred) {
   if (preferred.empty()) return std::nullopt;
-  const auto found = std::ranges::find(files, preferred);
+  auto found = std::ranges::find(files, preferred);
+  if (found == files.end())
+    found = std::ranges::find_if(files, [&](const std::string& file) {
+      std::error_code unknown;
+      return std::filesystem::equivalent(file, preferred, unknown);
+    });
   if (found == files.end())
     throw Failure(kWrongUsage, fmt::format("--prefer {}: it is none of the files", displayName(preferred)));
   return std::size_t(found - files.begin());
 }
 
+std::string nameOfOutput(const std::string& file) { return file == "-" ? "standard output" : escape(file); }
+
 class Salvaging {
  public:
   Salvaging(const Words& files, const SalvageOptions& options, Program& program)
-      : files_(files),
-        options_(options),
+      : options_(options),
         program_(program),
         console_(program.console),
-        input_(files),
-        salvage_({options.fixChecksums, options.merge, preferredOf(files, options.preferred)}),
+        sources_(sourcesOf(files)),
+        preferred_(preferredOf(files_, options.preferred)),
+        salvage_({options.fixChecksums, options.merge, preferred_}),
         good_(options.output) {
     if (options.output == "-" || options.requests == "-") console_.keepOutputForBytes();
     if (!options.requests.empty()) requests_.emplace(options.requests);
   }
 
   void run() {
-    const std::vector<std::string> problems = read();
-    const SalvageResult result = salvage_.finish();
+    read();
+    const SalvageResult result = salvage_.finish(Interruptible::check);
     tell(result);
-    if (result.messages.empty()) {
-      console_.problem("nothing is whole: nothing is written");
-      program_.refuse();
-    } else {
-      for (const Piece& message : result.messages) good_.write(message.bytes);
-      good_.commit();
-    }
-    if (requests_) writeRequests(result);
-    program_.failInputs(problems);
+    for (const Piece& message : result.messages) good_.write(message.bytes);
+    if (requests_)
+      for (const std::vector<std::uint8_t>& request : result.requests) requests_->write(request);
+    const bool areRequested = requests_ && !result.requests.empty();
+    Interruptible::check();  // both are written, or none
+    if (!result.messages.empty()) good_.commit();
+    if (areRequested) requests_->commit();
+    tellWritten(result);
+    program_.failInputs(sources_.problems);
   }
 
  private:
-  std::vector<std::string> read() {
+  // Those that may be message files. An output is none of them.
+  Sources sourcesOf(const Words& files) {
+    Sources sources = findSources(files);
+    FilesInUse inUse;
+    for (const Source& source : sources.list) {
+      if (!source.isNamed) inUse.add(source.path, "this is also an input");
+      if (source.isLibrary && !source.isNamed)
+        ++sources.ofOtherKinds;
+      else
+        files_.push_back(source.path);
+    }
+    std::erase_if(sources.list, [](const Source& source) { return source.isLibrary && !source.isNamed; });
+    inUse.addOutput(options_.output, "-o");
+    if (!options_.requests.empty()) inUse.addOutput(options_.requests, "--requests");
+    return sources;
+  }
+
+  void read() {
+    // What is named has to be there and of messages, before anything is read.
+    for (const Source& source : sources_.list)
+      if (source.isNamed && source.size != 0) InputStream({source.path});
+    const auto size = std::transform_reduce(sources_.list.begin(), sources_.list.end(), std::uint64_t{0}, std::plus(),
+                                            [](const Source& source) { return source.size; });
     Complaints complaints(console_);
     LossReport losses(console_);
-    Progress progress(console_, "salvage", "messages", 0, input_.size());
-    std::vector<std::string> problems = input_.read(
+    Progress progress(console_, "salvage", "message", 0, size);
+    for (const Source& source : sources_.list) {
+      try {
+        readFile(source, complaints, losses, progress);
+      } catch (const NotMessages& failure) {
+        passOver(sources_, source, failure);
+      } catch (const Failure& failure) {
+        if (source.isNamed || failure.code() != kUnusableInput) throw;
+        sources_.problems.emplace_back(failure.what());
+      }
+      ++file_;
+    }
+    complaints.finish();
+    losses.finish();
+    if (!hasFile_) throw Failure(kUnusableInput, "no file of messages is in the folders");
+  }
+
+  void readFile(const Source& source, Complaints& complaints, LossReport& losses, Progress& progress) {
+    InputStream input({source.path});
+    hasFile_ = true;
+    const std::uint64_t before = messages_;  // they are numbered through all files
+    const std::vector<std::string> problems = input.read(
         [&](const InputMessage& message) {
+          messages_ = before + message.number;
           const Reading reading = readMessage(message.bytes);
           if (isBroken(reading))
-            complaints.tell(wordOf(reading.verdict),
-                            fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
-          salvage_.add({sourceOf(message.file),
-                        message.number,
-                        message.offset,
-                        {message.bytes.begin(), message.bytes.end()},
-                        std::nullopt});
+            complaints.tell(
+                wordOf(reading.verdict),
+                fmt::format("{}: {}", placeOf({messages_, message.file, message.offset, {}}), describeFault(reading)));
+          salvage_.add({file_, messages_, message.offset, {message.bytes.begin(), message.bytes.end()}, std::nullopt});
           progress.step(message.bytes.size());
         },
         [&](const InputLoss& loss) {
           losses.add(loss);
           add(loss);
         });
-    complaints.finish();
-    losses.finish();
-    return problems;
+    sources_.problems.insert(sources_.problems.end(), problems.begin(), problems.end());
   }
 
   void add(const InputLoss& loss) {
@@ -90,21 +142,11 @@ class Salvaging {
       case InputLoss::Kind::realTime:
         return;
       case InputLoss::Kind::cutShort:
-        return salvage_.addFragment(sourceOf(loss.file), loss.beginning);
+        return salvage_.addFragment(file_, loss.beginning);
       case InputLoss::Kind::loose:
       case InputLoss::Kind::brokenFile:
-        return salvage_.addLoose(sourceOf(loss.file));
+        return salvage_.addLoose(file_);
     }
-  }
-
-  // The files come in their order, and one can be named twice.
-  std::size_t sourceOf(const std::string& file) {
-    if (&file != lastFile_) {
-      if (lastFile_ != nullptr) ++source_;
-      while (files_[source_] != file) ++source_;
-      lastFile_ = &file;
-    }
-    return source_;
   }
 
   std::string placeIn(const Piece& piece) const {
@@ -121,14 +163,23 @@ class Salvaging {
     tellLeftOut(result);
     for (const ContentId content : result.twice)
       console_.note(fmt::format("{}: kept as a file dump and as a unit, which is stored last", nameOf(content)));
-    if (result.isTriggerAdded) console_.note("no file has the write trigger behind its file dumps: one is added");
+    for (const AddedTrigger& added : result.addedTriggers)
+      console_.note(fmt::format("device {}: {}: one is added", added.device,
+                                added.isInsteadOfAnother
+                                    ? "no file has a write trigger behind its file dumps that removes nothing"
+                                    : "no file has the write trigger behind its file dumps"));
+    for (const Piece& message : result.messages)
+      if (readMessage(message.bytes).role == Role::trigger) tellCorrection(message);
     if (result.unknown > 0)
       console_.problem(
           fmt::format("{}: nothing says what is lost with that", counted(result.unknown, "broken message")));
     if (counts[Salvaged::State::lost] + result.unknown > 0) program_.refuse();
-    console_.note(fmt::format("{} whole, {} completed, {} lost; {} kept", counts[Salvaged::State::whole],
-                              counts[Salvaged::State::completed], counts[Salvaged::State::lost],
-                              counted(result.messages.size(), "message")));
+    std::string summary = fmt::format("{} whole, {} completed, {} lost; {} kept", counts[Salvaged::State::whole],
+                                      counts[Salvaged::State::completed], counts[Salvaged::State::lost],
+                                      counted(result.messages.size(), "message"));
+    if (sources_.ofOtherKinds != 0)
+      summary += "; passed over: " + counted(sources_.ofOtherKinds, "file of another kind", "files of other kinds");
+    console_.note(summary);
   }
 
   // What its user has to know of a unit that is kept.
@@ -141,11 +192,17 @@ class Salvaging {
                                    unit.contradicts.empty()
                                        ? "nothing says that it is one sound"
                                        : "captures differ in " + describeBlocks(unit.contradicts)));
-    for (const Piece& piece : unit.messages)
-      if (piece.wrongChecksum)
-        console_.problem(fmt::format("{}: {}: checksum {:02X} corrected to {:02X}", placeIn(piece),
-                                     describeContent(readMessage(piece.bytes)), *piece.wrongChecksum,
-                                     piece.bytes[piece.bytes.size() - 2]));
+    for (const Piece& piece : unit.messages) tellCorrection(piece);
+    if (!unit.notTaken.empty())
+      console_.problem(fmt::format("{}: {} has it otherwise, but not whole, and that is not taken: {}", name,
+                                   displayName(files_[*preferred_]), describeBlocks(unit.notTaken)));
+  }
+
+  void tellCorrection(const Piece& piece) {
+    if (!piece.wrongChecksum) return;
+    console_.problem(fmt::format("{}: {}: checksum {:02X} corrected to {:02X}", placeIn(piece),
+                                 describeContent(readMessage(piece.bytes)), *piece.wrongChecksum,
+                                 piece.bytes[piece.bytes.size() - 2]));
   }
 
   void tellLeftOut(const SalvageResult& result) {
@@ -158,13 +215,36 @@ class Salvaging {
       console_.note(fmt::format("{} left out: {}", counted(count, "message"), why));
   }
 
-  void writeRequests(const SalvageResult& result) {
+  void tellWritten(const SalvageResult& result) {
+    const std::string requests =
+        result.requests.empty()
+            ? ""
+            : fmt::format("{} in {}", counted(result.requests.size(), "request"), nameOfOutput(options_.requests));
+    const bool areRequested = requests_ && !result.requests.empty();
+    if (result.messages.empty()) {
+      console_.problem(fmt::format("nothing is whole: {} is not written{}", nameOfOutput(options_.output),
+                                   areRequested ? "; " + requests : ""));
+      program_.refuse();
+    } else if (areRequested) {
+      console_.note(requests);
+    }
+    if (requests_) tellRequests(result);
+  }
+
+  void tellRequests(const SalvageResult& result) {
     const std::size_t unfetchable = tellUnfetchable(result);
     if (result.requests.empty())
-      return console_.note(unfetchable == 0 ? "nothing has to be requested: no requests are written"
-                                            : "no requests are written");
-    for (const std::vector<std::uint8_t>& request : result.requests) requests_->write(request);
-    requests_->commit();
+      console_.note(unfetchable == 0 ? "nothing has to be requested: no requests are written"
+                                     : "no requests are written");
+    const auto isLostFileDump = [](const Salvaged& unit) {
+      const std::optional<BlockFacts> block = findBlock(unit.address);
+      return unit.state == Salvaged::State::lost && unit.device && block && block->role == Role::fileDump;
+    };
+    if (std::ranges::none_of(result.units, isLostFileDump)) return;
+    console_.note(
+        fmt::format("file dumps are answered without the trigger that has them written: "
+                    "bda salvage {}ANSWERS -o FILE adds it",
+                    result.messages.empty() ? "" : nameOfOutput(options_.output) + " "));
   }
 
   // Returns how much is lost that no request fetches.
@@ -178,17 +258,19 @@ class Salvaging {
     return lost.size();
   }
 
-  const Words& files_;
   const SalvageOptions& options_;
   Program& program_;
   Console& console_;
   const Interruptible interruptible_;  // or what is written beside the outputs would stay
-  InputStream input_;
+  Words files_;                        // the sources by their names
+  Sources sources_;
+  const std::optional<std::size_t> preferred_;
   Salvage salvage_;
   OutputFile good_;
   std::optional<OutputFile> requests_;
-  const std::string* lastFile_ = nullptr;
-  std::size_t source_ = 0;
+  std::size_t file_ = 0;  // which of them is read
+  bool hasFile_ = false;
+  std::uint64_t messages_ = 0;
 };
 
 }  // namespace

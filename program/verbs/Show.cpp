@@ -83,15 +83,18 @@ void showAll(const Places<Target>& places, const Form& form, EmbeddedEditor& edi
   std::size_t leftOut = 0;
   for (const Target& target : places.list) {
     const bool isContent = target.kind == Target::Kind::content;
-    if (!places.isOne && isContent && !editor.library().contentName(target.content)) {
-      ++leftOut;
-      continue;
-    }
     try {
+      if (!places.isOne && isContent && !editor.library().contentName(target.content)) {
+        ++leftOut;
+        continue;
+      }
       print(loadTarget(editor, target), target.name, form, program.console);
     } catch (const TargetError& error) {
       program.console.problem(fmt::format("bda: {}", error.what()));
       program.refuse();
+    } catch (const LibraryError& error) {
+      if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
+      program.leaveOutDamaged(target.name);
     }
   }
   if (leftOut == 0) return;
@@ -126,7 +129,7 @@ void show(const Words& words, const ShowOptions& options, Program& program) {
   const Form form{options.json, program.parameterNames()};
   const bool isOfFile = !options.from.empty();
   const std::unique_ptr<EmbeddedEditor> editor =
-      isOfFile ? editorOf(InputFile(options.from), "show", program) : program.openToRead();
+      isOfFile ? editorOf(InputFile(options.from, &program.console), "show", program) : program.openToRead();
   const EmbeddedEditor::View oneState(*editor);
   if (isOfFile) keepWhatIsStored(asked, *editor, displayName(options.from));
   if (asked.size() == 1 && asked.front().isOne) {

@@ -31,8 +31,7 @@ void verify(const Words& files, bool json, Program& program) {
     ++messages;
     if (isBroken(reading)) {
       ++brokenMessages;
-      complaints.tell(wordOf(reading.verdict),
-                      fmt::format("{}: {}: {}", placeOf(message), wordOf(reading.verdict), reading.note));
+      complaints.tell(wordOf(reading.verdict), fmt::format("{}: {}", placeOf(message), describeFault(reading)));
     }
     tellUnits(follower.next(reading, message.number));
   };

@@ -135,7 +135,8 @@ TEST_F(Arrange, aFlagThatFindsNoPlaceIsDroppedAndThatIsTold) {
   ASSERT_THAT(bda({"favourite", "voice:user1:1", "on"}), Exits(0));
   const Result run = bda({"copy", "voice:user1:1", "voice:mix:1"});
   EXPECT_THAT(run, Exits(0));
-  EXPECT_THAT(run.err, HasSubstr("voice:mix:1 cannot be a favourite: the flag of voice:user1:1 is dropped\n"));
+  EXPECT_THAT(run.err, HasSubstr("voice:mix:1 cannot be a favourite: it gets no flag\n"));
+  EXPECT_THAT(bda({"copy", "voice:user1:1", "voice:mix:1"}).err, "nothing changes\n");
 }
 
 // ---- What they refuse ----

@@ -252,6 +252,32 @@ TEST_F(Backup, whatARestoreReplacedOrRemovedIsTold) {
             "restored: 35 messages, 0 contents stored, 0 removed, 2 as they were\n");
 }
 
+TEST_F(Backup, aFavouriteIsNoContentMoreAndOneThatIsLostIsTold) {
+  library().store(kUserVoice6, Bytes{1}, "Mine");
+  ASSERT_THAT(bda({"backup", "-q", "-o", "none.syx"}), Exits(0));
+  ASSERT_THAT(bda({"favourite", "voice:user1:6", "on"}), Exits(0));
+  ASSERT_THAT(bda({"backup", "-q", "-o", "one.syx"}), Exits(0));
+  const auto last = [&](const char* file, const char* library) {
+    return lines(bda({"restore", file, "--library", library}).err).back();
+  };
+  EXPECT_THAT(last("one.syx", "new.db"), testing::EndsWith(" messages, 1 content stored, 0 removed"));
+  const Result lost = bda({"restore", "none.syx", "--library", "new.db"});
+  EXPECT_THAT(lost.err, HasSubstr("flagged: voice:user1:6: no favourite\n"));
+  EXPECT_THAT(lost.err, HasSubstr(" messages, 0 contents stored, 0 removed, 1 as they were\n"));
+  EXPECT_THAT(last("one.syx", "new.db"), testing::EndsWith("0 contents stored, 0 removed, 1 as they were"));
+}
+
+TEST_F(Backup, otherDevicesAreCountedWithTheWayToTakeThem) {
+  write("a.syx", {dump({0, 6, 0}, Bytes(5), 0), dump({0, 6, 0}, Bytes(5), 5), dump({0, 6, 0}, Bytes(5), 6),
+                  dump({0, 6, 0}, Bytes(5), 5)});
+  const Result run = bda({"restore", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("a.syx: message 2 at offset "));
+  EXPECT_THAT(run.err, HasSubstr("2 messages for device 6: take it with --any-device, or listen to it from now on: "
+                                 "bda settings device-number 6\n1 message for device 7: "));
+  EXPECT_THAT(run.err, Not(HasSubstr("for device 1:")));
+}
+
 TEST_F(Backup, requestsAndOtherInstrumentsMessagesAreIgnored) {
   Bytes foreign = request({0, 0, 0});
   foreign[1] = 0x41;
@@ -307,7 +333,7 @@ TEST_F(Backup, aVerboseDryRunIsOneStreamInOrder) {
             "would change: system (2 differences)\n"
             "    system.remote[0]: 0 | 1\n"
             "    system.remote[1]: 0 | 1\n");
-  EXPECT_THAT(lines(run.err), ElementsAre("3 contents or settings would change"));
+  EXPECT_THAT(lines(run.err), ElementsAre("would be restored: 4 messages, 2 contents stored, 0 removed"));
 }
 
 TEST_F(Backup, aManifestNamesEveryContentWithTheHashThatContentsGives) {

@@ -82,6 +82,9 @@ class Shell {
     ::waitpid(child_, nullptr, 0);
   }
 
+  // All that it drew since the line before.
+  const std::string& drawn() const { return drawn_; }
+
   // What stands in the line after that, a tabulator and then control T; the line is emptied again.
   std::string complete(const std::string& keys) {
     type(keys + "\t\x14");
@@ -90,13 +93,18 @@ class Shell {
 
  private:
   void type(const std::string& keys) { EXPECT_EQ(::write(terminal_, keys.data(), keys.size()), ssize_t(keys.size())); }
-  // Until the shell has said something; what it draws meanwhile is read away.
+  // Until the shell has said something; what it draws meanwhile is kept.
   std::string wait() {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    drawn_.clear();
     while (std::chrono::steady_clock::now() < end) {
       pollfd ready{terminal_, POLLIN, 0};
       char drawn[4096];
-      if (::poll(&ready, 1, 20) > 0 && ::read(terminal_, drawn, sizeof drawn) <= 0) break;
+      if (::poll(&ready, 1, 20) > 0) {
+        const ssize_t count = ::read(terminal_, drawn, sizeof drawn);
+        if (count <= 0) break;
+        drawn_.append(drawn, std::size_t(count));
+      }
       std::ifstream stream(said_);
       std::string text;
       if (!std::getline(stream, text, '\n') || stream.eof()) continue;
@@ -108,6 +116,7 @@ class Shell {
   }
 
   const std::filesystem::path said_;
+  std::string drawn_;
   int terminal_ = -1;
   pid_t child_ = -1;
 };
@@ -130,6 +139,7 @@ void completesOnTheTerminal(Shell& shell) {
   EXPECT_EQ(shell.complete("bda copy --from-library 'old lib.db' master:ed"),
             "bda copy --from-library 'old lib.db' master:edit ");
   EXPECT_EQ(shell.complete("bda dance x"), "bda dance x");
+  EXPECT_EQ(shell.complete("bda receive --trace=a=one"), "bda receive --trace=a=one.syx ");
 }
 
 }  // namespace
@@ -143,7 +153,7 @@ TEST_F(Completion, offersEveryVerbWithWhatItDoes) {
       if (line.rfind("  " + verb + " ", 0) == 0) told += line.find(one.substr(verb.size() + 1)) != std::string::npos;
     }
   EXPECT_EQ(told, offered.size());
-  EXPECT_THAT(completed({"fav"}), ElementsAre("favourite\tMake a voice a favourite, or no longer"));
+  EXPECT_THAT(completed({"fav"}), ElementsAre("favourite\tMake voices favourites, or no longer"));
   EXPECT_THAT(completed({"help", "swa"}), ElementsAre(StartsWith("swap\t")));
   EXPECT_THAT(completed({"-q", "swa"}), ElementsAre(StartsWith("swap\t")));
   EXPECT_THAT(completed({"dance", ""}), IsEmpty());
@@ -188,7 +198,9 @@ TEST_F(Completion, offersAddressesPartByPartWithTheNamesOfWhatTheLibraryHolds) {
   EXPECT_THAT(completed({"copy", "0E", "0A", "05", "master:ed"}), ElementsAre(StartsWith("master:edit\t")));
   EXPECT_THAT(completed({"remove", "scr"}), IsEmpty());
   EXPECT_THAT(completed({"request", "scr"}), ElementsAre(StartsWith("screen\t")));
-  EXPECT_THAT(completed({"favourite", "voice:user1:6", ""}), ElementsAre("on\t", "off\t"));
+  EXPECT_THAT(completed({"favourite", "o"}), IsEmpty());
+  EXPECT_THAT(completed({"favourite", "voice:user1:6", "o"}), ElementsAre("on\t", "off\t"));
+  EXPECT_THAT(completed({"favourite", "voice:user1:6", "master:ed"}), ElementsAre(StartsWith("master:edit\t")));
   EXPECT_THAT(completed({"rename", "voice:user1:6", ""}), IsEmpty());
   EXPECT_THAT(completed({"apply", "system", ""}), ElementsAre(":files"));
 }
@@ -233,6 +245,7 @@ TEST_F(Completion, bashCompletesOnTheTerminal) {
   ASSERT_TRUE(isHere("bash")) << "bash is not installed";
   storeVoice();
   write("dump.syx", "");
+  write("a=one.syx", "");
   Shell shell({"bash", "--norc", "--noprofile", "-i"}, directory, libraryFile(),
               "bind 'set bell-style none'\nset +o history\n"
               ". '" +
@@ -241,12 +254,26 @@ TEST_F(Completion, bashCompletesOnTheTerminal) {
                   "_say() { printf '%s\\n' \"$READLINE_LINE\" >said; READLINE_LINE= READLINE_POINT=0; }\n"
                   "bind -x '\"\\C-t\": _say'\necho ready >said\n");
   completesOnTheTerminal(shell);
+  write("b:one.syx", "");
+  std::filesystem::create_directory(directory / "c:two");
+  write("one.syx", "");
+  write("xdump", "");
+  // Files by their whole names, not by what stands behind a mark.
+  EXPECT_EQ(shell.complete("bda receive x:dum"), "bda receive x:dum");
+  EXPECT_EQ(shell.complete("bda receive x=dum"), "bda receive x=dum");
+  EXPECT_EQ(shell.complete("bda receive b:on"), "bda receive b:one.syx ");
+  EXPECT_EQ(shell.complete("bda receive b:"), "bda receive b:one.syx ");
+  EXPECT_EQ(shell.complete("bda receive b\\:on"), "bda receive b\\:one.syx ");
+  EXPECT_EQ(shell.complete("bda receive --trace=b:on"), "bda receive --trace=b:one.syx ");
+  EXPECT_EQ(shell.complete("bda receive 'b:on"), "bda receive 'b:one.syx' ");
+  EXPECT_EQ(shell.complete("bda receive c:tw"), "bda receive c:two/");
 }
 
 TEST_F(Completion, zshCompletesOnTheTerminal) {
   ASSERT_TRUE(isHere("zsh")) << "zsh is not installed";
   storeVoice();
   write("dump.syx", "");
+  write("a=one.syx", "");
   Shell shell({"zsh", "-f", "-i"}, directory, libraryFile(),
               "fpath=('" + kScripts +
                   "' $fpath)\nautoload -Uz compinit\ncompinit -D -u\n"
@@ -254,4 +281,7 @@ TEST_F(Completion, zshCompletesOnTheTerminal) {
                   "_say() { print -r -- \"$BUFFER\" >said; BUFFER=; }\n"
                   "zle -N _say\nbindkey '^T' _say\nbindkey '^I' expand-or-complete\necho ready >said\n");
   completesOnTheTerminal(shell);
+  Editor::Library(libraryFile()).store(kUserVoice6, Bytes{1, 2, 3}, "A\\B:C");
+  shell.complete("bda show voice:user1:6");
+  EXPECT_THAT(shell.drawn(), HasSubstr("A\\B:C"));
 }

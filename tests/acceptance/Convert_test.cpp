@@ -419,3 +419,71 @@ TEST_F(Convert, jsonTellsWhatWasWrittenUnitByUnit) {
   EXPECT_EQ(Json::parse(lines(split.out)[1])["file"], "dir/voice-user1-007-removes.syx");
   EXPECT_EQ(Json::parse(lines(split.out)[2])["messages"], 1);
 }
+
+TEST_F(Convert, noUnitIsTornApartByAnother) {
+  const std::string outer = text(voice({0x0E, 0x0A, 0x05}));
+  const std::size_t middle = outer.find('\xF7', 100) + 1;
+  write("a.syx", {voice({0x0E, 0x0A, 0x06})});
+  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
+  ASSERT_THAT(bda({"request", "file:voice:user1:7", "-o", "inner.syx"}), Exits(0));
+  write("torn.syx", outer.substr(0, middle) + read("inner.syx") + outer.substr(middle) + text(kTrigger));
+  write("begin.syx", outer.substr(0, middle));
+  Json object = json({"show", "voice:user1:7", "--json"});
+  object["target"] = "voice:user1:7";
+  write("inner.json", object.dump());
+  write("end.syx", outer.substr(middle));
+  EXPECT_THAT(bda({"convert", "torn.syx", "--place", "voice:part:1..2", "-o", "b.syx"}), Exits(0));
+  EXPECT_THAT(units("b.syx"), ElementsAre("voice:part:1 complete", "voice:part:2 complete"));
+  EXPECT_THAT(bda({"convert", "begin.syx", "inner.json", "end.syx", "-o", "b.syx"}), Exits(0));
+  EXPECT_THAT(units("b.syx"), ElementsAre("voice:user1:6 complete", "voice:user1:7 complete"));
+}
+
+TEST_F(Convert, brokenBlocksAndTriggersAreToldWhereUnitsCount) {
+  const Bytes block = blockDump({0x00, 0x40, 0x00});
+  const Bytes whole = voice({0x0E, 0x0A, 0x05});
+  write("a.syx", {whole, damaged(block), damaged(kTrigger)});
+  const std::string told = "system:audio-input: broken (message 27): checksum wrong";
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"--split", "dir"},
+                                                {"-o", "b.syx", "--place", "voice:user2:1"},
+                                                {"-o", "c.syx", "--select", "voice:user1:6", "system:audio-input"}}) {
+    std::vector<std::string> all = words;
+    all.insert(all.begin(), {"convert", "a.syx"});
+    const Result run = bda(all);
+    EXPECT_THAT(run, Exits(3)) << testing::PrintToString(words);
+    EXPECT_THAT(run.err, HasSubstr(told));
+    EXPECT_THAT(run.err, Not(HasSubstr("there is none")));
+  }
+  EXPECT_EQ(read("dir/other.syx"), text(damaged(block)) + text(damaged(kTrigger)));
+  EXPECT_EQ(read("b.syx"), text(voice({0x0E, 0x0B, 0x00})) + read("dir/other.syx"));
+  EXPECT_EQ(read("c.syx"), text(whole));
+  EXPECT_THAT(bda({"convert", "a.syx", "-o", "b.syx"}), Exits(0));
+  EXPECT_EQ(read("b.syx"), read("a.syx"));
+}
+
+TEST_F(Convert, aCaptureThatBeginsLikeJsonIsOneAllTheSame) {
+  write("a.syx", "{\"" + text(voice({0x0E, 0x0A, 0x05})));
+  EXPECT_THAT(bda({"convert", "a.syx", "-o", "b.syx"}), Exits(0));
+  EXPECT_EQ(read("b.syx"), text(voice({0x0E, 0x0A, 0x05})));
+}
+
+TEST_F(Convert, jsonMayBeginWithAMarkAndHoldAnyCharacter) {
+  write("a.syx", {voice({0x0E, 0x0A, 0x05}), voice({0x0E, 0x0A, 0x06})});
+  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
+  write("a.json", "\xEF\xBB\xBF" + bda({"show", "voice:user1:6..7", "--json"}).out);
+  EXPECT_THAT(bda({"convert", "a.json", "-o", "b.syx"}), Exits(0));
+  EXPECT_THAT(units("b.syx"), SizeIs(2));
+  Json object = json({"show", "voice:user1:6", "--json"});
+  object["target"] = "voice:\xF0\x9F\x8E\xB9";
+  write("a.json", "\n" + object.dump());
+  EXPECT_THAT(bda({"convert", "a.json", "-o", "b.syx"}).err, HasSubstr("target: "));
+}
+
+TEST_F(Convert, whatIsNotPlacedComesFromNowhere) {
+  write("a.syx", {voice({0x0E, 0x0A, 0x05})});
+  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
+  write("a.json", bda({"show", "voice:user1:6..7", "--json"}).out);
+  write("a.json", lines(read("a.json")).front());
+  const Result run = bda({"convert", "a.json", "-o", "b.syx"});
+  EXPECT_THAT(run.err, Not(HasSubstr("->")));
+  EXPECT_FALSE(objects({"convert", "a.json", "-o", "b.syx", "--json"}).at(0).contains("from"));
+}

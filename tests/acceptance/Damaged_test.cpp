@@ -162,3 +162,12 @@ TEST_F(Damaged, aContentIsComparedWithNothingAndKeepsNoArrangementOfOthers) {
   ok({"copy", "voice:user1:7", "voice:user1:6"});
   EXPECT_EQ(damagedPlaces(), "");
 }
+
+TEST_F(Damaged, aDryRunOfARestoreSaysNothingOfWhatItLeavesAsItIs) {
+  fill("system");
+  Editor::PlainDatabase{libraryFile()}("UPDATE content SET bytes = x'0102'");
+  const Result run = bda({"restore", "--dry-run", "edit.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.out, IsEmpty());
+  EXPECT_THAT(run.err, HasSubstr("nothing would change"));
+}

@@ -157,6 +157,7 @@ TEST_F(EditTold, aTableRenamesAllOrNothing) {
              {"voice:usr1:6 Name", 2, "names.txt: line 2: "},
              {"system Name", 2, "names.txt: line 2: system has no name"},
              {"voice:user1:6 Twice", 2, "names.txt: line 2: voice:user1:6 occurs twice"},
+             {"master:edit \"Grand\"", 2, "names.txt: line 2: a name stands here without quotes"},
              {"master:edit", 2, "names.txt: line 2: expected a name behind master:edit"}};
   for (const auto& [line, code, why] : bad) {
     write("names.txt", std::string("voice:user1:6 New\n") + line + "\n");

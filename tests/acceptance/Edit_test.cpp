@@ -109,6 +109,46 @@ TEST_F(Edit, aPlaceWithoutContentIsNoFavouriteButCanLoseItsFlag) {
   EXPECT_EQ(library().favourite(kUserVoice6), 0);
 }
 
+TEST_F(Edit, favouriteTakesListsBanksAndRangesAsOneChange) {
+  for (const std::uint32_t number : {0U, 2U, 5U}) library().store({4, 0x3F0800 + number}, Bytes{1}, "Voice");
+  library().setFavourite({4, 0x3F0803}, 1);  // of an empty place
+  ASSERT_THAT(bda({"favourite", "voice:user1:1", "on"}), Exits(0));
+  const std::vector<Json> told{change("voice:user1:3", "flagged", 0, 1), change("voice:user1:6", "flagged", 0, 1)};
+  EXPECT_EQ(objects({"favourite", "voice:user1:1..4", "voice:user1:6", "on", "--json", "--dry-run"}), told);
+  EXPECT_EQ(library().favourite({4, 0x3F0802}), 0);
+  EXPECT_EQ(objects({"favourite", "voice:user1:1..4", "voice:user1:6", "on", "--json"}), told);
+  EXPECT_EQ(json({"history", "--json", "-n", "1"})["changes"], Json(told));
+  const Result off = bda({"favourite", "voice:user1", "off"});
+  EXPECT_THAT(off, Exits(0));
+  EXPECT_THAT(off.err, HasSubstr("voice:user1: 124 places hold nothing\n"));
+  EXPECT_TRUE(library().favourites().empty());
+  EXPECT_THAT(bda({"undo"}), Exits(0));
+  EXPECT_EQ(library().favourites().size(), 4u);
+}
+
+TEST_F(Edit, favouriteTakesAllThatAreNamedOrNone) {
+  storeVoice();
+  const Result empty = bda({"favourite", "voice:user1:6", "voice:user2:1..3", "on"});
+  EXPECT_THAT(empty, Exits(3));
+  EXPECT_THAT(empty.err, HasSubstr("voice:user2:1..3: nothing is stored there"));
+  EXPECT_THAT(bda({"favourite", "voice:user1:6", "master", "on"}), Exits(3));
+  EXPECT_EQ(library().favourite(kUserVoice6), 0);
+  EXPECT_THAT(bda({"favourite", "on"}), Exits(1));
+}
+
+TEST_F(Edit, whereOnePlaceIsTakenABankOrARangeIsNone) {
+  storeVoice();
+  write("a.json", "{}");
+  for (const char* several : {"voice:user1", "voice:user1:1..6", "voice:user1:1-6"})
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"rename", several, "Name"},
+                                                  {"apply", several, "a.json"},
+                                                  {"find", "--like", several}}) {
+      const Result run = bda(words);
+      EXPECT_THAT(run, Exits(1));
+      EXPECT_THAT(run.err, HasSubstr("expected one place, not a bank or a range")) << words.front();
+    }
+}
+
 TEST_F(Edit, whatNoBlockOfFavouritesHoldsIsRefused) {
   library().store(kMulti1, Bytes{1}, "Multi");
   const Result run = bda({"favourite", "file:multi:1", "on"});

@@ -235,6 +235,64 @@ TEST_F(Explain, systemIsAllOfItsBlocks) {
   EXPECT_EQ(objects({"explain", "system:common", "system.tune[0]", "--json"}), tune);
 }
 
+TEST_F(Explain, whatAnotherBlockOfTheSystemCarriesIsSaidToBeThere) {
+  const Result other = bda({"explain", "system:common", "system.masterEq[0]"});
+  EXPECT_THAT(other, Exits(3));
+  EXPECT_THAT(other.err, HasSubstr("system:common: it does not carry system.masterEq[0]: see system:master-eq\n"));
+  EXPECT_THAT(bda({"explain", "system:master-eq", "system.masterEq[0]"}), Exits(0));
+  EXPECT_THAT(bda({"explain", "system", "system.utility[50]"}).err,
+              HasSubstr("system: no block carries system.utility[50]\n"));
+}
+
+TEST_F(Explain, aFileDumpIsSaidToHaveNoBytesOfASingleParameter) {
+  const Result voice = bda({"explain", "file:voice:user1:6", "voice.common[3]"});
+  EXPECT_THAT(voice, Exits(3));
+  EXPECT_THAT(voice.err, HasSubstr("in a file dump no parameter has bytes of its own: see voice:user1:6\n"));
+  EXPECT_THAT(bda({"explain", "file:multi:1", "multi.common[3]"}).err, HasSubstr("has bytes of its own\n"));
+}
+
+TEST_F(Explain, onlyWhatThePlaceHasIsAskedAbout) {
+  write("names", "parameter master.common[0] name\nparameter voice.common[3] One\nparameter voice.common[4] One\n");
+  for (const char* word : {"name", "On"}) {
+    const Result run = bda({"explain", "voice:user1:6", word, "--names", "names"});
+    EXPECT_THAT(run, Exits(1));
+    EXPECT_THAT(run.err, testing::AllOf(HasSubstr("it has no parameter"), testing::Not(HasSubstr("did you mean"))));
+  }
+}
+
+TEST_F(Explain, theOffsetIsToldAsItWasGiven) {
+  write("a.syx", {request(kHeader)});
+  EXPECT_THAT(bda({"explain", "a.syx", "99999999999999999999999"}).err,
+              HasSubstr("offset 99999999999999999999999 lies behind the end: it has 9 bytes"));
+  EXPECT_THAT(bda({"explain", "a.syx", "0x9"}).err, HasSubstr("offset 0x9 lies behind the end"));
+}
+
+TEST_F(Explain, whatIsTooLargeToBeReadWholeIsRefused) {
+  write("a.syx", {request(kHeader)});
+  std::filesystem::resize_file(directory / "a.syx", 64'000'001);
+  for (const char* file : {"a.syx", "/dev/zero"}) {
+    const Result run = bda({"explain", file, "0"});
+    EXPECT_THAT(run, Exits(2)) << file;
+    EXPECT_THAT(run.err, HasSubstr("larger than 64 MB")) << file;
+    EXPECT_THAT(bda({"apply", "voice:user1:6", file}), Exits(2)) << file;
+    EXPECT_THAT(bda({"request", "names:waveforms:1", "--names", file}), Exits(2)) << file;
+    EXPECT_THAT(bda({"rename", "--from", file}), Exits(2)) << file;
+  }
+}
+
+TEST_F(Explain, aPathThatCannotBeFollowedIsAnInputThatCannotBeUsed) {
+  std::filesystem::create_symlink("loop", directory / "loop");
+  write("a.syx", {request(kHeader)});
+  for (const std::string& path : {std::string("loop"), std::string(300, 'x'), std::string("a.syx/b")}) {
+    EXPECT_THAT(bda({"explain", path}), Exits(2)) << path;
+    EXPECT_THAT(bda({"explain", path, "0"}), Exits(2)) << path;
+    EXPECT_THAT(bda({"diff", path, "a.syx"}), Exits(2)) << path;
+    EXPECT_THAT(bda({"diff", "a.syx", path}), Exits(2)) << path;
+  }
+  for (const std::string& path : {std::string("loop"), std::string(300, 'x')})
+    EXPECT_THAT(bda({"explain", path, "voice.common[3]"}), Exits(2)) << path;
+}
+
 TEST_F(Explain, whatNoBlockCarriesOrNothingHoldsIsRefused) {
   EXPECT_THAT(bda({"explain", "system", "system.utility[50]"}), Exits(3));
   EXPECT_THAT(bda({"explain", "voice:user1:6", "voice.common[3]"}), Exits(3));

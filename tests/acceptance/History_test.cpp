@@ -69,6 +69,17 @@ TEST_F(History, hasAnEntryForEachRunThatChangedSomethingTheNewestFirst) {
   EXPECT_THAT(bda({"history", "-n", "0"}), Exits(1));
 }
 
+TEST_F(History, tellsPartsByTheirNumbers) {
+  store(0x41);
+  write("names", "voice:part:11 Eleventh\nvoice:part:2 Second\nvoice:part:1 First\n");
+  ok({"rename", "--from", "names"});
+  std::vector<std::string> renamed;
+  const Json newest = history()[0];
+  for (const Json& change : newest["changes"])
+    if (change["what"] == "renamed") renamed.push_back(change["content"]);
+  EXPECT_THAT(renamed, ElementsAre("voice:part:1", "voice:part:2", "voice:part:11"));
+}
+
 TEST_F(History, ofADefaultLibraryThatDoesNotExistIsEmpty) {
   EXPECT_THAT(bdaWithout("BDA_LIBRARY", {"history"}), Exits(0));
   EXPECT_THAT(bda({"history", "--library", "none.db"}), Exits(2));
@@ -165,6 +176,64 @@ TEST_F(History, aConflictNamesThePlaceAndChangesNothingWithoutForce) {
     EXPECT_THAT(undo, Exits(1)) << entry;
     EXPECT_THAT(undo.err, HasSubstr("expected a number from 1 to 9223372036854775807")) << entry;
   }
+}
+
+// One that counts as undone because of its newest undo is not put back over it.
+TEST_F(History, whatIsUndoneCannotBeUndoneOnceMore) {
+  store(0x41);
+  store(0x42);
+  for (const char* entry : {"2", "3", "2"}) ok({"undo", entry});
+  EXPECT_EQ(history()[1]["undoneBy"], nullptr) << "entry 4, the undo of 3";
+  const std::string before = backup();
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"undo", "3"},
+                                                {"undo", "3", "--force"},
+                                                {"undo", "2"},
+                                                {"undo", "2", "--force"},
+                                                {"undo", "2", "--force", "--dry-run"}}) {
+    const Result run = bda(words);
+    EXPECT_THAT(run, Exits(3)) << testing::PrintToString(words);
+    EXPECT_THAT(run.err,
+                HasSubstr(words[1] == "3" ? "entry 3 is already undone, by 4" : "entry 2 is already undone, by 5"));
+    EXPECT_THAT(history(), SizeIs(5));
+  }
+  EXPECT_EQ(backup(), before);
+  ok({"undo"});
+  EXPECT_EQ(history()[0]["undoes"], 1);
+}
+
+TEST_F(History, allPlacesOfAConflictAreToldWithV) {
+  std::string names[2];
+  for (int i = 1; i <= 25; ++i) {
+    write("voice.syx", {unit({0x0E, 0x0A, std::uint8_t(i)}, BDA::List::normalVoice, 0x41)});
+    ok({"receive", "-q", "voice.syx"});
+    for (int round = 0; round < 2; ++round)
+      names[round] += "voice:user1:" + std::to_string(i + 1) + (round == 0 ? " One\n" : " Two\n");
+  }
+  for (const std::string& table : names) {
+    write("names", table);
+    ok({"rename", "-q", "--from", "names"});
+  }
+  const auto conflicts = [&](const std::vector<std::string>& words) {
+    std::size_t count = 0;
+    for (const std::string& line : lines(bda(words).err)) count += line.find("voice:user1:") == 0;
+    return count;
+  };
+  EXPECT_EQ(conflicts({"undo", "26"}), 20U);
+  EXPECT_THAT(bda({"undo", "26"}).err, AllOf(HasSubstr("and 5 more"), HasSubstr("all with -v")));
+  EXPECT_EQ(conflicts({"undo", "26", "-v"}), 25U);
+  for (const char* verb : {"copy", "move", "swap", "undo", "remove", "rename"})
+    EXPECT_THAT(bda({"help", verb}).out, HasSubstr("--verbose")) << verb;
+}
+
+TEST_F(History, anUndoThatIsImpossibleNamesTheWayOn) {
+  store(0x41);
+  write("other.syx", {unit({0x0E, 0x0A, 0x06}, BDA::List::normalVoice, 1)});
+  ok({"receive", "-q", "other.syx"});
+  damage("UPDATE content SET checksum = checksum + 1 WHERE number = 0x3F0806");
+  ok({"remove", "voice:user1:7"});
+  const Result stuck = bda({"undo"});
+  EXPECT_THAT(stuck, Exits(3));
+  EXPECT_THAT(stuck.err, HasSubstr("entry 3 is not undone, nothing is changed: bda undo 2 takes back the next one"));
 }
 
 // ---- check, and what is damaged -------------------------------------------------------------------------------------

@@ -383,6 +383,17 @@ TEST_F(Input, ctrlCEndsWithTheTallyOfWhatWasStored) {
   EXPECT_THAT(bda({"contents"}).out, HasSubstr("voice:user1:6"));
 }
 
+TEST_F(Input, ctrlCEndsAVerbThatOnlyLooksBetweenTwoMessages) {
+  for (const char* const verb : {"list", "verify"}) {
+    Running program(*this, {verb, "-"});
+    program.feed(blockDump({0x00, 0x40, 0x00}));
+    EXPECT_THAT(program.line(), HasSubstr("audio input part")) << verb;
+    program.signal(SIGINT);
+    EXPECT_EQ(program.end(), 130) << verb;
+    EXPECT_EQ(read("errors"), "bda: interrupted\n") << verb;
+  }
+}
+
 TEST_F(Input, aFileThatMayNotGrowEndsAsAFullDiskDoes) {
   std::string bytes;
   for (std::uint8_t number = 0; number < 100; ++number)
@@ -395,11 +406,32 @@ TEST_F(Input, aFileThatMayNotGrowEndsAsAFullDiskDoes) {
   EXPECT_EQ(program.end(), 1);
   const std::string told = read("errors");
   EXPECT_THAT(told, HasSubstr("library.db"));
+  EXPECT_THAT(told, HasSubstr(": what began here is not handled to its end, nor stored\n"));
+  EXPECT_THAT(told, Not(HasSubstr("without footer"))) << "the file has it";
   const std::string tally = lastLine(told);
   EXPECT_THAT(tally, HasSubstr(" stored, "));
   const Result found = bda({"contents", "--json"});
   EXPECT_THAT(found, Exits(0));
   EXPECT_EQ(std::to_string(lines(found.out).size()), tally.substr(0, tally.find(' ')));
+}
+
+TEST_F(Input, aFileWithAnythingOfThisMakerIsReadThoughItBeginsWithSomethingElse) {
+  Bytes other = request({0, 0, 0});
+  other[4] = 0x33;  // another model
+  write("other.syx", "\x01\x02" + text(other));
+  EXPECT_THAT(bda({"list", "other.syx"}), Exits(0));
+  EXPECT_THAT(bda({"explain", "other.syx", "0"}), Exits(0));
+  other[1] = 0x41;
+  write("other.syx", "\x01\x02" + text(other));
+  EXPECT_THAT(bda({"list", "other.syx"}), Exits(2));
+}
+
+TEST_F(Input, aCaptureThatBeginsInsideOfAMessageMayBeginAsTextDoes) {
+  for (const char* const begin : {"# ce", "abcd", "ce  "}) {
+    write("capture.syx", begin + text(unit(kUserVoice6Header, BDA::List::normalVoice)));
+    EXPECT_THAT(bda({"list", "capture.syx"}), Exits(0)) << begin;
+    EXPECT_THAT(bda({"explain", "capture.syx", "4", "--json"}).out, HasSubstr("\"message\":1")) << begin;
+  }
 }
 
 TEST_F(Input, anEndlessInputDoesNotFillTheMemory) {

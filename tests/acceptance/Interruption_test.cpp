@@ -1,10 +1,12 @@
-// A restore that is ended in the middle: the library is as it was before, or as it is after it, never between.
+// A restore that is ended in the middle: the library is as it was before, or as it is after it, never between. Others
+// that are ended have written nothing.
 
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <iostream>
@@ -12,10 +14,9 @@
 #include <random>
 #include <thread>
 
+#include "Killed.h"
 #include "Library.h"
 #include "Program.h"
-
-extern char** environ;
 
 namespace {
 
@@ -111,4 +112,28 @@ TEST_F(Interruption, ctrlCLeavesTheLibraryAsItWas) {
     ASSERT_TRUE(found == states_[now]);
   }
   EXPECT_EQ(interrupted, 20);
+}
+
+using Ended = Killed;
+
+// It has begun to write when the units are looked at.
+TEST_F(Ended, ctrlCWhileConvertTellsItsUnitsLeavesNoFile) {
+  std::string messages;
+  for (int i = 0; i < 20'000; ++i) messages += text(unit({0x0E, 0x70, std::uint8_t(i % 128)}, BDA::List::master));
+  write("a.syx", messages);
+  const pid_t child = start({"convert", directory / "a.syx", "-o", directory / "b.syx", "--json"}, 1);
+  const Clock::time_point end = Clock::now() + std::chrono::seconds(60);
+  const auto hasBegun = [&] {
+    const std::vector<std::string> all = files();
+    return std::any_of(all.begin(), all.end(), [](const std::string& name) { return name.rfind("b.syx", 0) == 0; });
+  };
+  while (!hasBegun() && Clock::now() < end) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  ::kill(child, SIGINT);
+  int status = 0;
+  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 130);
+  EXPECT_THAT(files(), testing::ElementsAre("a.syx", "told"));
+  EXPECT_EQ(read("told"), "");
 }

@@ -168,13 +168,36 @@ TEST_F(Judge, anEraserLooksLikeOne) {
   EXPECT_EQ(nlohmann::json::parse(objects[3])["removes"], nlohmann::json::array({"voice:user1:1"}));
 }
 
-TEST_F(Judge, aBrokenFileDumpDoesNotCountAsWritten) {
+TEST_F(Judge, aBrokenFileDumpIsNamedAndNoneOfTheWhole) {
   write("a.syx", {fileDump({0x0C, 0x0A, 0x01}, "Kept", {1}), dump({0x0C, 0x50, 0x05}, {0, 0, 0, 9, 0, 0x41}),
                   dump({0x11, 0x00, 0x00})});
   const Result verify = bda({"verify", "a.syx"});
   EXPECT_THAT(verify, Exits(3));
   EXPECT_THAT(verify.out, HasSubstr("1 file dump (messages 1 to 3)"));
-  EXPECT_THAT(verify.out, HasSubstr("; broken and not written: file:multi:6 of message 2"));
+  EXPECT_THAT(verify.out, HasSubstr("; broken: file:multi:6 of message 2"));
+}
+
+TEST_F(Judge, whatEmptiesMixingVoicesLooksLikeIt) {
+  write("a.syx", {dump({0x0F, 0x31, 0x42}), dump({0x11, 0x01, 0x00})});
+  const Result verify = bda({"verify", "--json", "a.syx"});
+  EXPECT_THAT(verify, Exits(0));
+  const std::vector<Json> told = objectsOf(verify.out);
+  ASSERT_THAT(told, SizeIs(3));
+  EXPECT_EQ(told[0]["verdict"], "removes");
+  EXPECT_EQ(told[0]["removes"], Json::array({"voice:mix:3"}));
+  EXPECT_EQ(told[2]["note"], "removes all mixing voices first");
+  write("b.syx", {fileDump({0x0C, 0x31, 0x02}, "Mix", {5}), dump(Editor::kWriteTrigger)});
+  ASSERT_THAT(bda({"receive", "b.syx"}), Exits(0));
+  EXPECT_THAT(bda({"receive", "a.syx"}).out, HasSubstr("removed: voice:mix:3 ")) << "the instrument agrees";
+}
+
+TEST_F(Judge, ofFileDumpsThatReplaceEachOtherTheFirstAreNamed) {
+  std::string messages;
+  for (int i = 0; i < 30; ++i) messages += text(fileDump({0x0C, 0x50, 0x05}, "Again", {1}));
+  write("a.syx", messages + text(dump(Editor::kWriteTrigger)));
+  const std::string told = bda({"verify", "a.syx"}).out;
+  EXPECT_THAT(told, HasSubstr("file:multi:6 of message 20 is replaced by that of message 21; 9 more are replaced"));
+  EXPECT_THAT(told, Not(HasSubstr("of message 21 is")));
 }
 
 TEST_F(Judge, anEraserThatIsReplacedOrCannotBeStoredRemovesNothing) {

@@ -65,6 +65,42 @@ TEST_F(ReceiveWhole, storesNothingThatLacksABlock) {
   EXPECT_THAT(bda({"receive", "half.syx"}).out, HasSubstr("stored: voice:user1:6")) << "without it: as an instrument";
 }
 
+TEST_F(ReceiveWhole, manyBrokenMessagesDoNotHideTheUnitsThatAreRefused) {
+  writeHalf();
+  std::string broken = text(unit({0x0E, 0x0A, 0x01}, BDA::List::normalVoice, 1));
+  const std::size_t header = dump({0x0E, 0x0A, 0x01}).size();
+  std::size_t at = header;
+  for (std::size_t end = broken.find('\xF7', at); end + 1 <= broken.size() - header; end = broken.find('\xF7', at)) {
+    broken[end - 1] = char(broken[end - 1] ^ 1);
+    at = end + 1;
+  }
+  write("a.syx", broken + read("half.syx"));
+  const Result run = bda({"receive", "--whole", "a.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("voice:user1:2: 24 blocks missing"));
+  EXPECT_THAT(run.err, HasSubstr("voice:user1:6: 1 block missing"));
+  EXPECT_THAT(run.err, HasSubstr("and 4 more: checksum wrong\n"));
+}
+
+TEST_F(ReceiveWhole, aHeaderOrFooterThatIsBrokenTakesItsUnitWithIt) {
+  const Bytes whole = unit(kHeader, BDA::List::normalVoice, 1);
+  const std::size_t end = dump(kHeader).size();
+  const std::string blocks = text(whole).substr(end, whole.size() - 2 * end);
+  const std::string header = text(dump(kHeader));
+  const std::string footer = text(dump({0x0F, 0x0A, 0x05}));
+  const std::string other = text(unit({0x0E, 0x70, 0x00}, BDA::List::master, 1));
+  write("footer.syx", header + blocks + text(dump({0x0F, 0x0A, 0x05}, {1})) + other);
+  write("header.syx", text(dump(kHeader, {1})) + blocks + footer + other);
+  for (const char* const file : {"footer.syx", "header.syx"}) {
+    const Result run = bda({"receive", "--whole", file});
+    EXPECT_THAT(run, Exits(3));
+    EXPECT_THAT(run.out, Not(HasSubstr("voice:user1:6")));
+    EXPECT_THAT(run.err, HasSubstr("refused: 26 messages: wrong length for its block: "));
+    EXPECT_THAT(lines(run.err).back(), HasSubstr("26 refused"));
+    EXPECT_THAT(run.err, Not(HasSubstr("abandoned")));
+  }
+}
+
 TEST_F(ReceiveWhole, wholeUnitsComeInAsWithoutIt) {
   write("a.syx", {unit(kHeader, BDA::List::normalVoice, 1), fileDump({0x0C, 0x50, 0x04}, "One", {1}),
                   dump({0x11, 0x00, 0x00}), systemDump(1), request({0, 0, 0})});

@@ -80,7 +80,7 @@ TEST_F(Salvage, remainsOfTwoSoundsNeverBecomeOne) {
   const Result run = bda({"salvage", "a.syx", "b.syx", "-o", "good.syx"});
   EXPECT_THAT(run, Exits(3));
   EXPECT_FALSE(exists("good.syx"));
-  EXPECT_THAT(run.err, HasSubstr("nothing is whole: nothing is written"));
+  EXPECT_THAT(run.err, HasSubstr("nothing is whole: good.syx is not written"));
 }
 
 // The end of the one and the beginning of the other are swallowed, and what is left of a message stands between them:
@@ -216,4 +216,112 @@ TEST_F(Salvage, ofOtherMakersMessagesNothingIsWhole) {
   write("b.syx", "no messages");
   EXPECT_THAT(bda({"salvage", "b.syx", "-o", "good.syx"}), Exits(2));
   EXPECT_FALSE(exists("good.syx"));
+}
+
+TEST_F(Salvage, fileDumpsOfSeveralDevicesAreStoredByTheTriggerOfEach) {
+  Bytes forDevice5 = fileDump({0x0C, 0x50, 0x06}, "Five", {1});
+  forDevice5[2] = 4;
+  write("a.syx", {fileDump({0x0C, 0x50, 0x05}, "One", {1}), dump(Editor::kWriteTrigger)});
+  write("c.syx", {forDevice5});
+  const Result run = bda({"salvage", "c.syx", "a.syx", "-o", "good.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.err, HasSubstr("device 5: no file has the write trigger behind its file dumps: one is added"));
+  EXPECT_THAT(run.err, Not(HasSubstr("device 1:")));
+  EXPECT_EQ(read("good.syx"), read("a.syx") + read("c.syx") + text(dump(Editor::kWriteTrigger, {}, 4)));
+  EXPECT_THAT(bda({"receive", "good.syx"}).out, HasSubstr("file:multi:6"));
+}
+
+TEST_F(Salvage, aTriggerThatWouldRemoveMixingVoicesIsSaidToBeLeftOut) {
+  write("a.syx", {fileDump({0x0C, 0x50, 0x07}, "One", {1}), dump({0x11, 0x01, 0x00})});
+  const Result run = bda({"salvage", "a.syx", "-o", "good.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.err, HasSubstr("1 message left out: it would have all mixing voices removed"));
+  EXPECT_THAT(run.err, HasSubstr("device 1: no file has a write trigger behind its file dumps that removes nothing"));
+  EXPECT_THAT(run.err, Not(HasSubstr("no file has the write trigger")));
+}
+
+TEST_F(Salvage, aTriggerThatIsCorrectedIsNamedToo) {
+  write("a.syx", {fileDump({0x0C, 0x50, 0x07}, "One", {1}), damaged(dump(Editor::kWriteTrigger))});
+  const Result run = bda({"salvage", "a.syx", "-o", "good.syx", "--fix-checksums"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.err, HasSubstr("a.syx: message 2 at offset"));
+  EXPECT_THAT(run.err, HasSubstr("corrected to"));
+  EXPECT_EQ(read("good.syx").size(), read("a.syx").size());
+}
+
+// An instrument answers with the file dump alone: the trigger comes from here.
+TEST_F(Salvage, theAnswerOfALostFileDumpIsCompletedByAnotherRunAndThatIsSaid) {
+  const Bytes multi = fileDump({0x0C, 0x50, 0x07}, "One", {1});
+  write("a.syx", {voice(), damaged(multi)});
+  const Result run = bda({"salvage", "a.syx", "-o", "good.syx", "--requests", "r.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("1 request in r.syx"));
+  EXPECT_THAT(run.err, HasSubstr("bda salvage good.syx ANSWERS -o FILE adds it"));
+  write("whole.syx", {multi, dump(Editor::kWriteTrigger)});
+  ASSERT_THAT(bda({"receive", "whole.syx"}), Exits(0));
+  ASSERT_THAT(bda({"receive", "r.syx", "-o", "answers.syx"}), Exits(0));
+  EXPECT_THAT(bda({"salvage", "good.syx", "answers.syx", "-o", "all.syx"}), Exits(0));
+  EXPECT_EQ(read("all.syx"), read("whole.syx") + text(voice()));
+}
+
+TEST_F(Salvage, saysWhichOutputsAreWritten) {
+  write("a.syx", {damaged(blockDump({0x00, 0x40, 0x00}))});
+  const Result run = bda({"salvage", "a.syx", "-o", "good.syx", "--requests", "r.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("nothing is whole: good.syx is not written; 1 request in r.syx"));
+  EXPECT_THAT(files(), ElementsAre("a.syx", "r.syx"));
+}
+
+TEST_F(Salvage, whatStandsInAUnitIsSaidAndWhetherMergingWouldHelp) {
+  const std::string whole = text(voice());
+  const std::size_t header = blockDump(kVoice).size();
+  write("a.syx", whole.substr(0, header) + "abc" + whole.substr(header));
+  const Result run = bda({"salvage", "a.syx", "-o", "good.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.out,
+              HasSubstr("lost: voice:user1:6: nothing says that its remains are of one sound, the fullest lack "
+                        "1 block: normal voice user 1, 006: header (0E 0A 05); --merge completes it (a.syx)"));
+  EXPECT_THAT(bda({"salvage", "a.syx", "-o", "good.syx", "--merge"}), Exits(0));
+  EXPECT_EQ(read("good.syx"), whole);
+}
+
+TEST_F(Salvage, whatThePreferredFileHasOtherwiseAndIsNotTakenIsSaid) {
+  write("old.syx", {voice(1)});
+  write("new.syx", text(voice(2)).substr(0, 200));
+  const Result run = bda({"salvage", "old.syx", "new.syx", "-o", "good.syx", "--prefer", "new.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.err, HasSubstr("voice:user1:6: new.syx has it otherwise, but not whole, and that is not taken: "
+                                 "normal voice common (40 00 00)"));
+  EXPECT_EQ(read("good.syx"), text(voice(1)));
+}
+
+TEST_F(Salvage, voicesOfTwoKindsDifferInTheirHeader) {
+  constexpr BulkAddress kPart{0x0E, 0x30, 0x01};
+  write("a.syx", {unit(kPart, BDA::List::normalVoice)});
+  write("b.syx", {unit(kPart, BDA::List::drumVoice)});
+  const Result run = bda({"salvage", "a.syx", "b.syx", "-o", "good.syx", "--json"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_EQ(objectsOf(run.out).at(0)["contradicts"].dump(), R"(["0E 30 01"])");
+  EXPECT_THAT(bda({"salvage", "a.syx", "b.syx", "-o", "good.syx"}).out, HasSubstr("captures differ in kind"));
+}
+
+TEST_F(Salvage, takesTheMessageFilesOfFolders) {
+  std::filesystem::create_directories(directory / "captures" / "more");
+  write("captures/a.syx", without(voice(), blockDump(kElement, 1)));
+  write("captures/more/b.syx", without(voice(), blockDump(kVoice)));
+  write("captures/notes.txt", "a rainy day");
+  std::filesystem::copy_file(libraryFile(), directory / "captures" / "own.db");
+  const Result run = bda({"salvage", "captures", "-o", "good.syx", "--prefer", "captures/a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.out, HasSubstr("completed: voice:user1:6 (captures/a.syx, captures/more/b.syx)"));
+  EXPECT_THAT(run.err, HasSubstr("passed over: 2 files of other kinds"));
+  EXPECT_EQ(read("good.syx"), text(voice()));
+  EXPECT_THAT(bda({"salvage", "captures", "-o", "captures/a.syx"}), Exits(1));
+  EXPECT_THAT(bda({"salvage", "library.db", "-o", "good.syx"}), Exits(2));
+  write("captures/cut.syx", text(fileDump({0x0C, 0x50, 0x05}, "Cut", {1})).substr(0, 15));
+  const Result cut = bda({"salvage", "captures", "-o", "good.syx"});
+  EXPECT_THAT(cut, Exits(2));
+  EXPECT_THAT(cut.err, HasSubstr("captures/cut.syx: no System Exclusive message in it"));
+  std::filesystem::create_directory(directory / "empty");
+  EXPECT_THAT(bda({"salvage", "empty", "-o", "good.syx"}), Exits(2));
 }

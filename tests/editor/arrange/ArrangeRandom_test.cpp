@@ -110,9 +110,10 @@ class PlainRun {
     PlainHeld& held = after_.held[to] = before_.held.at(from);
     if (isBuffer(to)) held.name = held.voice;
     if (isPart(to)) held.multi = kMultiOfParts;
-    if (!bankOf(from).hasFlags || !bankOf(to).hasFlags) return;
+    if (!bankOf(to).hasFlags) return;
     after_.flags.erase(to);
-    if (before_.flags.contains(from)) after_.flags[to] = before_.flags.at(from);
+    const std::string& flagged = bankOf(from).hasFlags ? from : to;
+    if (before_.flags.contains(flagged)) after_.flags[to] = before_.flags.at(flagged);
   }
   static int mixingVoices(const State& state) {
     int count = 0;

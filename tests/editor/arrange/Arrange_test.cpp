@@ -234,6 +234,10 @@ TEST_F(Arrange, whatComesFromWhereNoFlagCanStandLeavesThatOfThePlace) {
   store("voice:edit", "Edited", 7);
   EXPECT_THAT(copy("voice:edit", "voice:user1:1").changes, ElementsAre(stored("voice:user1:1", "Piano", "Edited")));
   EXPECT_EQ(flagAt("voice:user1:1"), 1);
+  swap("voice:user1:1", "voice:edit");
+  EXPECT_EQ(flagAt("voice:user1:1"), 1);
+  swap("voice:edit", "voice:user1:1");
+  EXPECT_EQ(flagAt("voice:user1:1"), 1);
 }
 
 // ---- Edit buffers ----
@@ -300,7 +304,7 @@ TEST_F(Arrange, voicesThatAMultiTakesAlongAreTold) {
   store("drum:user:1", "Kit");
   copy("drum:user:1", "voice:part:4");
   EXPECT_THAT(copy("file:multi:1", "multi:edit").changes,
-              ElementsAre(stored("multi:edit", "", ""), stored("voice:part:4", "Kit", "")));
+              ElementsAre(stored("voice:part:4", "Kit", ""), stored("multi:edit", "", "")));
 }
 
 // ---- Room, other libraries, failures ----

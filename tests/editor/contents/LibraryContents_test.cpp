@@ -80,7 +80,7 @@ TEST_F(LibraryTest, ANumberOutOfRangeIsDamage) {
   EXPECT_TRUE(isDamage([&] { library.mixingVoiceCount(); }));
   for (const char* const flag : {"256", "-1"}) {
     plain(std::string("DELETE FROM favourite; INSERT INTO favourite VALUES(4, 1, ") + flag + ")");
-    EXPECT_TRUE(isDamage([&] { library.favourite({4, 1}); })) << flag;
+    EXPECT_EQ(errorOf([&] { library.favourite({4, 1}); })->kind(), Kind::DamagedPlace) << flag;
     EXPECT_TRUE(isDamage([&] { library.favourites(); })) << flag;
   }
 }

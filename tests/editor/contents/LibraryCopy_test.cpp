@@ -128,6 +128,24 @@ TEST_F(OldLibrary, OverwritesNoCopy) {
   EXPECT_EQ(bytesOfFile(copy().string() + ".3"), old_);
 }
 
+TEST_F(OldLibrary, OverwritesNothingThatHasTheNameOfHalfACopy) {
+  const std::string part = copy().string() + ".part";
+  writeFile(part, "mine");
+  Library(file).remove(kVoice);
+  EXPECT_EQ(bytesOfFile(part), "mine");
+  EXPECT_EQ(bytesOfFile(copy()), old_);
+  EXPECT_THAT(files(), ElementsAre("library.db", "library.db.v1", "library.db.v1.part"));
+}
+
+TEST_F(OldLibrary, HasItsCopyBesideItWhenALinkIsNamed) {
+  std::filesystem::create_directory(directory / "links");
+  const std::filesystem::path link = directory / "links/z.db";
+  std::filesystem::create_symlink(file, link);
+  Library(link).remove(kVoice);
+  EXPECT_EQ(bytesOfFile(copy()), old_);
+  EXPECT_FALSE(std::filesystem::exists(link.string() + ".v1"));
+}
+
 TEST_F(OldLibrary, KeepsItsPermissionsInTheCopy) {
   std::filesystem::permissions(file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
   Library(file).remove(kVoice);

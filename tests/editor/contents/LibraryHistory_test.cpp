@@ -271,7 +271,7 @@ TEST_F(LibraryHistory, AContentThatDoesNotFitItsChecksumIsDamagedAndTheOthersAre
     PlainDatabase{file}(std::string("UPDATE content SET ") + change + " WHERE type = 4");
     const auto error = errorOf([&] { library.content(kVoice); });
     ASSERT_TRUE(error) << change;
-    EXPECT_EQ(error->kind(), LibraryError::Kind::Damaged);
+    EXPECT_EQ(error->kind(), LibraryError::Kind::DamagedPlace);
     EXPECT_TRUE(library.content(kMulti));
     EXPECT_TRUE(errorOf([&] { library.rename(kVoice, "it would pass for good"); }));
     library.store(kVoice, Bytes{1, 2, 3}, "Piano");

@@ -70,15 +70,29 @@ TEST(Batch, whatIsBrokenIsNoUnit) {
   EXPECT_THAT(batch.units, IsEmpty());
   ASSERT_EQ(batch.broken.size(), 1u);
   EXPECT_EQ(batch.broken.front().state, Editor::UnitReport::State::incomplete);
-  ASSERT_EQ(batch.brokenDumps.size(), 1u);
-  EXPECT_EQ(batch.brokenDumps.front().message, messages.size() + 1);
+  ASSERT_EQ(batch.brokenMessages.size(), 1u);
+  EXPECT_EQ(batch.brokenMessages.front().message, messages.size() + 1);
   EXPECT_EQ(bytesOf(batch), joined({messages, {damaged(kFileDump)}}));
+}
+
+TEST(Batch, everyBrokenMessageIsNamedButTheBlocksThatABrokenUnitLacks) {
+  std::vector<Bytes> unit = kVoice;
+  unit[3] = damaged(unit[3]);
+  std::vector<Bytes> twice = kVoice;
+  twice.insert(twice.begin() + 2, damaged(kVoice[2]));
+  const std::vector<Bytes> others{damaged(blockDump({0x00, 0x40, 0x00})), damaged(kTrigger), damaged(kVoice[4])};
+  const Batch batch = batchOf({unit, others, twice});
+  std::vector<std::uint64_t> numbers;
+  for (const Batch::BrokenMessage& message : batch.brokenMessages) numbers.push_back(message.message);
+  const std::uint64_t before = unit.size();
+  EXPECT_THAT(numbers, ElementsAre(before + 1, before + 2, before + 3, before + 6));
+  EXPECT_THAT(placesOf(batch), ElementsAre("voice:user1:6"));
 }
 
 TEST(Batch, aTriggerWritesNoFileDumpThatIsBroken) {
   const Batch batch = batchOf({{dump({0x0C, 0x0A, 0x05}, Bytes(3)), kTrigger}});
   EXPECT_THAT(batch.units, IsEmpty());
-  EXPECT_EQ(batch.brokenDumps.size(), 1u);
+  EXPECT_EQ(batch.brokenMessages.size(), 1u);
   EXPECT_THAT(batch.messages.back().writes, IsEmpty());
 }
 

@@ -109,6 +109,50 @@ TEST_F(Placing, unitsGoToTheirPlacesInOrderAndAllElseStays) {
             joined({voice({0x0E, 0x0B, 0x00}), {system}, voice({0x0E, 0x0B, 0x01})}));
 }
 
+TEST_F(Placing, nothingNewIsPutInsideOfAnotherUnitOfBlocks) {
+  const std::vector<Bytes> outer = voice({0x0E, 0x0A, 0x05});
+  const Bytes inner = ownFileDump({0x0C, 0x0A, 0x06}, Editor::emptySetFor(*Editor::contentOfFileDump({0x0A, 0x06})));
+  Batch batch = batchOf({{outer.begin(), outer.begin() + 3}, {inner}, {outer.begin() + 3, outer.end()}, {kTrigger}});
+  place(batch, "voice:part:1..2");
+  const Batch again = batchOf({[&] {
+    std::vector<Bytes> messages;
+    for (const Batch::Message& message : batch.messages) messages.push_back(message.bytes);
+    return messages;
+  }()});
+  EXPECT_THAT(placesOf(again), ElementsAre("voice:part:1", "voice:part:2"));
+  EXPECT_THAT(again.broken, IsEmpty());
+  const Bytes all = bytesOf(batch);
+  const Bytes first = joined({voice({0x0E, 0x30, 0x00})});
+  EXPECT_EQ(Bytes(all.begin(), all.begin() + std::ptrdiff_t(first.size())), first);
+}
+
+// The trigger of the new one would write the others, and theirs might remove it.
+TEST_F(Placing, nothingNewIsPutBetweenFileDumpsAndTheirTrigger) {
+  const Bytes before = ownFileDump({0x0C, 0x50, 0x00}, multiModels());
+  const Bytes removing = dump({0x11, 0x01, 0x00}, {}, 4);
+  const Bytes behind = ownFileDump({0x0C, 0x50, 0x01}, multiModels());
+  Batch batch = batchOf({{before}, voice({0x0E, 0x0A, 0x05}), {behind, removing}});
+  Editor::Placing placing(batch, models_);
+  placing.place(1, Editor::parseDestinations("file:mix:2:1").front());
+  placing.finish();
+  ASSERT_EQ(batch.messages.size(), 5u);
+  EXPECT_EQ(batch.messages[1].bytes, behind);
+  EXPECT_EQ(batch.messages[2].bytes, removing);
+  EXPECT_EQ(batch.messages[3].unit, 1u);
+  EXPECT_EQ(batch.messages[4].bytes, dump({0x11, 0x00, 0x00}, {}, 4));
+}
+
+TEST_F(Placing, aBlockThatCameTwiceGoesWithItsUnit) {
+  std::vector<Bytes> twice = voice({0x0E, 0x0A, 0x05});
+  twice.insert(twice.begin() + 1, twice[1]);
+  twice.insert(twice.begin() + 1, Bytes{0xF0, 0x41, 0xF7});
+  Batch batch = batchOf({twice});
+  place(batch, "file:mix:2:1");
+  ASSERT_EQ(batch.messages.size(), 3u);
+  EXPECT_EQ(batch.messages[0].unit, 0u);
+  EXPECT_EQ(batch.messages[2].bytes, (Bytes{0xF0, 0x41, 0xF7}));
+}
+
 TEST_F(Placing, anotherKindDoesNotFit) {
   EXPECT_EQ(refusal({voice({0x0E, 0x0A, 0x05})}, "drum:edit"),
             "drum:edit: voice:user1:6 does not fit, it is a normal voice");

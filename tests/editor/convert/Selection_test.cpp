@@ -76,3 +76,11 @@ TEST(Selection, brokenUnitsAreNotTakenAndOnlyThoseThatWereAskedForAreTold) {
   ASSERT_EQ(batch.broken.size(), 1u);
   EXPECT_EQ(batch.broken.front().state, Editor::UnitReport::State::incomplete);
 }
+
+TEST(Selection, aBrokenMessageOfItsOwnIsToldWhereItWasAskedFor) {
+  Editor::Batch batch = batchOf({{damaged(kSystem), damaged(kTrigger), damaged(kFileDump)}, kVoice});
+  EXPECT_THAT(select(batch, {"system:common", "voice:user1:6"}).notFound, IsEmpty());
+  ASSERT_EQ(batch.brokenMessages.size(), 1u);
+  EXPECT_EQ(batch.brokenMessages.front().message, 1u);
+  EXPECT_EQ(bytesOf(batch), joined({kVoice}));
+}

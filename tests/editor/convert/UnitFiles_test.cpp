@@ -57,6 +57,23 @@ TEST(UnitFiles, namesAreGivenOnceWhateverTheirCase) {
   EXPECT_EQ(names.next("a-4", isFree), "a-4-2.syx");
 }
 
+TEST(UnitFiles, namesThatWereGivenAreNotAskedForAgain) {
+  Editor::FileNames names;
+  unsigned asked = 0;
+  const auto isFree = [&](const std::string&) { return ++asked > 0; };
+  constexpr unsigned kMany = 3000;
+  for (unsigned i = 1; i < kMany; ++i) names.next("a", isFree);
+  EXPECT_EQ(names.next("A", isFree), "A-3000.syx");
+  EXPECT_EQ(asked, kMany);
+}
+
+TEST(UnitFiles, aFileThatIsFreeForAnotherUnitIsFound) {
+  Editor::FileNames names;
+  EXPECT_EQ(names.next("a", [](const std::string& name) { return name == "a-2.syx"; }), "a-2.syx");
+  EXPECT_EQ(names.next("a", [](const std::string&) { return true; }), "a.syx");
+  EXPECT_EQ(names.next("a", [](const std::string&) { return true; }), "a-3.syx");
+}
+
 TEST(UnitFiles, apartAFileDumpHasItsTriggerWithIt) {
   const Bytes voice = fileDump({0x0C, 0x0A, 0x06}, "Piano", {1});
   const Bytes eraser = dump({0x0C, 0x0A, 0x07}, Bytes(4), 2);

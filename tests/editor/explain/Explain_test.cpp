@@ -25,13 +25,13 @@ std::vector<std::string> partsOf(const Bytes& message) {
   const MessageFile file(message);
   FileExplainer explainer(file);
   std::vector<std::string> parts;
-  for (const MessageFile::Byte& byte : file.bytes()) parts.emplace_back(wordOf(explainer.explain(byte).part));
+  file.forEachByte([&](const MessageFile::Byte& byte) { parts.emplace_back(wordOf(explainer.explain(byte).part)); });
   return parts;
 }
 
 ByteMeaning meaningAt(const Bytes& message, std::size_t at) {
   const MessageFile file(message);
-  return FileExplainer(file).explain(file.bytes()[at]);
+  return FileExplainer(file).explain(file.find(at).value());
 }
 
 // What an editor sends that is asked for those blocks.
@@ -115,11 +115,11 @@ TEST(Explain, aParameterNamesExactlyTheBytesThatNameIt) {
     for (std::size_t i = 0; i < messages.size(); ++i) {
       const MessageFile file(messages[i]);
       FileExplainer explainer(file);
-      for (const MessageFile::Byte& byte : file.bytes()) {
+      file.forEachByte([&](const MessageFile::Byte& byte) {
         const ByteMeaning meaning = explainer.explain(byte);
         for (const auto& parameter : meaning.parameters)
           expected[parameter.path].emplace_back(i + 1, *meaning.dataByte, parameter.bits);
-      }
+      });
     }
     ASSERT_FALSE(expected.empty());
     const std::vector<std::string> paths = pathsOf(unit);

@@ -17,14 +17,18 @@ Bytes text(std::string_view text) { return {text.begin(), text.end()}; }
 // "0:1.0": the byte at offset 0 is byte 0 of message 1; "7:outside of any message": in none.
 std::vector<std::string> placesIn(const MessageFile& file) {
   std::vector<std::string> places;
-  for (const MessageFile::Byte& byte : file.bytes()) {
+  file.forEachByte([&](const MessageFile::Byte& byte) {
     std::string place = std::to_string(byte.offset) + ":";
     if (byte.message != MessageFile::kNone)
       place += std::to_string(byte.message) + "." + std::to_string(byte.at);
     else
       place += byte.dropped == nullptr ? "-" : byte.dropped;
     places.push_back(place);
-  }
+    const std::optional<MessageFile::Byte> found = file.find(byte.offset);
+    EXPECT_TRUE(found && found->offset == byte.offset && found->message == byte.message && found->at == byte.at &&
+                found->value == byte.value && found->dropped == byte.dropped)
+        << place;
+  });
   return places;
 }
 
@@ -72,11 +76,24 @@ TEST(MessageFile, ofAStandardMidiFileTheOffsetsAreTheFiles) {
 TEST(MessageFile, aTextOfHexDigitsIsTheBytesThatItWrites) {
   const MessageFile file(text("# one\nF0 7d\r\n01F7 # F0\n05"));
   EXPECT_THAT(placesIn(file), ElementsAre("6:1.0", "9:1.1", "13:1.2", "15:1.3", "23:outside of any message"));
-  EXPECT_EQ(file.find(7), file.find(6));
-  EXPECT_EQ(file.find(0), nullptr);
-  EXPECT_EQ(file.find(8), nullptr);
-  EXPECT_EQ(file.find(26), nullptr);
+  ASSERT_TRUE(file.find(7));
+  EXPECT_EQ(file.find(7)->offset, 6u);
+  for (const std::uint64_t none : {0U, 8U, 25U, 26U}) EXPECT_FALSE(file.find(none)) << none;
   EXPECT_TRUE(file.isUsable());
+}
+
+TEST(MessageFile, noiseAndMessagesOfAnyLengthKnowWhereTheyStand) {
+  Bytes file{0x05};
+  std::vector<std::string> expected{"0:outside of any message"};
+  for (std::uint32_t message = 1; message <= 50; ++message)
+    for (std::uint32_t at = 0; at <= message; ++at) {
+      expected.push_back(std::to_string(file.size()) + ":" + std::to_string(message) + "." + std::to_string(at));
+      file.push_back(at == 0 ? 0xF0 : at == message ? 0xF7 : std::uint8_t(at));
+      if (at % 7 != 3 || at == message) continue;
+      expected.push_back(std::to_string(file.size()) + ":real-time");
+      file.push_back(0xF8);
+    }
+  EXPECT_EQ(placesIn(MessageFile(file)), expected);
 }
 
 TEST(MessageFile, whatIsNoDigitInATextEndsTheMessageAndItsLine) {

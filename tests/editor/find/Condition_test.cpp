@@ -111,6 +111,17 @@ TEST(Condition, aPathIsThatOfTheJson) {
   }
 }
 
+TEST(Condition, aNameIsComparedWithEachCharacterAsItStands) {
+  ModelSet set = emptySetFor(ContentKind::voice);
+  set.voice->name.assign(" Lead ");
+  const ModelValues values = valuesOf(set);
+  EXPECT_TRUE(Condition("voice.name= Lead ").holds(ContentKind::voice, values));
+  EXPECT_TRUE(Condition(" voice.name = Lead ").holds(ContentKind::voice, values));
+  for (const char* const other : {"voice.name=Lead", "voice.name= Lead", "voice.name=Lead ", "voice.name=  Lead "})
+    EXPECT_FALSE(Condition(other).holds(ContentKind::voice, values)) << other;
+  EXPECT_TRUE(Condition(" voice.common[3] = 0 ").holds(ContentKind::voice, values));
+}
+
 TEST(Condition, aNameStandsForItsParameterInEachKind) {
   ParameterNames names;
   names.nameParameter("voice.common[3]", "Volume");
@@ -146,6 +157,25 @@ TEST(Condition, aPathThatNoKindHasIsAskedAbout) {
   EXPECT_THAT(complaint("voice.element[1].parms[5]=1"), HasSubstr("did you mean voice.element[1].params[5]?"));
   EXPECT_THAT(complaint("system.common[0]=1"), AllOf(HasSubstr("system.common[0]"), HasSubstr("no content has")));
   EXPECT_THAT(complaint("nonsense=1"), AllOf(HasSubstr("nonsense"), testing::Not(HasSubstr("did you mean"))));
+}
+
+TEST(Condition, whatIsAskedAboutWouldBeTaken) {
+  ParameterNames names;
+  names.nameParameter("voice.common[3]", "Volume");
+  names.nameParameter("voice.common[4]", "Switch");
+  names.nameParameter("voice.common[5]", "Switch");
+  names.nameParameter("system.common[0]", "Tuning");
+  const auto complaintOf = [&](const char* text) -> std::string {
+    try {
+      const Condition condition(text, names);
+    } catch (const std::invalid_argument& error) {
+      return error.what();
+    }
+    return "";
+  };
+  EXPECT_THAT(complaintOf("Volum=1"), HasSubstr("did you mean Volume?"));
+  for (const char* const text : {"Switc=1", "Tunin=1", "Tuning=1"})
+    EXPECT_THAT(complaintOf(text), AllOf(HasSubstr("no content has"), testing::Not(HasSubstr("did you mean")))) << text;
 }
 
 TEST(Condition, aGroupIsNoParameter) {

@@ -112,7 +112,7 @@ TEST_F(FileReceiverTest, fileDumpsCountWhenTheirTriggerWritesThem) {
   messages.push_back(fileDump({0x0C, 0x50, 0x00}, "Early", {1}));
   messages.push_back(fileDump({0x0C, 0x7F, 0x00}, "", {3}));
   messages.push_back(fileDump({0x0C, 0x50, 0x00}, "Late", {1, 2}));
-  messages.push_back(dump({0x0C, 0x50, 0x01}));  // removes
+  messages.push_back(dump({0x0C, 0x50, 0x01}, Bytes(4)));  // removes
   messages.push_back(dump(kTrigger));
   messages.push_back(fileDump({0x0C, 0x50, 0x02}, "Held", {1}));
   EXPECT_THAT(receive(), testing::UnorderedElementsAre("file:multi:1", "file:single"));
@@ -124,6 +124,36 @@ TEST_F(FileReceiverTest, fileDumpsCountWhenTheirTriggerWritesThem) {
     EXPECT_EQ(candidate.message, 3u);
     EXPECT_EQ(candidate.kind, ContentKind::multi);
   }
+}
+
+TEST_F(FileReceiverTest, aBrokenFileDumpIsCountedOnceAndNoContent) {
+  const Bytes whole = fileDump({0x0C, 0x50, 0x00}, "Whole", {1});
+  const Bytes wrong = damaged(fileDump({0x0C, 0x50, 0x01}, "Wrong", {1}));
+  const Bytes tooShort = dump({0x0C, 0x50, 0x02}, Bytes{0, 3, 1});
+  for (const Bytes& broken : {wrong, tooShort}) {
+    messages = {whole, broken, dump(kTrigger)};
+    EXPECT_THAT(receive(), ElementsAre("file:multi:1"));
+    EXPECT_EQ(contents.broken, 1u);
+  }
+  messages = {wrong};
+  receive();
+  EXPECT_EQ(contents.broken, 1u);
+  messages = {tooShort};  // held without a trigger
+  receive();
+  EXPECT_EQ(contents.broken, 1u);
+  messages = {tooShort, tooShort, dump(kTrigger), whole, dump(kTrigger)};
+  EXPECT_THAT(receive(), ElementsAre("file:multi:1"));
+  EXPECT_EQ(contents.broken, 2u);
+}
+
+TEST_F(FileReceiverTest, howFarItIsIsSaidInsideOfAFile) {
+  for (std::uint8_t number = 0; number < 4; ++number) addUnit({0x0E, 0x70, number}, BDA::List::master);
+  const std::size_t unit = messages.size() / 4;
+  std::vector<FileMessage> file;
+  for (const Bytes& message : messages) file.push_back({file.size() + 1, message});
+  std::vector<std::size_t> told;
+  receiver.receive(file, EditBuffers::leftOut, [&](std::size_t done) { told.push_back(done); });
+  EXPECT_THAT(told, ElementsAre(0, unit, 2 * unit, 3 * unit));
 }
 
 TEST_F(FileReceiverTest, aMixingVoiceWithTwoDumpsIsOneContent) {

@@ -54,6 +54,21 @@ class Undoing : public LibraryTest {
   Library& library = editor.library();
 };
 
+TEST_F(Undoing, OfWhatIsUndoneIsRefusedWithTheUndoThatDidIt) {
+  store(kVoice, "one", {1});
+  store(kVoice, "two", {2});
+  for (const std::int64_t number : {2, 3, 2}) ASSERT_EQ(undoNow(number).state, State::done);
+  for (const Force force : {Force::no, Force::yes}) {
+    const Undone again = undoNow(3, force);
+    EXPECT_EQ(again.state, State::isUndone);
+    EXPECT_EQ(again.undoneBy, 4);
+    EXPECT_EQ(undoNow(2, force).undoneBy, 5);
+  }
+  EXPECT_EQ(nameAt(kVoice), "one");
+  EXPECT_EQ(undoNow(5).state, State::done) << "the newest undo is undone by its number";
+  EXPECT_EQ(nameAt(kVoice), "two");
+}
+
 TEST_F(Undoing, PutsBackEveryKindOfPlace) {
   store(kVoice, "Piano", {1});
   library.set("mixing-voices", 7);

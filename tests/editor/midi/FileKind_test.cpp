@@ -22,6 +22,13 @@ TEST(FileKind, theFirstFourBytesDecide) {
     EXPECT_EQ(midiKindOf(bytes(other)), MidiKind::stream) << other;
 }
 
+TEST(FileKind, whatBeginsAsHexTextIsAStreamWhereItGoesOnAsNoText) {
+  for (const char* const begin : {"ce  ", "# ab", "0123"}) {
+    EXPECT_EQ(midiKindOf(bytes(std::string(begin) + "F0 \r\n\t# M\xFCller")), MidiKind::text) << begin;
+    EXPECT_EQ(midiKindOf(bytes(std::string(begin) + "\xF0\x7D\x01")), MidiKind::stream) << begin;
+  }
+}
+
 TEST(FileKind, saysWhatAFileSeemsToBe) {
   EXPECT_EQ(describeFile({}), "an empty file");
   EXPECT_EQ(describeFile(bytes("\xFF\xD8\xFF\xE0 rest")), "a JPEG picture");

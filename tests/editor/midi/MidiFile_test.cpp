@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <utility>
@@ -396,6 +397,19 @@ TEST_F(LoadBytes, SaysWhyAFileCannotBeRead) {
   EXPECT_EQ(error_, "No such file or directory");
   EXPECT_EQ(loadBytes(::testing::TempDir(), error_), std::nullopt);
   EXPECT_EQ(error_, "Is a directory");
+}
+
+TEST_F(LoadBytes, RefusesWhatIsTooLargeForMemory) {
+  std::ofstream(path_, std::ios::binary) << "F0";
+  std::filesystem::resize_file(path_, Editor::kLargestMidiFile);
+  EXPECT_TRUE(loadBytes(path_, error_));
+  std::filesystem::resize_file(path_, Editor::kLargestMidiFile + 1);
+  EXPECT_EQ(loadBytes(path_, error_), std::nullopt);
+  EXPECT_EQ(error_, "files of its kind are read whole, this one is larger than 64 MB");
+  error_.clear();
+  EXPECT_EQ(loadBytes("/dev/zero", error_), std::nullopt);
+  EXPECT_NE(error_, "");
+  std::filesystem::remove(path_);
 }
 
 TEST_F(LoadBytes, ReadsStandardInputForADash) {

@@ -250,6 +250,25 @@ TEST(ParseJson, RefusesAKeyThatOccursTwice) {
   EXPECT_EQ(json["b"]["a"], 3);
 }
 
+TEST(ParseJson, RefusesWhatIsNestedDeeperThanAnyStack) {
+  Json json = 5;
+  const auto nested = [](std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); };
+  EXPECT_EQ(parseJson(nested(30), json), std::nullopt);
+  json = 5;
+  for (const std::size_t depth : {100u, 200'000u}) {
+    EXPECT_EQ(parseJson(nested(depth), json), "more than 32 objects and lists inside each other");
+    EXPECT_EQ(parseJson("{\"x\": " + nested(depth) + "}", json), "more than 32 objects and lists inside each other");
+  }
+  EXPECT_EQ(json, Json(5));
+}
+
+TEST(ParseJson, RefusesWhatStandsBehindANul) {
+  using namespace std::string_literals;
+  Json json = 5;
+  EXPECT_EQ(parseJson("{}\0{}"s, json), "there is a character U+0000 in it");
+  EXPECT_EQ(json, Json(5));
+}
+
 TEST(ParseJson, SaysWhereTextIsNoJson) {
   Json json = 5;
   for (const char* text : {"", "{", "{\"a\":1,}", "[1] 2", "\"\xFF\""}) {

@@ -71,7 +71,11 @@ TEST(NameFile, parametersAndTheirValuesHaveNames) {
 TEST(NameFile, aParameterThatThereIsNotIsToldWithItsLine) {
   EXPECT_EQ(errorOf("#\nparameter voice.comon[3] Volume"),
             "line 2: \"voice.comon[3]\": expected the path of a parameter, such as voice.common[3]: did you mean "
-            "voice.common?");
+            "voice.common[3]?");
+  EXPECT_THAT(errorOf("parameter voice.comon[300] Volume"), testing::EndsWith("did you mean voice.common[92]?"));
+  EXPECT_THAT(errorOf("parameter voice.comon Volume"), testing::EndsWith("did you mean voice.common[0]?"));
+  EXPECT_THAT(errorOf("parameter voice.element[8].wave[0] Volume"),
+              testing::EndsWith("did you mean voice.element[0].wave[0]?"));
   EXPECT_EQ(errorOf("parameter voice.common[93] Volume"),
             "line 1: \"voice.common[93]\": expected voice.common[0] to voice.common[92]");
   EXPECT_EQ(errorOf("parameter voice.common Volume"),
@@ -91,12 +95,26 @@ TEST(NameFile, aNameThatCouldBeSomethingElseOnTheCommandLineIsToldWithItsLine) {
   EXPECT_EQ(errorOf("value voice.common[3] 0 Off "), "line 1: the name has a blank at an end");
   EXPECT_EQ(errorOf("parameter voice.common[3] 12"), "line 1: \"12\": a number is no name");
   EXPECT_EQ(errorOf("value voice.common[3] 0 0x1F"), "line 1: \"0x1F\": a number is no name");
+  for (const char* number : {"-1", "+5", "0X5", "0x", "-0x1f", "007", "-"}) {
+    const bool isNone = std::string(number) == "-";
+    const std::string why = isNone ? "" : std::string("line 1: \"") + number + "\": a number is no name";
+    EXPECT_EQ(errorOf(std::string("parameter voice.common[3] ") + number), why);
+    EXPECT_EQ(errorOf(std::string("value voice.common[3] 0 ") + number), why);
+  }
+  EXPECT_EQ(errorOf("parameter voice.common[3] 0xylophone"), "");
   EXPECT_EQ(errorOf("parameter voice.common[3] voice.common[4]"), "line 1: \"voice.common[4]\": a path is no name");
   EXPECT_EQ(errorOf("parameter voice.common[3] A=B"), "line 1: \"A=B\": the name of a parameter has none of = ! < >");
   EXPECT_EQ(errorOf("value voice.common[3] 0 <off>"), "");
   EXPECT_EQ(errorOf("parameter voice.common[3] " + std::string(29, 'x')),
             "line 1: the name has 29 characters, at most 28 are possible");
   EXPECT_EQ(errorOf("value voice.common[3] 0 O\tf"), "line 1: the name has a character that is not printable ASCII");
+}
+
+TEST(NameFile, aByteOrderMarkBeforeTheTextIsPassedOver) {
+  NameLists names;
+  EXPECT_EQ(parseNames("\xEF\xBB\xBFwaveform 1 Sine\n", names), "");
+  EXPECT_THAT(names.waveforms, ElementsAre("Sine"));
+  EXPECT_THAT(errorOf("waveform 1 Sine\n\xEF\xBB\xBFwaveform 2 Saw\n"), testing::StartsWith("line 2: "));
 }
 
 TEST(NameFile, whatIsNamedTwiceIsToldWithItsLine) {

@@ -34,8 +34,14 @@ TEST(ParameterNames, tellWhatParametersAndValuesAreCalled) {
   EXPECT_EQ(names().nameOf("voice.common[3]", std::int64_t{1}), "");
   EXPECT_EQ(names().nameOf("voice.common[4]", std::int64_t{0}), "");
   EXPECT_EQ(names().nameOf("voice.common[3]", std::string("0")), "");
-  EXPECT_THAT(names().all(), ElementsAre("Volume", "Volume", "Pan"));
-  EXPECT_THAT(ParameterNames().all(), IsEmpty());
+}
+
+TEST(ParameterNames, tellHowManyOfSomePathsAreCalledSo) {
+  EXPECT_THAT(names().namesAmong([](const std::string&) { return true; }),
+              ElementsAre(std::pair("Pan", 1), std::pair("Volume", 2)));
+  EXPECT_THAT(names().namesAmong([](const std::string& path) { return path == "voice.common[3]"; }),
+              ElementsAre(std::pair("Volume", 1)));
+  EXPECT_THAT(ParameterNames().namesAmong([](const std::string&) { return true; }), IsEmpty());
 }
 
 TEST(ParameterNames, theFirstNameOfAParameterAndOfAValueStays) {

@@ -17,8 +17,6 @@ inline constexpr Editor::BulkAddress kVoice7{0x0E, 0x0A, 0x06};
 inline constexpr Editor::BulkAddress kElement{0x41, 0x02, 0x00};
 inline constexpr Editor::BulkAddress kCommon{0x00, 0x00, 0x00};
 
-inline Editor::BulkAddress footerOf(Editor::BulkAddress header) { return {0x0F, header.mid, header.lo}; }
-
 // The messages of a unit, block by block.
 struct Unit {
   explicit Unit(Editor::BulkAddress header, std::uint8_t value = 0, BDA::List list = BDA::List::normalVoice) {

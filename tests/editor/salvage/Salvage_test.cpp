@@ -21,7 +21,7 @@ TEST_F(Salvaging, keepsWholeUnitsAndSingleBlocksInTheOrderOfABackup) {
   expected.insert(expected.end(), voice.messages.begin(), voice.messages.end());
   expected.push_back(blockDump(kCommon));
   EXPECT_EQ(kept(), expected);
-  EXPECT_FALSE(result().isTriggerAdded);
+  EXPECT_THAT(result().addedTriggers, IsEmpty());
   EXPECT_THAT(result().requests, IsEmpty());
 }
 
@@ -30,7 +30,44 @@ TEST_F(Salvaging, addsTheTriggerThatNoFileHasForTheDeviceOfTheFileDumps) {
   forDevice3[2] = 2;
   file().send(forDevice3).send(dump(Editor::kWriteTrigger));
   EXPECT_THAT(kept(), ElementsAre(forDevice3, dump(Editor::kWriteTrigger, {}, 2)));
-  EXPECT_TRUE(result().isTriggerAdded);
+  ASSERT_THAT(result().addedTriggers, SizeIs(1));
+  EXPECT_EQ(result().addedTriggers[0].device, 3u);
+  EXPECT_FALSE(result().addedTriggers[0].isInsteadOfAnother);
+}
+
+TEST_F(Salvaging, fileDumpsForOneDeviceStandTogetherAndTheirOwnTriggerBehindThem) {
+  const auto multi = [](std::uint8_t number, std::uint8_t device) {
+    Bytes message = fileDump({0x0C, 0x50, number}, "Multi", {number});
+    message[2] = device;
+    return message;
+  };
+  const Bytes trigger5 = dump(Editor::kWriteTrigger, {}, 4);
+  file().send(multi(2, 0)).send(multi(1, 4)).send(trigger5);
+  file().send(multi(4, 4)).send(trigger5).send(multi(3, 0));
+  EXPECT_THAT(kept(),
+              ElementsAre(multi(2, 0), multi(3, 0), dump(Editor::kWriteTrigger), multi(1, 4), multi(4, 4), trigger5));
+  ASSERT_THAT(result().addedTriggers, SizeIs(1));
+  EXPECT_EQ(result().addedTriggers[0].device, 1u);
+}
+
+TEST_F(Salvaging, aTriggerThatRemovesMixingVoicesIsLeftOutForOneThatOnlyWrites) {
+  const Bytes fileDumpOfMulti = fileDump({0x0C, 0x50, 0x04}, "One", {1});
+  file().send(fileDumpOfMulti).send(dump({0x11, 0x01, 0x00}));
+  EXPECT_THAT(kept(), ElementsAre(fileDumpOfMulti, dump(Editor::kWriteTrigger)));
+  ASSERT_THAT(result().addedTriggers, SizeIs(1));
+  EXPECT_TRUE(result().addedTriggers[0].isInsteadOfAnother);
+  ASSERT_THAT(result().leftOut, SizeIs(1));
+  EXPECT_STREQ(result().leftOut[0].why, "it would have all mixing voices removed");
+}
+
+TEST_F(Salvaging, aTriggerAsItWasCapturedGoesBeforeOneThatWasCorrected) {
+  options.correctsChecksums = true;
+  const Bytes fileDumpOfMulti = fileDump({0x0C, 0x50, 0x04}, "One", {1});
+  file().send(fileDumpOfMulti).send(damaged(dump(Editor::kWriteTrigger)));
+  EXPECT_TRUE(result().messages.back().wrongChecksum.has_value());
+  EXPECT_THAT(result().addedTriggers, IsEmpty());
+  anew().file().send(fileDumpOfMulti).send(damaged(dump(Editor::kWriteTrigger))).send(dump(Editor::kWriteTrigger));
+  EXPECT_FALSE(result().messages.back().wrongChecksum.has_value());
 }
 
 TEST_F(Salvaging, listsWhatIsLostWithItsMissingBlocksAndAsksForItOnce) {
@@ -139,6 +176,44 @@ TEST_F(Salvaging, twoWholeOnesThatDifferAreLost) {
   EXPECT_THAT(result().units[0].contradicts, ElementsAre(kElement));
   EXPECT_THAT(result().units[0].missing, IsEmpty());
   EXPECT_THAT(result().requests, ElementsAre(request(kVoice6)));
+}
+
+TEST_F(Salvaging, twoWholeOnesOfTwoKindsDifferInTheirHeader) {
+  constexpr BulkAddress kPart{0x0E, 0x30, 0x01};
+  file().send(Unit(kPart)).file().send(Unit(kPart, 0, BDA::List::drumVoice));
+  ASSERT_THAT(units(), ElementsAre("voice:part:2 lost 0 1"));
+  EXPECT_THAT(result().units[0].contradicts, ElementsAre(kPart));
+}
+
+TEST_F(Salvaging, whatThePreferredFileHasOtherwiseButNotWholeIsNamed) {
+  options.preferred = 1;
+  const Unit old(kVoice6, 1);
+  file().send(old).file().send(Unit(kVoice6, 2).part(0, 3));
+  ASSERT_THAT(units(), ElementsAre("voice:user1:6 whole 0"));
+  EXPECT_THAT(result().units[0].notTaken, ElementsAre(BulkAddress{0x40, 0x00, 0x00}, BulkAddress{0x40, 0x01, 0x00}));
+  anew().file().send(old).file().send(old.part(0, 3));
+  EXPECT_THAT(result().units[0].notTaken, IsEmpty());
+  anew().file().send(old).file().send(old.part(0, 3)).send(Unit(kVoice6, 2));
+  EXPECT_THAT(units(), ElementsAre("voice:user1:6 whole 1"));
+  EXPECT_THAT(result().units[0].notTaken, IsEmpty());
+}
+
+TEST_F(Salvaging, saysWhatMergingWouldComplete) {
+  const Unit whole(kVoice6, 1);
+  file().send(whole.part(0, 1)).loose().send(whole.part(1, 26)).send(Unit(kVoice7).without(kElement));
+  ASSERT_THAT(units(), ElementsAre("voice:user1:6 lost 0", "voice:user1:7 lost 0"));
+  EXPECT_TRUE(result().units[0].isMergeable);
+  EXPECT_FALSE(result().units[1].isMergeable);
+}
+
+TEST_F(Salvaging, pausesBetweenUnitsWhereItCanBeEnded) {
+  Editor::Salvage salvage(options);
+  std::uint64_t number = 0;
+  for (const Bytes& message : {blockDump(kCommon), blockDump({0x00, 0x40, 0x00}), blockDump({0x40, 0x00, 0x00})})
+    salvage.add({0, ++number, 0, message, std::nullopt});
+  int pauses = 0;
+  EXPECT_THAT(salvage.finish([&] { ++pauses; }).units, SizeIs(3));
+  EXPECT_EQ(pauses, 3);
 }
 
 TEST_F(Salvaging, ofTwoWholeOnesThePreferredFilesIsKept) {

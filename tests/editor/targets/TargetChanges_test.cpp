@@ -60,8 +60,8 @@ TEST_F(TargetChanges, voicesThatAMultiTakesAlongAreTold) {
   constexpr unsigned kUserDrums = 12;
   multi.multi->part[3].bankProgram.set(&CMA::voiceBankSelTable[kUserDrums].msb, 0, 0);
   multi.multi->part[3].bankProgram.set(&CMA::voiceBankSelTable[kUserDrums].lsb, 1, 0);
-  EXPECT_THAT(store("multi:edit", multi), ElementsAre(PlaceChange{"multi:edit", What::stored, "", ""},
-                                                      PlaceChange{"voice:part:4", What::stored, "Voice", ""}));
+  EXPECT_THAT(store("multi:edit", multi), ElementsAre(PlaceChange{"voice:part:4", What::stored, "Voice", ""},
+                                                      PlaceChange{"multi:edit", What::stored, "", ""}));
 }
 
 TEST_F(TargetChanges, whatStaysIsNotTold) {

@@ -42,6 +42,39 @@ TEST(Targets, anAddressIsOnePlace) {
   EXPECT_TRUE(parseTargets("0E0A05").isOne);
 }
 
+TEST(Targets, onlyWhatWouldBeTakenIsAskedAbout) {
+  EXPECT_THAT(whyNot("multi:1"), HasSubstr("\"multi:1\": did you mean file:multi:1?"));
+  EXPECT_THAT(whyNot("multi"), HasSubstr("did you mean file:multi?"));
+  EXPECT_THAT(whyNot("multi:1..3"), HasSubstr("did you mean file:multi:1?"));
+  EXPECT_THAT(whyNot("voice:user1:1-16"), testing::StrEq("\"voice:user1:1-16\": did you mean voice:user1:1..16?"));
+  EXPECT_THAT(whyNot("voice:user1:1-129"), Not(HasSubstr("..129")));
+  EXPECT_THAT(whyNot("scren"), Not(HasSubstr("did you mean")));  // no target
+  EXPECT_THAT(whyNot("names:waveforms"), Not(HasSubstr("names:waveforms:1")));
+  EXPECT_THAT(whyNot("additionl"), HasSubstr("did you mean additional?"));
+  const auto whyNoContent = [](const char* text) -> std::string {
+    try {
+      Editor::parseContents(text);
+    } catch (const TargetError& error) {
+      return error.what();
+    }
+    return "accepted";
+  };
+  EXPECT_THAT(whyNoContent("voice:eidt"), Not(HasSubstr("did you mean voice:edit")));
+  EXPECT_THAT(whyNoContent("voice:usr1"), HasSubstr("did you mean voice:user1?"));
+}
+
+TEST(Targets, wherePlacesAreTakenOneByOneABankOrARangeIsSaidToBeNone) {
+  for (const char* several :
+       {"voice:user1", "voice:user1:1..16", "voice:user1:1-16", "voice:user1:9..x", "file:multi"}) {
+    try {
+      Editor::parseTarget(several);
+      FAIL() << several;
+    } catch (const TargetError& error) {
+      EXPECT_EQ(error.what(), '"' + std::string(several) + "\": expected one place, not a bank or a range");
+    }
+  }
+}
+
 TEST(Targets, aBankIsAllOfItsPlacesInOrder) {
   const struct {
     const char* bank;

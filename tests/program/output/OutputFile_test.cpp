@@ -126,6 +126,27 @@ TEST_F(OutputFileTest, aDeviceIsWrittenInPlace) {
   EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
 
+TEST_F(OutputFileTest, whatStandsThereStaysWhereThatIsAskedFor) {
+  OutputFile file(path("a"), OutputFile::Existing::stays);
+  file.write(std::string("new"));
+  write("a", "came meanwhile");
+  EXPECT_FALSE(file.commit());
+  EXPECT_EQ(read("a"), "came meanwhile");
+  std::filesystem::create_symlink(path("none"), path("link"));
+  OutputFile link(path("link"), OutputFile::Existing::stays);
+  EXPECT_FALSE(link.commit());
+  OutputFile free(path("b"), OutputFile::Existing::stays);
+  free.write(std::string("new"));
+  EXPECT_TRUE(free.commit());
+  EXPECT_EQ(read("b"), "new");
+}
+
+TEST_F(OutputFileTest, whatCouldNotTakeItsPlaceLeavesNothingBehind) {
+  write("a", "before");
+  { EXPECT_FALSE(OutputFile(path("a"), OutputFile::Existing::stays).commit()); }
+  EXPECT_EQ(count(), 1);
+}
+
 TEST_F(OutputFileTest, saysWhyItCannotBeWritten) {
   const auto whyNot = [&](const std::string& name) -> std::string {
     try {

@@ -15,17 +15,19 @@ using Editor::Progress;
 
 TEST(Progress, saysItemsBytesAndTheTimeThatIsLeft) {
   using Seconds = std::chrono::duration<double>;
-  EXPECT_EQ(describeProgress({120, 2600}, "contents", {1250000, 0}, Seconds(1)),
+  EXPECT_EQ(describeProgress({120, 2600}, "content", {1250000, 0}, Seconds(1)),
             "120 of 2600 contents, 1.2 MB, 21 s left");
-  EXPECT_EQ(describeProgress({2600, 2600}, "contents", {0, 0}, Seconds(9)), "2600 of 2600 contents, 0.0 MB, 0 s left");
-  EXPECT_EQ(describeProgress({120, 0}, "messages", {1000000, 3000000}, Seconds(3)),
+  EXPECT_EQ(describeProgress({2600, 2600}, "content", {0, 0}, Seconds(9)), "2600 of 2600 contents, 0.0 MB, 0 s left");
+  EXPECT_EQ(describeProgress({120, 0}, "message", {1000000, 3000000}, Seconds(3)),
             "120 messages, 1.0 of 3.0 MB, 6 s left");
-  EXPECT_EQ(describeProgress({120, 0}, "messages", {1200000, 0}, Seconds(3)), "120 messages, 1.2 MB");
+  EXPECT_EQ(describeProgress({120, 0}, "message", {1200000, 0}, Seconds(3)), "120 messages, 1.2 MB");
+  EXPECT_EQ(describeProgress({1, 0}, "content", {1200000, 0}, Seconds(3)), "1 content, 1.2 MB");
+  EXPECT_EQ(describeProgress({0, 1}, "content", {0, 0}, Seconds(3)), "0 of 1 content, 0.0 MB");
 }
 
 TEST(Progress, ctrlCEndsTheRunAtTheNextStep) {
   Console console;
-  Progress progress(console, "restore", "messages", 3);
+  Progress progress(console, "restore", "message", 3);
   EXPECT_NO_THROW(progress.step(1));
   std::raise(SIGINT);
   try {

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "contents/Database.h"
+
+namespace Editor {
+
+// What can still be read of a table when a page of it or of its index cannot: each row that is reached without the
+// index, from the front up to the damage and from the back down to it.
+
+bool isDamage(const SQLite::Exception& error);
+
+enum class Listed : std::uint8_t { contents, favourites, liveKeys };
+// Rows as the statements of Database::Reading give them, in no order, and maybe twice.
+void visitPastDamage(Database& database, Listed rows, const std::function<void(const Query&)>& visit);
+
+// What a place holds. Nothing: it is not there. Throws SQLite::Exception when that cannot be known.
+std::optional<Held> heldPastDamage(Database& database, const Place& place);
+
+}  // namespace Editor

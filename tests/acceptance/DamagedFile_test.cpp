@@ -1,0 +1,235 @@
+// A library of whose file pages, rows or numbers are damaged: who reads gets the rest, and is told what is missing.
+
+#include <fstream>
+
+#include "Program.h"
+#include "editor/contents/TemporaryLibrary.h"
+
+using testing::AllOf;
+using testing::AnyOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace {
+
+constexpr int kVoices = 40;  // on many pages
+
+class DamagedFile : public Program {
+ protected:
+  DamagedFile() {
+    Bytes bank;
+    for (std::uint8_t i = 0; i < kVoices; ++i) {
+      const Bytes voice = unit({0x0E, 0x0A, i}, BDA::List::normalVoice, 0x41);
+      bank.insert(bank.end(), voice.begin(), voice.end());
+    }
+    write("bank.syx", {bank});
+    ok({"receive", "-q", "bank.syx"});
+    for (std::uint8_t i = 0; i < 5; ++i) store({0x0E, 0x0C, i}, BDA::List::normalVoice);  // an entry each
+    store({0x0E, 0x0F, 0x00}, BDA::List::normalVoice);
+    store({0x0E, 0x5F, 0x00}, BDA::List::multi);
+    for (const char* place : {"voice:user1:1", "voice:user1:2"}) ok({"favourite", "-q", place, "on"});
+    ok({"settings", "-q", "mixing-voices", "9"});
+    std::filesystem::copy_file(libraryFile(), directory / "whole.db");
+  }
+  void store(Editor::BulkAddress header, BDA::List list) {
+    write("a.syx", {unit(header, list, 0x41)});
+    ok({"receive", "-q", "a.syx"});
+  }
+  void ok(const std::vector<std::string>& words) { ASSERT_THAT(bda(words), Exits(0)) << testing::PrintToString(words); }
+
+  void asItWas() {
+    for (const char* ending : {"", "-wal", "-shm"}) std::filesystem::remove(libraryFile().string() + ending);
+    std::filesystem::copy_file(directory / "whole.db", libraryFile());
+  }
+  std::size_t number(const std::string& sql) { return std::stoul(Editor::PlainDatabase{libraryFile()}(sql)); }
+  void zeroPage(std::size_t page) {
+    std::string bytes = Editor::bytesOfFile(libraryFile());
+    bytes.replace((page - 1) * 4096, 4096, std::string(4096, '\0'));
+    Editor::writeFile(libraryFile(), bytes);
+  }
+  void zeroRoot(const std::string& name) {
+    asItWas();
+    zeroPage(number("SELECT rootpage FROM sqlite_master WHERE name = '" + name + "'"));
+  }
+  void change(const std::string& sql) {
+    asItWas();
+    Editor::PlainDatabase{libraryFile()}(sql);
+  }
+  // How many voices of the bank contents names.
+  int voicesTold() {
+    const Result run = bda({"contents", "voice:user1", "--json"});
+    EXPECT_THAT(run.code, AnyOf(0, 3));
+    int count = 0;
+    for (const Json& content : objectsOf(run.out)) count += content["stored"] == true ? 1 : 0;
+    return count;
+  }
+  // Each ends with 3, and says what is damaged.
+  void expectTold(const std::string& what) {
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"contents"}, {"backup", "-o", "b.syx"}, {"find", "A", "--edit-buffers"}}) {
+      const Result run = bda(words);
+      EXPECT_THAT(run, Exits(3)) << what << " " << words[0];
+      EXPECT_THAT(run.err, HasSubstr("damaged")) << what << " " << words[0];
+    }
+    EXPECT_THAT(bda({"check"}), Exits(3)) << what;
+  }
+};
+
+TEST_F(DamagedFile, anIndexThatCannotBeReadLosesNothing) {
+  for (const char* index : {"sqlite_autoindex_content_1", "sqlite_autoindex_live_model_1"}) {
+    zeroRoot(index);
+    expectTold(index);
+    EXPECT_THAT(bda({"diff", "library.db", "whole.db"}).out, IsEmpty()) << index;
+    EXPECT_EQ(voicesTold(), kVoices) << index;
+    ok({"show", "voice:user1:6"});
+    ok({"show", "voice:edit"});
+    ok({"request", "voice:user1:6", "-o", "r.syx"});
+    EXPECT_THAT(bda({"show", "voice:user2:1"}).err, HasSubstr("nothing is stored there"));
+    removeLibrary();
+    ASSERT_THAT(bda({"restore", "-q", "b.syx"}), Exits(0));
+    EXPECT_THAT(bda({"diff", "library.db", "whole.db", "--brief"}).out, "settings: different\n") << index;
+  }
+}
+
+TEST_F(DamagedFile, aTableThatCannotBeReadKeepsNobodyFromTheOthers) {
+  for (const char* table : {"live_model", "favourite", "setting"}) {
+    zeroRoot(table);
+    if (table != std::string("setting")) expectTold(table);
+    EXPECT_EQ(voicesTold(), kVoices) << table;
+    const Result backup = bda({"backup", "-o", "b.syx"});
+    EXPECT_EQ(backup.code, table == std::string("setting") ? 0 : 3) << table << backup.err;
+    const std::string messages = bda({"list", "b.syx"}).out;
+    EXPECT_THAT(messages, HasSubstr("voice user1:40")) << table;
+  }
+  zeroRoot("setting");
+  EXPECT_EQ(bda({"diff", "library.db", "whole.db"}).out, "settings: not compared: damaged | good\n");
+  zeroRoot("live_model");
+  EXPECT_THAT(bda({"show", "voice:edit"}), Exits(3));
+  EXPECT_THAT(bda({"diff", "library.db", "whole.db"}).out, HasSubstr("voice:edit: not compared: damaged | good\n"));
+  EXPECT_THAT(bda({"backup", "-o", "b.syx"}).err, HasSubstr("voice:edit: not in the backup"));
+  zeroRoot("favourite");
+  EXPECT_THAT(bda({"contents"}).err, HasSubstr("table favourite is damaged"));
+  const Result flags = bda({"request", "favourites:voice:user1", "-o", "r.syx"});
+  EXPECT_THAT(flags, Exits(3)) << "a flag that cannot be read is none that is off";
+}
+
+TEST_F(DamagedFile, aPageOfContentsLosesNoMoreThanThose) {
+  const std::size_t root = number("SELECT rootpage FROM sqlite_master WHERE name = 'content'");
+  // The pages of contents that are not its root; what is in one only those contents have.
+  const std::size_t pages = number("PRAGMA page_count");
+  int lost = 0;
+  for (std::size_t page = 2; page <= pages; page += 13) {
+    if (page == root) continue;
+    asItWas();
+    zeroPage(page);
+    const Result contents = bda({"contents", "--lines"});
+    EXPECT_THAT(contents.code, AnyOf(0, 3)) << page;
+    EXPECT_GE(voicesTold(), kVoices / 2) << page;
+    const Result backup = bda({"backup", "-o", "b.syx"});
+    EXPECT_THAT(backup.code, AnyOf(0, 3)) << page << backup.err;
+    if (voicesTold() == kVoices) continue;
+    ++lost;
+    EXPECT_EQ(contents.code, 3) << page;
+    EXPECT_THAT(contents.err, HasSubstr("damaged")) << page;
+    EXPECT_EQ(backup.code, 3) << page;
+  }
+  EXPECT_GT(lost, 0);
+  zeroRoot("content");
+  EXPECT_THAT(bda({"show", "voice:user1:6"}), Exits(3));
+  EXPECT_THAT(bda({"show", "voice:user1:6"}).err, AllOf(HasSubstr("damaged"), Not(HasSubstr("nothing is stored"))));
+  EXPECT_THAT(bda({"show", "voice:edit"}), Exits(0));
+  EXPECT_THAT(bda({"request", "voice:user1:6", "-o", "r.syx"}), Exits(3));
+}
+
+TEST_F(DamagedFile, whoChangesSomethingIsRefusedAndToldTheWayOn) {
+  for (const char* table : {"content", "entry", "change", "sqlite_autoindex_content_1"}) {
+    zeroRoot(table);
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"rename", "voice:user1:6", "Grand"},
+                                                  {"remove", "voice:user1:6"},
+                                                  {"copy", "voice:user1:6", "voice:user2:1"}}) {
+      const Result run = bda(words);
+      EXPECT_THAT(run, Exits(1)) << table;
+      EXPECT_THAT(run.err, AllOf(HasSubstr("library.db is damaged"), HasSubstr("restored into a new library")))
+          << table;
+    }
+    const Result backup = bda({"backup", "-o", "b.syx"});
+    EXPECT_THAT(backup.code, AnyOf(0, 3)) << table;
+  }
+  zeroRoot("content");
+  write("v.json", bda({"--library", "whole.db", "show", "voice:user1:6", "--json"}).out);
+  EXPECT_THAT(bda({"apply", "voice:user1:6", "v.json"}), Exits(1));
+  write("a.syx", {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 0x42)});
+  for (const char* option : {"-q", "--dry-run"}) {
+    const Result restore = bda({"restore", option, "a.syx"});
+    EXPECT_THAT(restore, Exits(1)) << option;
+    EXPECT_THAT(restore.err, AllOf(HasSubstr("library.db is damaged"), Not(HasSubstr("memory is")))) << option;
+  }
+}
+
+TEST_F(DamagedFile, aRowOfNoPlaceIsToldAndLeftOut) {
+  change("UPDATE content SET number = -5 WHERE number = 0x3F0805");
+  expectTold("number");
+  EXPECT_EQ(voicesTold(), kVoices - 1);
+  EXPECT_THAT(bda({"contents"}).err, HasSubstr("table content is damaged"));
+}
+
+TEST_F(DamagedFile, aFlagOutOfRangeIsDamagedAndCanBeMended) {
+  for (const char* flag : {"-3", "300"}) {
+    change(std::string("UPDATE favourite SET flag = ") + flag + " WHERE number = 0x3F0800");
+    expectTold(flag);
+    EXPECT_THAT(bda({"check"}).out, HasSubstr("table favourite: damaged: voice:user1:1"));
+    EXPECT_THAT(bda({"contents"}).err, HasSubstr("voice:user1:1: its favourite flag is left out"));
+    EXPECT_THAT(bda({"diff", "library.db", "whole.db"}).out, IsEmpty());
+    const Result copy = bda({"copy", "voice:user1:1..2", "voice:user2:1"});
+    EXPECT_THAT(copy, Exits(3));
+    EXPECT_THAT(copy.err, AllOf(HasSubstr("voice:user1:1: left out"), HasSubstr("stored: voice:user2:2")));
+    ok({"favourite", "voice:user1:1", "off"});
+    EXPECT_THAT(bda({"check"}), Exits(3)) << "the history has what it was";
+    EXPECT_THAT(bda({"contents"}), Exits(0));
+    EXPECT_THAT(bda({"undo"}), Exits(3)) << "what is damaged is never put back";
+  }
+}
+
+TEST_F(DamagedFile, anEntryOfTheHistoryThatIsNoneIsNamedAndNotUndone) {
+  for (const char* sql :
+       {"UPDATE change SET what = 9 WHERE entry = 6", "UPDATE change SET kind = 9 WHERE entry = 6",
+        "UPDATE change SET what = 4 WHERE entry = 6", "UPDATE change SET type = -1 WHERE entry = 6",
+        "UPDATE change SET name_after = NULL WHERE entry = 6", "DELETE FROM change WHERE entry = 6",
+        "UPDATE entry SET undoes = 6 WHERE number = 6",
+        "UPDATE entry SET undoes = 7 WHERE number = 6; UPDATE entry SET undoes = 6 WHERE number = 7",
+        "UPDATE entry SET time = 9223372036854775807 WHERE number = 6",
+        "UPDATE change SET held_name = x'41', held_bytes = x'41', held_checksum = 5 WHERE entry = 6"}) {
+    change(sql);
+    const Result check = bda({"check"});
+    EXPECT_THAT(check, Exits(3)) << sql;
+    EXPECT_THAT(check.out, HasSubstr("entry 6: ")) << sql;
+    const std::vector<Json> history = objects({"history", "--json"});
+    EXPECT_GE(history.size(), 10U) << sql;
+    EXPECT_THAT(bda({"history", "-v"}), Exits(0)) << sql;
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"undo", "6"}, {"undo", "6", "--force"}}) {
+      const Result undo = bda(words);
+      EXPECT_THAT(undo, Exits(3)) << sql;
+      EXPECT_THAT(undo.err, AnyOf(HasSubstr("entry 6 is damaged"), HasSubstr("entry 6 is already undone"))) << sql;
+      EXPECT_THAT(undo.out, IsEmpty()) << sql;
+    }
+    EXPECT_EQ(objects({"history", "--json"}).size(), history.size()) << sql;
+    ok({"undo"});
+  }
+  change("DELETE FROM entry WHERE number = 6");
+  EXPECT_THAT(bda({"check"}).out, HasSubstr("entry 6: it is not there"));
+  EXPECT_THAT(bda({"check"}), Exits(3));
+}
+
+TEST_F(DamagedFile, aContentThatIsRenamedIsNamedWithTheLineOfTheTable) {
+  change("UPDATE content SET checksum = checksum + 1 WHERE number = 0x3F0805");
+  const Result one = bda({"rename", "voice:user1:6", "Grand"});
+  EXPECT_THAT(one, Exits(3));
+  EXPECT_THAT(one.err, AllOf(HasSubstr("voice:user1:6: it is damaged"), Not(HasSubstr("library.db"))));
+  write("names", "voice:user1:5 Soft\nvoice:user1:6 Grand\n");
+  const Result all = bda({"rename", "--from", "names"});
+  EXPECT_THAT(all, Exits(3));
+  EXPECT_THAT(all.err, HasSubstr("line 2: voice:user1:6: it is damaged"));
+}
+
+}  // namespace
