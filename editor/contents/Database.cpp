@@ -50,6 +50,18 @@ constexpr const char* kMoveRows = R"sql(
   DROP TABLE contents; DROP TABLE favourites; DROP TABLE live; DROP TABLE settings;
 )sql";
 
+// Both have an index of their own because a row is found by a key that is not its number.
+constexpr const char* kHasWrongIndex = R"sql(
+  SELECT (SELECT count(*) FROM content NOT INDEXED) <>
+           (SELECT count(*) FROM content INDEXED BY sqlite_autoindex_content_1) OR
+         (SELECT count(*) FROM live_model NOT INDEXED) <>
+           (SELECT count(*) FROM live_model INDEXED BY sqlite_autoindex_live_model_1) OR
+         EXISTS(SELECT rowid, type, number FROM content NOT INDEXED EXCEPT
+                SELECT rowid, type, number FROM content INDEXED BY sqlite_autoindex_content_1) OR
+         EXISTS(SELECT rowid, key FROM live_model NOT INDEXED EXCEPT
+                SELECT rowid, key FROM live_model INDEXED BY sqlite_autoindex_live_model_1)
+)sql";
+
 struct Table {
   const char* any;  // whether it has a row
   const char* all;
@@ -86,6 +98,8 @@ void checksum(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
 }
 
 }  // namespace
+
+bool isDamage(const SQLite::Exception& error) { return (error.getErrorCode() & 0xFF) == SQLITE_CORRUPT; }
 
 void requireCountable(std::size_t size) {
   if (!std::in_range<int>(size)) throw SQLite::Exception("string or blob too big", SQLITE_TOOBIG);
@@ -166,6 +180,17 @@ std::vector<std::pair<std::string, std::string>> Database::checkTables() {
     tables.emplace_back(name, wrong);
   }
   return tables;
+}
+
+bool Database::hasWrongIndex() {
+  if (hasViews_) return false;
+  if (!hasWrongIndex_) try {
+      hasWrongIndex_ = integer(kHasWrongIndex) != 0;
+    } catch (const SQLite::Exception& error) {
+      if (!isDamage(error)) throw;
+      hasWrongIndex_ = false;  // SQLite itself meets that damage where it stands
+    }
+  return *hasWrongIndex_;
 }
 
 bool Database::holdsAnything() {

@@ -21,6 +21,9 @@ namespace Editor {
 inline constexpr std::int32_t kLibraryVersion = 2;
 inline constexpr std::uint32_t kLibraryApplicationId = 0x4244414C;  // "BDAL", in the header of every library
 
+// Whether the file itself is at fault.
+bool isDamage(const SQLite::Exception& error);
+
 // SQLite counts in int. What int cannot count is beyond SQLite's own limit of texts and blobs too, and ends like that.
 void requireCountable(std::size_t size);
 
@@ -52,6 +55,10 @@ struct Database {
   void migrate();
   // By its own integrity check: each table with what is wrong with it, or nothing.
   std::vector<std::pair<std::string, std::string>> checkTables();
+  // Whether an index of a table of contents or live models does not have exactly its rows: SQLite believes an index,
+  // and would take a place for empty, or another one for it. Found out once; false for version 1, which has other
+  // tables.
+  bool hasWrongIndex();
   // Whether any table has a row.
   bool holdsAnything();
   // Into tables that are empty.
@@ -153,6 +160,7 @@ struct Database {
 
  private:
   bool hasViews_ = false;  // or had
+  std::optional<bool> hasWrongIndex_;
 };
 
 // One execution of a prepared statement: binds from left to right, reads columns, leaves it ready for the next.

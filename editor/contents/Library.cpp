@@ -216,6 +216,7 @@ bool Library::isOfOlderVersion() {
 
 // The transaction has changed nothing yet.
 void Library::requireVersion() {
+  requireIndexes();
   if (database_->version() == kLibraryVersion) return;
   if (copy_.empty()) copy_ = place_->copyOldVersion(*database_);
   database_->migrate();
@@ -233,9 +234,19 @@ void Library::endCopy() noexcept {
   copy_.clear();
 }
 
+// Who reads goes without them where he has to.
+void Library::requireIndexes() const {
+  if (database_->hasWrongIndex()) throw SQLite::Exception("an index does not fit its table", SQLITE_CORRUPT);
+}
+
 void Library::copyFrom(Library& other) {
   tellUnread_ = other.tellUnread_;
-  change([&] { other.run([&] { other.database_->copyRowsTo(*database_, Database::Rows::allButHistory); }); });
+  change([&] {
+    other.run([&] {
+      other.requireIndexes();
+      other.database_->copyRowsTo(*database_, Database::Rows::allButHistory);
+    });
+  });
 }
 
 // ---- Places ---------------------------------------------------------------------------------------------------------
@@ -259,6 +270,7 @@ std::optional<Held> Library::heldNow(const Place& place) {
 }
 
 std::optional<Held> Library::heldByIndex(const Place& place) {
+  requireIndexes();
   Database::Reading& reading = *database_->reading;
   switch (place.kind) {
     case Place::Kind::content: {
@@ -361,6 +373,7 @@ void Library::list(Listed rows, Statement& inOrder, Visit visit) {
       visit(query);
   };
   try {
+    requireIndexes();
     for (Query query(inOrder); query.next();) visitRow(query);
   } catch (const SQLite::Exception& error) {
     if (!tellUnread_ || !isDamage(error)) throw;
@@ -383,6 +396,7 @@ std::optional<Library::Content> Library::content(ContentId id) {
 std::optional<std::string> Library::contentName(ContentId id) {
   return read([&]() -> std::optional<std::string> {
     try {
+      requireIndexes();
       Query query(database_->reading->contentName, id);
       return query.next() ? std::optional(query.blob<std::string>(0)) : std::nullopt;
     } catch (const SQLite::Exception& error) {

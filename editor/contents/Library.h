@@ -98,6 +98,7 @@ class Library {
   void leaveOutUnread(std::function<void(const Unread&)> tell) { tellUnread_ = std::move(tell); }
 
   // Takes over everything that `other` holds, as a change of its own, and leaves out what that does. This one is empty.
+  // For rehearsals: a library that refuses every change is not taken over either.
   void copyFrom(Library& other);
 
   // Makes one change of many, or for reading holds one state of the library still. Inside another transaction it is a
@@ -223,6 +224,7 @@ class Library {
   bool lookForLibrary();
   void setDatabase(std::unique_ptr<Database> made);
   void requireVersion();
+  void requireIndexes() const;
   void endCopy() noexcept;
   std::optional<Held> heldNow(const Place& place);
   std::optional<Held> heldByIndex(const Place& place);

@@ -50,8 +50,6 @@ std::optional<Held> heldPastDamage(Database& database, const Ways& ways, const K
 
 }  // namespace
 
-bool isDamage(const SQLite::Exception& error) { return (error.getErrorCode() & 0xFF) == SQLITE_CORRUPT; }
-
 void visitPastDamage(Database& database, Listed rows, const std::function<void(const Query&)>& visit) {
   for (const char* const sql : waysOf(rows)) {
     try {

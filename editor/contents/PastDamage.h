@@ -7,10 +7,8 @@
 
 namespace Editor {
 
-// What can still be read of a table when a page of it or of its index cannot: each row that is reached without the
-// index, from the front up to the damage and from the back down to it.
-
-bool isDamage(const SQLite::Exception& error);
+// What can still be read of a table when a page of it or of its index cannot, or the index is wrong: each row that is
+// reached without the index, from the front up to the damage and from the back down to it.
 
 enum class Listed : std::uint8_t { contents, favourites, liveKeys };
 // Rows as the statements of Database::Reading give them, in no order, and maybe twice.

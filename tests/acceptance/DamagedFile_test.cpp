@@ -92,6 +92,32 @@ TEST_F(DamagedFile, anIndexThatCannotBeReadLosesNothing) {
   }
 }
 
+TEST_F(DamagedFile, anIndexThatIsWrongIsNotBelieved) {
+  for (const char* index : {"sqlite_autoindex_content_1", "sqlite_autoindex_live_model_1"}) {
+    asItWas();
+    const std::string whole = Editor::bytesOfFile(libraryFile());
+    const std::size_t page =
+        4096 * (number("SELECT rootpage FROM sqlite_master WHERE name = '" + std::string(index) + "'") - 1);
+    const std::size_t entries = page + std::uint8_t(whole[page + 5]) * 256 + std::uint8_t(whole[page + 6]);
+    int wrong = 0;
+    for (std::size_t at = entries; at < page + 4096; at += 41) {
+      std::string flipped = whole;
+      flipped[at] ^= 1;
+      Editor::writeFile(libraryFile(), flipped);
+      const bool isWrong = bda({"contents"}).code == 3;  // else it leads to every row, or is not in use
+      wrong += isWrong ? 1 : 0;
+      EXPECT_TRUE(!isWrong || bda({"check"}).code == 3) << index << at;
+      EXPECT_EQ(voicesTold(), kVoices) << index << at;
+      ok({"show", "voice:user1:6"});
+      EXPECT_THAT(bda({"backup", "-o", "b.syx"}), Exits(isWrong ? 3 : 0)) << index << at;
+      for (const char* option : {"--dry-run", "-q"})
+        EXPECT_THAT(bda({"rename", "voice:user1:6", "Grand", option}), Exits(isWrong ? 1 : 0)) << index << at;
+      EXPECT_EQ(voicesTold(), kVoices) << index << at;
+    }
+    EXPECT_GT(wrong, 3) << index;
+  }
+}
+
 TEST_F(DamagedFile, aTableThatCannotBeReadKeepsNobodyFromTheOthers) {
   for (const char* table : {"live_model", "favourite", "setting"}) {
     zeroRoot(table);
