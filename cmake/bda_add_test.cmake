@@ -1,9 +1,10 @@
-# bda_add_test(NAME name SOURCES file... [LIBS target...] [EXHAUSTIVE] [UNITY])
+# bda_add_test(NAME name SOURCES file... [LIBS target...] [EXHAUSTIVE] [UNITY] [PIECES n])
 #
 # One test program of GoogleTest, GoogleMock and RapidCheck; each TEST in it is a test of CTest named name.Suite.Test.
 # EXHAUSTIVE marks sweeps over whole ranges: builds with BDA_SAMPLED leave them out. A test that has a cheap sample of
 # its sweep uses #ifdef BDA_SAMPLED instead. UNITY compiles the sources as one, for those that share most of what they
-# include: a fraction of the time.
+# include: a fraction of the time. PIECES is in how many tests of CTest BDA_ONE_PIECE_TESTS leaves a long one, begun
+# first, so that no processor waits for another at the end.
 include(GoogleTest)
 
 # The headers of the test libraries are half of what a test compiles: once for all of them, unless
@@ -31,9 +32,9 @@ bda_compile_test_code(bda-test-headers "${bda_everyday_optimisation}")
 target_precompile_headers(bda-test-headers PRIVATE <gmock/gmock.h> <gtest/gtest.h> <rapidcheck/gtest.h>)
 
 function(bda_add_test)
-  cmake_parse_arguments(PARSE_ARGV 0 arg "EXHAUSTIVE;UNITY" "NAME" "SOURCES;LIBS")
+  cmake_parse_arguments(PARSE_ARGV 0 arg "EXHAUSTIVE;UNITY" "NAME;PIECES" "SOURCES;LIBS")
   if(NOT arg_NAME OR NOT arg_SOURCES OR arg_UNPARSED_ARGUMENTS)
-    message(FATAL_ERROR "bda_add_test(NAME name SOURCES file... [LIBS target...] [EXHAUSTIVE] [UNITY])")
+    message(FATAL_ERROR "bda_add_test(NAME name SOURCES file... [LIBS target...] [EXHAUSTIVE] [UNITY] [PIECES n])")
   endif()
   if(arg_EXHAUSTIVE AND BDA_SAMPLED)
     return()
@@ -60,9 +61,17 @@ function(bda_add_test)
   target_compile_definitions(${arg_NAME} PRIVATE $<$<BOOL:${BDA_SAMPLED}>:BDA_SAMPLED>
                                                  BDA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   if(BDA_ONE_PIECE_TESTS)
-    add_test(NAME ${arg_NAME} COMMAND ${arg_NAME} --gtest_brief=1 --gtest_filter=*${left_out_TESTS})
     math(EXPR timeout "600 * ${bda_patience}")
-    set_tests_properties(${arg_NAME} PROPERTIES TIMEOUT ${timeout})
+    if(NOT arg_PIECES)
+      set(arg_PIECES 1)
+    endif()
+    math(EXPR last "${arg_PIECES} - 1")
+    foreach(piece RANGE ${last})
+      add_test(NAME ${arg_NAME}.${piece} COMMAND ${arg_NAME} --gtest_brief=1 --gtest_filter=*${left_out_TESTS})
+      set_tests_properties(${arg_NAME}.${piece} PROPERTIES
+                           TIMEOUT ${timeout} COST ${arg_PIECES}
+                           ENVIRONMENT "GTEST_TOTAL_SHARDS=${arg_PIECES};GTEST_SHARD_INDEX=${piece}")
+    endforeach()
   else()
     gtest_discover_tests(${arg_NAME} TEST_PREFIX ${arg_NAME}. TEST_FILTER "*${left_out_TESTS}"
                          DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
