@@ -10,7 +10,7 @@ enum ExitCode : int {
   kAllGood = 0,
   kWrongUsage = 1,     // or an error of the program itself
   kUnusableInput = 2,  // no such file, no MIDI in it, a library that cannot be opened
-  kRefused = 3,        // a message or a unit was refused or is broken
+  kRefused = 3,        // something was refused, is broken, damaged, different, lost or not found
   kInterrupted = 130,  // by the user: everything is as it was at the last message
 };
 

@@ -301,8 +301,9 @@ void LibraryMaking::takeBack(bool wasThere) {
   if (!wasThere)
     whileAlone(file_.path_, [&](Database& database) {
       if (!database.isUnfinished()) return;
-      for (const char* const ending : {"-shm", "-wal", "-journal", ""})
-        std::filesystem::remove(file_.path_.string() + ending, ignored);
+      for (const std::string_view ending : kSideFiles)
+        std::filesystem::remove(file_.path_.string().append(ending), ignored);
+      std::filesystem::remove(file_.path_, ignored);
     });
   for (; !made_.empty(); made_.pop_back()) std::filesystem::remove(made_.back(), ignored);  // unless it is in use
 }

@@ -136,7 +136,6 @@ std::uint8_t BlockMap::unusedBits(std::size_t dataByte) const {
 }
 
 ModelSet modelsAround(BulkAddress block) {
-  constexpr unsigned kHeaderTypes = 17;
   const std::size_t list = BDA::listOf(block.hi);
   ModelSet models;
   if (list == std::size_t(BDA::List::system)) models.system.emplace();

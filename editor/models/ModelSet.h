@@ -54,6 +54,7 @@ bool haveSameShape(const ModelSet& a, const ModelSet& b);
 // What a header of that type opens, fresh; empty for 0 and what lies above 17. `drum` counts for type 9 alone, whose
 // kind of voice the part's bank decides.
 ModelSet emptySetFor(unsigned headerType, bool drum = false);
+inline constexpr unsigned kHeaderTypes = 17;  // from 1
 
 // What a content in our format holds, fresh; empty for contents that never have our format.
 ModelSet emptySetFor(ContentId id);

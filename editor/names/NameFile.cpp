@@ -52,7 +52,6 @@ std::string whyNoName(std::string_view name) {
 class Groups {
  public:
   Groups() {
-    constexpr unsigned kHeaderTypes = 17;
     for (unsigned type = 1; type <= kHeaderTypes; ++type) add(emptySetFor(type));
     ModelSet others;
     others.system.emplace();

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "ExitCode.h"
+#include "contents/LibraryMark.h"
 #include "messages/Text.h"
 #include "output/Console.h"
 #include "output/OutputFile.h"
@@ -40,8 +41,7 @@ void FilesInUse::add(const std::string& path, const std::string& what) {
 
 void FilesInUse::addLibrary(const std::string& path) {
   add(path, "this is the library");
-  for (const char* const ending : {"-wal", "-shm", "-journal"})
-    add(followLinks(path) + ending, "this belongs to the library");
+  for (const std::string_view ending : kSideFiles) add(followLinks(path).append(ending), "this belongs to the library");
 }
 
 void FilesInUse::addOutput(const std::string& path, const std::string& option) {

@@ -22,8 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::array<std::string_view, 3> kEndings{"-wal", "-shm", "-journal"};
-
 // As many as there are of the first hundred.
 std::vector<std::uint8_t> firstBytesOf(const std::string& path) {
   std::array<char, 100> first{};
@@ -32,10 +30,9 @@ std::vector<std::uint8_t> firstBytesOf(const std::string& path) {
   return {first.begin(), first.begin() + file.gcount()};
 }
 
-// Files that are part of a library, which SQLite keeps and locks itself.
 bool isBesideLibrary(const fs::path& path) {
   const std::string name = path.string();
-  return std::any_of(kEndings.begin(), kEndings.end(), [&](std::string_view ending) {
+  return std::any_of(kSideFiles.begin(), kSideFiles.end(), [&](std::string_view ending) {
     return name.ends_with(ending) && isLibrary(name.substr(0, name.size() - ending.size()));
   });
 }
