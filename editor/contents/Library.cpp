@@ -1,9 +1,12 @@
 #include "contents/Library.h"
 
 #include <algorithm>
+#include <array>
+#include <functional>
 #include <map>
 #include <set>
 #include <system_error>
+#include <tuple>
 #include <utility>
 
 #include "contents/Database.h"
@@ -40,8 +43,16 @@ void requireWhole(const Held& held) {
 }
 
 constexpr const char* tableOf(Listed rows) {
-  if (rows == Listed::contents) return "content";
-  return rows == Listed::favourites ? "favourite" : "live_model";
+  constexpr std::array kTables{"content", "favourite", "live_model", "entry", "change", "change"};
+  return kTables.at(std::size_t(rows));
+}
+
+template <typename Rows>
+auto valuesOf(Rows& rows) {
+  std::vector<typename Rows::mapped_type> values;
+  values.reserve(rows.size());
+  for (auto& [key, row] : rows) values.push_back(std::move(row));
+  return values;
 }
 
 }  // namespace
@@ -329,12 +340,40 @@ void Library::openEntry() {
   change([&] { recorder_.open(*database_); });
 }
 
+template <typename Statement, typename Visit, typename... Entry>
+void Library::listHistory(Listed rows, Statement& inOrder, Visit visit, const Entry&... entry) {
+  try {
+    for (Query query(inOrder, entry...); query.next();) visit(query);
+  } catch (const SQLite::Exception& error) {
+    if (!tellUnread_ || !isDamage(error)) throw;
+    leaveOut({std::nullopt, tableOf(rows), error.what()});
+    visitPastDamage(*database_, rows, visit, entry...);
+  }
+}
+
 std::vector<RecordedEntry> Library::recordedEntries() {
-  return read([&] { return Editor::recordedEntries(*database_); });
+  return read([&] {
+    std::map<std::int64_t, RecordedEntry, std::greater<>> newestFirst;
+    listHistory(Listed::entries, database_->reading->entries,
+                [&](const Query& row) { newestFirst.try_emplace(row.integer(0), recordedEntry(row)); });
+    return valuesOf(newestFirst);
+  });
 }
 
 std::vector<RecordedChange> Library::recordedChanges(std::int64_t entry, bool withBytes) {
-  return read([&] { return Editor::recordedChanges(*database_, entry, withBytes); });
+  return read([&] {
+    std::map<std::tuple<std::int64_t, std::int64_t, std::int64_t, std::string>, RecordedChange> byPlace;
+    const auto visit = [&](const Query& row) {
+      byPlace.try_emplace({row.integer(0), row.integer(1), row.integer(2), row.blob<std::string>(3)},
+                          recordedChange(row, withBytes));
+    };
+    Database::Reading& reading = *database_->reading;
+    if (withBytes)
+      listHistory(Listed::changesWithBytes, reading.changesWithBytes, visit, entry);
+    else
+      listHistory(Listed::changes, reading.changes, visit, entry);
+    return valuesOf(byPlace);
+  });
 }
 
 std::vector<std::int64_t> Library::missingEntries() {
@@ -522,11 +561,8 @@ Library::Version Library::dataVersion() {
 }
 
 std::optional<std::int64_t> Library::setting(const std::string& name) {
-  return read([&]() -> std::optional<std::int64_t> {
-    Query query(database_->reading->setting, name);
-    if (!query.next()) return std::nullopt;
-    return query.integer(0);
-  });
+  const std::optional<Held> number = held(settingAt(name));
+  return number ? numberIn(number->name) : std::nullopt;
 }
 
 void Library::set(const std::string& setting, std::int64_t value) {

@@ -219,6 +219,8 @@ class Library {
   void change(Operation operation);
   template <typename Statement, typename Visit>
   void list(Listed rows, Statement& inOrder, Visit visit);
+  template <typename Statement, typename Visit, typename... Entry>
+  void listHistory(Listed rows, Statement& inOrder, Visit visit, const Entry&... entry);
   void leaveOut(const Unread& unread) const;
   bool lookForLibrary();
   void setDatabase(std::unique_ptr<Database> made);

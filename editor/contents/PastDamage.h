@@ -12,9 +12,10 @@ namespace Editor {
 
 bool isDamage(const SQLite::Exception& error);
 
-enum class Listed : std::uint8_t { contents, favourites, liveKeys };
-// Rows as the statements of Database::Reading give them, in no order, and maybe twice.
-void visitPastDamage(Database& database, Listed rows, const std::function<void(const Query&)>& visit);
+enum class Listed : std::uint8_t { contents, favourites, liveKeys, entries, changes, changesWithBytes };
+// Rows as the statements of Database::Reading give them, in no order, and maybe twice; changes are those of `entry`.
+void visitPastDamage(Database& database, Listed rows, const std::function<void(const Query&)>& visit,
+                     std::optional<std::int64_t> entry = {});
 
 // What a place holds. Nothing: it is not there. Throws SQLite::Exception when that cannot be known.
 std::optional<Held> heldPastDamage(Database& database, const Place& place);
