@@ -58,9 +58,7 @@ auto valuesOf(Rows& rows) {
 }  // namespace
 
 Library::Library(const std::filesystem::path& file, const Options& options)
-    : file_(file.empty() ? file : std::filesystem::absolute(file)),
-      canChange_(options.use == Use::change),
-      recorder_(options.clock) {
+    : file_(file.empty() ? file : std::filesystem::absolute(file)), use_(options.use), recorder_(options.clock) {
   if (file.empty()) throw LibraryError(LibraryError::Kind::CannotOpen, "a library needs a file name");
   if (options.use != Use::memory) place_ = std::make_unique<LibraryFile>(file_, options.busyTimeout, options.vfs);
   run([&] {
@@ -68,7 +66,7 @@ Library::Library(const std::filesystem::path& file, const Options& options)
     if (database_ != nullptr) return;
     if (options.use == Use::read && !place_->exists())
       throw SQLite::Exception("there is no such library", SQLITE_CANTOPEN);
-    isYetToBeMade_ = canChange_;
+    isYetToBeMade_ = use_ == Use::change;
     if (isYetToBeMade_) place_->requireRoom();
     database_ = Database::inMemory();
     isInMemory_ = true;
@@ -93,7 +91,7 @@ void Library::fail(int sqliteCode, const std::string& text) const {
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
       throw LibraryError(Kind::Damaged,
-                         name + " is damaged: " + text + (canChange_ && database_ != nullptr ? kWayOn : ""));
+                         name + " is damaged: " + text + (use_ != Use::read && database_ != nullptr ? kWayOn : ""));
     default:
       throw LibraryError(Kind::Failed,
                          name + ": " + (database_ != nullptr && database_->isDiskFull() ? "the disk is full" : text));
@@ -228,7 +226,7 @@ bool Library::isOfOlderVersion() {
 // The transaction has changed nothing yet.
 void Library::requireVersion() {
   if (database_->version() == kLibraryVersion) return;
-  if (copy_.empty()) copy_ = place_->copyOldVersion(*database_);
+  if (place_ != nullptr && copy_.empty()) copy_ = place_->copyOldVersion(*database_);
   database_->migrate();
 }
 
@@ -245,8 +243,8 @@ void Library::endCopy() noexcept {
 }
 
 void Library::copyFrom(Library& other) {
-  tellUnread_ = other.tellUnread_;
-  change([&] { other.run([&] { other.database_->copyRowsTo(*database_, Database::Rows::allButHistory); }); });
+  file_ = other.file_;
+  run([&] { setDatabase(other.database_->copyInMemory()); });
 }
 
 // ---- Places ---------------------------------------------------------------------------------------------------------

@@ -178,6 +178,32 @@ TEST_F(DamagedFile, whoChangesSomethingIsRefusedAndToldTheWayOn) {
   }
 }
 
+TEST_F(DamagedFile, aDryRunIsRefusedWhereTheVerbIsAndInTheSameWords) {
+  for (const char* table : {"content", "favourite", "setting", "entry", "change", "sqlite_autoindex_change_1"}) {
+    write("a.syx", {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 0x42)});
+    for (std::vector<std::string> words : {std::vector<std::string>{"rename", "voice:user1:6", "Grand"},
+                                           {"favourite", "voice:user1:6", "on"},
+                                           {"remove", "voice:user1:6"},
+                                           {"copy", "voice:user1:6", "voice:user2:1"},
+                                           {"settings", "mixing-voices", "5"},
+                                           {"undo"},
+                                           {"restore", "a.syx"}}) {
+      zeroRoot(table);
+      const std::string what = std::string(table) + " " + words[0];
+      words.emplace_back("--dry-run");
+      const Result dry = bda(words);
+      words.pop_back();
+      const Result wet = bda(words);
+      if (wet.code != 0) {
+        EXPECT_EQ(dry.code, wet.code) << what << dry.err << wet.err;
+        EXPECT_EQ(dry.err, wet.err) << what;
+      } else {
+        EXPECT_THAT(dry.code, AnyOf(0, 3)) << what << dry.err;
+      }
+    }
+  }
+}
+
 TEST_F(DamagedFile, aRowOfNoPlaceIsToldAndLeftOut) {
   change("UPDATE content SET number = -5 WHERE number = 0x3F0805");
   expectTold("number");
