@@ -52,6 +52,10 @@ std::string faultIn(const Query& row) {
   constexpr std::uint32_t kMost = 0xFFFFFFFF;
   if (!isIn(1, 0, kMost) || !isIn(2, 0, kMost)) return "a change of it is of a place that there is not";
   const auto kind = Place::Kind(row.integer(0));
+  const bool hasKey = kind == Place::Kind::live || kind == Place::Kind::setting;
+  const bool isNamed =
+      hasKey ? isIn(1, 0, 0) && isIn(2, 0, 0) && !row.blob<std::string>(3).empty() : row.blob<std::string>(3).empty();
+  if (!isNamed) return "a change of it does not name its place as it must";
   const auto what = What(row.integer(4));
   const bool isNumber = kind == Place::Kind::favourite || kind == Place::Kind::setting;
   const bool fits = isNumber ? what == (kind == Place::Kind::favourite ? What::flagged : What::set)

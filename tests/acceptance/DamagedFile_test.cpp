@@ -235,6 +235,9 @@ TEST_F(DamagedFile, anEntryOfTheHistoryThatIsNoneIsNamedAndNotUndone) {
         "UPDATE change SET name_after = NULL WHERE entry = 6", "DELETE FROM change WHERE entry = 6",
         "UPDATE entry SET undoes = 6 WHERE number = 6",
         "UPDATE entry SET undoes = 7 WHERE number = 6; UPDATE entry SET undoes = 6 WHERE number = 7",
+        "UPDATE entry SET undoes = -1 WHERE number = 6", "UPDATE entry SET undoes = 5 WHERE number = 6",
+        "UPDATE entry SET verb = 'undo' WHERE number = 6", "UPDATE change SET key = 'voice' WHERE entry = 6",
+        "UPDATE entry SET verb = 'undo', undoes = 9 WHERE number = 6",
         "UPDATE entry SET time = 9223372036854775807 WHERE number = 6",
         "UPDATE change SET held_name = x'41', held_bytes = x'41', held_checksum = 5 WHERE entry = 6"}) {
     change(sql);
