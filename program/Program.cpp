@@ -93,7 +93,7 @@ std::unique_ptr<Library> Program::openLibraryToRead() {
   try {
     const Library::Use use = useToRead();
     auto library = std::make_unique<Library>(file, Library::Options{.use = use});
-    if (use == Library::Use::read) tellIfEmpty(file, *library);
+    if (use == Library::Use::read) readPastDamage(file, *library);
     return library;
   } catch (const LibraryError& error) {
     throw Failure(kUnusableInput, escape(error.what()));
@@ -121,10 +121,7 @@ std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::
   if (needsNames_ && (!names_.empty() || std::filesystem::exists(nameFile, unknown))) names = loadNames(nameFile);
   try {
     auto editor = std::make_unique<EmbeddedEditor>(file, Library::Options{.use = use});
-    if (use == Library::Use::read) {
-      tellIfEmpty(file, editor->library());
-      editor->library().leaveOutUnread([this, file](const Library::Unread& unread) { leaveOut(file, unread); });
-    }
+    if (use == Library::Use::read) readPastDamage(file, editor->library());
     if (!editor->tools().systemDamage().empty())
       console.note(
           fmt::format("{}: the system settings are damaged and count as new (bda check tells more)", escape(file)));
@@ -137,9 +134,10 @@ std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::
   }
 }
 
-void Program::tellIfEmpty(const std::string& file, const Library& library) {
+void Program::readPastDamage(const std::string& file, Library& library) {
   if (library.isYetEmpty())
     console.note(fmt::format("{}: there is nothing in it yet, it is read as an empty library", escape(file)));
+  library.leaveOutUnread([this, file](const Library::Unread& unread) { leaveOut(file, unread); });
 }
 
 void Program::leaveOut(const std::string& library, const Library::Unread& unread) {

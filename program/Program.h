@@ -69,7 +69,7 @@ class Program {
   std::unique_ptr<EmbeddedEditor> open(const std::string& file, Library::Use use);
   Library::Use useToRead();
   void leaveOut(const std::string& library, const Library::Unread& unread);
-  void tellIfEmpty(const std::string& file, const Library& library);
+  void readPastDamage(const std::string& file, Library& library);
 
   std::string library_;
   std::string names_;

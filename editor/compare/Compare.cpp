@@ -129,7 +129,7 @@ class Comparing {
     try {
       return library.mixingVoiceMaximum();
     } catch (const LibraryError& error) {
-      if (error.kind() != LibraryError::Kind::Damaged) throw;
+      if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
       return std::nullopt;
     }
   }

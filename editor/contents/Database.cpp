@@ -3,9 +3,13 @@
 #include <algorithm>
 #include <cerrno>
 
+#include <SQLiteCpp/Backup.h>
+
 namespace Editor {
 
 namespace {
+
+constexpr const char* kNoFile = ":memory:";
 
 // Names and bytes are blobs: text would be taken for UTF-8 and end at its first zero. What an entry needs of a place to
 // put it back is what it held; of what it left there a checksum is enough, to find out whether it is still there.
@@ -66,7 +70,6 @@ struct Table {
   const char* any;  // whether it has a row
   const char* all;
   const char* insert;
-  bool isHistory = false;
 };
 
 constexpr Table kRows[] = {
@@ -79,13 +82,12 @@ constexpr Table kRows[] = {
     {"SELECT EXISTS(SELECT 1 FROM setting)", "SELECT name, value FROM setting",
      "INSERT INTO setting(name, value) VALUES(?, ?)"},
     {"SELECT EXISTS(SELECT 1 FROM entry)", "SELECT number, time, undoes, bytes, verb, sources FROM entry",
-     "INSERT INTO entry(number, time, undoes, bytes, verb, sources) VALUES(?, ?, ?, ?, ?, ?)", true},
+     "INSERT INTO entry(number, time, undoes, bytes, verb, sources) VALUES(?, ?, ?, ?, ?, ?)"},
     {"SELECT EXISTS(SELECT 1 FROM change)",
      "SELECT entry, kind, type, number, key, what, name_before, name_after, checksum_after, held_name, held_checksum, "
      "held_bytes FROM change",
      "INSERT INTO change(entry, kind, type, number, key, what, name_before, name_after, checksum_after, held_name, "
-     "held_checksum, held_bytes) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
-     true},
+     "held_checksum, held_bytes) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"},
 };
 
 // checksumOf() for statements: of a name and bytes.
@@ -112,10 +114,17 @@ Database::Database(const std::string& name, int flags, std::chrono::milliseconds
 }
 
 std::unique_ptr<Database> Database::inMemory() {
-  constexpr const char* kNoFile = ":memory:";
   auto database = std::make_unique<Database>(kNoFile, SQLite::OPEN_READWRITE, kForEver, nullptr);
   database->makeTables();
   database->prepareStatements();
+  return database;
+}
+
+std::unique_ptr<Database> Database::copyInMemory() {
+  auto database = std::make_unique<Database>(kNoFile, SQLite::OPEN_READWRITE, kForEver, nullptr);
+  SQLite::Backup(database->connection, connection).executeStep();
+  database->prepareStatements();
+  database->hasWrongIndex_ = hasWrongIndex();  // SQLite refuses to write in memory once it has met damage there
   return database;
 }
 
@@ -198,9 +207,8 @@ bool Database::holdsAnything() {
                      [this](const Table& table) { return integer(table.any) != 0; });
 }
 
-void Database::copyRowsTo(Database& other, Rows rows) {
+void Database::copyRowsTo(Database& other) {
   for (const Table& table : kRows) {
-    if (table.isHistory && rows == Rows::allButHistory) continue;
     SQLite::Statement row(connection, table.all);
     SQLite::Statement insert(other.connection, table.insert);
     while (row.executeStep()) {

@@ -36,6 +36,8 @@ struct Database {
   Database& operator=(const Database&) = delete;
   // An empty one without a file, gone with its last owner.
   static std::unique_ptr<Database> inMemory();
+  // The same of this one as its transaction sees it, page by page: what is damaged here is damaged there.
+  std::unique_ptr<Database> copyInMemory();
 
   std::int64_t integer(const char* sql) { return connection.execAndGet(sql).getInt64(); }
   // That is all that is left of a library which was begun and cut off, too.
@@ -62,8 +64,7 @@ struct Database {
   // Whether any table has a row.
   bool holdsAnything();
   // Into tables that are empty.
-  enum class Rows : std::uint8_t { all, allButHistory };
-  void copyRowsTo(Database& other, Rows rows);
+  void copyRowsTo(Database& other);
   // An SQLite error may have ended the transaction behind our back; what came next would then be written alone.
   bool transactionLost() const { return sqlite3_get_autocommit(connection.getHandle()) != 0; }
 

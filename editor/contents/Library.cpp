@@ -1,9 +1,12 @@
 #include "contents/Library.h"
 
 #include <algorithm>
+#include <array>
+#include <functional>
 #include <map>
 #include <set>
 #include <system_error>
+#include <tuple>
 #include <utility>
 
 #include "contents/Database.h"
@@ -40,16 +43,22 @@ void requireWhole(const Held& held) {
 }
 
 constexpr const char* tableOf(Listed rows) {
-  if (rows == Listed::contents) return "content";
-  return rows == Listed::favourites ? "favourite" : "live_model";
+  constexpr std::array kTables{"content", "favourite", "live_model", "entry", "change", "change"};
+  return kTables.at(std::size_t(rows));
+}
+
+template <typename Rows>
+auto valuesOf(Rows& rows) {
+  std::vector<typename Rows::mapped_type> values;
+  values.reserve(rows.size());
+  for (auto& [key, row] : rows) values.push_back(std::move(row));
+  return values;
 }
 
 }  // namespace
 
 Library::Library(const std::filesystem::path& file, const Options& options)
-    : file_(file.empty() ? file : std::filesystem::absolute(file)),
-      canChange_(options.use == Use::change),
-      recorder_(options.clock) {
+    : file_(file.empty() ? file : std::filesystem::absolute(file)), use_(options.use), recorder_(options.clock) {
   if (file.empty()) throw LibraryError(LibraryError::Kind::CannotOpen, "a library needs a file name");
   if (options.use != Use::memory) place_ = std::make_unique<LibraryFile>(file_, options.busyTimeout, options.vfs);
   run([&] {
@@ -57,7 +66,7 @@ Library::Library(const std::filesystem::path& file, const Options& options)
     if (database_ != nullptr) return;
     if (options.use == Use::read && !place_->exists())
       throw SQLite::Exception("there is no such library", SQLITE_CANTOPEN);
-    isYetToBeMade_ = canChange_;
+    isYetToBeMade_ = use_ == Use::change;
     if (isYetToBeMade_) place_->requireRoom();
     database_ = Database::inMemory();
     isInMemory_ = true;
@@ -82,7 +91,7 @@ void Library::fail(int sqliteCode, const std::string& text) const {
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
       throw LibraryError(Kind::Damaged,
-                         name + " is damaged: " + text + (canChange_ && database_ != nullptr ? kWayOn : ""));
+                         name + " is damaged: " + text + (use_ != Use::read && database_ != nullptr ? kWayOn : ""));
     default:
       throw LibraryError(Kind::Failed,
                          name + ": " + (database_ != nullptr && database_->isDiskFull() ? "the disk is full" : text));
@@ -218,7 +227,7 @@ bool Library::isOfOlderVersion() {
 void Library::requireVersion() {
   requireIndexes();
   if (database_->version() == kLibraryVersion) return;
-  if (copy_.empty()) copy_ = place_->copyOldVersion(*database_);
+  if (place_ != nullptr && copy_.empty()) copy_ = place_->copyOldVersion(*database_);
   database_->migrate();
 }
 
@@ -240,13 +249,8 @@ void Library::requireIndexes() const {
 }
 
 void Library::copyFrom(Library& other) {
-  tellUnread_ = other.tellUnread_;
-  change([&] {
-    other.run([&] {
-      other.requireIndexes();
-      other.database_->copyRowsTo(*database_, Database::Rows::allButHistory);
-    });
-  });
+  file_ = other.file_;
+  run([&] { setDatabase(other.database_->copyInMemory()); });
 }
 
 // ---- Places ---------------------------------------------------------------------------------------------------------
@@ -341,12 +345,40 @@ void Library::openEntry() {
   change([&] { recorder_.open(*database_); });
 }
 
+template <typename Statement, typename Visit, typename... Entry>
+void Library::listHistory(Listed rows, Statement& inOrder, Visit visit, const Entry&... entry) {
+  try {
+    for (Query query(inOrder, entry...); query.next();) visit(query);
+  } catch (const SQLite::Exception& error) {
+    if (!tellUnread_ || !isDamage(error)) throw;
+    leaveOut({std::nullopt, tableOf(rows), error.what()});
+    visitPastDamage(*database_, rows, visit, entry...);
+  }
+}
+
 std::vector<RecordedEntry> Library::recordedEntries() {
-  return read([&] { return Editor::recordedEntries(*database_); });
+  return read([&] {
+    std::map<std::int64_t, RecordedEntry, std::greater<>> newestFirst;
+    listHistory(Listed::entries, database_->reading->entries,
+                [&](const Query& row) { newestFirst.try_emplace(row.integer(0), recordedEntry(row)); });
+    return valuesOf(newestFirst);
+  });
 }
 
 std::vector<RecordedChange> Library::recordedChanges(std::int64_t entry, bool withBytes) {
-  return read([&] { return Editor::recordedChanges(*database_, entry, withBytes); });
+  return read([&] {
+    std::map<std::tuple<std::int64_t, std::int64_t, std::int64_t, std::string>, RecordedChange> byPlace;
+    const auto visit = [&](const Query& row) {
+      byPlace.try_emplace({row.integer(0), row.integer(1), row.integer(2), row.blob<std::string>(3)},
+                          recordedChange(row, withBytes));
+    };
+    Database::Reading& reading = *database_->reading;
+    if (withBytes)
+      listHistory(Listed::changesWithBytes, reading.changesWithBytes, visit, entry);
+    else
+      listHistory(Listed::changes, reading.changes, visit, entry);
+    return valuesOf(byPlace);
+  });
 }
 
 std::vector<std::int64_t> Library::missingEntries() {
@@ -536,11 +568,8 @@ Library::Version Library::dataVersion() {
 }
 
 std::optional<std::int64_t> Library::setting(const std::string& name) {
-  return read([&]() -> std::optional<std::int64_t> {
-    Query query(database_->reading->setting, name);
-    if (!query.next()) return std::nullopt;
-    return query.integer(0);
-  });
+  const std::optional<Held> number = held(settingAt(name));
+  return number ? numberIn(number->name) : std::nullopt;
 }
 
 void Library::set(const std::string& setting, std::int64_t value) {

@@ -97,8 +97,8 @@ class Library {
   // something has to know all.
   void leaveOutUnread(std::function<void(const Unread&)> tell) { tellUnread_ = std::move(tell); }
 
-  // Takes over everything that `other` holds, as a change of its own, and leaves out what that does. This one is empty.
-  // For rehearsals: a library that refuses every change is not taken over either.
+  // Holds what `other` does from now on, with its history and what is damaged, and bears its name: a change of this one
+  // fails where it would fail there, in the same words. This one is empty, in memory, and in no transaction.
   void copyFrom(Library& other);
 
   // Makes one change of many, or for reading holds one state of the library still. Inside another transaction it is a
@@ -220,6 +220,8 @@ class Library {
   void change(Operation operation);
   template <typename Statement, typename Visit>
   void list(Listed rows, Statement& inOrder, Visit visit);
+  template <typename Statement, typename Visit, typename... Entry>
+  void listHistory(Listed rows, Statement& inOrder, Visit visit, const Entry&... entry);
   void leaveOut(const Unread& unread) const;
   bool lookForLibrary();
   void setDatabase(std::unique_ptr<Database> made);
@@ -232,7 +234,7 @@ class Library {
   void replace(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after);
 
   std::filesystem::path file_;
-  bool canChange_;
+  Use use_;
   std::unique_ptr<LibraryFile> place_;  // null: in memory for good
   std::unique_ptr<Database> database_;
   bool isInMemory_ = false;

@@ -325,7 +325,7 @@ std::unique_ptr<Database> LibraryMaking::makeFile(Database& rows) {
     SQLite::Transaction transaction(connection, SQLite::TransactionBehavior::IMMEDIATE);
     requireNothing();
     database->makeTables();
-    rows.copyRowsTo(*database, Database::Rows::all);
+    rows.copyRowsTo(*database);
     database->prepareStatements();
     transaction.commit();  // the last thing that can fail: what is on disk must not be told as failed
   });

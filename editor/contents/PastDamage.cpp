@@ -14,6 +14,18 @@ constexpr Ways kFavourites{"SELECT type, number, flag FROM favourite ORDER BY ty
                            "SELECT type, number, flag FROM favourite ORDER BY type DESC, number DESC"};
 constexpr Ways kLiveKeys{"SELECT key FROM live_model NOT INDEXED ORDER BY rowid",
                          "SELECT key FROM live_model NOT INDEXED ORDER BY rowid DESC"};
+constexpr Ways kEntries{"SELECT number, time, undoes, verb, sources, bytes FROM entry ORDER BY number",
+                        "SELECT number, time, undoes, verb, sources, bytes FROM entry ORDER BY number DESC"};
+constexpr Ways kChanges{
+    "SELECT kind, type, number, key, what, name_before, name_after, checksum_after "
+    "FROM change NOT INDEXED WHERE entry = ? ORDER BY rowid",
+    "SELECT kind, type, number, key, what, name_before, name_after, checksum_after "
+    "FROM change NOT INDEXED WHERE entry = ? ORDER BY rowid DESC"};
+constexpr Ways kChangesWithBytes{
+    "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, held_name, held_checksum, "
+    "held_bytes FROM change NOT INDEXED WHERE entry = ? ORDER BY rowid",
+    "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, held_name, held_checksum, "
+    "held_bytes FROM change NOT INDEXED WHERE entry = ? ORDER BY rowid DESC"};
 constexpr Ways kContent{
     "SELECT name, bytes, checksum FROM content NOT INDEXED WHERE type = ? AND number = ? ORDER BY rowid",
     "SELECT name, bytes, checksum FROM content NOT INDEXED WHERE type = ? AND number = ? ORDER BY rowid DESC"};
@@ -27,9 +39,15 @@ const Ways& waysOf(Listed rows) {
     case Listed::favourites:
       return kFavourites;
     case Listed::liveKeys:
+      return kLiveKeys;
+    case Listed::entries:
+      return kEntries;
+    case Listed::changes:
+      return kChanges;
+    case Listed::changesWithBytes:
       break;
   }
-  return kLiveKeys;
+  return kChangesWithBytes;
 }
 
 template <typename Key>
@@ -50,10 +68,12 @@ std::optional<Held> heldPastDamage(Database& database, const Ways& ways, const K
 
 }  // namespace
 
-void visitPastDamage(Database& database, Listed rows, const std::function<void(const Query&)>& visit) {
+void visitPastDamage(Database& database, Listed rows, const std::function<void(const Query&)>& visit,
+                     std::optional<std::int64_t> entry) {
   for (const char* const sql : waysOf(rows)) {
     try {
       SQLite::Statement statement(database.connection, sql);
+      if (entry) statement.bind(1, *entry);
       for (Query query(statement); query.next();) visit(query);
     } catch (const SQLite::Exception& error) {
       if (!isDamage(error)) throw;

@@ -52,6 +52,10 @@ std::string faultIn(const Query& row) {
   constexpr std::uint32_t kMost = 0xFFFFFFFF;
   if (!isIn(1, 0, kMost) || !isIn(2, 0, kMost)) return "a change of it is of a place that there is not";
   const auto kind = Place::Kind(row.integer(0));
+  const bool hasKey = kind == Place::Kind::live || kind == Place::Kind::setting;
+  const bool isNamed =
+      hasKey ? isIn(1, 0, 0) && isIn(2, 0, 0) && !row.blob<std::string>(3).empty() : row.blob<std::string>(3).empty();
+  if (!isNamed) return "a change of it does not name its place as it must";
   const auto what = What(row.integer(4));
   const bool isNumber = kind == Place::Kind::favourite || kind == Place::Kind::setting;
   const bool fits = isNumber ? what == (kind == Place::Kind::favourite ? What::flagged : What::set)
@@ -177,38 +181,31 @@ std::vector<std::int64_t> missingEntries(Database& database) {
   return numbers;
 }
 
-std::vector<RecordedEntry> recordedEntries(Database& database) {
-  std::vector<RecordedEntry> entries;
-  for (Query query(database.reading->entries); query.next();)
-    entries.push_back({query.integer(0),
-                       query.integer(1),
-                       {query.blob<std::string>(3), unpacked(query.blob<std::string>(4)),
-                        query.isNull(2) ? std::nullopt : std::optional(query.integer(2))},
-                       query.integer(5)});
-  return entries;
+RecordedEntry recordedEntry(const Query& row) {
+  return {row.integer(0),
+          row.integer(1),
+          {row.blob<std::string>(3), unpacked(row.blob<std::string>(4)),
+           row.isNull(2) ? std::nullopt : std::optional(row.integer(2))},
+          row.integer(5)};
 }
 
-std::vector<RecordedChange> recordedChanges(Database& database, std::int64_t entry, bool withBytes) {
-  std::vector<RecordedChange> changes;
-  SQLite::Statement& statement = withBytes ? database.reading->changesWithBytes : database.reading->changes;
-  for (Query query(statement, entry); query.next();) {
-    const auto text = [&](int column) {
-      return query.isNull(column) ? std::nullopt : std::optional(query.blob<std::string>(column));
-    };
-    RecordedChange& change = changes.emplace_back();
-    change.fault = faultIn(query);
-    if (!change.fault.empty()) continue;
-    change.place = {Place::Kind(query.integer(0)),
-                    {query.number<std::uint32_t>(1), query.number<std::uint32_t>(2)},
-                    query.blob<std::string>(3)};
-    change.what = What(query.integer(4));
-    change.nameBefore = text(5);
-    change.nameAfter = text(6);
-    if (!query.isNull(7)) change.checksumAfter = query.integer(7);
-    if (!withBytes || query.isNull(9)) continue;
-    change.before = Held{query.blob<std::string>(8), query.blob<std::vector<std::uint8_t>>(10), query.integer(9)};
-  }
-  return changes;
+RecordedChange recordedChange(const Query& row, bool withBytes) {
+  const auto text = [&](int column) {
+    return row.isNull(column) ? std::nullopt : std::optional(row.blob<std::string>(column));
+  };
+  RecordedChange change;
+  change.fault = faultIn(row);
+  if (!change.fault.empty()) return change;
+  change.place = {Place::Kind(row.integer(0)),
+                  {row.number<std::uint32_t>(1), row.number<std::uint32_t>(2)},
+                  row.blob<std::string>(3)};
+  change.what = What(row.integer(4));
+  change.nameBefore = text(5);
+  change.nameAfter = text(6);
+  if (!row.isNull(7)) change.checksumAfter = row.integer(7);
+  if (withBytes && !row.isNull(9))
+    change.before = Held{row.blob<std::string>(8), row.blob<std::vector<std::uint8_t>>(10), row.integer(9)};
+  return change;
 }
 
 }  // namespace Editor

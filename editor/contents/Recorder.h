@@ -11,6 +11,7 @@
 namespace Editor {
 
 struct Database;
+class Query;
 
 // What changes a library: a run of a verb.
 struct LibraryRun {
@@ -99,9 +100,9 @@ class Recorder {
   std::int64_t untrimmed_ = 0;  // bytes
 };
 
-std::vector<RecordedEntry> recordedEntries(Database& database);  // the newest first
-// By place. Their bytes only `withBytes`.
-std::vector<RecordedChange> recordedChanges(Database& database, std::int64_t entry, bool withBytes);
+// Of rows as the statements of Database::Reading give them; the bytes of a change only `withBytes`.
+RecordedEntry recordedEntry(const Query& row);
+RecordedChange recordedChange(const Query& row, bool withBytes);
 // About what it takes in the file, its bytes with it.
 std::int64_t sizeOf(const RecordedChange& change);
 // The numbers of entries that are not there, though changes of them are.

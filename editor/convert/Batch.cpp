@@ -25,7 +25,9 @@ void BatchBuilder::add(std::span<const std::uint8_t> message) {
   const bool isFileDump = reading.kind == Reading::Kind::dump && reading.role == Role::fileDump;
   if (isBroken(reading)) {
     batch_.brokenMessages.push_back({reading.address, isFileDump, number, describeFault(reading)});
-    if (reading.role == Role::part) brokenBlocks_.insert(number);
+    const bool bounds = reading.role == Role::header || reading.role == Role::footer;
+    if (reading.role == Role::part || (bounds && reading.verdict == Reading::Verdict::blockLengthWrong))
+      brokenBlocks_.insert(number);
   } else if (isFileDump) {
     const BulkAddress address = *reading.address;
     const ContentKind kind = contentKindOf(*contentNamedBy(address));

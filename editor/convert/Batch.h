@@ -45,7 +45,7 @@ struct Batch {
     std::string why;
   };
   std::vector<UnitReport> broken;             // what is no whole unit, by the numbers of its messages, from 1
-  std::vector<BrokenMessage> brokenMessages;  // but the blocks that a broken unit lacks
+  std::vector<BrokenMessage> brokenMessages;  // but those of which a broken unit tells
 
   // The places of the messages of each unit, in their order.
   std::vector<std::vector<std::size_t>> messagesByUnit() const;
@@ -79,7 +79,7 @@ class BatchBuilder {
   UnitFollower follower_;
   std::vector<Found> found_;
   std::vector<Written> written_;
-  std::set<std::uint64_t> brokenBlocks_;  // messages
+  std::set<std::uint64_t> brokenBlocks_;  // messages; headers and footers that are taken all the same, too
 };
 
 // ---- What is changed in all of them, or in one ----

@@ -18,8 +18,7 @@ const UnitReport* find(const std::vector<UnitReport>& ended, UnitReport::State s
 bool beginsOrEndsUnit(const Reading& reading, const std::vector<UnitReport>& ended) {
   if (reading.verdict != Reading::Verdict::blockLengthWrong) return false;
   return reading.role == Role::header ||
-         (reading.role == Role::footer && (find(ended, UnitReport::State::complete) != nullptr ||
-                                           find(ended, UnitReport::State::incomplete) != nullptr));
+         (reading.role == Role::footer && find(ended, UnitReport::State::strayFooter) == nullptr);
 }
 
 }  // namespace
@@ -30,7 +29,8 @@ std::vector<WholeUnits::Decided> WholeUnits::next(Message message, bool isHeard)
     return std::exchange(decided_, {});
   }
   const std::vector<UnitReport> ended = follower_.next(message.reading, message.number);
-  if (const UnitReport* const abandoned = find(ended, UnitReport::State::abandoned)) refuse(unit_, *abandoned);
+  const UnitReport* const abandoned = find(ended, UnitReport::State::abandoned);
+  if (abandoned != nullptr && message.reading.role != Role::footer) refuse(unit_, *abandoned);
   decide(std::move(message), ended);
   return std::exchange(decided_, {});
 }
@@ -58,11 +58,10 @@ void WholeUnits::decide(Message message, const std::vector<UnitReport>& ended) {
       return wait(unit_, std::move(message));
     case Role::footer:
       if (find(ended, UnitReport::State::complete) != nullptr) return release(unit_, std::move(message));
-      if (const UnitReport* const incomplete = find(ended, UnitReport::State::incomplete)) {
-        unit_.messages.push_back(std::move(message));
-        return refuse(unit_, *incomplete);
-      }
-      return refuse(std::move(message), describeUnit(ended.back()));
+      if (find(ended, UnitReport::State::strayFooter) != nullptr)
+        return refuse(std::move(message), describeUnit(ended.back()));
+      unit_.messages.push_back(std::move(message));
+      return refuse(unit_, ended.back());
     case Role::fileDump:
       wait(fileDumps_, std::move(message));
       if (const UnitReport* const discarded = find(ended, UnitReport::State::discarded)) refuse(fileDumps_, *discarded);
@@ -95,12 +94,13 @@ void WholeUnits::release(Waiting& waiting, Message last) {
   }
   Waiting whole = std::exchange(waiting, {});
   whole.messages.push_back(std::move(last));
-  decided_.push_back({std::move(whole.messages), std::move(whole.fault)});
+  decided_.push_back({std::move(whole.messages), {}});
 }
 
 void WholeUnits::refuse(Waiting& waiting, const UnitReport& unit) {
   Waiting refused = std::exchange(waiting, {});
-  if (!refused.messages.empty()) decided_.push_back({std::move(refused.messages), describeUnit(unit)});
+  if (refused.messages.empty()) return;
+  decided_.push_back({std::move(refused.messages), refused.fault.empty() ? describeUnit(unit) : refused.fault});
 }
 
 void WholeUnits::refuse(Message message, std::string why) {

@@ -35,6 +35,10 @@ class Checking {
   void contents() {
     inTable("content", [&] {
       for (const ContentId id : library_.contents()) {
+        if (!isContent(id)) {
+          visit_({Checked::Kind::content, nameOf(id), State::damaged, "there is no such place"});
+          continue;
+        }
         const ModelSet shape = emptySetFor(id);
         thing(contentAt(id), haveSameShape(shape, ModelSet()) ? std::vector<ModelSet>() : std::vector{shape});
       }
@@ -50,7 +54,9 @@ class Checking {
 
   void history() {
     inTable("change", [&] {
-      for (const RecordedEntry& recorded : library_.recordedEntries()) entry(recorded);
+      const std::vector<RecordedEntry> newestFirst = library_.recordedEntries();
+      for (const RecordedEntry& recorded : newestFirst) entry(recorded, newestFirst);
+      if (told_.contains("entry")) return;  // what is missing there may only be out of reach
       for (const std::int64_t number : library_.missingEntries())
         damaged("entry", number, "it is not there, though changes of it are");
     });
@@ -71,9 +77,10 @@ class Checking {
     visit_({Checked::Kind::table, table, State::damaged, "entry " + std::to_string(number) + ": " + what});
   }
 
-  void entry(const RecordedEntry& entry) {
+  void entry(const RecordedEntry& entry, const std::vector<RecordedEntry>& newestFirst) {
     const std::vector<RecordedChange> changes = library_.recordedChanges(entry.number, true);
-    if (const std::string fault = faultOf(entry, changes); !fault.empty()) damaged("entry", entry.number, fault);
+    if (const std::string fault = faultOf(entry, changes, newestFirst); !fault.empty())
+      damaged("entry", entry.number, fault);
     for (const RecordedChange& change : changes)
       if (change.before && !isSound(change.place, *change.before))
         damaged("change", entry.number,

@@ -34,8 +34,27 @@ bool isBefore(const RecordedChange& a, const RecordedChange& b) {
   return order(a.place) < order(b.place);
 }
 
-// One that says that it undoes itself or a later one undoes nothing.
-bool isUndo(const RecordedEntry& entry) { return entry.run.undoes && *entry.run.undoes < entry.number; }
+constexpr const char* kUndo = "undo";
+
+// One that says that it undoes itself or a later one undoes nothing, and so does another verb.
+bool isUndo(const RecordedEntry& entry) {
+  return entry.run.verb == kUndo && entry.run.undoes && *entry.run.undoes < entry.number;
+}
+
+// The oldest entries go, and leave the undos that undid them; between two that are kept none has ever gone.
+bool canHaveBeen(std::int64_t number, const std::vector<RecordedEntry>& newestFirst) {
+  if (number < 1) return false;
+  return number < newestFirst.back().number ||
+         std::any_of(newestFirst.begin(), newestFirst.end(),
+                     [&](const RecordedEntry& entry) { return entry.number == number; });
+}
+
+std::string faultOfUndo(const RecordedEntry& entry, const std::vector<RecordedEntry>& newestFirst) {
+  if (!entry.run.undoes) return entry.run.verb == kUndo ? "it does not say which entry it undoes" : "";
+  if (entry.run.verb != kUndo) return "it says that it undoes an entry, and is no undo";
+  if (!isUndo(entry)) return "it says that it undoes an entry that is not before it";
+  return canHaveBeen(*entry.run.undoes, newestFirst) ? "" : "it says that it undoes an entry that there is not";
+}
 
 // Each entry that is undone, with the undo that did it.
 std::map<std::int64_t, std::int64_t> undosOf(const std::vector<RecordedEntry>& newestFirst) {
@@ -64,9 +83,10 @@ std::string nameOf(const Place& place) {
   return place.key;
 }
 
-std::string faultOf(const RecordedEntry& entry, const std::vector<RecordedChange>& changes) {
+std::string faultOf(const RecordedEntry& entry, const std::vector<RecordedChange>& changes,
+                    const std::vector<RecordedEntry>& newestFirst) {
   if (!isTime(entry.time)) return "its time is none";
-  if (entry.run.undoes && !isUndo(entry)) return "it says that it undoes an entry that is not before it";
+  if (std::string fault = faultOfUndo(entry, newestFirst); !fault.empty()) return fault;
   std::int64_t bytes = 0;
   for (const RecordedChange& change : changes) {
     if (!change.fault.empty()) return change.fault;

@@ -36,9 +36,10 @@ struct HistoryEntry {
 
 inline constexpr const char* kNoFavourite = "0";  // the value of such a flag
 
-// What is wrong with an entry, in words, for its changes as they stand in the file with their bytes: such an entry is
-// not undone. Empty: nothing.
-std::string faultOf(const RecordedEntry& entry, const std::vector<RecordedChange>& changes);
+// What is wrong with an entry, in words, for its changes as they stand in the file with their bytes, and all entries,
+// itself among them: such an entry is not undone. Empty: nothing.
+std::string faultOf(const RecordedEntry& entry, const std::vector<RecordedChange>& changes,
+                    const std::vector<RecordedEntry>& newestFirst);
 
 // When entries can have been made.
 constexpr bool isTime(std::int64_t seconds) { return seconds >= 0 && seconds <= 253'402'300'799; }  // to the year 9999

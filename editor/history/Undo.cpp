@@ -30,10 +30,11 @@ Undone find(Library& library, std::optional<std::int64_t> named) {
   return found;
 }
 
-RecordedEntry recordedEntry(Library& library, std::int64_t number) {
-  for (RecordedEntry& entry : library.recordedEntries())
-    if (entry.number == number) return std::move(entry);
-  return {};
+std::string faultOf(Library& library, std::int64_t number, const std::vector<RecordedChange>& changes) {
+  const std::vector<RecordedEntry> entries = library.recordedEntries();
+  const auto entry = std::find_if(entries.begin(), entries.end(),
+                                  [&](const RecordedEntry& recorded) { return recorded.number == number; });
+  return faultOf(*entry, changes, entries);
 }
 
 }  // namespace
@@ -43,7 +44,7 @@ Undone undo(EmbeddedEditor& editor, std::optional<std::int64_t> entry, Force for
   Undone undone = find(library, entry);
   if (undone.state != Undone::State::done) return undone;
   const std::vector<RecordedChange> changes = library.recordedChanges(undone.entry, true);
-  undone.fault = faultOf(recordedEntry(library, undone.entry), changes);
+  undone.fault = faultOf(library, undone.entry, changes);
   if (!undone.fault.empty()) {
     undone.state = Undone::State::damaged;
     return undone;

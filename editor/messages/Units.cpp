@@ -115,13 +115,14 @@ void UnitFollower::dump(const Reading& reading) {
     case Role::header:
       abandon(describeAddress(address));
       open_.emplace(address, message_);
+      isHeaderBroken_ = isBroken(reading);
       openDevices_ = {device};
       break;
     case Role::part:
       part(reading);
       break;
     case Role::footer:
-      footer(address, device);
+      footer(reading);
       break;
     case Role::fileDump:
       fileDump(reading);
@@ -149,15 +150,18 @@ void UnitFollower::part(const Reading& reading) {
     openDevices_.insert(*reading.device);
 }
 
-void UnitFollower::footer(BulkAddress address, unsigned device) {
+void UnitFollower::footer(const Reading& reading) {
+  const BulkAddress address = *reading.address;
   if (!open_ || !open_->isClosedBy(address)) return report(UnitReport::State::strayFooter, address);
   std::vector<BulkAddress> missing = open_->missing();
+  if (missing.empty() && isHeaderBroken_) return abandon("a header of the wrong length, closed");
+  if (missing.empty() && isBroken(reading)) return abandon("a footer of the wrong length");
   report(missing.empty() ? UnitReport::State::complete : UnitReport::State::incomplete, open_->header());
   ended_.back().firstMessage = open_->firstMessage();
   ended_.back().blocks = std::move(missing);
   ended_.back().messages = open_->messages();
   ended_.back().messages.push_back(message_);
-  openDevices_.insert(device);
+  openDevices_.insert(*reading.device);
   ended_.back().note = noteOf(openDevices_);
   open_.reset();
 }

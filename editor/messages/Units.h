@@ -96,7 +96,7 @@ class UnitFollower {
     bool isBroken;  // the instrument holds it all the same, and finds out when it should write it
   };
   void dump(const Reading& reading);
-  void footer(BulkAddress address, unsigned device);
+  void footer(const Reading& reading);
   void part(const Reading& reading);
   void fileDump(const Reading& reading);
   void writeTrigger(BulkAddress address, unsigned device);
@@ -106,6 +106,7 @@ class UnitFollower {
 
   std::uint64_t message_ = 0;
   std::optional<OpenUnit> open_;
+  bool isHeaderBroken_ = false;     // of the wrong length: the instrument takes it all the same, and its blocks
   std::set<unsigned> openDevices_;  // whom its messages are for
   std::vector<HeldFileDump> held_;
   std::uint64_t firstHeld_ = 0;

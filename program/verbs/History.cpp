@@ -20,7 +20,7 @@ void history(const HistoryOptions& options, Program& program) {
     if (options.json || !program.console.isVerbose()) continue;
     for (const PlaceChange& change : changes) program.console.line("      " + lineOf(change));
   }
-  if (entries.empty()) program.console.note("nothing is recorded");
+  if (entries.empty() && program.exitCode() == kAllGood) program.console.note("nothing is recorded");
 }
 
 }  // namespace Editor

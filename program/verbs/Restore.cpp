@@ -164,8 +164,9 @@ class Restoring {
     run.settle();
     const std::vector<PlaceChange> changes = changesOfRun(copy.library());
     if (options_.json) return tellChanges(changes, options_, console_);
-    run.commit();           // to the copy
-    copy.tools().reload();  // what is damaged stays so
+    run.commit();                                                  // to the copy
+    copy.tools().reload();                                         // what is damaged stays so
+    copy.library().leaveOutUnread([](const Library::Unread&) {});  // the library tells it
     bool isAnyTold = false;
     compareLibraries(library, copy, Reception::ignored, [&](const Difference& change) {
       if (isDamagedInBoth(change)) return;  // messages do not damage: nothing has come there

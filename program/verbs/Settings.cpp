@@ -88,11 +88,6 @@ const std::array kSettings{
             [](EmbeddedEditor& editor, std::int64_t most) { editor.library().set(Recorder::kMegabytes, most); }},
 };
 
-std::string toJsonLine(const Setting& setting, EmbeddedEditor& editor) {
-  const nlohmann::ordered_json json{{"setting", setting.name}, {"value", setting.get(editor)}};
-  return json.dump();
-}
-
 void tellSet(const std::string& name, const std::string& before, const std::string& after, const ChangeOptions& options,
              Console& console) {
   if (before == after) return console.note(fmt::format("nothing changes: {} is {}", name, after));
@@ -101,6 +96,21 @@ void tellSet(const std::string& name, const std::string& before, const std::stri
     console.line("would " + change);
   else
     console.note(change);
+}
+
+// One that cannot be read is left out.
+void show(const Setting& setting, bool isAlone, const ChangeOptions& options, EmbeddedEditor& editor,
+          Program& program) {
+  try {
+    const std::string value = setting.get(editor);
+    if (options.json)
+      program.console.line(nlohmann::ordered_json{{"setting", setting.name}, {"value", value}}.dump());
+    else
+      program.console.line(isAlone ? value : fmt::format("{} {}", setting.name, value));
+  } catch (const LibraryError& error) {
+    if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
+    program.leaveOutDamaged(setting.name);
+  }
 }
 
 const Setting& settingNamed(const std::string& name) {
@@ -124,15 +134,13 @@ void settings(const std::string& name, const std::optional<std::string>& value, 
               Program& program) {
   if (name.empty()) {
     const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
-    for (const Setting& setting : kSettings)
-      program.console.line(options.json ? toJsonLine(setting, *editor)
-                                        : fmt::format("{} {}", setting.name, setting.get(*editor)));
+    for (const Setting& setting : kSettings) show(setting, false, options, *editor, program);
     return;
   }
   const Setting& setting = settingNamed(name);
   if (!value) {
     const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
-    return program.console.line(options.json ? toJsonLine(setting, *editor) : setting.get(*editor));
+    return show(setting, true, options, *editor, program);
   }
   const std::optional<std::int64_t> number = setting.parse(*value);
   if (!number) throw Failure(kWrongUsage, fmt::format("{}: \"{}\": expected {}", name, escape(*value), setting.values));

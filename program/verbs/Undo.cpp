@@ -4,8 +4,7 @@
 
 #include <fmt/format.h>
 
-#include <memory>
-
+#include "ChangeRun.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "output/Complaints.h"
@@ -38,9 +37,8 @@ std::string wayOn(const Undone& undone) {
 
 void undo(std::optional<std::int64_t> entry, bool force, const ChangeOptions& options, Program& program) {
   program.requireLibrary(kRefused);
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToChange({"undo"});
-  Library::Transaction transaction(editor->library());
-  const Undone undone = undo(*editor, entry, force ? Force::yes : Force::no);
+  ChangeRun run(program, {"undo"}, options);
+  const Undone undone = undo(run.editor(), entry, force ? Force::yes : Force::no);
   if (undone.state == Undone::State::nothingToUndo)
     throw Failure(kRefused,
                   entry ? fmt::format("there is no entry {} in the history", *entry) : "there is nothing to undo");
@@ -56,11 +54,7 @@ void undo(std::optional<std::int64_t> entry, bool force, const ChangeOptions& op
   if (undone.state == Undone::State::conflict)
     throw Failure(kRefused, fmt::format("entry {} is not undone, nothing is changed: --force puts back all the same",
                                         undone.entry));
-  if (!options.dryRun) {
-    transaction.commit();
-    program.noteChange();
-  }
-  tellChanges(undone.changes, options, program.console);
+  run.keep();
   program.console.note(fmt::format("entry {} {}: {}", undone.entry, options.dryRun ? "would be undone" : "is undone",
                                    counted(undone.changes.size(), "change")));
 }

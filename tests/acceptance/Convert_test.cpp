@@ -346,6 +346,32 @@ TEST_F(Convert, splitPutsWhatIsNoWholeUnitToTheRestAndSaysSo) {
   EXPECT_EQ(folder("dir"), (std::map<std::string, std::string>{{"other.syx", read("cut.syx")}}));
 }
 
+TEST_F(Convert, aUnitWithABrokenHeaderOrFooterIsNoneWhereUnitsCount) {
+  const Bytes whole = voice({0x0E, 0x0A, 0x05});
+  const std::size_t end = dump({0x0E, 0x0A, 0x05}).size();
+  for (const bool isHeader : {true, false}) {
+    const std::string blocks = text(whole).substr(isHeader ? end : 0, whole.size() - end);
+    const std::string broken = text(dump({std::uint8_t(isHeader ? 0x0E : 0x0F), 0x0A, 0x05}, {1}));
+    write("a.syx", isHeader ? broken + blocks : blocks + broken);
+    EXPECT_THAT(units("a.syx"), testing::ElementsAre("voice:user1:6 abandoned"));
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"--split", "dir"},
+                                                  {"-o", "b.syx", "--place", "voice:user2:1"},
+                                                  {"-o", "b.syx", "--select", "voice:user1:6"}}) {
+      std::vector<std::string> all = words;
+      all.insert(all.begin(), {"convert", "a.syx"});
+      const Result run = bda(all);
+      EXPECT_THAT(run, Exits(3)) << testing::PrintToString(words);
+      EXPECT_THAT(run.err, HasSubstr("voice:user1:6: abandoned (messages 1 to 26), by a "));
+    }
+    EXPECT_EQ(folder("dir"), (std::map<std::string, std::string>{{"other.syx", read("a.syx")}}));
+    EXPECT_FALSE(exists("b.syx"));
+    std::filesystem::remove_all(directory / "dir");
+    ASSERT_THAT(bda({"convert", "a.syx", "-o", "all.syx"}), Exits(0));
+    EXPECT_EQ(read("all.syx"), read("a.syx")) << "its messages are messages";
+    EXPECT_THAT(bda({"receive", "a.syx"}).out, HasSubstr("stored: voice:user1:6"));
+  }
+}
+
 TEST_F(Convert, aBrokenFileDumpIsToldWhereUnitsCount) {
   write("a.syx", {damaged(fileDump({0x0C, 0x0A, 0x06}, "Piano", {1})), kTrigger});
   for (const std::vector<std::string>& words : {std::vector<std::string>{"--split", "dir"},

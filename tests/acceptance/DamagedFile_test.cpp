@@ -1,6 +1,8 @@
 // A library of whose file pages, rows or numbers are damaged: who reads gets the rest, and is told what is missing.
 
+#include <algorithm>
 #include <fstream>
+#include <sstream>
 
 #include "Program.h"
 #include "editor/contents/TemporaryLibrary.h"
@@ -51,6 +53,15 @@ class DamagedFile : public Program {
   void zeroRoot(const std::string& name) {
     asItWas();
     zeroPage(number("SELECT rootpage FROM sqlite_master WHERE name = '" + name + "'"));
+  }
+  std::vector<std::size_t> pagesOf(const std::vector<std::string>& names) {
+    std::vector<std::size_t> pages;
+    for (const std::string& name : names) {
+      std::istringstream list(Editor::PlainDatabase{libraryFile()}(
+          "SELECT group_concat(pageno, ' ') FROM dbstat WHERE name = '" + name + "' AND pagetype <> 'overflow'"));
+      for (std::size_t page = 0; list >> page;) pages.push_back(page);
+    }
+    return pages;
   }
   void change(const std::string& sql) {
     asItWas();
@@ -193,6 +204,32 @@ TEST_F(DamagedFile, whoChangesSomethingIsRefusedAndToldTheWayOn) {
   }
 }
 
+TEST_F(DamagedFile, aDryRunIsRefusedWhereTheVerbIsAndInTheSameWords) {
+  for (const char* table : {"content", "favourite", "setting", "entry", "change", "sqlite_autoindex_change_1"}) {
+    write("a.syx", {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 0x42)});
+    for (std::vector<std::string> words : {std::vector<std::string>{"rename", "voice:user1:6", "Grand"},
+                                           {"favourite", "voice:user1:6", "on"},
+                                           {"remove", "voice:user1:6"},
+                                           {"copy", "voice:user1:6", "voice:user2:1"},
+                                           {"settings", "mixing-voices", "5"},
+                                           {"undo"},
+                                           {"restore", "a.syx"}}) {
+      zeroRoot(table);
+      const std::string what = std::string(table) + " " + words[0];
+      words.emplace_back("--dry-run");
+      const Result dry = bda(words);
+      words.pop_back();
+      const Result wet = bda(words);
+      if (wet.code != 0) {
+        EXPECT_EQ(dry.code, wet.code) << what << dry.err << wet.err;
+        EXPECT_EQ(dry.err, wet.err) << what;
+      } else {
+        EXPECT_THAT(dry.code, AnyOf(0, 3)) << what << dry.err;
+      }
+    }
+  }
+}
+
 TEST_F(DamagedFile, aRowOfNoPlaceIsToldAndLeftOut) {
   change("UPDATE content SET number = -5 WHERE number = 0x3F0805");
   expectTold("number");
@@ -224,6 +261,9 @@ TEST_F(DamagedFile, anEntryOfTheHistoryThatIsNoneIsNamedAndNotUndone) {
         "UPDATE change SET name_after = NULL WHERE entry = 6", "DELETE FROM change WHERE entry = 6",
         "UPDATE entry SET undoes = 6 WHERE number = 6",
         "UPDATE entry SET undoes = 7 WHERE number = 6; UPDATE entry SET undoes = 6 WHERE number = 7",
+        "UPDATE entry SET undoes = -1 WHERE number = 6", "UPDATE entry SET undoes = 5 WHERE number = 6",
+        "UPDATE entry SET verb = 'undo' WHERE number = 6", "UPDATE change SET key = 'voice' WHERE entry = 6",
+        "UPDATE entry SET verb = 'undo', undoes = 9 WHERE number = 6",
         "UPDATE entry SET time = 9223372036854775807 WHERE number = 6",
         "UPDATE change SET held_name = x'41', held_bytes = x'41', held_checksum = 5 WHERE entry = 6"}) {
     change(sql);
@@ -245,6 +285,46 @@ TEST_F(DamagedFile, anEntryOfTheHistoryThatIsNoneIsNamedAndNotUndone) {
   change("DELETE FROM entry WHERE number = 6");
   EXPECT_THAT(bda({"check"}).out, HasSubstr("entry 6: it is not there"));
   EXPECT_THAT(bda({"check"}), Exits(3));
+}
+
+TEST_F(DamagedFile, aPageOfTheHistoryLosesNoMoreThanStandsOnIt) {
+  for (int i = 0; i < 40; ++i) ok({"favourite", "-q", "voice:user1:3", i % 2 == 0 ? "on" : "off"});
+  ok({"copy", "-q", "voice:user1:1..40", "voice:user3:1"});
+  ok({"remove", "-q", "voice:user3:1..40"});  // what they held stands in the history now
+  std::filesystem::copy_file(libraryFile(), directory / "whole.db", std::filesystem::copy_options::overwrite_existing);
+  const std::size_t entries = objects({"history", "--json"}).size();
+  std::size_t most = 0;
+  for (const std::size_t page : pagesOf({"entry", "change", "sqlite_autoindex_change_1"})) {
+    asItWas();
+    zeroPage(page);
+    const Result history = bda({"history", "--json"});
+    EXPECT_THAT(history, Exits(3)) << page;
+    EXPECT_THAT(history.err, HasSubstr("is damaged, what cannot be read of it is left out")) << page;
+    most = std::max(most, objectsOf(history.out).size());
+    EXPECT_THAT(bda({"check"}), Exits(3)) << page;
+    EXPECT_THAT(bda({"contents"}), Exits(0)) << page;
+  }
+  EXPECT_EQ(most, entries);
+  zeroRoot("sqlite_autoindex_change_1");
+  const Result all = bda({"--library", "whole.db", "history", "--json"});
+  EXPECT_EQ(bda({"history", "--json"}).out, all.out) << "the table has all that the index does not find";
+  zeroRoot("entry");
+  EXPECT_THAT(bda({"history"}).err, AllOf(HasSubstr("table entry is damaged"), Not(HasSubstr("nothing is recorded"))));
+}
+
+TEST_F(DamagedFile, aSettingThatCannotBeReadKeepsNobodyFromTheOthers) {
+  zeroRoot("setting");
+  const Result all = bda({"settings"});
+  EXPECT_THAT(all, Exits(3));
+  EXPECT_EQ(all.out, "device-number 1\nreceive-bulk on\n");
+  for (const char* name : {"mixing-voices", "history", "history-size"}) {
+    EXPECT_THAT(all.err, HasSubstr(std::string(name) + ": left out: it is damaged"));
+    const Result one = bda({"settings", name, "--json"});
+    EXPECT_THAT(one, Exits(3)) << name;
+    EXPECT_THAT(one.out, IsEmpty()) << name;
+  }
+  ok({"settings", "device-number"});
+  EXPECT_THAT(bda({"settings", "history", "5"}), Exits(1)) << "who changes something is refused";
 }
 
 TEST_F(DamagedFile, aContentThatIsRenamedIsNamedWithTheLineOfTheTable) {

@@ -279,5 +279,18 @@ TEST_F(LibraryFileTest, ACopyInMemoryHoldsWhatItsTransactionSees) {
   EXPECT_EQ(copy.live("system"), Bytes{9});
 }
 
+TEST_F(LibraryFileTest, ACopyInMemoryOfVersion1IsBroughtToThisOneThereAlone) {
+  makeOldLibrary(file);
+  const std::string before = bytesOfFile(file);
+  Library original(file, {.use = Use::read});
+  Library copy(file, {.use = Use::memory});
+  copy.copyFrom(original);
+  EXPECT_TRUE(copy.isOfOlderVersion());
+  copy.store(kMulti, Bytes{2}, "new");
+  EXPECT_FALSE(copy.isOfOlderVersion());
+  EXPECT_THAT(copy.contents(), ElementsAre(kMulti, kVoice));
+  EXPECT_EQ(bytesOfFile(file), before);
+}
+
 }  // namespace
 }  // namespace Editor

@@ -256,10 +256,19 @@ TEST_F(LibraryHistory, ALibraryInMemoryHasNone) {
   Library memory(file, {.use = Library::Use::memory});
   memory.store(kVoice, Bytes{1}, "x");
   EXPECT_THAT(memory.recordedEntries(), IsEmpty());
-  Library copy(file, {.use = Library::Use::memory});
+}
+
+TEST_F(LibraryHistory, ACopyInMemoryGoesOnWithThatOfItsOriginal) {
   library.store(kVoice, Bytes{1}, "x");
+  Library copy(file, {.use = Library::Use::memory});
   copy.copyFrom(library);
-  EXPECT_THAT(copy.recordedEntries(), IsEmpty());
+  copy.store(kVoice, Bytes{2}, "no run");
+  EXPECT_THAT(copy.recordedEntries(), SizeIs(1));
+  copy.beginRun({"rehearsal"});
+  copy.store(kVoice, Bytes{3}, "y");
+  EXPECT_THAT(copy.recordedEntries(), SizeIs(2));
+  EXPECT_EQ(copy.entryOfRun(), 2);
+  EXPECT_THAT(numbers(), ElementsAre(1));
 }
 
 // ---- Checksums ------------------------------------------------------------------------------------------------------

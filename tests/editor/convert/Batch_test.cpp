@@ -75,6 +75,19 @@ TEST(Batch, whatIsBrokenIsNoUnit) {
   EXPECT_EQ(bytesOf(batch), joined({messages, {damaged(kFileDump)}}));
 }
 
+TEST(Batch, aUnitWithAHeaderOrFooterOfTheWrongLengthIsBroken) {
+  for (const std::size_t at : {std::size_t(0), kVoice.size() - 1}) {
+    std::vector<Bytes> messages = kVoice;
+    messages[at] = dump({std::uint8_t(at == 0 ? 0x0E : 0x0F), 0x0A, 0x05}, {1});
+    const Batch batch = batchOf({messages});
+    EXPECT_THAT(batch.units, IsEmpty());
+    ASSERT_EQ(batch.broken.size(), 1u);
+    EXPECT_EQ(batch.broken.front().state, Editor::UnitReport::State::abandoned);
+    EXPECT_TRUE(batch.brokenMessages.empty()) << "what is told of their unit is enough";
+    EXPECT_EQ(bytesOf(batch), joined({messages}));
+  }
+}
+
 TEST(Batch, everyBrokenMessageIsNamedButTheBlocksThatABrokenUnitLacks) {
   std::vector<Bytes> unit = kVoice;
   unit[3] = damaged(unit[3]);

@@ -80,6 +80,54 @@ TEST_F(Checks, ADamagedTableIsNamedAndKeepsNothingElseFromBeingLookedAt) {
   EXPECT_THAT(names(State::good), ::testing::Contains("voice:user1:6"));
 }
 
+TEST_F(Checks, AContentOfNoPlaceIsDamaged) {
+  fill();
+  damage("INSERT INTO content VALUES(99, 5, x'41', x'01', 5)");
+  damage("INSERT INTO content VALUES(1, 128, x'41', x'01', 5)");
+  EXPECT_THAT(names(State::damaged), ElementsAre("content 128 of type 1", "content 5 of type 99"));
+  EXPECT_EQ(found(State::damaged)[0].reason, "there is no such place");
+}
+
+TEST_F(Checks, AChangeThatNamesItsPlaceAsAnotherKindDoesIsDamaged) {
+  for (const char* sql : {"key = 'x' WHERE kind = 1", "key = 'x' WHERE kind = 2", "number = 1 WHERE kind = 3",
+                          "type = 1 WHERE kind = 4", "key = '' WHERE kind = 4"}) {
+    std::filesystem::remove(file);
+    fill();
+    Library(file).setFavourite(kVoice, 1);
+    Library(file).setMixingVoiceMaximum(7);
+    EXPECT_THAT(names(State::damaged), IsEmpty());
+    damage(std::string("UPDATE change SET ") + sql);
+    EXPECT_THAT(names(State::damaged), ::testing::Each("entry")) << sql;
+    EXPECT_THAT(found(State::damaged).at(0).reason, HasSubstr("does not name its place as it must")) << sql;
+  }
+}
+
+TEST_F(Checks, AnEntryUndoesOneThatWasThereBeforeIt) {
+  {
+    Library library(file);
+    for (const char* name : {"one", "two", "three"}) {
+      library.beginRun({name});
+      library.store(kVoice, Bytes{1}, name);
+    }
+    library.beginRun({"undo", {}, 1});
+    library.store(kVoice, Bytes{1}, "zero");
+  }
+  EXPECT_THAT(names(State::damaged), IsEmpty());
+  for (const char* sql :
+       {"undoes = -1 WHERE number = 4", "undoes = 0 WHERE number = 4", "undoes = 4 WHERE number = 4",
+        "undoes = 9 WHERE number = 4", "undoes = NULL WHERE number = 4", "undoes = 1 WHERE number = 3"}) {
+    damage(std::string("UPDATE entry SET ") + sql);
+    EXPECT_THAT(names(State::damaged), ElementsAre("entry")) << sql;
+    damage("UPDATE entry SET undoes = NULL; UPDATE entry SET undoes = 1 WHERE number = 4");
+  }
+  damage("DELETE FROM entry WHERE number = 2; DELETE FROM change WHERE entry = 2");
+  EXPECT_THAT(names(State::damaged), IsEmpty());
+  damage("UPDATE entry SET undoes = 2 WHERE number = 4");
+  EXPECT_THAT(found(State::damaged).at(0).reason, HasSubstr("undoes an entry that there is not"));
+  damage("DELETE FROM entry WHERE number = 1; DELETE FROM change WHERE entry = 1");
+  EXPECT_THAT(names(State::damaged), IsEmpty()) << "the oldest go, and leave their undos";
+}
+
 TEST_F(Checks, ALibraryOfVersion1IsCheckedAsItIs) {
   makeOldLibrary(file);
   EXPECT_THAT(names(State::damaged), IsEmpty());

@@ -49,6 +49,18 @@ class Units : public testing::Test {
 
 }  // namespace
 
+TEST_F(Units, aHeaderOrFooterOfTheWrongLengthBreaksItsUnit) {
+  send(dump(kHeader, {1})).sendAll(BDA::List::normalVoice).block(kFooter);
+  block(kHeader).sendAll(BDA::List::normalVoice).send(dump(kFooter, {1}));
+  block(kHeader).sendAll(BDA::List::normalVoice).block(kFooter).finish();
+  ASSERT_THAT(states(), ElementsAre(State::abandoned, State::abandoned, State::complete));
+  EXPECT_EQ(describeUnit(reports[0]),
+            "voice:user1:6: abandoned (messages 1 to 26), by a header of the wrong length, closed at message 26");
+  EXPECT_EQ(describeUnit(reports[1]),
+            "voice:user1:6: abandoned (messages 27 to 52), by a footer of the wrong length at message 52");
+  EXPECT_TRUE(isBroken(reports[0]));
+}
+
 TEST_F(Units, headerAllBlocksFooterIsComplete) {
   block(kHeader).sendAll(BDA::List::normalVoice).block(kFooter).finish();
   ASSERT_THAT(states(), ElementsAre(State::complete));
