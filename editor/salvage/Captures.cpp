@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <ranges>
 #include <utility>
 
 #include "AddressRows.h"
@@ -315,7 +314,7 @@ void Captures::addEarlier(const Run& run) {
     if (isSuperseded) capture.pieces = *pieces;
     earlier.push_back(std::move(capture));
   }
-  std::ranges::move(earlier | std::views::reverse, std::back_inserter(captures_));
+  std::move(earlier.rbegin(), earlier.rend(), std::back_inserter(captures_));
 }
 
 void Captures::endRun() {
