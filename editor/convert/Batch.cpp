@@ -41,9 +41,8 @@ void BatchBuilder::addJson(nlohmann::ordered_json object) {
   Batch::Unit unit{Batch::Unit::Form::json, {}, std::nullopt};
   if (const auto target = object.is_object() ? object.find("target") : object.end(); target != object.end()) {
     try {
-      const std::string name = target->is_string() ? target->get<std::string>() : target->dump();
-      const Target parsed = parseTarget(name);
-      unit.place = placeNameOf(parsed);
+      unit.target = target->is_string() ? target->get<std::string>() : target->dump();
+      unit.place = placeNameOf(parseTarget(unit.target));
     } catch (const TargetError& error) {
       throw TargetJsonError(std::string("target: ") + error.what());
     }

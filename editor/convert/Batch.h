@@ -29,6 +29,7 @@ struct Batch {
     ContentKind kind = ContentKind::voice;  // not of JSON
     bool removes = false;                   // a file dump without data: it removes what stands in its place
     nlohmann::ordered_json object = {};     // of JSON, without its "target"
+    std::string target = {};                // of JSON: that, as it was written
   };
   struct Message {
     std::vector<std::uint8_t> bytes;

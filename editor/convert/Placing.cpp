@@ -123,6 +123,8 @@ void Placing::finish() {
     if (unit && replaced_[*unit] && messages_[*unit].front() == i) waiting.push_back(*unit);
     if (!takeOld(i)) continue;
     if (unit) end = std::max(end, ends[*unit]);
+    const bool isHeld = unit && batch_.units[*unit].form == Form::fileDump && ends[*unit] == i + 1;
+    if (isHeld && !held_) held_ = unit;
     messages.push_back(std::move(batch_.messages[i]));
   }
   batch_.messages = std::move(messages);
@@ -154,8 +156,13 @@ bool Placing::takeOld(std::size_t message) {
 
 void Placing::putNew(std::size_t unit, std::vector<Batch::Message>& messages) {
   for (std::vector<std::uint8_t>& bytes : *replaced_[unit]) messages.push_back({std::move(bytes), unit});
-  if (batch_.units[unit].form == Form::fileDump)
-    messages.push_back({triggerFor(messages.back().bytes), std::nullopt, {unit}});
+  if (batch_.units[unit].form != Form::fileDump) return;
+  if (held_)
+    throw TargetError(TargetError::Kind::refused,
+                      fmt::format("{} needs a write trigger, which would write {} as well, that is held before it and "
+                                  "not written; nothing is written",
+                                  batch_.units[unit].place, batch_.units[*held_].place));
+  messages.push_back({triggerFor(messages.back().bytes), std::nullopt, {unit}});
 }
 
 UnitModels::Held Placing::read(std::size_t unit) {

@@ -47,7 +47,8 @@ class Placing {
   UnitModels& models_;
   const std::vector<std::vector<std::size_t>> messages_;
   std::vector<std::optional<MessageBytes>> replaced_;
-  std::size_t goneUntil_ = 0;  // of the units that are replaced: the last message
+  std::optional<std::size_t> held_;  // the first unit before the new messages that no trigger writes
+  std::size_t goneUntil_ = 0;        // of the units that are replaced: the last message
 };
 
 }  // namespace Editor

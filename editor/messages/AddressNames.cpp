@@ -10,6 +10,7 @@
 #include "AddressRows.h"
 #include "ExecuterNumbers.h"
 #include "messages/Nearest.h"
+#include "messages/Text.h"
 #include "midi/Hex.h"
 
 namespace Editor {
@@ -278,18 +279,19 @@ BulkAddress parseName(const std::string& name, const TakenNames& taken) {
   const std::vector<std::string> candidates = taken();
   // What travels as a file dump only has no other name.
   if (const std::string dump = "file:" + name; contains(candidates, dump))
-    throw std::invalid_argument(fmt::format("\"{}\": did you mean {}?", name, dump));
+    throw std::invalid_argument(fmt::format("\"{}\": did you mean {}?", escape(name), dump));
   if (!search.outOfRange.empty())
-    throw std::invalid_argument(fmt::format("\"{}\": expected {}", name, search.outOfRange));
+    throw std::invalid_argument(fmt::format("\"{}\": expected {}", escape(name), search.outOfRange));
   const std::string question = didYouMean(name, candidates);
   if (const std::string relatives = relativesOf(name, candidates); !relatives.empty())
-    throw std::invalid_argument(question.empty() ? fmt::format("\"{}\": expected one of {}", name, relatives)
-                                                 : fmt::format("\"{}\"{} Else one of {}", name, question, relatives));
-  if (!question.empty()) throw std::invalid_argument(fmt::format("\"{}\"{}", name, question));
+    throw std::invalid_argument(question.empty()
+                                    ? fmt::format("\"{}\": expected one of {}", escape(name), relatives)
+                                    : fmt::format("\"{}\"{} Else one of {}", escape(name), question, relatives));
+  if (!question.empty()) throw std::invalid_argument(fmt::format("\"{}\"{}", escape(name), question));
   throw std::invalid_argument(
       fmt::format("\"{}\": expected three hex bytes such as 0E0A05, or a name such as voice:user1:6, drum:edit, "
                   "performance:b:18, multi:edit, master:1, remote:1, system, file:voice:user1:6",
-                  name));
+                  escape(name)));
 }
 
 std::string lowerCase(std::string_view text) {
@@ -407,9 +409,10 @@ BulkAddress parseAddress(std::string_view text, const TakenNames& taken) {
   std::replace(plain.begin(), plain.end(), '/', ' ');
   const auto bytes = parseHex(plain);
   if (!bytes || bytes->size() != 3)
-    throw std::invalid_argument(fmt::format("\"{}\": expected three hex bytes such as 0E0A05 or 0E 0A 05", text));
+    throw std::invalid_argument(
+        fmt::format("\"{}\": expected three hex bytes such as 0E0A05 or 0E 0A 05", escape(text)));
   if (std::any_of(bytes->begin(), bytes->end(), [](std::uint8_t byte) { return byte > 0x7F; }))
-    throw std::invalid_argument(fmt::format("\"{}\": the bytes of an address run from 00 to 7F", text));
+    throw std::invalid_argument(fmt::format("\"{}\": the bytes of an address run from 00 to 7F", escape(text)));
   return {(*bytes)[0], (*bytes)[1], (*bytes)[2]};
 }
 

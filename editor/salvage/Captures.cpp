@@ -1,6 +1,7 @@
 #include "salvage/Captures.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "AddressRows.h"
@@ -111,11 +112,7 @@ void Captures::takeDump(Piece piece, const Reading& reading) {
   if (!isOfUnit) endRun();
   switch (reading.role) {
     case Role::header:
-      begin(*reading.address);
-      run_->isSure = true;
-      run_->capture.device = *reading.device;
-      run_->capture.pieces.emplace(*reading.address, std::move(piece));
-      return;
+      return takeHeader(std::move(piece), reading);
     case Role::part:
       return takePart(std::move(piece), reading);
     case Role::footer:
@@ -137,6 +134,19 @@ void Captures::takeDump(Piece piece, const Reading& reading) {
     case Role::unknown:
       return leaveOut(piece, "no instrument stores it");
   }
+}
+
+// A header that stands twice, where blocks do too, says that whoever recorded it heard all twice.
+void Captures::takeHeader(Piece piece, const Reading& reading) {
+  const BulkAddress header = *reading.address;
+  const bool isDoubled = run_ && run_->isSure && run_->capture.device == *reading.device &&
+                         run_->capture.pieces.size() == 1 && run_->capture.pieces.contains(header);
+  begin(header);
+  run_->isSure = true;
+  run_->isDoubled = isDoubled;
+  run_->isCopied = isDoubled;
+  run_->capture.device = *reading.device;
+  run_->capture.pieces.emplace(header, std::move(piece));
 }
 
 // What it claims to be has been there. Only header and footer of one claim make it sure. Inside of a unit it is what
@@ -205,20 +215,29 @@ bool Captures::admits(BulkAddress address, unsigned device) {
   return pieces.empty() || BDA::listOf(pieces.begin()->first.hi) == BDA::listOf(address.hi);
 }
 
-// Blocks that come again with other data are those of another time: what came before has lost its footer, and they
-// their header. What came of the unit since they began to come again is one sound, all before is not.
+// Where blocks come again what came before may have lost its footer, and they their header, and nothing says that they
+// are of one sound, be they equal: only what came since is one.
 void Captures::put(Piece piece, BulkAddress address) {
+  if (isCopy(piece, address)) return;
   Pieces& pieces = run_->capture.pieces;
-  const auto before = pieces.find(address);
-  const bool comesAgain = before != pieces.end();
-  if (comesAgain && (!run_->isRepeating || run_->pass.contains(address))) run_->pass.clear();
+  const bool comesAgain = !run_->seen.insert(address).second;
+  if (comesAgain && (!run_->isRepeating || pieces.contains(address))) {
+    run_->earlier.push_back(pieces);
+    std::erase_if(pieces, [](const Pieces::value_type& one) { return one.first.hi != BDA::kHeaderHi; });
+  }
   run_->isRepeating = comesAgain;
-  run_->pass.insert(address);
-  if (comesAgain && !carrySame(before->second, piece))
-    std::erase_if(pieces, [&](const Pieces::value_type& one) {
-      return one.first.hi != BDA::kHeaderHi && !run_->pass.contains(one.first);
-    });
-  pieces.insert_or_assign(address, std::move(piece));
+  pieces.emplace(address, std::move(piece));
+}
+
+// Whether it is the second of two copies, where each message has come twice.
+bool Captures::isCopy(const Piece& piece, BulkAddress address) {
+  if (!run_->isDoubled) return false;
+  const auto before = run_->capture.pieces.find(address);
+  const bool isCopy = !run_->isCopied && run_->last == address && carrySame(before->second, piece);
+  run_->isDoubled = isCopy || run_->isCopied;
+  run_->isCopied = isCopy;
+  run_->last = address;
+  return isCopy;
 }
 
 void Captures::takeFooter(Piece piece, const Reading& reading) {
@@ -252,10 +271,11 @@ void Captures::claimFooter(BulkAddress footer) {
     Capture blocks{{}, source_, std::exchange(run_->capture.pieces, {}), false, run_->capture.device};
     if (auto own = blocks.pieces.extract(run_->capture.address); !own.empty())
       run_->capture.pieces.insert(std::move(own));
-    if (!blocks.pieces.empty()) {
-      blocks.address = blocks.pieces.begin()->first;
-      orphans_.push_back(std::move(blocks));
+    for (Pieces& pieces : std::exchange(run_->earlier, {})) {
+      pieces.erase(run_->capture.address);
+      addOrphan({{}, source_, std::move(pieces), false, run_->capture.device});
     }
+    addOrphan(std::move(blocks));
   }
   const bool isKnown = run_ && run_->unit && run_->capture.address == header;
   endRun();
@@ -272,21 +292,45 @@ void Captures::leaveOut(const Piece& piece, const char* why) {
   leftOut_.push_back({{piece.source, piece.number, piece.offset, {}, std::nullopt}, why});
 }
 
+void Captures::addOrphan(Capture blocks) {
+  if (blocks.pieces.empty()) return;
+  blocks.address = blocks.pieces.begin()->first;
+  orphans_.push_back(std::move(blocks));
+}
+
+// What came before the last blocks of a unit. That it shares blocks with them says nothing.
+void Captures::addEarlier(const Run& run) {
+  Pieces later = run.capture.pieces;
+  bool isSuperseded = false;
+  std::vector<Capture> earlier;
+  for (auto pieces = run.earlier.rbegin(); pieces != run.earlier.rend(); ++pieces) {
+    Capture capture{run.capture.address, source_, *pieces, false, run.capture.device};
+    for (const auto& [address, piece] : *pieces) {
+      const auto [again, isNew] = later.emplace(address, piece);
+      isSuperseded = isSuperseded || !carrySame(again->second, piece);
+      if (!isNew && !isUnit(address)) capture.pieces.erase(address);
+    }
+    capture.isSuperseded = isSuperseded;
+    if (isSuperseded) capture.pieces = *pieces;
+    earlier.push_back(std::move(capture));
+  }
+  std::move(earlier.rbegin(), earlier.rend(), std::back_inserter(captures_));
+}
+
 void Captures::endRun() {
   if (!run_) return;
-  Capture capture = std::move(run_->capture);
-  const bool isKnown = run_->unit.has_value();
-  const bool isSure = run_->isSure;
-  const bool goesOn = run_->goesOn;
+  Run run = std::move(*run_);
   run_.reset();
-  if (isKnown && isSure) return captures_.push_back(std::move(capture));
-  if (isKnown) captures_.push_back({capture.address, capture.source, {}, false});
-  if (!capture.pieces.empty()) {
-    capture.address = capture.pieces.begin()->first;
-    orphans_.push_back(std::move(capture));
-  } else if (!isKnown && !goesOn) {
-    ++unknown_;
+  const bool isKnown = run.unit.has_value();
+  Capture& capture = run.capture;
+  if (isKnown && run.isSure) {
+    addEarlier(run);
+    return captures_.push_back(std::move(capture));
   }
+  if (isKnown) captures_.push_back({capture.address, capture.source, {}, false});
+  if (capture.pieces.empty() && !isKnown && !run.goesOn) ++unknown_;
+  for (Pieces& pieces : run.earlier) addOrphan({{}, capture.source, std::move(pieces), false, capture.device});
+  addOrphan(std::move(capture));
 }
 
 }  // namespace Editor

@@ -37,6 +37,8 @@ struct Capture {
   Pieces pieces;                        // those that are good; of a unit header and footer among them
   bool isWhole = false;                 // all of it is there, and nothing else between
   std::optional<unsigned> device = {};  // whom its messages are for
+  // What followed in the same unit has some of its blocks otherwise: it is of an earlier time.
+  bool isSuperseded = false;
 };
 
 // Not a single block, nor a file dump.
@@ -48,7 +50,8 @@ std::vector<BulkAddress> blocksOf(BulkAddress address, const Pieces& pieces);
 
 // Finds the units and single blocks in the messages of files. Whatever stands between two blocks of a unit ends the
 // capture, be it damage, a message for another device or one of something else: it may have swallowed the end of one
-// dump and the beginning of the next, of the same place. What follows is another capture.
+// dump and the beginning of the next, of the same place. What follows is another capture. So is what follows where
+// blocks come again, though nothing stands between: the footer of one dump and the header of the next may be lost.
 class Captures {
  public:
   enum class Checksums : std::uint8_t { mustBeRight, areCorrected };
@@ -85,8 +88,12 @@ class Captures {
     std::optional<OpenUnit> unit;  // none: its first header is lost
     bool isSure = false;           // a good header or footer says which unit it is
     Capture capture;
-    std::set<BulkAddress, BackupOrder> pass;  // the blocks since they last began to come again
+    std::vector<Pieces> earlier;              // what came before blocks came again, each time
+    std::set<BulkAddress, BackupOrder> seen;  // all blocks
     bool isRepeating = false;
+    bool isDoubled = false;  // each message so far came twice, one copy behind the other
+    bool isCopied = false;   // the last one has
+    BulkAddress last{};
     bool goesOn = false;  // it goes on with what another run has lost: that one is known
   };
 
@@ -97,9 +104,13 @@ class Captures {
   void begin();
   void begin(BulkAddress header);
   void breakRun();
+  void takeHeader(Piece piece, const Reading& reading);
   void takePart(Piece piece, const Reading& reading);
   bool admits(BulkAddress address, unsigned device);
   void put(Piece piece, BulkAddress address);
+  bool isCopy(const Piece& piece, BulkAddress address);
+  void addEarlier(const Run& run);
+  void addOrphan(Capture blocks);
   void takeFooter(Piece piece, const Reading& reading);
   void claimFooter(BulkAddress footer);
   void addSingle(BulkAddress address, std::optional<Piece> piece, unsigned device);

@@ -104,7 +104,9 @@ class Decision {
   void complete() {
     Group all = captures_;
     std::erase_if(all, [](const Capture* one) { return one->pieces.empty(); });
-    const Group remains = uncontradicted(all, options_.preferred);
+    Group current = all;
+    std::erase_if(current, [](const Capture* one) { return one->isSuperseded; });
+    const Group remains = uncontradicted(current, options_.preferred);
     const Addresses different = differencesOf(remains);
     if (different.empty())
       for (const Group& group : connected(remains)) {
@@ -146,7 +148,7 @@ class Decision {
     for (const Piece& piece : salvaged_.messages) kept.pieces.emplace(*readMessage(piece.bytes).address, piece);
     Addresses different;
     for (const Capture* const capture : captures_) {
-      if (capture->source != options_.preferred) continue;
+      if (capture->source != options_.preferred || capture->isSuperseded) continue;
       different.merge(differencesOf({&kept, capture}));
       for (const auto& [address, piece] : capture->pieces)
         if (!kept.pieces.contains(address)) different.insert(address);

@@ -19,7 +19,7 @@ bool isByte(const std::string& word) {
          std::all_of(word.begin(), word.end(), [](unsigned char c) { return std::isxdigit(c) != 0; });
 }
 
-[[noreturn]] void failToName(const std::string& text) { throw TargetError(TargetError::Kind::noTarget, escape(text)); }
+[[noreturn]] void failToName(const std::string& text) { throw TargetError(TargetError::Kind::noTarget, text); }
 
 BulkAddress parse(const std::string& text, const TakenNames& taken) {
   try {
@@ -180,7 +180,7 @@ std::optional<ContentId> contentNamedBy(BulkAddress address) {
 }
 
 void refuse(const Target& target, const std::string& why) {
-  throw TargetError(TargetError::Kind::refused, fmt::format("{}: {}", target.name, escape(why)));
+  throw TargetError(TargetError::Kind::refused, fmt::format("{}: {}", target.name, why));
 }
 
 std::vector<std::string> joinAddresses(const std::vector<std::string>& words) {

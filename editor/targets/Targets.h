@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "messages/AddressNames.h"
+#include "messages/Text.h"
 #include "models/ContentAddress.h"
 
 namespace Editor {
@@ -27,7 +28,8 @@ class TargetError : public std::runtime_error {
  public:
   enum class Kind : std::uint8_t { noTarget, refused };
 
-  TargetError(Kind kind, const std::string& text) : std::runtime_error(text), kind_(kind) {}
+  // A text would end at a NUL, which what was typed or read may have.
+  TargetError(Kind kind, const std::string& text) : std::runtime_error(escape(text)), kind_(kind) {}
   Kind kind() const { return kind_; }
 
  private:

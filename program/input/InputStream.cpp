@@ -1,5 +1,6 @@
 #include "input/InputStream.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,6 +31,15 @@ constexpr std::size_t kMostBlanks = 64;             // before the first brace of
 constexpr std::size_t kLongestMessage = 16U << 20;  // a longer one is none: the memory is bounded
 
 int leaveOpen(std::FILE* /*standardInput*/) { return 0; }
+
+// Does not wait for somebody to write to a pipe: until then there is nothing to read from it, for which Ctrl-C ends the
+// wait.
+std::FILE* openToRead(const std::string& path) {
+  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (descriptor < 0) return nullptr;
+  ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
+  return ::fdopen(descriptor, "rb");
+}
 
 std::string reasonOf(int error) { return std::generic_category().message(error); }
 
@@ -321,8 +331,7 @@ InputStream::InputStream(const std::vector<std::string>& paths, Takes takes) : t
     throw Failure(kWrongUsage, "standard input can be read only once");
   for (const std::string& path : paths) {
     const bool isStandardInput = path == "-";
-    File file{path,
-              {isStandardInput ? stdin : std::fopen(path.c_str(), "rbe"), isStandardInput ? leaveOpen : std::fclose}};
+    File file{path, {isStandardInput ? stdin : openToRead(path), isStandardInput ? leaveOpen : std::fclose}};
     struct stat status {};
     const bool isOpen = file.stream != nullptr && ::fstat(::fileno(file.stream.get()), &status) == 0;
     if (!isOpen || S_ISDIR(status.st_mode))

@@ -8,6 +8,7 @@
 #include "ExitCode.h"
 #include "input/InputStream.h"
 #include "messages/Text.h"
+#include "midi/HexText.h"
 #include "midi/MidiFile.h"
 
 namespace Editor {
@@ -57,6 +58,7 @@ std::string parseLine(std::string_view line, RenameRow& row) {
 std::string parseRenameTable(std::string_view text, std::vector<RenameRow>& rows) {
   rows.clear();
   std::set<std::string> seen;
+  if (text.starts_with(kUtf8Mark)) text.remove_prefix(kUtf8Mark.size());
   for (std::size_t number = 1; !text.empty(); ++number) {
     const std::string_view raw = text.substr(0, text.find('\n'));
     text.remove_prefix(std::min(raw.size() + 1, text.size()));

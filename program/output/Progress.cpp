@@ -4,6 +4,7 @@
 
 #include <poll.h>
 
+#include <cerrno>
 #include <cmath>
 #include <csignal>
 #include <utility>
@@ -49,7 +50,9 @@ void Interruptible::wait(int descriptor) {
   // Between the look and the wait none may be missed.
   ::pthread_sigmask(SIG_BLOCK, &asked, &before);
   pollfd input{descriptor, POLLIN, 0};
-  if (isInterrupted == 0) ::ppoll(&input, 1, nullptr, &before);
+  // A signal that asks for nothing must not end it: of a pipe that nobody writes to yet it would seem to be the end.
+  while (isInterrupted == 0 && ::ppoll(&input, 1, nullptr, &before) < 0 && errno == EINTR) {
+  }
   ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
   check();
 }

@@ -10,6 +10,7 @@
 #include <set>
 
 #include "contents/Fingerprint.h"
+#include "contents/Places.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "models/Latin1.h"
@@ -25,6 +26,7 @@ struct Entry {
   ContentId id;
   std::optional<Library::Content> content;  // nothing: only a favourite flag
   std::uint8_t favourite = 0;
+  bool isFlagDamaged = false;
 };
 
 constexpr const char* kFavourite = "*";  // in a grid
@@ -57,6 +59,16 @@ struct Found {
   std::vector<std::string> damaged;
 };
 
+bool isFlagDamaged(Library& library, ContentId id) {
+  try {
+    const std::optional<Held> flag = library.held(favouriteAt(id));
+    return flag && !flagIn(*flag);
+  } catch (const LibraryError& error) {
+    if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
+    return true;
+  }
+}
+
 Found find(EmbeddedEditor& editor, const Selection& selection) {
   Library& library = editor.library();
   std::map<ContentId, Entry> entries;
@@ -77,7 +89,10 @@ Found find(EmbeddedEditor& editor, const Selection& selection) {
     entries[id].favourite = flag;
   }
   found.entries.reserve(entries.size());
-  for (auto& [id, entry] : entries) found.entries.push_back(std::move(entry));
+  for (auto& [id, entry] : entries) {
+    entry.isFlagDamaged = entry.favourite == 0 && isFlagDamaged(library, id);
+    found.entries.push_back(std::move(entry));
+  }
   for (Target& target : storedLive(editor))
     if (selection.has(target)) {
       if (damageOf(editor.tools(), target).empty())
@@ -100,7 +115,7 @@ std::string toJsonLine(const Entry& entry) {
     json["opaque"] = print.isOpaque;
     json["hash"] = print.hash;
   }
-  json["favourite"] = entry.favourite;
+  json["favourite"] = entry.isFlagDamaged ? nlohmann::ordered_json() : nlohmann::ordered_json(entry.favourite);
   return json.dump(-1, ' ', true);  // a terminal would obey U+0080 to U+009F
 }
 

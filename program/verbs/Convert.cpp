@@ -136,7 +136,7 @@ class Converting {
       if (options_.place.empty() && unit.place.empty())
         throw Failure(kWrongUsage, "JSON that does not say its target: --place says where it goes");
       if (!options_.place.empty()) moved_[i] = unit.place;
-      placeUnit(placing, i, options_.place.empty() ? parseDestinations(unit.place).front() : destinations_[i]);
+      placeUnit(placing, i, options_.place.empty() ? parseDestinations(unit.target).front() : destinations_[i]);
     }
     placing.finish();
   }

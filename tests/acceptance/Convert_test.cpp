@@ -410,6 +410,33 @@ TEST_F(Convert, jsonThatSaysItsTargetNeedsNoPlace) {
   EXPECT_THAT(bda({"convert", "-", "-o", "b.syx"}, bda({"show", "voice:user1:6", "--json"}).out), Exits(1));
 }
 
+TEST_F(Convert, jsonThatIsForAFileDumpBecomesOne) {
+  write("a.syx", {voice({0x0E, 0x0A, 0x05})});
+  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
+  Json object = json({"show", "voice:user1:6", "--json"});
+  object["target"] = "file:voice:user1:6";
+  EXPECT_THAT(bda({"convert", "-", "-o", "b.syx"}, object.dump()), Exits(0));
+  EXPECT_EQ(read("b.syx"), bda({"request", "file:voice:user1:6", "-o", "-"}).out + text(kTrigger));
+}
+
+TEST_F(Convert, theTriggerOfANewFileDumpWritesNoOtherOne) {
+  write("a.syx", {voice({0x0E, 0x0A, 0x05})});
+  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
+  Json object = json({"show", "voice:user1:6", "--json"});
+  object["target"] = "file:voice:user1:6";
+  write("a.json", object.dump());
+  const Bytes other = fileDump({0x0C, 0x50, 0x02}, "Held", {1});
+  write("held.syx", {other});
+  const Result run = bda({"convert", "held.syx", "a.json", "-o", "b.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("needs a write trigger"));
+  EXPECT_FALSE(exists("b.syx"));
+  EXPECT_THAT(bda({"convert", "a.json", "held.syx", "-o", "b.syx"}), Exits(0));
+  EXPECT_EQ(read("b.syx"), bda({"request", "file:voice:user1:6", "-o", "-"}).out + text(kTrigger) + text(other));
+  write("written.syx", {other, kTrigger});
+  EXPECT_THAT(bda({"convert", "written.syx", "a.json", "-o", "b.syx"}), Exits(0));
+}
+
 TEST_F(Convert, jsonIsRefusedByItsKindOrItsValues) {
   Json system = json({"show", "system", "--json"});
   write("a.json", system.dump());

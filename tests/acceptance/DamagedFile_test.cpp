@@ -243,6 +243,8 @@ TEST_F(DamagedFile, aFlagOutOfRangeIsDamagedAndCanBeMended) {
     expectTold(flag);
     EXPECT_THAT(bda({"check"}).out, HasSubstr("table favourite: damaged: voice:user1:1"));
     EXPECT_THAT(bda({"contents"}).err, HasSubstr("voice:user1:1: its favourite flag is left out"));
+    const Result contents = bda({"contents", "voice:user1:1", "--json"});
+    EXPECT_THAT(contents.out, HasSubstr(R"("favourite":null)"));
     EXPECT_THAT(bda({"diff", "library.db", "whole.db"}).out, IsEmpty());
     const Result copy = bda({"copy", "voice:user1:1..2", "voice:user2:1"});
     EXPECT_THAT(copy, Exits(3));

@@ -1,11 +1,13 @@
 // find that is ended by Ctrl-C while it tells what it has found.
 
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <csignal>
+#include <fstream>
 #include <thread>
 
 #include "Library.h"
@@ -29,11 +31,22 @@ class FindInterrupted : public Program {
       std::vector<char*> argv;
       for (std::string& word : all) argv.push_back(word.data());
       argv.push_back(nullptr);
+      ::alarm(60);  // one that hangs fails
       if (::chdir(directory.c_str()) == 0) ::execv(argv[0], argv.data());
       ::_exit(127);
     }
     ::close(ends[1]);
     pipe_ = ends[0];
+  }
+  // Until it catches Ctrl-C.
+  void waitUntilItListens() {
+    constexpr unsigned long kInterrupt = 1UL << (SIGINT - 1);
+    for (unsigned long caught = 0; (caught & kInterrupt) == 0;) {
+      std::ifstream status("/proc/" + std::to_string(child_) + "/status");
+      std::string word;
+      while (status >> word)
+        if (word == "SigCgt:") status >> std::hex >> caught;
+    }
   }
   // Until it has told so much that it waits for somebody to read.
   void waitUntilFull() {
@@ -75,4 +88,13 @@ TEST_F(FindInterrupted, whatIsToldAtTheEndIsEndedToo) {
   EXPECT_EQ(code, 130);
   EXPECT_LT(lines(told).size(), kMany);
   for (const std::string& line : lines(told)) EXPECT_TRUE(Json::accept(line)) << line;
+}
+
+TEST_F(FindInterrupted, aPipeThatNobodyWritesToIsNoLongerWaitedFor) {
+  ASSERT_EQ(::mkfifo((directory / "pipe").c_str(), 0600), 0);
+  start({"--in", "pipe", "a"});
+  waitUntilItListens();
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  ::kill(child_, SIGINT);
+  EXPECT_EQ(end().second, 130);
 }

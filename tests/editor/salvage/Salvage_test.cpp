@@ -304,11 +304,44 @@ TEST_F(Salvaging, aUnitWhoseBlocksAllComeAgainIsTheLaterOne) {
   EXPECT_EQ(kept(), second.messages);
 }
 
-TEST_F(Salvaging, aBlockThatWasSentTwiceIsNoHarm) {
+// The footer of one sound and the header of the next are lost, and the block where they meet is equal in both.
+TEST_F(Salvaging, aBlockThatStandsTwiceMayBeWhereTwoSoundsMeet) {
   const Unit whole(kVoice6, 1);
-  file().send(whole.part(0, 10)).send(whole.part(9, 26));
+  const Unit other = Unit(kVoice6, 2).with(kElement, blockDump(kElement, 1));
+  const auto meeting = std::ranges::find(other.messages, blockDump(kElement, 1)) - other.messages.begin();
+  const auto at = std::size_t(meeting);
+  for (const Unit& second : {other, whole}) {
+    options.merges = false;
+    anew().file().send(whole.part(0, at + 1)).send(second.part(at, 26));
+    ASSERT_THAT(units(), ElementsAre("voice:user1:6 lost 0"));
+    EXPECT_THAT(result().units[0].missing, SizeIs(at - 1));
+    EXPECT_TRUE(result().units[0].isMergeable);
+    EXPECT_THAT(result().requests, ElementsAre(request(kVoice6)));
+    options.merges = true;
+    anew().file().send(whole.part(0, at + 1)).send(second.part(at, 26));
+    EXPECT_THAT(units(), ElementsAre("voice:user1:6 completed 0"));
+    EXPECT_TRUE(result().units[0].isMerged);
+  }
+}
+
+TEST_F(Salvaging, anotherFileSaysThatABlockWasSentTwice) {
+  const Unit whole(kVoice6, 1);
+  file().send(whole.part(0, 10)).send(whole.part(9, 26)).file().send(whole.part(0, 1)).send(whole.part(5, 15));
+  EXPECT_THAT(units(), ElementsAre("voice:user1:6 completed 0 1"));
+  EXPECT_EQ(kept(), whole.messages);
+  anew().file().send(whole.part(0, 10)).send(whole.part(9, 26)).file().send(whole.part(0, 1)).send(whole.part(9, 15));
+  EXPECT_THAT(units(), ElementsAre("voice:user1:6 lost 0 1")) << "the block that stands twice says nothing";
+}
+
+TEST_F(Salvaging, whereEachMessageStandsTwiceAllWasHeardTwice) {
+  const Unit whole(kVoice6, 1);
+  Unit doubled = whole.part(0, 0);
+  for (const Bytes& message : whole.messages) doubled.messages.insert(doubled.messages.end(), 2, message);
+  file().send(doubled);
   EXPECT_THAT(units(), ElementsAre("voice:user1:6 whole 0"));
   EXPECT_EQ(kept(), whole.messages);
+  anew().file().send(doubled.part(0, 20)).send(doubled.part(18, 52));
+  EXPECT_THAT(units(), ElementsAre("voice:user1:6 lost 0"));
 }
 
 TEST_F(Salvaging, aMessageThatWasCutShortIsMissedWhereItWas) {

@@ -53,3 +53,15 @@ TEST(RenameTable, aLineThatIsNoneIsNamed) {
   EXPECT_THAT(errorOf("write Name"), HasSubstr("line 1: 11 00 00 (write trigger) is no target"));
   EXPECT_EQ(errorOf("voice:user1:6 A\n\nfile:voice:user1:6 B"), "line 3: file:voice:user1:6 occurs twice");
 }
+
+TEST(RenameTable, aUtf8MarkBeforeTheFirstLineCountsForNothing) {
+  std::vector<RenameRow> rows;
+  ASSERT_EQ(parseRenameTable("\xEF\xBB\xBFvoice:user1:6 Piano\n", rows), "");
+  ASSERT_THAT(rows, SizeIs(1));
+  EXPECT_EQ(rows[0].name, "Piano");
+}
+
+TEST(RenameTable, whatIsWrongIsToldBeyondANul) {
+  using namespace std::string_view_literals;
+  EXPECT_THAT(errorOf("voice:\0user1 Piano"sv), testing::AllOf(HasSubstr("\\x00user1"), HasSubstr("expected")));
+}
