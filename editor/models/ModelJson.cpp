@@ -175,4 +175,6 @@ std::optional<std::string> parseJson(std::string_view text, Json& json) {
   return error;
 }
 
+std::string jsonLine(const Json& json) { return json.dump(-1, ' ', true, Json::error_handler_t::replace); }
+
 }  // namespace Editor

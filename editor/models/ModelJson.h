@@ -23,4 +23,8 @@ nlohmann::ordered_json toJson(const ModelSet& models);
 // what is wrong with the text; `json` is then untouched.
 [[nodiscard]] std::optional<std::string> parseJson(std::string_view text, nlohmann::ordered_json& json);
 
+// The text of JSON, of any kind, as it is printed: one line of ASCII, for a terminal would obey U+0080 to U+009F. Of a
+// text that is no UTF-8 each wrong byte is U+FFFD.
+std::string jsonLine(const nlohmann::ordered_json& json);
+
 }  // namespace Editor

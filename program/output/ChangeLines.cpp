@@ -9,6 +9,7 @@
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "models/Latin1.h"
+#include "models/ModelJson.h"
 
 namespace Editor {
 
@@ -64,7 +65,7 @@ void tellChanges(const std::vector<PlaceChange>& changes, const ChangeOptions& o
   std::map<What, std::size_t> counts;
   for (const PlaceChange& change : changes) {
     if (options.json)
-      console.line(toJson(change).dump(-1, ' ', true));  // a terminal would obey U+0080 to U+009F
+      console.line(jsonLine(toJson(change)));
     else if (options.dryRun)
       console.line(toWords(change, kPlanned.at(std::size_t(change.what) - 1)));
     else if (++counts[change.what] <= kMostAlike || console.isVerbose())

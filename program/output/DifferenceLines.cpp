@@ -7,6 +7,7 @@
 #include "messages/Text.h"
 #include "midi/Hex.h"
 #include "models/Latin1.h"
+#include "models/ModelJson.h"
 #include "output/NamedValues.h"
 
 namespace Editor {
@@ -36,8 +37,6 @@ struct ToJson {
   Json operator()(const std::string& name) const { return latin1ToUtf8(name); }
   Json operator()(const std::vector<std::uint8_t>& bytes) const { return formatHex(bytes); }
 };
-
-std::string toLine(const Json& line) { return line.dump(-1, ' ', true); }  // a terminal would obey U+0080 to U+009F
 
 Json jsonOf(const std::string& content, const Json& path, const Json& a, const Json& b) {
   return {{"content", content}, {"path", path}, {"a", a}, {"b", b}};
@@ -75,13 +74,13 @@ std::string contentOf(const Difference& difference) {
 std::vector<std::string> jsonOf(const Difference& difference, const ParameterNames& names) {
   const Json name = latin1ToUtf8(difference.name);
   if (difference.kind == Difference::Kind::onlyInFirst)
-    return {toLine(jsonOf(difference.target, nullptr, name, nullptr))};
+    return {jsonLine(jsonOf(difference.target, nullptr, name, nullptr))};
   if (difference.kind == Difference::Kind::onlyInSecond)
-    return {toLine(jsonOf(difference.target, nullptr, nullptr, name))};
+    return {jsonLine(jsonOf(difference.target, nullptr, nullptr, name))};
   std::vector<std::string> lines;
   for (const auto* const group : {&difference.names, &difference.parameters})
     for (const ParameterDifference& parameter : *group)
-      lines.push_back(toLine(jsonOf(difference.target, parameter, names)));
+      lines.push_back(jsonLine(jsonOf(difference.target, parameter, names)));
   return lines;
 }
 
@@ -91,7 +90,7 @@ std::string jsonOf(const Comparison& comparison) {
                      {"onlyA", comparison.onlyInFirst},
                      {"onlyB", comparison.onlyInSecond},
                      {"renamed", comparison.renamed}};
-  return Json{{"summary", summary}}.dump();
+  return jsonLine({{"summary", summary}});
 }
 
 }  // namespace Editor

@@ -7,6 +7,7 @@
 #include "messages/Text.h"
 #include "midi/Hex.h"
 #include "models/Latin1.h"
+#include "models/ModelJson.h"
 #include "output/NamedValues.h"
 
 namespace Editor {
@@ -16,8 +17,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 // File names need not be UTF-8.
-std::string toLine(const Json& json) { return json.dump(-1, ' ', true, Json::error_handler_t::replace); }
-
 Json toJson(const ParameterValue& value) {
   if (const auto* const text = std::get_if<std::string>(&value)) return latin1ToUtf8(*text);
   return std::get<std::int64_t>(value);
@@ -145,7 +144,7 @@ std::string jsonOf(const std::string& file, const MessageFile::Byte& byte, const
   if (meaning.contentBytes) json["contentByte"] = toJson(*meaning.contentBytes);
   if (meaning.nameBytes) json["nameByte"] = toJson(*meaning.nameBytes);
   if (!meaning.reason.empty()) json["reason"] = meaning.reason;
-  return toLine(json);
+  return jsonLine(json);
 }
 
 std::string textOf(const MessageFile::Byte& byte, const ByteMeaning& meaning, const ParameterNames& names) {
@@ -166,12 +165,12 @@ std::string textOf(const MessageFile::Byte& byte, const ByteMeaning& meaning, co
 }
 
 std::string jsonOf(const CarryingByte& byte) {
-  return toLine({{"address", formatAddress(byte.address)},
-                 {"message", byte.message},
-                 {"dataByte", byte.dataByte},
-                 {"bits", byte.bits},
-                 {"how", byte.how},
-                 {"byte", byte.value}});
+  return jsonLine({{"address", formatAddress(byte.address)},
+                   {"message", byte.message},
+                   {"dataByte", byte.dataByte},
+                   {"bits", byte.bits},
+                   {"how", byte.how},
+                   {"byte", byte.value}});
 }
 
 std::string lineOf(const CarryingByte& byte) {

@@ -8,6 +8,7 @@
 #include "input/InputStream.h"
 #include "messages/Text.h"
 #include "models/Latin1.h"
+#include "models/ModelJson.h"
 #include "output/NamedValues.h"
 
 namespace Editor {
@@ -63,7 +64,7 @@ std::string jsonOf(const Found& found, const ParameterNames& names) {
   if (content.message) json["message"] = *content.message;
   for (const auto& [path, value] : found.asked) json["parameters"].push_back(jsonOf(path, value, names));
   // File names need not be UTF-8, and a terminal would obey U+0080 to U+009F.
-  return json.dump(-1, ' ', true, Json::error_handler_t::replace);
+  return jsonLine(json);
 }
 
 }  // namespace Editor

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "messages/Text.h"
+#include "models/ModelJson.h"
 #include "output/ChangeLines.h"
 
 namespace Editor {
@@ -53,7 +54,7 @@ std::string jsonOf(const HistoryEntry& entry, const std::vector<PlaceChange>& ch
                   {"changes", std::move(places)},
                   {"undoes", orNull(entry.undoes)},
                   {"undoneBy", orNull(entry.undoneBy)}};
-  return json.dump(-1, ' ', true);
+  return jsonLine(json);
 }
 
 }  // namespace Editor

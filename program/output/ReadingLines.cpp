@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "midi/Counted.h"
+#include "models/ModelJson.h"
 #include "output/LossReport.h"
 
 namespace Editor {
@@ -49,8 +50,6 @@ Json toJson(const UnitReport& unit) {
 }
 
 // File names need not be UTF-8, and a terminal would obey U+0080 to U+009F.
-std::string toLine(const Json& json) { return json.dump(-1, ' ', true, Json::error_handler_t::replace); }
-
 // "      7      1200  good                     1  41 02 00  element 3 oscillator, 88 data bytes, checksum 1F"
 std::string toLine(const InputMessage& message, const Reading& reading) {
   std::string line = fmt::format("{:>6} {:>9}  {:<26} {:>2}  {:<8}  {}", message.number, message.offset,
@@ -69,15 +68,15 @@ std::string jsonOf(const InputLoss& loss) {
   Json json{{"file", loss.file}, {"offset", loss.offset}, {"dropped", loss.dropped}, {"reason", loss.reason}};
   if (loss.kind == InputLoss::Kind::cutShort) json["verdict"] = "cut short";
   if (loss.kind == InputLoss::Kind::brokenFile) json["verdict"] = "broken file";
-  return toLine(json);
+  return jsonLine(json);
 }
 
 std::string lineOf(const InputMessage& message, const Reading& reading, LineForm form) {
-  return form == LineForm::json ? toLine(toJson(message, reading)) : toLine(message, reading);
+  return form == LineForm::json ? jsonLine(toJson(message, reading)) : toLine(message, reading);
 }
 
 std::string lineOf(const UnitReport& unit, LineForm form) {
-  if (form == LineForm::json) return toLine(toJson(unit));
+  if (form == LineForm::json) return jsonLine(toJson(unit));
   return fmt::format("{} {}", isBroken(unit) ? "  !!" : "  ==", describeUnit(unit));
 }
 

@@ -6,6 +6,7 @@
 
 #include "input/InputStream.h"
 #include "midi/Counted.h"
+#include "models/ModelJson.h"
 
 namespace Editor {
 
@@ -54,7 +55,7 @@ std::string jsonOf(const Salvaged& unit, const std::vector<std::string>& files) 
     if (piece.wrongChecksum) corrected.push_back(*readMessage(piece.bytes).address);
   if (!corrected.empty()) json["corrected"] = toJson(corrected);
   if (unit.isMerged) json["merged"] = true;
-  return json.dump(-1, ' ', true, Json::error_handler_t::replace);
+  return jsonLine(json);
 }
 
 }  // namespace Editor

@@ -1,4 +1,5 @@
 #include "output/Trace.h"
+#include "models/ModelJson.h"
 
 #include <nlohmann/json.hpp>
 
@@ -37,7 +38,7 @@ std::string jsonOf(const MessageOrigin& origin, BDA::DevicePortNum port, std::sp
   line["shown"] = record.shown;
   line["log"] = record.log;
   line["sent"] = toJson(record.sent);
-  return line.dump(-1, ' ', true, Json::error_handler_t::replace);
+  return jsonLine(line);
 }
 
 Trace::Trace(const std::string& path) {

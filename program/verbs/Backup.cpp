@@ -16,6 +16,7 @@
 #include "messages/BackupOrder.h"
 #include "messages/Text.h"
 #include "models/Latin1.h"
+#include "models/ModelJson.h"
 #include "output/Complaints.h"
 #include "output/DifferenceLines.h"
 #include "output/OutputFile.h"
@@ -162,7 +163,7 @@ class BackingUp {
     const nlohmann::ordered_json json{{"version", BDA_VERSION_STRING},
                                       {"deviceNumber", deviceNumberWords(editor_->tools())},
                                       {"contents", std::move(contents)}};
-    manifest_->write(json.dump(-1, ' ', true) + "\n");
+    manifest_->write(jsonLine(json) + "\n");
     manifest_->commit();
   }
 

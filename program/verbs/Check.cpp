@@ -1,6 +1,7 @@
 // The verb check: whether everything in the library can be read, and is as it was stored.
 
 #include "history/Check.h"
+#include "models/ModelJson.h"
 
 #include <fmt/format.h>
 
@@ -19,7 +20,7 @@ std::string jsonOf(const Checked& checked) {
   nlohmann::ordered_json json{{checked.kind == Checked::Kind::table ? "table" : "content", checked.name},
                               {"state", wordOf(checked.state)}};
   if (!checked.reason.empty()) json["reason"] = escape(checked.reason);
-  return json.dump(-1, ' ', true);
+  return jsonLine(json);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "models/Latin1.h"
+#include "models/ModelJson.h"
 #include "output/Columns.h"
 #include "targets/TargetModels.h"
 #include "verbs/Verbs.h"
@@ -116,7 +117,7 @@ std::string toJsonLine(const Entry& entry) {
     json["hash"] = print.hash;
   }
   json["favourite"] = entry.isFlagDamaged ? nlohmann::ordered_json() : nlohmann::ordered_json(entry.favourite);
-  return json.dump(-1, ' ', true);  // a terminal would obey U+0080 to U+009F
+  return jsonLine(json);
 }
 
 // The name that an edit buffer bears.

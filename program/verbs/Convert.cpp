@@ -16,6 +16,7 @@
 #include "midi/Counted.h"
 #include "midi/MidiFile.h"
 #include "models/Latin1.h"
+#include "models/ModelJson.h"
 #include "output/Complaints.h"
 #include "output/LossReport.h"
 #include "output/OutputFile.h"
@@ -279,7 +280,7 @@ class Converting {
     json["messages"] = file.messages.size();
     json["bytes"] = sizeOf(file.messages);
     json["file"] = path;
-    return json.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace);
+    return jsonLine(json);
   }
 
   const ConvertOptions& options_;

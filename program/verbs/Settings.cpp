@@ -11,6 +11,7 @@
 #include "ChangeRun.h"
 #include "messages/Nearest.h"
 #include "messages/Text.h"
+#include "models/ModelJson.h"
 #include "verbs/SettingHelp.h"
 #include "verbs/Verbs.h"
 
@@ -104,7 +105,7 @@ void show(const Setting& setting, bool isAlone, const ChangeOptions& options, Em
   try {
     const std::string value = setting.get(editor);
     if (options.json)
-      program.console.line(nlohmann::ordered_json{{"setting", setting.name}, {"value", value}}.dump());
+      program.console.line(jsonLine({{"setting", setting.name}, {"value", value}}));
     else
       program.console.line(isAlone ? value : fmt::format("{} {}", setting.name, value));
   } catch (const LibraryError& error) {

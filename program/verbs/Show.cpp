@@ -74,7 +74,7 @@ void print(const ModelSet& models, const std::optional<std::string>& heading, co
   nlohmann::ordered_json object;
   if (heading) object["target"] = *heading;
   object.update(toJson(models));
-  console.line(object.dump(-1, ' ', true));  // a terminal would obey U+0080 to U+009F
+  console.line(jsonLine(object));
 }
 
 // Shows the targets of one word; what cannot be shown is told, and keeps none from the others. Empty places of a bank
