@@ -11,6 +11,16 @@
 
 namespace Editor {
 
+namespace {
+
+// What a trigger has written, by the numbers of the messages.
+std::vector<std::uint64_t> fileDumpsOf(const UnitReport& report) {
+  if (report.state != UnitReport::State::written) return {};
+  return {report.messages.begin(), report.messages.end() - 1};
+}
+
+}  // namespace
+
 std::vector<std::vector<std::size_t>> Batch::messagesByUnit() const {
   std::vector<std::vector<std::size_t>> found(units.size());
   for (std::size_t i = 0; i < messages.size(); ++i)
@@ -35,6 +45,9 @@ void BatchBuilder::add(std::span<const std::uint8_t> message) {
         {{Batch::Unit::Form::fileDump, placeNameOf(address), address, kind, reading.removes.has_value()}, {number}});
   }
   take(follower_.next(reading, number));
+  if (reading.role != Role::fileDump && reading.role != Role::trigger) return;
+  for (const UnitReport& report : fileDumpFollowers_[*reading.device].next(reading, number))
+    for (const std::uint64_t fileDump : fileDumpsOf(report)) writtenBy_.insert_or_assign(fileDump, number);
 }
 
 void BatchBuilder::addJson(nlohmann::ordered_json object) {
@@ -62,9 +75,8 @@ Batch BatchBuilder::finish() {
     for (const std::uint64_t number : found.messages) batch_.messages[number - 1].unit = batch_.units.size();
     batch_.units.push_back(std::move(found.unit));
   }
-  for (const Written& written : written_)
-    for (const std::uint64_t number : written.fileDumps)
-      batch_.messages[written.trigger - 1].writes.push_back(*batch_.messages[number - 1].unit);
+  for (const auto& [fileDump, trigger] : writtenBy_)
+    batch_.messages[trigger - 1].writes.push_back(*batch_.messages[fileDump - 1].unit);
   return std::move(batch_);
 }
 
@@ -77,7 +89,7 @@ void BatchBuilder::take(const std::vector<UnitReport>& reports) {
              report.messages});
         break;
       case UnitReport::State::written:
-        written_.push_back({report.messages.back(), {report.messages.begin(), report.messages.end() - 1}});
+        for (const std::uint64_t fileDump : fileDumpsOf(report)) writtenBy_.emplace(fileDump, report.lastMessage);
         break;
       case UnitReport::State::held:
       case UnitReport::State::discarded:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <set>
 #include <span>
@@ -34,7 +35,9 @@ struct Batch {
   struct Message {
     std::vector<std::uint8_t> bytes;
     std::optional<std::size_t> unit = {};  // which one it is part of; nothing: it is of none
-    std::vector<std::size_t> writes = {};  // of a trigger: the units that it has written
+    // Of a trigger: the units that it has written. A file dump is written by the next one for its own device, and where
+    // none comes by the next of any.
+    std::vector<std::size_t> writes = {};
   };
 
   std::vector<Unit> units;  // in the order in which they begin
@@ -67,10 +70,6 @@ class BatchBuilder {
     Batch::Unit unit;
     std::vector<std::uint64_t> messages;  // numbers from 1
   };
-  struct Written {
-    std::uint64_t trigger;
-    std::vector<std::uint64_t> fileDumps;
-  };
 
   void take(const std::vector<UnitReport>& reports);
   void leaveOutLackingBlocks();
@@ -78,9 +77,10 @@ class BatchBuilder {
 
   Batch batch_;
   UnitFollower follower_;
+  std::map<unsigned, UnitFollower> fileDumpFollowers_;  // by device: each follows what is for that one alone
   std::vector<Found> found_;
-  std::vector<Written> written_;
-  std::set<std::uint64_t> brokenBlocks_;  // messages; headers and footers that are taken all the same, too
+  std::map<std::uint64_t, std::uint64_t> writtenBy_;  // file dumps and their triggers, by their messages
+  std::set<std::uint64_t> brokenBlocks_;              // messages; headers and footers that are taken all the same, too
 };
 
 // ---- What is changed in all of them, or in one ----

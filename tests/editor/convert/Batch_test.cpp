@@ -57,6 +57,24 @@ TEST(Batch, aFileDumpIsAUnitWithItsTriggerOrWithout) {
   EXPECT_TRUE(batchOf({{dump({0x0C, 0x0A, 0x06}, Bytes(4))}}).units.front().removes);
 }
 
+TEST(Batch, aFileDumpIsWrittenByTheTriggerForItsDevice) {
+  const auto voice = [](std::uint8_t number, std::uint8_t device) {
+    return dump({0x0C, 0x0A, number}, Bytes(4), device);
+  };
+  const auto trigger = [](std::uint8_t device) { return dump({0x11, 0x00, 0x00}, {}, device); };
+  Batch batch = batchOf({{voice(0, 0), voice(1, 3), trigger(0), trigger(3)}});
+  EXPECT_THAT(batch.messages[2].writes, ElementsAre(0u));
+  EXPECT_THAT(batch.messages[3].writes, ElementsAre(1u));
+  batch = batchOf({{voice(0, 0), trigger(3), voice(1, 0), trigger(0)}});
+  EXPECT_THAT(batch.messages[1].writes, IsEmpty());
+  EXPECT_THAT(batch.messages[3].writes, ElementsAre(0u, 1u));
+  batch = batchOf({{voice(0, 0), voice(0, 3), trigger(0), trigger(3)}});
+  EXPECT_THAT(batch.messages[2].writes, ElementsAre(0u)) << "what is for another device replaces nothing";
+  EXPECT_THAT(batch.messages[3].writes, ElementsAre(1u));
+  batch = batchOf({{voice(0, 0), trigger(3)}});
+  EXPECT_THAT(batch.messages[1].writes, ElementsAre(0u)) << "for its own device there is none";
+}
+
 TEST(Batch, unitsStandInTheOrderInWhichTheyBegin) {
   std::vector<Bytes> messages = kVoice;
   messages.insert(messages.begin() + 1, kFileDump);

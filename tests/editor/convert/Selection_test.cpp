@@ -43,6 +43,18 @@ TEST(Selection, aTriggerGoesWithWhatItWritesOnly) {
   EXPECT_EQ(bytesOf(batch), joined({{kOtherFileDump, kTrigger}}));
 }
 
+TEST(Selection, theTriggerForTheDeviceOfAFileDumpGoesWithIt) {
+  const Bytes voice = fileDump({0x0C, 0x0A, 0x06}, "Kept", {1});
+  const Bytes other = dump({0x0C, 0x0A, 0x07}, Bytes(4), 3);
+  const Bytes otherTrigger = dump({0x11, 0x00, 0x00}, {}, 3);
+  Editor::Batch batch = batchOf({{voice, other, kTrigger, otherTrigger}});
+  select(batch, {"voice:user1:8"});
+  EXPECT_EQ(bytesOf(batch), joined({{other, otherTrigger}}));
+  batch = batchOf({{voice, otherTrigger, kTrigger}});
+  select(batch, {"voice:user1:7"});
+  EXPECT_EQ(bytesOf(batch), joined({{voice, kTrigger}}));
+}
+
 TEST(Selection, aTriggerThatRemovesMixingVoicesRemovesNothingAfterwards) {
   Editor::Batch batch = batchOf({{kFileDump, kTriggerThatRemoves}});
   EXPECT_TRUE(select(batch, {"voice:user1"}).tamesTrigger);
