@@ -42,9 +42,9 @@ std::vector<Destination> parseDestinations(const std::string& text) {
   return destinations;
 }
 
-std::vector<std::string> Placing::place(std::size_t unit, const Destination& to) {
+Placing::LeftOut Placing::place(std::size_t unit, const Destination& to) {
   const Batch::Unit& moved = batch_.units[unit];
-  if (moved.form == Form::json) return placeJson(unit, to);
+  if (moved.form == Form::json) return {placeJson(unit, to), {}};
   if (!fits(moved.kind, to.target))
     refuse(to.target, fmt::format("{} does not fit, it is {}", moved.place, wordsOf(moved.kind)));
   if (moved.form == Form::fileDump) return placeFileDump(unit, to);
@@ -70,9 +70,9 @@ void Placing::placeBlocks(std::size_t unit, const Destination& to) {
   moved.place = placeNameOf(*moved.address);
 }
 
-std::vector<std::string> Placing::placeFileDump(std::size_t unit, const Destination& to) {
+Placing::LeftOut Placing::placeFileDump(std::size_t unit, const Destination& to) {
   Batch::Unit& moved = batch_.units[unit];
-  std::vector<std::string> leftOut;
+  LeftOut leftOut;
   if (const std::optional<BulkAddress> address = fileDumpAt(to)) {
     readdress(batch_.messages[messages_[unit].front()].bytes, *address);
     moved.address = address;
@@ -85,7 +85,8 @@ std::vector<std::string> Placing::placeFileDump(std::size_t unit, const Destinat
     readdress(dumps.messages.back(), footerOf(*to.target.header));
     moved.address = to.target.header;
     replace(unit, std::move(dumps.messages), Form::blocks);
-    leftOut = std::move(dumps.leftOut);
+    leftOut.parameters = std::move(dumps.leftOut);
+    if (held.name != nameOf(*held.models)) leftOut.name = held.name;
   }
   moved.place = placeNameOf(*moved.address);
   return leftOut;

@@ -25,9 +25,14 @@ class Placing {
   Placing(Batch& batch, UnitModels& models)
       : batch_(batch), models_(models), messages_(batch.messagesByUnit()), replaced_(batch.units.size()) {}
 
-  // Returns the paths of parameters that its new messages leave out. Throws TargetError (refused) when it is of a kind
+  // What the new messages of a unit leave out.
+  struct LeftOut {
+    std::vector<std::string> parameters;  // by their paths
+    std::string name;                     // of a file dump that has become blocks: where the one inside is another
+  };
+  // Throws TargetError (refused) when it is of a kind
   // that does not fit, or cannot become what its place needs; and TargetJsonError.
-  std::vector<std::string> place(std::size_t unit, const Destination& to);
+  LeftOut place(std::size_t unit, const Destination& to);
   // The last call: until then a unit that becomes the other form has its old messages. Its new ones stand where the
   // first old one stood, but never inside of another unit of blocks, nor between file dumps and the trigger that writes
   // them: then behind that.
@@ -35,7 +40,7 @@ class Placing {
 
  private:
   void placeBlocks(std::size_t unit, const Destination& to);
-  std::vector<std::string> placeFileDump(std::size_t unit, const Destination& to);
+  LeftOut placeFileDump(std::size_t unit, const Destination& to);
   std::vector<std::string> placeJson(std::size_t unit, const Destination& to);
   UnitModels::Held read(std::size_t unit);
   void replace(std::size_t unit, MessageBytes messages, Batch::Unit::Form form);

@@ -143,17 +143,25 @@ class Converting {
   }
 
   void placeUnit(Placing& placing, std::size_t unit, const Destination& to) {
-    constexpr std::size_t kMostTold = 3;
     try {
-      std::vector<std::string> leftOut = placing.place(unit, to);
-      if (leftOut.empty()) return;
-      const std::size_t count = leftOut.size();
-      leftOut.resize(std::min(count, kMostTold));
-      console_.problem(fmt::format("{}: no message carries {}: {}{}", to.target.name, counted(count, "parameter"),
-                                   fmt::join(leftOut, ", "), count > kMostTold ? " ..." : ""));
-      program_.refuse();
+      tellLeftOut(placing.place(unit, to), to.target.name);
     } catch (const TargetJsonError& error) {
       throw Failure(kUnusableInput, fmt::format("{}: {}", to.target.name, escape(error.what())));
+    }
+  }
+
+  void tellLeftOut(Placing::LeftOut leftOut, const std::string& place) {
+    constexpr std::size_t kMostTold = 3;
+    if (const std::size_t count = leftOut.parameters.size(); count > 0) {
+      leftOut.parameters.resize(std::min(count, kMostTold));
+      console_.problem(fmt::format("{}: no message carries {}: {}{}", place, counted(count, "parameter"),
+                                   fmt::join(leftOut.parameters, ", "), count > kMostTold ? " ..." : ""));
+      program_.refuse();
+    }
+    if (!leftOut.name.empty()) {
+      console_.problem(
+          fmt::format("{}: no message carries the name of its file dump: \"{}\"", place, showName(leftOut.name)));
+      program_.refuse();
     }
   }
 

@@ -259,6 +259,23 @@ TEST_F(Convert, whatNoBlockCarriesOfAFileDumpIsNamed) {
   EXPECT_THAT(units("b.syx"), ElementsAre("multi:edit complete"));
 }
 
+TEST_F(Convert, theNameOfAFileDumpThatBecomesBlocksIsNamed) {
+  write("a.syx", {voice({0x0E, 0x0A, 0x05})});
+  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
+  ASSERT_THAT(bda({"request", "file:voice:user1:6", "-o", "a.syx"}), Exits(0));
+  std::string message = read("a.syx");
+  ASSERT_EQ(message.at(13), 'A');  // of the name
+  message[13] = 'B';
+  char& checksum = message[message.size() - 2];
+  checksum = char((checksum - 1) & 0x7F);
+  write("a.syx", message);
+  const Result run = bda({"convert", "a.syx", "--place", "voice:edit", "-o", "b.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("voice:edit: no message carries the name of its file dump: \"BAAAAAAAAAAAAAAAAAAA\""));
+  EXPECT_THAT(units("b.syx"), ElementsAre("voice:edit complete"));
+  EXPECT_THAT(bda({"convert", "a.syx", "--place", "voice:user2:1", "-o", "b.syx"}), Exits(0));
+}
+
 TEST_F(Convert, moreUnitsThanPlacesAre2AndAnotherKindIs3) {
   write("a.syx", {voice({0x0E, 0x0A, 0x05}), voice({0x0E, 0x0A, 0x06})});
   EXPECT_THAT(bda({"convert", "a.syx", "--place", "voice:edit", "-o", "b.syx"}), Exits(2));

@@ -28,7 +28,7 @@ class Placing : public testing::Test {
     const std::vector<Editor::Destination> places = Editor::parseDestinations(to);
     std::vector<std::string> leftOut;
     for (std::size_t i = 0; i < batch.units.size(); ++i)
-      for (std::string& path : placing.place(i, places.at(i))) leftOut.push_back(std::move(path));
+      for (std::string& path : placing.place(i, places.at(i)).parameters) leftOut.push_back(std::move(path));
     placing.finish();
     return leftOut;
   }
@@ -56,7 +56,7 @@ std::vector<Bytes> voice(BulkAddress header) { return unit(header, BDA::List::no
 std::vector<Bytes> drum(BulkAddress header) { return unit(header, BDA::List::drumVoice, 1, 4); }
 
 // A file dump of models in our format.
-Bytes ownFileDump(BulkAddress address, const Editor::ModelSet& models) {
+Bytes ownFileDump(BulkAddress address, const Editor::ModelSet& models, const std::string& name) {
   Bytes field;
   const auto append = [&](const Bytes& plain) {
     Bytes packed;
@@ -72,10 +72,12 @@ Bytes ownFileDump(BulkAddress address, const Editor::ModelSet& models) {
     field.push_back(std::uint8_t(packed.size() & 0x7F));
     field.insert(field.end(), packed.begin(), packed.end());
   };
-  const std::string name = nameOf(models);
   append({name.begin(), name.end()});
   append(Editor::encodeContent(models));
   return dump(address, field, 4);
+}
+Bytes ownFileDump(BulkAddress address, const Editor::ModelSet& models) {
+  return ownFileDump(address, models, nameOf(models));
 }
 
 Editor::ModelSet multiModels() {
@@ -201,6 +203,20 @@ TEST_F(Placing, aFileDumpBecomesBlocksWhereNobodyWritesOne) {
   EXPECT_THAT(verdicts, Each("good"));
   ASSERT_EQ(units.size(), 1u);  // and no trigger, which has nothing left to write
   EXPECT_EQ(units.front().state, Editor::UnitReport::State::complete);
+}
+
+TEST_F(Placing, theNameOfAFileDumpIsLeftOutOfItsBlocksWhereTheOneInsideIsAnother) {
+  const auto nameLeftOut = [&](BulkAddress from, const Editor::ModelSet& models, const std::string& name,
+                               const std::string& to) {
+    Batch batch = batchOf({{ownFileDump(from, models, name)}});
+    return Editor::Placing(batch, models_).place(0, Editor::parseDestinations(to).front()).name;
+  };
+  Editor::ModelSet voice = Editor::emptySetFor(*Editor::contentOfFileDump({0x0A, 0x06}));
+  voice.voice->name.assign("Amber Strings");
+  EXPECT_EQ(nameLeftOut({0x0C, 0x0A, 0x06}, voice, "Quite Other", "voice:edit"), "Quite Other");
+  EXPECT_EQ(nameLeftOut({0x0C, 0x0A, 0x06}, voice, "Amber Strings", "voice:edit"), "");
+  EXPECT_EQ(nameLeftOut({0x0C, 0x0A, 0x06}, voice, "Quite Other", "voice:user2:1"), "") << "it stays a file dump";
+  EXPECT_EQ(nameLeftOut({0x0C, 0x50, 0x02}, multiModels(), "Evening", "multi:edit"), "Evening");
 }
 
 TEST_F(Placing, bytesThatAreNotOursStayInTheirFileDump) {
