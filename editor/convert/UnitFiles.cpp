@@ -51,8 +51,9 @@ std::string inLowerCase(std::string text) {
 }  // namespace
 
 std::string fileStemOf(const Batch::Unit& unit, const std::string& name) {
+  constexpr std::size_t kLongestName = 200;  // leaves room for place, number and ending, also while it is written
   std::string stem = stemOfPlace(unit.place);
-  if (const std::string text = safe(name); !text.empty()) stem += "-" + text;
+  if (const std::string text = safe(std::string_view(name).substr(0, kLongestName)); !text.empty()) stem += "-" + text;
   return unit.removes ? stem + "-removes" : stem;
 }
 

@@ -27,7 +27,8 @@ void forEachUnitFile(const Batch& batch, Sharing sharing, UnitModels& models,
                      const std::function<void(const UnitFile&)>& visit);
 
 // "voice-user1-006-Grand_Piano": kind, number and name of a content, with nothing in it that any file system would
-// take for more than a name. "-removes" says that a file has what stands there removed.
+// take for more than a name, and short enough for one that takes 255 bytes. "-removes" says that a file has what stands
+// there removed.
 std::string fileStemOf(const Batch::Unit& unit, const std::string& name);
 
 // Gives every file a name of its own, also where case does not count: "stem.syx", "stem-2.syx", ...

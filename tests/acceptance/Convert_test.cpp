@@ -341,6 +341,19 @@ TEST_F(Convert, splitGivesEachUnitAFileAndTheRestOther) {
   EXPECT_EQ(folder("new/dir"), expected);
 }
 
+TEST_F(Convert, splitShortensNamesThatNoFileCanHave) {
+  std::vector<Bytes> dumps;
+  for (const char last : {'x', 'y', 'z'})
+    dumps.push_back(fileDump({0x0C, 0x0A, 0x05}, std::string(300, 'A') + last, {1}));
+  write("a.syx", {dumps[0], dumps[1], dumps[2], kTrigger});
+  EXPECT_THAT(bda({"convert", "a.syx", "--split", "dir"}), Exits(0));
+  const std::string name = "dir/voice-user1-006-" + std::string(200, 'A');
+  EXPECT_THAT(folder("dir"), SizeIs(3));
+  EXPECT_EQ(read(name + ".syx"), text(dumps[0]) + text(kTrigger));
+  EXPECT_EQ(read(name + "-2.syx"), text(dumps[1]) + text(kTrigger));
+  EXPECT_EQ(read(name + "-3.syx"), text(dumps[2]) + text(kTrigger));
+}
+
 TEST_F(Convert, splitWritesOverNothing) {
   write("a.syx", {kForeign, voice({0x0E, 0x0A, 0x05}, ' ')});
   write("precious", "precious");

@@ -48,6 +48,12 @@ TEST(UnitFiles, aNameIsNothingButAName) {
   EXPECT_EQ(stemOf({0x0E, 0x0A, 0x05}, "C:\\dir\\f. "), "voice-user1-006-C_dir_f");
 }
 
+TEST(UnitFiles, aLongNameIsShortened) {
+  EXPECT_EQ(stemOf({0x0E, 0x0A, 0x05}, std::string(300, 'A')), "voice-user1-006-" + std::string(200, 'A'));
+  EXPECT_EQ(stemOf({0x0E, 0x0A, 0x05}, std::string(199, 'A') + " and more"),
+            "voice-user1-006-" + std::string(199, 'A'));
+}
+
 TEST(UnitFiles, namesAreGivenOnceWhateverTheirCase) {
   Editor::FileNames names;
   const auto isFree = [](const std::string& name) { return name != "a-3.syx"; };
