@@ -228,12 +228,20 @@ class Converting {
                                              error ? error.message() : "it is a file"));
     Progress progress(console_, "convert", "unit", batch_.units.size());
     std::size_t files = 0;
+    Complaints complaints(console_);
     forEachUnitFile(batch_, Sharing::apart, models_, [&](const UnitFile& file) {
       progress.step(sizeOf(file.messages));
       writeUnit(file);
       ++files;
+      if (!file.unit || batch_.units[*file.unit].form != Form::fileDump) return;
+      if (const BulkAddress address = *batch_.units[*file.unit].address; !isWritableFileDump(address)) {
+        complaints.tell("file dump that cannot be stored",
+                        fmt::format("{}: can be requested, but not stored", nameOrBytes(address)));
+        program_.refuse();
+      }
     });
     progress.end();
+    complaints.finish();
     console_.note(fmt::format("{} in {}", counted(files, "file"), escape(options_.directory)));
   }
 

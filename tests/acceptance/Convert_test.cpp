@@ -341,6 +341,17 @@ TEST_F(Convert, splitGivesEachUnitAFileAndTheRestOther) {
   EXPECT_EQ(folder("new/dir"), expected);
 }
 
+TEST_F(Convert, splitTellsOfFileDumpsThatNoInstrumentStores) {
+  const Bytes preset = fileDump({0x0C, 0x00, 0x00}, "Preset", {1});
+  write("a.syx", {preset, fileDump({0x0C, 0x0A, 0x05}, "User", {1}), kTrigger});
+  const Result run = bda({"convert", "a.syx", "--split", "dir"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("file:voice:preset1:1: can be requested, but not stored"));
+  EXPECT_THAT(run.err, Not(HasSubstr("user1")));
+  EXPECT_THAT(folder("dir"), SizeIs(2));
+  EXPECT_EQ(read("dir/voice-preset1-001-Preset.syx"), text(preset));
+}
+
 TEST_F(Convert, splitShortensNamesThatNoFileCanHave) {
   std::vector<Bytes> dumps;
   for (const char last : {'x', 'y', 'z'})
