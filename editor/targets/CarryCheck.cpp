@@ -148,6 +148,18 @@ std::string refuseUnreachable(const ModelSet& models) {
                      SystemModel::kDeviceNumber, device);
 }
 
+// Nothing carries the receive switch, and messages have no other device number than one of theirs; a receiver is as new
+// in both.
+std::vector<std::string> leftOutOfReach(const ModelSet& models) {
+  std::vector<std::string> paths;
+  if (!models.system) return paths;
+  const std::vector<std::uint16_t>& values = models.system->utility.values();
+  const auto leaveOut = [&](std::uint16_t at) { paths.push_back(fmt::format("system.utility[{}]", at)); };
+  if (values[SystemModel::kReceiveBulk] != 1) leaveOut(SystemModel::kReceiveBulk);
+  if (values[SystemModel::kDeviceNumber] >= unsigned(CMA::DeviceNumber_All)) leaveOut(SystemModel::kDeviceNumber);
+  return paths;
+}
+
 }  // namespace
 
 CarryCheck checkCarried(const Target& target, const ModelSet& models) {
@@ -155,6 +167,7 @@ CarryCheck checkCarried(const Target& target, const ModelSet& models) {
   check.refusal = refuseUnreachable(models);
   const bool hasBlocks = target.kind == Target::Kind::system || target.header.has_value();
   if (!check.refusal.empty() || !hasBlocks) return check;
+  check.leftOut = leftOutOfReach(models);
 
   const ModelSet wanted = Scratch::reachable(models);
   const ModelSet fresh = Scratch::reachable(freshReceiver(models));

@@ -12,7 +12,7 @@ namespace Editor {
 // values, in every parameter that the blocks hold at all?
 struct CarryCheck {
   std::string refusal;               // the first parameter that would arrive as another value, by its path; empty: none
-  std::vector<std::string> leftOut;  // the paths of those that no block holds, where they are not as in fresh models
+  std::vector<std::string> leftOut;  // the paths of those that no message holds, where they are not as in fresh models
   std::string unchecked;             // why it could not be seen; empty: it was
 };
 CarryCheck checkCarried(const Target& target, const ModelSet& models);

@@ -495,6 +495,17 @@ TEST_F(Convert, jsonIsRefusedByItsKindOrItsValues) {
   EXPECT_THAT(bda({"list", "a.json"}), Exits(2));  // for others it is none of messages
 }
 
+TEST_F(Convert, settingsThatNoMessageCarriesAreNamed) {
+  Json system = json({"show", "system", "--json"});
+  system["system"]["utility"][50] = 0;
+  system["system"]["utility"][51] = 16;
+  write("a.json", system.dump());
+  const Result run = bda({"convert", "a.json", "--place", "system", "-o", "b.syx"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("system: no message carries 2 parameters: system.utility[50], system.utility[51]"));
+  EXPECT_THAT(bda({"verify", "b.syx"}), Exits(0));
+}
+
 TEST_F(Convert, jsonTellsWhatWasWrittenUnitByUnit) {
   write("a.syx", {kForeign, voice({0x0E, 0x0A, 0x05}), dump({0x0C, 0x0A, 0x06}, Bytes(4)), kTrigger});
   const Result one = bda({"convert", "a.syx", "--place", "voice:user2", "-o", "b.mid", "--json"});

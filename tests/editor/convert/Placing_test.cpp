@@ -229,7 +229,9 @@ TEST_F(Placing, whatNoBlockCarriesIsNamed) {
   Editor::ModelSet models;
   models.system.emplace();
   const std::uint8_t value = 200;
+  const std::uint8_t on = 1;
   models.system->utility.set(&value, 3, 0);
+  models.system->utility.set(&on, Editor::SystemModel::kReceiveBulk, 0);
   Editor::BatchBuilder builder;
   builder.addJson(Editor::toJson(models));
   Batch batch = builder.finish();

@@ -9,6 +9,8 @@ using Editor::checkCarried;
 using Editor::ModelSet;
 using Editor::parseTarget;
 using Editor::Target;
+using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::StartsWith;
 
 namespace {
@@ -106,6 +108,22 @@ TEST(CarryCheck, theReceiveSwitchAndTheDeviceOffDoNotHinderIt) {
   set(models.system->utility, 51, 17);
   set(models.system->masterEq, 1, 0x80);
   EXPECT_THAT(checkCarried(target, models).refusal, StartsWith("system.masterEq[1]"));
+}
+
+TEST(CarryCheck, aReceiveSwitchThatIsNotOnAndADeviceNumberOfNoMessageAreLeftOut) {
+  const Target target = parseTarget("system");
+  ModelSet models = fresh(target);
+  for (const int isOn : {0, 77}) {
+    set(models.system->utility, 50, std::uint16_t(isOn));
+    EXPECT_THAT(checkCarried(target, models).leftOut, ElementsAre("system.utility[50]")) << isOn;
+  }
+  set(models.system->utility, 50, 1);
+  for (const int device : {16, 17}) {
+    set(models.system->utility, 51, std::uint16_t(device));
+    EXPECT_THAT(checkCarried(target, models).leftOut, ElementsAre("system.utility[51]")) << device;
+  }
+  set(models.system->utility, 51, 15);
+  EXPECT_THAT(checkCarried(target, models).leftOut, IsEmpty());
 }
 
 TEST(CarryCheck, namesBeyondAsciiAreRefused) {
