@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "contents/Indexes.h"
+
 #include <SQLiteCpp/Backup.h>
 
 namespace Editor {
@@ -28,18 +30,23 @@ constexpr const char* kTables = R"sql(
                       PRIMARY KEY(entry, kind, type, number, key)) STRICT;
 )sql";
 
-// The tables of version 1 as if they were those of version 2.
-constexpr const char* kViews = R"sql(
+// The tables of version 1 as if they were those of version 2. `way`: how SQLite finds the rows of those with an index.
+std::string viewsOfOldTables(const std::string& way) {
+  return R"sql(
   PRAGMA temp_store = MEMORY;
-  CREATE TEMP VIEW content AS SELECT type, number, name, bytes, checksum(name, bytes) AS checksum FROM main.contents;
+  CREATE TEMP VIEW content AS
+    SELECT type, number, name, bytes, checksum(name, bytes) AS checksum FROM main.contents)sql" +
+         way + R"sql(;
+  CREATE TEMP VIEW live_model AS SELECT key, bytes, checksum(x'', bytes) AS checksum FROM main.live)sql" +
+         way + R"sql(;
   CREATE TEMP VIEW favourite AS SELECT type, number, flag FROM main.favourites;
-  CREATE TEMP VIEW live_model AS SELECT key, bytes, checksum(x'', bytes) AS checksum FROM main.live;
   CREATE TEMP VIEW setting AS SELECT name, value FROM main.settings;
   CREATE TEMP VIEW entry AS SELECT 0 AS number, 0 AS time, 0 AS undoes, 0 AS bytes, '' AS verb, x'' AS sources WHERE 0;
   CREATE TEMP VIEW change AS SELECT 0 AS entry, 0 AS kind, 0 AS type, 0 AS number, '' AS key, 0 AS what,
     x'' AS name_before, x'' AS name_after, 0 AS checksum_after, x'' AS held_name, 0 AS held_checksum,
     x'' AS held_bytes WHERE 0;
 )sql";
+}
 
 constexpr const char* kDropViews = R"sql(
   DROP VIEW temp.content; DROP VIEW temp.favourite; DROP VIEW temp.live_model; DROP VIEW temp.setting;
@@ -52,18 +59,6 @@ constexpr const char* kMoveRows = R"sql(
   INSERT INTO live_model SELECT key, bytes, checksum(x'', bytes) FROM live;
   INSERT INTO setting SELECT name, value FROM settings;
   DROP TABLE contents; DROP TABLE favourites; DROP TABLE live; DROP TABLE settings;
-)sql";
-
-// Both have an index of their own because a row is found by a key that is not its number.
-constexpr const char* kHasWrongIndex = R"sql(
-  SELECT (SELECT count(*) FROM content NOT INDEXED) <>
-           (SELECT count(*) FROM content INDEXED BY sqlite_autoindex_content_1) OR
-         (SELECT count(*) FROM live_model NOT INDEXED) <>
-           (SELECT count(*) FROM live_model INDEXED BY sqlite_autoindex_live_model_1) OR
-         EXISTS(SELECT rowid, type, number FROM content NOT INDEXED EXCEPT
-                SELECT rowid, type, number FROM content INDEXED BY sqlite_autoindex_content_1) OR
-         EXISTS(SELECT rowid, key FROM live_model NOT INDEXED EXCEPT
-                SELECT rowid, key FROM live_model INDEXED BY sqlite_autoindex_live_model_1)
 )sql";
 
 struct Table {
@@ -124,7 +119,9 @@ std::unique_ptr<Database> Database::copyInMemory() {
   auto database = std::make_unique<Database>(kNoFile, SQLite::OPEN_READWRITE, kForEver, nullptr);
   SQLite::Backup(database->connection, connection).executeStep();
   database->prepareStatements();
-  database->hasWrongIndex_ = hasWrongIndex();  // SQLite refuses to write in memory once it has met damage there
+  // SQLite refuses to write in memory once it has met damage there.
+  database->hasWrongIndex_ = hasWrongIndex();
+  database->hasWrongHistory_ = hasWrongHistory();
   return database;
 }
 
@@ -149,7 +146,7 @@ void Database::makeTables() {
 void Database::prepareStatements() {
   try {
     hasViews_ = version() < kLibraryVersion;
-    if (hasViews_) connection.exec(kViews);
+    if (hasViews_) connection.exec(viewsOfOldTables(hasWrongIndex() ? " NOT INDEXED" : ""));
     reading.emplace(connection);
     if (!hasViews_) writing.emplace(connection);
   } catch (const SQLite::Exception& error) {
@@ -192,14 +189,15 @@ std::vector<std::pair<std::string, std::string>> Database::checkTables() {
 }
 
 bool Database::hasWrongIndex() {
-  if (hasViews_) return false;
-  if (!hasWrongIndex_) try {
-      hasWrongIndex_ = integer(kHasWrongIndex) != 0;
-    } catch (const SQLite::Exception& error) {
-      if (!isDamage(error)) throw;
-      hasWrongIndex_ = false;  // SQLite itself meets that damage where it stands
-    }
+  if (!hasWrongIndex_)
+    hasWrongIndex_ = isIndexWrong(connection, hasViews_ ? Indexed::oldContent : Indexed::content) ||
+                     isIndexWrong(connection, hasViews_ ? Indexed::oldLiveModel : Indexed::liveModel);
   return *hasWrongIndex_;
+}
+
+bool Database::hasWrongHistory() {
+  if (!hasWrongHistory_) hasWrongHistory_ = !hasViews_ && isIndexWrong(connection, Indexed::change);
+  return *hasWrongHistory_;
 }
 
 bool Database::holdsAnything() {

@@ -57,10 +57,10 @@ struct Database {
   void migrate();
   // By its own integrity check: each table with what is wrong with it, or nothing.
   std::vector<std::pair<std::string, std::string>> checkTables();
-  // Whether an index of a table of contents or live models does not have exactly its rows: SQLite believes an index,
-  // and would take a place for empty, or another one for it. Found out once; false for version 1, which has other
-  // tables.
+  // Whether the index of the contents or live models is wrong, or that of the changes in the history, which are many.
+  // Found out once each, of a library of version 1 as it was opened.
   bool hasWrongIndex();
+  bool hasWrongHistory();
   // Whether any table has a row.
   bool holdsAnything();
   // Into tables that are empty.
@@ -162,6 +162,7 @@ struct Database {
  private:
   bool hasViews_ = false;  // or had
   std::optional<bool> hasWrongIndex_;
+  std::optional<bool> hasWrongHistory_;
 };
 
 // One execution of a prepared statement: binds from left to right, reads columns, leaves it ready for the next.

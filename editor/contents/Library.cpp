@@ -36,6 +36,7 @@ std::optional<std::string> nameOf(const std::optional<Held>& held) {
 }
 
 constexpr const char* kWayOn = "; what is whole can be backed up, and restored into a new library";
+constexpr const char* kWrongIndex = "an index does not fit its table";
 constexpr const char* kNoFlag = "no favourite flag has such a number";
 
 void requireWhole(const Held& held) {
@@ -245,7 +246,7 @@ void Library::endCopy() noexcept {
 
 // Who reads goes without them where he has to.
 void Library::requireIndexes() const {
-  if (database_->hasWrongIndex()) throw SQLite::Exception("an index does not fit its table", SQLITE_CORRUPT);
+  if (database_->hasWrongIndex()) throw SQLite::Exception(kWrongIndex, SQLITE_CORRUPT);
 }
 
 void Library::copyFrom(Library& other) {
@@ -274,7 +275,7 @@ std::optional<Held> Library::heldNow(const Place& place) {
 }
 
 std::optional<Held> Library::heldByIndex(const Place& place) {
-  requireIndexes();
+  if (place.kind == Place::Kind::content || place.kind == Place::Kind::live) requireIndexes();
   Database::Reading& reading = *database_->reading;
   switch (place.kind) {
     case Place::Kind::content: {
@@ -348,6 +349,7 @@ void Library::openEntry() {
 template <typename Statement, typename Visit, typename... Entry>
 void Library::listHistory(Listed rows, Statement& inOrder, Visit visit, const Entry&... entry) {
   try {
+    if (sizeof...(entry) > 0 && database_->hasWrongHistory()) throw SQLite::Exception(kWrongIndex, SQLITE_CORRUPT);
     for (Query query(inOrder, entry...); query.next();) visit(query);
   } catch (const SQLite::Exception& error) {
     if (!tellUnread_ || !isDamage(error)) throw;
@@ -405,7 +407,7 @@ void Library::list(Listed rows, Statement& inOrder, Visit visit) {
       visit(query);
   };
   try {
-    requireIndexes();
+    if (rows != Listed::favourites) requireIndexes();
     for (Query query(inOrder); query.next();) visitRow(query);
   } catch (const SQLite::Exception& error) {
     if (!tellUnread_ || !isDamage(error)) throw;

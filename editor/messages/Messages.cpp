@@ -19,6 +19,16 @@ bool isForThisInstrument(std::span<const std::uint8_t> message) {
          ((message[3] == BDA::kModelId1 && message[4] == BDA::kModelId2) || message[4] == BDA::kOtherModelId2);
 }
 
+// Too short for any message of ours, and like one as far as it goes: what an end in the midst of one leaves. The
+// instrument takes no notice of it.
+bool isRemainder(std::span<const std::uint8_t> message) {
+  constexpr std::size_t kModelAt = 3;
+  if (message.size() >= BDA::kRequestLength || message.size() < kModelAt + 2 || !isOfThisMaker(message)) return false;
+  const bool hasBoth = message.size() > kModelAt + 2;
+  if (hasBoth && message[kModelAt + 1] == BDA::kOtherModelId2) return true;
+  return message[kModelAt] == BDA::kModelId1 && (!hasBoth || message[kModelAt + 1] == BDA::kModelId2);
+}
+
 BulkAddress addressAt(std::span<const std::uint8_t> message, std::size_t at) {
   return {message[at], message[at + 1], message[at + 2]};
 }
@@ -128,6 +138,11 @@ bool isOfThisMaker(std::span<const std::uint8_t> message) { return message.size(
 
 Reading readMessage(std::span<const std::uint8_t> message) {
   Reading reading;
+  if (isRemainder(message)) {
+    reading.kind = Reading::Kind::invalid;
+    judge(reading, Reading::Verdict::lengthWrong,
+          fmt::format("{} bytes, a message has at least {}", message.size(), BDA::kRequestLength));
+  }
   if (!isForThisInstrument(message)) return reading;
   reading.device = unsigned(message[2] & BDA::kDeviceMask) + 1;
   reading.verdict = Reading::Verdict::good;

@@ -17,7 +17,7 @@ struct Reading {
     dump,
     request,
     other,    // of a type that is for the instrument, but no bulk message
-    invalid,  // of a type that does not exist, or too short for its type
+    invalid,  // of a type that does not exist, or too short for its type or for any
   };
   enum class Verdict : std::uint8_t {
     good,
@@ -33,7 +33,7 @@ struct Reading {
 
   Kind kind = Kind::foreign;
   Verdict verdict = Verdict::foreign;
-  std::optional<unsigned> device;                // 1 to 16; nothing: foreign
+  std::optional<unsigned> device;                // 1 to 16; nothing: foreign, or too short for any type
   std::optional<BulkAddress> address;            // of dumps and requests that are long enough to have one
   std::optional<BlockFacts> block;               // what the map says of that address
   Role role = Role::unknown;                     // of that address

@@ -82,7 +82,7 @@ std::vector<UnitReport> UnitFollower::next(const Reading& reading, std::uint64_t
     case Reading::Kind::other:
       break;
     case Reading::Kind::invalid:
-      abandon(std::string("a message of ") + wordOf(reading.verdict));
+      if (reading.device) abandon(std::string("a message of ") + wordOf(reading.verdict));
       break;
     case Reading::Kind::request:
       abandon("a request");

@@ -11,6 +11,7 @@
 #include "ChangeRun.h"
 #include "messages/Nearest.h"
 #include "messages/Text.h"
+#include "midi/Counted.h"
 #include "models/ModelJson.h"
 #include "verbs/SettingHelp.h"
 #include "verbs/Verbs.h"
@@ -89,10 +90,15 @@ const std::array kSettings{
             [](EmbeddedEditor& editor, std::int64_t most) { editor.library().set(Recorder::kMegabytes, most); }},
 };
 
-void tellSet(const std::string& name, const std::string& before, const std::string& after, const ChangeOptions& options,
-             Console& console) {
+// Also what can never be taken back: `dropped` entries of the history.
+void tellSet(const std::string& name, const std::string& before, const std::string& after, std::size_t dropped,
+             const ChangeOptions& options, Console& console) {
   if (before == after) return console.note(fmt::format("nothing changes: {} is {}", name, after));
-  const std::string change = fmt::format("set: {}: {}, was {}", name, after, before);
+  const std::string gone = dropped == 0
+                               ? ""
+                               : fmt::format("; the oldest {} of the history {} gone",
+                                             counted(dropped, "entry", "entries"), dropped == 1 ? "is" : "are");
+  const std::string change = fmt::format("set: {}: {}, was {}{}", name, after, before, gone);
   if (options.dryRun)
     console.line("would " + change);
   else
@@ -147,10 +153,13 @@ void settings(const std::string& name, const std::optional<std::string>& value, 
   if (!number) throw Failure(kWrongUsage, fmt::format("{}: \"{}\": expected {}", name, escape(*value), setting.values));
   ChangeRun run(program, {"settings"}, options);
   const std::string before = setting.get(run.editor());
+  const std::size_t entries = run.library().recordedEntries().size();
   if (setting.parse(before) != number) setting.set(run.editor(), *number);
   const std::string after = setting.get(run.editor());
   std::vector<PlaceChange> changes = run.commit();
-  if (!options.json) return tellSet(name, before, after, options, program.console);
+  const std::size_t kept = run.library().recordedEntries().size();
+  const std::size_t dropped = entries > kept ? entries - kept : 0;
+  if (!options.json) return tellSet(name, before, after, dropped, options, program.console);
   if (changes.empty() && before != after)  // what the history says of itself it does not record
     changes.push_back({name, What::set, std::to_string(*setting.parse(before)), std::to_string(*number)});
   tellChanges(changes, options, program.console);

@@ -113,7 +113,7 @@ TEST_F(DamagedFile, anIndexThatIsWrongIsNotBelieved) {
     int wrong = 0;
     for (std::size_t at = entries; at < page + 4096; at += 41) {
       std::string flipped = whole;
-      flipped[at] ^= 1;
+      flipped[at] = char(std::uint8_t(flipped[at]) ^ (1U << at % 8));
       Editor::writeFile(libraryFile(), flipped);
       const bool isWrong = bda({"contents"}).code == 3;  // else it leads to every row, or is not in use
       wrong += isWrong ? 1 : 0;

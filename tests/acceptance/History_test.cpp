@@ -99,7 +99,8 @@ TEST_F(History, aRunThatIsRefusedLeavesNoEntry) {
 
 TEST_F(History, isKeptAsTheSettingsSay) {
   for (const char* name : {"a", "b", "c", "d"}) ok({"rename", "drum:edit", name});
-  ok({"settings", "history", "2"});
+  EXPECT_THAT(bda({"settings", "history", "2", "--dry-run"}).out, HasSubstr("of the history are gone\n"));
+  EXPECT_THAT(bda({"settings", "history", "2"}).err, HasSubstr("of the history are gone\n"));
   EXPECT_THAT(history(), SizeIs(2));
   ok({"settings", "history", "off"});
   EXPECT_EQ(bda({"settings", "history"}).out, "off\n");

@@ -134,6 +134,23 @@ TEST(Messages, aDumpShorterThanItsFrameIsInvalid) {
   EXPECT_EQ(reading.verdict, Verdict::lengthWrong);
 }
 
+TEST(Messages, whatAnEndInTheMidstLeavesOfOneIsInvalid) {
+  const Bytes whole = dump({0x0E, 0x0A, 0x05}, {1, 2, 3});
+  for (std::size_t size = 5; size < 9; ++size) {
+    Bytes message(whole.begin(), whole.begin() + std::ptrdiff_t(size - 1));
+    message.push_back(0xF7);
+    const Reading reading = readMessage(message);
+    EXPECT_EQ(reading.kind, Kind::invalid) << size;
+    EXPECT_EQ(reading.verdict, Verdict::lengthWrong) << size;
+    EXPECT_EQ(reading.note, std::to_string(size) + " bytes, a message has at least 9");
+    EXPECT_FALSE(reading.device) << "the instrument takes no notice of it";
+  }
+  for (const Bytes& other :
+       {Bytes{0xF0, 0x7D, 0xF7}, Bytes{0xF0, 0x7D, 0x00, 0xF7}, Bytes{0xF0, 0x7D, 0x00, 0x01, 0xF7},
+        Bytes{0xF0, 0x7D, 0x00, 0x7F, 0x01, 0xF7}, Bytes{0xF0, 0x7E, 0x00, 0x7F, 0x14, 0xF7}})
+    EXPECT_EQ(readMessage(other).kind, Kind::foreign);
+}
+
 TEST(Messages, typesBeyondThoseOfTheInstrumentAreUnknown) {
   for (const int type : {0x10, 0x30, 0x40}) {
     Bytes message = request({0, 0, 0});
