@@ -191,6 +191,34 @@ TEST_F(Salvage, aMessageCutShortIsLostByItsName) {
   EXPECT_EQ(read("r.syx"), text(request({0x00, 0x40, 0x00})));
 }
 
+// What the rest of them held nothing says.
+TEST_F(Salvage, filesThatCannotBeReadInFullEndItWith3) {
+  const Bytes first = blockDump({0x00, 0x00, 0x00});
+  write("a.syx", {first, blockDump({0x00, 0x40, 0x00})});
+  ASSERT_THAT(bda({"convert", "a.syx", "-o", "a.mid"}), Exits(0));
+  ASSERT_THAT(bda({"convert", "a.syx", "-o", "a.txt"}), Exits(0));
+  const std::string midi = read("a.mid");
+  const std::string hex = read("a.txt");
+  const std::string riff = std::string("RIFF\0\4\0\0RMIDdata\0\4\0\0", 20) + midi;
+  const auto salvaged = [&] { return bda({"salvage", "a.mid", "a.txt", "-o", "good.syx"}); };
+  EXPECT_THAT(salvaged(), Exits(0));
+  EXPECT_THAT(salvaged().err, Not(HasSubstr("in full")));
+  for (const std::string& broken : {midi.substr(0, midi.size() - 20), riff, midi + "MTrk"}) {
+    write("a.mid", broken);
+    const Result run = salvaged();
+    EXPECT_THAT(run, Exits(3));
+    EXPECT_THAT(run.err, HasSubstr("2 whole, 0 completed, 0 lost; 2 messages kept; 1 file not read in full\n"));
+    EXPECT_EQ(read("good.syx"), read("a.syx"));
+  }
+  write("a.txt", hex + "FO 7D\n" + hex);
+  EXPECT_THAT(salvaged(), Exits(3));
+  EXPECT_THAT(salvaged().err, HasSubstr("; 2 files not read in full\n"));
+  const Result json = bda({"salvage", "a.txt", "-o", "good.syx", "--json", "--requests", "r.syx"});
+  EXPECT_THAT(json, Exits(3));
+  EXPECT_THAT(json.err, HasSubstr("lost, and no request can fetch it: what was not read of 1 file\n"));
+  EXPECT_THAT(json.err, HasSubstr("; 1 file not read in full\n"));
+}
+
 TEST_F(Salvage, outputsAreNoInputsAndNeverTheSame) {
   write("a.syx", {voice()});
   EXPECT_THAT(bda({"salvage", "a.syx", "-o", "a.syx"}), Exits(1));
