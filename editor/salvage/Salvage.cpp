@@ -23,6 +23,9 @@ std::vector<std::size_t> sourcesOf(const Group& captures) {
   return {sources.begin(), sources.end()};
 }
 
+// From 1.
+unsigned deviceOf(const Piece& piece) { return (piece.bytes[2] & BDA::kDeviceMask) + 1U; }
+
 // All blocks of the captures: those of the preferred source before all others, those of the fullest before the rest.
 Pieces joined(Group captures, std::optional<std::size_t> preferred) {
   std::ranges::stable_sort(captures, std::ranges::greater(),
@@ -67,7 +70,13 @@ class Decision {
       for (const Capture* const capture : captures_)
         if (capture->device) salvaged_.device = capture->device;
     } else {
-      salvaged_.notTaken = notTaken();
+      // What merging chooses between is told as that.
+      Group remains = captures_;
+      std::erase_if(remains, [&](const Capture* one) {
+        return one->isWhole || (salvaged_.isMerged && one->device == deviceOf(salvaged_.messages.front()));
+      });
+      addNotTaken(NotTaken::Form::remains, remains);
+      addNotTaken(NotTaken::Form::whole, whole);
     }
     return std::move(salvaged_);
   }
@@ -141,19 +150,23 @@ class Decision {
 
   void keepCompleted(const Pieces& pieces) { keep(salvaged_, Salvaged::State::completed, pieces); }
 
-  std::vector<BulkAddress> notTaken() const {
-    if (!options_.preferred || std::ranges::find(salvaged_.from, *options_.preferred) != salvaged_.from.end())
-      return {};
-    Capture kept;
-    for (const Piece& piece : salvaged_.messages) kept.pieces.emplace(*readMessage(piece.bytes).address, piece);
-    Addresses different;
-    for (const Capture* const capture : captures_) {
-      if (capture->source != options_.preferred || capture->isSuperseded) continue;
-      different.merge(differencesOf({&kept, capture}));
-      for (const auto& [address, piece] : capture->pieces)
-        if (!kept.pieces.contains(address)) different.insert(address);
+  // Those of the captures that have something else than what is kept.
+  void addNotTaken(NotTaken::Form form, const Group& captures) {
+    Pieces kept;
+    for (const Piece& piece : salvaged_.messages) kept.emplace(*readMessage(piece.bytes).address, piece);
+    Group others;
+    Addresses differs;
+    for (const Capture* const capture : captures) {
+      bool isOther = false;
+      for (const auto& [address, piece] : capture->pieces) {
+        const auto same = kept.find(address);
+        if (same != kept.end() && carrySame(same->second, piece)) continue;
+        differs.insert(address);
+        isOther = true;
+      }
+      if (isOther) others.push_back(capture);
     }
-    return listOf(different);
+    if (!others.empty()) salvaged_.notTaken.push_back({form, sourcesOf(others), listOf(differs)});
   }
 
   std::vector<BulkAddress> lackOfFullest(const Group& remains) const {
@@ -202,9 +215,6 @@ void addOrphans(SalvageResult& result, const std::vector<Capture>& orphans, cons
   }
   std::ranges::move(lost, std::back_inserter(result.units));
 }
-
-// From 1.
-unsigned deviceOf(const Piece& piece) { return (piece.bytes[2] & BDA::kDeviceMask) + 1U; }
 
 // Behind the file dumps for a device. One that a file has like that goes before one that was corrected.
 Piece triggerBehind(unsigned device, const std::vector<Piece>& triggers, SalvageResult& result) {

@@ -11,6 +11,15 @@
 
 namespace Editor {
 
+// What is left out for something else that is kept of the same place, though nothing says that it is worse.
+struct NotTaken {
+  enum class Form : std::uint8_t { remains, whole };
+
+  Form form;
+  std::vector<std::size_t> from;     // the sources that have it
+  std::vector<BulkAddress> differs;  // the blocks in which it does
+};
+
 // What became of one unit, or of one single block, of which some file has something.
 struct Salvaged {
   enum class State : std::uint8_t {
@@ -29,7 +38,7 @@ struct Salvaged {
   std::vector<std::size_t> repeatedIn;   // sources that have it whole more than once: the last one counts
   std::optional<unsigned> device;        // lost: whom to ask; none: nobody can be asked for it
   bool isMergeable = false;              // lost: merging would complete it
-  std::vector<BulkAddress> notTaken;     // blocks of the preferred source, of which nothing is kept, that differ
+  std::vector<NotTaken> notTaken;        // kept: what is left out for it, one for each form
 };
 
 // A trigger that no file has, behind the file dumps for a device.

@@ -51,8 +51,7 @@ class Salvaging {
         program_(program),
         console_(program.console),
         sources_(sourcesOf(files)),
-        preferred_(preferredOf(files_, options.preferred)),
-        salvage_({options.fixChecksums, options.merge, preferred_}),
+        salvage_({options.fixChecksums, options.merge, preferredOf(files_, options.preferred)}),
         good_(options.output) {
     if (options.output == "-" || options.requests == "-") console_.keepOutputForBytes();
     if (!options.requests.empty()) requests_.emplace(options.requests);
@@ -197,9 +196,9 @@ class Salvaging {
                                        ? "nothing says that it is one sound"
                                        : "captures differ in " + describeBlocks(unit.contradicts)));
     for (const Piece& piece : unit.messages) tellCorrection(piece);
-    if (!unit.notTaken.empty())
-      console_.problem(fmt::format("{}: {} has it otherwise, but not whole, and that is not taken: {}", name,
-                                   displayName(files_[*preferred_]), describeBlocks(unit.notTaken)));
+    for (const NotTaken& other : unit.notTaken)
+      console_.problem(fmt::format("{}: {}, and that is not taken: {}", name, describe(other, files_),
+                                   describeBlocks(other.differs)));
   }
 
   void tellCorrection(const Piece& piece) {
@@ -269,7 +268,6 @@ class Salvaging {
   const Interruptible interruptible_;  // or what is written beside the outputs would stay
   Words files_;                        // the sources by their names
   Sources sources_;
-  const std::optional<std::size_t> preferred_;
   Salvage salvage_;
   OutputFile good_;
   std::optional<OutputFile> requests_;

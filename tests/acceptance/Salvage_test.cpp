@@ -1,5 +1,7 @@
 // salvage: what is whole in broken captures, and requests for the rest.
 
+#include <utility>
+
 #include "Library.h"
 #include "Program.h"
 
@@ -320,6 +322,44 @@ TEST_F(Salvage, whatThePreferredFileHasOtherwiseAndIsNotTakenIsSaid) {
   EXPECT_THAT(run, Exits(0));
   EXPECT_THAT(run.err, HasSubstr("voice:user1:6: new.syx has it otherwise, but not whole, and that is not taken: "
                                  "normal voice common (40 00 00)"));
+  EXPECT_EQ(read("good.syx"), text(voice(1)));
+}
+
+TEST_F(Salvage, remainsThatDifferFromWhatIsWholeAreSaid) {
+  constexpr BulkAddress kCommon{0x40, 0x00, 0x00};
+  const std::string remain = text(blockDump(kVoice)) + text(blockDump(kCommon, 2));
+  write("whole.syx", {voice(1)});
+  write("remain.syx", remain);
+  write("both.syx", remain + text(voice(1)));
+  using Words = std::vector<std::string>;
+  for (const auto& [files, from] :
+       {std::pair(Words{"remain.syx", "whole.syx"}, "whole.syx"), std::pair(Words{"both.syx"}, "both.syx")}) {
+    Words words{"salvage", "-o", "good.syx"};
+    words.insert(words.end(), files.begin(), files.end());
+    const Result run = bda(words);
+    const std::string said = files[0] + " has it otherwise, but not whole";
+    EXPECT_THAT(run, Exits(0));
+    EXPECT_EQ(run.out, "whole: voice:user1:6, " + said + " (" + from + ")\n");
+    EXPECT_THAT(run.err,
+                HasSubstr("voice:user1:6: " + said + ", and that is not taken: normal voice common (40 00 00)"));
+    EXPECT_EQ(read("good.syx"), text(voice(1)));
+    words.emplace_back("--json");
+    EXPECT_EQ(objectsOf(bda(words).out).at(0)["contradicts"].dump(), R"(["40 00 00"])");
+  }
+}
+
+TEST_F(Salvage, anotherWholeOneThatIsLeftOutForThePreferredOneIsSaid) {
+  std::string other = text(voice(1));
+  other.replace(other.find(text(blockDump(kElement, 1))), blockDump(kElement).size(), text(blockDump(kElement, 2)));
+  write("a.syx", {voice(1)});
+  for (const char* const name : {"b.syx", "c.syx"}) write(name, other);
+  const Result run = bda({"salvage", "a.syx", "b.syx", "c.syx", "-o", "good.syx", "--prefer", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_EQ(run.out, "whole: voice:user1:6, b.syx, c.syx have it otherwise, whole too (a.syx)\n");
+  EXPECT_THAT(run.err, HasSubstr("voice:user1:6: b.syx, c.syx have it otherwise, whole too, and that is not taken: "
+                                 "element 3 oscillator (41 02 00)\n"));
+  const Result json = bda({"salvage", "a.syx", "b.syx", "-o", "good.syx", "--prefer", "a.syx", "--json"});
+  EXPECT_EQ(objectsOf(json.out).at(0)["contradicts"].dump(), R"(["41 02 00"])");
   EXPECT_EQ(read("good.syx"), text(voice(1)));
 }
 
