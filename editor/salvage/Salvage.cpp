@@ -233,6 +233,27 @@ Piece triggerBehind(unsigned device, const std::vector<Piece>& triggers, Salvage
   return trigger;
 }
 
+// Where one form of a content alone is of the preferred source, the other goes.
+void chooseForms(std::vector<Salvaged>& units, std::size_t preferred) {
+  const auto isPreferred = [&](const Salvaged& unit) {
+    return std::ranges::find(unit.from, preferred) != unit.from.end();
+  };
+  std::map<ContentId, Salvaged*> forms;
+  Addresses leftOut;
+  for (Salvaged& unit : units) {
+    const std::optional<ContentId> content = contentNamedBy(unit.address);
+    if (unit.state == Salvaged::State::lost || !content) continue;
+    const auto [other, isNew] = forms.emplace(canonical(*content), &unit);
+    if (isNew || isPreferred(unit) == isPreferred(*other->second)) continue;
+    Salvaged* left = &unit;
+    if (isPreferred(unit)) std::swap(left, other->second);
+    const auto form = isUnit(left->address) ? NotTaken::Form::asUnit : NotTaken::Form::asFileDump;
+    other->second->notTaken.push_back({form, left->from, {left->address}});
+    leftOut.insert(left->address);
+  }
+  std::erase_if(units, [&](const Salvaged& unit) { return leftOut.contains(unit.address); });
+}
+
 // All messages that are kept, and the requests that fetch the rest. Of file dumps for several devices an instrument
 // writes none by the trigger of another.
 void gather(SalvageResult& result, const std::vector<Piece>& triggers) {
@@ -308,6 +329,7 @@ SalvageResult Salvage::finish(const std::function<void()>& pause) {
     result.units.push_back(std::move(unit));
   }
   addOrphans(result, last.orphans(), pause);
+  if (options_.preferred) chooseForms(result.units, *options_.preferred);
   gather(result, last.triggers());
   result.leftOut = last.leftOut();
   result.unknown = last.countUnknown();

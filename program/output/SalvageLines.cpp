@@ -43,6 +43,10 @@ const char* wordsOf(NotTaken::Form form) {
       return "otherwise, but not whole";
     case NotTaken::Form::whole:
       return "otherwise, whole too";
+    case NotTaken::Form::asFileDump:
+      return "as a file dump";
+    case NotTaken::Form::asUnit:
+      return "block by block";
   }
   return "?";
 }

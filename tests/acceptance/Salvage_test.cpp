@@ -363,6 +363,35 @@ TEST_F(Salvage, anotherWholeOneThatIsLeftOutForThePreferredOneIsSaid) {
   EXPECT_EQ(read("good.syx"), text(voice(1)));
 }
 
+TEST_F(Salvage, ofAFileDumpAndAUnitOfOnePlaceThePreferredOneIsKept) {
+  const std::string stored = text(fileDump({0x0C, 0x0A, 0x05}, "One", {1})) + text(dump(Editor::kWriteTrigger));
+  write("dump.syx", stored);
+  write("unit.syx", {voice()});
+  const auto salvaged = [&](const std::vector<std::string>& more) {
+    std::vector<std::string> words{"salvage", "dump.syx", "unit.syx", "-o", "good.syx"};
+    words.insert(words.end(), more.begin(), more.end());
+    return bda(words);
+  };
+  EXPECT_THAT(salvaged({}).err, HasSubstr("voice:user1:6: kept as a file dump and as a unit, which is stored last"));
+  EXPECT_EQ(read("good.syx"), stored + text(voice()));
+
+  const Result ofDump = salvaged({"--prefer", "dump.syx"});
+  EXPECT_THAT(ofDump, Exits(0));
+  EXPECT_EQ(ofDump.out, "whole: file:voice:user1:6, unit.syx has it block by block (dump.syx)\n");
+  EXPECT_THAT(ofDump.err, HasSubstr("file:voice:user1:6: unit.syx has it block by block, and that is not taken: "
+                                    "normal voice user 1, 006: header (0E 0A 05)\n"));
+  EXPECT_THAT(ofDump.err, Not(HasSubstr("kept as a file dump and as a unit")));
+  EXPECT_EQ(read("good.syx"), stored);
+  const std::vector<Json> units = objectsOf(salvaged({"--prefer", "dump.syx", "--json"}).out);
+  ASSERT_THAT(units, SizeIs(1));
+  EXPECT_EQ(units[0]["contradicts"].dump(), R"(["0E 0A 05"])");
+
+  const Result ofUnit = salvaged({"--prefer", "unit.syx"});
+  EXPECT_THAT(ofUnit, Exits(0));
+  EXPECT_EQ(ofUnit.out, "whole: voice:user1:6, dump.syx has it as a file dump (unit.syx)\n");
+  EXPECT_EQ(read("good.syx"), text(voice()));
+}
+
 TEST_F(Salvage, voicesOfTwoKindsDifferInTheirHeader) {
   constexpr BulkAddress kPart{0x0E, 0x30, 0x01};
   write("a.syx", {unit(kPart, BDA::List::normalVoice)});

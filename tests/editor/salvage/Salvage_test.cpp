@@ -434,6 +434,28 @@ TEST_F(Salvaging, aContentInTwoFormsIsNamed) {
   EXPECT_EQ(nameOf(result().twice[0]), "voice:user1:6");
 }
 
+TEST_F(Salvaging, ofTwoFormsOfAContentThatOfThePreferredFileAloneIsKept) {
+  constexpr BulkAddress kFileDump{0x0C, 0x0A, 0x05};
+  const Bytes stored = fileDump(kFileDump, "One", {1});
+  const Unit unit(kVoice6);
+  options.preferred = 0;
+  file().send(stored).send(dump(Editor::kWriteTrigger)).file().send(unit);
+  EXPECT_THAT(units(), ElementsAre("file:voice:user1:6 whole 0"));
+  EXPECT_THAT(kept(), ElementsAre(stored, dump(Editor::kWriteTrigger)));
+  EXPECT_THAT(notTaken(), ElementsAre(FieldsAre(Form::asUnit, ElementsAre(1), ElementsAre(kVoice6))));
+  EXPECT_THAT(result().twice, IsEmpty());
+  anew().file().send(unit).file().send(stored).send(dump(Editor::kWriteTrigger));
+  EXPECT_THAT(units(), ElementsAre("voice:user1:6 whole 0"));
+  EXPECT_EQ(kept(), unit.messages);
+  EXPECT_THAT(notTaken(), ElementsAre(FieldsAre(Form::asFileDump, ElementsAre(1), ElementsAre(kFileDump))));
+  for (const std::size_t preferred : {0, 1}) {  // both are of it, or none is
+    options.preferred = preferred;
+    anew().file().send(unit).send(stored).file().send(blockDump(kCommon));
+    EXPECT_THAT(units(), SizeIs(3));
+    EXPECT_THAT(result().twice, SizeIs(1));
+  }
+}
+
 TEST_F(Salvaging, theVoiceOfAPartIsOfOneKind) {
   constexpr BulkAddress kPart{0x0E, 0x30, 0x01};
   options.merges = true;
