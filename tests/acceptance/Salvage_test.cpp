@@ -6,7 +6,6 @@
 #include "Program.h"
 
 using Editor::BulkAddress;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;

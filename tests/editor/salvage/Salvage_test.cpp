@@ -448,7 +448,7 @@ TEST_F(Salvaging, ofTwoFormsOfAContentThatOfThePreferredFileAloneIsKept) {
   EXPECT_THAT(units(), ElementsAre("voice:user1:6 whole 0"));
   EXPECT_EQ(kept(), unit.messages);
   EXPECT_THAT(notTaken(), ElementsAre(FieldsAre(Form::asFileDump, ElementsAre(1), ElementsAre(kFileDump))));
-  for (const std::size_t preferred : {0, 1}) {  // both are of it, or none is
+  for (const std::size_t preferred : {0U, 1U}) {  // both are of it, or none is
     options.preferred = preferred;
     anew().file().send(unit).send(stored).file().send(blockDump(kCommon));
     EXPECT_THAT(units(), SizeIs(3));
