@@ -23,6 +23,9 @@ std::vector<std::size_t> sourcesOf(const Group& captures) {
   return {sources.begin(), sources.end()};
 }
 
+// From 1.
+unsigned deviceOf(const Piece& piece) { return (piece.bytes[2] & BDA::kDeviceMask) + 1U; }
+
 // All blocks of the captures: those of the preferred source before all others, those of the fullest before the rest.
 Pieces joined(Group captures, std::optional<std::size_t> preferred) {
   std::ranges::stable_sort(captures, std::ranges::greater(),
@@ -67,7 +70,13 @@ class Decision {
       for (const Capture* const capture : captures_)
         if (capture->device) salvaged_.device = capture->device;
     } else {
-      salvaged_.notTaken = notTaken();
+      // What merging chooses between is told as that.
+      Group remains = captures_;
+      std::erase_if(remains, [&](const Capture* one) {
+        return one->isWhole || (salvaged_.isMerged && one->device == deviceOf(salvaged_.messages.front()));
+      });
+      addNotTaken(NotTaken::Form::remains, remains);
+      addNotTaken(NotTaken::Form::whole, whole);
     }
     return std::move(salvaged_);
   }
@@ -141,19 +150,23 @@ class Decision {
 
   void keepCompleted(const Pieces& pieces) { keep(salvaged_, Salvaged::State::completed, pieces); }
 
-  std::vector<BulkAddress> notTaken() const {
-    if (!options_.preferred || std::ranges::find(salvaged_.from, *options_.preferred) != salvaged_.from.end())
-      return {};
-    Capture kept;
-    for (const Piece& piece : salvaged_.messages) kept.pieces.emplace(*readMessage(piece.bytes).address, piece);
-    Addresses different;
-    for (const Capture* const capture : captures_) {
-      if (capture->source != options_.preferred || capture->isSuperseded) continue;
-      different.merge(differencesOf({&kept, capture}));
-      for (const auto& [address, piece] : capture->pieces)
-        if (!kept.pieces.contains(address)) different.insert(address);
+  // Those of the captures that have something else than what is kept.
+  void addNotTaken(NotTaken::Form form, const Group& captures) {
+    Pieces kept;
+    for (const Piece& piece : salvaged_.messages) kept.emplace(*readMessage(piece.bytes).address, piece);
+    Group others;
+    Addresses differs;
+    for (const Capture* const capture : captures) {
+      bool isOther = false;
+      for (const auto& [address, piece] : capture->pieces) {
+        const auto same = kept.find(address);
+        if (same != kept.end() && carrySame(same->second, piece)) continue;
+        differs.insert(address);
+        isOther = true;
+      }
+      if (isOther) others.push_back(capture);
     }
-    return listOf(different);
+    if (!others.empty()) salvaged_.notTaken.push_back({form, sourcesOf(others), listOf(differs)});
   }
 
   std::vector<BulkAddress> lackOfFullest(const Group& remains) const {
@@ -203,9 +216,6 @@ void addOrphans(SalvageResult& result, const std::vector<Capture>& orphans, cons
   std::ranges::move(lost, std::back_inserter(result.units));
 }
 
-// From 1.
-unsigned deviceOf(const Piece& piece) { return (piece.bytes[2] & BDA::kDeviceMask) + 1U; }
-
 // Behind the file dumps for a device. One that a file has like that goes before one that was corrected.
 Piece triggerBehind(unsigned device, const std::vector<Piece>& triggers, SalvageResult& result) {
   const Piece* found = nullptr;
@@ -221,6 +231,27 @@ Piece triggerBehind(unsigned device, const std::vector<Piece>& triggers, Salvage
   Piece trigger;
   trigger.bytes = writeTrigger(std::uint8_t(device - 1));
   return trigger;
+}
+
+// Where one form of a content alone is of the preferred source, the other goes.
+void chooseForms(std::vector<Salvaged>& units, std::size_t preferred) {
+  const auto isPreferred = [&](const Salvaged& unit) {
+    return std::ranges::find(unit.from, preferred) != unit.from.end();
+  };
+  std::map<ContentId, Salvaged*> forms;
+  Addresses leftOut;
+  for (Salvaged& unit : units) {
+    const std::optional<ContentId> content = contentNamedBy(unit.address);
+    if (unit.state == Salvaged::State::lost || !content) continue;
+    const auto [other, isNew] = forms.emplace(canonical(*content), &unit);
+    if (isNew || isPreferred(unit) == isPreferred(*other->second)) continue;
+    Salvaged* left = &unit;
+    if (isPreferred(unit)) std::swap(left, other->second);
+    const auto form = isUnit(left->address) ? NotTaken::Form::asUnit : NotTaken::Form::asFileDump;
+    other->second->notTaken.push_back({form, left->from, {left->address}});
+    leftOut.insert(left->address);
+  }
+  std::erase_if(units, [&](const Salvaged& unit) { return leftOut.contains(unit.address); });
 }
 
 // All messages that are kept, and the requests that fetch the rest. Of file dumps for several devices an instrument
@@ -298,6 +329,7 @@ SalvageResult Salvage::finish(const std::function<void()>& pause) {
     result.units.push_back(std::move(unit));
   }
   addOrphans(result, last.orphans(), pause);
+  if (options_.preferred) chooseForms(result.units, *options_.preferred);
   gather(result, last.triggers());
   result.leftOut = last.leftOut();
   result.unknown = last.countUnknown();

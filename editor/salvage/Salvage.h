@@ -11,6 +11,15 @@
 
 namespace Editor {
 
+// What is left out for something else that is kept of the same place, though nothing says that it is worse.
+struct NotTaken {
+  enum class Form : std::uint8_t { remains, whole, asFileDump, asUnit };
+
+  Form form;
+  std::vector<std::size_t> from;     // the sources that have it
+  std::vector<BulkAddress> differs;  // the blocks in which it does; in another form: its own address
+};
+
 // What became of one unit, or of one single block, of which some file has something.
 struct Salvaged {
   enum class State : std::uint8_t {
@@ -29,7 +38,7 @@ struct Salvaged {
   std::vector<std::size_t> repeatedIn;   // sources that have it whole more than once: the last one counts
   std::optional<unsigned> device;        // lost: whom to ask; none: nobody can be asked for it
   bool isMergeable = false;              // lost: merging would complete it
-  std::vector<BulkAddress> notTaken;     // blocks of the preferred source, of which nothing is kept, that differ
+  std::vector<NotTaken> notTaken;        // kept: what is left out for it, one for each form
 };
 
 // A trigger that no file has, behind the file dumps for a device.
@@ -55,13 +64,14 @@ struct SalvageResult {
 
 // Finds what is whole in captured messages, in a time that grows as they do. Captures of one unit, for one device,
 // complete each other only where all blocks that are in two of them are equal, and each has some such block of
-// parameters: remains of two sounds never become one.
+// parameters: remains of two sounds never become one. A file dump and a unit of one content are both kept, unless one
+// of them alone is of the preferred source.
 class Salvage {
  public:
   struct Options {
     bool correctsChecksums = false;  // messages of which the checksum alone is wrong count, where nothing else does
     bool merges = false;             // captures complete each other, whatever they have in common
-    std::optional<std::size_t> preferred;  // the source that counts where two differ
+    std::optional<std::size_t> preferred;  // the source that counts where two differ, or have two forms
   };
 
   explicit Salvage(const Options& options);

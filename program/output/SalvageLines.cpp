@@ -3,8 +3,10 @@
 #include <fmt/format.h>
 
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "input/InputStream.h"
+#include "messages/BackupOrder.h"
 #include "midi/Counted.h"
 #include "models/ModelJson.h"
 
@@ -28,7 +30,29 @@ std::string why(const Salvaged& unit) {
   return fmt::format(": {} missing: {}", counted(unit.missing.size(), "block"), describeBlocks(unit.missing));
 }
 
-Json toJson(const std::vector<BulkAddress>& addresses) {
+std::string namesOf(const std::vector<std::size_t>& sources, const std::vector<std::string>& files) {
+  std::vector<std::string> names;
+  names.reserve(sources.size());
+  for (const std::size_t source : sources) names.push_back(displayName(files[source]));
+  return fmt::format("{}", fmt::join(names, ", "));
+}
+
+const char* wordsOf(NotTaken::Form form) {
+  switch (form) {
+    case NotTaken::Form::remains:
+      return "otherwise, but not whole";
+    case NotTaken::Form::whole:
+      return "otherwise, whole too";
+    case NotTaken::Form::asFileDump:
+      return "as a file dump";
+    case NotTaken::Form::asUnit:
+      return "block by block";
+  }
+  return "?";
+}
+
+template <typename Addresses>
+Json toJson(const Addresses& addresses) {
   Json list = Json::array();
   for (const BulkAddress address : addresses) list.push_back(formatAddress(address));
   return list;
@@ -36,20 +60,26 @@ Json toJson(const std::vector<BulkAddress>& addresses) {
 
 }  // namespace
 
+std::string describe(const NotTaken& other, const std::vector<std::string>& files) {
+  return fmt::format("{} {} it {}", namesOf(other.from, files), other.from.size() == 1 ? "has" : "have",
+                     wordsOf(other.form));
+}
+
 std::string lineOf(const Salvaged& unit, const std::vector<std::string>& files) {
-  std::vector<std::string> from;
-  for (const std::size_t source : unit.from) from.push_back(displayName(files[source]));
-  return fmt::format("{}: {}{}{} ({})", wordOf(unit.state), nameOrBytes(unit.address),
-                     unit.state == State::lost ? why(unit) : "", unit.isMerged ? ", merged" : "",
-                     fmt::join(from, ", "));
+  std::string line = fmt::format("{}: {}{}{}", wordOf(unit.state), nameOrBytes(unit.address),
+                                 unit.state == State::lost ? why(unit) : "", unit.isMerged ? ", merged" : "");
+  for (const NotTaken& other : unit.notTaken) line += ", " + describe(other, files);
+  return fmt::format("{} ({})", line, namesOf(unit.from, files));
 }
 
 std::string jsonOf(const Salvaged& unit, const std::vector<std::string>& files) {
   Json from = Json::array();
   for (const std::size_t source : unit.from) from.push_back(files[source]);
+  std::set<BulkAddress, BackupOrder> contradicts(unit.contradicts.begin(), unit.contradicts.end());
+  for (const NotTaken& other : unit.notTaken) contradicts.insert(other.differs.begin(), other.differs.end());
   Json json{{"unit", nameOrBytes(unit.address)}, {"address", formatAddress(unit.address)},
             {"state", wordOf(unit.state)},       {"from", std::move(from)},
-            {"missing", toJson(unit.missing)},   {"contradicts", toJson(unit.contradicts)}};
+            {"missing", toJson(unit.missing)},   {"contradicts", toJson(contradicts)}};
   std::vector<BulkAddress> corrected;
   for (const Piece& piece : unit.messages)
     if (piece.wrongChecksum) corrected.push_back(*readMessage(piece.bytes).address);

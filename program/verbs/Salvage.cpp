@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <numeric>
+#include <set>
 #include <utility>
 
 #include "input/FilesInUse.h"
@@ -50,8 +51,7 @@ class Salvaging {
         program_(program),
         console_(program.console),
         sources_(sourcesOf(files)),
-        preferred_(preferredOf(files_, options.preferred)),
-        salvage_({options.fixChecksums, options.merge, preferred_}),
+        salvage_({options.fixChecksums, options.merge, preferredOf(files_, options.preferred)}),
         good_(options.output) {
     if (options.output == "-" || options.requests == "-") console_.keepOutputForBytes();
     if (!options.requests.empty()) requests_.emplace(options.requests);
@@ -143,8 +143,10 @@ class Salvaging {
         return;
       case InputLoss::Kind::cutShort:
         return salvage_.addFragment(file_, loss.beginning);
-      case InputLoss::Kind::loose:
       case InputLoss::Kind::brokenFile:
+        notInFull_.insert(file_);
+        return salvage_.addLoose(file_);
+      case InputLoss::Kind::loose:
         return salvage_.addLoose(file_);
     }
   }
@@ -173,12 +175,13 @@ class Salvaging {
     if (result.unknown > 0)
       console_.problem(
           fmt::format("{}: nothing says what is lost with that", counted(result.unknown, "broken message")));
-    if (counts[Salvaged::State::lost] + result.unknown > 0) program_.refuse();
+    if (counts[Salvaged::State::lost] + result.unknown + notInFull_.size() > 0) program_.refuse();
     std::string summary = fmt::format("{} whole, {} completed, {} lost; {} kept", counts[Salvaged::State::whole],
                                       counts[Salvaged::State::completed], counts[Salvaged::State::lost],
                                       counted(result.messages.size(), "message"));
     if (sources_.ofOtherKinds != 0)
       summary += "; passed over: " + counted(sources_.ofOtherKinds, "file of another kind", "files of other kinds");
+    if (!notInFull_.empty()) summary += fmt::format("; {} not read in full", counted(notInFull_.size(), "file"));
     console_.note(summary);
   }
 
@@ -193,9 +196,9 @@ class Salvaging {
                                        ? "nothing says that it is one sound"
                                        : "captures differ in " + describeBlocks(unit.contradicts)));
     for (const Piece& piece : unit.messages) tellCorrection(piece);
-    if (!unit.notTaken.empty())
-      console_.problem(fmt::format("{}: {} has it otherwise, but not whole, and that is not taken: {}", name,
-                                   displayName(files_[*preferred_]), describeBlocks(unit.notTaken)));
+    for (const NotTaken& other : unit.notTaken)
+      console_.problem(fmt::format("{}: {}, and that is not taken: {}", name, describe(other, files_),
+                                   describeBlocks(other.differs)));
   }
 
   void tellCorrection(const Piece& piece) {
@@ -254,6 +257,7 @@ class Salvaging {
       if (unit.state == Salvaged::State::lost && !unit.device)
         lost.push_back(fmt::format("blocks of no known unit, {} and after it", describeAddress(unit.address)));
     if (result.unknown > 0) lost.push_back(fmt::format("what was in {}", counted(result.unknown, "broken message")));
+    if (!notInFull_.empty()) lost.push_back(fmt::format("what was not read of {}", counted(notInFull_.size(), "file")));
     for (const std::string& what : lost) console_.problem(fmt::format("lost, and no request can fetch it: {}", what));
     return lost.size();
   }
@@ -264,11 +268,11 @@ class Salvaging {
   const Interruptible interruptible_;  // or what is written beside the outputs would stay
   Words files_;                        // the sources by their names
   Sources sources_;
-  const std::optional<std::size_t> preferred_;
   Salvage salvage_;
   OutputFile good_;
   std::optional<OutputFile> requests_;
-  std::size_t file_ = 0;  // which of them is read
+  std::size_t file_ = 0;             // which of them is read
+  std::set<std::size_t> notInFull_;  // those that are not built as they must be
   bool hasFile_ = false;
   std::uint64_t messages_ = 0;
 };

@@ -1,10 +1,11 @@
 // salvage: what is whole in broken captures, and requests for the rest.
 
+#include <utility>
+
 #include "Library.h"
 #include "Program.h"
 
 using Editor::BulkAddress;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
@@ -191,6 +192,34 @@ TEST_F(Salvage, aMessageCutShortIsLostByItsName) {
   EXPECT_EQ(read("r.syx"), text(request({0x00, 0x40, 0x00})));
 }
 
+// What the rest of them held nothing says.
+TEST_F(Salvage, filesThatCannotBeReadInFullEndItWith3) {
+  const Bytes first = blockDump({0x00, 0x00, 0x00});
+  write("a.syx", {first, blockDump({0x00, 0x40, 0x00})});
+  ASSERT_THAT(bda({"convert", "a.syx", "-o", "a.mid"}), Exits(0));
+  ASSERT_THAT(bda({"convert", "a.syx", "-o", "a.txt"}), Exits(0));
+  const std::string midi = read("a.mid");
+  const std::string hex = read("a.txt");
+  const std::string riff = std::string("RIFF\0\4\0\0RMIDdata\0\4\0\0", 20) + midi;
+  const auto salvaged = [&] { return bda({"salvage", "a.mid", "a.txt", "-o", "good.syx"}); };
+  EXPECT_THAT(salvaged(), Exits(0));
+  EXPECT_THAT(salvaged().err, Not(HasSubstr("in full")));
+  for (const std::string& broken : {midi.substr(0, midi.size() - 20), riff, midi + "MTrk"}) {
+    write("a.mid", broken);
+    const Result run = salvaged();
+    EXPECT_THAT(run, Exits(3));
+    EXPECT_THAT(run.err, HasSubstr("2 whole, 0 completed, 0 lost; 2 messages kept; 1 file not read in full\n"));
+    EXPECT_EQ(read("good.syx"), read("a.syx"));
+  }
+  write("a.txt", hex + "FO 7D\n" + hex);
+  EXPECT_THAT(salvaged(), Exits(3));
+  EXPECT_THAT(salvaged().err, HasSubstr("; 2 files not read in full\n"));
+  const Result json = bda({"salvage", "a.txt", "-o", "good.syx", "--json", "--requests", "r.syx"});
+  EXPECT_THAT(json, Exits(3));
+  EXPECT_THAT(json.err, HasSubstr("lost, and no request can fetch it: what was not read of 1 file\n"));
+  EXPECT_THAT(json.err, HasSubstr("; 1 file not read in full\n"));
+}
+
 TEST_F(Salvage, outputsAreNoInputsAndNeverTheSame) {
   write("a.syx", {voice()});
   EXPECT_THAT(bda({"salvage", "a.syx", "-o", "a.syx"}), Exits(1));
@@ -293,6 +322,73 @@ TEST_F(Salvage, whatThePreferredFileHasOtherwiseAndIsNotTakenIsSaid) {
   EXPECT_THAT(run.err, HasSubstr("voice:user1:6: new.syx has it otherwise, but not whole, and that is not taken: "
                                  "normal voice common (40 00 00)"));
   EXPECT_EQ(read("good.syx"), text(voice(1)));
+}
+
+TEST_F(Salvage, remainsThatDifferFromWhatIsWholeAreSaid) {
+  constexpr BulkAddress kCommon{0x40, 0x00, 0x00};
+  const std::string remain = text(blockDump(kVoice)) + text(blockDump(kCommon, 2));
+  write("whole.syx", {voice(1)});
+  write("remain.syx", remain);
+  write("both.syx", remain + text(voice(1)));
+  using Words = std::vector<std::string>;
+  for (const auto& [files, from] :
+       {std::pair(Words{"remain.syx", "whole.syx"}, "whole.syx"), std::pair(Words{"both.syx"}, "both.syx")}) {
+    Words words{"salvage", "-o", "good.syx"};
+    words.insert(words.end(), files.begin(), files.end());
+    const Result run = bda(words);
+    const std::string said = files[0] + " has it otherwise, but not whole";
+    EXPECT_THAT(run, Exits(0));
+    EXPECT_EQ(run.out, "whole: voice:user1:6, " + said + " (" + from + ")\n");
+    EXPECT_THAT(run.err,
+                HasSubstr("voice:user1:6: " + said + ", and that is not taken: normal voice common (40 00 00)"));
+    EXPECT_EQ(read("good.syx"), text(voice(1)));
+    words.emplace_back("--json");
+    EXPECT_EQ(objectsOf(bda(words).out).at(0)["contradicts"].dump(), R"(["40 00 00"])");
+  }
+}
+
+TEST_F(Salvage, anotherWholeOneThatIsLeftOutForThePreferredOneIsSaid) {
+  std::string other = text(voice(1));
+  other.replace(other.find(text(blockDump(kElement, 1))), blockDump(kElement).size(), text(blockDump(kElement, 2)));
+  write("a.syx", {voice(1)});
+  for (const char* const name : {"b.syx", "c.syx"}) write(name, other);
+  const Result run = bda({"salvage", "a.syx", "b.syx", "c.syx", "-o", "good.syx", "--prefer", "a.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_EQ(run.out, "whole: voice:user1:6, b.syx, c.syx have it otherwise, whole too (a.syx)\n");
+  EXPECT_THAT(run.err, HasSubstr("voice:user1:6: b.syx, c.syx have it otherwise, whole too, and that is not taken: "
+                                 "element 3 oscillator (41 02 00)\n"));
+  const Result json = bda({"salvage", "a.syx", "b.syx", "-o", "good.syx", "--prefer", "a.syx", "--json"});
+  EXPECT_EQ(objectsOf(json.out).at(0)["contradicts"].dump(), R"(["41 02 00"])");
+  EXPECT_EQ(read("good.syx"), text(voice(1)));
+}
+
+TEST_F(Salvage, ofAFileDumpAndAUnitOfOnePlaceThePreferredOneIsKept) {
+  const std::string stored = text(fileDump({0x0C, 0x0A, 0x05}, "One", {1})) + text(dump(Editor::kWriteTrigger));
+  write("dump.syx", stored);
+  write("unit.syx", {voice()});
+  const auto salvaged = [&](const std::vector<std::string>& more) {
+    std::vector<std::string> words{"salvage", "dump.syx", "unit.syx", "-o", "good.syx"};
+    words.insert(words.end(), more.begin(), more.end());
+    return bda(words);
+  };
+  EXPECT_THAT(salvaged({}).err, HasSubstr("voice:user1:6: kept as a file dump and as a unit, which is stored last"));
+  EXPECT_EQ(read("good.syx"), stored + text(voice()));
+
+  const Result ofDump = salvaged({"--prefer", "dump.syx"});
+  EXPECT_THAT(ofDump, Exits(0));
+  EXPECT_EQ(ofDump.out, "whole: file:voice:user1:6, unit.syx has it block by block (dump.syx)\n");
+  EXPECT_THAT(ofDump.err, HasSubstr("file:voice:user1:6: unit.syx has it block by block, and that is not taken: "
+                                    "normal voice user 1, 006: header (0E 0A 05)\n"));
+  EXPECT_THAT(ofDump.err, Not(HasSubstr("kept as a file dump and as a unit")));
+  EXPECT_EQ(read("good.syx"), stored);
+  const std::vector<Json> units = objectsOf(salvaged({"--prefer", "dump.syx", "--json"}).out);
+  ASSERT_THAT(units, SizeIs(1));
+  EXPECT_EQ(units[0]["contradicts"].dump(), R"(["0E 0A 05"])");
+
+  const Result ofUnit = salvaged({"--prefer", "unit.syx"});
+  EXPECT_THAT(ofUnit, Exits(0));
+  EXPECT_EQ(ofUnit.out, "whole: voice:user1:6, dump.syx has it as a file dump (unit.syx)\n");
+  EXPECT_EQ(read("good.syx"), text(voice()));
 }
 
 TEST_F(Salvage, voicesOfTwoKindsDifferInTheirHeader) {

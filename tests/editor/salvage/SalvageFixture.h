@@ -85,6 +85,8 @@ class Salvaging : public testing::Test {
     }
     return words;
   }
+  // What is left out for the first of them.
+  const std::vector<Editor::NotTaken>& notTaken() { return result().units.at(0).notTaken; }
   std::vector<Bytes> kept() {
     std::vector<Bytes> messages;
     for (const Editor::Piece& piece : result().messages) messages.push_back(piece.bytes);

@@ -9,8 +9,17 @@
 using Editor::BulkAddress;
 using Editor::Salvaged;
 using testing::ElementsAre;
+using testing::FieldsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
+using Form = Editor::NotTaken::Form;
+
+namespace {
+
+constexpr BulkAddress kFirst{0x40, 0x00, 0x00};
+constexpr BulkAddress kSecond{0x40, 0x01, 0x00};
+
+}  // namespace
 
 TEST_F(Salvaging, keepsWholeUnitsAndSingleBlocksInTheOrderOfABackup) {
   const Unit voice(kVoice6);
@@ -190,12 +199,57 @@ TEST_F(Salvaging, whatThePreferredFileHasOtherwiseButNotWholeIsNamed) {
   const Unit old(kVoice6, 1);
   file().send(old).file().send(Unit(kVoice6, 2).part(0, 3));
   ASSERT_THAT(units(), ElementsAre("voice:user1:6 whole 0"));
-  EXPECT_THAT(result().units[0].notTaken, ElementsAre(BulkAddress{0x40, 0x00, 0x00}, BulkAddress{0x40, 0x01, 0x00}));
+  EXPECT_THAT(notTaken(), ElementsAre(FieldsAre(Form::remains, ElementsAre(1), ElementsAre(kFirst, kSecond))));
   anew().file().send(old).file().send(old.part(0, 3));
-  EXPECT_THAT(result().units[0].notTaken, IsEmpty());
+  EXPECT_THAT(notTaken(), IsEmpty());
   anew().file().send(old).file().send(old.part(0, 3)).send(Unit(kVoice6, 2));
   EXPECT_THAT(units(), ElementsAre("voice:user1:6 whole 1"));
-  EXPECT_THAT(result().units[0].notTaken, IsEmpty());
+  EXPECT_THAT(notTaken(), ElementsAre(FieldsAre(Form::remains, ElementsAre(1), ElementsAre(kFirst, kSecond)),
+                                      FieldsAre(Form::whole, ElementsAre(0), SizeIs(24))));
+}
+
+TEST_F(Salvaging, remainsThatDifferFromWhatIsKeptAreNamedWhoeverIsPreferred) {
+  const Unit whole(kVoice6, 1);
+  const Unit other = Unit(kVoice6, 2).part(0, 3);
+  const auto areNamed = [](std::size_t source) {
+    return ElementsAre(FieldsAre(Form::remains, ElementsAre(source), ElementsAre(kFirst, kSecond)));
+  };
+  file().send(other).file().send(whole);
+  EXPECT_THAT(notTaken(), areNamed(0));
+  anew().file().send(other).send(whole);
+  EXPECT_THAT(notTaken(), areNamed(0));
+  anew().file().send(other).send(whole.part(1, 26));
+  ASSERT_THAT(units(), ElementsAre("voice:user1:6 whole 0"));
+  EXPECT_THAT(notTaken(), areNamed(0));
+  anew().file().send(whole.part(0, 3)).file().send(whole);
+  EXPECT_THAT(notTaken(), IsEmpty());
+  options.preferred = 1;
+  anew().file().send(whole.without(kElement)).file().send(whole.without({0x42, 0x00, 0x00})).file().send(other);
+  ASSERT_THAT(units(), ElementsAre("voice:user1:6 completed 0 1"));
+  EXPECT_THAT(notTaken(), areNamed(2));
+}
+
+TEST_F(Salvaging, otherWholeOnesThanThePreferredAreNamed) {
+  options.preferred = 1;
+  const Unit other = Unit(kVoice6, 1).with(kElement, blockDump(kElement, 2));
+  file().send(other).file().send(Unit(kVoice6, 1)).file().send(other).file().send(Unit(kVoice6, 1));
+  ASSERT_THAT(units(), ElementsAre("voice:user1:6 whole 1"));
+  EXPECT_THAT(notTaken(), ElementsAre(FieldsAre(Form::whole, ElementsAre(0, 2), ElementsAre(kElement))));
+}
+
+// What merging chooses between is named as that.
+TEST_F(Salvaging, whatIsMergedLeavesOutOnlyCapturesForOtherDevices) {
+  options.merges = true;
+  const Unit sound(kVoice6, 1);
+  const auto forDevice5 = [](Bytes message) {
+    message[2] = 4;
+    return message;
+  };
+  file().send(sound.part(0, 10)).send(Unit(kVoice6, 2).part(9, 26));
+  file().send(forDevice5(blockDump(kVoice6))).send(forDevice5(blockDump(kFirst, 3)));
+  ASSERT_THAT(units(), ElementsAre("voice:user1:6 completed 0"));
+  EXPECT_THAT(result().units[0].contradicts, SizeIs(1));
+  EXPECT_THAT(notTaken(), ElementsAre(FieldsAre(Form::remains, ElementsAre(1), ElementsAre(kFirst))));
 }
 
 TEST_F(Salvaging, saysWhatMergingWouldComplete) {
@@ -378,6 +432,28 @@ TEST_F(Salvaging, aContentInTwoFormsIsNamed) {
   file().send(fileDump({0x0C, 0x0A, 0x05}, "One", {1})).send(dump(Editor::kWriteTrigger)).send(Unit(kVoice6));
   ASSERT_THAT(result().twice, SizeIs(1));
   EXPECT_EQ(nameOf(result().twice[0]), "voice:user1:6");
+}
+
+TEST_F(Salvaging, ofTwoFormsOfAContentThatOfThePreferredFileAloneIsKept) {
+  constexpr BulkAddress kFileDump{0x0C, 0x0A, 0x05};
+  const Bytes stored = fileDump(kFileDump, "One", {1});
+  const Unit unit(kVoice6);
+  options.preferred = 0;
+  file().send(stored).send(dump(Editor::kWriteTrigger)).file().send(unit);
+  EXPECT_THAT(units(), ElementsAre("file:voice:user1:6 whole 0"));
+  EXPECT_THAT(kept(), ElementsAre(stored, dump(Editor::kWriteTrigger)));
+  EXPECT_THAT(notTaken(), ElementsAre(FieldsAre(Form::asUnit, ElementsAre(1), ElementsAre(kVoice6))));
+  EXPECT_THAT(result().twice, IsEmpty());
+  anew().file().send(unit).file().send(stored).send(dump(Editor::kWriteTrigger));
+  EXPECT_THAT(units(), ElementsAre("voice:user1:6 whole 0"));
+  EXPECT_EQ(kept(), unit.messages);
+  EXPECT_THAT(notTaken(), ElementsAre(FieldsAre(Form::asFileDump, ElementsAre(1), ElementsAre(kFileDump))));
+  for (const std::size_t preferred : {0U, 1U}) {  // both are of it, or none is
+    options.preferred = preferred;
+    anew().file().send(unit).send(stored).file().send(blockDump(kCommon));
+    EXPECT_THAT(units(), SizeIs(3));
+    EXPECT_THAT(result().twice, SizeIs(1));
+  }
 }
 
 TEST_F(Salvaging, theVoiceOfAPartIsOfOneKind) {
