@@ -1,13 +1,10 @@
 #include "contents/Indexes.h"
 
-#include <sqlite3.h>
-
 #include <algorithm>
 #include <array>
-#include <compare>
 #include <cstddef>
 #include <string>
-#include <utility>
+#include <tuple>
 #include <vector>
 
 #include "contents/Database.h"
@@ -19,7 +16,7 @@ namespace {
 struct KeyedTable {
   const char* name;
   const char* key;      // the columns of its index
-  const char* columns;  // those that Row has
+  const char* columns;  // the same as Row has them, 0 and '' where there is none
 };
 
 constexpr const char* kContentColumns = "type, number, 0, 0, ''";
@@ -32,15 +29,9 @@ constexpr std::array<KeyedTable, 5> kTables{{
     {"live", "key", kLiveColumns},
 }};
 
-// As both orders have it, SQLite's and that of this comparison.
-struct Row {
-  std::array<std::int64_t, 4> numbers;
-  std::string text;
-  std::int64_t row;
-  std::array<int, 5> types;  // for SQLite a text is not the blob of the same bytes
-
-  friend auto operator<=>(const Row&, const Row&) = default;
-};
+// Numbers and a text of the key and the number of the row, as SQLite orders them too, and then the types of the
+// columns: for SQLite a text is not the blob of the same bytes.
+using Row = std::tuple<std::array<std::int64_t, 4>, std::string, std::int64_t, std::array<int, 5>>;
 
 std::vector<Row> rowsOf(const SQLite::Database& database, const KeyedTable& table, const std::string& way) {
   SQLite::Statement statement(database,
@@ -48,10 +39,11 @@ std::vector<Row> rowsOf(const SQLite::Database& database, const KeyedTable& tabl
   std::vector<Row> rows;
   while (statement.executeStep()) {
     const auto number = [&](int column) { return statement.getColumn(column).getInt64(); };
-    Row row{{number(0), number(1), number(2), number(3)}, statement.getColumn(4).getString(), number(5), {}};
-    for (int column = 0; column < int(row.types.size()); ++column)
-      row.types[std::size_t(column)] = statement.getColumn(column).getType();
-    rows.push_back(std::move(row));
+    std::array<int, 5> types{};
+    for (int column = 0; column < int(types.size()); ++column)
+      types.at(std::size_t(column)) = statement.getColumn(column).getType();
+    rows.emplace_back(std::array{number(0), number(1), number(2), number(3)}, statement.getColumn(4).getString(),
+                      number(5), types);
   }
   return rows;
 }
