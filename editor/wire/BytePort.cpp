@@ -1,0 +1,168 @@
+#include "wire/BytePort.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
+
+#include "messages/Text.h"
+
+namespace Editor {
+
+namespace {
+
+std::string reasonOf(int error) { return std::generic_category().message(error); }
+
+[[noreturn]] void refuse(const std::string& name, const std::string& why) {
+  throw PortError(PortError::Kind::cannotOpen, fmt::format("port {}: {}", escape(name), why));
+}
+
+// Nobody is there any more.
+bool isGone(int error) { return error == EIO || error == ENODEV || error == ENXIO || error == EPIPE || error == EBADF; }
+
+}  // namespace
+
+// Raw and without waiting as long as it lives.
+class BytePort::Opened {
+ public:
+  Opened(int descriptor, bool isOwn) : descriptor_(descriptor), isOwn_(isOwn), flags_(::fcntl(descriptor, F_GETFL)) {
+    ::fcntl(descriptor_, F_SETFL, flags_ | O_NONBLOCK);
+    isTerminal_ = ::isatty(descriptor_) != 0 && ::tcgetattr(descriptor_, &settings_) == 0;
+    if (!isTerminal_) return;
+    termios raw = settings_;
+    ::cfmakeraw(&raw);
+    ::tcsetattr(descriptor_, TCSANOW, &raw);
+  }
+  Opened(const Opened&) = delete;
+  Opened& operator=(const Opened&) = delete;
+  ~Opened() {
+    if (isTerminal_) ::tcsetattr(descriptor_, TCSANOW, &settings_);
+    if (isOwn_)
+      ::close(descriptor_);
+    else
+      ::fcntl(descriptor_, F_SETFL, flags_);
+  }
+
+  bool isTerminal() const { return isTerminal_; }
+
+ private:
+  const int descriptor_;
+  const bool isOwn_;
+  const int flags_;
+  bool isTerminal_ = false;
+  termios settings_{};
+};
+
+bool BytePort::isName(const std::string& name) {
+  return name == "-" || name == "pty:" || name.find('/') != std::string::npos;
+}
+
+BytePort::BytePort(const std::string& name, Direction direction, int wake) : name_(name), wake_(wake) {
+  if (name == "pty:") {
+    openPseudoTerminal();
+    return;
+  }
+  const bool hears = direction != Direction::out;
+  const bool speaks = direction != Direction::in;
+  const std::size_t comma = name.find(',');
+  if (name == "-") {
+    name_ = "standard input and output";
+    if (hears) keep(in_ = STDIN_FILENO, false);
+    if (speaks) keep(out_ = STDOUT_FILENO, false);
+  } else if (comma != std::string::npos && direction == Direction::both) {
+    in_ = openPath(name.substr(0, comma), O_RDWR);
+    out_ = openPath(name.substr(comma + 1), O_RDWR);
+  } else {
+    in_ = out_ = openPath(name, O_RDWR);
+  }
+}
+
+BytePort::~BytePort() = default;
+
+// For both ways, whichever is wanted: a FIFO then has no end when those who write to it have gone, and waits for nobody
+// to read from it.
+int BytePort::openPath(const std::string& path, int flags) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) refuse(path, reasonOf(errno));
+  if (S_ISDIR(status.st_mode)) refuse(path, "it is a directory");
+  if (!S_ISCHR(status.st_mode) && !S_ISFIFO(status.st_mode))
+    refuse(path, "it is a file; a port is a MIDI device, a FIFO, pty: or -");
+  const int descriptor = ::open(path.c_str(), flags | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (descriptor < 0) refuse(path, errno == EBUSY ? "another program uses it" : reasonOf(errno));
+  keep(descriptor, true);
+  isLine_ = isLine_ || S_ISCHR(status.st_mode);
+  return descriptor;
+}
+
+void BytePort::openPseudoTerminal() {
+  in_ = out_ = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  std::array<char, 128> path{};
+  if (in_ < 0 || ::grantpt(in_) != 0 || ::unlockpt(in_) != 0 || ::ptsname_r(in_, path.data(), path.size()) != 0)
+    refuse(name_, reasonOf(errno));
+  keep(in_, true);
+  name_ = path.data();
+  const int other = ::open(path.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (other < 0) refuse(name_, reasonOf(errno));
+  keep(other, true);
+  isLine_ = true;
+}
+
+void BytePort::keep(int descriptor, bool isOwn) { opened_.push_back(std::make_unique<Opened>(descriptor, isOwn)); }
+
+WireTime BytePort::now() {
+  return std::chrono::duration_cast<WireTime>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
+std::size_t BytePort::send(std::span<const std::uint8_t> bytes) {
+  while (true) {
+    const ssize_t count = ::write(out_, bytes.data(), bytes.size());
+    if (count >= 0) return std::size_t(count);
+    if (errno == EAGAIN || errno == EWOULDBLOCK) return 0;
+    if (errno != EINTR) fail("sending to it", errno);
+  }
+}
+
+std::span<const std::uint8_t> BytePort::wait(std::optional<WireTime> until, bool wantsToSend) {
+  std::array<pollfd, 3> watched{{{wake_, POLLIN, 0}, {in_, POLLIN, 0}, {wantsToSend ? out_ : -1, POLLOUT, 0}}};
+  timespec rest{};
+  if (until) {
+    const WireTime left = std::max(*until - now(), WireTime());
+    rest.tv_sec = std::chrono::duration_cast<std::chrono::seconds>(left).count();
+    rest.tv_nsec = std::chrono::nanoseconds(left % std::chrono::seconds(1)).count();
+  }
+  if (::ppoll(watched.data(), watched.size(), until ? &rest : nullptr, nullptr) < 0) {
+    if (errno != EINTR) fail("waiting for it", errno);
+    return {};
+  }
+  if (watched[1].revents != 0) return read();
+  if ((watched[2].revents & (POLLERR | POLLHUP | POLLNVAL)) != 0) fail("sending to it", EPIPE);
+  return {};
+}
+
+std::span<const std::uint8_t> BytePort::read() {
+  const ssize_t count = ::read(in_, buffer_.data(), buffer_.size());
+  if (count > 0) return {buffer_.data(), std::size_t(count)};
+  if (count == 0) fail("receiving from it", EPIPE);
+  if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR) fail("receiving from it", errno);
+  return {};
+}
+
+void BytePort::drain() {
+  if (!isLine_) return;
+  while (::tcdrain(out_) != 0)
+    if (errno != EINTR) return;  // no terminal: its driver has the bytes, and sends them
+}
+
+void BytePort::fail(const std::string& doing, int error) const {
+  if (isGone(error)) throw PortError(PortError::Kind::gone, fmt::format("port {}: it has hung up", escape(name_)));
+  throw PortError(PortError::Kind::failed, fmt::format("port {}: {}: {}", escape(name_), doing, reasonOf(error)));
+}
+
+}  // namespace Editor

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "wire/Port.h"
+
+namespace Editor {
+
+// A stream of MIDI bytes that a path names:
+//
+//   a character device ("/dev/snd/midiC1D0"), a terminal in raw mode; paced like a cable
+//   "pty:", a new pseudo terminal, whose other end others open by the path that is its name; likewise. It is kept open
+//     here: others come and go
+//   a FIFO, which has one direction, or two of them, "IN,OUT"; not paced
+//   "-", standard input and output; not paced
+class BytePort final : public Port {
+ public:
+  enum class Direction : std::uint8_t { in, out, both };
+
+  // Whether that is what names one: "-", "pty:", or whatever has a slash in it.
+  static bool isName(const std::string& name);
+
+  // `wake` is a descriptor that ends a wait as soon as there is something to read from it; it stays its owner's, who
+  // also reads from it. -1: there is none. Throws PortError (cannotOpen).
+  BytePort(const std::string& name, Direction direction, int wake = -1);
+  ~BytePort() override;
+
+  const std::string& name() const override { return name_; }
+  Pacer::Takes takes() const override { return Pacer::Takes::bytes; }
+  Pace defaultPace() const override { return isLine_ ? kCablePace : kNoPace; }
+
+  WireTime now() override;
+  std::size_t send(std::span<const std::uint8_t> bytes) override;
+  std::span<const std::uint8_t> wait(std::optional<WireTime> until, bool wantsToSend) override;
+  void drain() override;
+
+ private:
+  class Opened;  // a descriptor, as it was before, and its end
+
+  int openPath(const std::string& path, int flags);
+  void openPseudoTerminal();
+  void keep(int descriptor, bool isOwn);
+  std::span<const std::uint8_t> read();
+  [[noreturn]] void fail(const std::string& doing, int error) const;
+
+  std::string name_;
+  const int wake_;
+  bool isLine_ = false;  // a device: what is written takes the time of a cable
+  int in_ = -1;
+  int out_ = -1;
+  std::vector<std::unique_ptr<Opened>> opened_;
+  std::array<std::uint8_t, 4096> buffer_{};
+};
+
+}  // namespace Editor

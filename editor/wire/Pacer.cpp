@@ -1,0 +1,62 @@
+#include "wire/Pacer.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Editor {
+
+namespace {
+
+constexpr std::uint64_t kLongestPiece = 32;      // bytes
+constexpr std::uint64_t kMostCatchUp = 32;       // bytes
+constexpr std::uint64_t kPiecesPerSecond = 100;  // at least, or a slow wire would get its bytes in lumps
+
+}  // namespace
+
+void Pacer::push(std::vector<std::uint8_t> message, WireTime now, bool endsUnit) {
+  if (!message.empty()) messages_.push_back({std::move(message), now, endsUnit});
+}
+
+void Pacer::forgetWaiting() { messages_.resize(std::min<std::size_t>(messages_.size(), start_ ? 1 : 0)); }
+
+std::size_t Pacer::piece() const {
+  if (takes_ == Takes::messages || pace_ == kNoPace) return messages_.front().bytes.size();
+  return std::size_t(std::clamp<std::uint64_t>(pace_.bytesPerSecond / kPiecesPerSecond, 1, kLongestPiece));
+}
+
+WireTime Pacer::pausesBehind(const Message& message) const {
+  return pauses_.betweenMessages + (message.endsUnit ? pauses_.behindUnits : WireTime());
+}
+
+std::optional<WireTime> Pacer::due() const {
+  if (messages_.empty()) return std::nullopt;
+  return start_ ? *start_ + pace_.timeOf(done_ - done_ % piece()) : std::max(next_, messages_.front().came);
+}
+
+std::span<const std::uint8_t> Pacer::take(WireTime now) {
+  const std::optional<WireTime> due = this->due();
+  if (!due || now < *due) return {};
+  const bool beginsPiece = done_ % piece() == 0;
+  const WireTime late = beginsPiece ? std::max(now - *due - pace_.timeOf(kMostCatchUp), WireTime()) : WireTime();
+  start_ = start_.value_or(*due) + late;
+  const std::span<const std::uint8_t> bytes = messages_.front().bytes;
+  return bytes.subspan(done_, std::min(bytes.size() - done_, piece() - done_ % piece()));
+}
+
+void Pacer::sent(std::size_t count) {
+  done_ += count;
+  const Message& message = messages_.front();
+  if (done_ < message.bytes.size()) return;
+  next_ = *start_ + pace_.timeOf(done_) + pausesBehind(message);
+  messages_.pop_front();
+  done_ = 0;
+  start_.reset();
+}
+
+WireTime Pacer::duration() const {
+  WireTime time{};
+  for (const Message& message : messages_) time += pace_.timeOf(message.bytes.size()) + pausesBehind(message);
+  return messages_.empty() ? time : time - pausesBehind(messages_.back());
+}
+
+}  // namespace Editor

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "wire/Pace.h"
+
+namespace Editor {
+
+// Lets messages out at a pace: says which bytes may go when. It neither sends nor waits.
+//
+// A message is on its way from its first byte until its last one has passed at the pace, and then for its pauses; the
+// next one begins there, or when it comes, if that is later. In no second more than the pace and 64 bytes go out, also
+// where the sender was late: what was missed by more than the time of half of them is not made up for.
+class Pacer {
+ public:
+  // How a port takes messages.
+  enum class Takes : std::uint8_t {
+    bytes,     // long ones in pieces
+    messages,  // each as a whole
+  };
+
+  Pacer(Pace pace, Pauses pauses, Takes takes) : pace_(pace), pauses_(pauses), takes_(takes) {}
+
+  // Behind all others. `endsUnit`: it is the footer of a unit.
+  void push(std::vector<std::uint8_t> message, WireTime now, bool endsUnit = false);
+  // Those that have not begun to go out.
+  void forgetWaiting();
+
+  // The bytes that may go out now, of one message; none: before due() there are none. Valid until the next call.
+  std::span<const std::uint8_t> take(WireTime now);
+  // So many of them, from their first, have gone out.
+  void sent(std::size_t count);
+
+  // When there are bytes to send; nothing: everything has gone out.
+  std::optional<WireTime> due() const;
+  // When the last byte that has gone out, and its pauses, have passed.
+  WireTime end() const { return next_; }
+  // Whether none has begun that has not gone out to its last byte.
+  bool isBetweenMessages() const { return done_ == 0; }
+
+  // How long all messages that wait take from the first byte to the end of the last, pauses included but behind the
+  // last.
+  WireTime duration() const;
+
+ private:
+  struct Message {
+    std::vector<std::uint8_t> bytes;
+    WireTime came;
+    bool endsUnit;
+  };
+  std::size_t piece() const;
+  WireTime pausesBehind(const Message& message) const;
+
+  const Pace pace_;
+  const Pauses pauses_;
+  const Takes takes_;
+  std::deque<Message> messages_;
+  std::size_t done_ = 0;           // bytes of the first one
+  std::optional<WireTime> start_;  // of the first one: when it began, or would have, had nobody been late
+  WireTime next_{};                // when one that has not begun may begin
+};
+
+}  // namespace Editor

@@ -1,0 +1,176 @@
+#include "wire/BytePort.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace Editor {
+namespace {
+
+using namespace std::chrono_literals;
+using Bytes = std::vector<std::uint8_t>;
+using Direction = BytePort::Direction;
+using testing::HasSubstr;
+
+struct Folder {
+  Folder() {
+    std::string name = (std::filesystem::temp_directory_path() / "bda-port-XXXXXX").string();
+    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error(name);
+    path = name;
+  }
+  ~Folder() { std::filesystem::remove_all(path); }
+  std::string fifo(const char* name) const {
+    const std::string file = path / name;
+    EXPECT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    return file;
+  }
+  std::filesystem::path path;
+};
+
+// So many bytes, or what has come when nothing more does.
+Bytes receive(Port& port, std::size_t count) {
+  Bytes all;
+  while (all.size() < count) {
+    const std::span<const std::uint8_t> bytes = port.wait(port.now() + 10s, false);
+    if (bytes.empty()) break;
+    all.insert(all.end(), bytes.begin(), bytes.end());
+  }
+  return all;
+}
+
+void sendAll(Port& port, std::span<const std::uint8_t> bytes) {
+  while (!bytes.empty()) {
+    bytes = bytes.subspan(port.send(bytes));
+    if (!bytes.empty()) port.wait(port.now() + 10s, true);
+  }
+}
+
+std::string whyNot(const std::string& name) {
+  try {
+    const BytePort port(name, Direction::both);
+  } catch (const PortError& error) {
+    EXPECT_EQ(error.kind(), PortError::Kind::cannotOpen) << name;
+    return error.what();
+  }
+  return "it opens";
+}
+
+Bytes everyByte() {
+  Bytes bytes;
+  for (int i = 0; i < 256; ++i) bytes.push_back(std::uint8_t(i));
+  return bytes;
+}
+
+TEST(BytePort, APseudoTerminalCarriesEveryByteInBothDirections) {
+  BytePort here("pty:", Direction::both);
+  EXPECT_THAT(here.name(), HasSubstr("/dev/pts/"));
+  EXPECT_EQ(here.defaultPace(), kCablePace);
+  for (int client = 0; client < 2; ++client) {  // they come and go
+    BytePort there(here.name(), Direction::both);
+    EXPECT_EQ(there.defaultPace(), kCablePace);
+    sendAll(there, everyByte());
+    EXPECT_EQ(receive(here, 256), everyByte());
+    sendAll(here, everyByte());
+    EXPECT_EQ(receive(there, 256), everyByte());
+    there.drain();
+  }
+}
+
+TEST(BytePort, OfAPseudoTerminalThatIsGoneItIsSaid) {
+  std::optional<BytePort> here(std::in_place, "pty:", Direction::both);
+  BytePort there(here->name(), Direction::both);
+  here.reset();
+  try {
+    receive(there, 1);
+    ADD_FAILURE();
+  } catch (const PortError& error) {
+    EXPECT_EQ(error.kind(), PortError::Kind::gone);
+    EXPECT_EQ(error.what(), "port " + there.name() + ": it has hung up");
+  }
+  EXPECT_THROW(sendAll(there, everyByte()), PortError);
+}
+
+TEST(BytePort, TwoFifosAreAPort) {
+  const Folder folder;
+  const std::string up = folder.fifo("up");
+  const std::string down = folder.fifo("down");
+  BytePort here(up + "," + down, Direction::both);
+  BytePort there(down + "," + up, Direction::both);
+  EXPECT_EQ(here.defaultPace(), kNoPace);
+  sendAll(here, everyByte());
+  EXPECT_EQ(receive(there, 256), everyByte());
+  sendAll(there, everyByte());
+  EXPECT_EQ(receive(here, 256), everyByte());
+}
+
+TEST(BytePort, AFullFifoTakesWhatGoesAndWaitsForTheRest) {
+  const Folder folder;
+  const std::string fifo = folder.fifo("fifo");
+  BytePort out(fifo, Direction::out);
+  BytePort in(fifo, Direction::in);
+  const Bytes much(1U << 20U, 0x55);
+  std::span<const std::uint8_t> left = much;
+  std::size_t received = 0;
+  while (received < much.size()) {
+    if (!left.empty()) left = left.subspan(out.send(left));
+    const std::span<const std::uint8_t> bytes = in.wait(in.now(), false);
+    received += bytes.size();
+  }
+  EXPECT_TRUE(left.empty());
+  EXPECT_EQ(received, much.size());
+}
+
+TEST(BytePort, SomebodyCanEndAWait) {
+  const Folder folder;
+  int wake[2];
+  ASSERT_EQ(::pipe(wake), 0);
+  BytePort port(folder.fifo("fifo"), Direction::in, wake[0]);
+  ASSERT_EQ(::write(wake[1], "x", 1), 1);
+  EXPECT_TRUE(port.wait(std::nullopt, false).empty());
+  ::close(wake[0]);
+  ::close(wake[1]);
+}
+
+TEST(BytePort, LeavesATerminalAsItWas) {
+  BytePort here("pty:", Direction::both);
+  const int terminal = ::open(here.name().c_str(), O_RDWR | O_NOCTTY);
+  termios before{};
+  termios during{};
+  termios after{};
+  // The port at the master's side has made it raw: as a shell would have it.
+  ASSERT_EQ(::tcgetattr(terminal, &before), 0);
+  before.c_lflag |= tcflag_t(ECHO | ICANON);
+  ASSERT_EQ(::tcsetattr(terminal, TCSANOW, &before), 0);
+  {
+    const BytePort there(here.name(), Direction::both);
+    ASSERT_EQ(::tcgetattr(terminal, &during), 0);
+    EXPECT_EQ(during.c_lflag & tcflag_t(ECHO | ICANON), 0U);
+  }
+  ASSERT_EQ(::tcgetattr(terminal, &after), 0);
+  EXPECT_EQ(after.c_lflag, before.c_lflag);
+  ::close(terminal);
+}
+
+TEST(BytePort, WhatIsNoneIsRefusedInWords) {
+  const Folder folder;
+  const std::string file = folder.path / "file";
+  EXPECT_NE(::close(::open(file.c_str(), O_CREAT | O_WRONLY, 0600)), -1);
+  EXPECT_EQ(whyNot(folder.path / "none"), "port " + (folder.path / "none").string() + ": No such file or directory");
+  EXPECT_EQ(whyNot(folder.path), "port " + folder.path.string() + ": it is a directory");
+  EXPECT_THAT(whyNot(file), HasSubstr("it is a file; a port is a MIDI device, a FIFO, pty: or -"));
+  EXPECT_TRUE(BytePort::isName("-"));
+  EXPECT_TRUE(BytePort::isName("pty:"));
+  EXPECT_TRUE(BytePort::isName("./fifo"));
+  EXPECT_FALSE(BytePort::isName("Synthesizer"));
+}
+
+}  // namespace
+}  // namespace Editor
