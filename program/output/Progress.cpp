@@ -26,16 +26,19 @@ Interruptible::Interruptible() {
   struct sigaction action {};
   action.sa_flags = SA_RESTART;
   action.sa_handler = [](int) { isInterrupted = 1; };
-  for (std::size_t i = 0; i < std::size(kSignals); ++i) {
-    ::sigaction(kSignals[i], &action, &previous_[i]);
+  struct sigaction* previous = previous_;
+  for (const int signal : kSignals) {
+    ::sigaction(signal, &action, previous);
     // As nohup and a shell's background have it: who started us wants it ignored.
-    if (previous_[i].sa_handler == SIG_IGN) ::sigaction(kSignals[i], &previous_[i], nullptr);
+    if (previous->sa_handler == SIG_IGN) ::sigaction(signal, previous, nullptr);
+    ++previous;
   }
 }
 
 Interruptible::~Interruptible() {
   --living;
-  for (std::size_t i = 0; i < std::size(kSignals); ++i) ::sigaction(kSignals[i], &previous_[i], nullptr);
+  const struct sigaction* previous = previous_;
+  for (const int signal : kSignals) ::sigaction(signal, previous++, nullptr);
 }
 
 void Interruptible::check() {
