@@ -13,9 +13,9 @@ ModelSet freshModels(const ArrangedPlace& buffer) {
 }
 
 // Nothing, and damage, where it does not fit its checksum or cannot be read.
-std::optional<Held> heldAt(Library& library, const Place& place, bool& isDamaged) {
+std::optional<Held> heldAt(Library& library, ContentId id, bool& isDamaged) {
   try {
-    std::optional<Held> held = library.held(place);
+    std::optional<Held> held = library.held(contentAt(id));
     if (!held || isWhole(*held)) return held;
   } catch (const LibraryError& error) {
     if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
@@ -36,10 +36,8 @@ ArrangedPlace readPlace(EmbeddedEditor& editor, const Target& target) {
     if (!place.isDamaged) place.holds = contentOf(loadTarget(editor, target));
   } else {
     place.kind = contentKindOf(target.content);
-    const auto held = [&](const Place& of) { return heldAt(editor.library(), of, place.isDamaged); };
-    const std::optional<Held> content = held(contentAt(target.content));
-    if (place.hasFlag())
-      if (const std::optional<Held> flag = held(favouriteAt(target.content))) place.flag = flagIn(*flag);
+    const std::optional<Held> content = heldAt(editor.library(), target.content, place.isDamaged);
+    if (place.hasFlag()) place.flag = editor.library().flag(target.content);
     place.isDamaged = place.isDamaged || !place.flag;
     if (content && !place.isDamaged) place.holds = Library::Content{content->name, content->bytes};
   }

@@ -51,21 +51,15 @@ void compareContents(ContentId id, Held first, Held second, Difference& differen
 }
 
 // What cannot be read fits no checksum.
-std::optional<Held> heldAt(Library& library, const Place& place) {
+std::optional<Held> heldAt(Library& library, ContentId id) {
   try {
-    return library.held(place);
+    return library.held(contentAt(id));
   } catch (const LibraryError& error) {
     if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
     Held unread = heldOf("", {});
     ++unread.checksum;
     return unread;
   }
-}
-
-Flag flagOf(Library& library, ContentId id) {
-  const std::optional<Held> held = heldAt(library, favouriteAt(id));
-  if (!held) return std::uint8_t(0);
-  return isWhole(*held) ? flagIn(*held) : std::nullopt;
 }
 
 // One that is damaged is not compared.
@@ -92,7 +86,7 @@ class Comparing {
       for (const ContentId id : editor->library().contents()) ids.insert(id);
       for (const auto& [id, flag] : editor->library().favourites()) ids.insert(id);
     }
-    for (const ContentId id : ids) content(id, flagOf(first_.library(), id), flagOf(second_.library(), id));
+    for (const ContentId id : ids) content(id, first_.library().flag(id), second_.library().flag(id));
   }
 
   void live(Reception reception) {
@@ -144,8 +138,8 @@ class Comparing {
   }
 
   void content(ContentId id, Flag leftFlag, Flag rightFlag) {
-    std::optional<Held> left = heldAt(first_.library(), contentAt(id));
-    std::optional<Held> right = heldAt(second_.library(), contentAt(id));
+    std::optional<Held> left = heldAt(first_.library(), id);
+    std::optional<Held> right = heldAt(second_.library(), id);
     if (left && right) return inBoth(id, std::move(*left), std::move(*right), leftFlag, rightFlag);
     if (left) onlyIn(Kind::onlyInFirst, comparison.onlyInFirst, id, std::move(left->name), leftFlag);
     if (right) onlyIn(Kind::onlyInSecond, comparison.onlyInSecond, id, std::move(right->name), rightFlag);

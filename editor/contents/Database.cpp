@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "contents/Indexes.h"
-
 #include <SQLiteCpp/Backup.h>
+
+#include "contents/Indexes.h"
 
 namespace Editor {
 
@@ -118,10 +118,10 @@ std::unique_ptr<Database> Database::inMemory() {
 std::unique_ptr<Database> Database::copyInMemory() {
   auto database = std::make_unique<Database>(kNoFile, SQLite::OPEN_READWRITE, kForEver, nullptr);
   SQLite::Backup(database->connection, connection).executeStep();
-  database->prepareStatements();
-  // SQLite refuses to write in memory once it has met damage there.
+  // Not found out there: SQLite refuses to write in memory once it has met damage.
   database->hasWrongIndex_ = hasWrongIndex();
   database->hasWrongHistory_ = hasWrongHistory();
+  database->prepareStatements();
   return database;
 }
 

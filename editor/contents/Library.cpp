@@ -349,7 +349,7 @@ void Library::openEntry() {
 template <typename Statement, typename Visit, typename... Entry>
 void Library::listHistory(Listed rows, Statement& inOrder, Visit visit, const Entry&... entry) {
   try {
-    if (sizeof...(entry) > 0 && database_->hasWrongHistory()) throw SQLite::Exception(kWrongIndex, SQLITE_CORRUPT);
+    if (rows != Listed::entries && database_->hasWrongHistory()) throw SQLite::Exception(kWrongIndex, SQLITE_CORRUPT);
     for (Query query(inOrder, entry...); query.next();) visit(query);
   } catch (const SQLite::Exception& error) {
     if (!tellUnread_ || !isDamage(error)) throw;
@@ -501,6 +501,16 @@ std::uint8_t Library::favourite(ContentId id) {
   if (!tellUnread_) failPlace(kNoFlag);
   leaveOut({place, tableOf(Listed::favourites), kNoFlag});
   return 0;
+}
+
+std::optional<std::uint8_t> Library::flag(ContentId id) {
+  try {
+    const std::optional<Held> flag = held(favouriteAt(id));
+    return flag ? flagIn(*flag) : std::uint8_t(0);
+  } catch (const LibraryError& error) {
+    if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
+    return std::nullopt;
+  }
 }
 
 std::vector<std::pair<ContentId, std::uint8_t>> Library::favourites() {

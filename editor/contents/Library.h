@@ -151,6 +151,7 @@ class Library {
   // A flag belongs to the place, whether a content is stored there or not; 0 is no favourite. One out of range is
   // damaged: it throws DamagedPlace, or is left out.
   std::uint8_t favourite(ContentId id);
+  std::optional<std::uint8_t> flag(ContentId id);  // nothing: it is damaged
   std::vector<std::pair<ContentId, std::uint8_t>> favourites();
   void setFavourite(ContentId id, std::uint8_t flag);
 

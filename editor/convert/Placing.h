@@ -30,8 +30,8 @@ class Placing {
     std::vector<std::string> parameters;  // by their paths
     std::string name;                     // of a file dump that has become blocks: where the one inside is another
   };
-  // Throws TargetError (refused) when it is of a kind
-  // that does not fit, or cannot become what its place needs; and TargetJsonError.
+  // Throws TargetError (refused) when it is of a kind that does not fit, or cannot become what its place needs; and
+  // TargetJsonError.
   LeftOut place(std::size_t unit, const Destination& to);
   // The last call: until then a unit that becomes the other form has its old messages. Its new ones stand where the
   // first old one stood, but never inside of another unit of blocks, nor between file dumps and the trigger that writes

@@ -21,17 +21,6 @@ Candidate candidateOf(EmbeddedEditor& editor, const Target& buffer) {
   return {buffer.name, {}, contentKindOf(buffer.buffer, models), nameOf(models), 0, encodeContent(models), {}};
 }
 
-// One that is damaged is none.
-std::uint8_t flagAt(Library& library, ContentId id) {
-  try {
-    const std::optional<Held> flag = library.held(favouriteAt(id));
-    return flag ? flagIn(*flag).value_or(0) : std::uint8_t(0);
-  } catch (const LibraryError& error) {
-    if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
-    return 0;
-  }
-}
-
 }  // namespace
 
 void forEachCandidate(EmbeddedEditor& editor, EditBuffers buffers, const std::function<void(Candidate)>& visit,
@@ -64,7 +53,7 @@ void forEachCandidate(EmbeddedEditor& editor, EditBuffers buffers, const std::fu
 std::optional<Candidate> findCandidate(EmbeddedEditor& editor, ContentId id) {
   std::optional<Library::Content> content = editor.library().content(id);
   if (!content) return std::nullopt;
-  return candidateOf(canonical(id), std::move(*content), flagAt(editor.library(), id));
+  return candidateOf(canonical(id), std::move(*content), editor.library().flag(id).value_or(0));
 }
 
 void requireCandidate(const Target& target) {

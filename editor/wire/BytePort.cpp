@@ -77,10 +77,10 @@ BytePort::BytePort(const std::string& name, Direction direction, int wake) : nam
     if (hears) keep(in_ = STDIN_FILENO, false);
     if (speaks) keep(out_ = STDOUT_FILENO, false);
   } else if (comma != std::string::npos && direction == Direction::both) {
-    in_ = openPath(name.substr(0, comma), O_RDWR);
-    out_ = openPath(name.substr(comma + 1), O_RDWR);
+    in_ = openPath(name.substr(0, comma));
+    out_ = openPath(name.substr(comma + 1));
   } else {
-    in_ = out_ = openPath(name, O_RDWR);
+    in_ = out_ = openPath(name);
   }
 }
 
@@ -88,13 +88,13 @@ BytePort::~BytePort() = default;
 
 // For both ways, whichever is wanted: a FIFO then has no end when those who write to it have gone, and waits for nobody
 // to read from it.
-int BytePort::openPath(const std::string& path, int flags) {
+int BytePort::openPath(const std::string& path) {
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) refuse(path, reasonOf(errno));
   if (S_ISDIR(status.st_mode)) refuse(path, "it is a directory");
   if (!S_ISCHR(status.st_mode) && !S_ISFIFO(status.st_mode))
     refuse(path, "it is a file; a port is a MIDI device, a FIFO, pty: or -");
-  const int descriptor = ::open(path.c_str(), flags | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  const int descriptor = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   if (descriptor < 0) refuse(path, errno == EBUSY ? "another program uses it" : reasonOf(errno));
   keep(descriptor, true);
   isLine_ = isLine_ || S_ISCHR(status.st_mode);

@@ -40,7 +40,7 @@ class BytePort final : public Port {
  private:
   class Opened;  // a descriptor, as it was before, and its end
 
-  int openPath(const std::string& path, int flags);
+  int openPath(const std::string& path);
   void openPseudoTerminal();
   void keep(int descriptor, bool isOwn);
   std::span<const std::uint8_t> read();

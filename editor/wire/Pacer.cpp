@@ -17,7 +17,10 @@ void Pacer::push(std::vector<std::uint8_t> message, WireTime now, bool endsUnit)
   if (!message.empty()) messages_.push_back({std::move(message), now, endsUnit});
 }
 
-void Pacer::forgetWaiting() { messages_.resize(std::min<std::size_t>(messages_.size(), start_ ? 1 : 0)); }
+void Pacer::forgetWaiting() {
+  messages_.erase(messages_.begin() + (isBetweenMessages() ? 0 : 1), messages_.end());
+  if (messages_.empty()) start_.reset();
+}
 
 std::size_t Pacer::piece() const {
   if (takes_ == Takes::messages || pace_ == kNoPace) return messages_.front().bytes.size();

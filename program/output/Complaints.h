@@ -14,8 +14,6 @@ namespace Editor {
 // Problems and notes that may be many: of each kind so many are told, and at the end how many more there were.
 class Complaints {
  public:
-  static constexpr std::uint64_t kMostAlike = 20;
-
   explicit Complaints(Console& console) : console_(console) {}
 
   // `kind` says in words what those of a kind have in common.

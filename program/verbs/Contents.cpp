@@ -10,7 +10,6 @@
 #include <set>
 
 #include "contents/Fingerprint.h"
-#include "contents/Places.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "models/Latin1.h"
@@ -25,9 +24,8 @@ namespace {
 
 struct Entry {
   ContentId id;
-  std::optional<Library::Content> content;  // nothing: only a favourite flag
-  std::uint8_t favourite = 0;
-  bool isFlagDamaged = false;
+  std::optional<Library::Content> content;    // nothing: only a favourite flag
+  std::optional<std::uint8_t> favourite = 0;  // nothing: the flag is damaged
 };
 
 constexpr const char* kFavourite = "*";  // in a grid
@@ -60,16 +58,6 @@ struct Found {
   std::vector<std::string> damaged;
 };
 
-bool isFlagDamaged(Library& library, ContentId id) {
-  try {
-    const std::optional<Held> flag = library.held(favouriteAt(id));
-    return flag && !flagIn(*flag);
-  } catch (const LibraryError& error) {
-    if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
-    return true;
-  }
-}
-
 Found find(EmbeddedEditor& editor, const Selection& selection) {
   Library& library = editor.library();
   std::map<ContentId, Entry> entries;
@@ -84,14 +72,11 @@ Found find(EmbeddedEditor& editor, const Selection& selection) {
       found.damaged.push_back(nameOf(id));
     }
   }
-  for (const auto& [id, flag] : library.favourites()) {
-    if (!selection.has(id)) continue;
-    entries[id].id = id;
-    entries[id].favourite = flag;
-  }
+  for (const auto& [id, flag] : library.favourites())
+    if (selection.has(id)) entries[id].id = id;
   found.entries.reserve(entries.size());
   for (auto& [id, entry] : entries) {
-    entry.isFlagDamaged = entry.favourite == 0 && isFlagDamaged(library, id);
+    entry.favourite = library.flag(id);
     found.entries.push_back(std::move(entry));
   }
   for (Target& target : storedLive(editor))
@@ -116,7 +101,7 @@ std::string toJsonLine(const Entry& entry) {
     json["opaque"] = print.isOpaque;
     json["hash"] = print.hash;
   }
-  json["favourite"] = entry.isFlagDamaged ? nlohmann::ordered_json() : nlohmann::ordered_json(entry.favourite);
+  json["favourite"] = entry.favourite ? nlohmann::ordered_json(*entry.favourite) : nlohmann::ordered_json();
   return jsonLine(json);
 }
 
@@ -164,7 +149,7 @@ class Listing {
     const bool isOpaque = fingerprintOf(entry.id, entry.content->bytes).isOpaque;
     std::string cell = fmt::format("{:>3} {}", behind(bank_, name), shown);
     std::string line = fmt::format("{:<24} {}", name, shown);
-    if (entry.favourite != 0) {
+    if (entry.favourite.value_or(0) != 0) {
       cell += fmt::format(" {}", kFavourite);
       hasFavourites_ = true;
       line += "  *favourite";

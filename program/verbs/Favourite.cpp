@@ -13,11 +13,10 @@ namespace {
 
 // False: neither a voice nor a flag is there.
 bool setFlag(Library& library, ContentId id, bool isOn) {
-  const std::optional<Held> flag = library.held(favouriteAt(id));
-  const bool wasOn = flag && flagIn(*flag).value_or(0) != 0;
-  const bool isDamaged = flag && !flagIn(*flag);
-  if (!wasOn && !isDamaged && !library.contentName(id)) return false;
-  if (isDamaged || wasOn != isOn) library.setFavourite(id, isOn ? 1 : 0);
+  const std::optional<std::uint8_t> flag = library.flag(id);
+  if (flag == 0 && !library.contentName(id)) return false;
+  const bool isSo = flag && (*flag != 0) == isOn;
+  if (!isSo) library.setFavourite(id, isOn ? 1 : 0);
   return true;
 }
 

@@ -25,7 +25,7 @@ void tellConflicts(const Undone& undone, Console& console) {
       complaints.tell(kind, line);
   }
   complaints.finish();
-  if (!console.isVerbose() && undone.conflicts.size() > Complaints::kMostAlike) console.problem("all with -v");
+  if (!console.isVerbose() && undone.conflicts.size() > kMostAlike) console.problem("all with -v");
 }
 
 // Undo without a number stops at such an entry for good.

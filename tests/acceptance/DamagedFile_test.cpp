@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
 #include <sstream>
 
 #include "Program.h"
@@ -16,6 +17,7 @@ using testing::Not;
 namespace {
 
 constexpr int kVoices = 40;  // on many pages
+constexpr std::size_t kPage = 4096;
 
 class DamagedFile : public Program {
  protected:
@@ -47,7 +49,7 @@ class DamagedFile : public Program {
   std::size_t number(const std::string& sql) { return std::stoul(Editor::PlainDatabase{libraryFile()}(sql)); }
   void zeroPage(std::size_t page) {
     std::string bytes = Editor::bytesOfFile(libraryFile());
-    bytes.replace((page - 1) * 4096, 4096, std::string(4096, '\0'));
+    bytes.replace((page - 1) * kPage, kPage, std::string(kPage, '\0'));
     Editor::writeFile(libraryFile(), bytes);
   }
   void zeroRoot(const std::string& name) {
@@ -66,6 +68,21 @@ class DamagedFile : public Program {
   void change(const std::string& sql) {
     asItWas();
     Editor::PlainDatabase{libraryFile()}(sql);
+  }
+  // With one bit flipped in the entries of an index, here and there; `visit` says whether it was found out.
+  void forEachFlip(const std::string& index, std::size_t step, const std::function<bool(std::size_t)>& visit) {
+    asItWas();
+    const std::string whole = Editor::bytesOfFile(libraryFile());
+    const std::size_t page = kPage * (number("SELECT rootpage FROM sqlite_master WHERE name = '" + index + "'") - 1);
+    const std::size_t entries = page + std::uint8_t(whole[page + 5]) * 256 + std::uint8_t(whole[page + 6]);
+    int wrong = 0;
+    for (std::size_t at = entries; at < page + kPage; at += step) {
+      std::string flipped = whole;
+      flipped[at] = char(std::uint8_t(flipped[at]) ^ (1U << at % 8));
+      Editor::writeFile(libraryFile(), flipped);
+      wrong += visit(at) ? 1 : 0;
+    }
+    EXPECT_GT(wrong, 3) << index;
   }
   // How many voices of the bank contents names.
   int voicesTold() {
@@ -104,29 +121,34 @@ TEST_F(DamagedFile, anIndexThatCannotBeReadLosesNothing) {
 }
 
 TEST_F(DamagedFile, anIndexThatIsWrongIsNotBelieved) {
-  for (const char* index : {"sqlite_autoindex_content_1", "sqlite_autoindex_live_model_1"}) {
-    asItWas();
-    const std::string whole = Editor::bytesOfFile(libraryFile());
-    const std::size_t page =
-        4096 * (number("SELECT rootpage FROM sqlite_master WHERE name = '" + std::string(index) + "'") - 1);
-    const std::size_t entries = page + std::uint8_t(whole[page + 5]) * 256 + std::uint8_t(whole[page + 6]);
-    int wrong = 0;
-    for (std::size_t at = entries; at < page + 4096; at += 41) {
-      std::string flipped = whole;
-      flipped[at] = char(std::uint8_t(flipped[at]) ^ (1U << at % 8));
-      Editor::writeFile(libraryFile(), flipped);
+  for (const char* index : {"sqlite_autoindex_content_1", "sqlite_autoindex_live_model_1"})
+    forEachFlip(index, 41, [&](std::size_t at) {
       const bool isWrong = bda({"contents"}).code == 3;  // else it leads to every row, or is not in use
-      wrong += isWrong ? 1 : 0;
       EXPECT_TRUE(!isWrong || bda({"check"}).code == 3) << index << at;
       EXPECT_EQ(voicesTold(), kVoices) << index << at;
       ok({"show", "voice:user1:6"});
+      EXPECT_EQ(bda({"diff", "library.db", "whole.db"}).out, "") << index << at;
       EXPECT_THAT(bda({"backup", "-o", "b.syx"}), Exits(isWrong ? 3 : 0)) << index << at;
       for (const char* option : {"--dry-run", "-q"})
         EXPECT_THAT(bda({"rename", "voice:user1:6", "Grand", option}), Exits(isWrong ? 1 : 0)) << index << at;
       EXPECT_EQ(voicesTold(), kVoices) << index << at;
-    }
-    EXPECT_GT(wrong, 3) << index;
-  }
+      return isWrong;
+    });
+}
+
+TEST_F(DamagedFile, anIndexOfTheHistoryThatIsWrongHasNothingPutBackInAnotherPlace) {
+  asItWas();
+  ok({"remove", "-q", "voice:user1:1..5"});
+  std::filesystem::copy_file(libraryFile(), directory / "whole.db", std::filesystem::copy_options::overwrite_existing);
+  const std::string history = bda({"history", "-v", "-n", "1"}).out;
+  forEachFlip("sqlite_autoindex_change_1", 37, [&](std::size_t at) {
+    const Result told = bda({"history", "-v", "-n", "1"});
+    EXPECT_EQ(told.out, history) << at;
+    const bool isWrong = told.code == 3;
+    for (const char* option : {"--dry-run", "-q"}) EXPECT_THAT(bda({"undo", option}), Exits(isWrong ? 1 : 0)) << at;
+    EXPECT_EQ(voicesTold(), isWrong ? kVoices - 5 : kVoices) << at;
+    return isWrong;
+  });
 }
 
 TEST_F(DamagedFile, aTableThatCannotBeReadKeepsNobodyFromTheOthers) {

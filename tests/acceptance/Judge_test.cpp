@@ -56,6 +56,24 @@ TEST_F(Judge, messagesForOtherInstrumentsAreFine) {
   EXPECT_THAT(bda({"verify", "a.syx"}), Exits(0));
 }
 
+TEST_F(Judge, theRemainderOfAMessageIsBrokenThoughTheInstrumentPassesOverIt) {
+  const Bytes whole = unit(kHeader, BDA::List::normalVoice, 0x41);
+  const auto footer = std::ptrdiff_t(blockDump({0x0F, 0x0A, 0x05}).size());
+  write("a.syx", {Bytes(whole.begin(), whole.end() - footer),
+                  {0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0xF7},
+                  Bytes(whole.end() - footer, whole.end())});
+  const Result verify = bda({"verify", "a.syx"});
+  EXPECT_THAT(verify, Exits(3));
+  EXPECT_THAT(verify.err, HasSubstr("wrong length: 7 bytes, a message has at least 9"));
+  EXPECT_THAT(verify.out, HasSubstr("voice:user1:6: complete"));
+  EXPECT_THAT(bda({"list", "a.syx"}), Exits(3));
+  EXPECT_THAT(bda({"restore", "a.syx"}), Exits(3));
+  const Result receive = bda({"receive", "a.syx"});
+  EXPECT_THAT(receive, Exits(0));
+  EXPECT_THAT(receive.out, HasSubstr("not-ours: no valid message"));
+  EXPECT_THAT(receive.out, HasSubstr("stored: voice:user1:6"));
+}
+
 TEST_F(Judge, listAsJsonHasTheDocumentedFields) {
   write("a.syx", {blockDump(kHeader)});
   const Result run = bda({"list", "--json", "a.syx"});

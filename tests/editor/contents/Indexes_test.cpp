@@ -4,9 +4,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "contents/Database.h"
+#include "contents/Library.h"
 #include "editor/contents/TemporaryLibrary.h"
 
 namespace Editor {
@@ -108,6 +111,30 @@ TEST_P(Indexes, ATableThatCannotBeReadSaysNothingOfItsIndex) {
   bytes.replace((table - 1) * kPage, kPage, std::string(kPage, '\0'));
   writeFile(file_, bytes);
   EXPECT_FALSE(isWrong());
+}
+
+// Of version 1 the rows are found without it as well.
+TEST(IndexesOfVersion1, OneThatIsWrongHidesNothingFromWhoReads) {
+  const TemporaryDirectory directory;
+  const std::filesystem::path file = directory / "library.db";
+  makeOldLibrary(file);
+  PlainDatabase{file}("INSERT INTO contents VALUES(4, 0x3F0806, x'41', x'42'); PRAGMA wal_checkpoint(TRUNCATE)");
+  std::string bytes = bytesOfFile(file);
+  const std::size_t page = kPage * (std::stoul(PlainDatabase{file}("SELECT rootpage FROM sqlite_master WHERE name = "
+                                                                   "'sqlite_autoindex_contents_1'")) -
+                                    1);
+  const std::size_t key = bytes.find(std::string("\x3F\x08\x06"), page);
+  ASSERT_LT(key, page + kPage);
+  bytes[key + 2] = '\x0E';
+  writeFile(file, bytes);
+  Library library(file, {.use = Library::Use::read});
+  int told = 0;
+  library.leaveOutUnread([&](const Library::Unread&) { ++told; });
+  EXPECT_EQ(library.contents(), (std::vector<ContentId>{{4, 0x3F0805}, {4, 0x3F0806}}));
+  EXPECT_EQ(told, 1);
+  EXPECT_EQ(library.contentName({4, 0x3F0806}), "A");
+  EXPECT_EQ(library.contentName({4, 0x3F080E}), std::nullopt);
+  EXPECT_THROW(Library(file).rename({4, 0x3F0805}, "B"), LibraryError);
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEachTable, Indexes, testing::ValuesIn(kProbes),

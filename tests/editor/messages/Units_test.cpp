@@ -61,6 +61,11 @@ TEST_F(Units, aHeaderOrFooterOfTheWrongLengthBreaksItsUnit) {
   EXPECT_TRUE(isBroken(reports[0]));
 }
 
+TEST_F(Units, whatAnEndInTheMidstLeavesOfAMessageEndsNone) {
+  block(kHeader).sendAll(BDA::List::normalVoice).send({0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0xF7}).block(kFooter);
+  EXPECT_THAT(finish().states(), ElementsAre(State::complete)) << "the instrument takes no notice of it";
+}
+
 TEST_F(Units, headerAllBlocksFooterIsComplete) {
   block(kHeader).sendAll(BDA::List::normalVoice).block(kFooter).finish();
   ASSERT_THAT(states(), ElementsAre(State::complete));

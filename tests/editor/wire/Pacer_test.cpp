@@ -147,8 +147,11 @@ TEST(Pacer, WhatWaitsCanBeForgottenButNotWhatHasBegun) {
   pacer.forgetWaiting();
   EXPECT_EQ(drain(pacer).bytes, message(9, 0));
   pacer.push(message(2, 7), 0s);
+  EXPECT_EQ(pacer.take(1s).size(), 2U) << "of which the port takes none";
   pacer.forgetWaiting();
   EXPECT_EQ(pacer.due(), std::nullopt);
+  pacer.push(message(2, 8), 5s);
+  EXPECT_EQ(pacer.due(), 5s);
 }
 
 TEST(Pacer, AMessageBeginsWhenTheOneBeforeHasPassedOrWhenItComes) {
