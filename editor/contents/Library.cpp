@@ -329,6 +329,8 @@ void Library::write(const Place& place, const std::optional<Held>& held) {
 
 // All that ever changes in a library is changed here.
 void Library::replace(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after) {
+  if (isFull_ && after && place.kind == Place::Kind::content)
+    throw LibraryError(LibraryError::Kind::Failed, "the memory is full");
   write(place, after);
   if (place_ != nullptr || recorder_.hasRun()) recorder_.record(*database_, place, before, after);
 }

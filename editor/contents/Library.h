@@ -202,6 +202,9 @@ class Library {
   // How many operations the file has failed since the library was opened.
   std::uint64_t failureCount() const { return failureCount_; }
 
+  // As long as it is full no content can be stored, as in an instrument that has no room left.
+  void setFull(bool isFull) { isFull_ = isFull; }
+
   // Whether the next change that is kept brings the library to this version, and leaves a copy.
   bool isOfOlderVersion();
   // Whether there is nothing in the file yet, or no file at all.
@@ -249,6 +252,7 @@ class Library {
   std::vector<Change> committed_;
   std::uint64_t changeCount_ = 0;
   mutable std::uint64_t failureCount_ = 0;
+  bool isFull_ = false;
 };
 
 }  // namespace Editor

@@ -56,6 +56,9 @@ class StreamJoiner {
   // The stream ends here: reports what is still held back. A stream fed afterwards starts anew, its offsets go on.
   void finish();
 
+  // Whether a message has begun that may still go on.
+  bool isInMessage() const { return open_; }
+
   // The next byte fed is at `offset`: for streams whose bytes lie scattered in a file. Never goes back.
   void skipTo(std::uint64_t offset) { position_ = offset; }
 

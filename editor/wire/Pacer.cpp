@@ -13,8 +13,8 @@ constexpr std::uint64_t kPiecesPerSecond = 100;  // at least, or a slow wire wou
 
 }  // namespace
 
-void Pacer::push(std::vector<std::uint8_t> message, WireTime now, bool endsUnit) {
-  if (!message.empty()) messages_.push_back({std::move(message), now, endsUnit});
+void Pacer::push(Message message, WireTime now) {
+  if (!message.bytes.empty()) messages_.push_back({std::move(message), now});
 }
 
 void Pacer::forgetWaiting() {
@@ -23,8 +23,9 @@ void Pacer::forgetWaiting() {
 }
 
 std::size_t Pacer::piece() const {
-  if (takes_ == Takes::messages || pace_ == kNoPace) return messages_.front().bytes.size();
-  return std::size_t(std::clamp<std::uint64_t>(pace_.bytesPerSecond / kPiecesPerSecond, 1, kLongestPiece));
+  const Pace pace = paceOf(messages_.front());
+  if (takes_ == Takes::messages || pace == kNoPace) return messages_.front().bytes.size();
+  return std::size_t(std::clamp<std::uint64_t>(pace.bytesPerSecond / kPiecesPerSecond, 1, kLongestPiece));
 }
 
 WireTime Pacer::pausesBehind(const Message& message) const {
@@ -33,14 +34,17 @@ WireTime Pacer::pausesBehind(const Message& message) const {
 
 std::optional<WireTime> Pacer::due() const {
   if (messages_.empty()) return std::nullopt;
-  return start_ ? *start_ + pace_.timeOf(done_ - done_ % piece()) : std::max(next_, messages_.front().came);
+  const Waiting& message = messages_.front();
+  return start_ ? *start_ + paceOf(message).timeOf(done_ - done_ % piece())
+                : std::max(next_, message.came) + message.delay;
 }
 
 std::span<const std::uint8_t> Pacer::take(WireTime now) {
   const std::optional<WireTime> due = this->due();
   if (!due || now < *due) return {};
   const bool beginsPiece = done_ % piece() == 0;
-  const WireTime late = beginsPiece ? std::max(now - *due - pace_.timeOf(kMostCatchUp), WireTime()) : WireTime();
+  const WireTime late =
+      beginsPiece ? std::max(now - *due - paceOf(messages_.front()).timeOf(kMostCatchUp), WireTime()) : WireTime();
   start_ = start_.value_or(*due) + late;
   const std::span<const std::uint8_t> bytes = messages_.front().bytes;
   return bytes.subspan(done_, std::min(bytes.size() - done_, piece() - done_ % piece()));
@@ -50,7 +54,7 @@ void Pacer::sent(std::size_t count) {
   done_ += count;
   const Message& message = messages_.front();
   if (done_ < message.bytes.size()) return;
-  next_ = *start_ + pace_.timeOf(done_) + pausesBehind(message);
+  next_ = *start_ + paceOf(message).timeOf(done_) + pausesBehind(message);
   messages_.pop_front();
   done_ = 0;
   start_.reset();
@@ -58,7 +62,8 @@ void Pacer::sent(std::size_t count) {
 
 WireTime Pacer::duration() const {
   WireTime time{};
-  for (const Message& message : messages_) time += pace_.timeOf(message.bytes.size()) + pausesBehind(message);
+  for (const Message& message : messages_)
+    time += message.delay + paceOf(message).timeOf(message.bytes.size()) + pausesBehind(message);
   return messages_.empty() ? time : time - pausesBehind(messages_.back());
 }
 

@@ -26,8 +26,15 @@ class Pacer {
 
   Pacer(Pace pace, Pauses pauses, Takes takes) : pace_(pace), pauses_(pauses), takes_(takes) {}
 
-  // Behind all others. `endsUnit`: it is the footer of a unit.
-  void push(std::vector<std::uint8_t> message, WireTime now, bool endsUnit = false);
+  struct Message {
+    std::vector<std::uint8_t> bytes;
+    bool endsUnit = false;          // it is the footer of a unit
+    WireTime delay{};               // before it begins, whatever else is waited for
+    std::optional<Pace> pace = {};  // its own
+  };
+
+  // Behind all others.
+  void push(Message message, WireTime now);
   // Those that have not begun to go out.
   void forgetWaiting();
 
@@ -48,18 +55,17 @@ class Pacer {
   WireTime duration() const;
 
  private:
-  struct Message {
-    std::vector<std::uint8_t> bytes;
+  struct Waiting : Message {
     WireTime came;
-    bool endsUnit;
   };
+  Pace paceOf(const Message& message) const { return message.pace.value_or(pace_); }
   std::size_t piece() const;
   WireTime pausesBehind(const Message& message) const;
 
   const Pace pace_;
   const Pauses pauses_;
   const Takes takes_;
-  std::deque<Message> messages_;
+  std::deque<Waiting> messages_;
   std::size_t done_ = 0;           // bytes of the first one
   std::optional<WireTime> start_;  // of the first one: when it began, or would have, had nobody been late
   WireTime next_{};                // when one that has not begun may begin

@@ -73,7 +73,7 @@ TEST(Pace, SaysHowLongBytesTake) {
 
 TEST(Pacer, APunctualSenderTakesTheTimeOfTheWire) {
   Pacer pacer(kCablePace, {}, Pacer::Takes::bytes);
-  for (int i = 0; i < 10; ++i) pacer.push(message(1'000, std::uint8_t(i)), 0s);
+  for (int i = 0; i < 10; ++i) pacer.push({message(1'000, std::uint8_t(i))}, 0s);
   EXPECT_EQ(pacer.duration(), 3'200ms);
   const Wire wire = drain(pacer);
   EXPECT_EQ(pacer.end(), 3'200ms);
@@ -88,7 +88,7 @@ TEST(Pacer, APunctualSenderTakesTheTimeOfTheWire) {
 
 TEST(Pacer, AByteAtATimeWhereTheWireIsSlow) {
   Pacer pacer(Pace{1}, {}, Pacer::Takes::bytes);
-  pacer.push({0xF0, 0x01, 0xF7}, 0s);
+  pacer.push({{0xF0, 0x01, 0xF7}}, 0s);
   const Wire wire = drain(pacer);
   EXPECT_EQ(wire.pieces, (std::vector<std::pair<WireTime, std::size_t>>{{0s, 1}, {1s, 1}, {2s, 1}}));
   EXPECT_EQ(pacer.end(), 3s);
@@ -96,36 +96,36 @@ TEST(Pacer, AByteAtATimeWhereTheWireIsSlow) {
 
 TEST(Pacer, APortThatTakesWholeMessagesGetsTheNextWhenTheOneBeforeHasPassed) {
   Pacer pacer(kCablePace, {}, Pacer::Takes::messages);
-  pacer.push(message(3'125, 1), 0s);
-  pacer.push(message(100, 2), 0s);
+  pacer.push({message(3'125, 1)}, 0s);
+  pacer.push({message(100, 2)}, 0s);
   const Wire wire = drain(pacer);
   EXPECT_EQ(wire.pieces, (std::vector<std::pair<WireTime, std::size_t>>{{0s, 3'125}, {1s, 100}}));
 }
 
 TEST(Pacer, PausesAreKeptBehindMessagesAndUnits) {
   Pacer pacer(Pace{1'000}, {20ms, 300ms}, Pacer::Takes::messages);
-  pacer.push(message(100, 1), 0s);
-  pacer.push(message(100, 2), 0s, true);
-  pacer.push(message(100, 3), 0s, true);
+  pacer.push({message(100, 1)}, 0s);
+  pacer.push({message(100, 2), true}, 0s);
+  pacer.push({message(100, 3), true}, 0s);
   EXPECT_EQ(pacer.duration(), 100ms + 20ms + 100ms + 320ms + 100ms);
   const Wire wire = drain(pacer);
   EXPECT_EQ(wire.pieces, (std::vector<std::pair<WireTime, std::size_t>>{{0s, 100}, {120ms, 100}, {540ms, 100}}));
   EXPECT_EQ(pacer.end(), 960ms);
-  pacer.push(message(1, 4), 0s);
+  pacer.push({message(1, 4)}, 0s);
   EXPECT_EQ(pacer.due(), 960ms) << "also behind the last";
 }
 
 TEST(Pacer, WithoutAPaceAllGoesAtOnce) {
   Pacer pacer(kNoPace, {}, Pacer::Takes::bytes);
-  pacer.push(message(100'000, 1), 0s);
-  pacer.push(message(5, 2), 0s);
+  pacer.push({message(100'000, 1)}, 0s);
+  pacer.push({message(5, 2)}, 0s);
   const Wire wire = drain(pacer);
   EXPECT_EQ(wire.pieces, (std::vector<std::pair<WireTime, std::size_t>>{{0s, 100'000}, {0s, 5}}));
 }
 
 TEST(Pacer, APortThatTakesFewerBytesGetsTheRestAtOnce) {
   Pacer pacer(kCablePace, {}, Pacer::Takes::bytes);
-  pacer.push(message(40, 1), 5s);
+  pacer.push({message(40, 1)}, 5s);
   EXPECT_EQ(pacer.take(5s).size(), 31U);
   pacer.sent(10);
   EXPECT_FALSE(pacer.isBetweenMessages());
@@ -142,27 +142,27 @@ TEST(Pacer, APortThatTakesFewerBytesGetsTheRestAtOnce) {
 
 TEST(Pacer, WhatWaitsCanBeForgottenButNotWhatHasBegun) {
   Pacer pacer(kCablePace, {}, Pacer::Takes::bytes);
-  for (int i = 0; i < 3; ++i) pacer.push(message(40, std::uint8_t(i)), 0s);
+  for (int i = 0; i < 3; ++i) pacer.push({message(40, std::uint8_t(i))}, 0s);
   pacer.sent(pacer.take(0s).size());
   pacer.forgetWaiting();
   EXPECT_EQ(drain(pacer).bytes, message(9, 0));
-  pacer.push(message(2, 7), 0s);
+  pacer.push({message(2, 7)}, 0s);
   EXPECT_EQ(pacer.take(1s).size(), 2U) << "of which the port takes none";
   pacer.forgetWaiting();
   EXPECT_EQ(pacer.due(), std::nullopt);
-  pacer.push(message(2, 8), 5s);
+  pacer.push({message(2, 8)}, 5s);
   EXPECT_EQ(pacer.due(), 5s);
 }
 
 TEST(Pacer, AMessageBeginsWhenTheOneBeforeHasPassedOrWhenItComes) {
   Pacer pacer(kCablePace, {}, Pacer::Takes::messages);
-  pacer.push(message(3'125, 1), 0s);
+  pacer.push({message(3'125, 1)}, 0s);
   pacer.sent(pacer.take(0s).size());
-  pacer.push(message(1, 2), 500ms);
+  pacer.push({message(1, 2)}, 500ms);
   EXPECT_EQ(pacer.due(), 1s);
   EXPECT_TRUE(pacer.take(999'999us).empty());
   pacer.sent(pacer.take(1s).size());
-  pacer.push(message(1, 3), 20s);
+  pacer.push({message(1, 3)}, 20s);
   EXPECT_EQ(pacer.due(), 20s);
   pacer.sent(pacer.take(20s).size());
   EXPECT_EQ(pacer.end(), 20s + 320us);
@@ -170,7 +170,7 @@ TEST(Pacer, AMessageBeginsWhenTheOneBeforeHasPassedOrWhenItComes) {
 
 TEST(Pacer, ALittleLatenessIsMadeUpForMoreIsNot) {
   Pacer pacer(kCablePace, {}, Pacer::Takes::messages);
-  for (std::uint8_t i = 0; i < 3; ++i) pacer.push(message(3'125, i), 0s);
+  for (std::uint8_t i = 0; i < 3; ++i) pacer.push({message(3'125, i)}, 0s);
   pacer.sent(pacer.take(10ms).size());
   EXPECT_EQ(pacer.due(), 1s);
   pacer.sent(pacer.take(2s).size());
@@ -182,7 +182,7 @@ RC_GTEST_PROP(Pacer, NoSecondHasMoreThanThePaceAnd64BytesHoweverLateTheSenderIs,
   Pacer pacer(pace, {}, Pacer::Takes::bytes);
   std::size_t all = 0;
   for (const std::size_t size : *rc::gen::container<std::vector<std::size_t>>(rc::gen::inRange<std::size_t>(1, 600))) {
-    pacer.push(message(size, 1), 0s);
+    pacer.push({message(size, 1)}, 0s);
     all += size;
   }
   const std::int64_t latest = *rc::gen::inRange<std::int64_t>(1, 50'000);
@@ -193,6 +193,20 @@ RC_GTEST_PROP(Pacer, NoSecondHasMoreThanThePaceAnd64BytesHoweverLateTheSenderIs,
   });
   RC_ASSERT(wire.bytes.size() == all);
   RC_ASSERT(wire.densest() <= pace.bytesPerSecond + 64);
+}
+
+TEST(Pacer, SendsOneMessageLaterOrSlower) {
+  Pacer pacer(kCablePace, {}, Pacer::Takes::messages);
+  pacer.push({message(3'125, 1)}, 0s);
+  pacer.push({.bytes = message(3'125, 2), .delay = 500ms}, 0s);
+  pacer.push({.bytes = message(100, 3), .pace = Pace{100}}, 0s);
+  pacer.push({message(1, 4)}, 0s);
+  EXPECT_EQ(pacer.duration(), 3'500ms + 320us);
+  const Wire wire = drain(pacer);
+  ASSERT_EQ(wire.pieces.size(), 4u);
+  EXPECT_EQ(wire.pieces[1].first, 1'500ms);
+  EXPECT_EQ(wire.pieces[2].first, 2'500ms);
+  EXPECT_EQ(wire.pieces[3].first, 3'500ms);
 }
 
 }  // namespace

@@ -1,22 +1,22 @@
-#include "wire/Record.h"
+#include "wire/Recording.h"
 
 #include <algorithm>
 
 namespace Editor {
 
-void Record::receive(std::span<const std::uint8_t> bytes, WireTime now) {
+void Recording::receive(std::span<const std::uint8_t> bytes, WireTime now) {
   constexpr std::uint8_t kRealTime = 0xF8;
   if (std::any_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte < kRealTime; })) quietSince_ = now;
   joiner_.feed(bytes);
   pass(now);
 }
 
-void Record::pass(WireTime now) {
+void Recording::pass(WireTime now) {
   if (!quietSince_) quietSince_ = now;
   isDone_ = quietAfter_ && now - *quietSince_ >= *quietAfter_;
 }
 
-std::optional<WireTime> Record::due() const {
+std::optional<WireTime> Recording::due() const {
   if (!quietSince_ || !quietAfter_) return std::nullopt;
   return *quietSince_ + *quietAfter_;
 }

@@ -1,4 +1,4 @@
-#include "wire/Record.h"
+#include "wire/Recording.h"
 
 #include <gtest/gtest.h>
 
@@ -57,7 +57,7 @@ struct Heard final : StreamJoiner::Receiver {
 
 bool never() { return false; }
 
-TEST(Record, HearsUntilNothingHasComeForSoLong) {
+TEST(Recording, HearsUntilNothingHasComeForSoLong) {
   for (const std::size_t chunk : {1U, 2U, 4096U}) {
     Script other({{1s, {0xF0, 0x43, 0xF7}},
                   {4s, {0xF0, 0x44, 0xF8, 0x01}},
@@ -66,32 +66,32 @@ TEST(Record, HearsUntilNothingHasComeForSoLong) {
                   {30s, {0xF0, 0x45, 0xF7}}});
     LoopPort port(other, chunk);
     Heard heard;
-    Record record(heard, 3s);
-    run(record, port, never);
+    Recording recording(heard, 3s);
+    run(recording, port, never);
     EXPECT_EQ(heard.text, "F0 43 F7\n1 real-time\nF0 44 01 F7\n") << chunk;
     EXPECT_EQ(port.now(), 9'500ms) << "the clock at 9 s is nothing";
   }
 }
 
-TEST(Record, EndsWhenNothingComesAtAll) {
+TEST(Recording, EndsWhenNothingComesAtAll) {
   Script other({});
   LoopPort port(other);
   Heard heard;
-  Record record(heard, 2s);
-  run(record, port, never);
+  Recording recording(heard, 2s);
+  run(recording, port, never);
   EXPECT_EQ(port.now(), 2s);
   EXPECT_EQ(heard.text, "");
 }
 
-TEST(Record, GoesOnUntilItIsStoppedWhereNothingElseEndsIt) {
+TEST(Recording, GoesOnUntilItIsStoppedWhereNothingElseEndsIt) {
   Script other({{1s, {0xF0, 0x43}}, {100h, {0xF7, 0xF0, 0x44}}});
   LoopPort port(other);
   Heard heard;
-  Record record(heard, std::nullopt);
-  run(record, port, [&] { return other.isDone(); });
-  EXPECT_FALSE(record.isDone());
+  Recording recording(heard, std::nullopt);
+  run(recording, port, [&] { return other.isDone(); });
+  EXPECT_FALSE(recording.isDone());
   EXPECT_EQ(heard.text, "F0 43 F7\n");
-  record.finish();
+  recording.finish();
   EXPECT_EQ(heard.text, "F0 43 F7\n2 message without end\n");
 }
 
@@ -101,15 +101,15 @@ TEST(LoopPort, ThatHangsUpIsGoneWhicheverByteItIs) {
     LoopPort port(other);
     port.hangUpAt(byte);
     Heard heard;
-    Record record(heard, 60s);
+    Recording recording(heard, 60s);
     try {
-      run(record, port, never);
+      run(recording, port, never);
       ADD_FAILURE() << byte;
     } catch (const PortError& error) {
       EXPECT_EQ(error.kind(), PortError::Kind::gone);
       EXPECT_STREQ(error.what(), "port loop-back: it has hung up");
     }
-    record.finish();
+    recording.finish();
     EXPECT_EQ(heard.text, byte == 0 ? "" : std::to_string(byte) + " outside of any message\n");
   }
 }
@@ -118,8 +118,8 @@ TEST(LoopPort, SaysSoWhereBothWaitForEver) {
   Script other({});
   LoopPort port(other);
   Heard heard;
-  Record record(heard, std::nullopt);
-  EXPECT_THROW(run(record, port, never), PortError);
+  Recording recording(heard, std::nullopt);
+  EXPECT_THROW(run(recording, port, never), PortError);
 }
 
 }  // namespace

@@ -7,10 +7,10 @@ namespace Editor {
 
 // Listens: hands on whole messages as they arrive, and what was dropped, until nothing has come for some time. Clock
 // and active sensing do not count as something: an instrument sends them for ever.
-class Record final : public WireEnd {
+class Recording final : public WireEnd {
  public:
   // `receiver` outlives it. No `quietAfter`: it is never done.
-  Record(StreamJoiner::Receiver& receiver, std::optional<WireTime> quietAfter)
+  Recording(StreamJoiner::Receiver& receiver, std::optional<WireTime> quietAfter)
       : joiner_(receiver, kLongestMessage), quietAfter_(quietAfter) {}
 
   void receive(std::span<const std::uint8_t> bytes, WireTime now) override;

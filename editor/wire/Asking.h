@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "midi/StreamJoiner.h"
+#include "wire/Answer.h"
+#include "wire/Pacer.h"
+
+namespace Editor {
+
+// How an instrument is asked.
+struct AskingTerms {
+  std::uint8_t device = 0;                     // its device number, 0 to 15
+  WireTime timeout = std::chrono::seconds(2);  // without a byte of an answer
+  unsigned retries = 2;                        // how often it is asked again
+};
+
+// What was heard that may say why an answer did not come.
+struct Overheard {
+  bool isClockHeard = false;            // real-time bytes
+  std::optional<unsigned> otherDevice;  // a bulk dump of such an instrument for that device number, from 1
+  bool isOtherModelHeard = false;       // a message of the same maker's other instruments
+};
+
+// Asks an instrument for one unit, and again while the answer does not come or is not whole. It writes requests to a
+// pacer and reads what arrives; who owns both sends and waits.
+class Asking final : private StreamJoiner::Receiver {
+ public:
+  struct Result {
+    Answer::State state = Answer::State::none;  // of the last try: none or spoilt also where more had begun
+    unsigned tries = 0;                         // requests that went out
+    bool isAnythingHeard = false;               // some of an answer, in any try
+    bool isBroken = false;                      // dumps came that were broken, in any try
+    std::vector<BulkAddress> missing;
+    std::vector<std::vector<std::uint8_t>> messages;  // whole and empty: the answer
+
+    bool isAnswered() const { return state == Answer::State::whole || state == Answer::State::empty; }
+  };
+
+  // The pacer outlives this object.
+  Asking(Pacer& pacer, const AskingTerms& terms) : pacer_(pacer), terms_(terms), joiner_(*this, kLongestMessage) {}
+
+  // Begins. The last question is decided.
+  void ask(BulkAddress address, unsigned retries, WireTime now);
+  void receive(std::span<const std::uint8_t> bytes, WireTime now);
+  void pass(WireTime now);
+  // When it wants to be asked next, beside the pacer; nothing: it does not wait for anything.
+  std::optional<WireTime> due() const;
+
+  // What became of the question, once that is decided.
+  std::optional<Result> takeResult();
+  // Since the beginning, of all questions.
+  const Overheard& overheard() const { return overheard_; }
+
+ private:
+  static constexpr std::size_t kLongestMessage = 65'536;
+  // One answer is far shorter. An instrument that sends so much is not going to answer this try.
+  static constexpr std::uint64_t kMostBytes = 4 * kLongestMessage;
+
+  void message(std::span<const std::uint8_t> bytes, std::uint64_t offset) override;
+  void dropped(std::uint64_t /*offset*/, std::uint64_t /*count*/, StreamJoiner::Reason /*reason*/) override {}
+  void request(WireTime now);
+  void endTry(WireTime now);
+
+  Pacer& pacer_;
+  const AskingTerms terms_;
+  StreamJoiner joiner_;
+  Overheard overheard_;
+
+  BulkAddress asked_{};
+  unsigned retries_ = 0;
+  std::optional<Answer> answer_;     // of this try
+  std::optional<WireTime> heardAt_;  // when something of the answer came last in this try
+  WireTime byteAt_{};                // when any byte of a message did
+  std::uint64_t bytes_ = 0;          // in this try
+  bool isHeard_ = false;             // something of an answer, just now
+  Result result_;
+  bool isDecided_ = false;
+};
+
+}  // namespace Editor

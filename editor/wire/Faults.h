@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <random>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "wire/Pacer.h"
+
+namespace Editor {
+
+// Something that goes wrong on a wire, or at an instrument, with some of the messages.
+struct Fault {
+  enum class Kind : std::uint8_t {
+    drop,
+    repeat,
+    flip,         // one bit
+    cut,          // a message ends early
+    clock,        // real-time bytes inside
+    delay,        // before a message
+    stall,        // in the midst of one
+    slow,         // one goes out at another pace
+    reorder,      // one comes behind the next
+    wrongDevice,  // one has another device number
+    deaf,         // what arrives is not answered
+    chatter,      // something else comes before a message
+    full,         // what would be stored is not
+  };
+
+  Kind kind = Kind::drop;
+  bool isIncoming = false;  // of the messages that the instrument receives; else of those that it sends
+  double rate = 0;          // 0 to 1
+  std::uint64_t amount =
+      0;  // delay and stall: milliseconds; slow: bytes a second; deaf and full: how many go well first
+};
+
+// "flip=0.01,delay=5%:300,in-drop=1%". Throws std::invalid_argument, which says what is wrong.
+std::vector<Fault> parseFaults(std::string_view text);
+// The names, each as it is written.
+std::vector<std::string> faultNames();
+
+// Has faults happen, each by its rate. The same seed does the same to the same messages.
+class Faults {
+ public:
+  explicit Faults(std::vector<Fault> faults = {}, std::uint64_t seed = 0) : faults_(std::move(faults)), random_(seed) {}
+
+  // What goes out for an answer of the instrument.
+  std::vector<Pacer::Message> send(std::vector<Pacer::Message> answer);
+  // What arrives of a message: bytes in which there may be none any more.
+  std::vector<std::uint8_t> receive(std::span<const std::uint8_t> message);
+  // Of each message that has arrived, once: whether it is not answered, whether what it brings is not stored.
+  bool isDeaf() { return happensAfter(Fault::Kind::deaf, heard_); }
+  bool isFull() { return happensAfter(Fault::Kind::full, stores_); }
+
+ private:
+  bool happens(double rate);
+  std::uint64_t below(std::uint64_t count);
+  bool happensAfter(Fault::Kind kind, std::uint64_t& count);
+  void send(const Fault& fault, std::vector<Pacer::Message>& messages, std::size_t at);
+  void spoil(Fault::Kind kind, std::vector<std::uint8_t>& message);
+  std::vector<std::uint8_t> somethingElse();
+
+  const std::vector<Fault> faults_;
+  std::mt19937_64 random_;
+  std::uint64_t heard_ = 0;
+  std::uint64_t stores_ = 0;
+};
+
+}  // namespace Editor

@@ -1,0 +1,119 @@
+#include "wire/Fetch.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "AddressRows.h"
+
+namespace Editor {
+
+namespace {
+
+constexpr BulkAddress kWhatEveryoneHas{0x00, 0x00, 0x00};  // system common
+
+// Places that are not answered while nothing is stored there.
+bool isSilentWhenEmpty(BulkAddress address) {
+  return findBlock(address)->role == Role::header && !editBufferOf(address.mid) && address.mid != BDA::kMixingVoiceMid;
+}
+
+std::string whyLost(const Asking::Result& result, BulkAddress address) {
+  if (result.isBroken) return "broken";
+  return findBlock(address)->role == Role::header && result.isAnythingHeard ? "incomplete" : "silent";
+}
+
+}  // namespace
+
+const char* wordOf(Fetched::State state) {
+  switch (state) {
+    case Fetched::State::whole:
+      return "whole";
+    case Fetched::State::empty:
+      return "empty";
+    case Fetched::State::lost:
+      break;
+  }
+  return "lost";
+}
+
+Fetch::Fetch(std::vector<BulkAddress> units, const AskingTerms& terms, Pacer pacer, Receiver receiver)
+    : units_(std::move(units)),
+      retries_(terms.retries),
+      receiver_(std::move(receiver)),
+      pacer_(std::move(pacer)),
+      asking_(pacer_, terms) {}
+
+void Fetch::begin(WireTime now) {
+  if (!isDone()) asking_.ask(units_[unit_], retries_, now);
+}
+
+void Fetch::receive(std::span<const std::uint8_t> bytes, WireTime now) {
+  asking_.receive(bytes, now);
+  pass(now);
+}
+
+void Fetch::pass(WireTime now) {
+  if (!std::exchange(hasBegun_, true)) begin(now);
+  asking_.pass(now);
+  if (std::optional<Asking::Result> result = asking_.takeResult()) heed(*std::move(result), now);
+}
+
+std::optional<WireTime> Fetch::due() const {
+  const std::optional<WireTime> toSend = pacer_.due();
+  return toSend ? toSend : asking_.due();
+}
+
+void Fetch::heed(Asking::Result result, WireTime now) {
+  if (silent_) {
+    Asking::Result silent = *std::exchange(silent_, std::nullopt);
+    if (!result.isAnythingHeard) return giveUp(std::move(silent));
+    const bool isEmpty = isSilentWhenEmpty(units_[unit_]);
+    tell(isEmpty ? Fetched::State::empty : Fetched::State::lost, std::move(silent));
+  } else if (!result.isAnythingHeard) {
+    silent_ = std::move(result);
+    return asking_.ask(kWhatEveryoneHas, 0, now);
+  } else {
+    const Fetched::State state = result.state == Answer::State::whole   ? Fetched::State::whole
+                                 : result.state == Answer::State::empty ? Fetched::State::empty
+                                                                        : Fetched::State::lost;
+    tell(state, std::move(result));
+  }
+  begin(now);
+}
+
+void Fetch::tell(Fetched::State state, Asking::Result result) {
+  const BulkAddress address = units_[unit_];
+  Fetched fetched;
+  fetched.unit = unit_;
+  fetched.address = address;
+  fetched.state = state;
+  fetched.isEmptyBySilence = state == Fetched::State::empty && !result.isAnythingHeard;
+  fetched.tries = result.tries;
+  if (state == Fetched::State::lost) {
+    fetched.missing = std::move(result.missing);
+    fetched.reason = result.isAnythingHeard ? whyLost(result, address) : whySilent();
+  }
+  fetched.messages = std::move(result.messages);
+  ++unit_;
+  receiver_(std::move(fetched));
+}
+
+// Nobody is there: the rest is not asked for.
+void Fetch::giveUp(Asking::Result last) {
+  tell(Fetched::State::lost, std::move(last));
+  while (!isDone()) {
+    Asking::Result unasked;
+    unasked.missing = Answer(units_[unit_], 0).missing();
+    tell(Fetched::State::lost, std::move(unasked));
+  }
+}
+
+std::string Fetch::whySilent() const {
+  const Overheard& overheard = asking_.overheard();
+  if (overheard.otherDevice) return fmt::format("other device {}", *overheard.otherDevice);
+  if (overheard.isOtherModelHeard) return "other model";
+  return overheard.isClockHeard ? "only clock" : "silent";
+}
+
+}  // namespace Editor

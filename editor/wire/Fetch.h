@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "wire/Asking.h"
+#include "wire/WireEnd.h"
+
+namespace Editor {
+
+// What became of one unit that an instrument was asked for.
+struct Fetched {
+  enum class State : std::uint8_t {
+    whole,
+    empty,  // nothing is stored there
+    lost,
+  };
+
+  std::size_t unit = 0;  // of those asked for, from 0
+  BulkAddress address{};
+  State state = State::lost;
+  bool isEmptyBySilence = false;  // empty: it was not said, but nothing came, from an instrument that answers
+  unsigned tries = 0;             // requests that went out for it
+  std::vector<BulkAddress> missing;
+  std::string reason;                               // lost: why, as far as can be known
+  std::vector<std::vector<std::uint8_t>> messages;  // whole and empty: the answer
+};
+
+const char* wordOf(Fetched::State state);
+
+// Asks an instrument for units, one after the other.
+//
+// An instrument answers a request for a file dump or a mixing voice also where nothing is stored, and a request for
+// another empty place not at all. Where nothing comes it is asked once for what every instrument has, to know which of
+// both it is; when that is not answered either, nobody is asked for anything more.
+class Fetch final : public WireEnd {
+ public:
+  using Receiver = std::function<void(Fetched)>;
+
+  // Each of `units` isAnsweredByUnit(). What became of each is told in their order, as soon as it is known.
+  Fetch(std::vector<BulkAddress> units, const AskingTerms& terms, Pacer pacer, Receiver receiver);
+
+  void receive(std::span<const std::uint8_t> bytes, WireTime now) override;
+  void pass(WireTime now) override;
+  std::optional<WireTime> due() const override;
+  std::span<const std::uint8_t> toSend(WireTime now) override { return pacer_.take(now); }
+  void sent(std::size_t count) override { pacer_.sent(count); }
+  bool isDone() const override { return unit_ == units_.size(); }
+
+ private:
+  void begin(WireTime now);
+  void heed(Asking::Result result, WireTime now);
+  void tell(Fetched::State state, Asking::Result result);
+  void giveUp(Asking::Result last);
+  std::string whySilent() const;
+
+  const std::vector<BulkAddress> units_;
+  const unsigned retries_;
+  const Receiver receiver_;
+  Pacer pacer_;
+  Asking asking_;
+  std::size_t unit_ = 0;
+  bool hasBegun_ = false;
+  std::optional<Asking::Result>
+      silent_;  // of the unit that nothing came for, while it is asked whether anybody is there
+};
+
+}  // namespace Editor

@@ -1,0 +1,58 @@
+#include "wire/Instrument.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Editor {
+
+namespace {
+
+// Whether a dump has the instrument store contents.
+bool stores(const Reading& reading) {
+  return reading.kind == Reading::Kind::dump &&
+         (reading.role == Role::trigger || (reading.role == Role::footer && !editBufferOf(reading.address->mid)));
+}
+
+}  // namespace
+
+void Instrument::receive(std::span<const std::uint8_t> bytes, WireTime now) {
+  now_ = now;
+  joiner_.feed(bytes);
+}
+
+// What a fault has left of a message may be none any more, or several.
+void Instrument::message(std::span<const std::uint8_t> bytes, std::uint64_t offset) {
+  const std::vector<std::uint8_t> left = faults_.receive(bytes);
+  if (std::ranges::equal(left, bytes)) return handle(bytes, offset);
+  class Rest final : public StreamJoiner::Receiver {
+   public:
+    explicit Rest(Instrument& instrument) : instrument_(instrument) {}
+    void message(std::span<const std::uint8_t> bytes, std::uint64_t offset) override {
+      instrument_.handle(bytes, offset);
+    }
+    void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
+      instrument_.dropped(offset, count, reason);
+    }
+
+   private:
+    Instrument& instrument_;
+  } rest(*this);
+  StreamJoiner joiner(rest);
+  joiner.skipTo(offset);
+  joiner.feed(left);
+  joiner.finish();
+}
+
+void Instrument::handle(std::span<const std::uint8_t> message, std::uint64_t offset) {
+  const Reading reading = readMessage(message);
+  editor_.library().setFull(stores(reading) && faults_.isFull());
+  const Record record = editor_.handle(reading, message, options_.port, ++number_);
+  std::vector<Pacer::Message> answer;
+  for (const AssistantHost::Sent& sent : record.sent)
+    if (options_.echoes || !std::ranges::equal(sent.bytes, message)) answer.push_back({sent.bytes});
+  if (!faults_.isDeaf())
+    for (Pacer::Message& one : faults_.send(std::move(answer))) pacer_.push(std::move(one), now_);
+  observer_.handled(number_, offset, message, record);
+}
+
+}  // namespace Editor

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "exchange/EmbeddedEditor.h"
+#include "midi/StreamJoiner.h"
+#include "wire/Faults.h"
+#include "wire/Pacer.h"
+#include "wire/WireEnd.h"
+
+namespace Editor {
+
+// A library at the end of a wire, as the instrument would be: takes what arrives, and sends what it answers.
+class Instrument final : public WireEnd, private StreamJoiner::Receiver {
+ public:
+  // What is told of each message, and of bytes that became none. What it throws comes out of receive().
+  class Observer {
+   public:
+    virtual void handled(std::uint64_t number, std::uint64_t offset, std::span<const std::uint8_t> message,
+                         const Record& record) = 0;
+    virtual void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) = 0;
+
+   protected:
+    ~Observer() = default;
+  };
+
+  struct Options {
+    BDA::DevicePortNum port = BDA::DevicePort_Main;  // on which messages arrive
+    bool echoes = false;                             // what it echoes goes out as well
+    std::vector<Fault> faults;
+    std::uint64_t seed = 0;  // of the faults
+  };
+
+  // Editor and observer outlive this object.
+  Instrument(EmbeddedEditor& editor, const Options& options, Pacer pacer, Observer& observer)
+      : editor_(editor),
+        options_(options),
+        observer_(observer),
+        pacer_(std::move(pacer)),
+        faults_(options.faults, options.seed),
+        joiner_(*this, kLongest) {}
+
+  // Throws LibraryError when the library fails: the message has changed nothing.
+  void receive(std::span<const std::uint8_t> bytes, WireTime now) override;
+  void pass(WireTime /*now*/) override {}
+  std::optional<WireTime> due() const override { return pacer_.due(); }
+  std::span<const std::uint8_t> toSend(WireTime now) override { return pacer_.take(now); }
+  void sent(std::size_t count) override { pacer_.sent(count); }
+  // It waits for more as long as there is somebody at the other end.
+  bool isDone() const override { return false; }
+
+ private:
+  static constexpr std::size_t kLongest = 16U << 20;
+
+  void message(std::span<const std::uint8_t> bytes, std::uint64_t offset) override;
+  void handle(std::span<const std::uint8_t> message, std::uint64_t offset);
+  void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
+    observer_.dropped(offset, count, reason);
+  }
+
+  EmbeddedEditor& editor_;
+  const Options options_;
+  Observer& observer_;
+  Pacer pacer_;
+  Faults faults_;
+  StreamJoiner joiner_;
+  WireTime now_{};
+  std::uint64_t number_ = 0;
+};
+
+}  // namespace Editor

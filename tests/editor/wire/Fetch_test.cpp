@@ -1,0 +1,261 @@
+#include "wire/Fetch.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "editor/messages/BulkMessages.h"
+#include "wire/Instrument.h"
+#include "wire/Intake.h"
+#include "wire/LoopPort.h"
+
+namespace Editor {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr BulkAddress kVoice{0x0E, 0x0A, 0x05};
+constexpr BulkAddress kFileDump{0x0C, 0x0A, 0x05};
+constexpr BulkAddress kSystemCommon{0x00, 0x00, 0x00};
+constexpr BulkAddress kMaster{0x0E, 0x70, 0x02};
+constexpr BulkAddress kMixingVoice{0x0E, 0x31, 0x03};
+constexpr BulkAddress kMulti{0x0E, 0x5F, 0x00};
+
+bool never() { return false; }
+
+struct Deaf final : Instrument::Observer {
+  void handled(std::uint64_t, std::uint64_t, std::span<const std::uint8_t>, const Record&) override {}
+  void dropped(std::uint64_t, std::uint64_t, StreamJoiner::Reason) override {}
+};
+
+// An instrument that answers with what a test says, at once.
+class Scripted final : public WireEnd, private StreamJoiner::Receiver {
+ public:
+  using Answers = std::function<std::vector<Bytes>(BulkAddress asked, unsigned time)>;
+  explicit Scripted(Answers answers) : answers_(std::move(answers)), joiner_(*this) {}
+
+  void receive(std::span<const std::uint8_t> bytes, WireTime /*now*/) override { joiner_.feed(bytes); }
+  void pass(WireTime /*now*/) override {}
+  std::optional<WireTime> due() const override { return std::nullopt; }
+  std::span<const std::uint8_t> toSend(WireTime /*now*/) override { return out_; }
+  void sent(std::size_t count) override { out_.erase(out_.begin(), out_.begin() + std::ptrdiff_t(count)); }
+  bool isDone() const override { return false; }
+
+ private:
+  void message(std::span<const std::uint8_t> bytes, std::uint64_t /*offset*/) override {
+    const BulkAddress asked = readMessage(bytes).address.value();
+    for (const Bytes& answer : answers_(asked, ++times_)) out_.insert(out_.end(), answer.begin(), answer.end());
+  }
+  void dropped(std::uint64_t /*offset*/, std::uint64_t /*count*/, StreamJoiner::Reason /*reason*/) override {}
+
+  Answers answers_;
+  StreamJoiner joiner_;
+  unsigned times_ = 0;
+  Bytes out_;
+};
+
+class FetchTest : public testing::Test {
+ protected:
+  std::vector<Fetched> fetch(WireEnd& instrument, std::vector<BulkAddress> units, const AskingTerms& terms = {}) {
+    std::vector<Fetched> all;
+    Fetch end(std::move(units), terms, Pacer(kCablePace, {}, Pacer::Takes::bytes),
+              [&](Fetched fetched) { all.push_back(std::move(fetched)); });
+    LoopPort port(instrument);
+    run(end, port, never);
+    elapsed = port.now();
+    return all;
+  }
+  Fetched fetchOne(WireEnd& instrument, BulkAddress unit, const AskingTerms& terms = {}) {
+    std::vector<Fetched> all = fetch(instrument, {unit}, terms);
+    EXPECT_EQ(all.size(), 1u);
+    return all.empty() ? Fetched() : std::move(all.front());
+  }
+
+  static std::vector<Bytes> voice(std::uint8_t value = 0) {
+    std::vector<Bytes> messages{dump(kVoice)};
+    for (const BulkAddress block : blocksOf(BDA::List::normalVoice)) messages.push_back(blockDump(block, value));
+    messages.push_back(dump(footerOf(kVoice)));
+    return messages;
+  }
+
+  WireTime elapsed{};
+};
+
+TEST_F(FetchTest, BringsWhatAnInstrumentHoldsIntoALibrary) {
+  EmbeddedEditor source;
+  std::uint64_t number = 0;
+  for (const Bytes& message : voice()) source.handle(message, BDA::DevicePort_Main, ++number);
+  Deaf deaf;
+  Instrument instrument(source, {}, Pacer(kCablePace, {}, Pacer::Takes::bytes), deaf);
+  const std::vector<Fetched> all =
+      fetch(instrument, {kVoice, kFileDump, kMulti, kSystemCommon, kMixingVoice, kMaster, {0x0C, 0x0A, 0x06}});
+  ASSERT_EQ(all.size(), 7u);
+  EmbeddedEditor target;
+  Intake intake(target);
+  for (std::size_t unit = 0; unit < 4; ++unit) {
+    EXPECT_EQ(all[unit].state, Fetched::State::whole) << unit;
+    EXPECT_EQ(all[unit].tries, 1u) << unit;
+    EXPECT_EQ(intake.store({all[unit].messages}), std::nullopt) << unit;
+  }
+  for (std::size_t unit = 4; unit < 7; ++unit) EXPECT_EQ(all[unit].state, Fetched::State::empty) << unit;
+  EXPECT_FALSE(all[4].isEmptyBySilence);
+  EXPECT_TRUE(all[5].isEmptyBySilence);
+  EXPECT_EQ(all[5].tries, 3u);
+  EXPECT_FALSE(all[6].isEmptyBySilence);
+  const ContentId content{ContSrv::ContType_Voice, voiceContentNumber(8, 5)};
+  EXPECT_EQ(target.library().contents(), std::vector{content});
+  EXPECT_EQ(target.library().content(content), source.library().content(content));
+}
+
+TEST_F(FetchTest, AsksAgainForWhatCameBroken) {
+  for (std::size_t which = 0; which < 26; ++which) {
+    Scripted instrument([&](BulkAddress, unsigned time) {
+      std::vector<Bytes> answer = voice();
+      if (time == 1) answer[which] = damaged(answer[which]);
+      return answer;
+    });
+    const Fetched fetched = fetchOne(instrument, kVoice);
+    EXPECT_EQ(fetched.state, Fetched::State::whole) << which;
+    EXPECT_EQ(fetched.tries, 2u) << which;
+    EXPECT_EQ(fetched.messages, voice()) << which;
+    EXPECT_LT(elapsed, 2s) << which;  // the answer has come to its end: there is nothing to wait for
+  }
+}
+
+TEST_F(FetchTest, TellsWhichBlocksNeverCame) {
+  Scripted instrument([](BulkAddress, unsigned) {
+    std::vector<Bytes> answer = voice();
+    answer.erase(answer.begin() + 3);
+    return answer;
+  });
+  const Fetched fetched = fetchOne(instrument, kVoice, {.retries = 1});
+  EXPECT_EQ(fetched.state, Fetched::State::lost);
+  EXPECT_EQ(fetched.tries, 2u);
+  EXPECT_EQ(fetched.reason, "incomplete");
+  EXPECT_EQ(fetched.missing, std::vector{blocksOf(BDA::List::normalVoice)[2]});
+  EXPECT_TRUE(fetched.messages.empty());
+}
+
+TEST_F(FetchTest, TakesNoAnswerToAnotherAddress) {
+  const BulkAddress other{0x0E, 0x0A, 0x06};
+  Scripted instrument([&](BulkAddress asked, unsigned) {
+    std::vector<Bytes> answer = voice(1);
+    answer.front() = dump(other);
+    answer.back() = dump(footerOf(other));
+    if (asked != kVoice) answer = {blockDump(asked)};
+    return answer;
+  });
+  EXPECT_EQ(fetchOne(instrument, kVoice).state, Fetched::State::empty);
+}
+
+TEST_F(FetchTest, NeverPutsTwoAnswersTogether) {
+  // Half of one sound, then the other half of another.
+  Scripted instrument([](BulkAddress, unsigned time) {
+    const std::vector<Bytes> answer = voice(std::uint8_t(time));
+    const auto half = answer.begin() + 12;
+    if (time == 1) return std::vector<Bytes>(answer.begin(), half);
+    if (time == 2) return std::vector<Bytes>(half, answer.end());
+    return answer;
+  });
+  const Fetched fetched = fetchOne(instrument, kVoice);
+  EXPECT_EQ(fetched.state, Fetched::State::whole);
+  EXPECT_EQ(fetched.messages, voice(3));
+}
+
+TEST_F(FetchTest, DoubtsAUnitInWhichABlockCameTwiceAndDiffers) {
+  Scripted instrument([](BulkAddress, unsigned time) {
+    std::vector<Bytes> answer = voice();
+    answer.insert(answer.begin() + 5, time == 1 ? blockDump(*readMessage(answer[4]).address, 1) : answer[4]);
+    return answer;
+  });
+  const Fetched fetched = fetchOne(instrument, kVoice);
+  EXPECT_EQ(fetched.state, Fetched::State::whole);
+  EXPECT_EQ(fetched.tries, 2u);
+  EXPECT_EQ(fetched.messages, voice());
+}
+
+TEST_F(FetchTest, KnowsAnEmptyPlaceFromAnInstrumentThatIsNotThere) {
+  Scripted answersNothing([](BulkAddress, unsigned) { return std::vector<Bytes>(); });
+  const std::vector<Fetched> all = fetch(answersNothing, {kMaster, kVoice, kSystemCommon});
+  ASSERT_EQ(all.size(), 3u);
+  for (const Fetched& fetched : all) {
+    EXPECT_EQ(fetched.state, Fetched::State::lost);
+    EXPECT_EQ(fetched.reason, "silent");
+    EXPECT_EQ(fetched.tries, fetched.unit == 0 ? 3u : 0u);
+  }
+  EXPECT_GE(elapsed, 8s);  // three tries and the question whether anybody is there
+  EXPECT_LT(elapsed, 8s + 20ms);
+}
+
+TEST_F(FetchTest, SaysOfASilentFileDumpThatItIsLost) {
+  Scripted instrument(
+      [](BulkAddress asked, unsigned) { return std::vector<Bytes>(asked == kSystemCommon ? 1 : 0, blockDump(asked)); });
+  const Fetched fetched = fetchOne(instrument, kFileDump);
+  EXPECT_EQ(fetched.state, Fetched::State::lost);
+  EXPECT_EQ(fetched.reason, "silent");
+  EXPECT_EQ(fetched.missing, std::vector{kFileDump});
+}
+
+struct Told {
+  const char* reason;
+  std::vector<Bytes> answer;
+};
+
+TEST_F(FetchTest, SaysWhyNothingCame) {
+  for (const Told& told :
+       {Told{"only clock", {{0xF8, 0xFE}}}, Told{"other device 5", {dump(kSystemCommon, Bytes(68), 4)}},
+        Told{"other model", {{0xF0, 0x7D, 0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0xF7}}},
+        Told{"silent", {{0x90, 0x40, 0x40}}}}) {
+    Scripted instrument([&](BulkAddress, unsigned) { return told.answer; });
+    EXPECT_EQ(fetchOne(instrument, kVoice).reason, told.reason);
+  }
+}
+
+// Clock for ever, also inside of a message that has no end.
+TEST_F(FetchTest, DoesNotWaitForAClock) {
+  class Clock final : public WireEnd {
+   public:
+    void receive(std::span<const std::uint8_t> /*bytes*/, WireTime /*now*/) override {}
+    void pass(WireTime /*now*/) override {}
+    std::optional<WireTime> due() const override { return next_; }
+    std::span<const std::uint8_t> toSend(WireTime now) override {
+      if (now < next_) return {};
+      return next_ == WireTime() ? std::span<const std::uint8_t>(begin_) : std::span<const std::uint8_t>(tick_);
+    }
+    void sent(std::size_t count) override {
+      if (next_ > WireTime() || count == begin_.size()) next_ += 20ms;
+    }
+    bool isDone() const override { return false; }
+
+   private:
+    const Bytes begin_{0xF0, 0x7D, 0x00};
+    const Bytes tick_{0xF8};
+    WireTime next_{};
+  } clock;
+  EXPECT_EQ(fetchOne(clock, kVoice).reason, "only clock");
+  EXPECT_LT(elapsed, 9s);
+}
+
+TEST_F(FetchTest, EndsThoughTheWireIsNeverQuiet) {
+  class Chatter final : public WireEnd {
+   public:
+    void receive(std::span<const std::uint8_t> /*bytes*/, WireTime /*now*/) override {}
+    void pass(WireTime /*now*/) override {}
+    std::optional<WireTime> due() const override { return next_; }
+    std::span<const std::uint8_t> toSend(WireTime now) override {
+      return now < next_ ? std::span<const std::uint8_t>() : std::span<const std::uint8_t>(words_);
+    }
+    void sent(std::size_t count) override { next_ += kCablePace.timeOf(count); }
+    bool isDone() const override { return false; }
+
+   private:
+    const Bytes words_{0xF0, 0x01, 0x02, 0xF7, 0xF0, 0x01};
+    WireTime next_{};
+  } chatter;
+  EXPECT_EQ(fetchOne(chatter, kVoice).state, Fetched::State::lost);
+}
+
+}  // namespace
+}  // namespace Editor
