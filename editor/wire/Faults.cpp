@@ -84,6 +84,7 @@ std::vector<Fault> parseFaults(std::string_view text) {
 
 std::vector<std::string> faultNames() {
   std::vector<std::string> names;
+  names.reserve(2 * kWords.size());
   for (const FaultWord& word : kWords) names.emplace_back(word.name);
   for (const FaultWord& word : kWords)
     if (word.canBeIncoming) names.push_back(std::string(kIncoming) + word.name);

@@ -6,10 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "editor/messages/BulkMessages.h"
-#include "wire/Instrument.h"
+#include "editor/wire/WireFixture.h"
 #include "wire/Intake.h"
-#include "wire/LoopPort.h"
 
 namespace Editor {
 namespace {
@@ -24,11 +22,6 @@ constexpr BulkAddress kMixingVoice{0x0E, 0x31, 0x03};
 constexpr BulkAddress kMulti{0x0E, 0x5F, 0x00};
 
 bool never() { return false; }
-
-struct Deaf final : Instrument::Observer {
-  void handled(std::uint64_t, std::uint64_t, std::span<const std::uint8_t>, const Record&) override {}
-  void dropped(std::uint64_t, std::uint64_t, StreamJoiner::Reason) override {}
-};
 
 // An instrument that answers with what a test says, at once.
 class Scripted final : public WireEnd, private StreamJoiner::Receiver {
@@ -73,22 +66,16 @@ class FetchTest : public testing::Test {
     return all.empty() ? Fetched() : std::move(all.front());
   }
 
-  static std::vector<Bytes> voice(std::uint8_t value = 0) {
-    std::vector<Bytes> messages{dump(kVoice)};
-    for (const BulkAddress block : blocksOf(BDA::List::normalVoice)) messages.push_back(blockDump(block, value));
-    messages.push_back(dump(footerOf(kVoice)));
-    return messages;
-  }
+  static std::vector<Bytes> voice(std::uint8_t value = 0) { return unitOf(kVoice, BDA::List::normalVoice, value); }
 
   WireTime elapsed{};
 };
 
 TEST_F(FetchTest, BringsWhatAnInstrumentHoldsIntoALibrary) {
   EmbeddedEditor source;
-  std::uint64_t number = 0;
-  for (const Bytes& message : voice()) source.handle(message, BDA::DevicePort_Main, ++number);
-  Deaf deaf;
-  Instrument instrument(source, {}, Pacer(kCablePace, {}, Pacer::Takes::bytes), deaf);
+  receive(source, voice());
+  NobodyIsTold nobody;
+  Instrument instrument(source, {}, Pacer(kCablePace, {}, Pacer::Takes::bytes), nobody);
   const std::vector<Fetched> all =
       fetch(instrument, {kVoice, kFileDump, kMulti, kSystemCommon, kMixingVoice, kMaster, {0x0C, 0x0A, 0x06}});
   ASSERT_EQ(all.size(), 7u);
