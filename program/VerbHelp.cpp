@@ -73,6 +73,20 @@ constexpr std::array kVerbs{
              kLibrary,
              {{{"bda screen -o screen.png", "as PNG, 160 x 64 pixels"},
                {"bda screen -o - > screen.png", "the same by standard output"}}}},
+    VerbHelp{"fetch",
+             "ADDRESS... --from PORT",
+             "What an instrument holds, into the library or a file",
+             VerbGroup::instrument,
+             kLibrary,
+             {{{"bda fetch file:voice:user1 --from /dev/midi1", "a bank, into the library"},
+               {"bda fetch all --from /dev/midi1 -o all.syx", "everything, into a file"}}}},
+    VerbHelp{"record",
+             "--from PORT -o FILE",
+             "What arrives at a port, into a file",
+             VerbGroup::instrument,
+             kNoLibraryButMore,
+             {{{"bda record --from /dev/snd/midiC1D0 -o a.syx", "until Ctrl-C"},
+               {"bda record --from /dev/midi1 -o a.syx --quiet-after 3", "until nothing comes"}}}},
     VerbHelp{"contents",
              "[ADDRESS...]",
              "What the library holds, by bank",
@@ -239,6 +253,8 @@ const char* titleOf(VerbGroup group) {
       return "Files, without a library";
     case VerbGroup::receiving:
       return "Receiving and answering";
+    case VerbGroup::instrument:
+      return "The instrument, at a port";
     case VerbGroup::library:
       return "The library";
     case VerbGroup::help:

@@ -10,9 +10,10 @@ namespace Editor {
 // What the program says of its verbs, as data: whoever tells it, in whatever form, has it from here. What a verb's
 // options are, the command line says where it declares them.
 
-enum class VerbGroup : std::uint8_t { files, receiving, library, help };
+enum class VerbGroup : std::uint8_t { files, receiving, instrument, library, help };
 // In the order in which they are told.
-inline constexpr std::array kVerbGroups{VerbGroup::files, VerbGroup::receiving, VerbGroup::library, VerbGroup::help};
+inline constexpr std::array kVerbGroups{VerbGroup::files, VerbGroup::receiving, VerbGroup::instrument,
+                                        VerbGroup::library, VerbGroup::help};
 const char* titleOf(VerbGroup group);
 
 struct Example {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+#include <vector>
+
 #include "messages/AddressNames.h"
 
 namespace Editor {
@@ -10,5 +13,12 @@ namespace Editor {
 struct BackupOrder {
   bool operator()(BulkAddress a, BulkAddress b) const;
 };
+
+// The address that a backup asks for to have a content: of a file dump, or else of a header. Nothing: no message
+// carries it.
+std::optional<BulkAddress> backupAddressOf(ContentId content);
+
+// What a backup of a library that holds everything asks for, in its order, but for the write trigger.
+std::vector<BulkAddress> everythingInABackup();
 
 }  // namespace Editor

@@ -61,7 +61,8 @@ class BytePort::Opened {
 };
 
 bool BytePort::isName(const std::string& name) {
-  return name == "-" || name == "pty:" || name.find('/') != std::string::npos;
+  struct stat status {};
+  return name == "-" || name == "pty:" || name.find('/') != std::string::npos || ::stat(name.c_str(), &status) == 0;
 }
 
 BytePort::BytePort(const std::string& name, Direction direction, int wake) : name_(name), wake_(wake) {

@@ -20,7 +20,7 @@ class BytePort final : public Port {
  public:
   enum class Direction : std::uint8_t { in, out, both };
 
-  // Whether that is what names one: "-", "pty:", or whatever has a slash in it.
+  // Whether that is what names one: "-", "pty:", whatever has a slash in it, and what is there.
   static bool isName(const std::string& name);
 
   // `wake` is a descriptor that ends a wait as soon as there is something to read from it; it stays its owner's, who

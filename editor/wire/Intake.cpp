@@ -1,30 +1,37 @@
 #include "wire/Intake.h"
 
+#include <iterator>
+#include <utility>
+
 #include "exchange/Handover.h"
 
 namespace Editor {
 
-std::optional<std::string> Intake::store(const std::vector<Messages>& units) {
+Intake::Result Intake::store(const std::vector<Messages>& units) {
   EmbeddedEditor::Run run(editor_);
+  Result result;
   bool areHeld = false;  // file dumps, for which there has been no trigger yet
-  const auto whyRefused = [&](const std::vector<std::uint8_t>& message) -> std::optional<std::string> {
-    const Record record = editor_.handle(message, BDA::DevicePort_Main, ++number_);
+  std::optional<std::string> editBufferBefore;
+  const auto hand = [&](const std::vector<std::uint8_t>& message) {
+    Record record = editor_.handle(message, BDA::DevicePort_Main, ++number_);
     areHeld = record.reading.role == Role::fileDump;
-    if (record.outcome == Outcome::refused) return record.reason;
-    return std::nullopt;
+    editBufferBefore = record.editBufferBefore;
+    std::ranges::move(record.changes, std::back_inserter(result.changes));
+    if (record.outcome != Outcome::refused) return true;
+    const auto state = record.storeError.empty() ? Result::State::refused : Result::State::notStored;
+    result = {state, std::move(record.reason), {}, {}};
+    return false;
   };
-  const auto whyNotWritten = [&] {
-    return areHeld ? whyRefused(writeTrigger(deviceNumberOf(editor_.tools()))) : std::nullopt;
-  };
+  const auto writeHeld = [&] { return !areHeld || hand(writeTrigger(deviceNumberOf(editor_.tools()))); };
   for (const Messages& messages : units) {
-    if (readMessage(messages.front()).role != Role::fileDump)
-      if (std::optional<std::string> why = whyNotWritten()) return why;
+    if (readMessage(messages.front()).role != Role::fileDump && !writeHeld()) return result;
     for (const std::vector<std::uint8_t>& message : messages)
-      if (std::optional<std::string> why = whyRefused(message)) return why;
+      if (!hand(message)) return result;
+    result.editBuffersBefore.push_back(std::move(editBufferBefore));
   }
-  if (std::optional<std::string> why = whyNotWritten()) return why;
+  if (!writeHeld()) return result;
   run.commit();
-  return std::nullopt;
+  return result;
 }
 
 }  // namespace Editor

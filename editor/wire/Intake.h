@@ -9,18 +9,31 @@
 
 namespace Editor {
 
-// Stores whole units that came over a wire in a library, as its instrument would: all messages of a unit, or none.
+// Stores whole units that came over a wire in a library, as its instrument would: all messages of all units, or none.
 class Intake {
  public:
   using Messages = std::vector<std::vector<std::uint8_t>>;
 
+  struct Result {
+    enum class State : std::uint8_t {
+      stored,
+      refused,    // a message was
+      notStored,  // there was no place for it
+    };
+
+    State state = State::stored;
+    std::string why;              // not stored: why
+    std::vector<Change> changes;  // stored: of contents
+    // Stored, for each of the units: what the edit buffer was called that it replaced, if anything stood there.
+    std::vector<std::optional<std::string>> editBuffersBefore;
+  };
+
   // The editor outlives this object.
   explicit Intake(EmbeddedEditor& editor) : editor_(editor) {}
 
-  // One transaction for all these messages: of units, from header to footer or single dumps, in their order; file dumps
-  // have their trigger behind them. On disk when this returns nothing; else why nothing of it is stored. Throws
-  // LibraryError when the library fails, with nothing stored.
-  std::optional<std::string> store(const std::vector<Messages>& units);
+  // One transaction, for units from header to footer and single dumps in their order, without write triggers. What it
+  // says is stored is on disk. Throws LibraryError when the library fails: nothing is stored.
+  Result store(const std::vector<Messages>& units);
 
  private:
   EmbeddedEditor& editor_;

@@ -43,17 +43,6 @@ std::FILE* openToRead(const std::string& path) {
 
 std::string reasonOf(int error) { return std::generic_category().message(error); }
 
-InputLoss::Kind kindOf(StreamJoiner::Reason reason) {
-  switch (reason) {
-    case StreamJoiner::Reason::RealTime:
-      return InputLoss::Kind::realTime;
-    case StreamJoiner::Reason::Stray:
-      return InputLoss::Kind::loose;
-    default:
-      return InputLoss::Kind::cutShort;
-  }
-}
-
 // Why a file cannot be read any further.
 struct ReadError {
   std::string why;
@@ -325,6 +314,17 @@ bool isJson(Source& source) {
 }
 
 }  // namespace
+
+InputLoss::Kind kindOf(StreamJoiner::Reason reason) {
+  switch (reason) {
+    case StreamJoiner::Reason::RealTime:
+      return InputLoss::Kind::realTime;
+    case StreamJoiner::Reason::Stray:
+      return InputLoss::Kind::loose;
+    default:
+      return InputLoss::Kind::cutShort;
+  }
+}
 
 InputStream::InputStream(const std::vector<std::string>& paths, Takes takes) : takes_(takes) {
   if (std::count(paths.begin(), paths.end(), "-") > 1)

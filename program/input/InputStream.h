@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ExitCode.h"
+#include "midi/StreamJoiner.h"
 
 namespace Editor {
 
@@ -32,6 +33,9 @@ struct InputLoss {
   Kind kind;
   std::span<const std::uint8_t> beginning = {};  // of a message of a stream that was cut short: its first bytes
 };
+
+// What it means for a file that a stream has so.
+InputLoss::Kind kindOf(StreamJoiner::Reason reason);
 
 // Whether that broke a message or the file.
 inline bool isBroken(const InputLoss& loss) {

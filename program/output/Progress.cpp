@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <fcntl.h>
 #include <poll.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cmath>
@@ -18,14 +20,29 @@ namespace {
 
 volatile std::sig_atomic_t isInterrupted = 0;
 int living = 0;
+// A byte goes through it when Ctrl-C comes; nobody takes it out as long as one lives.
+int wakePipe[2] = {-1, -1};
+
+void askToEnd(int /*signal*/) {
+  isInterrupted = 1;
+  const int error = errno;
+  if (wakePipe[1] >= 0 && ::write(wakePipe[1], "", 1) < 0) {
+    // It is full: who waits is awake.
+  }
+  errno = error;
+}
 
 }  // namespace
 
 Interruptible::Interruptible() {
-  if (living++ == 0) isInterrupted = 0;
+  if (living++ == 0) {
+    isInterrupted = 0;
+    for (char byte = 0; wakePipe[0] >= 0 && ::read(wakePipe[0], &byte, 1) > 0;) {
+    }
+  }
   struct sigaction action {};
   action.sa_flags = SA_RESTART;
-  action.sa_handler = [](int) { isInterrupted = 1; };
+  action.sa_handler = askToEnd;
   struct sigaction* previous = previous_;
   for (const int signal : kSignals) {
     ::sigaction(signal, &action, previous);
@@ -41,8 +58,16 @@ Interruptible::~Interruptible() {
   for (const int signal : kSignals) ::sigaction(signal, previous++, nullptr);
 }
 
+bool Interruptible::isAsked() { return isInterrupted != 0; }
+
 void Interruptible::check() {
-  if (isInterrupted != 0) throw Failure(kInterrupted, "interrupted");
+  if (isAsked()) throw Failure(kInterrupted, "interrupted");
+}
+
+int Interruptible::descriptor() {
+  if (wakePipe[0] < 0 && ::pipe2(wakePipe, O_CLOEXEC | O_NONBLOCK) != 0)
+    throw Failure(kWrongUsage, "the system has no more descriptors");
+  return wakePipe[0];
 }
 
 void Interruptible::wait(int descriptor) {
@@ -64,13 +89,18 @@ Progress::Progress(Console& console, std::string verb, std::string item, std::ui
     : console_(console), verb_(std::move(verb)), item_(std::move(item)), count_(count), size_(size) {}
 
 void Progress::step(std::uint64_t bytes) {
-  ++done_;
-  pass(bytes);
+  Interruptible::check();
+  show(1, bytes);
 }
 
 void Progress::pass(std::uint64_t bytes) {
-  constexpr std::chrono::milliseconds kBetween(100);
   Interruptible::check();
+  show(0, bytes);
+}
+
+void Progress::show(std::uint64_t items, std::uint64_t bytes) {
+  constexpr std::chrono::milliseconds kBetween(100);
+  done_ += items;
   bytes_ += bytes;
   const Clock::time_point now = Clock::now();
   if (now - shown_ < kBetween) return;

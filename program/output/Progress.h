@@ -21,8 +21,12 @@ class Interruptible {
 
   // Throws Failure (kInterrupted) once the user has asked for it.
   static void check();
+  // Whether the user has asked for it.
+  static bool isAsked();
   // Until there is something to read, or its end. Throws the same.
   static void wait(int descriptor);
+  // There is something to read from it once the user has asked for it: for who waits for more than one thing.
+  static int descriptor();
 
  private:
   static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
@@ -47,6 +51,8 @@ class Progress {
   void step(std::uint64_t bytes);
   // Bytes that are of no item are done. Throws the same.
   void pass(std::uint64_t bytes);
+  // Only shown: Ctrl-C is somebody else's business.
+  void show(std::uint64_t items, std::uint64_t bytes);
 
  private:
   using Clock = std::chrono::steady_clock;

@@ -18,17 +18,27 @@ Json toJson(const std::vector<AssistantHost::Sent>& sent) {
   return list;
 }
 
+Json toJson(const MessageOrigin& origin) {
+  return Json{{"message", origin.message},
+              {"file", origin.file == nullptr ? Json(nullptr) : Json(*origin.file)},
+              {"offset", origin.offset ? Json(*origin.offset) : Json(nullptr)}};
+}
+
 }  // namespace
+
+std::string jsonOf(const MessageOrigin& origin, std::span<const std::uint8_t> message) {
+  Json line = toJson(origin);
+  line["in"] = formatHex(message);
+  return jsonLine(line);
+}
 
 std::string jsonOf(const MessageOrigin& origin, BDA::DevicePortNum port, std::span<const std::uint8_t> message,
                    const Record& record) {
-  Json line{{"message", origin.message},
-            {"file", origin.file == nullptr ? Json(nullptr) : Json(*origin.file)},
-            {"offset", origin.offset ? Json(*origin.offset) : Json(nullptr)},
-            {"port", unsigned(port)},
-            {"in", formatHex(message)},
-            {"result", Json{{"value", unsigned(record.result)}, {"name", nameOf(record.result)}}},
-            {"outcome", wordOf(record.outcome)}};
+  Json line = toJson(origin);
+  line["port"] = unsigned(port);
+  line["in"] = formatHex(message);
+  line["result"] = Json{{"value", unsigned(record.result)}, {"name", nameOf(record.result)}};
+  line["outcome"] = wordOf(record.outcome);
   if (!record.contents.empty()) line["contents"] = record.contents;
   if (!record.missing.empty()) {
     Json missing = Json::array();

@@ -21,6 +21,9 @@ struct MessageOrigin {
 std::string jsonOf(const MessageOrigin& origin, BDA::DevicePortNum port, std::span<const std::uint8_t> message,
                    const Record& record);
 
+// The same of one that was only heard.
+std::string jsonOf(const MessageOrigin& origin, std::span<const std::uint8_t> message);
+
 // The trace of a run: such an object a line for each message.
 class Trace {
  public:

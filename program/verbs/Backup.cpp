@@ -47,14 +47,11 @@ Plan planOf(EmbeddedEditor& editor) {
   Plan plan;
   const auto byName = [](BulkAddress address) { return Item{address, nameOrBytes(address), std::nullopt}; };
   for (const ContentId id : editor.library().contents()) {
-    const std::optional<MidLo> fileDump = fileDumpOf(id);
-    const std::optional<MidLo> header = headerOf(id);
-    if (fileDump && isWritableFileDump({BDA::kFileDumpHi, fileDump->mid, fileDump->lo}))
-      plan.fileDumps.push_back({{BDA::kFileDumpHi, fileDump->mid, fileDump->lo}, nameOf(id), id});
-    else if (header)
-      plan.units.push_back({{BDA::kHeaderHi, header->mid, header->lo}, nameOf(id), id});
-    else
+    const std::optional<BulkAddress> address = backupAddressOf(id);
+    if (!address)
       plan.unaddressed.push_back(nameOf(id));
+    else
+      (address->hi == BDA::kFileDumpHi ? plan.fileDumps : plan.units).push_back({*address, nameOf(id), id});
   }
   for (const Target& live : storedLive(editor))
     if (live.header) plan.units.push_back(byName(*live.header));

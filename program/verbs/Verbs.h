@@ -10,6 +10,7 @@
 #include "Program.h"
 #include "arrange/Arrangement.h"
 #include "output/ChangeLines.h"
+#include "wire/Pace.h"
 
 namespace Editor {
 
@@ -61,6 +62,32 @@ struct ReceiveOptions {
 };
 void receive(const Words& files, const ExchangeOptions& exchange, const ReceiveOptions& options, Program& program);
 void request(const Words& words, const ExchangeOptions& options, Program& program);
+
+// What arrives at a port, into a file.
+struct RecordOptions {
+  std::string from;                    // a port
+  std::string output;                  // a file
+  std::optional<WireTime> quietAfter;  // nothing: until Ctrl-C
+  bool json = false;                   // said as the trace says it, as far as it goes
+};
+void record(const RecordOptions& options, Program& program);
+
+// What an instrument at a port holds, into the library or a file.
+struct FetchOptions {
+  std::string from;      // a port
+  std::string output;    // a file; "": the library
+  std::string requests;  // a file for the requests of what is lost; ""
+  WireTime timeout = std::chrono::seconds(2);
+  unsigned retries = 2;
+  std::optional<Pace> pace;  // nothing: the port's
+  Pauses pauses;
+  bool atomic = false;       // all of it or nothing
+  bool removeEmpty = false;  // what is empty there is removed here
+  bool trigger = false;      // a write trigger at the end of the file
+  bool dryRun = false;
+  bool json = false;
+};
+void fetch(const Words& words, const FetchOptions& options, Program& program);
 
 // The parameters of targets, whose addresses can be three words each; apply takes one, and a file of them behind it.
 struct ShowOptions {

@@ -84,7 +84,7 @@ TEST_F(FetchTest, BringsWhatAnInstrumentHoldsIntoALibrary) {
   for (std::size_t unit = 0; unit < 4; ++unit) {
     EXPECT_EQ(all[unit].state, Fetched::State::whole) << unit;
     EXPECT_EQ(all[unit].tries, 1u) << unit;
-    EXPECT_EQ(intake.store({all[unit].messages}), std::nullopt) << unit;
+    EXPECT_EQ(intake.store({all[unit].messages}).state, Intake::Result::State::stored) << unit;
   }
   for (std::size_t unit = 4; unit < 7; ++unit) EXPECT_EQ(all[unit].state, Fetched::State::empty) << unit;
   EXPECT_FALSE(all[4].isEmptyBySilence);

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "wire/BytePort.h"
+#include "wire/WireEnd.h"
+
+namespace Editor {
+
+// The port that was named, open, as long as an Interruptible lives: Ctrl-C wakes who waits there. Throws Failure
+// (kUnusableInput).
+std::unique_ptr<Port> openPort(const std::string& name, BytePort::Direction direction);
+
+// Lets the end go on at the port until it is done, true, or until Ctrl-C has come, false. Throws PortError, and what
+// the end throws.
+bool runAt(Port& port, WireEnd& end);
+
+}  // namespace Editor

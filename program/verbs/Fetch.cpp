@@ -1,0 +1,261 @@
+// The verb fetch: what an instrument holds, into the library or into a file.
+
+#include "wire/Fetch.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <utility>
+
+#include "exchange/Handover.h"
+#include "input/OpenPort.h"
+#include "messages/BackupOrder.h"
+#include "messages/Text.h"
+#include "midi/Counted.h"
+#include "models/ModelJson.h"
+#include "output/OutputFile.h"
+#include "output/Progress.h"
+#include "targets/Targets.h"
+#include "verbs/Verbs.h"
+#include "wire/Intake.h"
+
+namespace Editor {
+
+namespace {
+
+struct Unit {
+  BulkAddress address;
+  bool isSingle;  // it was asked for by its own name
+};
+
+std::vector<Unit> unitsOf(const Words& words) {
+  std::vector<Unit> units;
+  for (const std::string& word : joinAddresses(words)) {
+    const bool isAll = word == "all";
+    const Places<BulkAddress> places =
+        isAll ? Places<BulkAddress>{word, false, everythingInABackup()} : parsePlaces(word);
+    for (const BulkAddress address : places.list) {
+      if (!findBlock(address) || !isAnsweredByUnit(address))
+        throw TargetError(TargetError::Kind::noTarget,
+                          fmt::format("{} ({}) cannot be fetched: expected a header, a file dump that can be stored, a "
+                                      "system block or favourites, such as voice:user1:6",
+                                      nameOrBytes(address), describeAddress(address)));
+      units.push_back({address, places.isOne});
+    }
+  }
+  return units;
+}
+
+// What became of a unit, as it is told.
+enum class State : std::uint8_t { stored, kept, empty, lost };
+constexpr const char* kStateWords[] = {"stored", "kept", "empty", "lost"};
+
+class Fetching {
+ public:
+  Fetching(const Words& words, const FetchOptions& options, Program& program)
+      : options_(options),
+        program_(program),
+        console_(program.console),
+        units_(unitsOf(words)),
+        isKeptInFile_(!options.output.empty()) {
+    if (isKeptInFile_) file_.emplace(options.output);
+    if (!options.requests.empty()) requests_.emplace(options.requests);
+    if (options.from == "-" || options.output == "-") console_.keepOutputForBytes();
+    console_.flushEachLine();
+  }
+
+  void run() {
+    const std::unique_ptr<Port> port = openPort(options_.from, BytePort::Direction::both);
+    const LibraryRun libraryRun{"fetch", {port->name()}};
+    editor_ = isKeptInFile_     ? program_.openToRead()
+              : options_.dryRun ? program_.openToRehearse(libraryRun)
+                                : program_.openToChange(libraryRun);
+    console_.note(fmt::format("from {}", escape(port->name())));
+    Progress progress(console_, "fetch", "unit", units_.size());
+    progress_ = &progress;
+    const std::uint8_t device = deviceNumberOf(editor_->tools());
+    Fetch fetch(addresses(), {device, options_.timeout, options_.retries},
+                Pacer(options_.pace.value_or(port->defaultPace()), options_.pauses, port->takes()),
+                [this](Fetched fetched) { take(std::move(fetched)); });
+    std::optional<Failure> failure;
+    try {
+      if (!runAt(*port, fetch)) failure = Failure(kInterrupted, "interrupted");
+    } catch (const PortError& gone) {
+      failure = Failure(kWrongUsage, gone.what());
+    } catch (const LibraryError& error) {
+      failure = Failure(kWrongUsage, escape(error.what()));
+    }
+    progress.end();
+    finish(!failure, device);
+    if (failure) throw *std::move(failure);
+  }
+
+ private:
+  std::vector<BulkAddress> addresses() const {
+    std::vector<BulkAddress> addresses;
+    for (const Unit& unit : units_) addresses.push_back(unit.address);
+    return addresses;
+  }
+
+  void take(Fetched fetched) {
+    ++came_;
+    progress_->show(1, 0);
+    isAnyAskedAgain_ = isAnyAskedAgain_ || (fetched.state == Fetched::State::whole && fetched.tries > 1);
+    areAnyEmptyBySilence_ = areAnyEmptyBySilence_ || fetched.isEmptyBySilence;
+    isSingleEmptyBySilence_ = isSingleEmptyBySilence_ || (fetched.isEmptyBySilence && units_[fetched.unit].isSingle);
+    const bool isTaken = fetched.state == Fetched::State::whole ||
+                         (fetched.state == Fetched::State::empty && !fetched.messages.empty() && options_.removeEmpty);
+    if (!isTaken)
+      tell(fetched, fetched.state == Fetched::State::empty ? State::empty : State::lost);
+    else if (isKeptInFile_)
+      keep(fetched);
+    else if (options_.atomic)
+      waiting_.push_back(fetched);
+    else
+      store({&fetched, 1});
+    if (options_.atomic && !isTaken && fetched.state == Fetched::State::lost) isAtomicLost_ = true;
+  }
+
+  static State stateOf(const Fetched& fetched, State whole) {
+    return fetched.state == Fetched::State::empty ? State::empty : whole;
+  }
+
+  void keep(const Fetched& fetched) {
+    for (const std::vector<std::uint8_t>& message : fetched.messages) file_->write(message);
+    ++kept_;
+    tell(fetched, stateOf(fetched, State::kept));
+  }
+
+  // One transaction. Throws LibraryError.
+  void store(std::span<Fetched> units) {
+    std::vector<Intake::Messages> messages;
+    for (const Fetched& unit : units) messages.push_back(unit.messages);
+    Intake intake(*editor_);
+    Intake::Result result;
+    try {
+      result = intake.store(messages);
+    } catch (const LibraryError&) {
+      for (Fetched& unit : units) lose(unit, "not stored", "");
+      throw;
+    }
+    if (result.state != Intake::Result::State::stored) {
+      for (Fetched& unit : units)
+        lose(unit, result.state == Intake::Result::State::refused ? "refused" : "not stored", result.why);
+      return;
+    }
+    if (!options_.dryRun) program_.noteChange();
+    for (std::size_t i = 0; i < units.size(); ++i)
+      tell(units[i], stateOf(units[i], State::stored), "", replacedBy(units[i], result, i));
+  }
+
+  void lose(Fetched& unit, const char* reason, const std::string& why) {
+    unit.reason = reason;
+    tell(unit, State::lost, why);
+  }
+
+  // The name of what stood there; nothing: the place was empty, or nobody knows.
+  static std::optional<std::string> replacedBy(const Fetched& unit, const Intake::Result& result, std::size_t index) {
+    const std::optional<ContentId> content = contentNamedBy(unit.address);
+    if (!content) return result.editBuffersBefore[index];
+    const auto change = std::ranges::find(result.changes, canonical(*content), &Change::id);
+    return change == result.changes.end() ? std::nullopt : change->before;
+  }
+
+  void tell(const Fetched& fetched, State state, const std::string& why = "",
+            const std::optional<std::string>& replaced = {}) {
+    ++counts_[std::size_t(state)];
+    if (state == State::lost) {
+      lost_.push_back(fetched.address);
+      program_.refuse();
+    }
+    const char* const word = kStateWords[std::size_t(state)];
+    const std::string name = nameOrBytes(fetched.address);
+    if (options_.json) return console_.line(jsonOf(fetched, word));
+    std::string line =
+        fmt::format("{}{}: {}", options_.dryRun && state == State::stored ? "would be " : "", word, name);
+    if (replaced)
+      line += replaced->empty() ? ", replaces what was there" : fmt::format(", replaces \"{}\"", showName(*replaced));
+    if (fetched.isEmptyBySilence) line += " (it answers nothing)";
+    if (state == State::lost) {
+      line += fmt::format(": {}", fetched.reason);
+      if (!why.empty()) line += fmt::format(": {}", escape(why));
+      if (fetched.reason == "incomplete" || fetched.reason == "broken")
+        line += fmt::format(", missing {}", describeBlocks(fetched.missing));
+    }
+    if (fetched.tries != 1) line += fmt::format(" ({})", counted(fetched.tries, "try", "tries"));
+    state == State::lost ? console_.problem(line) : console_.line(line);
+  }
+
+  static std::string jsonOf(const Fetched& fetched, const char* state) {
+    nlohmann::ordered_json missing = nlohmann::ordered_json::array();
+    for (const BulkAddress address : fetched.missing) missing.push_back(formatAddress(address));
+    return jsonLine(nlohmann::ordered_json{{"unit", nameOrBytes(fetched.address)},
+                                           {"address", formatAddress(fetched.address)},
+                                           {"state", state},
+                                           {"tries", fetched.tries},
+                                           {"missing", std::move(missing)},
+                                           {"reason", fetched.reason}});
+  }
+
+  // What has come by now stays, however the run ends.
+  void finish(bool isWhole, std::uint8_t device) {
+    if (!waiting_.empty()) storeTogether(isWhole);
+    if (isKeptInFile_ && kept_ > 0) {
+      if (options_.trigger) file_->write(writeTrigger(device));
+      file_->commit();
+    } else if (isKeptInFile_) {
+      console_.note("no unit came whole: nothing is written");
+    }
+    for (std::size_t unit = came_; unit < units_.size(); ++unit) lost_.push_back(units_[unit].address);
+    if (requests_ && !lost_.empty()) {
+      for (const BulkAddress address : lost_) requests_->write(requestMessage(address, device));
+      requests_->commit();
+    }
+    if (isSingleEmptyBySilence_ || (areAnyEmptyBySilence_ && isAnyAskedAgain_)) program_.refuse();
+    std::string words;
+    for (const State state : {State::stored, State::kept, State::empty, State::lost})
+      if (const std::uint64_t count = counts_[std::size_t(state)]; count > 0)
+        words += fmt::format("{}{} {}", words.empty() ? "" : ", ", count, kStateWords[std::size_t(state)]);
+    if (came_ < units_.size())
+      words += fmt::format("{}{} not asked for", words.empty() ? "" : ", ", units_.size() - came_);
+    console_.note((options_.dryRun ? "dry run, nothing is changed: " : "") + words);
+  }
+
+  void storeTogether(bool isWhole) {
+    if (isWhole && !isAtomicLost_) return store(waiting_);
+    for (Fetched& unit : waiting_) lose(unit, "not stored", "others are lost");
+  }
+
+  const FetchOptions& options_;
+  Program& program_;
+  Console& console_;
+  const Interruptible interruptible_;
+  const std::vector<Unit> units_;
+  const bool isKeptInFile_;
+  std::optional<OutputFile> file_;
+  std::optional<OutputFile> requests_;
+  std::unique_ptr<EmbeddedEditor> editor_;
+  Progress* progress_ = nullptr;
+  std::vector<Fetched> waiting_;  // atomic: for all others to come
+  bool isAtomicLost_ = false;
+  std::size_t came_ = 0;
+  std::uint64_t kept_ = 0;
+  std::uint64_t counts_[std::size(kStateWords)] = {};
+  std::vector<BulkAddress> lost_;
+  bool isAnyAskedAgain_ = false;
+  bool areAnyEmptyBySilence_ = false;
+  bool isSingleEmptyBySilence_ = false;
+};
+
+}  // namespace
+
+void fetch(const Words& words, const FetchOptions& options, Program& program) {
+  if (options.from == "-" && options.output == "-")
+    throw Failure(kWrongUsage, "requests and answers cannot both go to standard output");
+  Fetching(words, options, program).run();
+}
+
+}  // namespace Editor
