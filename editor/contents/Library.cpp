@@ -27,10 +27,6 @@ Held countableHeld(const std::string& name, std::span<const std::uint8_t> bytes)
   return heldOf(name, bytes);
 }
 
-std::optional<std::string> nameOf(const std::optional<Held>& held) {
-  return held ? std::optional(held->name) : std::nullopt;
-}
-
 [[noreturn]] void failPlace(const std::string& why) {
   throw LibraryError(LibraryError::Kind::DamagedPlace, "it is damaged: " + why);
 }
@@ -328,19 +324,24 @@ void Library::write(const Place& place, const std::optional<Held>& held) {
 }
 
 // All that ever changes in a library is changed here.
-void Library::replace(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after) {
+void Library::replace(What what, const Place& place, const std::optional<Held>& before,
+                      const std::optional<Held>& after) {
   if (isFull_ && after && place.kind == Place::Kind::content)
     throw LibraryError(LibraryError::Kind::Failed, "the memory is full");
+  const auto standing = [&](const std::optional<Held>& held) {
+    return held ? std::optional(standingOf(place, *held)) : std::nullopt;
+  };
   write(place, after);
   if (place_ != nullptr || recorder_.hasRun()) recorder_.record(*database_, place, before, after);
+  Change change{what, place, standing(before)};
+  change.after = before == after ? change.before : standing(after);
+  pending_.push_back(std::move(change));
 }
 
 void Library::putBack(const Place& place, const std::optional<Held>& held) {
   change([&] {
-    replace(place, heldNow(place), held);
-    if (place.kind == Place::Kind::content)
-      pending_.push_back({held ? Change::Kind::Stored : Change::Kind::Removed, place.id, {}});
-    if (place.kind == Place::Kind::favourite) pending_.push_back({Change::Kind::Flagged, place.id, {}});
+    const std::optional<Held> before = heldNow(place);
+    replace(whatBecame(place, before, held, false), place, before, held);
   });
 }
 
@@ -438,7 +439,8 @@ std::optional<std::string> Library::contentName(ContentId id) {
     } catch (const SQLite::Exception& error) {
       if (!isDamage(error)) throw;
     }
-    return nameOf(heldNow(contentAt(id)));
+    const std::optional<Held> held = heldNow(contentAt(id));
+    return held ? std::optional(held->name) : std::nullopt;
   });
 }
 
@@ -453,9 +455,7 @@ std::vector<ContentId> Library::contents() {
 void Library::store(ContentId id, std::span<const std::uint8_t> bytes, const std::string& name) {
   change([&] {
     const Place place = contentAt(id);
-    const std::optional<Held> before = heldNow(place);
-    replace(place, before, countableHeld(name, bytes));
-    pending_.push_back({Change::Kind::Stored, place.id, nameOf(before)});
+    replace(What::stored, place, heldNow(place), countableHeld(name, bytes));
   });
 }
 
@@ -463,8 +463,7 @@ void Library::store(ContentId id, std::span<const std::uint8_t> bytes) {
   change([&] {
     const Place place = contentAt(id);
     const std::optional<Held> before = heldNow(place);
-    replace(place, before, countableHeld(before ? before->name : std::string(), bytes));
-    pending_.push_back({Change::Kind::Stored, place.id, nameOf(before)});
+    replace(What::stored, place, before, countableHeld(before ? before->name : std::string(), bytes));
   });
 }
 
@@ -476,8 +475,7 @@ bool Library::rename(ContentId id, const std::string& name) {
     renamed = before.has_value();
     if (!renamed) return;
     requireWhole(*before);  // with a new checksum it would pass for good
-    replace(place, before, countableHeld(name, before->bytes));
-    pending_.push_back({Change::Kind::Renamed, place.id, nameOf(before)});
+    replace(What::renamed, place, before, countableHeld(name, before->bytes));
   });
   return renamed;
 }
@@ -489,8 +487,7 @@ bool Library::remove(ContentId id) {
     const std::optional<Held> before = heldNow(place);
     removed = before.has_value();
     if (!removed) return;
-    replace(place, before, std::nullopt);
-    pending_.push_back({Change::Kind::Removed, place.id, nameOf(before)});
+    replace(What::removed, place, before, std::nullopt);
   });
   return removed;
 }
@@ -533,9 +530,7 @@ void Library::setFavourite(ContentId id, std::uint8_t flag) {
     const Place place = favouriteAt(id);
     const std::optional<Held> before = heldNow(place);
     const std::optional<Held> after = flag == 0 ? std::nullopt : std::optional(heldOf(flag));
-    if (before == after) return;
-    replace(place, before, after);
-    pending_.push_back({Change::Kind::Flagged, place.id, {}});
+    if (before != after) replace(What::flagged, place, before, after);
   });
 }
 
@@ -569,7 +564,7 @@ std::vector<std::string> Library::liveKeys() {
 void Library::storeLive(const std::string& key, std::span<const std::uint8_t> bytes) {
   change([&] {
     const Place place = liveAt(key);
-    replace(place, heldNow(place), countableHeld("", bytes));
+    replace(What::stored, place, heldNow(place), countableHeld("", bytes));
   });
 }
 
@@ -589,7 +584,7 @@ std::optional<std::int64_t> Library::setting(const std::string& name) {
 void Library::set(const std::string& setting, std::int64_t value) {
   change([&] {
     const Place place = settingAt(setting);
-    replace(place, heldNow(place), heldOf(value));
+    replace(What::set, place, heldNow(place), heldOf(value));
   });
 }
 

@@ -40,15 +40,15 @@ class LibraryError : public std::runtime_error {
   Kind kind_;
 };
 
-// A change of the contents, listed once it is on disk.
+// A change, listed once it is on disk. What is stored may be what stood there before.
 struct Change {
-  enum class Kind { Stored, Removed, Renamed, Flagged };
-  Kind kind = Kind::Stored;
-  ContentId id;                            // canonical
-  std::optional<std::string> before = {};  // the name of what stood there; nothing: the place was empty
+  What what = What::stored;
+  Place place;
+  std::optional<Standing> before = {};  // nothing: the place was empty
+  std::optional<Standing> after = {};
 
   // The same change, whatever stood there.
-  friend bool operator==(const Change& a, const Change& b) { return a.kind == b.kind && a.id == b.id; }
+  friend bool operator==(const Change& a, const Change& b) { return a.what == b.what && a.place == b.place; }
 };
 
 // The editor's memory: contents, favourite flags, live models and settings in one SQLite file. Every change is on disk
@@ -185,8 +185,7 @@ class Library {
   // What SQLite finds wrong with each table, and the names of those that are good with nothing.
   std::vector<std::pair<std::string, std::string>> checkTables();
 
-  // The changes of contents committed since the last call, in order: those of a transaction that was taken back never
-  // appear.
+  // The changes committed since the last call, in order: those of a transaction that was taken back never appear.
   std::vector<Change> takeChanges() { return std::exchange(committed_, {}); }
   // Those of the transaction that is open, so far.
   const std::vector<Change>& pendingChanges() const { return pending_; }
@@ -235,7 +234,7 @@ class Library {
   std::optional<Held> heldNow(const Place& place);
   std::optional<Held> heldByIndex(const Place& place);
   void write(const Place& place, const std::optional<Held>& held);
-  void replace(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after);
+  void replace(What what, const Place& place, const std::optional<Held>& before, const std::optional<Held>& after);
 
   std::filesystem::path file_;
   Use use_;

@@ -29,6 +29,15 @@ std::optional<ModelSet> decoded(const Place& place, std::span<const std::uint8_t
   return std::nullopt;
 }
 
+// Of what differs. Neither has a name outside of its bytes but a content.
+template <typename Kept>
+What becameOf(const Place& place, const std::optional<Kept>& before, const std::optional<Kept>& after) {
+  if (place.kind == Place::Kind::favourite) return What::flagged;
+  if (place.kind == Place::Kind::setting) return What::set;
+  if (!after) return What::removed;
+  return before && before->name != after->name && before->bytes == after->bytes ? What::renamed : What::stored;
+}
+
 bool areEqualButForNames(const Place& place, const Held& before, const Held& after) {
   if (before.bytes.size() != after.bytes.size()) return false;
   std::optional<ModelSet> first = decoded(place, before.bytes);
@@ -76,18 +85,20 @@ bool isWhole(const Held& held) { return checksumOf(bytesOf(held.name), held.byte
 
 What whatBecame(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after,
                 bool isRenaming) {
-  if (place.kind == Place::Kind::favourite) return What::flagged;
-  if (place.kind == Place::Kind::setting) return What::set;
-  if (!after) return What::removed;
+  const What became = becameOf(place, before, after);
+  if (became != What::stored || !isRenaming) return became;
   // An edit buffer that was never stored is not empty, but as new.
-  if (!before) {
-    const bool isRenamed = isRenaming && place.kind == Place::Kind::live && !nameIn(place, *after).empty();
-    return isRenamed ? What::renamed : What::stored;
-  }
-  if (nameIn(place, *before) == nameIn(place, *after)) return What::stored;
-  const bool isRenamed = before->bytes == after->bytes || (isRenaming && areEqualButForNames(place, *before, *after));
+  const bool isRenamed =
+      before ? nameIn(place, *before) != nameIn(place, *after) && areEqualButForNames(place, *before, *after)
+             : place.kind == Place::Kind::live && !nameIn(place, *after).empty();
   return isRenamed ? What::renamed : What::stored;
 }
+
+What whatBecame(const Place& place, const std::optional<Standing>& before, const std::optional<Standing>& after) {
+  return becameOf(place, before, after);
+}
+
+Standing standingOf(const Place& place, const Held& held) { return {nameIn(place, held), fnv1a(held.bytes)}; }
 
 std::string nameIn(const Place& place, const Held& held) {
   if (place.kind != Place::Kind::live) return held.name;

@@ -4,6 +4,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "models/ContentAddress.h"
@@ -20,6 +21,9 @@ struct Place {
   std::string key;  // of live models and settings
 
   friend bool operator==(const Place&, const Place&) = default;
+  friend bool operator<(const Place& a, const Place& b) {
+    return std::tie(a.kind, a.id, a.key) < std::tie(b.kind, b.id, b.key);
+  }
 };
 
 inline Place contentAt(ContentId id) { return {Place::Kind::content, canonical(id), {}}; }
@@ -57,5 +61,17 @@ What whatBecame(const Place& place, const std::optional<Held>& before, const std
 
 // The name that a place bears with this in it: edit buffers have theirs inside of their models.
 std::string nameIn(const Place& place, const Held& held);
+
+// What a place holds, as far as it takes to tell whether that has become something else: its name as nameIn() says, and
+// a hash of its bytes.
+struct Standing {
+  std::string name;
+  std::uint64_t bytes = 0;
+
+  friend bool operator==(const Standing&, const Standing&) = default;
+};
+Standing standingOf(const Place& place, const Held& held);
+// By a run that does not only rename.
+What whatBecame(const Place& place, const std::optional<Standing>& before, const std::optional<Standing>& after);
 
 }  // namespace Editor

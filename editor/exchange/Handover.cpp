@@ -2,7 +2,6 @@
 
 #include "AddressRows.h"
 #include "exchange/Outcome.h"
-#include "models/LiveKeys.h"
 
 namespace Editor {
 
@@ -81,7 +80,6 @@ Handed Handover::handDump(const Reading& reading, std::span<const std::uint8_t> 
     const std::size_t before = library_.pendingChanges().size();
     seeWhatOthersChanged();
     liveBefore = tools.changeCount();
-    if (reading.role == Role::footer) handed.editBufferBefore = nameOfEditBuffer(*reading.address);
     hand(handed, reading, message, port);
     if (isTrigger) leaveNameless(before, nameless);
     isKept = isTrigger || (!hasFailed(handed) && handed.storeError.empty());
@@ -153,22 +151,15 @@ void Handover::rememberLive() {
   if (seen_) seen_->changes = host_.tools().changeCount();
 }
 
-std::optional<std::string> Handover::nameOfEditBuffer(BulkAddress footer) {
-  const std::optional<EditBuffer> buffer = editBufferOf(footer.mid);
-  if (!buffer) return std::nullopt;
-  const Place place = liveAt(liveKeyOf(*buffer, footer.lo));
-  const std::optional<Held> held = library_.held(place);
-  return held ? std::optional(nameIn(place, *held)) : std::nullopt;
-}
-
 // The store keeps the name of a content that is written and not named: of a dump whose name is broken, and it cannot
 // know, of one that says that there is none.
 void Handover::leaveNameless(std::size_t firstChange, const std::set<ContentId>& nameless) {
   const std::vector<Change> changes(library_.pendingChanges().begin() + std::ptrdiff_t(firstChange),
                                     library_.pendingChanges().end());
   for (const Change& change : changes) {
-    if (change.kind != Change::Kind::Stored || !nameless.contains(change.id)) continue;
-    if (library_.contentName(change.id) != "") library_.rename(change.id, "");
+    const ContentId id = change.place.id;
+    if (change.what != What::stored || !nameless.contains(id)) continue;
+    if (library_.contentName(id) != "") library_.rename(id, "");
   }
 }
 

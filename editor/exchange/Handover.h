@@ -16,11 +16,10 @@ namespace Editor {
 
 // What the assistant made of a message, and what that did to the library.
 struct Handed : AssistantHost::Effects {
-  std::vector<Change> changes;                  // of contents; inside of a run those that its commit brings to disk
-  std::optional<std::string> editBufferBefore;  // of its footer: the name of what had been stored there, if anything
-  bool isKept = false;         // they are on disk: they were not taken back, and no run has still to commit them
-  std::string storeError;      // what first went wrong in the store, also behind the assistant's back; empty: nothing
-  bool libraryFailed = false;  // the library's file failed meanwhile
+  std::vector<Change> changes;  // inside of a run those that its commit brings to disk
+  bool isKept = false;          // they are on disk: they were not taken back, and no run has still to commit them
+  std::string storeError;       // what first went wrong in the store, also behind the assistant's back; empty: nothing
+  bool libraryFailed = false;   // the library's file failed meanwhile
 };
 
 // Hands messages to the assistant, each in one transaction of the library. A message that was refused leaves no trace
@@ -56,7 +55,6 @@ class Handover {
   void hand(Handed& handed, const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
   std::string damageAt(const Reading& reading) const;
   void seeWhatOthersChanged();
-  std::optional<std::string> nameOfEditBuffer(BulkAddress footer);
   void leaveNameless(std::size_t firstChange, const std::set<ContentId>& nameless);
   void rememberLive();
   void reloadIfPossible();

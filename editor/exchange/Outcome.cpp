@@ -1,10 +1,12 @@
 #include "exchange/Outcome.h"
 
+#include <algorithm>
 #include <iterator>
 #include <map>
 
 #include "AddressRows.h"
 #include "EditorNumbers.h"
+#include "models/LiveKeys.h"
 
 namespace Editor {
 
@@ -116,6 +118,29 @@ static_assert([] {
   return true;
 }());
 
+// What became of each place in the end, in the order in which they were changed. What is named besides is stored.
+std::vector<Change> byPlace(const std::vector<Change>& steps) {
+  std::vector<Change> changes;
+  std::map<Place, std::size_t> known;
+  for (const Change& step : steps) {
+    const auto [at, isNew] = known.emplace(step.place, changes.size());
+    if (isNew) {
+      changes.push_back(step);
+      continue;
+    }
+    Change& change = changes[at->second];
+    if (step.what != What::renamed) change.what = step.what;
+    change.after = step.after;
+  }
+  return changes;
+}
+
+std::optional<Place> editBufferStoredBy(const Reading& reading, const Handed& handed) {
+  if (handed.report.outcome != BDA::BulkDumpOutcome::handedToStore || reading.role != Role::footer) return std::nullopt;
+  const std::optional<EditBuffer> buffer = editBufferOf(reading.address->mid);
+  return buffer ? std::optional(liveAt(liveKeyOf(*buffer, reading.address->lo))) : std::nullopt;
+}
+
 }  // namespace
 
 const char* wordsOf(BDA::BulkDumpRefusal refusal) { return kWords[std::size_t(refusal)].words; }
@@ -123,21 +148,26 @@ const char* wordsOf(BDA::BulkDumpRefusal refusal) { return kWords[std::size_t(re
 Touched touchedBy(const Reading& reading, const Handed& handed) {
   Touched touched;
   if (!handed.isKept) return touched;
-  std::map<std::string, Change::Kind> last;
-  for (const Change& change : handed.changes) {
-    if (change.kind != Change::Kind::Stored && change.kind != Change::Kind::Removed) continue;
-    const std::string name = nameOf(change.id);
-    if (!last.insert_or_assign(name, change.kind).second) continue;
+  const std::vector<Change> changes = byPlace(handed.changes);
+  const auto add = [&](const std::string& name, const std::optional<Standing>& before) {
     touched.contents.push_back(name);
-    if (change.before) touched.replaced.emplace(name, *change.before);
+    if (before) touched.replaced.emplace(name, before->name);
+  };
+  for (const Change& change : changes) {
+    if (change.before != change.after) {
+      touched.changed.push_back(change);
+      touched.changed.back().what = whatBecame(change.place, change.before, change.after);
+    }
+    if (change.place.kind != Place::Kind::content || change.what == What::renamed) continue;
+    add(nameOf(change.place.id), change.before);
+    if (!change.after) touched.removed.push_back(touched.contents.back());
   }
-  for (const std::string& name : touched.contents)
-    if (last[name] == Change::Kind::Removed) touched.removed.push_back(name);
-  const bool hasStored = handed.report.outcome == BDA::BulkDumpOutcome::handedToStore;
-  if (hasStored && reading.role == Role::footer && editBufferOf(reading.address->mid)) {
-    touched.contents.push_back(nameOrBytes({BDA::kHeaderHi, reading.address->mid, reading.address->lo}));
-    if (handed.editBufferBefore) touched.replaced.emplace(touched.contents.back(), *handed.editBufferBefore);
-  }
+  const std::optional<Place> own = editBufferStoredBy(reading, handed);
+  if (!own) return touched;
+  const auto stored =
+      std::find_if(changes.begin(), changes.end(), [&](const Change& one) { return one.place == *own; });
+  add(nameOrBytes({BDA::kHeaderHi, reading.address->mid, reading.address->lo}),
+      stored == changes.end() ? std::nullopt : stored->before);
   return touched;
 }
 

@@ -38,6 +38,9 @@ struct Touched {
   std::vector<std::string> removed;  // those of `contents` that are not there in the end
   std::map<std::string, std::string>
       replaced;  // those of `contents` whose place was not empty, and what that was called
+  // Every place that holds something else than before, the footer's other edit buffers, flags and system settings too:
+  // one change for each, with what it held before the message and after it.
+  std::vector<Change> changed;
 };
 Touched touchedBy(const Reading& reading, const Handed& handed);
 

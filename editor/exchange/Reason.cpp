@@ -68,7 +68,7 @@ std::string heldInVain(const Handed& handed, const UnitTracker& units) {
   std::string names;
   for (const UnitTracker::Held& held : units.held()) {
     const std::optional<ContentId> id = contentOfFileDump({held.address.mid, held.address.lo});
-    const auto isIt = [&](const Change& change) { return id && change.id == canonical(*id); };
+    const auto isIt = [&](const Change& change) { return id && change.place == contentAt(*id); };
     if (std::any_of(handed.changes.begin(), handed.changes.end(), isIt)) continue;
     names += fmt::format("{} {} (message {})", names.empty() ? "; not written:" : ",", nameOrBytes(held.address),
                          held.message);

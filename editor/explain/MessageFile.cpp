@@ -1,6 +1,7 @@
 #include "explain/MessageFile.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "messages/Messages.h"
 #include "midi/FileKind.h"
@@ -36,19 +37,23 @@ MessageFile::MessageFile(std::vector<std::uint8_t> file)
 }
 
 void MessageFile::readMidi() {
-  const MidiFile midi = readMidiFile(file_);
+  MidiFile midi = readMidiFile(file_);
   std::vector<bool> isMidi(file_.size());
   for (const std::span<const std::uint8_t> part : midi.parts)
     std::fill_n(isMidi.begin() + (part.data() - file_.data()), part.size(), true);
   for (const MidiFile::Message& message : midi.messages) addMessage(message.bytes, message.offset, isMidi);
   for (const MidiFile::Dropped& loss : midi.dropped) addLoss(loss, isMidi);
+  errors_ = std::move(midi.errors);
 }
 
 void MessageFile::readText() {
   TextMessages text;
-  StreamJoiner joiner(text);
+  StreamJoiner joiner(text, kLongestMessage);
   HexTextReader reader(
-      joiner, [](std::uint64_t /*offset*/, const std::string& /*error*/) {},
+      joiner,
+      [this](std::uint64_t offset, std::string error) {
+        errors_.push_back({offset, std::move(error)});
+      },
       [this](std::uint64_t offset, std::uint8_t byte) {
         textBytes_.push_back(byte);
         textOffsets_.push_back(std::uint32_t(offset));

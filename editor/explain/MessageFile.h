@@ -34,6 +34,8 @@ class MessageFile {
   bool isUsable() const;
   // What it seems to be.
   std::string describe() const;
+  // Where it is not built as it must be: what stands there may have been read in part, or not at all.
+  const std::vector<MidiFile::Error>& errors() const { return errors_; }
 
   std::uint64_t size() const { return file_.size(); }
   // Calls visit(byte) for each byte, in the order of the file.
@@ -89,6 +91,7 @@ class MessageFile {
   std::vector<Run> runs_;  // in order; a byte in none is no MIDI byte
   std::vector<std::uint8_t> messageBytes_;
   std::vector<Message> messages_;
+  std::vector<MidiFile::Error> errors_;
 };
 
 }  // namespace Editor

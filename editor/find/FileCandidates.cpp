@@ -116,9 +116,11 @@ void FileReceiver::takeStored(const Judged& judged, const UnitReport& unit, cons
   const std::map<ContentId, std::size_t> dumps = judged.dumpsOf(unit);
   std::set<ContentId> seen;
   for (const Change& change : record.changes) {
-    if (change.kind != Change::Kind::Stored || !seen.insert(change.id).second) continue;
-    const auto dump = dumps.find(change.id);
-    if (auto candidate = findCandidate(editor_, change.id))
+    const bool isContent = change.place.kind == Place::Kind::content && change.what == What::stored;
+    const ContentId id = change.place.id;
+    if (!isContent || !seen.insert(id).second) continue;
+    const auto dump = dumps.find(id);
+    if (auto candidate = findCandidate(editor_, id))
       add(std::move(*candidate), dump == dumps.end() ? unit.firstMessage : dump->second);
   }
 }

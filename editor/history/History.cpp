@@ -15,12 +15,16 @@ namespace Editor {
 namespace {
 
 // A flag or a setting that was never set has a value all the same.
-std::optional<std::string> valueOf(const RecordedChange& change, const std::optional<std::string>& name) {
-  const Place& place = change.place;
+std::optional<std::string> valueOf(const Place& place, What what, const std::optional<std::string>& name) {
   if (name) return name;
-  if (change.what == What::renamed) return "";  // an edit buffer as new
+  if (what == What::renamed) return "";  // an edit buffer as new
   if (place.kind == Place::Kind::favourite) return kNoFavourite;
   return place.kind == Place::Kind::setting ? std::optional(std::to_string(Library::kDefaultMixingVoiceMaximum)) : name;
+}
+
+PlaceChange placeChange(const Place& place, What what, const std::optional<std::string>& before,
+                        const std::optional<std::string>& after) {
+  return {nameOf(place), what, valueOf(place, what, before), valueOf(place, what, after)};
 }
 
 constexpr std::uint8_t kBehind = 0xFF;  // the edit buffers: what has no header
@@ -101,14 +105,18 @@ const char* wordOf(What what) {
   return kWords.at(std::size_t(what) - 1);
 }
 
+PlaceChange toPlaceChange(const Change& change) {
+  const auto name = [](const std::optional<Standing>& one) { return one ? std::optional(one->name) : std::nullopt; };
+  return placeChange(change.place, change.what, name(change.before), name(change.after));
+}
+
 std::vector<PlaceChange> changesOf(Library& library, std::int64_t entry) {
   std::vector<RecordedChange> recorded = library.recordedChanges(entry, false);
   std::stable_sort(recorded.begin(), recorded.end(), isBefore);
   std::vector<PlaceChange> changes;
   for (const RecordedChange& change : recorded)
     if (change.fault.empty())
-      changes.push_back(
-          {nameOf(change.place), change.what, valueOf(change, change.nameBefore), valueOf(change, change.nameAfter)});
+      changes.push_back(placeChange(change.place, change.what, change.nameBefore, change.nameAfter));
   return changes;
 }
 

@@ -25,6 +25,9 @@ struct PlaceChange {
   friend bool operator==(const PlaceChange&, const PlaceChange&) = default;
 };
 
+// A change as it was listed.
+PlaceChange toPlaceChange(const Change& change);
+
 struct HistoryEntry {
   std::int64_t number = 0;
   std::int64_t time = 0;  // in seconds since 1970

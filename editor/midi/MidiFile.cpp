@@ -269,7 +269,7 @@ MidiFile readMidiFile(std::span<const std::uint8_t> file) {
     StandardReader(file, file, result).read();
   } else {
     Collector collector(result, file);
-    StreamJoiner joiner(collector);
+    StreamJoiner joiner(collector, kLongestMessage);
     joiner.feed(file);
     joiner.finish();
     result.parts.push_back(file);

@@ -45,7 +45,8 @@ struct MidiFile {
 inline constexpr std::size_t kLargestMidiFile = 64'000'000;
 inline constexpr const char* kTooLargeForMemory = "files of its kind are read whole, this one is larger than 64 MB";
 
-// Reads a whole file, recognised by its content (MidiKind); text is to it a stream like any other.
+// Reads a whole file, recognised by its content (MidiKind); text is to it a stream like any other. A
+// message of a stream is at most kLongestMessage long.
 //
 // Of a Standard MIDI File the System Exclusive events count: F0 events, F7 events that continue a message, and whole
 // messages in F7 events; anything else that F7 events carry is dropped. Between the parts of one message only meta

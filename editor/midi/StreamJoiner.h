@@ -8,6 +8,9 @@
 
 namespace Editor {
 
+// A message of a stream that is longer is none, so that an endless one does not fill the memory.
+inline constexpr std::size_t kLongestMessage = 16U << 20;
+
 // Cuts a MIDI byte stream, arriving in chunks of any size, into complete System Exclusive messages F0..F7.
 //
 // Nothing is lost silently: every byte fed is either part of a delivered message or reported as dropped, and what is
@@ -44,8 +47,7 @@ class StreamJoiner {
     ~Receiver() = default;
   };
 
-  // The receiver must outlive the joiner. A message of more than `longest` bytes is dropped, so that an endless one
-  // does not fill the memory.
+  // The receiver must outlive the joiner. A message of more than `longest` bytes is dropped.
   explicit StreamJoiner(Receiver& receiver, std::size_t longest = std::numeric_limits<std::size_t>::max())
       : receiver_(receiver), longest_(longest) {}
   StreamJoiner(const StreamJoiner&) = delete;

@@ -11,15 +11,13 @@ Intake::Result Intake::store(const std::vector<Messages>& units) {
   EmbeddedEditor::Run run(editor_);
   Result result;
   bool areHeld = false;  // file dumps, for which there has been no trigger yet
-  std::optional<std::string> editBufferBefore;
   const auto hand = [&](const std::vector<std::uint8_t>& message) {
     Record record = editor_.handle(message, BDA::DevicePort_Main, ++number_);
     areHeld = record.reading.role == Role::fileDump;
-    editBufferBefore = record.editBufferBefore;
     std::ranges::move(record.changes, std::back_inserter(result.changes));
     if (record.outcome != Outcome::refused) return true;
     const auto state = record.storeError.empty() ? Result::State::refused : Result::State::notStored;
-    result = {state, std::move(record.reason), {}, {}};
+    result = {state, std::move(record.reason), {}};
     return false;
   };
   const auto writeHeld = [&] { return !areHeld || hand(writeTrigger(deviceNumberOf(editor_.tools()))); };
@@ -27,7 +25,6 @@ Intake::Result Intake::store(const std::vector<Messages>& units) {
     if (readMessage(messages.front()).role != Role::fileDump && !writeHeld()) return result;
     for (const std::vector<std::uint8_t>& message : messages)
       if (!hand(message)) return result;
-    result.editBuffersBefore.push_back(std::move(editBufferBefore));
   }
   if (!writeHeld()) return result;
   run.commit();

@@ -23,9 +23,7 @@ class Intake {
 
     State state = State::stored;
     std::string why;              // not stored: why
-    std::vector<Change> changes;  // stored: of contents
-    // Stored, for each of the units: what the edit buffer was called that it replaced, if anything stood there.
-    std::vector<std::optional<std::string>> editBuffersBefore;
+    std::vector<Change> changes;  // stored
   };
 
   // The editor outlives this object.

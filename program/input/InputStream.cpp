@@ -27,8 +27,7 @@ namespace {
 using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::size_t kChunk = 65'536;
-constexpr std::size_t kMostBlanks = 64;             // before the first brace of JSON
-constexpr std::size_t kLongestMessage = 16U << 20;  // a longer one is none: the memory is bounded
+constexpr std::size_t kMostBlanks = 64;  // before the first brace of JSON
 
 int leaveOpen(std::FILE* /*standardInput*/) { return 0; }
 

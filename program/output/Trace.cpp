@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "midi/Hex.h"
+#include "output/ChangeLines.h"
 
 namespace Editor {
 
@@ -40,6 +41,7 @@ std::string jsonOf(const MessageOrigin& origin, BDA::DevicePortNum port, std::sp
   line["result"] = Json{{"value", unsigned(record.result)}, {"name", nameOf(record.result)}};
   line["outcome"] = wordOf(record.outcome);
   if (!record.contents.empty()) line["contents"] = record.contents;
+  for (const Change& change : record.changed) line["changes"].push_back(toJson(toPlaceChange(change)));
   if (!record.missing.empty()) {
     Json missing = Json::array();
     for (const BulkAddress address : record.missing) missing.push_back(formatAddress(address));

@@ -17,6 +17,7 @@
 #include "midi/Counted.h"
 #include "midi/MidiFile.h"
 #include "output/ExplainLines.h"
+#include "output/LossReport.h"
 #include "output/Progress.h"
 #include "targets/Targets.h"
 #include "verbs/Verbs.h"
@@ -96,6 +97,11 @@ void annotate(const MessageFile& file, const ParameterNames& names, Console& con
 void explainFile(const std::string& path, bool json, Program& program) {
   const ParameterNames names = program.parameterNames();
   const MessageFile file = loadMessages(path);
+  LossReport losses(program.console);
+  for (const MidiFile::Error& error : file.errors())
+    losses.add({path, error.offset, 0, error.text, InputLoss::Kind::brokenFile});
+  losses.finish();
+  if (!losses.areAllWhole()) program.refuse();
   const Interruptible interruptible;
   if (!json) return annotate(file, names, program.console);
   FileExplainer explainer(file);

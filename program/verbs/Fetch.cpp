@@ -148,7 +148,7 @@ class Fetching {
     }
     if (!options_.dryRun) program_.noteChange();
     for (std::size_t i = 0; i < units.size(); ++i)
-      tell(units[i], stateOf(units[i], State::stored), "", replacedBy(units[i], result, i));
+      tell(units[i], stateOf(units[i], State::stored), "", replacedBy(units[i], result));
   }
 
   void lose(Fetched& unit, const char* reason, const std::string& why) {
@@ -157,11 +157,12 @@ class Fetching {
   }
 
   // The name of what stood there; nothing: the place was empty, or nobody knows.
-  static std::optional<std::string> replacedBy(const Fetched& unit, const Intake::Result& result, std::size_t index) {
-    const std::optional<ContentId> content = contentNamedBy(unit.address);
-    if (!content) return result.editBuffersBefore[index];
-    const auto change = std::ranges::find(result.changes, canonical(*content), &Change::id);
-    return change == result.changes.end() ? std::nullopt : change->before;
+  static std::optional<std::string> replacedBy(const Fetched& unit, const Intake::Result& result) {
+    const std::string place = placeNameOf(unit.address);
+    const auto change =
+        std::ranges::find_if(result.changes, [&](const Change& one) { return nameOf(one.place) == place; });
+    if (change == result.changes.end() || !change->before) return std::nullopt;
+    return change->before->name;
   }
 
   void tell(const Fetched& fetched, State state, const std::string& why = "",

@@ -11,6 +11,7 @@
 #include "exchange/LogLines.h"
 #include "exchange/Tally.h"
 #include "exchange/WholeUnits.h"
+#include "history/History.h"
 #include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
@@ -252,24 +253,25 @@ class Receiving {
   void tellContents(const InputMessage& message, const Record& record) {
     for (const std::string& content : record.contents) {
       const bool isRemoved = std::ranges::find(record.removed, content) != record.removed.end();
-      say(fmt::format("{}: {} ({}){}{}", said(isRemoved ? "removed" : "stored"), content, placeOf(message),
-                      wasIn(content, record, isRemoved),
-                      isOfPart(record.reading) ? "; sets the effects of multi:edit" : ""));
+      const auto before = record.replaced.find(content);
+      say(fmt::format("{}: {} ({}){}", said(isRemoved ? "removed" : "stored"), content, placeOf(message),
+                      before == record.replaced.end() ? "" : wasIn(before->second, isRemoved)));
+    }
+    // The edit buffers that a footer stores along with its own: the parts of a multi, the multi of a part.
+    for (const Change& change : record.changed) {
+      const std::string place = nameOf(change.place);
+      if (change.place.kind != Place::Kind::live || std::ranges::find(record.contents, place) != record.contents.end())
+        continue;
+      say(fmt::format("{}: {} ({}){}", said("stored with it"), place, placeOf(message),
+                      change.before ? wasIn(change.before->name, false) : ""));
     }
   }
 
   // What stood in the place.
-  std::string wasIn(const std::string& content, const Record& record, bool isRemoved) const {
-    const auto before = record.replaced.find(content);
-    if (before == record.replaced.end()) return "";
-    const std::string& name = before->second;
+  std::string wasIn(const std::string& name, bool isRemoved) const {
     if (name.empty()) return isRemoved ? "" : ", replaces what was there";
     const char* const verb = isRehearsal_ ? "it is" : "it was";
     return fmt::format(", {} \"{}\"", isRemoved ? verb : "replaces", showName(name));
-  }
-
-  static bool isOfPart(const Reading& reading) {
-    return reading.role == Role::footer && editBufferOf(reading.address->mid) == EditBuffer::partVoice;
   }
 
   void refuse(const InputMessage& message, const Record& record, const std::string& what) {

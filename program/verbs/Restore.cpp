@@ -140,8 +140,8 @@ class Restoring {
   void tellTally(const std::vector<Change>& handed, const std::vector<PlaceChange>& changes) const {
     std::set<std::string> received;
     for (const Change& change : handed)
-      if (change.kind == Change::Kind::Stored || change.kind == Change::Kind::Removed)
-        received.insert(nameOf(change.id));
+      if (change.place.kind == Place::Kind::content && change.what != What::renamed)
+        received.insert(nameOf(change.place));
     std::size_t removed = 0;
     std::size_t stored = 0;
     for (const PlaceChange& change : changes)

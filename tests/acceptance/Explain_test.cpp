@@ -176,6 +176,34 @@ TEST_F(Explain, aTextOfHexDigitsIsExplainedDigitByDigit) {
   EXPECT_THAT(objects({"explain", "a.txt", "--json"}), SizeIs(9));
 }
 
+TEST_F(Explain, whatCannotBeReadOfATextOrAMidiFileIsToldAsByTheOthers) {
+  const std::string good = "F0 7D 01 F7\n";
+  write("a.txt", good + "noise\n" + good);
+  write("a.mid", std::string("MThd\0\0\0\6\0\0\0\1\0\x60MTrk\0\0\0\x20\0\xF0\3\x7D\1\xF7", 28));
+  for (const char* const file : {"a.txt", "a.mid"}) {
+    const Result list = bda({"list", file});
+    const Result run = bda({"explain", file});
+    EXPECT_THAT(list, Exits(3));
+    EXPECT_THAT(run, Exits(3));
+    EXPECT_THAT(run.out, HasSubstr("message 1"));
+    EXPECT_EQ(run.err, list.err);
+    EXPECT_NE(run.err, "");
+    const Result json = bda({"explain", file, "--json"});
+    EXPECT_THAT(json, Exits(3));
+    EXPECT_EQ(json.err, list.err);
+  }
+  EXPECT_THAT(bda({"explain", "a.txt"}).err, HasSubstr("line 2: expected two hex digits a byte"));
+}
+
+TEST_F(Explain, aMessageBeyondAllBoundsIsNone) {
+  const std::string endless(std::size_t{16} << 20, '\0');
+  write("a.syx", "\xF0\x7D" + endless + "\xF7" + text(blockDump({0, 0, 0}, 1)));
+  const Json inside = at("a.syx", 100);
+  EXPECT_EQ(inside["part"], "outside");
+  EXPECT_EQ(inside["reason"], "message longer than any can be");
+  EXPECT_EQ(at("a.syx", endless.size() + 3)["message"], 1);
+}
+
 TEST_F(Explain, anOffsetThatIsNoneIsSaidToBe) {
   write("a.syx", {systemDump(1)});
   for (const char* offset : {"1e3", "-1", "0x"}) {

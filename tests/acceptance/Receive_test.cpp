@@ -59,8 +59,78 @@ TEST_F(Receive, theVoiceOfAPartSetsTheEffectsOfTheMulti) {
   write("a.syx", {unit({0x0E, part.mid, part.lo}, BDA::List::normalVoice, 1)});
   const Result run = bda({"receive", "a.syx"});
   EXPECT_THAT(run, Exits(0));
-  EXPECT_THAT(run.out, HasSubstr("; sets the effects of multi:edit\n"));
-  EXPECT_THAT(bda({"history", "-v"}).out, HasSubstr("multi:edit"));
+  EXPECT_THAT(lines(run.out), AllOf(Contains(HasSubstr("stored: voice:part:3 (a.syx: message 26 at offset")),
+                                    Contains(HasSubstr("stored with it: multi:edit (a.syx: message 26 at offset"))));
+  EXPECT_EQ(bda({"receive", "a.syx"}).out.find("stored with it"), std::string::npos) << "nothing else changes again";
+}
+
+// The kinds of the parts' voices follow the multi that is edited.
+class ReceiveMulti : public Program {
+ protected:
+  // A multi whose third part plays a drum voice, over one whose parts are named after their numbers.
+  void SetUp() override {
+    write("multi.syx", {unit({0x0E, 0x5F, 0x00}, BDA::List::multi)});
+    ASSERT_THAT(bda({"receive", "multi.syx"}), Exits(0));
+    for (int part = 1; part <= 16; ++part)
+      ASSERT_THAT(bda({"rename", place(part), "Part " + std::to_string(part)}), Exits(0));
+    Json multi = json({"show", "multi:edit", "--json"});
+    multi["multi"]["part"][2]["bankProgram"] = {127, 0, 0};
+    write("drums.json", multi.dump());
+    ASSERT_THAT(bda({"convert", "drums.json", "--place", "multi:edit", "-o", "drums.syx"}), Exits(0));
+  }
+  static std::string place(int part) { return "voice:part:" + std::to_string(part); }
+};
+
+TEST_F(ReceiveMulti, eachVoiceThatChangesWithItIsTold) {
+  EXPECT_THAT(lines(bda({"receive", "drums.syx", "--dry-run"}).out),
+              ElementsAre(HasSubstr("would be stored: multi:edit (drums.syx: message "),
+                          AllOf(HasSubstr("would be stored with it: voice:part:3 (drums.syx: message "),
+                                HasSubstr("), replaces \"Part 3\""))));
+  const Result run = bda({"receive", "drums.syx"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(lines(run.out), ElementsAre(HasSubstr("stored: multi:edit (drums.syx: message "),
+                                          AllOf(HasSubstr("stored with it: voice:part:3 (drums.syx: message "),
+                                                HasSubstr("), replaces \"Part 3\""))));
+  EXPECT_THAT(run.err, HasSubstr("1 stored, ")) << "the multi, as a content counts";
+}
+
+TEST_F(ReceiveMulti, itsObjectHasTheChangesOfTheHistory) {
+  const std::vector<Json> rehearsed = objects({"receive", "drums.syx", "--dry-run", "--json"});
+  const std::vector<Json> told = objects({"receive", "drums.syx", "--json", "--trace", "trace"});
+  EXPECT_EQ(told.back()["contents"], Json({"multi:edit"}));
+  EXPECT_THAT(told.back()["changes"], testing::UnorderedElementsAre(change("multi:edit", "stored", "", ""),
+                                                                    change("voice:part:3", "stored", "Part 3", "")));
+  EXPECT_EQ(rehearsed.back()["changes"], told.back()["changes"]);
+  EXPECT_EQ(trace("trace").back()["changes"], told.back()["changes"]);
+  EXPECT_FALSE(told.front().contains("changes")) << "the header";
+  EXPECT_THAT(objects({"history", "-n", "1", "--json"}).front()["changes"],
+              testing::UnorderedElementsAreArray(told.back()["changes"]));
+  EXPECT_FALSE(objects({"receive", "drums.syx", "--json"}).back().contains("changes")) << "the same again";
+}
+
+TEST_F(Receive, theObjectOfATriggerSaysWhatBecameOfEachPlace) {
+  const auto song = [](std::uint8_t number, const char* name, std::uint8_t value) {
+    return fileDump({0x0C, 0x50, number}, name, {value});
+  };
+  write("a.syx", {song(4, "One", 1), song(5, "Two", 2), song(6, "Three", 3), dump({0x11, 0x00, 0x00})});
+  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
+  write("b.syx", {dump({0x0C, 0x50, 0x04}, Bytes(4)), song(5, "Other", 5), song(6, "Three", 3), song(7, "Four", 4),
+                  dump({0x11, 0x00, 0x00})});
+  const std::vector<Json> told = objects({"receive", "b.syx", "--json"});
+  EXPECT_EQ(told.back()["contents"], Json({"file:multi:6", "file:multi:7", "file:multi:8", "file:multi:5"}));
+  EXPECT_EQ(told.back()["changes"],
+            Json({change("file:multi:6", "stored", "Two", "Other"), change("file:multi:8", "stored", nullptr, "Four"),
+                  change("file:multi:5", "removed", "One", nullptr)}));
+}
+
+TEST_F(Receive, systemBlocksAndFavouritesAreChangesToo) {
+  write("a.syx", {systemDump(1), dump({0x71, 0x0A, 0x00}, Bytes(128, 1))});
+  std::vector<Json> changes;
+  for (const Json& told : objects({"receive", "a.syx", "--json"}))
+    if (told.contains("changes")) changes.insert(changes.end(), told["changes"].begin(), told["changes"].end());
+  EXPECT_THAT(changes, Contains(change("system", "stored", nullptr, "")));
+  EXPECT_THAT(changes, Contains(change("system", "stored", "", "")));
+  EXPECT_THAT(changes, Contains(change("voice:user1:128", "flagged", 0, 1)));
 }
 
 TEST_F(Receive, whatARefusedTriggerStoredIsCounted) {

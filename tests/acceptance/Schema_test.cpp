@@ -29,8 +29,8 @@ const std::map<std::string, std::set<std::string>> kOptional{
     {"find", {"message", "parameters"}},
     {"diff", {"name", "aName", "bName"}},
     {"show", {"target", "voice"}},  // without it the rest is a multi
-    {"receive", {"name", "contents", "missing"}},
-    {"trace", {"name", "contents", "missing"}},
+    {"receive", {"name", "contents", "changes", "missing"}},
+    {"trace", {"name", "contents", "changes", "missing"}},
 };
 
 // The messages of a stream.

@@ -230,7 +230,7 @@ TEST_F(ContentsWorkTest, APassIsPartOfTheEditorsTransaction) {
     message.commit();
   }
   EXPECT_THAT(other.contents(), ElementsAre(kVoice));
-  EXPECT_THAT(library.takeChanges(), ElementsAre(Change{Change::Kind::Stored, kVoice}));
+  EXPECT_THAT(library.takeChanges(), ElementsAre(Change{What::stored, contentAt(kVoice)}));
 }
 
 TEST_F(ContentsWorkTest, APassMayOutliveTheEditorsTransaction) {
@@ -252,7 +252,7 @@ TEST_F(ContentsWorkTest, ChangesAreListedAfterTheirPassOnly) {
   EXPECT_THAT(library.takeChanges(), IsEmpty());
   EXPECT_EQ(work.sync(), ContRes_Success);
   EXPECT_THAT(library.takeChanges(),
-              ElementsAre(Change{Change::Kind::Stored, kVoice}, Change{Change::Kind::Removed, kMixingVoice}));
+              ElementsAre(Change{What::stored, contentAt(kVoice)}, Change{What::removed, contentAt(kMixingVoice)}));
 }
 
 // ---- A library that fails -------------------------------------------------------------------------------------------

@@ -103,7 +103,7 @@ TEST_F(LibraryTest, BytesAloneLeaveTheNameThatIsThere) {
   EXPECT_EQ(library.content(kVoice), (Content{"old", {3}}));
   EXPECT_EQ(library.content(kSameMixingVoice), (Content{"mix", {4}}));
   EXPECT_THAT(library.takeChanges(),
-              ElementsAre(Change{Change::Kind::Stored, kVoice}, Change{Change::Kind::Stored, kBank15Voice}));
+              ElementsAre(Change{What::stored, contentAt(kVoice)}, Change{What::stored, contentAt(kBank15Voice)}));
 }
 
 TEST_F(LibraryTest, BytesAloneAreAContentWithTheEmptyName) {

@@ -88,7 +88,7 @@ TEST_F(LibraryFileTest, TheFirstChangeMakesOneWithAllThatItsTransactionHolds) {
   library.set("mixing-voices", 7);
   EXPECT_THAT(files(), IsEmpty());
   transaction.commit();
-  EXPECT_EQ(library.takeChanges().size(), 3U);
+  EXPECT_EQ(library.takeChanges().size(), 5U);
   Library other(file);
   for (Library* const one : {&library, &other}) {
     EXPECT_THAT(one->contents(), ElementsAre(kMulti, kVoice));

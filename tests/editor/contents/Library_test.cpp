@@ -299,7 +299,7 @@ TEST_F(LibraryTest, AnInnerTransactionTakesBackItsOwnPartOnly) {
   }
   outer.commit();
   EXPECT_THAT(library.contents(), ElementsAre(kVoice));
-  EXPECT_THAT(library.takeChanges(), ElementsAre(Change{Change::Kind::Stored, kVoice}));
+  EXPECT_THAT(library.takeChanges(), ElementsAre(Change{What::stored, contentAt(kVoice)}));
 }
 
 TEST_F(LibraryTest, ATransactionIsCommittedOnceAndAfterThoseInsideIt) {
@@ -327,7 +327,7 @@ TEST_F(LibraryTest, AnOuterTransactionEndsThoseInsideIt) {
   inner.reset();  // takes nothing back that is not its own
   next->commit();
   EXPECT_THAT(library.contents(), ElementsAre(kMulti));
-  EXPECT_THAT(library.takeChanges(), ElementsAre(Change{Change::Kind::Stored, kMulti}));
+  EXPECT_THAT(library.takeChanges(), ElementsAre(Change{What::stored, contentAt(kMulti)}));
 }
 
 // SQLite ends a whole transaction by itself on some errors; what follows must not be written alone.
@@ -409,10 +409,11 @@ TEST_F(LibraryTest, ListsCommittedChangesInOrder) {
   library.rename(kMulti, "nothing is there");
   library.storeLive("system", Bytes{1});
   EXPECT_THAT(library.takeChanges(),
-              ElementsAre(Change{Change::Kind::Stored, kBank15Voice}, Change{Change::Kind::Renamed, kBank15Voice},
-                          Change{Change::Kind::Flagged, kBank15Voice}, Change{Change::Kind::Removed, kBank15Voice}));
+              ElementsAre(Change{What::stored, contentAt(kBank15Voice)}, Change{What::renamed, contentAt(kBank15Voice)},
+                          Change{What::flagged, favouriteAt(kBank15Voice)},
+                          Change{What::removed, contentAt(kBank15Voice)}, Change{What::stored, liveAt("system")}));
   EXPECT_THAT(library.takeChanges(), IsEmpty());
-  EXPECT_EQ(library.changeCount(), 4U);
+  EXPECT_EQ(library.changeCount(), 5U);
 }
 
 // ---- Several at a time ----------------------------------------------------------------------------------------------

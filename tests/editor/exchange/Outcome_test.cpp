@@ -7,6 +7,14 @@
 
 using Editor::Outcome;
 
+namespace {
+
+constexpr Editor::ContentId kMulti5{ContSrv::ContType_Multi, 4};
+constexpr Editor::ContentId kMulti6{ContSrv::ContType_Multi, 5};
+constexpr Editor::ContentId kMulti7{ContSrv::ContType_Multi, 6};
+
+}  // namespace
+
 TEST(Outcome, isTheAssistantsWordUnlessTheLibraryChanged) {
   const auto outcomeOf = [](BDA::BulkDumpOutcome told, bool libraryChanged, std::initializer_list<int> ids) {
     Editor::Handed handed;
@@ -57,11 +65,44 @@ TEST(Outcome, ofAnEditBuffersFooterNamesItsBuffer) {
 }
 
 TEST(Outcome, ofWhatWasStoredAndRemovedIsWhatIsThereInTheEnd) {
-  using Kind = Editor::Change::Kind;
+  using Editor::contentAt;
+  using Editor::What;
   Editor::Handed handed;
   handed.isKept = true;
-  handed.changes = {{Kind::Stored, {1, 4}}, {Kind::Removed, {1, 5}}, {Kind::Removed, {1, 4}}, {Kind::Renamed, {1, 6}}};
+  handed.changes = {{What::stored, contentAt(kMulti5)},
+                    {What::removed, contentAt(kMulti6)},
+                    {What::removed, contentAt(kMulti5)},
+                    {What::renamed, contentAt(kMulti7)}};
   const Editor::Touched touched = Editor::touchedBy(Editor::readMessage(dump({0x11, 0x00, 0x00})), handed);
   EXPECT_THAT(touched.contents, testing::ElementsAre("file:multi:5", "file:multi:6"));
   EXPECT_THAT(touched.removed, testing::ElementsAre("file:multi:5", "file:multi:6"));
+}
+
+TEST(Outcome, ofWhatChangedIsEachPlaceOnceWithWhatItHeldBefore) {
+  using Editor::contentAt;
+  using Editor::Standing;
+  using Editor::What;
+  const Standing one{"One", 1};
+  const Standing two{"Two", 2};
+  const Editor::Place live = Editor::liveAt("edit");
+  Editor::Handed handed;
+  handed.isKept = true;
+  handed.changes = {{What::removed, contentAt(kMulti5), one, std::nullopt},
+                    {What::removed, contentAt(kMulti6), one, std::nullopt},
+                    {What::stored, live, one, two},
+                    {What::stored, contentAt(kMulti5), std::nullopt, one},
+                    {What::stored, contentAt(kMulti6), std::nullopt, two},
+                    {What::stored, contentAt(kMulti7), one, one},
+                    {What::renamed, contentAt(kMulti7), one, Standing{"Uno", 1}}};
+  const Editor::Touched touched = Editor::touchedBy(Editor::readMessage(dump({0x11, 0x00, 0x00})), handed);
+  EXPECT_THAT(touched.contents, testing::ElementsAre("file:multi:5", "file:multi:6", "file:multi:7"));
+  EXPECT_THAT(touched.removed, testing::IsEmpty());
+  ASSERT_THAT(touched.changed,
+              testing::ElementsAre(Editor::Change{What::stored, contentAt(kMulti6)}, Editor::Change{What::stored, live},
+                                   Editor::Change{What::renamed, contentAt(kMulti7)}))
+      << "multi 5 holds what it held";
+  EXPECT_EQ(touched.changed[0].before, one);
+  EXPECT_EQ(touched.changed[0].after, two);
+  handed.isKept = false;
+  EXPECT_THAT(Editor::touchedBy(Editor::readMessage(dump({0x11, 0x00, 0x00})), handed).changed, testing::IsEmpty());
 }

@@ -102,6 +102,32 @@ TEST(MessageFile, whatIsNoDigitInATextEndsTheMessageAndItsLine) {
                                           "23:outside of any message", "26:outside of any message"));
 }
 
+TEST(MessageFile, whatIsNotBuiltAsItMustBeIsKept) {
+  const auto errorsOf = [](const Bytes& bytes) {
+    const MessageFile file(bytes);
+    std::vector<std::string> errors;
+    for (const Editor::MidiFile::Error& error : file.errors())
+      errors.push_back(std::to_string(error.offset) + ": " + error.text);
+    return errors;
+  };
+  EXPECT_THAT(errorsOf(text("F0 01 F7\nF0 0x\n")),
+              ElementsAre("13: line 2: expected two hex digits a byte, the rest of it is not read"));
+  EXPECT_THAT(errorsOf(hex("4D 54 68 64 00 00 00 06 00 00 00 01 00 60 4D 54 72 6B 00 00 00 01")), testing::SizeIs(1))
+      << "a track that is cut";
+  EXPECT_THAT(errorsOf(hex("F0 01 F7 02")), testing::IsEmpty());
+}
+
+TEST(MessageFile, aMessageOfAStreamOrATextIsNotLongerThanAnyCanBe) {
+  Bytes stream = hex("F0 01");
+  stream.resize(Editor::kLongestMessage);
+  stream.push_back(0xF7);
+  EXPECT_EQ(MessageFile(stream).countMessages(), 0U);
+  EXPECT_EQ(MessageFile(text("F0 01" + std::string(2 * (Editor::kLongestMessage - 2), '0') + "F7")).countMessages(),
+            0U);
+  stream.erase(stream.begin() + 1);
+  EXPECT_EQ(MessageFile(stream).countMessages(), 1U);
+}
+
 TEST(MessageFile, realTimeBytesAndLossesOfATextAreKnownWhereTheyStand) {
   const MessageFile file(text("F0 F8 01 F7 05 F0 02 90 F7"));
   EXPECT_THAT(placesIn(file),
