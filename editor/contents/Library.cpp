@@ -28,7 +28,7 @@ Held countableHeld(const std::string& name, std::span<const std::uint8_t> bytes)
 }
 
 [[noreturn]] void failPlace(const std::string& why) {
-  throw LibraryError(LibraryError::Kind::DamagedPlace, "it is damaged: " + why);
+  throw LibraryError(LibraryError::Kind::DamagedPlace, "it is damaged: " + why, why);
 }
 
 constexpr const char* kWayOn = "; what is whole can be backed up, and restored into a new library";
@@ -88,7 +88,8 @@ void Library::fail(int sqliteCode, const std::string& text) const {
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
       throw LibraryError(Kind::Damaged,
-                         name + " is damaged: " + text + (use_ != Use::read && database_ != nullptr ? kWayOn : ""));
+                         name + " is damaged: " + text + (use_ != Use::read && database_ != nullptr ? kWayOn : ""),
+                         text);
     default:
       throw LibraryError(Kind::Failed,
                          name + ": " + (database_ != nullptr && database_->isDiskFull() ? "the disk is full" : text));

@@ -33,11 +33,17 @@ class LibraryError : public std::runtime_error {
     Failed,        // anything else: no space, an input or output error, a transaction that was lost to one of them
   };
 
-  LibraryError(Kind kind, const std::string& text) : std::runtime_error(text), kind_(kind) {}
+  LibraryError(Kind kind, const std::string& text) : LibraryError(kind, text, text) {}
+  // The text says that something is damaged, the reason alone why.
+  LibraryError(Kind kind, const std::string& text, std::string reason)
+      : std::runtime_error(text), kind_(kind), reason_(std::move(reason)) {}
   Kind kind() const { return kind_; }
+  // For who has said already that it is.
+  const std::string& reason() const { return reason_; }
 
  private:
   Kind kind_;
+  std::string reason_;
 };
 
 // A change, listed once it is on disk. What is stored may be what stood there before.

@@ -53,13 +53,14 @@ bool ModelStore::storeModels(ContentId id, const std::string& name, const ModelS
 }
 
 ContentStore::Loaded ModelStore::loadLive(const std::string& key, ModelSet& models, std::string& why) {
+  using Kind = LibraryError::Kind;
   try {
     const std::optional<Library::Bytes> bytes = library_.live(key);
     return bytes ? decode(*bytes, models, why) : nothingStored(why);
   } catch (const LibraryError& error) {
     // All of them are read by whoever opens a library: what cannot be read keeps nobody from the rest.
-    if (error.kind() != LibraryError::Kind::Damaged) return notRead(error, why);
-    why = error.what();
+    if (error.kind() != Kind::Damaged && error.kind() != Kind::DamagedPlace) return notRead(error, why);
+    why = error.reason();  // an opaque live model is damaged, whatever it is
     return Loaded::opaque;
   }
 }

@@ -45,7 +45,7 @@ void WholeUnits::decide(Message message, const std::vector<UnitReport>& ended) {
   const Reading& reading = message.reading;
   if (reading.kind != Reading::Kind::dump) return handOn(std::move(message));
   if (isBroken(reading)) {
-    std::string why = describeFault(reading);
+    std::string why = describeContent(reading) + ": " + describeFault(reading);
     if (!beginsOrEndsUnit(reading, ended)) return refuse(std::move(message), std::move(why));
     unit_.fault = std::move(why);
   }
@@ -77,12 +77,13 @@ void WholeUnits::decide(Message message, const std::vector<UnitReport>& ended) {
 }
 
 void WholeUnits::wait(Waiting& waiting, Message message) {
+  const std::string what = describeContent(message.reading);
   waiting.bytes += message.bytes.size();
   waiting.isTooMuch = waiting.isTooMuch || waiting.bytes > mostBytes_;
   waiting.messages.push_back(std::move(message));
   if (waiting.isTooMuch) {
     decided_.push_back({std::exchange(waiting.messages, {}),
-                        fmt::format("more than {} bytes would have to be held back", mostBytes_)});
+                        fmt::format("{}: more than {} bytes would have to be held back", what, mostBytes_)});
   }
 }
 

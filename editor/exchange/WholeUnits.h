@@ -24,7 +24,7 @@ class WholeUnits {
   // Messages of which is known what is to be done with them, in their order.
   struct Decided {
     std::vector<Message> messages;
-    std::string refusal;  // why they are not handed on; empty: they are
+    std::string refusal;  // which unit or message of them is not handed on, and why; empty: all of them are
   };
 
   explicit WholeUnits(std::size_t mostBytes = kMostBytes) : mostBytes_(mostBytes) {}

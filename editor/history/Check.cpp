@@ -69,7 +69,7 @@ class Checking {
     try {
       look();
     } catch (const LibraryError& error) {
-      visit_({Checked::Kind::table, name, State::damaged, error.what()});
+      visit_({Checked::Kind::table, name, State::damaged, error.reason()});
     }
   }
 
@@ -105,7 +105,7 @@ class Checking {
       }
       tell(shapes.empty() ? State::opaque : State::damaged, reason);
     } catch (const LibraryError& error) {
-      tell(State::damaged, error.what());
+      tell(State::damaged, error.reason());
     }
   }
 

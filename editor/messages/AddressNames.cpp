@@ -388,6 +388,14 @@ std::string nameOf(ContentId content) {
 
 std::string nameOrBytes(BulkAddress address) { return nameOf(address).value_or(formatAddress(address)); }
 
+std::string nameAndBytes(BulkAddress address, const std::string& more) {
+  const std::optional<std::string> name = nameOf(address);
+  std::string inBrackets = name ? formatAddress(address) : "";
+  if (!more.empty()) inBrackets += (inBrackets.empty() ? "" : ", ") + more;
+  const std::string text = nameOrBytes(address);
+  return inBrackets.empty() ? text : fmt::format("{} ({})", text, inBrackets);
+}
+
 std::vector<std::string> blockNames() {
   std::vector<std::string> names;
   anyNamedRow([&](const BDA::AddressRow& row, const char* pattern) {

@@ -71,6 +71,9 @@ std::string nameOf(ContentId content);
 
 // nameOf, or else the three bytes.
 std::string nameOrBytes(BulkAddress address);
+// "voice:user1:6 (0E 0A 05)", with what else is to be said of it in the brackets too; the bytes once where it has no
+// name.
+std::string nameAndBytes(BulkAddress address, const std::string& more = "");
 
 // The names of all blocks that have one.
 std::vector<std::string> blockNames();

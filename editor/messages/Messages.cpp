@@ -94,7 +94,7 @@ void judgeAddress(Reading& reading, std::span<const std::uint8_t> data) {
     judge(reading, Reading::Verdict::unknownAddress, fmt::format("no block at {}", formatAddress(*reading.address)));
   } else if (reading.kind == Reading::Kind::dump && block->dataLength && *block->dataLength != reading.dataBytes) {
     judge(reading, Reading::Verdict::blockLengthWrong,
-          fmt::format("{} data bytes, this block has {}", reading.dataBytes, *block->dataLength));
+          fmt::format("{}, this block has {}", counted(reading.dataBytes, "data byte"), *block->dataLength));
   } else if (reading.kind == Reading::Kind::dump && reading.role == Role::fileDump) {
     judgeFileDump(reading, data);
   }
@@ -113,7 +113,7 @@ void readDump(Reading& reading, std::span<const std::uint8_t> message) {
   const std::size_t promised = BDA::byteCountOf(message.data());
   if (promised != reading.dataBytes)
     return judge(reading, Reading::Verdict::lengthWrong,
-                 fmt::format("{} data bytes, its byte count says {}", reading.dataBytes, promised));
+                 fmt::format("{}, its byte count says {}", counted(reading.dataBytes, "data byte"), promised));
   reading.checksum = message[message.size() - 2];
   reading.expectedChecksum = BDA::Utility::calcCheckSum(message.data(), message.size());
   if (*reading.checksum != *reading.expectedChecksum)
@@ -248,6 +248,8 @@ bool isBroken(const Reading& reading) {
 }
 
 std::string describeFault(const Reading& reading) {
+  // What such a message carries is said to be an unknown address already.
+  if (reading.verdict == Reading::Verdict::unknownAddress) return reading.note;
   return fmt::format("{}: {}", wordOf(reading.verdict), reading.note);
 }
 

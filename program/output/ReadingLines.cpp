@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include <nlohmann/json.hpp>
 
 #include "midi/Counted.h"
@@ -55,8 +57,15 @@ std::string toLine(const InputMessage& message, const Reading& reading) {
   std::string line = fmt::format("{:>6} {:>9}  {:<26} {:>2}  {:<8}  {}", message.number, message.offset,
                                  wordOf(reading.verdict), reading.device ? std::to_string(*reading.device) : "-",
                                  reading.address ? formatAddress(*reading.address) : "-", describeContent(reading));
-  if (reading.kind == Reading::Kind::dump) line += ", " + counted(reading.dataBytes, "data byte");
-  if (reading.checksum) line += fmt::format(", checksum {:02X}", *reading.checksum);
+  // A note about either has it in itself.
+  const auto isAbout = [&](std::initializer_list<Reading::Verdict> verdicts) {
+    return std::ranges::find(verdicts, reading.verdict) != verdicts.end();
+  };
+  using Verdict = Reading::Verdict;
+  if (reading.kind == Reading::Kind::dump && !isAbout({Verdict::lengthWrong, Verdict::blockLengthWrong}))
+    line += ", " + counted(reading.dataBytes, "data byte");
+  if (reading.checksum && !isAbout({Verdict::checksumWrong}))
+    line += fmt::format(", checksum {:02X}", *reading.checksum);
   if (reading.removes) line += fmt::format(" (removes {})", nameOf(*reading.removes));
   if (!reading.note.empty()) line += fmt::format(" ({})", reading.note);
   return line;

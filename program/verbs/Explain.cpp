@@ -119,8 +119,7 @@ std::vector<std::vector<std::uint8_t>> dumpsOf(const std::vector<BulkAddress>& p
   for (const BulkAddress place : places) {
     const Record record = editor->handle(editor->requestFor(place), BDA::DevicePort_Main, ++number);
     if (const std::string why = whyUnanswered(record); !why.empty()) {
-      program.console.problem(
-          fmt::format("{} ({}): no answer: {}", nameOrBytes(place), formatAddress(place), escape(why)));
+      program.console.problem(fmt::format("{}: no answer: {}", nameAndBytes(place), escape(why)));
       program.refuse();
       continue;
     }

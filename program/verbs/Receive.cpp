@@ -172,8 +172,7 @@ class Receiving {
 
   static std::string withOthers(const WholeUnits::Decided& decided) {
     const std::size_t count = decided.messages.size();
-    return count == 1 ? describeContent(decided.messages.front().reading) + ": "
-                      : fmt::format("{}: ", counted(count, "message"));
+    return count == 1 ? "" : fmt::format("{}: ", counted(count, "message"));
   }
 
   // "stored", or what would be.

@@ -60,8 +60,8 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
       const Record record = editor->handle(message, port, ++number);
       trace.add({number, nullptr, std::nullopt}, port, message, record);
       if (const std::string why = whyUnanswered(record); !why.empty()) {
-        complaints.tell(escape(why), fmt::format("{} ({}, {}): no answer: {}", nameOrBytes(address),
-                                                 formatAddress(address), describeAddress(address), escape(why)));
+        complaints.tell(escape(why),
+                        fmt::format("{}: no answer: {}", nameAndBytes(address, describeAddress(address)), escape(why)));
         record.libraryFailed ? program.endWith(kWrongUsage) : program.refuse();
         continue;
       }
@@ -75,8 +75,8 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
         program.console.problem(second.what());
         program.failOutput();
       }
-      throw Failure(kWrongUsage, fmt::format("{} ({}): not asked, nor is anything after it: {}", nameOrBytes(address),
-                                             formatAddress(address), escape(error.what())));
+      throw Failure(kWrongUsage, fmt::format("{}: not asked, nor is anything after it: {}", nameAndBytes(address),
+                                             escape(error.what())));
     }
   }
   complaints.finish();

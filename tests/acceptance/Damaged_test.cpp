@@ -171,3 +171,13 @@ TEST_F(Damaged, aDryRunOfARestoreSaysNothingOfWhatItLeavesAsItIs) {
   EXPECT_THAT(run.out, IsEmpty());
   EXPECT_THAT(run.err, HasSubstr("nothing would change"));
 }
+
+TEST_F(Damaged, thatSomethingIsDamagedIsSaidOnce) {
+  fill("system");
+  const std::string why = "what is stored there is damaged: bytes that do not fit their checksum\n";
+  EXPECT_THAT(bda({"show", "system"}).err, HasSubstr("bda: system: " + why));
+  EXPECT_THAT(bda({"request", "system:common"}).err,
+              HasSubstr("system:common (00 00 00, system common): no answer: " + why));
+  EXPECT_THAT(bda({"backup", "-o", "rest.syx"}).err, HasSubstr("system:common: not in the backup: " + why));
+  EXPECT_THAT(bda({"receive", "system.syx", "--any-device"}).err, HasSubstr("refused: system common: " + why));
+}

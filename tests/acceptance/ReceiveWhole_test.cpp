@@ -51,6 +51,19 @@ TEST_F(ReceiveWhole, anEditBufferThatWasStoredIsReplacedToo) {
   EXPECT_THAT(bda({"receive", "edit.syx"}).out, HasSubstr(", replaces \"Mine\"\n"));
 }
 
+TEST_F(ReceiveWhole, whatIsRefusedByItselfIsNamedOnce) {
+  write("a.syx", {blockDump(kElement), blockDump({0x0F, 0x0A, 0x05}), fileDump({0x0C, 0x00, 0x04}, "Preset", {1}),
+                  dump({0x11, 0x00, 0x00}), damaged(blockDump({0x00, 0x40, 0x00}))});
+  const Result run = bda({"receive", "--whole", "a.syx"});
+  EXPECT_THAT(
+      lines(run.err),
+      ElementsAre(testing::EndsWith("refused: element 3 oscillator: no open header admits this block (message 1)"),
+                  testing::EndsWith("refused: normal voice user 1, 006: footer closes no open header (message 2)"),
+                  testing::EndsWith("refused: file:voice:preset1:5: can be requested, but not stored (message 3)"),
+                  testing::EndsWith("refused: system audio input part: checksum wrong: checksum 39, expected 38"),
+                  testing::_));
+}
+
 TEST_F(ReceiveWhole, storesNothingThatLacksABlock) {
   nameVoice("Old");
   writeHalf();
@@ -95,7 +108,7 @@ TEST_F(ReceiveWhole, aHeaderOrFooterThatIsBrokenTakesItsUnitWithIt) {
     const Result run = bda({"receive", "--whole", file});
     EXPECT_THAT(run, Exits(3));
     EXPECT_THAT(run.out, Not(HasSubstr("voice:user1:6")));
-    EXPECT_THAT(run.err, HasSubstr("refused: 26 messages: wrong length for its block: "));
+    EXPECT_THAT(run.err, HasSubstr("refused: 26 messages: normal voice user 1, 006: "));
     EXPECT_THAT(lines(run.err).back(), HasSubstr("26 refused"));
     EXPECT_THAT(run.err, Not(HasSubstr("abandoned")));
   }

@@ -155,7 +155,7 @@ TEST_F(Receive, refusedMessagesAreToldWithFileOffsetNumberAndReason) {
   EXPECT_EQ(told[1],
             "a.syx: message 3 at offset 100: refused: system common: wrong length for its block: 3 data bytes, this "
             "block has 68");
-  EXPECT_EQ(told[2], "a.syx: message 4 at offset 115: refused: unknown address: unknown address: no block at 7F 00 00");
+  EXPECT_EQ(told[2], "a.syx: message 4 at offset 115: refused: unknown address: no block at 7F 00 00");
   EXPECT_EQ(told[3],
             "a.syx: message 5 at offset 127: refused: system audio input part: it is for device 4, the device number "
             "is 1");

@@ -75,8 +75,14 @@ TEST_F(Request, anAddressWithoutAnswerIsNamedAndTheOthersAreWritten) {
   EXPECT_THAT(run, Exits(3));
   EXPECT_THAT(run.err, HasSubstr("voice:user1:6 (0E 0A 05, normal voice user 1, 006: header): no answer: nothing is "
                                  "stored there"));
-  EXPECT_THAT(run.err, HasSubstr("7F 00 00 (7F 00 00, unknown address): no answer: unknown address"));
+  EXPECT_THAT(run.err, HasSubstr("7F 00 00 (unknown address): no answer: no block at 7F 00 00\n"));
   EXPECT_EQ(read("a.syx"), text(blockDump({0, 0x40, 0})));
+}
+
+TEST_F(Request, anAddressWithoutANameIsNamedByItsBytesOnce) {
+  const std::string why = "it is not answered by itself, only with the header that it belongs to\n";
+  EXPECT_THAT(bda({"request", "400000"}).err, StartsWith("40 00 00 (normal voice common): no answer: " + why));
+  EXPECT_THAT(bda({"explain", "400000", "voice.common[3]"}).err, StartsWith("40 00 00: no answer: " + why));
 }
 
 TEST_F(Request, withoutAnyAnswerTheFileStaysAsItIs) {

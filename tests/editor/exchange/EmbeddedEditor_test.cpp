@@ -147,7 +147,7 @@ TEST_F(EmbeddedEditorTest, anUnknownAddressIsRefused) {
   EXPECT_THAT(record.log, SizeIs(2));
   EXPECT_THAT(record.sent, SizeIs(1));
   EXPECT_EQ(record.outcome, Outcome::refused);
-  EXPECT_EQ(record.reason, "unknown address: no block at 7F 00 00");
+  EXPECT_EQ(record.reason, "no block at 7F 00 00");
 }
 
 TEST_F(EmbeddedEditorTest, anotherInstrumentsMessageIsNotOurs) {

@@ -130,6 +130,14 @@ TEST(AddressNames, namesAreThoseOfTheContract) {
   EXPECT_FALSE(nameOf({0x0F, 0x0A, 0x05}));
 }
 
+TEST(AddressNames, aNameHasItsBytesBehindItAndBytesStandOnce) {
+  using Editor::nameAndBytes;
+  EXPECT_EQ(nameAndBytes({0x0E, 0x0A, 0x05}), "voice:user1:6 (0E 0A 05)");
+  EXPECT_EQ(nameAndBytes({0x0E, 0x0A, 0x05}, "a header"), "voice:user1:6 (0E 0A 05, a header)");
+  EXPECT_EQ(nameAndBytes({0x7F, 0x00, 0x00}), "7F 00 00");
+  EXPECT_EQ(nameAndBytes({0x7F, 0x00, 0x00}, "unknown"), "7F 00 00 (unknown)");
+}
+
 TEST(AddressNames, threeHexBytesAreReadInEveryForm) {
   const BulkAddress address{0x0E, 0x0A, 0x05};
   for (const char* text : {"0E0A05", "0e0a05", "0E 0A 05", "0E/0A/05"}) EXPECT_EQ(parseAddress(text), address) << text;
