@@ -55,6 +55,9 @@ struct Database {
   // From version 1 to 2: all tables anew under other names, so that a program of version 1 that has the library open
   // fails instead of writing past checksums and history. In a transaction, whose end without a commit takes it back.
   void migrate();
+  // What a place holds, by the index of its table; and has it hold that, or nothing.
+  std::optional<Held> held(const Place& place);
+  void write(const Place& place, const std::optional<Held>& held);
   // By its own integrity check: each table with what is wrong with it, or nothing.
   std::vector<std::pair<std::string, std::string>> checkTables();
   // Whether the index of the contents or live models is wrong, or that of the changes in the history, which are many.

@@ -16,10 +16,6 @@
 namespace Editor {
 namespace {
 
-std::span<const std::uint8_t> bytesOf(const std::string& text) {
-  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
-
 // Before it takes memory for what can never be kept.
 Held countableHeld(const std::string& name, std::span<const std::uint8_t> bytes) {
   requireCountable(name.size());
@@ -182,9 +178,11 @@ void Library::Transaction::commit(Making making) {
   library_.committed_.reserve(library_.committed_.size() + library_.pending_.size());  // no failure after the fact
   library_.run([&] {
     requireTransaction();
-    if (outer_ == 0) library_.recorder_.finish(*library_.database_);
+    const bool hasChanged = outer_ > 0 || library_.recorder_.finish(*library_.database_);
     if (outer_ > 0)
       library_.database_->connection.exec("RELEASE " + savepoint());
+    else if (!library_.copy_.empty() && !hasChanged)
+      library_.database_->connection.exec(undo_);  // all is as it was: so is its version
     else if (making_ != nullptr && (making == Making::Always || library_.database_->holdsAnything()))
       library_.setDatabase(making_->make(*library_.database_));
     else if (library_.database_->isFileGone())
@@ -214,7 +212,7 @@ template <typename Operation>
 void Library::change(Operation operation) {
   Transaction transaction(*this);
   run([&] {
-    requireVersion();
+    requireIndexes();
     operation();
   });
   transaction.commit();
@@ -224,9 +222,8 @@ bool Library::isOfOlderVersion() {
   return read([&] { return database_->version() < kLibraryVersion; });
 }
 
-// The transaction has changed nothing yet.
+// The transaction has changed nothing yet where the library is of an older one.
 void Library::requireVersion() {
-  requireIndexes();
   if (database_->version() == kLibraryVersion) return;
   if (place_ != nullptr && copy_.empty()) copy_ = place_->copyOldVersion(*database_);
   database_->migrate();
@@ -262,7 +259,8 @@ std::optional<Held> Library::held(const Place& place) {
 
 std::optional<Held> Library::heldNow(const Place& place) {
   try {
-    return heldByIndex(place);
+    if (place.kind == Place::Kind::content || place.kind == Place::Kind::live) requireIndexes();
+    return database_->held(place);
   } catch (const SQLite::Exception& error) {
     if (!isDamage(error)) throw;
   }
@@ -274,62 +272,11 @@ std::optional<Held> Library::heldNow(const Place& place) {
   }
 }
 
-std::optional<Held> Library::heldByIndex(const Place& place) {
-  if (place.kind == Place::Kind::content || place.kind == Place::Kind::live) requireIndexes();
-  Database::Reading& reading = *database_->reading;
-  switch (place.kind) {
-    case Place::Kind::content: {
-      Query query(reading.content, place.id);
-      if (!query.next()) return std::nullopt;
-      return Held{query.blob<std::string>(0), query.blob<Bytes>(1), query.integer(2)};
-    }
-    case Place::Kind::favourite: {
-      Query query(reading.favourite, place.id);
-      return query.next() ? std::optional(heldOf(query.integer(0))) : std::nullopt;
-    }
-    case Place::Kind::live: {
-      Query query(reading.live, place.key);
-      return query.next() ? std::optional(Held{{}, query.blob<Bytes>(0), query.integer(1)}) : std::nullopt;
-    }
-    case Place::Kind::setting:
-      break;
-  }
-  Query query(reading.setting, place.key);
-  return query.next() ? std::optional(heldOf(query.integer(0))) : std::nullopt;
-}
-
-void Library::write(const Place& place, const std::optional<Held>& held) {
-  Database::Writing& writing = *database_->writing;
-  switch (place.kind) {
-    case Place::Kind::content:
-      if (held)
-        Query(writing.store, place.id, bytesOf(held->name), std::span(held->bytes), held->checksum).changes();
-      else
-        Query(writing.remove, place.id).changes();
-      return;
-    case Place::Kind::favourite:
-      if (held)
-        Query(writing.flag, place.id, std::int64_t(std::stoll(held->name))).changes();
-      else
-        Query(writing.unflag, place.id).changes();
-      return;
-    case Place::Kind::live:
-      if (held)
-        Query(writing.storeLive, place.key, std::span(held->bytes), held->checksum).changes();
-      else
-        Query(writing.removeLive, place.key).changes();
-      return;
-    case Place::Kind::setting:
-      if (held)
-        Query(writing.set, place.key, std::int64_t(std::stoll(held->name))).changes();
-      else
-        Query(writing.unset, place.key).changes();
-  }
-}
-
-// All that ever changes in a library is changed here.
+// All that ever changes in a library is changed here. What stays as it is has no library brought to this version.
 void Library::replace(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after) {
-  write(place, after);
+  if (before == after && database_->version() < kLibraryVersion) return;
+  requireVersion();
+  database_->write(place, after);
   if (place_ != nullptr || recorder_.hasRun()) recorder_.record(*database_, place, before, after);
 }
 
@@ -343,7 +290,10 @@ void Library::putBack(const Place& place, const std::optional<Held>& held) {
 }
 
 void Library::openEntry() {
-  change([&] { recorder_.open(*database_); });
+  change([&] {
+    requireVersion();
+    recorder_.open(*database_);
+  });
 }
 
 template <typename Statement, typename Visit, typename... Entry>

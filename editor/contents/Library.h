@@ -58,6 +58,7 @@ struct Change {
 //
 // Every change is written into the history beside it, in the same transaction: Recorder says what is, and what is not.
 // A library of version 1 is read as it is; its first change brings it to this version, and leaves a copy beside it.
+// What stores what is there already, or takes back all that it did, is no change.
 //
 // Every operation throws LibraryError when the file fails it, with nothing changed. One thread at a time.
 class Library {
@@ -230,8 +231,6 @@ class Library {
   void requireIndexes() const;
   void endCopy() noexcept;
   std::optional<Held> heldNow(const Place& place);
-  std::optional<Held> heldByIndex(const Place& place);
-  void write(const Place& place, const std::optional<Held>& held);
   void replace(const Place& place, const std::optional<Held>& before, const std::optional<Held>& after);
 
   std::filesystem::path file_;

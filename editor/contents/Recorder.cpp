@@ -99,7 +99,10 @@ void Recorder::open(Database& database) {
 
 void Recorder::record(Database& database, const Place& place, const std::optional<Held>& before,
                       const std::optional<Held>& after) {
-  if (isOfHistory(place)) return trim(database);
+  if (isOfHistory(place)) {
+    at_.hasSet = at_.hasSet || before != after;
+    return trim(database);
+  }
   if (before == after && !goesOn(database)) return;
   open(database);
   std::optional<Held> first = before;
@@ -145,14 +148,18 @@ bool Recorder::isEmpty(Database& database) const {
   return query.next() && query.integer(0) != 0;
 }
 
-void Recorder::finish(Database& database) {
-  if (!std::exchange(at_.hasRecorded, false)) return;
-  if (std::exchange(at_.hasBegun, false) && !run_.undoes && (isEmpty(database) || isOff(database))) {
+bool Recorder::finish(Database& database) {
+  const bool hasSet = std::exchange(at_.hasSet, false);
+  if (!std::exchange(at_.hasRecorded, false)) return hasSet;
+  const bool hasBegun = std::exchange(at_.hasBegun, false);
+  const bool isNothing = hasBegun && isEmpty(database);
+  if (hasBegun && !run_.undoes && (isNothing || isOff(database))) {
     Query(database.writing->removeChanges, *at_.entry).changes();
     Query(database.writing->removeEntry, *at_.entry).changes();
     at_.entry.reset();
   }
   if (untrimmed_ >= kUntrimmedBytes) trim(database);
+  return hasSet || !isNothing;
 }
 
 void Recorder::trim(Database& database) {

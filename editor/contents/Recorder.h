@@ -72,8 +72,8 @@ class Recorder {
   void open(Database& database);
   void record(Database& database, const Place& place, const std::optional<Held>& before,
               const std::optional<Held>& after);
-  // Before an outermost transaction is committed.
-  void finish(Database& database);
+  // Before an outermost transaction is committed. False: the entry was to begin with it, and no place has changed.
+  bool finish(Database& database);
   // Removes the oldest entries that are too many or too large, never the newest.
   void trim(Database& database);
 
@@ -82,6 +82,7 @@ class Recorder {
     std::optional<std::int64_t> entry;
     bool hasRecorded = false;  // in the transaction that is open
     bool hasBegun = false;     // the entry, in that transaction
+    bool hasSet = false;       // a setting of the history, in that transaction
   };
   const Mark& mark() const { return at_; }
   void takeBack(const Mark& mark) { at_ = mark; }

@@ -311,3 +311,29 @@ TEST_F(History, aLibraryOfVersion1IsReadAsItIsAndMigratedByItsFirstChange) {
   ok({"undo"});
   ok({"diff", "library.db", "library.db.v1"});
 }
+
+TEST_F(History, aLibraryOfVersion1StaysOneToTheByteWhereNothingChanges) {
+  write("mix.syx", {fileDump({0x0C, 0x14, 0x02}, "Mix", {1, 2, 3}), dump({0x11, 0x01, 0x00}, {})});
+  std::filesystem::remove(libraryFile());
+  Editor::makeOldLibrary(libraryFile());
+  Editor::PlainDatabase{libraryFile()}("INSERT INTO contents VALUES(4, " +
+                                       std::to_string(Editor::mixingVoiceNumber(2, 4)) +
+                                       ", CAST('Mix' AS BLOB), x'010203'); DELETE FROM live");
+  ok({"backup", "-q", "-o", "all.syx"});
+  const std::string old = read("library.db");
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"rename", "voice:user1:6", "Piano"},
+                                                {"restore", "all.syx"},
+                                                {"restore", "mix.syx"},
+                                                {"receive", "all.syx"},
+                                                {"receive", "mix.syx"},
+                                                {"favourite", "voice:user1:6", "on"},
+                                                {"settings", "mixing-voices", "7"},
+                                                {"settings", "history", "1000"}}) {
+    ok(words);
+    EXPECT_TRUE(read("library.db") == old) << testing::PrintToString(words);
+    EXPECT_FALSE(exists("library.db.v1")) << testing::PrintToString(words);
+  }
+  ok({"settings", "history", "5"});
+  EXPECT_TRUE(read("library.db.v1") == old) << "what the history does not record is a change all the same";
+  EXPECT_EQ(bda({"settings", "history"}).out, "5\n");
+}
