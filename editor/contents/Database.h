@@ -104,12 +104,13 @@ struct Database {
     SQLite::Statement entries{database_,
                               "SELECT number, time, undoes, verb, sources, bytes FROM entry ORDER BY number DESC"};
     SQLite::Statement changes{database_,
-                              "SELECT kind, type, number, key, what, name_before, name_after, checksum_after "
+                              "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, "
+                              "held_checksum <> checksum(held_name, held_bytes) "
                               "FROM change WHERE entry = ? ORDER BY kind, type, number, key"};
-    SQLite::Statement changesWithBytes{
-        database_,
-        "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, held_name, held_checksum, "
-        "held_bytes FROM change WHERE entry = ? ORDER BY kind, type, number, key"};
+    SQLite::Statement changesWithBytes{database_,
+                                       "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, "
+                                       "held_checksum <> checksum(held_name, held_bytes), held_name, held_checksum, "
+                                       "held_bytes FROM change WHERE entry = ? ORDER BY kind, type, number, key"};
     SQLite::Statement changeAt{database_,
                                "SELECT held_name, held_checksum, held_bytes FROM change "
                                "WHERE entry = ? AND kind = ? AND type = ? AND number = ? AND key = ?"};

@@ -35,6 +35,8 @@ constexpr const char* kWayOn = "; what is whole can be backed up, and restored i
 constexpr const char* kWrongIndex = "an index does not fit its table";
 constexpr const char* kNoFlag = "no favourite flag has such a number";
 
+bool isDamaged(const Place& place, const std::optional<Held>& held) { return held && !isSound(place, *held); }
+
 void requireWhole(const Held& held) {
   if (!isWhole(held)) failPlace("bytes that do not fit their checksum");
 }
@@ -284,8 +286,8 @@ void Library::putBack(const Place& place, const std::optional<Held>& held) {
   change([&] {
     replace(place, heldNow(place), held);
     if (place.kind == Place::Kind::content)
-      pending_.push_back({held ? Change::Kind::Stored : Change::Kind::Removed, place.id, {}});
-    if (place.kind == Place::Kind::favourite) pending_.push_back({Change::Kind::Flagged, place.id, {}});
+      pending_.push_back({held ? Change::Kind::Stored : Change::Kind::Removed, place.id});
+    if (place.kind == Place::Kind::favourite) pending_.push_back({Change::Kind::Flagged, place.id});
   });
 }
 
@@ -350,11 +352,11 @@ void Library::leaveOut(const Unread& unread) const {
 template <typename Statement, typename Visit>
 void Library::list(Listed rows, Statement& inOrder, Visit visit) {
   const auto visitRow = [&](const Query& query) {
-    const bool isPlace = rows == Listed::liveKeys || query.isId();
-    if (tellUnread_ && !isPlace)
-      leaveOut({std::nullopt, tableOf(rows), "it has a row of a place that there is not"});
-    else
-      visit(query);
+    if (!tellUnread_ || rows == Listed::liveKeys) return visit(query);
+    if (!query.isId()) return leaveOut({std::nullopt, tableOf(rows), "it has a row of a place that there is not"});
+    const ContentId id = query.id();
+    if (isContent(id)) return visit(query);
+    leaveOut({rows == Listed::contents ? contentAt(id) : favouriteAt(id), tableOf(rows), "there is no such place"});
   };
   try {
     if (rows != Listed::favourites) requireIndexes();
@@ -403,7 +405,7 @@ void Library::store(ContentId id, std::span<const std::uint8_t> bytes, const std
     const Place place = contentAt(id);
     const std::optional<Held> before = heldNow(place);
     replace(place, before, countableHeld(name, bytes));
-    pending_.push_back({Change::Kind::Stored, place.id, nameOf(before)});
+    pending_.push_back({Change::Kind::Stored, place.id, nameOf(before), isDamaged(place, before)});
   });
 }
 
@@ -412,7 +414,7 @@ void Library::store(ContentId id, std::span<const std::uint8_t> bytes) {
     const Place place = contentAt(id);
     const std::optional<Held> before = heldNow(place);
     replace(place, before, countableHeld(before ? before->name : std::string(), bytes));
-    pending_.push_back({Change::Kind::Stored, place.id, nameOf(before)});
+    pending_.push_back({Change::Kind::Stored, place.id, nameOf(before), isDamaged(place, before)});
   });
 }
 
@@ -438,7 +440,7 @@ bool Library::remove(ContentId id) {
     removed = before.has_value();
     if (!removed) return;
     replace(place, before, std::nullopt);
-    pending_.push_back({Change::Kind::Removed, place.id, nameOf(before)});
+    pending_.push_back({Change::Kind::Removed, place.id, nameOf(before), isDamaged(place, before)});
   });
   return removed;
 }
@@ -453,7 +455,7 @@ std::uint8_t Library::favourite(ContentId id) {
   return 0;
 }
 
-std::optional<std::uint8_t> Library::flag(ContentId id) {
+Library::Flag Library::flag(ContentId id) {
   try {
     const std::optional<Held> flag = held(favouriteAt(id));
     return flag ? flagIn(*flag) : std::uint8_t(0);
@@ -463,16 +465,16 @@ std::optional<std::uint8_t> Library::flag(ContentId id) {
   }
 }
 
-std::vector<std::pair<ContentId, std::uint8_t>> Library::favourites() {
+std::vector<std::pair<ContentId, Library::Flag>> Library::favourites() {
   return read([&] {
-    std::map<ContentId, std::uint8_t> flags;
+    std::map<ContentId, Flag> flags;
     list(Listed::favourites, database_->reading->favourites, [&](const Query& query) {
       const ContentId id = query.id();
-      if (tellUnread_ && !std::in_range<std::uint8_t>(query.integer(2)))
-        return leaveOut({favouriteAt(id), tableOf(Listed::favourites), kNoFlag});
-      flags.emplace(id, query.number<std::uint8_t>(2));
+      const bool isFlag = std::in_range<std::uint8_t>(query.integer(2));
+      if (tellUnread_ && !isFlag) leaveOut({favouriteAt(id), tableOf(Listed::favourites), kNoFlag});
+      flags.emplace(id, tellUnread_ && !isFlag ? Flag() : query.number<std::uint8_t>(2));
     });
-    return std::vector<std::pair<ContentId, std::uint8_t>>(flags.begin(), flags.end());
+    return std::vector<std::pair<ContentId, Flag>>(flags.begin(), flags.end());
   });
 }
 
@@ -483,7 +485,7 @@ void Library::setFavourite(ContentId id, std::uint8_t flag) {
     const std::optional<Held> after = flag == 0 ? std::nullopt : std::optional(heldOf(flag));
     if (before == after) return;
     replace(place, before, after);
-    pending_.push_back({Change::Kind::Flagged, place.id, {}});
+    pending_.push_back({Change::Kind::Flagged, place.id, {}, isDamaged(place, before)});
   });
 }
 
@@ -530,8 +532,12 @@ Library::Version Library::dataVersion() {
 }
 
 std::optional<std::int64_t> Library::setting(const std::string& name) {
-  const std::optional<Held> number = held(settingAt(name));
-  return number ? numberIn(number->name) : std::nullopt;
+  const Place place = settingAt(name);
+  const std::optional<Held> row = held(place);
+  if (!row) return std::nullopt;
+  const std::optional<std::int64_t> number = settingIn(place, *row);
+  if (!number) failPlace("no such setting has such a number");
+  return number;
 }
 
 void Library::set(const std::string& setting, std::int64_t value) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "contents/Places.h"
+#include "contents/Settings.h"
 
 namespace Editor {
 
@@ -36,6 +37,7 @@ struct RecordedChange {
   std::optional<std::string> nameBefore;  // nothing: it was empty; as nameIn() says
   std::optional<std::string> nameAfter;
   std::optional<std::int64_t> checksumAfter;
+  bool wasDamaged = false;     // what it held before: nothing can put that back
   std::optional<Held> before;  // only where it is asked for
   std::string fault;           // what is wrong with the row, in words: then nothing of it counts
 };
@@ -57,10 +59,9 @@ class Recorder {
  public:
   using Clock = std::chrono::system_clock::time_point (*)();
   static constexpr std::chrono::seconds kPause{60};
-  static constexpr std::int64_t kDefaultEntries = 1000;
-  static constexpr std::int64_t kDefaultMegabytes = 64;
-  static constexpr const char* kEntries = "history";  // 0: off
-  static constexpr const char* kMegabytes = "history-size";
+  static constexpr std::int64_t kDefaultEntries = Settings::kHistory.otherwise;
+  static constexpr const char* kEntries = Settings::kHistory.name;  // 0: off
+  static constexpr const char* kMegabytes = Settings::kHistorySize.name;
 
   explicit Recorder(Clock clock) : now_(clock) {}
 

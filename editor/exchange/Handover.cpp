@@ -81,7 +81,7 @@ Handed Handover::handDump(const Reading& reading, std::span<const std::uint8_t> 
     const std::size_t before = library_.pendingChanges().size();
     seeWhatOthersChanged();
     liveBefore = tools.changeCount();
-    if (reading.role == Role::footer) handed.editBufferBefore = nameOfEditBuffer(*reading.address);
+    if (reading.role == Role::footer) lookAtEditBuffer(handed, *reading.address);
     hand(handed, reading, message, port);
     if (isTrigger) leaveNameless(before, nameless);
     isKept = isTrigger || (!hasFailed(handed) && handed.storeError.empty());
@@ -153,12 +153,14 @@ void Handover::rememberLive() {
   if (seen_) seen_->changes = host_.tools().changeCount();
 }
 
-std::optional<std::string> Handover::nameOfEditBuffer(BulkAddress footer) {
+void Handover::lookAtEditBuffer(Handed& handed, BulkAddress footer) {
   const std::optional<EditBuffer> buffer = editBufferOf(footer.mid);
-  if (!buffer) return std::nullopt;
+  if (!buffer) return;
   const Place place = liveAt(liveKeyOf(*buffer, footer.lo));
   const std::optional<Held> held = library_.held(place);
-  return held ? std::optional(nameIn(place, *held)) : std::nullopt;
+  if (!held) return;
+  handed.editBufferBefore = nameIn(place, *held);
+  handed.wasEditBufferDamaged = !isSound(place, *held);
 }
 
 // The store keeps the name of a content that is written and not named: of a dump whose name is broken, and it cannot
@@ -192,10 +194,7 @@ void Handover::reloadIfPossible() {
 }
 
 std::string deviceNumberWords(const EditorJobTools& tools) {
-  const unsigned device = tools.liveSystem().system->utility.values()[SystemModel::kDeviceNumber];
-  if (device == unsigned(CMA::DeviceNumber_All)) return "all";
-  if (device == unsigned(CMA::DeviceNumber_Off)) return "off";
-  return std::to_string(device + 1);
+  return wordsOf(Settings::kDeviceNumber, tools.liveSystem().system->utility.values()[SystemModel::kDeviceNumber]);
 }
 
 }  // namespace Editor

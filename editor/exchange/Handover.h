@@ -18,6 +18,7 @@ namespace Editor {
 struct Handed : AssistantHost::Effects {
   std::vector<Change> changes;                  // of contents; inside of a run those that its commit brings to disk
   std::optional<std::string> editBufferBefore;  // of its footer: the name of what had been stored there, if anything
+  bool wasEditBufferDamaged = false;            // what had been stored there
   bool isKept = false;         // they are on disk: they were not taken back, and no run has still to commit them
   std::string storeError;      // what first went wrong in the store, also behind the assistant's back; empty: nothing
   bool libraryFailed = false;  // the library's file failed meanwhile
@@ -56,7 +57,7 @@ class Handover {
   void hand(Handed& handed, const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
   std::string damageAt(const Reading& reading) const;
   void seeWhatOthersChanged();
-  std::optional<std::string> nameOfEditBuffer(BulkAddress footer);
+  void lookAtEditBuffer(Handed& handed, BulkAddress footer);
   void leaveNameless(std::size_t firstChange, const std::set<ContentId>& nameless);
   void rememberLive();
   void reloadIfPossible();

@@ -125,6 +125,7 @@ Touched touchedBy(const Reading& reading, const Handed& handed) {
   if (!handed.isKept) return touched;
   std::map<std::string, Change::Kind> last;
   for (const Change& change : handed.changes) {
+    if (change.wasDamaged) touched.damaged.push_back(nameOf(change.id));
     if (change.kind != Change::Kind::Stored && change.kind != Change::Kind::Removed) continue;
     const std::string name = nameOf(change.id);
     if (!last.insert_or_assign(name, change.kind).second) continue;
@@ -137,6 +138,7 @@ Touched touchedBy(const Reading& reading, const Handed& handed) {
   if (hasStored && reading.role == Role::footer && editBufferOf(reading.address->mid)) {
     touched.contents.push_back(nameOrBytes({BDA::kHeaderHi, reading.address->mid, reading.address->lo}));
     if (handed.editBufferBefore) touched.replaced.emplace(touched.contents.back(), *handed.editBufferBefore);
+    if (handed.wasEditBufferDamaged) touched.damaged.push_back(touched.contents.back());
   }
   return touched;
 }

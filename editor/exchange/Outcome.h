@@ -37,7 +37,8 @@ struct Touched {
   std::vector<std::string> contents;
   std::vector<std::string> removed;  // those of `contents` that are not there in the end
   std::map<std::string, std::string>
-      replaced;  // those of `contents` whose place was not empty, and what that was called
+      replaced;                      // those of `contents` whose place was not empty, and what that was called
+  std::vector<std::string> damaged;  // the places of which what stood there was damaged, also favourite flags
 };
 Touched touchedBy(const Reading& reading, const Handed& handed);
 

@@ -105,10 +105,13 @@ std::vector<PlaceChange> changesOf(Library& library, std::int64_t entry) {
   std::vector<RecordedChange> recorded = library.recordedChanges(entry, false);
   std::stable_sort(recorded.begin(), recorded.end(), isBefore);
   std::vector<PlaceChange> changes;
-  for (const RecordedChange& change : recorded)
-    if (change.fault.empty())
-      changes.push_back(
-          {nameOf(change.place), change.what, valueOf(change, change.nameBefore), valueOf(change, change.nameAfter)});
+  for (const RecordedChange& change : recorded) {
+    if (!change.fault.empty()) continue;
+    std::optional<std::string> before = valueOf(change, change.nameBefore);
+    if (change.wasDamaged && isNumber(change.what)) before.reset();
+    changes.push_back(
+        {nameOf(change.place), change.what, std::move(before), valueOf(change, change.nameAfter), change.wasDamaged});
+  }
   return changes;
 }
 

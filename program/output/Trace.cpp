@@ -30,6 +30,7 @@ std::string jsonOf(const MessageOrigin& origin, BDA::DevicePortNum port, std::sp
             {"result", Json{{"value", unsigned(record.result)}, {"name", nameOf(record.result)}}},
             {"outcome", wordOf(record.outcome)}};
   if (!record.contents.empty()) line["contents"] = record.contents;
+  if (!record.damaged.empty()) line["damaged"] = record.damaged;
   if (!record.missing.empty()) {
     Json missing = Json::array();
     for (const BulkAddress address : record.missing) missing.push_back(formatAddress(address));

@@ -14,6 +14,7 @@
 #include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
+#include "output/ChangeLines.h"
 #include "output/LossReport.h"
 #include "output/OtherDevices.h"
 #include "output/OutputFile.h"
@@ -239,6 +240,8 @@ class Receiving {
         break;
       case Outcome::completed:
         say(fmt::format("{}: {} ({})", said("completed"), what, placeOf(message)));
+        for (const std::string& place : record.damaged)
+          say(fmt::format("{}: its favourite flag {}{}", place, said("set"), kOverDamage));
         break;
       case Outcome::notOurs:
       case Outcome::ignored:
@@ -252,8 +255,9 @@ class Receiving {
   void tellContents(const InputMessage& message, const Record& record) {
     for (const std::string& content : record.contents) {
       const bool isRemoved = std::ranges::find(record.removed, content) != record.removed.end();
-      say(fmt::format("{}: {} ({}){}{}", said(isRemoved ? "removed" : "stored"), content, placeOf(message),
-                      wasIn(content, record, isRemoved),
+      const bool wasDamaged = std::ranges::find(record.damaged, content) != record.damaged.end();
+      say(fmt::format("{}: {} ({}){}{}{}", said(isRemoved ? "removed" : "stored"), content, placeOf(message),
+                      wasIn(content, record, isRemoved), wasDamaged ? kOverDamage : "",
                       isOfPart(record.reading) ? "; sets the effects of multi:edit" : ""));
     }
   }

@@ -107,7 +107,7 @@ TEST_F(OldLibrary, IsMigratedAfterAllByTheChangeThatComesNext) {
   EXPECT_EQ(bytesOfFile(copy()), old_);
   library.store(kVoice, Bytes{4}, "Piano");
   EXPECT_EQ(library.recordedEntries().size(), 1U);
-  EXPECT_EQ(library.historyEntries(), 5);
+  EXPECT_EQ(library.number(Settings::kHistory), 5);
 }
 
 TEST_F(OldLibrary, IsMigratedByItsFirstChangeAndACopyOfEveryByteStaysBesideIt) {
