@@ -18,7 +18,6 @@
 #include "midi/Counted.h"
 #include "targets/ContentKind.h"
 #include "targets/Targets.h"
-#include "verbs/SettingHelp.h"
 
 namespace Editor {
 
@@ -107,13 +106,14 @@ class Completing {
   }
 
   void offerSettings() {
-    for (const SettingHelp& setting : settingHelps()) tell(setting.name, setting.values);
+    for (const Setting& setting : Settings::kAll) tell(setting.name, setting.values);
   }
 
   void offerSettingValues() {
-    for (const SettingHelp& setting : settingHelps())
+    for (const Setting& setting : Settings::kAll)
       if (line_.words.front() == setting.name)
-        for (const char* const value : setting.words) tell(value, "");
+        for (const std::optional<Setting::Word>& value : setting.words)
+          if (value) tell(value->word, "");
   }
 
   void offerEntries() {

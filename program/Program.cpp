@@ -141,17 +141,19 @@ void Program::readPastDamage(const std::string& file, Library& library) {
 }
 
 void Program::leaveOut(const std::string& library, const Library::Unread& unread) {
+  const bool isFlag = unread.place && unread.place->kind == Place::Kind::favourite;
   const std::string what =
-      unread.place ? fmt::format("{}: its favourite flag is left out: it is damaged", nameOf(*unread.place))
-                   : fmt::format("table {} is damaged, what cannot be read of it is left out", unread.table);
+      unread.place
+          ? fmt::format("{}: {}left out: it is damaged", nameOf(*unread.place), isFlag ? "its favourite flag is " : "")
+          : fmt::format("table {} is damaged, what cannot be read of it is left out", unread.table);
   const std::string text =
       fmt::format("{}: {}: {} (bda check tells more)", escape(library), what, escape(unread.reason));
   if (leftOut_.insert(text).second) console.problem(text);
   refuse();
 }
 
-void Program::leaveOutDamaged(const std::string& place) {
-  console.problem(fmt::format("{}: left out: it is damaged (bda check tells more)", place));
+void Program::tellDamaged(const std::string& place) {
+  console.problem(fmt::format("{}: it is damaged (bda check tells more)", place));
   refuse();
 }
 

@@ -51,8 +51,9 @@ class Program {
   void refuse() {
     if (exitCode_ == kAllGood) exitCode_ = kRefused;
   }
-  // What stands there is damaged: the run goes on without it.
-  void leaveOutDamaged(const std::string& place);
+  // What stands there is damaged: the run goes on, without it.
+  void tellDamaged(const std::string& place);
+  void leaveOutDamaged(const std::string& place) { tellDamaged(place + ": left out"); }
   // Inputs proved unusable while they were read, a text for each: the run ends with kUnusableInput.
   void failInputs(const std::vector<std::string>& problems);
   // The run ends with this, whatever it has refused.

@@ -11,7 +11,7 @@ namespace Editor {
 namespace {
 
 using Kind = Difference::Kind;
-using Flag = std::optional<std::uint8_t>;  // nothing: it is damaged
+using Flag = Library::Flag;
 
 // A content's name stands in two places, and whoever renames it changes both: that is told once.
 void addInnerName(Difference& difference, ParameterDifference inner) {
@@ -62,11 +62,12 @@ std::optional<Held> heldAt(Library& library, ContentId id) {
   }
 }
 
-// One that is damaged is not compared.
-bool differ(Flag left, Flag right) { return left && right && left != right; }
+// One that is damaged is equal to none.
+bool differ(Flag left, Flag right) { return !left || left != right; }
 
 ParameterDifference favourites(Flag left, Flag right) {
-  return {"favourite", std::int64_t(*left), std::int64_t(*right)};
+  const auto value = [](Flag flag) { return flag ? ParameterValue(std::int64_t(*flag)) : std::monostate(); };
+  return {"favourite", value(left), value(right)};
 }
 
 void ignoreReception(ModelSet& system) {
@@ -171,7 +172,7 @@ class Comparing {
     difference.kind = side;
     difference.isContent = true;
     difference.name = std::move(name);
-    difference.favourite = flag.value_or(0);
+    difference.favourite = flag;
     visit_(difference);
   }
 
@@ -198,9 +199,8 @@ class Comparing {
 
 }  // namespace
 
-bool isDamagedInBoth(const Difference& difference) {
-  const std::vector<ParameterDifference>& found = difference.parameters;
-  return found.size() == 1 && found[0].path == kDamaged && found[0].a == found[0].b;
+bool isDamagedInBoth(const ParameterDifference& found) {
+  return found.a == found.b && (found.path == kDamaged || std::holds_alternative<std::monostate>(found.a));
 }
 
 Comparison compareLibraries(EmbeddedEditor& first, EmbeddedEditor& second, Reception reception,

@@ -20,18 +20,20 @@ struct Difference {
 
   std::string target;  // readable: a content, an edit buffer, "system", "additional", "settings"
   Kind kind = Kind::different;
-  bool isContent = false;      // false too for the favourite flag of a place where one of them holds nothing
-  std::string name;            // of a content that only one has
-  std::uint8_t favourite = 0;  // of a content that only one has
+  bool isContent = false;       // false too for the favourite flag of a place where one of them holds nothing
+  std::string name;             // of a content that only one has
+  Library::Flag favourite = 0;  // of a content that only one has
   // The name of a content that both have: in the library's list ("name") and inside its models ("voice.name"); one
   // entry, the models', where both say the same.
   std::vector<ParameterDifference> names;
-  // Everything else: parameters by their paths, "favourite" for the flag, "bytes" for opaque contents; "damaged" (1 or
-  // 0) alone where what stands on either side is damaged, for nobody knows then what it held.
+  // Everything else: parameters by their paths, "favourite" for the flag, a damaged one without a value, "bytes" for
+  // opaque contents; "damaged" (1 or 0) in place of all but the flag where what stands on either side is damaged, for
+  // nobody knows then what it held.
   std::vector<ParameterDifference> parameters;
 };
 
-bool isDamagedInBoth(const Difference& difference);
+// It is not known whether that differs.
+bool isDamagedInBoth(const ParameterDifference& found);
 
 // How two libraries compare: each content that one of them holds counts once.
 struct Comparison {

@@ -94,6 +94,10 @@ void checksum(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
   sqlite3_result_int64(context, checksumOf(bytes(values[0]), bytes(values[1])));
 }
 
+std::span<const std::uint8_t> blobOf(const std::string& text) {
+  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
 }  // namespace
 
 bool isDamage(const SQLite::Exception& error) { return (error.getErrorCode() & 0xFF) == SQLITE_CORRUPT; }
@@ -167,6 +171,57 @@ void Database::migrate() {
   makeTables();
   connection.exec(kMoveRows);
   if (!writing) writing.emplace(connection);
+}
+
+std::optional<Held> Database::held(const Place& place) {
+  switch (place.kind) {
+    case Place::Kind::content: {
+      Query query(reading->content, place.id);
+      if (!query.next()) return std::nullopt;
+      return Held{query.blob<std::string>(0), query.blob<std::vector<std::uint8_t>>(1), query.integer(2)};
+    }
+    case Place::Kind::favourite: {
+      Query query(reading->favourite, place.id);
+      return query.next() ? std::optional(heldOf(query.integer(0))) : std::nullopt;
+    }
+    case Place::Kind::live: {
+      Query query(reading->live, place.key);
+      if (!query.next()) return std::nullopt;
+      return Held{{}, query.blob<std::vector<std::uint8_t>>(0), query.integer(1)};
+    }
+    case Place::Kind::setting:
+      break;
+  }
+  Query query(reading->setting, place.key);
+  return query.next() ? std::optional(heldOf(query.integer(0))) : std::nullopt;
+}
+
+void Database::write(const Place& place, const std::optional<Held>& held) {
+  switch (place.kind) {
+    case Place::Kind::content:
+      if (held)
+        Query(writing->store, place.id, blobOf(held->name), std::span(held->bytes), held->checksum).changes();
+      else
+        Query(writing->remove, place.id).changes();
+      return;
+    case Place::Kind::favourite:
+      if (held)
+        Query(writing->flag, place.id, std::int64_t(std::stoll(held->name))).changes();
+      else
+        Query(writing->unflag, place.id).changes();
+      return;
+    case Place::Kind::live:
+      if (held)
+        Query(writing->storeLive, place.key, std::span(held->bytes), held->checksum).changes();
+      else
+        Query(writing->removeLive, place.key).changes();
+      return;
+    case Place::Kind::setting:
+      if (held)
+        Query(writing->set, place.key, std::int64_t(std::stoll(held->name))).changes();
+      else
+        Query(writing->unset, place.key).changes();
+  }
 }
 
 std::vector<std::pair<std::string, std::string>> Database::checkTables() {

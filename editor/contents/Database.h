@@ -55,6 +55,9 @@ struct Database {
   // From version 1 to 2: all tables anew under other names, so that a program of version 1 that has the library open
   // fails instead of writing past checksums and history. In a transaction, whose end without a commit takes it back.
   void migrate();
+  // What a place holds, by the index of its table; and has it hold that, or nothing.
+  std::optional<Held> held(const Place& place);
+  void write(const Place& place, const std::optional<Held>& held);
   // By its own integrity check: each table with what is wrong with it, or nothing.
   std::vector<std::pair<std::string, std::string>> checkTables();
   // Whether the index of the contents or live models is wrong, or that of the changes in the history, which are many.
@@ -101,12 +104,13 @@ struct Database {
     SQLite::Statement entries{database_,
                               "SELECT number, time, undoes, verb, sources, bytes FROM entry ORDER BY number DESC"};
     SQLite::Statement changes{database_,
-                              "SELECT kind, type, number, key, what, name_before, name_after, checksum_after "
+                              "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, "
+                              "held_checksum <> checksum(held_name, held_bytes) "
                               "FROM change WHERE entry = ? ORDER BY kind, type, number, key"};
-    SQLite::Statement changesWithBytes{
-        database_,
-        "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, held_name, held_checksum, "
-        "held_bytes FROM change WHERE entry = ? ORDER BY kind, type, number, key"};
+    SQLite::Statement changesWithBytes{database_,
+                                       "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, "
+                                       "held_checksum <> checksum(held_name, held_bytes), held_name, held_checksum, "
+                                       "held_bytes FROM change WHERE entry = ? ORDER BY kind, type, number, key"};
     SQLite::Statement changeAt{database_,
                                "SELECT held_name, held_checksum, held_bytes FROM change "
                                "WHERE entry = ? AND kind = ? AND type = ? AND number = ? AND key = ?"};

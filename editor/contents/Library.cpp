@@ -16,10 +16,6 @@
 namespace Editor {
 namespace {
 
-std::span<const std::uint8_t> bytesOf(const std::string& text) {
-  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
-
 // Before it takes memory for what can never be kept.
 Held countableHeld(const std::string& name, std::span<const std::uint8_t> bytes) {
   requireCountable(name.size());
@@ -34,6 +30,8 @@ Held countableHeld(const std::string& name, std::span<const std::uint8_t> bytes)
 constexpr const char* kWayOn = "; what is whole can be backed up, and restored into a new library";
 constexpr const char* kWrongIndex = "an index does not fit its table";
 constexpr const char* kNoFlag = "no favourite flag has such a number";
+
+bool isDamaged(const Place& place, const std::optional<Held>& held) { return held && !isSound(place, *held); }
 
 void requireWhole(const Held& held) {
   if (!isWhole(held)) failPlace("bytes that do not fit their checksum");
@@ -179,9 +177,11 @@ void Library::Transaction::commit(Making making) {
   library_.committed_.reserve(library_.committed_.size() + library_.pending_.size());  // no failure after the fact
   library_.run([&] {
     requireTransaction();
-    if (outer_ == 0) library_.recorder_.finish(*library_.database_);
+    const bool hasChanged = outer_ > 0 || library_.recorder_.finish(*library_.database_);
     if (outer_ > 0)
       library_.database_->connection.exec("RELEASE " + savepoint());
+    else if (!library_.copy_.empty() && !hasChanged)
+      library_.database_->connection.exec(undo_);  // all is as it was: so is its version
     else if (making_ != nullptr && (making == Making::Always || library_.database_->holdsAnything()))
       library_.setDatabase(making_->make(*library_.database_));
     else if (library_.database_->isFileGone())
@@ -211,7 +211,7 @@ template <typename Operation>
 void Library::change(Operation operation) {
   Transaction transaction(*this);
   run([&] {
-    requireVersion();
+    requireIndexes();
     operation();
   });
   transaction.commit();
@@ -221,9 +221,8 @@ bool Library::isOfOlderVersion() {
   return read([&] { return database_->version() < kLibraryVersion; });
 }
 
-// The transaction has changed nothing yet.
+// The transaction has changed nothing yet where the library is of an older one.
 void Library::requireVersion() {
-  requireIndexes();
   if (database_->version() == kLibraryVersion) return;
   if (place_ != nullptr && copy_.empty()) copy_ = place_->copyOldVersion(*database_);
   database_->migrate();
@@ -259,7 +258,8 @@ std::optional<Held> Library::held(const Place& place) {
 
 std::optional<Held> Library::heldNow(const Place& place) {
   try {
-    return heldByIndex(place);
+    if (place.kind == Place::Kind::content || place.kind == Place::Kind::live) requireIndexes();
+    return database_->held(place);
   } catch (const SQLite::Exception& error) {
     if (!isDamage(error)) throw;
   }
@@ -271,72 +271,22 @@ std::optional<Held> Library::heldNow(const Place& place) {
   }
 }
 
-std::optional<Held> Library::heldByIndex(const Place& place) {
-  if (place.kind == Place::Kind::content || place.kind == Place::Kind::live) requireIndexes();
-  Database::Reading& reading = *database_->reading;
-  switch (place.kind) {
-    case Place::Kind::content: {
-      Query query(reading.content, place.id);
-      if (!query.next()) return std::nullopt;
-      return Held{query.blob<std::string>(0), query.blob<Bytes>(1), query.integer(2)};
-    }
-    case Place::Kind::favourite: {
-      Query query(reading.favourite, place.id);
-      return query.next() ? std::optional(heldOf(query.integer(0))) : std::nullopt;
-    }
-    case Place::Kind::live: {
-      Query query(reading.live, place.key);
-      return query.next() ? std::optional(Held{{}, query.blob<Bytes>(0), query.integer(1)}) : std::nullopt;
-    }
-    case Place::Kind::setting:
-      break;
-  }
-  Query query(reading.setting, place.key);
-  return query.next() ? std::optional(heldOf(query.integer(0))) : std::nullopt;
-}
-
-void Library::write(const Place& place, const std::optional<Held>& held) {
-  Database::Writing& writing = *database_->writing;
-  switch (place.kind) {
-    case Place::Kind::content:
-      if (held)
-        Query(writing.store, place.id, bytesOf(held->name), std::span(held->bytes), held->checksum).changes();
-      else
-        Query(writing.remove, place.id).changes();
-      return;
-    case Place::Kind::favourite:
-      if (held)
-        Query(writing.flag, place.id, std::int64_t(std::stoll(held->name))).changes();
-      else
-        Query(writing.unflag, place.id).changes();
-      return;
-    case Place::Kind::live:
-      if (held)
-        Query(writing.storeLive, place.key, std::span(held->bytes), held->checksum).changes();
-      else
-        Query(writing.removeLive, place.key).changes();
-      return;
-    case Place::Kind::setting:
-      if (held)
-        Query(writing.set, place.key, std::int64_t(std::stoll(held->name))).changes();
-      else
-        Query(writing.unset, place.key).changes();
-  }
-}
-
-// All that ever changes in a library is changed here.
+// All that ever changes in a library is changed here. What stays as it is has no library brought to this version.
 void Library::replace(What what, const Place& place, const std::optional<Held>& before,
                       const std::optional<Held>& after) {
-  if (isFull_ && after && place.kind == Place::Kind::content)
-    throw LibraryError(LibraryError::Kind::Failed, "the memory is full");
   const auto standing = [&](const std::optional<Held>& held) {
     return held ? std::optional(standingOf(place, *held)) : std::nullopt;
   };
-  write(place, after);
-  if (place_ != nullptr || recorder_.hasRun()) recorder_.record(*database_, place, before, after);
   Change change{what, place, standing(before)};
   change.after = before == after ? change.before : standing(after);
+  change.wasDamaged = isDamaged(place, before);
   pending_.push_back(std::move(change));
+  if (before == after && database_->version() < kLibraryVersion) return;
+  if (isFull_ && after && place.kind == Place::Kind::content)
+    throw LibraryError(LibraryError::Kind::Failed, "the memory is full");
+  requireVersion();
+  database_->write(place, after);
+  if (place_ != nullptr || recorder_.hasRun()) recorder_.record(*database_, place, before, after);
 }
 
 void Library::putBack(const Place& place, const std::optional<Held>& held) {
@@ -347,7 +297,10 @@ void Library::putBack(const Place& place, const std::optional<Held>& held) {
 }
 
 void Library::openEntry() {
-  change([&] { recorder_.open(*database_); });
+  change([&] {
+    requireVersion();
+    recorder_.open(*database_);
+  });
 }
 
 template <typename Statement, typename Visit, typename... Entry>
@@ -404,11 +357,11 @@ void Library::leaveOut(const Unread& unread) const {
 template <typename Statement, typename Visit>
 void Library::list(Listed rows, Statement& inOrder, Visit visit) {
   const auto visitRow = [&](const Query& query) {
-    const bool isPlace = rows == Listed::liveKeys || query.isId();
-    if (tellUnread_ && !isPlace)
-      leaveOut({std::nullopt, tableOf(rows), "it has a row of a place that there is not"});
-    else
-      visit(query);
+    if (!tellUnread_ || rows == Listed::liveKeys) return visit(query);
+    if (!query.isId()) return leaveOut({std::nullopt, tableOf(rows), "it has a row of a place that there is not"});
+    const ContentId id = query.id();
+    if (isContent(id)) return visit(query);
+    leaveOut({rows == Listed::contents ? contentAt(id) : favouriteAt(id), tableOf(rows), "there is no such place"});
   };
   try {
     if (rows != Listed::favourites) requireIndexes();
@@ -503,7 +456,7 @@ std::uint8_t Library::favourite(ContentId id) {
   return 0;
 }
 
-std::optional<std::uint8_t> Library::flag(ContentId id) {
+Library::Flag Library::flag(ContentId id) {
   try {
     const std::optional<Held> flag = held(favouriteAt(id));
     return flag ? flagIn(*flag) : std::uint8_t(0);
@@ -513,16 +466,16 @@ std::optional<std::uint8_t> Library::flag(ContentId id) {
   }
 }
 
-std::vector<std::pair<ContentId, std::uint8_t>> Library::favourites() {
+std::vector<std::pair<ContentId, Library::Flag>> Library::favourites() {
   return read([&] {
-    std::map<ContentId, std::uint8_t> flags;
+    std::map<ContentId, Flag> flags;
     list(Listed::favourites, database_->reading->favourites, [&](const Query& query) {
       const ContentId id = query.id();
-      if (tellUnread_ && !std::in_range<std::uint8_t>(query.integer(2)))
-        return leaveOut({favouriteAt(id), tableOf(Listed::favourites), kNoFlag});
-      flags.emplace(id, query.number<std::uint8_t>(2));
+      const bool isFlag = std::in_range<std::uint8_t>(query.integer(2));
+      if (tellUnread_ && !isFlag) leaveOut({favouriteAt(id), tableOf(Listed::favourites), kNoFlag});
+      flags.emplace(id, tellUnread_ && !isFlag ? Flag() : query.number<std::uint8_t>(2));
     });
-    return std::vector<std::pair<ContentId, std::uint8_t>>(flags.begin(), flags.end());
+    return std::vector<std::pair<ContentId, Flag>>(flags.begin(), flags.end());
   });
 }
 
@@ -578,8 +531,12 @@ Library::Version Library::dataVersion() {
 }
 
 std::optional<std::int64_t> Library::setting(const std::string& name) {
-  const std::optional<Held> number = held(settingAt(name));
-  return number ? numberIn(number->name) : std::nullopt;
+  const Place place = settingAt(name);
+  const std::optional<Held> row = held(place);
+  if (!row) return std::nullopt;
+  const std::optional<std::int64_t> number = settingIn(place, *row);
+  if (!number) failPlace("no such setting has such a number");
+  return number;
 }
 
 void Library::set(const std::string& setting, std::int64_t value) {

@@ -52,6 +52,7 @@ struct Change {
   Place place;
   std::optional<Standing> before = {};  // nothing: the place was empty
   std::optional<Standing> after = {};
+  bool wasDamaged = false;  // what stood there: nothing can bring it back
 
   // The same change, whatever stood there.
   friend bool operator==(const Change& a, const Change& b) { return a.what == b.what && a.place == b.place; }
@@ -64,6 +65,7 @@ struct Change {
 //
 // Every change is written into the history beside it, in the same transaction: Recorder says what is, and what is not.
 // A library of version 1 is read as it is; its first change brings it to this version, and leaves a copy beside it.
+// What stores what is there already, or takes back all that it did, is no change.
 //
 // Every operation throws LibraryError when the file fails it, with nothing changed. One thread at a time.
 class Library {
@@ -83,7 +85,7 @@ class Library {
     Recorder::Clock clock = std::chrono::system_clock::now;  // of the history
   };
 
-  static constexpr std::int64_t kDefaultMixingVoiceMaximum = 2048;
+  static constexpr std::int64_t kDefaultMixingVoiceMaximum = Settings::kMixingVoices.otherwise;
 
   // Opens the library in `file`. What is no library of ours, or one of a newer version, stays as it is, to the byte.
   explicit Library(const std::filesystem::path& file) : Library(file, Options()) {}
@@ -155,24 +157,25 @@ class Library {
   bool remove(ContentId id);                           // false: nothing was stored there
 
   // A flag belongs to the place, whether a content is stored there or not; 0 is no favourite. One out of range is
-  // damaged: it throws DamagedPlace, or is left out.
+  // damaged: it throws DamagedPlace, or is told and counts as none; of those that are listed it is told and nothing.
   std::uint8_t favourite(ContentId id);
-  std::optional<std::uint8_t> flag(ContentId id);  // nothing: it is damaged
-  std::vector<std::pair<ContentId, std::uint8_t>> favourites();
+  using Flag = std::optional<std::uint8_t>;  // nothing: it is damaged
+  Flag flag(ContentId id);
+  std::vector<std::pair<ContentId, Flag>> favourites();
   void setFavourite(ContentId id, std::uint8_t flag);
 
   std::int64_t mixingVoiceCount();
-  std::int64_t mixingVoiceMaximum() { return setting(kMixingVoices).value_or(kDefaultMixingVoiceMaximum); }
-  void setMixingVoiceMaximum(std::int64_t most) { set(kMixingVoices, most); }
+  std::int64_t mixingVoiceMaximum() { return number(Settings::kMixingVoices); }
+  void setMixingVoiceMaximum(std::int64_t most) { set(Settings::kMixingVoices.name, most); }
 
   // The live models, each as bytes under one of the keys of LiveKeys.h.
   std::optional<Bytes> live(const std::string& key);
   std::vector<std::string> liveKeys();
   void storeLive(const std::string& key, std::span<const std::uint8_t> bytes);
 
+  // One that is out of its range is damaged: it throws DamagedPlace.
   std::optional<std::int64_t> setting(const std::string& name);
-  std::int64_t historyEntries() { return setting(Recorder::kEntries).value_or(Recorder::kDefaultEntries); }
-  std::int64_t historyMegabytes() { return setting(Recorder::kMegabytes).value_or(Recorder::kDefaultMegabytes); }
+  std::int64_t number(const Setting& setting) { return this->setting(setting.name).value_or(setting.otherwise); }
   void set(const std::string& setting, std::int64_t value);
 
   // The history. What changes from now on is of that run; without one it is of a verb without a name.
@@ -218,8 +221,6 @@ class Library {
   const std::filesystem::path& file() const { return file_; }
 
  private:
-  static constexpr const char* kMixingVoices = "mixing-voices";
-
   [[noreturn]] void fail(int sqliteCode, const std::string& text) const;
   template <typename Operation>
   auto run(Operation operation) const -> decltype(operation());
@@ -238,8 +239,6 @@ class Library {
   void requireIndexes() const;
   void endCopy() noexcept;
   std::optional<Held> heldNow(const Place& place);
-  std::optional<Held> heldByIndex(const Place& place);
-  void write(const Place& place, const std::optional<Held>& held);
   void replace(What what, const Place& place, const std::optional<Held>& before, const std::optional<Held>& after);
 
   std::filesystem::path file_;

@@ -17,15 +17,17 @@ constexpr Ways kLiveKeys{"SELECT key FROM live_model NOT INDEXED ORDER BY rowid"
 constexpr Ways kEntries{"SELECT number, time, undoes, verb, sources, bytes FROM entry ORDER BY number",
                         "SELECT number, time, undoes, verb, sources, bytes FROM entry ORDER BY number DESC"};
 constexpr Ways kChanges{
-    "SELECT kind, type, number, key, what, name_before, name_after, checksum_after "
-    "FROM change NOT INDEXED WHERE entry = ? ORDER BY rowid",
-    "SELECT kind, type, number, key, what, name_before, name_after, checksum_after "
-    "FROM change NOT INDEXED WHERE entry = ? ORDER BY rowid DESC"};
+    "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, "
+    "held_checksum <> checksum(held_name, held_bytes) FROM change NOT INDEXED WHERE entry = ? ORDER BY rowid",
+    "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, "
+    "held_checksum <> checksum(held_name, held_bytes) FROM change NOT INDEXED WHERE entry = ? ORDER BY rowid DESC"};
 constexpr Ways kChangesWithBytes{
-    "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, held_name, held_checksum, "
-    "held_bytes FROM change NOT INDEXED WHERE entry = ? ORDER BY rowid",
-    "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, held_name, held_checksum, "
-    "held_bytes FROM change NOT INDEXED WHERE entry = ? ORDER BY rowid DESC"};
+    "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, "
+    "held_checksum <> checksum(held_name, held_bytes), held_name, held_checksum, held_bytes FROM change NOT INDEXED "
+    "WHERE entry = ? ORDER BY rowid",
+    "SELECT kind, type, number, key, what, name_before, name_after, checksum_after, "
+    "held_checksum <> checksum(held_name, held_bytes), held_name, held_checksum, held_bytes FROM change NOT INDEXED "
+    "WHERE entry = ? ORDER BY rowid DESC"};
 constexpr Ways kContent{
     "SELECT name, bytes, checksum FROM content NOT INDEXED WHERE type = ? AND number = ? ORDER BY rowid",
     "SELECT name, bytes, checksum FROM content NOT INDEXED WHERE type = ? AND number = ? ORDER BY rowid DESC"};

@@ -6,6 +6,7 @@
 
 #include "contents/ContentFormat.h"
 #include "contents/Fingerprint.h"
+#include "contents/Settings.h"
 #include "models/LiveKeys.h"
 
 namespace Editor {
@@ -69,9 +70,15 @@ std::optional<std::uint8_t> flagIn(const Held& held) {
   return flag && std::in_range<std::uint8_t>(*flag) ? std::optional(std::uint8_t(*flag)) : std::nullopt;
 }
 
+std::optional<std::int64_t> settingIn(const Place& place, const Held& held) {
+  const std::optional<std::int64_t> number = numberIn(held.name);
+  const Setting* const setting = findRowSetting(place.key);
+  return number && (setting == nullptr || setting->has(*number)) ? number : std::nullopt;
+}
+
 bool isSound(const Place& place, const Held& held) {
   if (place.kind == Place::Kind::favourite && !flagIn(held)) return false;
-  if (place.kind == Place::Kind::setting && !numberIn(held.name)) return false;
+  if (place.kind == Place::Kind::setting && !settingIn(place, held)) return false;
   return isWhole(held);
 }
 

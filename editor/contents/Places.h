@@ -47,8 +47,9 @@ Held heldOf(const std::string& name, std::span<const std::uint8_t> bytes);
 Held heldOf(std::int64_t number);
 bool isWhole(const Held& held);
 std::optional<std::int64_t> numberIn(const std::string& text);  // nothing: there is none, or more than one
-// Of the place of one; nothing: no flag has that number.
+// Of the place of one; nothing: no flag has that number, or no such setting.
 std::optional<std::uint8_t> flagIn(const Held& held);
+std::optional<std::int64_t> settingIn(const Place& place, const Held& held);
 // Whether it can be put back there.
 bool isSound(const Place& place, const Held& held);
 

@@ -16,9 +16,10 @@ bool isOfHistory(const Place& place) {
   return place.kind == Place::Kind::setting && (place.key == Recorder::kEntries || place.key == Recorder::kMegabytes);
 }
 
-std::int64_t settingOf(Database& database, const char* name, std::int64_t otherwise) {
-  Query query(database.reading->setting, std::string(name));
-  return query.next() ? query.integer(0) : otherwise;
+// One that is damaged loses nobody his history.
+std::int64_t settingOf(Database& database, const Setting& setting) {
+  Query query(database.reading->setting, std::string(setting.name));
+  return query.next() && setting.has(query.integer(0)) ? query.integer(0) : setting.otherwise;
 }
 
 using Bytes = std::vector<std::uint8_t>;
@@ -50,9 +51,11 @@ std::string faultIn(const Query& row) {
   if (!isIn(0, Place::Kind::content, Place::Kind::setting)) return "a change of it is of no kind of place";
   if (!isIn(4, What::stored, What::set)) return "a change of it is of no kind";
   constexpr std::uint32_t kMost = 0xFFFFFFFF;
-  if (!isIn(1, 0, kMost) || !isIn(2, 0, kMost)) return "a change of it is of a place that there is not";
   const auto kind = Place::Kind(row.integer(0));
   const bool hasKey = kind == Place::Kind::live || kind == Place::Kind::setting;
+  const bool isThere = isIn(1, 0, kMost) && isIn(2, 0, kMost) &&
+                       (hasKey || isContent({row.number<std::uint32_t>(1), row.number<std::uint32_t>(2)}));
+  if (!isThere) return "a change of it is of a place that there is not";
   const bool isNamed =
       hasKey ? isIn(1, 0, 0) && isIn(2, 0, 0) && !row.blob<std::string>(3).empty() : row.blob<std::string>(3).empty();
   if (!isNamed) return "a change of it does not name its place as it must";
@@ -74,9 +77,7 @@ void Recorder::begin(LibraryRun run) {
   at_ = {};
 }
 
-bool Recorder::isOff(Database& database) const {
-  return !run_.undoes && settingOf(database, kEntries, kDefaultEntries) == 0;
-}
+bool Recorder::isOff(Database& database) const { return !run_.undoes && settingOf(database, Settings::kHistory) == 0; }
 
 bool Recorder::goesOn(Database& database) const {
   if (!at_.entry) return false;
@@ -99,7 +100,10 @@ void Recorder::open(Database& database) {
 
 void Recorder::record(Database& database, const Place& place, const std::optional<Held>& before,
                       const std::optional<Held>& after) {
-  if (isOfHistory(place)) return trim(database);
+  if (isOfHistory(place)) {
+    at_.hasSet = at_.hasSet || before != after;
+    return trim(database);
+  }
   if (before == after && !goesOn(database)) return;
   open(database);
   std::optional<Held> first = before;
@@ -145,21 +149,25 @@ bool Recorder::isEmpty(Database& database) const {
   return query.next() && query.integer(0) != 0;
 }
 
-void Recorder::finish(Database& database) {
-  if (!std::exchange(at_.hasRecorded, false)) return;
-  if (std::exchange(at_.hasBegun, false) && !run_.undoes && (isEmpty(database) || isOff(database))) {
+bool Recorder::finish(Database& database) {
+  const bool hasSet = std::exchange(at_.hasSet, false);
+  if (!std::exchange(at_.hasRecorded, false)) return hasSet;
+  const bool hasBegun = std::exchange(at_.hasBegun, false);
+  const bool isNothing = hasBegun && isEmpty(database);
+  if (hasBegun && !run_.undoes && (isNothing || isOff(database))) {
     Query(database.writing->removeChanges, *at_.entry).changes();
     Query(database.writing->removeEntry, *at_.entry).changes();
     at_.entry.reset();
   }
   if (untrimmed_ >= kUntrimmedBytes) trim(database);
+  return hasSet || !isNothing;
 }
 
 void Recorder::trim(Database& database) {
   untrimmed_ = 0;
-  std::int64_t most = settingOf(database, kEntries, kDefaultEntries);
+  std::int64_t most = settingOf(database, Settings::kHistory);
   if (most == 0) most = kDefaultEntries;  // off: what stands is kept
-  const std::int64_t bytes = settingOf(database, kMegabytes, kDefaultMegabytes) * kMegabyte - kUntrimmedBytes;
+  const std::int64_t bytes = settingOf(database, Settings::kHistorySize) * kMegabyte - kUntrimmedBytes;
   const auto isTooMuch = [&] {
     Query query(database.reading->sizeOfHistory);
     query.next();
@@ -203,8 +211,11 @@ RecordedChange recordedChange(const Query& row, bool withBytes) {
   change.nameBefore = text(5);
   change.nameAfter = text(6);
   if (!row.isNull(7)) change.checksumAfter = row.integer(7);
-  if (withBytes && !row.isNull(9))
-    change.before = Held{row.blob<std::string>(8), row.blob<std::vector<std::uint8_t>>(10), row.integer(9)};
+  const bool isNumber = change.place.kind == Place::Kind::favourite || change.place.kind == Place::Kind::setting;
+  change.wasDamaged =
+      row.integer(8) != 0 || (isNumber && change.nameBefore && !isSound(change.place, heldOf(*change.nameBefore, {})));
+  if (withBytes && !row.isNull(10))
+    change.before = Held{row.blob<std::string>(9), row.blob<std::vector<std::uint8_t>>(11), row.integer(10)};
   return change;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "contents/Places.h"
+#include "contents/Settings.h"
 
 namespace Editor {
 
@@ -36,6 +37,7 @@ struct RecordedChange {
   std::optional<std::string> nameBefore;  // nothing: it was empty; as nameIn() says
   std::optional<std::string> nameAfter;
   std::optional<std::int64_t> checksumAfter;
+  bool wasDamaged = false;     // what it held before: nothing can put that back
   std::optional<Held> before;  // only where it is asked for
   std::string fault;           // what is wrong with the row, in words: then nothing of it counts
 };
@@ -57,10 +59,9 @@ class Recorder {
  public:
   using Clock = std::chrono::system_clock::time_point (*)();
   static constexpr std::chrono::seconds kPause{60};
-  static constexpr std::int64_t kDefaultEntries = 1000;
-  static constexpr std::int64_t kDefaultMegabytes = 64;
-  static constexpr const char* kEntries = "history";  // 0: off
-  static constexpr const char* kMegabytes = "history-size";
+  static constexpr std::int64_t kDefaultEntries = Settings::kHistory.otherwise;
+  static constexpr const char* kEntries = Settings::kHistory.name;  // 0: off
+  static constexpr const char* kMegabytes = Settings::kHistorySize.name;
 
   explicit Recorder(Clock clock) : now_(clock) {}
 
@@ -72,8 +73,8 @@ class Recorder {
   void open(Database& database);
   void record(Database& database, const Place& place, const std::optional<Held>& before,
               const std::optional<Held>& after);
-  // Before an outermost transaction is committed.
-  void finish(Database& database);
+  // Before an outermost transaction is committed. False: the entry was to begin with it, and no place has changed.
+  bool finish(Database& database);
   // Removes the oldest entries that are too many or too large, never the newest.
   void trim(Database& database);
 
@@ -82,6 +83,7 @@ class Recorder {
     std::optional<std::int64_t> entry;
     bool hasRecorded = false;  // in the transaction that is open
     bool hasBegun = false;     // the entry, in that transaction
+    bool hasSet = false;       // a setting of the history, in that transaction
   };
   const Mark& mark() const { return at_; }
   void takeBack(const Mark& mark) { at_ = mark; }

@@ -183,10 +183,7 @@ void Handover::reloadIfPossible() {
 }
 
 std::string deviceNumberWords(const EditorJobTools& tools) {
-  const unsigned device = tools.liveSystem().system->utility.values()[SystemModel::kDeviceNumber];
-  if (device == unsigned(CMA::DeviceNumber_All)) return "all";
-  if (device == unsigned(CMA::DeviceNumber_Off)) return "off";
-  return std::to_string(device + 1);
+  return wordsOf(Settings::kDeviceNumber, tools.liveSystem().system->utility.values()[SystemModel::kDeviceNumber]);
 }
 
 }  // namespace Editor

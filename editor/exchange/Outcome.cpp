@@ -154,7 +154,7 @@ Touched touchedBy(const Reading& reading, const Handed& handed) {
     if (before) touched.replaced.emplace(name, before->name);
   };
   for (const Change& change : changes) {
-    if (change.before != change.after) {
+    if (change.before != change.after || change.wasDamaged) {
       touched.changed.push_back(change);
       touched.changed.back().what = whatBecame(change.place, change.before, change.after);
     }

@@ -12,7 +12,7 @@ namespace Editor {
 
 namespace {
 
-Candidate candidateOf(ContentId id, Library::Content content, std::uint8_t favourite) {
+Candidate candidateOf(ContentId id, Library::Content content, Library::Flag favourite) {
   return {nameOf(id), id, contentKindOf(id), std::move(content.name), favourite, std::move(content.bytes), {}};
 }
 
@@ -27,7 +27,7 @@ void forEachCandidate(EmbeddedEditor& editor, EditBuffers buffers, const std::fu
                       const std::function<void(const std::string&)>& visitDamaged) {
   const EmbeddedEditor::View oneState(editor);
   Library& library = editor.library();
-  std::map<ContentId, std::uint8_t> flags;
+  std::map<ContentId, Library::Flag> flags;
   for (const auto& [id, flag] : library.favourites()) flags[id] = flag;
   for (const ContentId id : library.contents()) {
     std::optional<Library::Content> content;
@@ -38,7 +38,7 @@ void forEachCandidate(EmbeddedEditor& editor, EditBuffers buffers, const std::fu
       visitDamaged(nameOf(id));
     }
     const auto flag = flags.find(id);
-    if (content) visit(candidateOf(id, std::move(*content), flag == flags.end() ? std::uint8_t(0) : flag->second));
+    if (content) visit(candidateOf(id, std::move(*content), flag == flags.end() ? Library::Flag(0) : flag->second));
   }
   if (buffers == EditBuffers::leftOut) return;
   for (const Target& target : storedLive(editor))
@@ -53,7 +53,7 @@ void forEachCandidate(EmbeddedEditor& editor, EditBuffers buffers, const std::fu
 std::optional<Candidate> findCandidate(EmbeddedEditor& editor, ContentId id) {
   std::optional<Library::Content> content = editor.library().content(id);
   if (!content) return std::nullopt;
-  return candidateOf(canonical(id), std::move(*content), editor.library().flag(id).value_or(0));
+  return candidateOf(canonical(id), std::move(*content), editor.library().flag(id));
 }
 
 void requireCandidate(const Target& target) {

@@ -17,8 +17,8 @@ struct Candidate {
   std::string place;            // readable
   std::optional<ContentId> id;  // nothing: an edit buffer
   ContentKind kind = ContentKind::voice;
-  std::string name;            // in the library's list; of an edit buffer the one inside
-  std::uint8_t favourite = 0;  // 0 for none
+  std::string name;             // in the library's list; of an edit buffer the one inside
+  Library::Flag favourite = 0;  // 0 for none
   std::vector<std::uint8_t> bytes;
   std::optional<std::uint64_t> message;  // of a message file: the first of its unit
 };

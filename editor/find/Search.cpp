@@ -87,7 +87,7 @@ bool Search::isItself(const Candidate& candidate) const {
 // What costs least comes first.
 bool Search::isWanted(Opened& candidate) const {
   if (wanted_.kind && candidate->kind != *wanted_.kind) return false;
-  if (wanted_.onlyFavourites && candidate->favourite == 0) return false;
+  if (wanted_.onlyFavourites && candidate->favourite.value_or(0) == 0) return false;
   if (!std::all_of(wanted_.names.begin(), wanted_.names.end(),
                    [&](const NamePattern& name) { return name.fits(candidate->name); }))
     return false;

@@ -27,6 +27,8 @@ class Checking {
 
   // What is left out of a list: of a table that is told already only places.
   void leftOut(const Library::Unread& unread) {
+    if (unread.place && unread.place->kind == Place::Kind::content)
+      return visit_({Checked::Kind::content, nameOf(*unread.place), State::damaged, unread.reason});
     const std::string reason = unread.place ? nameOf(*unread.place) + ": " + unread.reason : unread.reason;
     if (unread.place || told_.insert(unread.table).second)
       visit_({Checked::Kind::table, unread.table, State::damaged, reason});
@@ -35,10 +37,6 @@ class Checking {
   void contents() {
     inTable("content", [&] {
       for (const ContentId id : library_.contents()) {
-        if (!isContent(id)) {
-          visit_({Checked::Kind::content, nameOf(id), State::damaged, "there is no such place"});
-          continue;
-        }
         const ModelSet shape = emptySetFor(id);
         thing(contentAt(id), haveSameShape(shape, ModelSet()) ? std::vector<ModelSet>() : std::vector{shape});
       }
@@ -50,6 +48,17 @@ class Checking {
 
   void favourites() {
     inTable("favourite", [&] { library_.favourites(); });
+  }
+
+  void settings() {
+    inTable("setting", [&] {
+      for (const Setting& setting : Settings::kAll) {
+        const Place place = settingAt(setting.name);
+        const std::optional<Held> held = setting.parameter ? std::nullopt : library_.held(place);
+        if (held && !isSound(place, *held))
+          visit_({Checked::Kind::table, "setting", State::damaged, outOfRange(setting, held->name)});
+      }
+    });
   }
 
   void history() {
@@ -73,13 +82,28 @@ class Checking {
     }
   }
 
+  static std::string outOfRange(const Setting& setting, const std::string& number) {
+    return std::string(setting.name) + ": " + number + " is none of its values: " + setting.values;
+  }
+
+  // What is wrong with settings among the system settings that can be read; empty: nothing.
+  static std::string faultOf(const ModelSet& models) {
+    if (!models.system) return {};
+    for (const Setting& setting : Settings::kAll) {
+      if (!setting.parameter) continue;
+      const std::int64_t number = numberIn(*models.system, setting);
+      if (!setting.has(number)) return outOfRange(setting, wordsOf(setting, number));
+    }
+    return {};
+  }
+
   void damaged(const char* table, std::int64_t number, const std::string& what) {
     visit_({Checked::Kind::table, table, State::damaged, "entry " + std::to_string(number) + ": " + what});
   }
 
   void entry(const RecordedEntry& entry, const std::vector<RecordedEntry>& newestFirst) {
     const std::vector<RecordedChange> changes = library_.recordedChanges(entry.number, true);
-    if (const std::string fault = faultOf(entry, changes, newestFirst); !fault.empty())
+    if (const std::string fault = Editor::faultOf(entry, changes, newestFirst); !fault.empty())
       damaged("entry", entry.number, fault);
     for (const RecordedChange& change : changes)
       if (change.before && !isSound(change.place, *change.before))
@@ -100,7 +124,10 @@ class Checking {
       std::string reason = "nothing in this editor's format belongs there";
       for (ModelSet& shape : shapes) {
         const std::optional<std::string> wrong = decodeContent(held->bytes, shape);
-        if (!wrong) return tell(State::good, "");
+        if (!wrong) {
+          const std::string fault = faultOf(shape);
+          return tell(fault.empty() ? State::good : State::damaged, fault);
+        }
         reason = *wrong;
       }
       tell(shapes.empty() ? State::opaque : State::damaged, reason);
@@ -128,6 +155,7 @@ void checkLibrary(Library& library, const std::function<void(const Checked&)>& v
   checking.tables();
   checking.contents();
   checking.favourites();
+  checking.settings();
   checking.history();
   library.leaveOutUnread({});
 }

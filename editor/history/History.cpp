@@ -23,8 +23,10 @@ std::optional<std::string> valueOf(const Place& place, What what, const std::opt
 }
 
 PlaceChange placeChange(const Place& place, What what, const std::optional<std::string>& before,
-                        const std::optional<std::string>& after) {
-  return {nameOf(place), what, valueOf(place, what, before), valueOf(place, what, after)};
+                        const std::optional<std::string>& after, bool wasDamaged) {
+  std::optional<std::string> value = valueOf(place, what, before);
+  if (wasDamaged && isNumber(what)) value.reset();
+  return {nameOf(place), what, std::move(value), valueOf(place, what, after), wasDamaged};
 }
 
 constexpr std::uint8_t kBehind = 0xFF;  // the edit buffers: what has no header
@@ -107,7 +109,7 @@ const char* wordOf(What what) {
 
 PlaceChange toPlaceChange(const Change& change) {
   const auto name = [](const std::optional<Standing>& one) { return one ? std::optional(one->name) : std::nullopt; };
-  return placeChange(change.place, change.what, name(change.before), name(change.after));
+  return placeChange(change.place, change.what, name(change.before), name(change.after), change.wasDamaged);
 }
 
 std::vector<PlaceChange> changesOf(Library& library, std::int64_t entry) {
@@ -116,7 +118,8 @@ std::vector<PlaceChange> changesOf(Library& library, std::int64_t entry) {
   std::vector<PlaceChange> changes;
   for (const RecordedChange& change : recorded)
     if (change.fault.empty())
-      changes.push_back(placeChange(change.place, change.what, change.nameBefore, change.nameAfter));
+      changes.push_back(
+          placeChange(change.place, change.what, change.nameBefore, change.nameAfter, change.wasDamaged));
   return changes;
 }
 

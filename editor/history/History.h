@@ -19,8 +19,9 @@ struct PlaceChange {
   std::string place;
   What what = What::stored;
   // Names, nothing where the place is empty, "" of what bears none; of flags and settings the values.
-  std::optional<std::string> before;
+  std::optional<std::string> before;  // of flags and settings nothing, too, where it was damaged
   std::optional<std::string> after;
+  bool wasDamaged = false;  // what the place held before: an undo cannot bring it back
 
   friend bool operator==(const PlaceChange&, const PlaceChange&) = default;
 };

@@ -35,6 +35,7 @@ std::string showName(std::string_view latin1) {
 std::string showValue(const ParameterValue& value) {
   if (const auto* const number = std::get_if<std::int64_t>(&value)) return std::to_string(*number);
   if (const auto* const name = std::get_if<std::string>(&value)) return fmt::format("\"{}\"", showName(*name));
+  if (std::holds_alternative<std::monostate>(value)) return "damaged";
   return counted(std::get<std::vector<std::uint8_t>>(value).size(), "byte");
 }
 

@@ -66,8 +66,8 @@ std::string nameOf(const ModelSet& set);
 // Empties every name in a set, also those of its parts: what is left is how it sounds.
 void clearNames(ModelSet& set);
 
-// A parameter or another number; a name; the bytes of what is not made of parameters.
-using ParameterValue = std::variant<std::int64_t, std::string, std::vector<std::uint8_t>>;
+// A parameter or another number; a name; the bytes of what is not made of parameters; nothing: it is damaged.
+using ParameterValue = std::variant<std::int64_t, std::string, std::vector<std::uint8_t>, std::monostate>;
 
 // One place where two things differ: its path, and the value that each has there.
 struct ParameterDifference {

@@ -4,6 +4,7 @@
 
 #include <set>
 
+#include "contents/Settings.h"
 #include "exchange/AssistantHost.h"
 #include "exchange/Outcome.h"
 #include "messages/Messages.h"
@@ -143,7 +144,7 @@ ModelSet freshReceiver(const ModelSet& models) {
 std::string refuseUnreachable(const ModelSet& models) {
   if (!models.system) return {};
   const unsigned device = models.system->utility.values()[SystemModel::kDeviceNumber];
-  if (device <= unsigned(CMA::DeviceNumber_Off)) return {};
+  if (Settings::kDeviceNumber.has(device)) return {};
   return fmt::format("system.utility[{}]: {} is no device number (0 to 15, 16 is all, 17 is off)",
                      SystemModel::kDeviceNumber, device);
 }

@@ -20,7 +20,7 @@ constexpr std::array kPlanned{"would store", "would remove", "would rename", "wo
 
 nlohmann::ordered_json toJson(const PlaceChange& change, const std::optional<std::string>& value) {
   if (!value) return nullptr;
-  if (isNumber(change.what)) return std::stoll(*value);
+  if (const auto number = numberIn(*value); number && isNumber(change.what)) return *number;
   return latin1ToUtf8(*value);
 }
 
@@ -43,37 +43,41 @@ std::string detailOf(const PlaceChange& change) {
     case What::set:
       break;
   }
-  return fmt::format(": {}, was {}", *change.after, *change.before);
+  return fmt::format(": {}, was {}", *change.after, change.before.value_or("damaged"));
 }
 
 std::string toWords(const PlaceChange& change, const char* verb) {
-  return fmt::format("{}: {}{}", verb, change.place, detailOf(change));
+  return fmt::format("{}: {}{}{}", verb, change.place, detailOf(change), change.wasDamaged ? kOverDamage : "");
 }
 
 }  // namespace
 
 nlohmann::ordered_json toJson(const PlaceChange& change) {
-  return {{"content", change.place},
-          {"what", wordOf(change.what)},
-          {"before", toJson(change, change.before)},
-          {"after", toJson(change, change.after)}};
+  nlohmann::ordered_json json{{"content", change.place},
+                              {"what", wordOf(change.what)},
+                              {"before", toJson(change, change.before)},
+                              {"after", toJson(change, change.after)}};
+  if (change.wasDamaged) json["damaged"] = true;
+  return json;
 }
 
 std::string lineOf(const PlaceChange& change) { return toWords(change, wordOf(change.what)); }
 
 void tellChanges(const std::vector<PlaceChange>& changes, const ChangeOptions& options, Console& console) {
   std::map<What, std::size_t> counts;
+  std::map<What, std::size_t> untold;
   for (const PlaceChange& change : changes) {
     if (options.json)
       console.line(jsonLine(toJson(change)));
     else if (options.dryRun)
       console.line(toWords(change, kPlanned.at(std::size_t(change.what) - 1)));
-    else if (++counts[change.what] <= kMostAlike || console.isVerbose())
+    else if (++counts[change.what] <= kMostAlike || console.isVerbose() || change.wasDamaged)
       console.note(lineOf(change));
+    else
+      ++untold[change.what];
   }
-  for (const auto& [what, count] : counts)
-    if (count > kMostAlike && !console.isVerbose())
-      console.note(fmt::format("and {} more {}: all with -v", count - kMostAlike, wordOf(what)));
+  for (const auto& [what, count] : untold)
+    console.note(fmt::format("and {} more {}: all with -v", count, wordOf(what)));
   if (changes.empty()) console.note("nothing changes");
 }
 

@@ -19,6 +19,9 @@ struct ChangeOptions {
 // are twenty of a kind, and all with -v.
 void tellChanges(const std::vector<PlaceChange>& changes, const ChangeOptions& options, Console& console);
 
+// Behind a change of what was damaged. That is told of each, however many are alike.
+inline constexpr const char* kOverDamage = "; what was there is damaged, an undo cannot bring it back";
+
 // stored: voice:user1:6 "Piano", replaces "Strings"
 std::string lineOf(const PlaceChange& change);
 nlohmann::ordered_json toJson(const PlaceChange& change);

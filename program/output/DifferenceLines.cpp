@@ -21,6 +21,8 @@ std::string valuesOf(const ParameterDifference& parameter, const ParameterNames&
                      showValue(parameter.path, parameter.b, names));
 }
 
+bool isUnknown(const ParameterValue& value) { return std::holds_alternative<std::monostate>(value); }
+
 std::string lineOf(const ParameterDifference& parameter, const ParameterNames& names) {
   using Bytes = std::vector<std::uint8_t>;
   if (const auto* const bytes = std::get_if<Bytes>(&parameter.a))
@@ -29,6 +31,8 @@ std::string lineOf(const ParameterDifference& parameter, const ParameterNames& n
     const auto word = [](const auto& isIt) { return std::get<std::int64_t>(isIt) == 0 ? "good" : "damaged"; };
     return fmt::format("not compared: {} | {}", word(parameter.a), word(parameter.b));
   }
+  if (isUnknown(parameter.a) || isUnknown(parameter.b))
+    return fmt::format("{}: not compared: {}", parameter.path, valuesOf(parameter));
   return fmt::format("{}: {}", showPath(parameter.path, names), valuesOf(parameter, names));
 }
 
@@ -36,6 +40,7 @@ struct ToJson {
   Json operator()(std::int64_t number) const { return number; }
   Json operator()(const std::string& name) const { return latin1ToUtf8(name); }
   Json operator()(const std::vector<std::uint8_t>& bytes) const { return formatHex(bytes); }
+  Json operator()(std::monostate) const { return nullptr; }
 };
 
 Json jsonOf(const std::string& content, const Json& path, const Json& a, const Json& b) {
@@ -68,7 +73,8 @@ std::vector<std::string> detailsOf(const Difference& difference, const Parameter
 }
 
 std::string contentOf(const Difference& difference) {
-  return fmt::format("\"{}\"{}", showName(difference.name), difference.favourite == 0 ? "" : ", a favourite");
+  const char* const flag = !difference.favourite ? ", its favourite flag is damaged" : ", a favourite";
+  return fmt::format("\"{}\"{}", showName(difference.name), difference.favourite == 0 ? "" : flag);
 }
 
 std::vector<std::string> jsonOf(const Difference& difference, const ParameterNames& names) {

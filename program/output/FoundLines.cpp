@@ -44,7 +44,7 @@ std::string lineOf(const Found& found, bool withSource, const ParameterNames& na
   if (found.likeness) line += fmt::format("{:.6f}  ", *found.likeness);
   if (withSource) line += displayName(found.source) + ": ";
   line += fmt::format("{:<24} {}", content.place, showName(content.name));
-  if (content.favourite != 0) line += "  *favourite";
+  if (content.favourite.value_or(0) != 0) line += "  *favourite";
   for (const auto& [path, value] : found.asked)
     if (!names.nameOf(path).empty() || !names.nameOf(path, value).empty())
       line += fmt::format("  {}: {}", showPath(path, names), showValue(path, value, names));
@@ -56,7 +56,7 @@ std::string jsonOf(const Found& found, const ParameterNames& names) {
   Json json{{"source", found.source},
             {"content", content.place},
             {"name", latin1ToUtf8(content.name)},
-            {"favourite", content.favourite},
+            {"favourite", orNull(content.favourite)},
             {"kind", wordOf(content.kind)},
             {"hash", found.hash},
             {"group", orNull(found.group)},

@@ -37,6 +37,8 @@ std::string lineOf(const HistoryEntry& entry, const std::vector<PlaceChange>& ch
     line += fmt::format("{}{} {}", separator, count, wordOf(what));
     separator = ", ";
   }
+  for (const PlaceChange& change : changes)
+    if (change.wasDamaged) return line + fmt::format(" (cannot be undone: {} was damaged)", change.place);
   if (entry.undoneBy) line += fmt::format(" (undone by {})", *entry.undoneBy);
   return line;
 }

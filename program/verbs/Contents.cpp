@@ -24,8 +24,11 @@ namespace {
 
 struct Entry {
   ContentId id;
-  std::optional<Library::Content> content;    // nothing: only a favourite flag
-  std::optional<std::uint8_t> favourite = 0;  // nothing: the flag is damaged
+  std::optional<Library::Content> content;  // nothing: only a favourite flag, or it is damaged
+  bool isDamaged = false;
+  Library::Flag favourite = 0;  // nothing: the flag is damaged
+
+  bool isStored() const { return content || isDamaged; }
 };
 
 constexpr const char* kFavourite = "*";  // in a grid
@@ -54,8 +57,8 @@ class Selection {
 
 struct Found {
   std::vector<Entry> entries;
-  std::vector<Target> live;  // edit buffers, system and additional that were ever stored
-  std::vector<std::string> damaged;
+  std::vector<Target> live;     // edit buffers, system and additional that were ever stored
+  std::vector<Target> damaged;  // those of them that cannot be read
 };
 
 Found find(EmbeddedEditor& editor, const Selection& selection) {
@@ -66,10 +69,10 @@ Found find(EmbeddedEditor& editor, const Selection& selection) {
   for (const ContentId id : library.contents()) {
     if (!selection.has(id)) continue;
     try {
-      entries[id] = {id, library.content(id), 0};
+      entries[id] = {id, library.content(id)};
     } catch (const LibraryError& error) {
       if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
-      found.damaged.push_back(nameOf(id));
+      entries[id] = {id, {}, true};
     }
   }
   for (const auto& [id, flag] : library.favourites())
@@ -84,7 +87,7 @@ Found find(EmbeddedEditor& editor, const Selection& selection) {
       if (damageOf(editor.tools(), target).empty())
         found.live.push_back(std::move(target));
       else
-        found.damaged.push_back(target.name);
+        found.damaged.push_back(std::move(target));
     }
   return found;
 }
@@ -93,7 +96,8 @@ std::string toJsonLine(const Entry& entry) {
   nlohmann::ordered_json json{{"content", nameOf(entry.id)},
                               {"type", entry.id.type},
                               {"number", entry.id.number},
-                              {"stored", entry.content.has_value()}};
+                              {"stored", entry.isStored()}};
+  if (entry.isDamaged) json["damaged"] = true;
   if (entry.content) {
     const Fingerprint print = fingerprintOf(entry.id, entry.content->bytes);
     json["name"] = latin1ToUtf8(entry.content->name);
@@ -140,7 +144,10 @@ class Listing {
   void add(const Entry& entry) {
     const std::string name = nameOf(entry.id);
     beginBank(bankOfName(name));
+    if (entry.isDamaged)
+      return addCell(fmt::format("{:>3} (damaged)", behind(bank_, name)), fmt::format("{:<24} (damaged)", name));
     if (!entry.content) {
+      if (!entry.favourite) return;  // that is told
       emptyFavourites_ += emptyFavourites_.empty() ? "" : ", ";
       emptyFavourites_ += name == bank_ ? "the only one" : behind(bank_, name);
       return;
@@ -199,12 +206,16 @@ class Listing {
 // "3 contents, 2 edit buffers and the system settings stored"
 std::string countOf(const Found& found) {
   const auto countLive = [&](Target::Kind kind) {
-    return std::uint64_t(
-        std::count_if(found.live.begin(), found.live.end(), [&](const Target& live) { return live.kind == kind; }));
+    std::uint64_t count = 0;
+    for (const std::vector<Target>* const group : {&found.live, &found.damaged})
+      for (const Target& live : *group) count += live.kind == kind ? 1 : 0;
+    return count;
+  };
+  const auto countEntries = [&](auto isOne) {
+    return std::uint64_t(std::count_if(found.entries.begin(), found.entries.end(), isOne));
   };
   std::vector<std::string> counts;
-  const auto stored = std::uint64_t(std::count_if(found.entries.begin(), found.entries.end(),
-                                                  [](const Entry& entry) { return entry.content.has_value(); }));
+  const std::uint64_t stored = countEntries([](const Entry& entry) { return entry.isStored(); });
   if (stored > 0) counts.push_back(counted(stored, "content"));
   if (const std::uint64_t buffers = countLive(Target::Kind::editBuffer); buffers > 0)
     counts.push_back(counted(buffers, "edit buffer"));
@@ -213,7 +224,9 @@ std::string countOf(const Found& found) {
   if (counts.empty()) return "nothing stored";
   const std::string last = counts.back();
   counts.pop_back();
-  return fmt::format("{}{}{} stored", fmt::join(counts, ", "), counts.empty() ? "" : " and ", last);
+  const std::uint64_t damaged = found.damaged.size() + countEntries([](const Entry& one) { return one.isDamaged; });
+  return fmt::format("{}{}{} stored{}", fmt::join(counts, ", "), counts.empty() ? "" : " and ", last,
+                     damaged == 0 ? "" : fmt::format(" ({} damaged)", damaged));
 }
 
 }  // namespace
@@ -228,7 +241,9 @@ void contents(const Words& words, const ContentsOptions& options, Program& progr
     const bool isGrid = options.grid || (!options.lines && ::isatty(STDOUT_FILENO) != 0);
     Listing(program.console, isGrid).print(found, *editor);
   }
-  for (const std::string& name : found.damaged) program.leaveOutDamaged(name);
+  for (const Entry& entry : found.entries)
+    if (entry.isDamaged) program.tellDamaged(nameOf(entry.id));
+  for (const Target& live : found.damaged) program.leaveOutDamaged(live.name);
   program.console.note(countOf(found) + (selection.isAll() ? "" : " there"));
 }
 

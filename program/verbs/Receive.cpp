@@ -15,6 +15,7 @@
 #include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
+#include "output/ChangeLines.h"
 #include "output/LossReport.h"
 #include "output/OtherDevices.h"
 #include "output/OutputFile.h"
@@ -239,6 +240,9 @@ class Receiving {
         break;
       case Outcome::completed:
         say(fmt::format("{}: {} ({})", said("completed"), what, placeOf(message)));
+        for (const Change& change : record.changed)
+          if (change.place.kind == Place::Kind::favourite && change.wasDamaged)
+            say(fmt::format("{}: its favourite flag {}{}", nameOf(change.place), said("set"), kOverDamage));
         break;
       case Outcome::notOurs:
       case Outcome::ignored:
@@ -253,16 +257,20 @@ class Receiving {
     for (const std::string& content : record.contents) {
       const bool isRemoved = std::ranges::find(record.removed, content) != record.removed.end();
       const auto before = record.replaced.find(content);
-      say(fmt::format("{}: {} ({}){}", said(isRemoved ? "removed" : "stored"), content, placeOf(message),
-                      before == record.replaced.end() ? "" : wasIn(before->second, isRemoved)));
+      const bool wasDamaged = std::ranges::any_of(record.changed, [&](const Change& change) {
+        return change.wasDamaged && change.place.kind != Place::Kind::favourite && nameOf(change.place) == content;
+      });
+      say(fmt::format("{}: {} ({}){}{}", said(isRemoved ? "removed" : "stored"), content, placeOf(message),
+                      before == record.replaced.end() ? "" : wasIn(before->second, isRemoved),
+                      wasDamaged ? kOverDamage : ""));
     }
     // The edit buffers that a footer stores along with its own: the parts of a multi, the multi of a part.
     for (const Change& change : record.changed) {
       const std::string place = nameOf(change.place);
       if (change.place.kind != Place::Kind::live || std::ranges::find(record.contents, place) != record.contents.end())
         continue;
-      say(fmt::format("{}: {} ({}){}", said("stored with it"), place, placeOf(message),
-                      change.before ? wasIn(change.before->name, false) : ""));
+      say(fmt::format("{}: {} ({}){}{}", said("stored with it"), place, placeOf(message),
+                      change.before ? wasIn(change.before->name, false) : "", change.wasDamaged ? kOverDamage : ""));
     }
   }
 

@@ -10,6 +10,7 @@
 #include "input/InputFile.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
+#include "output/ChangeLines.h"
 #include "output/Complaints.h"
 #include "output/DifferenceLines.h"
 #include "output/OtherDevices.h"
@@ -130,7 +131,7 @@ class Restoring {
   void tell(std::vector<PlaceChange> changes) const {
     if (!options_.json && !console_.isVerbose() && !changes.empty()) {
       std::erase_if(changes, [](const PlaceChange& change) {
-        return change.what == What::flagged ? change.after != kNoFavourite : !change.before;
+        return !change.wasDamaged && (change.what == What::flagged ? change.after != kNoFavourite : !change.before);
       });
       if (changes.empty()) return;
     }
@@ -164,32 +165,38 @@ class Restoring {
     run.settle();
     const std::vector<PlaceChange> changes = changesOfRun(copy.library());
     if (options_.json) return tellChanges(changes, options_, console_);
-    run.commit();                                                  // to the copy
-    copy.tools().reload();                                         // what is damaged stays so
-    copy.library().leaveOutUnread([](const Library::Unread&) {});  // the library tells it
+    run.commit();           // to the copy
+    copy.tools().reload();  // what is damaged stays so
+    // What the messages do not touch is none of this verb's business.
+    for (EmbeddedEditor* const one : {&library, &copy}) one->library().leaveOutUnread([](const Library::Unread&) {});
+    std::set<std::string> overDamage;
+    for (const PlaceChange& change : changes)
+      if (change.wasDamaged) overDamage.insert(change.place);
     bool isAnyTold = false;
-    compareLibraries(library, copy, Reception::ignored, [&](const Difference& change) {
-      if (isDamagedInBoth(change)) return;  // messages do not damage: nothing has come there
+    compareLibraries(library, copy, Reception::ignored, [&](Difference change) {
+      if (std::erase_if(change.parameters, isDamagedInBoth) != 0 && change.parameters.empty() && change.names.empty())
+        return;  // messages do not damage: nothing has come there
       isAnyTold = true;
-      tell(change);
+      tell(change, overDamage.contains(change.target) ? kOverDamage : "");
     });
     if (!isAnyTold) console_.note("nothing would change");
     tellTally(copy.library().takeChanges(), changes);
   }
 
-  void tell(const Difference& change) {
+  void tell(const Difference& change, const char* overDamage) {
     switch (change.kind) {
       case Difference::Kind::onlyInFirst:
-        return console_.line(fmt::format("would remove: {}", change.target));
+        return console_.line(fmt::format("would remove: {}{}", change.target, overDamage));
       case Difference::Kind::onlyInSecond:
-        return console_.line(fmt::format("would store: {} {}", change.target, contentOf(change)));
+        return console_.line(fmt::format("would store: {} {}{}", change.target, contentOf(change), overDamage));
       case Difference::Kind::renamed:
         return console_.line(fmt::format("would rename: {}: {}", change.target, namesOf(change)));
       case Difference::Kind::different:
         break;
     }
     const std::vector<std::string> details = detailsOf(change);
-    console_.line(fmt::format("would change: {} ({})", change.target, counted(details.size(), "difference")));
+    console_.line(
+        fmt::format("would change: {} ({}){}", change.target, counted(details.size(), "difference"), overDamage));
     if (!console_.isVerbose()) return;
     for (const std::string& detail : details) console_.line("    " + detail);  // where the line above went
   }

@@ -266,8 +266,8 @@ TEST_F(History, aDamagedContentKeepsNoVerbFromTheOthers) {
       "0x3F0805");
   const Result contents = bda({"contents", "--json"});
   EXPECT_THAT(contents, Exits(3));
-  EXPECT_THAT(contents.out, AllOf(HasSubstr("voice:user1:7"), Not(HasSubstr("voice:user1:6"))));
-  EXPECT_THAT(contents.err, HasSubstr("voice:user1:6: left out: it is damaged"));
+  EXPECT_THAT(contents.out, HasSubstr("voice:user1:7"));
+  EXPECT_THAT(contents.err, HasSubstr("voice:user1:6: it is damaged"));
   const Result show = bda({"show", "voice:user1"});
   EXPECT_THAT(show, Exits(3));
   EXPECT_THAT(show.out, AllOf(HasSubstr("voice:user1:7:"), Not(HasSubstr("voice:user1:6:"))));
@@ -286,6 +286,11 @@ TEST_F(History, aDamagedContentKeepsNoVerbFromTheOthers) {
     EXPECT_THAT(undo.err, HasSubstr("voice:user1:6: what it held before is damaged"));
   }
   EXPECT_THAT(bda({"contents"}), Exits(0));
+}
+
+TEST_F(History, aSettingThatIsOffIsOffInItsChangeToo) {
+  EXPECT_EQ(json({"settings", "history", "off", "--json"}), change("history", "set", 1000, "off"));
+  EXPECT_EQ(json({"settings", "history", "7", "--json"}), change("history", "set", "off", 7));
 }
 
 // ---- Libraries of version 1 -----------------------------------------------------------------------------------------
@@ -310,4 +315,30 @@ TEST_F(History, aLibraryOfVersion1IsReadAsItIsAndMigratedByItsFirstChange) {
             R"([{"content":"voice:user1:6","what":"renamed","before":"Piano","after":"Grand"}])");
   ok({"undo"});
   ok({"diff", "library.db", "library.db.v1"});
+}
+
+TEST_F(History, aLibraryOfVersion1StaysOneToTheByteWhereNothingChanges) {
+  write("mix.syx", {fileDump({0x0C, 0x14, 0x02}, "Mix", {1, 2, 3}), dump({0x11, 0x01, 0x00}, {})});
+  std::filesystem::remove(libraryFile());
+  Editor::makeOldLibrary(libraryFile());
+  Editor::PlainDatabase{libraryFile()}("INSERT INTO contents VALUES(4, " +
+                                       std::to_string(Editor::mixingVoiceNumber(2, 4)) +
+                                       ", CAST('Mix' AS BLOB), x'010203'); DELETE FROM live");
+  ok({"backup", "-q", "-o", "all.syx"});
+  const std::string old = read("library.db");
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"rename", "voice:user1:6", "Piano"},
+                                                {"restore", "all.syx"},
+                                                {"restore", "mix.syx"},
+                                                {"receive", "all.syx"},
+                                                {"receive", "mix.syx"},
+                                                {"favourite", "voice:user1:6", "on"},
+                                                {"settings", "mixing-voices", "7"},
+                                                {"settings", "history", "1000"}}) {
+    ok(words);
+    EXPECT_TRUE(read("library.db") == old) << testing::PrintToString(words);
+    EXPECT_FALSE(exists("library.db.v1")) << testing::PrintToString(words);
+  }
+  ok({"settings", "history", "5"});
+  EXPECT_TRUE(read("library.db.v1") == old) << "what the history does not record is a change all the same";
+  EXPECT_EQ(bda({"settings", "history"}).out, "5\n");
 }

@@ -21,7 +21,7 @@ void PrintTo(const Change& change, std::ostream* out) { *out << change.name; }
 
 struct State {
   std::map<std::string, Editor::Library::Content> contents;
-  std::vector<std::pair<Editor::ContentId, std::uint8_t>> flags;
+  std::vector<std::pair<Editor::ContentId, Editor::Library::Flag>> flags;
   std::size_t entries = 0;
 
   friend bool operator==(const State&, const State&) = default;

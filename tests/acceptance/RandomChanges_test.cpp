@@ -58,7 +58,7 @@ class RandomChanges : public Program {
     State state;
     for (const Editor::ContentId id : library.contents())
       state.contents[Editor::nameOf(id)] = library.content(id).value();
-    for (const auto& [id, flag] : library.favourites()) state.flags[Editor::nameOf(id)] = flag;
+    for (const auto& [id, flag] : library.favourites()) state.flags[Editor::nameOf(id)] = flag.value();
     return state;
   }
 

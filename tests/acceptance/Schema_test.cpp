@@ -11,6 +11,7 @@
 
 #include "Library.h"
 #include "Program.h"
+#include "editor/contents/TemporaryLibrary.h"
 
 using Value = nlohmann::json;
 using valijson::adapters::NlohmannJsonAdapter;
@@ -29,8 +30,10 @@ const std::map<std::string, std::set<std::string>> kOptional{
     {"find", {"message", "parameters"}},
     {"diff", {"name", "aName", "bName"}},
     {"show", {"target", "voice"}},  // without it the rest is a multi
-    {"receive", {"name", "contents", "changes", "missing"}},
-    {"trace", {"name", "contents", "changes", "missing"}},
+    {"receive", {"name", "contents", "changes", "missing", "damaged"}},
+    {"trace", {"name", "contents", "changes", "missing", "damaged"}},
+    {"copy", {"damaged"}},
+    {"favourite", {"damaged"}},
 };
 
 // The messages of a stream.
@@ -226,6 +229,29 @@ TEST_F(Schema, everyVerbThatHasJsonPrintsWhatTheSchemaSays) {
     EXPECT_TRUE(definitions.contains(verb)) << verb;
     EXPECT_TRUE(ran_.contains(verb)) << verb << " is not run here";
   }
+}
+
+TEST_F(Schema, whatIsDamagedIsWhatTheSchemaSays) {
+  writeFiles();
+  bda({"receive", "-q", "voice.syx"});
+  bda({"copy", "-q", "voice:user1:6", "voice:user1:7"});
+  for (const char* place : {"voice:user1:7", "voice:user1:8"}) bda({"favourite", "-q", place, "on"});
+  const auto damage = [&] {
+    Editor::PlainDatabase{libraryFile()}(
+        "UPDATE content SET checksum = checksum + 1 WHERE number = 0x3F0805; UPDATE favourite SET flag = 300; "
+        "INSERT OR REPLACE INTO setting VALUES('history', 100001)");
+  };
+  damage();
+  bda({"backup", "-q", "-o", "rest.syx"});
+  exactly({"contents", "--json"});
+  exactly({"find", "--json"});
+  exactly({"diff", "library.db", "rest.syx", "--json"});
+  exactly({"check", "--json"});
+  exactly({"receive", "voice.syx", "--json"});
+  exactly({"favourite", "voice:user1:7..8", "off", "--json"});
+  printed("settings", {"settings", "history", "off", "--json"});
+  printed("settings", {"settings", "history", "5", "--json"});
+  exactly({"history", "--json"});
 }
 
 TEST_F(Schema, theManifestIsWhatTheSchemaSays) {

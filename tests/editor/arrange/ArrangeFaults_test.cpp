@@ -12,7 +12,7 @@ using Kind = Arrangement::Kind;
 // What there is in the file, as a program sees it that opens it now.
 struct State {
   std::vector<std::pair<ContentId, std::optional<Library::Content>>> contents;
-  std::vector<std::pair<ContentId, std::uint8_t>> flags;
+  std::vector<std::pair<ContentId, Library::Flag>> flags;
   ModelSet buffer;
 
   friend bool operator==(const State&, const State&) = default;

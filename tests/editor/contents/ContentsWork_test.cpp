@@ -357,7 +357,7 @@ TEST_F(ContentsWorkTest, AFailedRunOfFavouriteFlagsLeavesNone) {
   EXPECT_THAT(other.favourites(), IsEmpty());
   // No last flag comes; the next run is a new one.
   EXPECT_EQ(work.setContentFavoriteFlag(4, 3, 1, true), ContRes_Success);
-  EXPECT_THAT(other.favourites(), ElementsAre(std::pair(ContentId{4, 3}, std::uint8_t(1))));
+  EXPECT_THAT(other.favourites(), ElementsAre(std::pair(ContentId{4, 3}, Library::Flag(1))));
 }
 
 TEST_F(ContentsWorkTest, AnEmptySlotStillTellsItsFavouriteFlag) {

@@ -74,6 +74,42 @@ TEST_F(OldLibrary, IsNotMigratedByATransactionThatChangesNothing) {
   EXPECT_THAT(files(), ElementsAre("library.db"));
 }
 
+TEST_F(OldLibrary, IsNotMigratedByWhatStoresWhatIsThereOrTakesBackAllThatItDid) {
+  {
+    Library library(file);
+    library.store(kVoice, Bytes{1, 2, 3}, "Piano");
+    EXPECT_TRUE(library.rename(kVoice, "Piano"));
+    library.setFavourite(kVoice, 1);
+    library.storeLive("nobody", Bytes{9});
+    library.setMixingVoiceMaximum(7);
+    EXPECT_FALSE(library.remove(kMulti));
+    EXPECT_EQ(library.takeChanges().size(), 2U) << "they were stored and renamed, as whoever asked for it is told";
+    Library::Transaction transaction(library);
+    library.remove(kVoice);
+    library.store(kVoice, Bytes{1, 2, 3}, "Piano");
+    transaction.commit();
+    EXPECT_EQ(library.takeChanges().size(), 2U);
+    expectAsItWas(library);
+  }
+  EXPECT_EQ(bytesOfFile(file), old_);
+  EXPECT_THAT(files(), ElementsAre("library.db"));
+}
+
+TEST_F(OldLibrary, IsMigratedAfterAllByTheChangeThatComesNext) {
+  Library library(file);
+  {
+    Library::Transaction transaction(library);
+    library.remove(kVoice);
+    library.store(kVoice, Bytes{1, 2, 3}, "Piano");
+    transaction.commit();
+  }
+  library.set(Recorder::kEntries, 5);
+  EXPECT_EQ(bytesOfFile(copy()), old_);
+  library.store(kVoice, Bytes{4}, "Piano");
+  EXPECT_EQ(library.recordedEntries().size(), 1U);
+  EXPECT_EQ(library.number(Settings::kHistory), 5);
+}
+
 TEST_F(OldLibrary, IsMigratedByItsFirstChangeAndACopyOfEveryByteStaysBesideIt) {
   {
     Library library(file);

@@ -23,7 +23,7 @@ constexpr int kReopened = 3;  // before this round the library is closed and ope
 // All that a library holds, to be compared.
 struct State {
   std::map<ContentId, Library::Content> contents;
-  std::vector<std::pair<ContentId, std::uint8_t>> favourites;
+  std::vector<std::pair<ContentId, Library::Flag>> favourites;
 
   friend bool operator==(const State&, const State&) = default;
 };

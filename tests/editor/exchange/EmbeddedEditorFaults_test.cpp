@@ -26,7 +26,7 @@ constexpr Editor::ContentId kMulti{1, 4};
 struct State {
   Editor::ModelSet system;
   Editor::ModelSet multi;
-  std::vector<std::pair<Editor::ContentId, std::uint8_t>> favourites;
+  std::vector<std::pair<Editor::ContentId, Editor::Library::Flag>> favourites;
   std::optional<Editor::Library::Content> voice;
   std::optional<Editor::Library::Content> stored;
 
