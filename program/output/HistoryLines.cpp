@@ -37,9 +37,10 @@ std::string lineOf(const HistoryEntry& entry, const std::vector<PlaceChange>& ch
     line += fmt::format("{}{} {}", separator, count, wordOf(what));
     separator = ", ";
   }
-  for (const PlaceChange& change : changes)
-    if (change.wasDamaged) return line + fmt::format(" (cannot be undone: {} was damaged)", change.place);
   if (entry.undoneBy) line += fmt::format(" (undone by {})", *entry.undoneBy);
+  const auto damaged = std::find_if(changes.begin(), changes.end(), [](const auto& one) { return one.wasDamaged; });
+  if (damaged != changes.end())
+    line += fmt::format(" (cannot be undone: what {} held before is damaged)", damaged->place);
   return line;
 }
 

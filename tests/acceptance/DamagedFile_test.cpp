@@ -332,7 +332,8 @@ TEST_F(DamagedFile, aContentThatIsDamagedIsStoredAndToldWhenItIsOverwritten) {
       EXPECT_THAT(told, Exits(0));
       EXPECT_THAT(told.out + told.err, HasSubstr("what was there is damaged, an undo cannot bring it back")) << run[0];
     }
-    EXPECT_THAT(bda({"history", "-n", "1"}).out, HasSubstr("(cannot be undone: voice:user1:6 was damaged)"));
+    EXPECT_THAT(bda({"history", "-n", "1"}).out,
+                HasSubstr("(cannot be undone: what voice:user1:6 held before is damaged)"));
     EXPECT_THAT(bda({"history", "-n", "1", "-v"}).out, HasSubstr("an undo cannot bring it back"));
     EXPECT_THAT(bda({"history", "-n", "1", "--json"}).out, HasSubstr(R"("damaged":true)"));
     EXPECT_THAT(bda({"undo"}), Exits(3));
