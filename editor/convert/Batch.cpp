@@ -47,7 +47,7 @@ void BatchBuilder::add(std::span<const std::uint8_t> message) {
   take(follower_.next(reading, number));
   if (reading.role != Role::fileDump && reading.role != Role::trigger) return;
   for (const UnitReport& report : fileDumpFollowers_[*reading.device].next(reading, number))
-    for (const std::uint64_t fileDump : fileDumpsOf(report)) writtenBy_.insert_or_assign(fileDump, number);
+    for (const std::uint64_t fileDump : fileDumpsOf(report)) writtenBy_.emplace(fileDump, number);
 }
 
 void BatchBuilder::addJson(nlohmann::ordered_json object) {
@@ -88,9 +88,7 @@ void BatchBuilder::take(const std::vector<UnitReport>& reports) {
             {{Batch::Unit::Form::blocks, placeNameOf(report.address), report.address, kindOfBlocks(report)},
              report.messages});
         break;
-      case UnitReport::State::written:
-        for (const std::uint64_t fileDump : fileDumpsOf(report)) writtenBy_.emplace(fileDump, report.lastMessage);
-        break;
+      case UnitReport::State::written:  // for whatever device: those of their own are followed by themselves
       case UnitReport::State::held:
       case UnitReport::State::discarded:
         break;

@@ -35,8 +35,7 @@ struct Batch {
   struct Message {
     std::vector<std::uint8_t> bytes;
     std::optional<std::size_t> unit = {};  // which one it is part of; nothing: it is of none
-    // Of a trigger: the units that it has written. A file dump is written by the next one for its own device, and where
-    // none comes by the next of any.
+    // Of a trigger: the units that it has written. A file dump is written by the next one for its own device.
     std::vector<std::size_t> writes = {};
   };
 

@@ -301,6 +301,12 @@ TEST_F(Convert, deviceIsThatOfThisMakersMessages) {
   EXPECT_EQ(read("b.syx").substr(0, 4), text(kForeign));
 }
 
+TEST_F(Convert, selectTakesNoTriggerForAnotherDevice) {
+  write("a.syx", {fileDump({0x0C, 0x0A, 0x05}, "Piano", {1}), dump({0x11, 0x00, 0x00}, {}, 3)});
+  EXPECT_THAT(bda({"convert", "a.syx", "-o", "b.syx", "--select", "voice:user1:6"}), Exits(0));
+  EXPECT_EQ(read("b.syx"), text(fileDump({0x0C, 0x0A, 0x05}, "Piano", {1})));
+}
+
 TEST_F(Convert, selectTakesUnitsOnly) {
   write("a.syx", {kForeign, voice({0x0E, 0x0A, 0x05}), voice({0x0E, 0x0B, 0x05}), blockDump({0, 0, 0})});
   for (const std::vector<std::string>& words :

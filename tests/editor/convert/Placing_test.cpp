@@ -188,7 +188,7 @@ TEST_F(Placing, blocksBecomeAFileDumpWhereThereIsNoHeader) {
 
 TEST_F(Placing, aFileDumpBecomesBlocksWhereNobodyWritesOne) {
   const Bytes fileDump = ownFileDump({0x0C, 0x50, 0x02}, multiModels());
-  Batch batch = batchOf({{fileDump, kTrigger}});
+  Batch batch = batchOf({{fileDump, Editor::triggerFor(fileDump)}});
   EXPECT_THAT(place(batch, "multi:edit"), ElementsAre("multi.name"));
   EXPECT_THAT(placesOf(batch), ElementsAre("multi:edit"));
   std::vector<std::string> verdicts;
