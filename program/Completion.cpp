@@ -18,6 +18,8 @@
 #include "midi/Counted.h"
 #include "targets/ContentKind.h"
 #include "targets/Targets.h"
+#include "wire/Faults.h"
+#include "wire/Pace.h"
 
 namespace Editor {
 
@@ -62,7 +64,7 @@ class Completing {
     void (Completing::*offer)();
   };
   // How the verbs call their words and the values of their options.
-  static const std::array<Kind, 28> kKinds;
+  static const std::array<Kind, 32> kKinds;
 
   // What the tables call that word: several names are several possibilities, those that are none are words themselves.
   void offer(const std::string& placeholder) {
@@ -103,6 +105,21 @@ class Completing {
 
   void offerKinds() {
     for (const std::string& kind : contentKindWords()) tell(kind, "");
+  }
+
+  void offerPorts() {
+    tell("pty:", "a new pseudo terminal");
+    offerFiles();
+  }
+
+  void offerPaces() {
+    for (const auto& [name, pace] : kNamedPaces) tell(name, "");
+  }
+
+  // Of a list the last one.
+  void offerFaults() {
+    const std::string before = word_.substr(0, word_.rfind(',') + 1);
+    for (const std::string& name : faultNames()) tell(before + name + "=", "");
   }
 
   void offerSettings() {
@@ -224,7 +241,7 @@ class Completing {
   std::unique_ptr<Library> library_;
 };
 
-const std::array<Completing::Kind, 28> Completing::kKinds{{
+const std::array<Completing::Kind, 32> Completing::kKinds{{
     {"FILE", &Completing::offerFiles},
     {"IN", &Completing::offerFiles},
     {"OUT", &Completing::offerFiles},
@@ -237,6 +254,9 @@ const std::array<Completing::Kind, 28> Completing::kKinds{{
     {"REQUESTS", &Completing::offerFiles},
     {"LIBRARY", &Completing::offerFiles},
     {"DIR", &Completing::offerFolders},
+    {"PORT", &Completing::offerPorts},
+    {"PACE", &Completing::offerPaces},
+    {"LIST", &Completing::offerFaults},
     {"KIND", &Completing::offerKinds},
     {"ADDRESS", &Completing::offerAddresses},
     {"TARGET", &Completing::offerAddresses},
@@ -253,6 +273,7 @@ const std::array<Completing::Kind, 28> Completing::kKinds{{
     {"CONDITION", &Completing::offerNothing},
     {"OFFSET", &Completing::offerNothing},
     {"PATH", &Completing::offerNothing},
+    {"SECONDS", &Completing::offerNothing},
     {"MILLISECONDS", &Completing::offerNothing},
 }};
 

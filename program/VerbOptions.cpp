@@ -13,6 +13,7 @@
 #include "Help.h"
 #include "Manual.h"
 #include "targets/ContentKind.h"
+#include "wire/Faults.h"
 
 namespace Editor {
 
@@ -125,16 +126,20 @@ void addSalvage(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { salvage(given.words, given.salvage, program); }; });
 }
 
-// The option of the trace.
-CLI::Option* addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
-  verb.add_option("--port", options.port, "The port on which the messages arrive")
+void addPortNumber(CLI::App& verb, unsigned& port) {
+  verb.add_option("--port", port, "The port on which the messages arrive")
       ->type_name("1|4|5|6")
-      ->check([](const std::string& port) {
+      ->check([](const std::string& word) {
         constexpr std::array kPorts{"1", "4", "5", "6"};
-        const bool isPort = std::find(kPorts.begin(), kPorts.end(), port) != kPorts.end();
-        return isPort ? std::string() : fmt::format("\"{}\": expected 1, 4, 5 or 6", port);
+        const bool isPort = std::find(kPorts.begin(), kPorts.end(), word) != kPorts.end();
+        return isPort ? std::string() : fmt::format("\"{}\": expected 1, 4, 5 or 6", word);
       })
       ->capture_default_str();
+}
+
+// The option of the trace.
+CLI::Option* addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
+  addPortNumber(verb, options.port);
   return verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
       ->type_name("FILE")
       ->check(checkFileName);
@@ -238,6 +243,23 @@ void addFetch(CLI::App& app, Given& given, Program& program) {
   verb.add_flag("--dry-run", options.dryRun, kDryRun)->excludes(output);
   verb.add_flag("--json", options.json, "One object a unit");
   verb.callback([&] { given.verb = [&] { fetch(given.words, given.fetch, program); }; });
+}
+
+void addInstrument(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "instrument");
+  InstrumentOptions& options = given.instrument;
+  addPort(verb, "--on", "Where it answers: a MIDI device, a FIFO or two (IN,OUT), pty: (a new pseudo terminal), or -",
+          options.on);
+  verb.add_option(
+          "--faults", options.faults,
+          "What goes wrong how often, as drop=1%,delay=0.05:300: " + fmt::format("{}", fmt::join(faultNames(), ", ")))
+      ->type_name("LIST");
+  verb.add_option("--seed", options.seed, "Other faults of the same list; the same seed has the same")->type_name("N");
+  addPortNumber(verb, options.port);
+  verb.add_flag("--echo", options.echoes, "Send what the instrument echoes, too");
+  addPacing(verb, options.pace, options.pauses);
+  verb.add_flag("--json", options.json, "One object a line for each message, as the trace has it");
+  verb.callback([&] { given.verb = [&] { instrument(given.instrument, program); }; });
 }
 
 void addRequest(CLI::App& app, Given& given, Program& program) {
@@ -438,10 +460,11 @@ void addHelp(CLI::App& app, Given& given, Program& program) {
       [&] { given.verb = [&] { program.console.text(given.manual ? manualOf(app) : helpOf(app, given.setting)); }; });
 }
 
-constexpr std::array kVerbs{addList,    addVerify, addConvert,   addExplain,  addSalvage, addReceive, addRequest,
-                            addShow,    addApply,  addSettings,  addContents, addFind,    addBackup,  addRestore,
-                            addDiff,    addRename, addFavourite, addRemove,   addCopy,    addMove,    addSwap,
-                            addHistory, addUndo,   addCheck,     addScreen,   addRecord,  addFetch,   addHelp};
+constexpr std::array kVerbs{addList,    addVerify,  addConvert, addExplain,    addSalvage,   addReceive,
+                            addRequest, addShow,    addApply,   addSettings,   addContents,  addFind,
+                            addBackup,  addRestore, addDiff,    addRename,     addFavourite, addRemove,
+                            addCopy,    addMove,    addSwap,    addHistory,    addUndo,      addCheck,
+                            addScreen,  addRecord,  addFetch,   addInstrument, addHelp};
 
 }  // namespace
 

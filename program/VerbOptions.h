@@ -37,6 +37,7 @@ struct Given {
   SalvageOptions salvage;
   RecordOptions record;
   FetchOptions fetch;
+  InstrumentOptions instrument;
   bool brief = false;
   HistoryOptions history;
   std::optional<std::int64_t> entry;

@@ -1,20 +1,8 @@
 #include "wire/Pace.h"
 
-#include <array>
 #include <charconv>
-#include <utility>
 
 namespace Editor {
-
-namespace {
-
-constexpr std::array<std::pair<std::string_view, Pace>, 3> kNamed{{
-    {"cable", kCablePace},
-    {"usb", kUsbPace},
-    {"none", kNoPace},
-}};
-
-}  // namespace
 
 // In two parts: the product of the whole would not fit beyond 18 TB.
 WireTime Pace::timeOf(std::uint64_t bytes) const {
@@ -26,7 +14,7 @@ WireTime Pace::timeOf(std::uint64_t bytes) const {
 }
 
 std::optional<Pace> parsePace(std::string_view text) {
-  for (const auto& [name, pace] : kNamed)
+  for (const auto& [name, pace] : kNamedPaces)
     if (text == name) return pace;
   Pace pace;
   const auto [last, error] = std::from_chars(text.data(), text.data() + text.size(), pace.bytesPerSecond);

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "wire/WireTime.h"
 
@@ -21,8 +23,13 @@ struct Pace {
 inline constexpr Pace kCablePace{3'125};  // a MIDI cable: 31,250 baud, ten bits a byte
 inline constexpr Pace kUsbPace{1'000'000};
 inline constexpr Pace kNoPace{};
+inline constexpr std::array<std::pair<const char*, Pace>, 3> kNamedPaces{{
+    {"cable", kCablePace},
+    {"usb", kUsbPace},
+    {"none", kNoPace},
+}};
 
-// "cable", "usb", "none", or bytes a second from 1. Nothing: it is none of them.
+// One of those names, or bytes a second from 1. Nothing: it is none of them.
 std::optional<Pace> parsePace(std::string_view text);
 
 // What an instrument is given to work off what it got.

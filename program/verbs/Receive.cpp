@@ -2,22 +2,16 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <functional>
 #include <map>
 #include <memory>
 
 #include "exchange/Answers.h"
-#include "exchange/LogLines.h"
-#include "exchange/Tally.h"
 #include "exchange/WholeUnits.h"
-#include "history/History.h"
 #include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
-#include "output/ChangeLines.h"
-#include "output/LossReport.h"
-#include "output/OtherDevices.h"
+#include "output/MessageReport.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
 #include "output/Trace.h"
@@ -27,54 +21,21 @@ namespace Editor {
 
 namespace {
 
-// Where messages stand that something may still have to be said of when they have gone by.
-class Places {
- public:
-  void add(const InputMessage& message, const EmbeddedEditor& editor) {
-    if (places_.size() >= most_) forgetEnded(editor);
-    places_.emplace(message.number, Place{&message.file, message.offset});
-  }
-  std::string at(std::uint64_t number) const {
-    const Place& place = places_.at(number);
-    return placeOf({number, *place.file, place.offset, {}});
-  }
-
- private:
-  void forgetEnded(const EmbeddedEditor& editor) {
-    std::map<std::uint64_t, Place> open;
-    for (const UnitReport& unit : editor.openUnits())
-      if (auto place = places_.extract(unit.firstMessage); !place.empty()) open.insert(std::move(place));
-    places_ = std::move(open);
-    most_ = 2 * places_.size() + kFew;
-  }
-
-  struct Place {
-    const std::string* file;
-    std::uint64_t offset;
-  };
-  static constexpr std::size_t kFew = 100;
-  std::map<std::uint64_t, Place> places_;
-  std::size_t most_ = kFew;
-};
-
 class Receiving {
  public:
   Receiving(const Words& files, const ExchangeOptions& options, const ReceiveOptions& how, Program& program)
       : program_(program),
         console_(program.console),
-        isRehearsal_(how.dryRun),
-        saysJson_(how.json),
         port_(BDA::DevicePortNum(options.port)),
         input_(files),
-        losses_(console_),
-        refusals_(console_),
         progress_(program.console, "receive", "message", 0, input_.size()),
-        editor_(isRehearsal_ ? program.openToRehearse({"receive", files}) : program.openToChange({"receive", files})),
+        editor_(how.dryRun ? program.openToRehearse({"receive", files}) : program.openToChange({"receive", files})),
+        report_(program, *editor_, {port_, how.dryRun, how.json}),
         trace_(options.trace) {
     if (how.whole) whole_.emplace();
     if (!options.output.empty()) answers_.emplace(options.output);
     if (options.output == "-" || options.trace == "-") console_.keepOutputForBytes();
-    if (input_.isLive() || saysJson_) console_.flushEachLine();
+    if (input_.isLive() || how.json) console_.flushEachLine();
     if (options.anyDevice) editor_->takeAnyDevice();
   }
 
@@ -83,7 +44,7 @@ class Receiving {
     std::optional<Failure> failure;
     try {
       unusable = input_.read([this](const InputMessage& message) { receive(message); },
-                             [this](const InputLoss& loss) { losses_.add(loss); });
+                             [this](const InputLoss& loss) { report_.lose(loss); });
     } catch (const Failure& early) {
       failure = early;
     } catch (...) {
@@ -96,7 +57,7 @@ class Receiving {
       console_.problem(fmt::format("bda: {}", failure->what()));
       program_.endWith(failure->code());
     }
-    console_.note((isRehearsal_ ? "dry run, nothing is changed: " : "") + tally_.words());
+    console_.note(report_.words());
   }
 
  private:
@@ -105,13 +66,7 @@ class Receiving {
     progress_.end();
     if (whole_)
       for (const WholeUnits::Decided& decided : whole_->finish()) settle(decided);
-    for (const UnitReport& unit : editor_->openUnits())
-      complain(fmt::format("{}: {}", places_.at(unit.firstMessage),
-                           isHandled ? describeUnit(unit) : "what began here is not handled to its end, nor stored"));
-    refusals_.finish();
-    losses_.finish();
-    if (!losses_.areAllWhole()) program_.refuse();
-    otherDevices_.tell(console_);
+    report_.finish(isHandled);
     output([this] {
       if (answers_ && hasAnswers_) answers_->commit();
     });
@@ -129,11 +84,6 @@ class Receiving {
       program_.failOutput();
       return false;
     }
-  }
-
-  void complain(const std::string& text) {
-    console_.problem(text);
-    program_.refuse();
   }
 
   void receive(const InputMessage& message) {
@@ -162,12 +112,10 @@ class Receiving {
         if (isRefused && held.reading.role == Role::part) why = "a block of it was refused";
         continue;
       }
-      tally_.addRefused();
-      program_.refuse();
       const bool isAlone = decided.messages.size() == 1;
-      if (&held == &decided.messages.back())
-        refusals_.tell(isAlone && isBroken(held.reading) ? wordOf(held.reading.verdict) : "refused: not whole",
-                       fmt::format("{}: {}: {}{}", placeOf(message), said("refused"), withOthers(decided), why));
+      const char* const kind = isAlone && isBroken(held.reading) ? wordOf(held.reading.verdict) : "refused: not whole";
+      report_.refuse(&held == &decided.messages.back() ? kind : "",
+                     fmt::format("{}: {}: {}{}", placeOf(message), report_.said("refused"), withOthers(decided), why));
     }
   }
 
@@ -176,34 +124,20 @@ class Receiving {
     return count == 1 ? "" : fmt::format("{}: ", counted(count, "message"));
   }
 
-  // "stored", or what would be.
-  std::string said(const char* word) const { return fmt::format("{}{}", isRehearsal_ ? "would be " : "", word); }
-
-  void say(const std::string& line) {
-    if (!saysJson_) console_.line(line);
-  }
-
   Outcome hand(const InputMessage& message) {
     const Record record = handle(message);
-    places_.add(message, *editor_);
-    const bool isPassedOn = tell(message, record);
-    isPassedOn ? tally_.add(record) : tally_.addRefused();
-    const MessageOrigin origin{message.number, &message.file, message.offset};
-    if (saysJson_) console_.line(jsonOf(origin, port_, message.bytes, record));
+    const bool isAnswer = record.outcome == Outcome::answered && answers_;
+    const std::string unsendable = isAnswer ? whyUnsendable(record.sent) : "";
+    report_.tell(message, record, unsendable);
+    if (isAnswer && unsendable.empty()) keepAnswer(record);
     try {
-      trace_.add(origin, port_, message.bytes, record);
+      trace_.add({message.number, &message.file, message.offset}, port_, message.bytes, record);
       trace_.passOn();
     } catch (const Failure& failure) {
       throw Failure(failure.code(),
                     fmt::format("{}: {}; nothing after it is handled", placeOf(message), failure.what()));
     }
-    for (const UnitReport& unit : record.ended)
-      if (isBroken(unit) || !unit.note.empty()) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
-    for (const std::string& line : linesOf(record.log, record.reading)) console_.detail("    log: " + line);
-    const Reading& reading = record.reading;
-    if (record.outcome != Outcome::refused && reading.verdict == Reading::Verdict::fileDumpBroken)
-      complain(fmt::format("{}: {}", placeOf(message), describeFault(reading)));
-    if (record.libraryFailed && reading.kind == Reading::Kind::dump)
+    if (record.libraryFailed && record.reading.kind == Reading::Kind::dump)
       throw Failure(kWrongUsage, fmt::format("{}: the library failed, nothing after it is handled", placeOf(message)));
     return record.outcome;
   }
@@ -222,88 +156,13 @@ class Receiving {
     return asked(message, [&] { return editor_->handle(message.bytes, port_, message.number); });
   }
 
-  // False for an answer that cannot be passed on.
-  bool tell(const InputMessage& message, const Record& record) {
-    const std::string what = describeContent(record.reading);
-    switch (record.outcome) {
-      case Outcome::stored:
-        tellContents(message, record);
-        break;
-      case Outcome::refused:
-        refuse(message, record, what);
-        tellContents(message, record);
-        break;
-      case Outcome::answered:
-        return answer(message, record, what);
-      case Outcome::accepted:
-        console_.detail(fmt::format("{}: {} ({})", said("accepted"), what, placeOf(message)));
-        break;
-      case Outcome::completed:
-        say(fmt::format("{}: {} ({})", said("completed"), what, placeOf(message)));
-        for (const Change& change : record.changed)
-          if (change.place.kind == Place::Kind::favourite && change.wasDamaged)
-            say(fmt::format("{}: its favourite flag {}{}", nameOf(change.place), said("set"), kOverDamage));
-        break;
-      case Outcome::notOurs:
-      case Outcome::ignored:
-      case Outcome::nothingToSend:
-        say(fmt::format("{}: {} ({})", wordOf(record.outcome), what, placeOf(message)));
-        break;
-    }
-    return true;
-  }
-
-  void tellContents(const InputMessage& message, const Record& record) {
-    for (const std::string& content : record.contents) {
-      const bool isRemoved = std::ranges::find(record.removed, content) != record.removed.end();
-      const auto before = record.replaced.find(content);
-      const bool wasDamaged = std::ranges::any_of(record.changed, [&](const Change& change) {
-        return change.wasDamaged && change.place.kind != Place::Kind::favourite && nameOf(change.place) == content;
-      });
-      say(fmt::format("{}: {} ({}){}{}", said(isRemoved ? "removed" : "stored"), content, placeOf(message),
-                      before == record.replaced.end() ? "" : wasIn(before->second, isRemoved),
-                      wasDamaged ? kOverDamage : ""));
-    }
-    // The edit buffers that a footer stores along with its own: the parts of a multi, the multi of a part.
-    for (const Change& change : record.changed) {
-      const std::string place = nameOf(change.place);
-      if (change.place.kind != Place::Kind::live || std::ranges::find(record.contents, place) != record.contents.end())
-        continue;
-      say(fmt::format("{}: {} ({}){}{}", said("stored with it"), place, placeOf(message),
-                      change.before ? wasIn(change.before->name, false) : "", change.wasDamaged ? kOverDamage : ""));
-    }
-  }
-
-  // What stood in the place.
-  std::string wasIn(const std::string& name, bool isRemoved) const {
-    if (name.empty()) return isRemoved ? "" : ", replaces what was there";
-    const char* const verb = isRehearsal_ ? "it is" : "it was";
-    return fmt::format(", {} \"{}\"", isRemoved ? verb : "replaces", showName(name));
-  }
-
-  void refuse(const InputMessage& message, const Record& record, const std::string& what) {
-    program_.refuse();
-    const BDA::BulkDumpRefusal refusal = record.report.refusal;
-    if (refusal == BDA::BulkDumpRefusal::wrongDeviceNumber && !otherDevices_.add(*record.reading.device)) return;
-    refusals_.tell(fmt::format("refused: {}", wordsOf(refusal)),
-                   fmt::format("{}: {}: {}: {}", placeOf(message), said("refused"), what, escape(record.reason)));
-  }
-
-  bool answer(const InputMessage& message, const Record& record, const std::string& what) {
-    if (const std::string why = whyUnsendable(record.sent); answers_ && !why.empty()) {
-      complain(fmt::format("{}: {}: {}", placeOf(message), what, why));
-      return false;
-    }
-    say(fmt::format("{}: {}, {} ({})", said("answered"), what, counted(record.sent.size(), "message"),
-                    placeOf(message)));
-    if (!answers_) return true;
+  void keepAnswer(const Record& record) {
     hasAnswers_ = true;
     const bool isWritten = output([&] {
       for (const AssistantHost::Sent& sent : record.sent) answers_->write(sent.bytes);
       answers_->passOn();
     });
     if (!isWritten) answers_.reset();  // the run goes on: what it stores has nothing to do with that
-    return true;
   }
 
   struct Origin {
@@ -313,22 +172,16 @@ class Receiving {
 
   Program& program_;
   Console& console_;
-  const bool isRehearsal_;
-  const bool saysJson_;
   const BDA::DevicePortNum port_;
   InputStream input_;
-  LossReport losses_;
-  Complaints refusals_;
   Progress progress_;
   const std::unique_ptr<EmbeddedEditor> editor_;
+  MessageReport report_;
   Trace trace_;
   std::optional<OutputFile> answers_;
   bool hasAnswers_ = false;
   std::optional<WholeUnits> whole_;          // none: what comes is handed on at once
   std::map<std::uint64_t, Origin> origins_;  // of what is held back
-  Places places_;
-  OtherDevices otherDevices_;
-  Tally tally_;
 };
 
 }  // namespace

@@ -31,6 +31,8 @@ const std::map<std::string, std::set<std::string>> kOptional{
     {"diff", {"name", "aName", "bName"}},
     {"show", {"target", "voice"}},  // without it the rest is a multi
     {"receive", {"name", "contents", "changes", "missing", "damaged"}},
+    {"instrument", {"name", "contents", "changes", "missing", "damaged"}},
+    {"record", {"verdict"}},
     {"trace", {"name", "contents", "changes", "missing", "damaged"}},
     {"copy", {"damaged"}},
     {"favourite", {"damaged"}},
@@ -145,6 +147,24 @@ class Schema : public Program {
     isExact(arguments.front(), printed(arguments.front(), arguments));
   }
 
+  // What a verb prints of messages that arrive at standard input.
+  std::vector<Value> heard(const std::string& verb) {
+    const std::vector<std::string> words = verb == "record" ? std::vector<std::string>{"--from", "-", "-o", "heard.syx"}
+                                                            : std::vector<std::string>{"--on", "-"};
+    std::vector<std::string> arguments{verb, "--json", "-q"};
+    arguments.insert(arguments.end(), words.begin(), words.end());
+    std::vector<Value> objects;
+    const Definition fits(verb);
+    for (const std::string& line : lines(bda(arguments, read("all.syx")).err)) {
+      if (line.empty() || line[0] != '{') continue;
+      objects.push_back(Value::parse(line));
+      EXPECT_EQ(fits.misfit(objects.back()), "") << line;
+    }
+    EXPECT_FALSE(objects.empty());
+    ran_.insert(verb);
+    return objects;
+  }
+
   void writeFiles() {
     const Bytes voice = unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice);
     write("voice.syx", text(voice));
@@ -207,6 +227,7 @@ const std::vector<std::vector<std::string>> kRuns{
     {"remove", "voice:user1:8", "--dry-run", "--json"},
     {"undo", "--json"},
     {"history", "--json"},
+    {"fetch", "--json", "master:1", "--from", "pty:", "--timeout", "0"},
 };
 
 }  // namespace
@@ -221,6 +242,8 @@ TEST_F(Schema, everyVerbThatHasJsonPrintsWhatTheSchemaSays) {
       exactly(run);
     else
       bda(run);
+
+  for (const char* const verb : {"record", "instrument"}) isExact(verb, heard(verb));
 
   const Value definitions = schemaText().at("definitions");
   for (const std::string& line : lines(bda({"__complete", ""}).out)) {

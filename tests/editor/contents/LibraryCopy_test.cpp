@@ -83,7 +83,7 @@ TEST_F(OldLibrary, IsNotMigratedByWhatStoresWhatIsThereOrTakesBackAllThatItDid) 
     library.storeLive("nobody", Bytes{9});
     library.setMixingVoiceMaximum(7);
     EXPECT_FALSE(library.remove(kMulti));
-    EXPECT_EQ(library.takeChanges().size(), 2U) << "they were stored and renamed, as whoever asked for it is told";
+    EXPECT_EQ(library.takeChanges().size(), 4U) << "what was stored, renamed and set, as whoever asked for it is told";
     Library::Transaction transaction(library);
     library.remove(kVoice);
     library.store(kVoice, Bytes{1, 2, 3}, "Piano");

@@ -1,0 +1,94 @@
+// The verb instrument: the library answers at a port, as the instrument would.
+
+#include "wire/Instrument.h"
+
+#include <fmt/format.h>
+
+#include <memory>
+#include <optional>
+#include <stdexcept>
+
+#include "input/OpenPort.h"
+#include "messages/Text.h"
+#include "output/MessageReport.h"
+#include "output/Progress.h"
+#include "output/Trace.h"
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+namespace {
+
+std::vector<Fault> faultsOf(const std::string& list) {
+  try {
+    return list.empty() ? std::vector<Fault>() : parseFaults(list);
+  } catch (const std::invalid_argument& error) {
+    throw Failure(kWrongUsage, error.what());
+  }
+}
+
+class Serving final : public Instrument::Observer {
+ public:
+  Serving(const InstrumentOptions& options, Program& program)
+      : options_(options), program_(program), console_(program.console), faults_(faultsOf(options.faults)) {
+    if (options.on == "-") console_.keepOutputForBytes();
+    console_.flushEachLine();
+  }
+
+  void run() {
+    const std::unique_ptr<Port> port = openPort(options_.on, BytePort::Direction::both);
+    const auto number = BDA::DevicePortNum(options_.port);
+    port_ = port->name();
+    editor_ = program_.openToChange({"instrument", {port_}});
+    report_.emplace(program_, *editor_, MessageReport::Options{number, false, options_.json});
+    // Who made a terminal has to know where its other end is.
+    if (options_.on == "pty:") console_.line(port_);
+    console_.note(fmt::format("on {}", escape(port_)));
+    Progress progress(console_, "instrument", "message", 0);
+    progress_ = &progress;
+    Instrument instrument(*editor_,
+                          {.port = number, .echoes = options_.echoes, .faults = faults_, .seed = options_.seed},
+                          Pacer(options_.pace.value_or(port->defaultPace()), options_.pauses, port->takes()), *this);
+    std::optional<Failure> failure;
+    try {
+      runAt(*port, instrument);
+      failure = Failure(kInterrupted, "interrupted");
+    } catch (const PortError& gone) {
+      const bool isEnd = gone.kind() == PortError::Kind::gone && options_.on == "-";
+      if (!isEnd) failure = Failure(kWrongUsage, gone.what());
+    } catch (const LibraryError& error) {
+      failure =
+          Failure(kWrongUsage, fmt::format("the library failed, nothing more is handled: {}", escape(error.what())));
+    }
+    progress.end();
+    report_->finish(true);
+    console_.note(report_->words());
+    if (failure) throw *std::move(failure);
+  }
+
+ private:
+  void handled(std::uint64_t number, std::uint64_t offset, std::span<const std::uint8_t> message,
+               const Record& record) override {
+    report_->tell({number, port_, offset, message}, record);
+    progress_->show(1, message.size());
+  }
+  void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
+    report_->lose({port_, offset, count, describe(reason), kindOf(reason)});
+  }
+
+  const InstrumentOptions& options_;
+  Program& program_;
+  Console& console_;
+  const Interruptible interruptible_;
+  const std::vector<Fault> faults_;
+  std::string port_;
+  std::unique_ptr<EmbeddedEditor> editor_;
+  std::optional<MessageReport> report_;
+  Progress* progress_ = nullptr;
+};
+
+}  // namespace
+
+void instrument(const InstrumentOptions& options, Program& program) { Serving(options, program).run(); }
+
+}  // namespace Editor

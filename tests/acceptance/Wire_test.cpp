@@ -1,0 +1,182 @@
+// The program at a port: an instrument at a pseudo terminal, and who asks it.
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <thread>
+
+#include "Library.h"
+#include "Program.h"
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+class Wire : public Program {
+ protected:
+  // `bda instrument` on a library of its own, until it is stopped.
+  class Serving {
+   public:
+    explicit Serving(const std::string& command) : pipe_(::popen(("echo $$; exec " + command).c_str(), "r"), ::pclose) {
+      child_ = pid_t(std::stol(line()));
+      path = line();
+    }
+    ~Serving() { stop(); }
+    int stop() {
+      if (pipe_ == nullptr) return -1;
+      ::kill(child_, SIGINT);
+      std::string rest;
+      for (std::string next = line(); !next.empty(); next = line()) rest += next + "\n";
+      told = rest;
+      const int status = ::pclose(pipe_.release());
+      return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    std::string path;
+    std::string told;  // once it is stopped: behind the path
+
+   private:
+    std::string line() {
+      std::string text;
+      for (int c = std::fgetc(pipe_.get()); c != EOF && c != '\n'; c = std::fgetc(pipe_.get())) text += char(c);
+      return text;
+    }
+
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe_;
+    pid_t child_ = 0;
+  };
+
+  Serving serve(const std::string& options = "") {
+    return Serving(std::string(BDA_PROGRAM) + " instrument --on pty: --pace none --library '" +
+                   (directory / "instrument.db").string() + "' " + options + " 2>/dev/null");
+  }
+  Result fetch(const Serving& instrument, std::vector<std::string> words) {
+    words.insert(words.begin(), "fetch");
+    words.insert(words.end(), {"--from", instrument.path, "--timeout", "0.3"});
+    return bda(words);
+  }
+  void fillInstrument() {
+    write("all.syx",
+          {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 0x41), unit({0x0E, 0x70, 0x03}, BDA::List::master),
+           unit({0x0E, 0x5F, 0x00}, BDA::List::multi), systemDump(1)});
+    EXPECT_THAT(bda({"receive", "-q", "all.syx", "--library", directory / "instrument.db"}), Exits(0));
+  }
+};
+
+}  // namespace
+
+TEST_F(Wire, whatAnInstrumentHoldsIsFetchedIntoTheLibrary) {
+  fillInstrument();
+  Serving instrument = serve();
+  EXPECT_THAT(instrument.path, StartsWith("/dev/"));
+  const Result fetched = fetch(instrument, {"file:voice:user1:6", "master:4", "multi:edit", "system"});
+  EXPECT_THAT(fetched, Exits(0));
+  EXPECT_THAT(fetched.out, StartsWith("stored: file:voice:user1:6\nstored: master:4\nstored: multi:edit\n"
+                                      "stored: system:common\n"));
+  EXPECT_THAT(fetched.err, HasSubstr("17 stored\n"));
+  EXPECT_EQ(instrument.stop(), 130);
+  EXPECT_THAT(instrument.told, HasSubstr("answered: request of file dump of voice user1:6, 1 message ("));
+  EXPECT_THAT(bda({"diff", "library.db", "instrument.db", "--brief"}), Exits(0));
+  EXPECT_EQ(objects({"history", "--json"}).size(), 1u);
+  EXPECT_THAT(bda({"undo", "-q"}), Exits(0));
+}
+
+TEST_F(Wire, aUnitThatReplacesAnotherSaysWhichAndIsOneObject) {
+  fillInstrument();
+  write("old.syx", {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 0x42)});
+  bda({"receive", "-q", "old.syx"});
+  bda({"rename", "-q", "voice:user1:6", "Old"});
+  Serving instrument = serve();
+  EXPECT_THAT(fetch(instrument, {"voice:user1:6", "--dry-run"}).out,
+              HasSubstr("would be stored: voice:user1:6, replaces \"Old\""));
+  EXPECT_EQ(
+      objectsOf(fetch(instrument, {"voice:user1:6..7", "file:voice:user1:8", "--json"}).out),
+      objectsOf(R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"stored","tries":1,"missing":[],"reason":""}
+{"unit":"voice:user1:7","address":"0E 0A 06","state":"empty","tries":3,"missing":[],"reason":""}
+{"unit":"file:voice:user1:8","address":"0C 0A 07","state":"empty","tries":1,"missing":[],"reason":""})"));
+  EXPECT_THAT(fetch(instrument, {"voice:user1:7"}), Exits(3)) << "asked for by its name, it may be lost";
+  EXPECT_THAT(fetch(instrument, {"file:voice:user1:8"}), Exits(0));
+}
+
+TEST_F(Wire, intoAFileTheAnswersGoByteForByte) {
+  fillInstrument();
+  Serving instrument = serve();
+  EXPECT_THAT(fetch(instrument, {"master:4", "file:voice:user1:6", "file:voice:user1:7", "-o", "got.syx", "--trigger"}),
+              Exits(0));
+  instrument.stop();
+  const std::string before = files().size() > 0 ? read("got.syx") : "";
+  bda({"request", "master:4", "file:voice:user1:6", "--library", directory / "instrument.db", "-o", "asked.syx"});
+  EXPECT_EQ(before, read("asked.syx") + text(dump(Editor::kWriteTrigger)));
+}
+
+TEST_F(Wire, nobodyAtTheOtherEndIsSaid) {
+  Serving instrument = serve("--faults deaf=1");
+  const Result fetched =
+      fetch(instrument, {"voice:user1:6", "master:1", "--retries", "1", "--requests", "r.syx", "--json"});
+  EXPECT_THAT(fetched, Exits(3));
+  const std::vector<Json> units = objectsOf(fetched.out);
+  ASSERT_EQ(units.size(), 2u);
+  EXPECT_EQ(units[0]["reason"], "silent");
+  EXPECT_EQ(units[0]["tries"], 2);
+  EXPECT_EQ(units[1]["reason"], "silent");
+  EXPECT_EQ(units[1]["tries"], 0);
+  EXPECT_EQ(read("r.syx"), text(request({0x0E, 0x0A, 0x05})) + text(request({0x0E, 0x70, 0x00})));
+}
+
+TEST_F(Wire, allOrNothingIsNothingWhereOneIsLost) {
+  fillInstrument();
+  Serving instrument = serve("--faults deaf=1:1");
+  const Result fetched = fetch(instrument, {"master:4", "multi:edit", "--atomic"});
+  EXPECT_THAT(fetched, Exits(3));
+  EXPECT_EQ(fetched.out, "");
+  EXPECT_THAT(fetched.err, AllOf(HasSubstr("lost: multi:edit: silent (3 tries)"),
+                                 HasSubstr("lost: master:4: not stored: others are lost")));
+  EXPECT_EQ(library().contents().size(), 0u);
+}
+
+TEST_F(Wire, portsThatCannotBeOpenedAreUnusableInput) {
+  for (const char* const port : {"/nobody/here", "/dev", "midi 7", "all.syx"}) {
+    write("all.syx", {dump(Editor::kWriteTrigger)});
+    EXPECT_THAT(bda({"fetch", "master:1", "--from", port}), Exits(2)) << port;
+    EXPECT_THAT(bda({"record", "--from", port, "-o", "a.syx"}), Exits(2)) << port;
+    EXPECT_THAT(bda({"instrument", "--on", port}), Exits(2)) << port;
+  }
+  EXPECT_THAT(bda({"fetch", "screen", "--from", "-"}), Exits(1));
+  EXPECT_THAT(bda({"fetch", "master:1", "--from", "-", "-o", "-"}), Exits(1));
+  EXPECT_THAT(bda({"record", "--from", "-", "-o", "-"}), Exits(1));
+  EXPECT_THAT(bda({"instrument", "--on", "pty:", "--faults", "dorp=1"}), Exits(1));
+  EXPECT_THAT(bda({"instrument", "--on", "pty:", "--pace", "0"}), Exits(1));
+  EXPECT_FALSE(exists("a.syx"));
+}
+
+TEST_F(Wire, standardInputAndOutputAreAPort) {
+  fillInstrument();
+  const std::string asked = text(request({0x0E, 0x70, 0x03}));
+  const Result answered = bda({"instrument", "--on", "-", "--json", "--library", directory / "instrument.db"}, asked);
+  EXPECT_THAT(answered, Exits(0));
+  bda({"request", "master:4", "--library", directory / "instrument.db", "-o", "asked.syx"});
+  EXPECT_EQ(answered.out, read("asked.syx"));
+  const Result fetched = bda({"fetch", "master:4", "--from", "-", "--json"}, answered.out);
+  EXPECT_THAT(fetched, Exits(0));
+  EXPECT_EQ(fetched.out, asked);
+  EXPECT_THAT(fetched.err, HasSubstr(R"({"unit":"master:4")"));
+}
+
+TEST_F(Wire, whatArrivesIsRecordedMessageByMessage) {
+  const std::string voice = text(unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice));
+  const Result whole = bda({"record", "--from", "-", "-o", "a.syx"}, "noise" + voice);
+  EXPECT_THAT(whole, Exits(0));
+  EXPECT_EQ(read("a.syx"), voice);
+  EXPECT_THAT(whole.err, AllOf(HasSubstr("voice:user1:6: complete"), HasSubstr("26 messages, 1 unit whole, 0 broken")));
+  EXPECT_THAT(bda({"record", "--from", "-", "-o", "b.syx"}, voice + voice.substr(0, voice.size() - 5)), Exits(3));
+  EXPECT_EQ(read("b.syx"), voice + voice.substr(0, voice.size() - 12));
+  const Result nothing = bda({"record", "--from", "pty:", "-o", "c.syx", "--quiet-after", "0.1"});
+  EXPECT_THAT(nothing, Exits(0));
+  EXPECT_THAT(nothing.err, HasSubstr("nothing came: nothing is written"));
+  EXPECT_FALSE(exists("c.syx"));
+}
