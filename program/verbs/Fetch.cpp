@@ -147,8 +147,7 @@ class Fetching {
       return;
     }
     if (!options_.dryRun) program_.noteChange();
-    for (std::size_t i = 0; i < units.size(); ++i)
-      tell(units[i], stateOf(units[i], State::stored), "", replacedBy(units[i], result));
+    for (const Fetched& unit : units) tell(unit, stateOf(unit, State::stored), "", replacedBy(unit, result));
   }
 
   void lose(Fetched& unit, const char* reason, const std::string& why) {
