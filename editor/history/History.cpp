@@ -118,8 +118,7 @@ std::vector<PlaceChange> changesOf(Library& library, std::int64_t entry) {
   std::vector<PlaceChange> changes;
   for (const RecordedChange& change : recorded)
     if (change.fault.empty())
-      changes.push_back(
-          placeChange(change.place, change.what, change.nameBefore, change.nameAfter, change.wasDamaged));
+      changes.push_back(placeChange(change.place, change.what, change.nameBefore, change.nameAfter, change.wasDamaged));
   return changes;
 }
 
