@@ -5,20 +5,20 @@
 
 namespace Editor {
 
-void Asking::ask(BulkAddress address, unsigned retries, WireTime now) {
+void Asking::ask(BulkAddress address, WireTime now) {
   asked_ = address;
-  retries_ = retries;
   result_ = {};
   isDecided_ = false;
-  request(now);
+  asksForAnybody_ = false;
+  ++result_.tries;
+  request(address, now);
 }
 
-void Asking::request(WireTime now) {
-  answer_.emplace(asked_, terms_.device);
+void Asking::request(BulkAddress address, WireTime now) {
+  answer_.emplace(address, terms_.device);
   heardAt_.reset();
   bytes_ = 0;
-  ++result_.tries;
-  pacer_.push({requestMessage(asked_, terms_.device)}, now);
+  pacer_.push({requestMessage(address, terms_.device)}, now);
 }
 
 void Asking::receive(std::span<const std::uint8_t> bytes, WireTime now) {
@@ -31,13 +31,14 @@ void Asking::receive(std::span<const std::uint8_t> bytes, WireTime now) {
   joiner_.feed(bytes);
   if (isHeard_) {
     heardAt_ = now;
-    result_.isAnythingHeard = true;
+    (asksForAnybody_ ? result_.isSomebodyThere : result_.isAnythingHeard) = true;
   }
   if (answer_ && answer_->isEnded()) endTry(now);
   pass(now);
 }
 
 void Asking::message(std::span<const std::uint8_t> bytes, std::uint64_t /*offset*/) {
+  if (filter_ && filter_(bytes)) return;
   const Reading reading = readMessage(bytes);
   if (reading.kind == Reading::Kind::foreign) {
     overheard_.isOtherModelHeard = overheard_.isOtherModelHeard || isOfThisMaker(bytes);
@@ -62,12 +63,23 @@ void Asking::pass(WireTime now) {
 }
 
 void Asking::endTry(WireTime now) {
-  result_.isBroken = result_.isBroken || answer_->isBroken();
-  const bool isAnswered = answer_->state() == Answer::State::whole || answer_->state() == Answer::State::empty;
-  if (!isAnswered && result_.tries <= retries_) return request(now);
+  constexpr BulkAddress kWhatEveryoneHas{0x00, 0x00, 0x00};  // system common
+  if (asksForAnybody_) return decide();
   result_.state = answer_->state();
-  result_.missing = isAnswered ? std::vector<BulkAddress>() : answer_->missing();
-  if (isAnswered) result_.messages = answer_->takeMessages();
+  result_.isBroken = result_.isBroken || answer_->isBroken();
+  result_.missing = result_.isAnswered() ? std::vector<BulkAddress>() : answer_->missing();
+  if (result_.isAnswered()) result_.messages = answer_->takeMessages();
+  if (!result_.isAnswered() && result_.tries <= terms_.retries) {
+    ++result_.tries;
+    return request(asked_, now);
+  }
+  asksForAnybody_ = !result_.isAnythingHeard;
+  if (!asksForAnybody_) return decide();
+  result_.isSomebodyThere = false;
+  request(kWhatEveryoneHas, now);
+}
+
+void Asking::decide() {
   answer_.reset();
   isDecided_ = true;
 }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "midi/StreamJoiner.h"
@@ -27,6 +29,9 @@ struct Overheard {
 
 // Asks an instrument for one unit, and again while the answer does not come or is not whole. It writes requests to a
 // pacer and reads what arrives; who owns both sends and waits.
+//
+// Where nothing comes of an answer the instrument is asked once for what every instrument has: is nobody there, or has
+// it nothing to say?
 class Asking final : private StreamJoiner::Receiver {
  public:
   struct Result {
@@ -34,17 +39,22 @@ class Asking final : private StreamJoiner::Receiver {
     unsigned tries = 0;                         // requests that went out
     bool isAnythingHeard = false;               // some of an answer, in any try
     bool isBroken = false;                      // dumps came that were broken, in any try
+    bool isSomebodyThere = true;                // false: nothing came, also of what every instrument has
     std::vector<BulkAddress> missing;
     std::vector<std::vector<std::uint8_t>> messages;  // whole and empty: the answer
 
     bool isAnswered() const { return state == Answer::State::whole || state == Answer::State::empty; }
   };
 
+  // Whether a message that arrives is to be passed over.
+  using Filter = std::function<bool(std::span<const std::uint8_t>)>;
+
   // The pacer outlives this object.
-  Asking(Pacer& pacer, const AskingTerms& terms) : pacer_(pacer), terms_(terms), joiner_(*this, kLongestMessage) {}
+  Asking(Pacer& pacer, const AskingTerms& terms, Filter filter = {})
+      : pacer_(pacer), terms_(terms), filter_(std::move(filter)), joiner_(*this, kLongestMessage) {}
 
   // Begins. The last question is decided.
-  void ask(BulkAddress address, unsigned retries, WireTime now);
+  void ask(BulkAddress address, WireTime now);
   void receive(std::span<const std::uint8_t> bytes, WireTime now);
   void pass(WireTime now);
   // When it wants to be asked next, beside the pacer; nothing: it does not wait for anything.
@@ -62,16 +72,18 @@ class Asking final : private StreamJoiner::Receiver {
 
   void message(std::span<const std::uint8_t> bytes, std::uint64_t offset) override;
   void dropped(std::uint64_t /*offset*/, std::uint64_t /*count*/, StreamJoiner::Reason /*reason*/) override {}
-  void request(WireTime now);
+  void request(BulkAddress address, WireTime now);
   void endTry(WireTime now);
+  void decide();
 
   Pacer& pacer_;
   const AskingTerms terms_;
+  const Filter filter_;
   StreamJoiner joiner_;
   Overheard overheard_;
 
   BulkAddress asked_{};
-  unsigned retries_ = 0;
+  bool asksForAnybody_ = false;      // after the last try
   std::optional<Answer> answer_;     // of this try
   std::optional<WireTime> heardAt_;  // when something of the answer came last in this try
   WireTime byteAt_{};                // when any byte of a message did

@@ -11,8 +11,6 @@ namespace Editor {
 
 namespace {
 
-constexpr BulkAddress kWhatEveryoneHas{0x00, 0x00, 0x00};  // system common
-
 // Places that are not answered while nothing is stored there.
 bool isSilentWhenEmpty(BulkAddress address) {
   return findBlock(address)->role == Role::header && !editBufferOf(address.mid) && address.mid != BDA::kMixingVoiceMid;
@@ -38,14 +36,10 @@ const char* wordOf(Fetched::State state) {
 }
 
 Fetch::Fetch(std::vector<BulkAddress> units, const AskingTerms& terms, Pacer pacer, Receiver receiver)
-    : units_(std::move(units)),
-      retries_(terms.retries),
-      receiver_(std::move(receiver)),
-      pacer_(std::move(pacer)),
-      asking_(pacer_, terms) {}
+    : units_(std::move(units)), receiver_(std::move(receiver)), pacer_(std::move(pacer)), asking_(pacer_, terms) {}
 
 void Fetch::begin(WireTime now) {
-  if (!isDone()) asking_.ask(units_[unit_], retries_, now);
+  if (!isDone()) asking_.ask(units_[unit_], now);
 }
 
 void Fetch::receive(std::span<const std::uint8_t> bytes, WireTime now) {
@@ -65,20 +59,12 @@ std::optional<WireTime> Fetch::due() const {
 }
 
 void Fetch::heed(Asking::Result result, WireTime now) {
-  if (silent_) {
-    Asking::Result silent = *std::exchange(silent_, std::nullopt);
-    if (!result.isAnythingHeard) return giveUp(std::move(silent));
-    const bool isEmpty = isSilentWhenEmpty(units_[unit_]);
-    tell(isEmpty ? Fetched::State::empty : Fetched::State::lost, std::move(silent));
-  } else if (!result.isAnythingHeard) {
-    silent_ = std::move(result);
-    return asking_.ask(kWhatEveryoneHas, 0, now);
-  } else {
-    const Fetched::State state = result.state == Answer::State::whole   ? Fetched::State::whole
-                                 : result.state == Answer::State::empty ? Fetched::State::empty
-                                                                        : Fetched::State::lost;
-    tell(state, std::move(result));
-  }
+  if (!result.isSomebodyThere) return giveUp(std::move(result));
+  Fetched::State state = Fetched::State::lost;
+  if (result.state == Answer::State::whole) state = Fetched::State::whole;
+  if (result.state == Answer::State::empty || (!result.isAnythingHeard && isSilentWhenEmpty(units_[unit_])))
+    state = Fetched::State::empty;
+  tell(state, std::move(result));
   begin(now);
 }
 

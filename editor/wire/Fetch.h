@@ -34,8 +34,7 @@ const char* wordOf(Fetched::State state);
 // Asks an instrument for units, one after the other.
 //
 // An instrument answers a request for a file dump or a mixing voice also where nothing is stored, and a request for
-// another empty place not at all. Where nothing comes it is asked once for what every instrument has, to know which of
-// both it is; when that is not answered either, nobody is asked for anything more.
+// another empty place not at all. Where nobody is there nobody is asked for anything more.
 class Fetch final : public WireEnd {
  public:
   using Receiver = std::function<void(Fetched)>;
@@ -58,14 +57,11 @@ class Fetch final : public WireEnd {
   std::string whySilent() const;
 
   const std::vector<BulkAddress> units_;
-  const unsigned retries_;
   const Receiver receiver_;
   Pacer pacer_;
   Asking asking_;
   std::size_t unit_ = 0;
   bool hasBegun_ = false;
-  std::optional<Asking::Result>
-      silent_;  // of the unit that nothing came for, while it is asked whether anybody is there
 };
 
 }  // namespace Editor
