@@ -29,7 +29,7 @@ class Instrument final : public WireEnd, private StreamJoiner::Receiver {
   struct Options {
     BDA::DevicePortNum port = BDA::DevicePort_Main;  // on which messages arrive
     bool echoes = false;                             // what it echoes goes out as well
-    std::vector<Fault> faults;
+    std::vector<Fault> faults = {};
     std::uint64_t seed = 0;  // of the faults
   };
 

@@ -1,0 +1,107 @@
+#include "wire/ReadBack.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "BulkMessage.h"
+#include "FileDumpCodec.h"
+#include "explain/BlockMap.h"
+#include "messages/Messages.h"
+
+namespace Editor {
+
+namespace {
+
+using Data = std::span<const std::uint8_t>;
+
+Data dataOf(const std::vector<std::uint8_t>& dump) {
+  return Data(dump).subspan(BDA::kDataAt, dump.size() - BDA::kDumpFrame);
+}
+
+// Groups of up to seven bytes stand behind one that has their top bits, the first one's in bit 6.
+std::vector<std::uint8_t> unpack(Data packed) {
+  using BDA::FileDumpCodec::kGroup;
+  std::vector<std::uint8_t> bytes;
+  bytes.reserve(packed.size());
+  for (std::size_t at = 0; at < packed.size(); ++at) {
+    const std::size_t place = at % BDA::FileDumpCodec::kPackedGroup;
+    const unsigned high = packed[at - place];
+    if (place > 0) bytes.push_back(std::uint8_t(packed[at] | ((high >> (kGroup - place)) & 1U) << 7U));
+  }
+  return bytes;
+}
+
+// What a good file dump holds: name and content, each packed behind its length.
+struct FileDumpParts {
+  std::vector<std::uint8_t> name;
+  std::vector<std::uint8_t> content;
+};
+FileDumpParts partsOf(Data data) {
+  FileDumpParts parts;
+  for (std::vector<std::uint8_t>* const part : {&parts.name, &parts.content}) {
+    const std::size_t size = std::size_t(data[0]) << 7 | data[1];
+    *part = unpack(data.subspan(2, size));
+    data = data.subspan(2 + size);
+  }
+  return parts;
+}
+
+}  // namespace
+
+std::vector<ReadBackDifference> ReadBack::compare(const Messages& sent, const Messages& read) {
+  differences_.clear();
+  for (const std::vector<std::uint8_t>& dump : sent) {
+    const Reading reading = readMessage(dump);
+    const auto answer = std::ranges::find_if(
+        read, [&](const std::vector<std::uint8_t>& one) { return readMessage(one).address == reading.address; });
+    if (answer == read.end()) {
+      differences_.push_back({*reading.address, 0, std::nullopt, dump, std::monostate()});
+      break;  // all of it is another one
+    }
+    if (std::ranges::equal(dataOf(dump), dataOf(*answer))) continue;
+    if (reading.role == Role::fileDump)
+      compareFileDumps(*reading.address, dataOf(dump), dataOf(*answer));
+    else
+      compareBlocks(*reading.address, dataOf(dump), dataOf(*answer));
+  }
+  return std::exchange(differences_, {});
+}
+
+void ReadBack::compareBlocks(BulkAddress block, Data sent, Data read) {
+  const std::optional<BlockMap> map = BlockMap::of(block);
+  if (!map || map->size() != sent.size() || map->size() != read.size()) return compareBytes(block, sent, read);
+  const ModelSet sentModels = receiver_.receive(block, sent);
+  const ModelSet readModels = receiver_.receive(block, read);
+  const std::vector<ModelField> sentFields = fieldsOf(sentModels);
+  const std::vector<ModelField> readFields = fieldsOf(readModels);
+  std::set<std::string> seen;
+  for (std::size_t byte = 0; byte < map->size(); ++byte)
+    for (const BlockMap::Carried& carried : map->at(byte)) {
+      if (!seen.insert(carried.path).second) continue;
+      ParameterValue was = valueIn(sentFields, carried);
+      ParameterValue is = valueIn(readFields, carried);
+      if (was != is) differences_.push_back({block, byte, carried.path, std::move(was), std::move(is)});
+    }
+}
+
+void ReadBack::compareFileDumps(BulkAddress address, Data sent, Data read) {
+  constexpr std::size_t kNameAt = 2;  // behind its length
+  const FileDumpParts was = partsOf(sent);
+  const FileDumpParts is = partsOf(read);
+  if (was.name != is.name)
+    differences_.push_back({address, kNameAt, "name", std::string(was.name.begin(), was.name.end()),
+                            std::string(is.name.begin(), is.name.end())});
+  compareBytes(address, was.content, is.content);
+}
+
+void ReadBack::compareBytes(BulkAddress address, Data sent, Data read) {
+  const auto at = [](Data data, std::size_t byte) {
+    return byte < data.size() ? ParameterValue(std::int64_t(data[byte])) : ParameterValue(std::monostate());
+  };
+  for (std::size_t byte = 0; byte < std::max(sent.size(), read.size()); ++byte)
+    if (at(sent, byte) != at(read, byte))
+      differences_.push_back({address, byte, std::nullopt, at(sent, byte), at(read, byte)});
+}
+
+}  // namespace Editor

@@ -1,0 +1,197 @@
+#include "wire/Send.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "convert/Batch.h"
+#include "editor/wire/WireFixture.h"
+
+namespace Editor {
+namespace {
+
+using namespace std::chrono_literals;
+using State = SentUnit::State;
+
+constexpr BulkAddress kVoice{0x0E, 0x0A, 0x05};
+constexpr BulkAddress kOther{0x0E, 0x0A, 0x06};
+constexpr BulkAddress kElement{0x41, 0x02, 0x00};
+
+class SendTest : public testing::Test {
+ protected:
+  SendTest() {
+    units = {{kVoice, unitOf(kVoice, BDA::List::normalVoice, 1), {}},
+             {kOther, unitOf(kOther, BDA::List::normalVoice, 2), {}},
+             {{0x0E, 0x70, 0x03}, unitOf({0x0E, 0x70, 0x03}, BDA::List::master, 3), {}}};
+  }
+
+  // To an instrument with those options.
+  std::vector<SentUnit> send(const Instrument::Options& instrumentOptions, const Send::Options& options = {}) {
+    Instrument instrument(target, instrumentOptions, Pacer(kCablePace, {}, Pacer::Takes::bytes), nobody);
+    return sendTo(instrument, options);
+  }
+  std::vector<SentUnit> sendTo(WireEnd& instrument, const Send::Options& options) {
+    std::vector<SentUnit> all;
+    Send end(units, options, Pacer(kCablePace, {}, Pacer::Takes::bytes),
+             [&](SentUnit unit) { all.push_back(std::move(unit)); });
+    LoopPort port(instrument);
+    run(end, port, [] { return false; });
+    elapsed = port.now();
+    return all;
+  }
+  static std::vector<State> statesOf(const std::vector<SentUnit>& all) {
+    std::vector<State> states;
+    for (const SentUnit& unit : all) states.push_back(unit.state);
+    return states;
+  }
+  // Whether the instrument really has it.
+  bool isThere(const Send::Unit& unit) {
+    return ReadBack().compare(unit.messages, answerOf(target, unit.asked)).empty();
+  }
+
+  std::vector<Send::Unit> units;
+  EmbeddedEditor target;
+  NobodyIsTold nobody;
+  WireTime elapsed{};
+};
+
+const Send::Options kVerify{.verifies = true, .onlyChanged = false, .terms = {}};
+
+TEST_F(SendTest, SendsAtThePaceOfTheWire) {
+  EXPECT_EQ(statesOf(send({})), std::vector(3, State::sent));
+  std::uint64_t bytes = 0;
+  for (const Send::Unit& unit : units)
+    for (const Bytes& message : unit.messages) bytes += message.size();
+  EXPECT_NEAR(double(elapsed.count()), double(kCablePace.timeOf(bytes).count()), 20'000);
+  for (const Send::Unit& unit : units) EXPECT_TRUE(isThere(unit));
+}
+
+TEST_F(SendTest, ReadsBackWhatItSent) {
+  const std::vector<SentUnit> all = send({}, kVerify);
+  EXPECT_EQ(statesOf(all), std::vector(3, State::equal));
+  for (const SentUnit& unit : all) EXPECT_EQ(unit.tries, 1u);
+}
+
+TEST_F(SendTest, AnEchoIsNoAnswer) {
+  EXPECT_EQ(statesOf(send({.echoes = true}, kVerify)), std::vector(3, State::equal));
+  units[0].messages = unitOf(kVoice, BDA::List::normalVoice, 5);
+  const std::vector<SentUnit> full = send({.echoes = true, .faults = parseFaults("full=1")}, kVerify);
+  EXPECT_EQ(statesOf(full), (std::vector{State::different, State::equal, State::equal}));
+  std::size_t messages = 0;
+  for (const Send::Unit& unit : units) messages += unit.messages.size();
+  const std::vector<Fault> deaf = parseFaults("deaf=1:" + std::to_string(messages));
+  EXPECT_EQ(statesOf(send({.echoes = true, .faults = deaf}, kVerify)), std::vector(3, State::unanswered));
+}
+
+// All that it gets comes back, as late as an answer may; it stores nothing and answers nothing.
+TEST_F(SendTest, NorIsTheLateEchoOfACable) {
+  class Cable final : public WireEnd {
+   public:
+    void receive(std::span<const std::uint8_t> bytes, WireTime now) override {
+      for (const std::uint8_t byte : bytes) waiting_.emplace_back(now + 1'900ms, byte);
+    }
+    void pass(WireTime /*now*/) override {}
+    std::optional<WireTime> due() const override {
+      return waiting_.empty() ? std::nullopt : std::optional(waiting_.front().first);
+    }
+    std::span<const std::uint8_t> toSend(WireTime now) override {
+      if (waiting_.empty() || now < waiting_.front().first) return {};
+      return {&waiting_.front().second, 1};
+    }
+    void sent(std::size_t /*count*/) override { waiting_.pop_front(); }
+    bool isDone() const override { return false; }
+
+   private:
+    std::deque<std::pair<WireTime, std::uint8_t>> waiting_;
+  } cable;
+  EXPECT_EQ(statesOf(sendTo(cable, kVerify)), std::vector(3, State::unanswered));
+}
+
+TEST_F(SendTest, SaysWhichParameterIsAnother) {
+  units.resize(1);
+  send({});
+  const auto element = std::ranges::find_if(
+      units[0].messages, [](const Bytes& message) { return readMessage(message).address == kElement; });
+  const Bytes before = *element;
+  Bytes data(before.begin() + 10, before.end() - 2);
+  data[3] ^= 1;
+  *element = dump(kElement, data);
+  const std::vector<ReadBackDifference> found = ReadBack().compare(units[0].messages, answerOf(target, kVoice));
+  ASSERT_EQ(found.size(), 1u);
+  EXPECT_EQ(found[0].address, kElement);
+  EXPECT_EQ(found[0].dataByte, 2u) << "the first of the two that carry it";
+  EXPECT_EQ(found[0].path, "voice.element[2].wave[0]");
+  EXPECT_NE(found[0].sent, found[0].read);
+}
+
+TEST_F(SendTest, LeavesOutWhatIsThereAlready) {
+  send({});
+  units[1].messages = unitOf(kOther, BDA::List::normalVoice, 9);
+  EXPECT_EQ(statesOf(send({}, {.verifies = false, .onlyChanged = true, .terms = {}})),
+            (std::vector{State::equal, State::sent, State::equal}));
+  EXPECT_TRUE(isThere(units[1]));
+}
+
+TEST_F(SendTest, AFileDumpIsComparedByteByByte) {
+  const std::vector<Bytes> file = answerOf(target, {0x0C, 0x0A, 0x05});
+  receive(target, units[0].messages);
+  const std::vector<Bytes> full = answerOf(target, {0x0C, 0x0A, 0x05});
+  units = {{{0x0C, 0x0A, 0x05}, full, {writeTrigger()}}};
+  EXPECT_EQ(statesOf(send({}, kVerify)), std::vector{State::equal});
+  units = {{{0x0C, 0x0A, 0x07}, {full.front()}, {writeTrigger()}}};
+  readdress(units[0].messages[0], {0x0C, 0x0A, 0x07});
+  EXPECT_EQ(statesOf(send({.faults = parseFaults("full=1")}, kVerify)), std::vector{State::different});
+  EXPECT_EQ(statesOf(send({}, kVerify)), std::vector{State::equal});
+}
+
+TEST_F(SendTest, ThatIsStoppedEndsTheUnitThatHasBegun) {
+  Instrument instrument(target, {}, Pacer(kCablePace, {}, Pacer::Takes::bytes), nobody);
+  std::vector<SentUnit> all;
+  Send end(units, {}, Pacer(kCablePace, {}, Pacer::Takes::bytes),
+           [&](SentUnit unit) { all.push_back(std::move(unit)); });
+  LoopPort port(instrument);
+  run(end, port, [&] {
+    if (port.now() > 100ms) end.stop();
+    return false;
+  });
+  ASSERT_EQ(all.size(), 1u);
+  EXPECT_TRUE(isThere(units[0]));
+  EXPECT_TRUE(target.openUnits().empty());
+  EXPECT_FALSE(isThere(units[1]));
+}
+
+// With each fault, in either direction, at rates from 0.1 % to 20 %: 1,024 runs.
+TEST_F(SendTest, NothingIsSaidToBeEqualThatIsNot) {
+#ifdef BDA_SAMPLED
+  constexpr std::uint64_t kSeeds = 1;
+#else
+  constexpr std::uint64_t kSeeds = 16;
+#endif
+  std::size_t different = 0;
+  for (const std::string& name : faultNames())
+    for (const std::string rate : {"0.1%", "0.5%", "5%", "20%"})
+      for (std::uint64_t seed = 0; seed < kSeeds; ++seed) {
+        SCOPED_TRACE(name + "=" + rate + ", seed " + std::to_string(seed));
+        for (Send::Unit& unit : units)
+          for (Bytes& message : unit.messages)
+            if (message.size() > 20) message = blockDump(*readMessage(message).address, std::uint8_t(seed % 7 + 1));
+        const bool echoes = seed % 2 == 1;
+        const std::vector<SentUnit> all =
+            send({.echoes = echoes, .faults = parseFaults(name + "=" + rate), .seed = seed}, kVerify);
+        ASSERT_EQ(all.size(), units.size());
+        for (const SentUnit& unit : all) {
+          if (unit.state == State::equal)
+            ASSERT_TRUE(isThere(units[unit.unit]));
+          else
+            ++different;
+        }
+      }
+  RecordProperty("different", int(different));
+}
+
+}  // namespace
+}  // namespace Editor
