@@ -20,7 +20,7 @@ namespace Editor {
 namespace {
 
 constexpr std::size_t kWidth = 80;
-constexpr std::size_t kVerbTextAt = 13;
+constexpr std::size_t kVerbTextAt = 14;
 constexpr std::size_t kOptionTextAt = 26;
 
 // A word or option, and what it is, which begins in that column.

@@ -245,6 +245,24 @@ void addFetch(CLI::App& app, Given& given, Program& program) {
   verb.callback([&] { given.verb = [&] { fetch(given.words, given.fetch, program); }; });
 }
 
+void addSend(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "send");
+  SendOptions& options = given.send;
+  addWords(verb, "FILE|ADDRESS", "Message files, or places of the library, their banks or ranges", given)
+      ->check(checkFileName);
+  addPort(verb, "--to", "Where it goes: a MIDI device, a FIFO or two (IN,OUT), pty: (a new pseudo terminal), or -",
+          options.to);
+  verb.add_flag("--to-edit-buffer", options.toEditBuffer,
+                "Where it can be heard, and overwrites nothing that is stored");
+  verb.add_flag("--verify", options.verify, "Read back what was sent, and compare it");
+  verb.add_flag("--changed", options.changed, "Leave out what the instrument has already");
+  addAsking(verb, options.timeout, options.retries);
+  addPacing(verb, options.pace, options.pauses);
+  verb.add_flag("--dry-run", options.dryRun, "Say what would go out and how long it takes, and send nothing");
+  verb.add_flag("--json", options.json, "One object a unit");
+  verb.callback([&] { given.verb = [&] { send(given.words, given.send, program); }; });
+}
+
 void addInstrument(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "instrument");
   InstrumentOptions& options = given.instrument;
@@ -464,7 +482,7 @@ constexpr std::array kVerbs{addList,    addVerify,  addConvert, addExplain,    a
                             addRequest, addShow,    addApply,   addSettings,   addContents,  addFind,
                             addBackup,  addRestore, addDiff,    addRename,     addFavourite, addRemove,
                             addCopy,    addMove,    addSwap,    addHistory,    addUndo,      addCheck,
-                            addScreen,  addRecord,  addFetch,   addInstrument, addHelp};
+                            addScreen,  addRecord,  addFetch,   addInstrument, addSend,      addHelp};
 
 }  // namespace
 

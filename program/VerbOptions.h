@@ -37,6 +37,7 @@ struct Given {
   SalvageOptions salvage;
   RecordOptions record;
   FetchOptions fetch;
+  SendOptions send;
   InstrumentOptions instrument;
   bool brief = false;
   HistoryOptions history;

@@ -130,8 +130,12 @@ void Send::push(const Unit& unit, WireTime now) {
 
 // Asks for the unit, or heeds what came of that.
 bool Send::ask(WireTime now) {
+  if (!units_[unit_].asked) {
+    ++unit_;
+    return true;
+  }
   if (!std::exchange(isAsking_, true)) {
-    asking_.ask(units_[unit_].asked, now);
+    asking_.ask(*units_[unit_].asked, now);
     return false;
   }
   const std::optional<Asking::Result> result = asking_.takeResult();

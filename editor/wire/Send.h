@@ -38,7 +38,7 @@ const char* wordOf(SentUnit::State state);
 class Send final : public WireEnd {
  public:
   struct Unit {
-    BulkAddress asked{};                              // to be asked for; isAnsweredByUnit()
+    std::optional<BulkAddress> asked;  // to be asked for, isAnsweredByUnit(); nothing: that is not possible
     std::vector<std::vector<std::uint8_t>> messages;  // whole, in their order
     std::vector<std::vector<std::uint8_t>> behind;    // a trigger that follows it
   };

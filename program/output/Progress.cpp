@@ -35,11 +35,7 @@ void askToEnd(int /*signal*/) {
 }  // namespace
 
 Interruptible::Interruptible() {
-  if (living++ == 0) {
-    isInterrupted = 0;
-    for (char byte = 0; wakePipe[0] >= 0 && ::read(wakePipe[0], &byte, 1) > 0;) {
-    }
-  }
+  if (living++ == 0) forget();
   struct sigaction action {};
   action.sa_flags = SA_RESTART;
   action.sa_handler = askToEnd;
@@ -59,6 +55,12 @@ Interruptible::~Interruptible() {
 }
 
 bool Interruptible::isAsked() { return isInterrupted != 0; }
+
+void Interruptible::forget() {
+  isInterrupted = 0;
+  for (char byte = 0; wakePipe[0] >= 0 && ::read(wakePipe[0], &byte, 1) > 0;) {
+  }
+}
 
 void Interruptible::check() {
   if (isAsked()) throw Failure(kInterrupted, "interrupted");

@@ -23,6 +23,8 @@ class Interruptible {
   static void check();
   // Whether the user has asked for it.
   static bool isAsked();
+  // As if nobody had: who goes on for a moment wants to know when it is asked for again.
+  static void forget();
   // Until there is something to read, or its end. Throws the same.
   static void wait(int descriptor);
   // There is something to read from it once the user has asked for it: for who waits for more than one thing.

@@ -85,6 +85,21 @@ struct InstrumentOptions {
 };
 void instrument(const InstrumentOptions& options, Program& program);
 
+// Dumps to an instrument at a port: of files, or of the library.
+struct SendOptions {
+  std::string to;             // a port
+  bool toEditBuffer = false;  // nothing that is stored is overwritten
+  bool verify = false;        // what was sent is read back
+  bool changed = false;       // what the instrument has already stays
+  WireTime timeout = std::chrono::seconds(2);
+  unsigned retries = 2;
+  std::optional<Pace> pace;  // nothing: the port's
+  Pauses pauses;
+  bool dryRun = false;
+  bool json = false;
+};
+void send(const Words& words, const SendOptions& options, Program& program);
+
 // What an instrument at a port holds, into the library or a file.
 struct FetchOptions {
   std::string from;      // a port

@@ -227,6 +227,7 @@ const std::vector<std::vector<std::string>> kRuns{
     {"remove", "voice:user1:8", "--dry-run", "--json"},
     {"undo", "--json"},
     {"history", "--json"},
+    {"send", "--json", "voice.syx", "--to", "pty:", "--pace", "none"},
     {"fetch", "--json", "master:1", "--from", "pty:", "--timeout", "0"},
 };
 

@@ -13,9 +13,10 @@ namespace {
 class Usage : public Program {
  protected:
   static std::vector<std::string> verbs() {
-    return {"list",  "verify",   "convert", "explain",   "salvage", "receive", "request", "screen", "contents",  "find",
-            "show",  "apply",    "rename",  "favourite", "remove",  "copy",    "move",    "swap",   "history",   "undo",
-            "check", "settings", "backup",  "restore",   "diff",    "help",    "fetch",   "record", "instrument"};
+    return {"list",     "verify", "convert", "explain", "salvage", "receive",   "request", "screen",
+            "contents", "find",   "show",    "apply",   "rename",  "favourite", "remove",  "copy",
+            "move",     "swap",   "history", "undo",    "check",   "settings",  "backup",  "restore",
+            "diff",     "help",   "fetch",   "record",  "send",    "instrument"};
   }
 };
 
@@ -37,7 +38,7 @@ TEST_F(Usage, helpListsTheVerbsByGroups) {
   std::size_t at = 0;
   for (const char* line :
        {"\nFiles, without a library:\n  list ", "\n  verify ", "\nReceiving and answering:\n  receive ", "\n  request ",
-        "\nThe instrument, at a port:\n  instrument ", "\n  fetch ", "\nThe library:\n  contents ", "\n  show ",
+        "\nThe instrument, at a port:\n  fetch ", "\n  record ", "\nThe library:\n  contents ", "\n  show ",
         "\nHelp:\n  help ", "\nOptions:\n"}) {
     at = help.find(line, at);
     EXPECT_NE(at, std::string::npos) << line;

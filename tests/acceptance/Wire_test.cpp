@@ -167,6 +167,63 @@ TEST_F(Wire, standardInputAndOutputAreAPort) {
   EXPECT_THAT(fetched.err, HasSubstr(R"({"unit":"master:4")"));
 }
 
+TEST_F(Wire, whatIsSentIsReadBackAndNamedBefore) {
+  fillInstrument();
+  write("new.syx",
+        {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 0x42), unit({0x0E, 0x70, 0x03}, BDA::List::master)});
+  Serving instrument = serve();
+  const std::vector<std::string> words{"send", "new.syx", "--to", instrument.path, "--verify", "--timeout", "0.3"};
+  const Result sent = bda(words);
+  EXPECT_THAT(sent, Exits(0));
+  EXPECT_EQ(sent.out, "overwrites: voice:user1:6\noverwrites: master:4\nequal: voice:user1:6\nequal: master:4\n");
+  EXPECT_THAT(sent.err, HasSubstr("2 units, 33 messages, "));
+  instrument.stop();
+  EXPECT_THAT(bda({"diff", "new.syx", "instrument.db", "--json"}).out, HasSubstr("\"onlyA\":0"));
+}
+
+TEST_F(Wire, whatTheInstrumentDoesNotKeepIsDifferent) {
+  fillInstrument();
+  write("new.syx", {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 0x42)});
+  Serving instrument = serve("--faults full=1 --echo");
+  const Result sent = bda({"send", "new.syx", "--to", instrument.path, "--verify", "--json", "--timeout", "0.3"});
+  EXPECT_THAT(sent, Exits(3));
+  const std::vector<Json> units = objectsOf(sent.out);
+  ASSERT_EQ(units.size(), 1u);
+  EXPECT_EQ(units[0]["state"], "different");
+  ASSERT_GT(units[0]["differences"].size(), 10u);
+  const Json& first = units[0]["differences"][0];
+  EXPECT_EQ(first["address"], "40 00 00");
+  EXPECT_NE(first["sent"], first["read"]);
+}
+
+TEST_F(Wire, toTheEditBufferNothingThatIsStoredIsOverwritten) {
+  write("new.syx", {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 0x42)});
+  bda({"receive", "-q", "new.syx"});
+  Serving instrument = serve();
+  const Result sent =
+      bda({"send", "file:voice:user1:6", "--to", instrument.path, "--to-edit-buffer", "--verify", "--timeout", "0.3"});
+  EXPECT_THAT(sent, Exits(0));
+  EXPECT_EQ(sent.out, "overwrites: voice:edit\nequal: voice:edit\n");
+  instrument.stop();
+  EXPECT_EQ(library("instrument.db").contents().size(), 0u);
+}
+
+TEST_F(Wire, whatIsNotWholeIsNotSentAndADryRunSendsNothing) {
+  const Bytes voice = unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice);
+  write("cut.syx", text(voice).substr(0, voice.size() - 12));
+  EXPECT_THAT(bda({"send", "cut.syx", "--to", "/nobody/here"}), Exits(3));
+  write("held.syx", {fileDump({0x0C, 0x0A, 0x05}, "Held", {1, 2, 3})});
+  EXPECT_THAT(bda({"send", "held.syx", "--to", "/nobody/here"}), Exits(3));
+  write("whole.syx", {voice});
+  const Result dry = bda({"send", "whole.syx", "--to", "/nobody/here", "--dry-run", "--pace", "1000"});
+  EXPECT_THAT(dry, Exits(0));
+  EXPECT_EQ(dry.out, "overwrites: voice:user1:6\n");
+  EXPECT_THAT(dry.err, HasSubstr("1 unit, 26 messages, " + std::to_string(voice.size()) + " bytes, "));
+  EXPECT_THAT(bda({"send", "voice:user1:6", "--to", "/nobody/here"}), Exits(2)) << "nothing is stored there";
+  EXPECT_THAT(bda({"send", "nothing.syx", "--to", "pty:"}), Exits(2));
+  EXPECT_THAT(bda({"send", "whole.syx", "voice:user1:6", "--to", "pty:"}), Exits(1));
+}
+
 TEST_F(Wire, whatArrivesIsRecordedMessageByMessage) {
   const std::string voice = text(unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice));
   const Result whole = bda({"record", "--from", "-", "-o", "a.syx"}, "noise" + voice);

@@ -50,7 +50,7 @@ class SendTest : public testing::Test {
   }
   // Whether the instrument really has it.
   bool isThere(const Send::Unit& unit) {
-    return ReadBack().compare(unit.messages, answerOf(target, unit.asked)).empty();
+    return ReadBack().compare(unit.messages, answerOf(target, unit.asked.value())).empty();
   }
 
   std::vector<Send::Unit> units;

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "convert/Batch.h"
+#include "wire/Send.h"
+
+namespace Editor {
+
+// What of a batch of messages goes to an instrument, and what that overwrites there.
+struct SendPlan {
+  std::vector<Send::Unit> units;
+  std::vector<std::string> places;  // readable, of each: what it overwrites, or has removed
+  std::vector<bool> removes;        // each: it removes what stands there
+  std::uint64_t leftOut = 0;        // messages that are no dumps for this instrument
+  std::set<unsigned> devices;       // whom the dumps are for, from 1
+  std::uint64_t messages = 0;
+  std::uint64_t bytes = 0;
+  std::size_t longest = 0;  // of a message, in bytes
+
+  // Units, single blocks, and triggers with the last of the file dumps that they write. What is broken in the batch is
+  // the caller's business, and file dumps without a trigger.
+  explicit SendPlan(const Batch& batch);
+};
+
+// The file dumps of a batch that no trigger writes.
+std::vector<std::size_t> unwrittenIn(const Batch& batch);
+
+}  // namespace Editor
