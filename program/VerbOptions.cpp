@@ -175,7 +175,13 @@ CLI::Option* addTime(CLI::App& verb, const char* name, const char* description, 
       .add_option_function<double>(
           name, [unit, take = std::move(take)](double number) { take(WireTime(std::llround(number * unit))); },
           description)
-      ->check(CLI::Range(0.0, 1e9));
+      ->check([](const std::string& word) {
+        constexpr double kMost = 1e9;
+        double number = -1;
+        const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+        const bool isGood = error == std::errc() && end == word.data() + word.size() && number >= 0 && number <= kMost;
+        return isGood ? std::string() : fmt::format("\"{}\": expected a number from 0 to {:.0f}", word, kMost);
+      });
 }
 constexpr double kSecond = 1e6;
 constexpr double kMillisecond = 1e3;

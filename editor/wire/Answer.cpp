@@ -80,18 +80,20 @@ bool Answer::header(BulkAddress address, std::span<const std::uint8_t> message) 
   begin(address == asked_ ? State::begun : State::none);
   isOther_ = address != asked_;
   if (isOther_) return false;
+  constexpr unsigned kMostBegins = 4;  // one that begins for ever brings nothing on
   keep(address, message);
   open_.emplace(asked_, 0);
-  return true;
+  return ++begins_ <= kMostBegins;
 }
 
 // Without its header it is of no use, but of an answer.
 bool Answer::part(BulkAddress address, std::span<const std::uint8_t> message) {
-  if (!open_) return !isOther_;
+  constexpr unsigned kMostStrays = 100;  // more than any unit has
+  if (!open_) return !isOther_ && ++strays_ <= kMostStrays;
   if (const auto same = std::ranges::find(addresses_, address); same != addresses_.end()) {
     const std::size_t which = std::size_t(same - addresses_.begin());
     contradicts_ = contradicts_ || !std::ranges::equal(messages_[which], message);
-    return true;
+    return false;
   }
   if (!open_->arrive(address)) return false;
   keep(address, message);

@@ -28,7 +28,7 @@ class Answer {
   // To a request of that address, which isAnsweredByUnit(), from the instrument with that device number (0 to 15).
   Answer(BulkAddress asked, std::uint8_t device) : asked_(asked), device_(device) {}
 
-  // The next message from the instrument. Whether it is of the answer, or may have been before it was broken.
+  // The next message from the instrument. Whether it brings the answer on, or may have before it was broken.
   bool next(const Reading& reading, std::span<const std::uint8_t> message);
 
   State state() const { return state_; }
@@ -57,6 +57,8 @@ class Answer {
   std::optional<OpenUnit> open_;
   bool isEmptyBegun_ = false;  // by the header of an empty mixing voice
   bool isOther_ = false;       // what comes is of another unit, until its footer
+  unsigned begins_ = 0;        // headers
+  unsigned strays_ = 0;        // blocks without one
   bool contradicts_ = false;   // a block came twice, and differs
   std::vector<std::vector<std::uint8_t>> messages_;
   std::vector<BulkAddress> addresses_;  // of each

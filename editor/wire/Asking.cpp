@@ -40,18 +40,27 @@ void Asking::receive(std::span<const std::uint8_t> bytes, WireTime now) {
 void Asking::message(std::span<const std::uint8_t> bytes, std::uint64_t /*offset*/) {
   if (filter_ && filter_(bytes)) return;
   const Reading reading = readMessage(bytes);
-  if (reading.kind == Reading::Kind::foreign) {
-    overheard_.isOtherModelHeard = overheard_.isOtherModelHeard || isOfThisMaker(bytes);
-  } else if (reading.kind == Reading::Kind::dump && reading.device != terms_.device + 1U) {
-    overheard_.otherDevice = reading.device;
-  } else if (answer_) {
-    isHeard_ = answer_->next(reading, bytes) || isHeard_;
-  }
+  const bool isOfOther = reading.kind == Reading::Kind::dump && reading.device != terms_.device + 1U;
+  if (isOfOther) overheard_.otherDevice = reading.device;
+  if (reading.kind == Reading::Kind::foreign && isOfThisMaker(bytes)) overheard_.isOtherModelHeard = true;
+  if (!answer_) return;
+  if (isOfOther || (reading.kind == Reading::Kind::foreign && isOfThisMaker(bytes))) result_.isOtherHeard = true;
+  if (answer_->next(reading, bytes)) isHeard_ = true;
+  // The answer may come while it is asked whether anybody is there.
+  if (asksForAnybody_ && Answer(asked_, terms_.device).next(reading, bytes)) result_.isAnythingHeard = true;
+}
+
+// A message that was cut may have been of the answer.
+void Asking::dropped(std::uint64_t /*offset*/, std::uint64_t /*count*/, StreamJoiner::Reason reason) {
+  if (reason == StreamJoiner::Reason::RealTime || reason == StreamJoiner::Reason::Stray || !answer_) return;
+  (asksForAnybody_ ? result_.isSomebodyThere : result_.isAnythingHeard) = true;
+  result_.isBroken = true;
 }
 
 // While a message arrives its bytes count as an answer's: of what kind it is is known at its end.
 std::optional<WireTime> Asking::due() const {
-  if (!answer_ || pacer_.due()) return std::nullopt;
+  if (!answer_) return std::nullopt;
+  if (const std::optional<WireTime> toSend = pacer_.due()) return *toSend + terms_.timeout;  // nobody takes it
   const WireTime heard = std::max(heardAt_.value_or(WireTime()), joiner_.isInMessage() ? byteAt_ : WireTime());
   return std::max(pacer_.end(), heard) + terms_.timeout;
 }
@@ -59,7 +68,9 @@ std::optional<WireTime> Asking::due() const {
 void Asking::pass(WireTime now) {
   if (!answer_) return;
   const std::optional<WireTime> due = this->due();
-  if ((due && now >= *due) || bytes_ > kMostBytes) endTry(now);
+  if (now < *due && bytes_ <= kMostBytes) return;
+  joiner_.finish();  // what has begun has no end
+  endTry(now);
 }
 
 void Asking::endTry(WireTime now) {
@@ -77,6 +88,12 @@ void Asking::endTry(WireTime now) {
   if (!asksForAnybody_) return decide();
   result_.isSomebodyThere = false;
   request(kWhatEveryoneHas, now);
+}
+
+Asking::Result Asking::giveUp() {
+  if (!asksForAnybody_) result_.missing = answer_->missing();
+  answer_.reset();
+  return std::move(result_);
 }
 
 void Asking::decide() {

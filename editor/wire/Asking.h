@@ -40,6 +40,7 @@ class Asking final : private StreamJoiner::Receiver {
     bool isAnythingHeard = false;               // some of an answer, in any try
     bool isBroken = false;                      // dumps came that were broken, in any try
     bool isSomebodyThere = true;                // false: nothing came, also of what every instrument has
+    bool isOtherHeard = false;                  // a dump of another device came, or a message of another model
     std::vector<BulkAddress> missing;
     std::vector<std::vector<std::uint8_t>> messages;  // whole and empty: the answer
 
@@ -60,6 +61,10 @@ class Asking final : private StreamJoiner::Receiver {
   // When it wants to be asked next, beside the pacer; nothing: it does not wait for anything.
   std::optional<WireTime> due() const;
 
+  bool isAsking() const { return answer_.has_value(); }
+  // Does not wait any longer: what has become of the question by now.
+  Result giveUp();
+
   // What became of the question, once that is decided.
   std::optional<Result> takeResult();
   // Since the beginning, of all questions.
@@ -71,7 +76,7 @@ class Asking final : private StreamJoiner::Receiver {
   static constexpr std::uint64_t kMostBytes = 4 * kLongestMessage;
 
   void message(std::span<const std::uint8_t> bytes, std::uint64_t offset) override;
-  void dropped(std::uint64_t /*offset*/, std::uint64_t /*count*/, StreamJoiner::Reason /*reason*/) override {}
+  void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override;
   void request(BulkAddress address, WireTime now);
   void endTry(WireTime now);
   void decide();

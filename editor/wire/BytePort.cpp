@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
@@ -23,6 +24,8 @@ std::string reasonOf(int error) { return std::generic_category().message(error);
 [[noreturn]] void refuse(const std::string& name, const std::string& why) {
   throw PortError(PortError::Kind::cannotOpen, fmt::format("port {}: {}", escape(name), why));
 }
+
+constexpr const char* kInUse = "another program uses it";
 
 // Nobody is there any more.
 bool isGone(int error) { return error == EIO || error == ENODEV || error == ENXIO || error == EPIPE || error == EBADF; }
@@ -73,33 +76,48 @@ BytePort::BytePort(const std::string& name, Direction direction, int wake) : nam
   const bool hears = direction != Direction::out;
   const bool speaks = direction != Direction::in;
   const std::size_t comma = name.find(',');
-  if (name == "-") {
+  isStandard_ = name == "-";
+  if (isStandard_) {
     name_ = "standard input and output";
     if (hears) keep(in_ = STDIN_FILENO, false);
     if (speaks) keep(out_ = STDOUT_FILENO, false);
-  } else if (comma != std::string::npos && direction == Direction::both) {
-    in_ = openPath(name.substr(0, comma));
-    out_ = openPath(name.substr(comma + 1));
+  } else if (comma != std::string::npos) {
+    const std::string in = name.substr(0, comma);
+    const std::string out = name.substr(comma + 1);
+    if (in == out) refuse(name, "a FIFO has one direction: two different ones are needed, IN,OUT");
+    if (hears) in_ = openPath(in, Direction::in);
+    if (speaks) out_ = openPath(out, Direction::out);
   } else {
-    in_ = out_ = openPath(name);
+    in_ = out_ = openPath(name, direction);
   }
 }
 
 BytePort::~BytePort() = default;
 
-// For both ways, whichever is wanted: a FIFO then has no end when those who write to it have gone, and waits for nobody
-// to read from it.
-int BytePort::openPath(const std::string& path) {
+int BytePort::openPath(const std::string& path, Direction direction) {
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) refuse(path, reasonOf(errno));
   if (S_ISDIR(status.st_mode)) refuse(path, "it is a directory");
   if (!S_ISCHR(status.st_mode) && !S_ISFIFO(status.st_mode))
     refuse(path, "it is a file; a port is a MIDI device, a FIFO, pty: or -");
-  const int descriptor = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  if (descriptor < 0) refuse(path, errno == EBUSY ? "another program uses it" : reasonOf(errno));
+  const bool isFifo = S_ISFIFO(status.st_mode);
+  const int descriptor =
+      isFifo ? openFifo(path, direction) : ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (descriptor < 0) refuse(path, errno == EBUSY ? kInUse : reasonOf(errno));
   keep(descriptor, true);
-  isLine_ = isLine_ || S_ISCHR(status.st_mode);
+  // Two who read take each other's bytes. Of a FIFO both ends are one file.
+  if (!isFifo && ::flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) refuse(path, kInUse);
+  isLine_ = isLine_ || !isFifo;
   return descriptor;
+}
+
+// To write to one that nobody reads from yet it is opened for both ways.
+int BytePort::openFifo(const std::string& path, Direction direction) {
+  constexpr int kFlags = O_NONBLOCK | O_CLOEXEC;
+  if (direction == Direction::both) refuse(path, "a FIFO has one direction: two of them are needed, IN,OUT");
+  if (direction == Direction::in) return ::open(path.c_str(), O_RDONLY | kFlags);
+  const int descriptor = ::open(path.c_str(), O_WRONLY | kFlags);
+  return descriptor < 0 && errno == ENXIO ? ::open(path.c_str(), O_RDWR | kFlags) : descriptor;
 }
 
 void BytePort::openPseudoTerminal() {
@@ -112,7 +130,7 @@ void BytePort::openPseudoTerminal() {
   const int other = ::open(path.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
   if (other < 0) refuse(name_, reasonOf(errno));
   keep(other, true);
-  isLine_ = true;
+  isLine_ = isOwnTerminal_ = true;
 }
 
 void BytePort::keep(int descriptor, bool isOwn) { opened_.push_back(std::make_unique<Opened>(descriptor, isOwn)); }
@@ -142,6 +160,8 @@ std::span<const std::uint8_t> BytePort::wait(std::optional<WireTime> until, bool
     if (errno != EINTR) fail("waiting for it", errno);
     return {};
   }
+  // Of a FIFO that nobody writes to yet there is nothing to read, and no end.
+  if ((watched[1].revents & POLLIN) == 0 && (watched[1].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) end();
   if (watched[1].revents != 0) return read();
   if ((watched[2].revents & (POLLERR | POLLHUP | POLLNVAL)) != 0) fail("sending to it", EPIPE);
   return {};
@@ -150,15 +170,32 @@ std::span<const std::uint8_t> BytePort::wait(std::optional<WireTime> until, bool
 std::span<const std::uint8_t> BytePort::read() {
   const ssize_t count = ::read(in_, buffer_.data(), buffer_.size());
   if (count > 0) return {buffer_.data(), std::size_t(count)};
-  if (count == 0) fail("receiving from it", EPIPE);
+  if (count == 0) end();
   if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR) fail("receiving from it", errno);
   return {};
 }
 
+// Nothing more arrives.
+void BytePort::end() {
+  if (!isStandard_) fail("receiving from it", EPIPE);
+  in_ = -1;
+  throw PortError(PortError::Kind::ended, fmt::format("port {}: its input has ended", escape(name_)));
+}
+
+// Standard input is a file whose beginning was meant.
+void BytePort::discard() {
+  constexpr WireTime kMoment = std::chrono::milliseconds(200);
+  constexpr WireTime kMost = std::chrono::seconds(2);
+  if (isStandard_ || isOwnTerminal_) return;
+  const WireTime begin = now();
+  while (!wait(now(), false).empty())
+    for (WireTime quiet = now() + kMoment; now() < quiet && now() < begin + kMost;)
+      if (!wait(quiet, false).empty()) quiet = now() + kMoment;
+}
+
 void BytePort::drain() {
-  if (!isLine_) return;
-  while (::tcdrain(out_) != 0)
-    if (errno != EINTR) return;  // no terminal: its driver has the bytes, and sends them
+  // Where it is no terminal its driver has the bytes, and sends them; and Ctrl-C ends it.
+  if (isLine_) ::tcdrain(out_);
 }
 
 void BytePort::fail(const std::string& doing, int error) const {

@@ -14,7 +14,7 @@ namespace Editor {
 //   a character device ("/dev/snd/midiC1D0"), a terminal in raw mode; paced like a cable
 //   "pty:", a new pseudo terminal, whose other end others open by the path that is its name; likewise. It is kept open
 //     here: others come and go
-//   a FIFO, which has one direction, or two of them, "IN,OUT"; not paced
+//   a FIFO, which has one direction, or two of them, "IN,OUT"; not paced. It hangs up when who writes to it has gone
 //   "-", standard input and output; not paced
 class BytePort final : public Port {
  public:
@@ -35,20 +35,25 @@ class BytePort final : public Port {
   WireTime now() override;
   std::size_t send(std::span<const std::uint8_t> bytes) override;
   std::span<const std::uint8_t> wait(std::optional<WireTime> until, bool wantsToSend) override;
+  void discard() override;
   void drain() override;
 
  private:
   class Opened;  // a descriptor, as it was before, and its end
 
-  int openPath(const std::string& path);
+  int openPath(const std::string& path, Direction direction);
+  int openFifo(const std::string& path, Direction direction);
   void openPseudoTerminal();
   void keep(int descriptor, bool isOwn);
   std::span<const std::uint8_t> read();
+  [[noreturn]] void end();
   [[noreturn]] void fail(const std::string& doing, int error) const;
 
   std::string name_;
   const int wake_;
-  bool isLine_ = false;  // a device: what is written takes the time of a cable
+  bool isOwnTerminal_ = false;
+  bool isStandard_ = false;  // input and output, which end as files do
+  bool isLine_ = false;      // a device: what is written takes the time of a cable
   int in_ = -1;
   int out_ = -1;
   std::vector<std::unique_ptr<Opened>> opened_;

@@ -59,13 +59,21 @@ std::optional<WireTime> Fetch::due() const {
 }
 
 void Fetch::heed(Asking::Result result, WireTime now) {
-  if (!result.isSomebodyThere) return giveUp(std::move(result));
+  // One that has answered before may be there all the same: the question itself may have been lost.
+  silences_ = result.isSomebodyThere ? 0 : silences_ + 1;
+  if (silences_ > (hasAnswered_ ? 1U : 0U)) return giveUp(std::move(result));
+  hasAnswered_ = hasAnswered_ || result.isSomebodyThere;
   Fetched::State state = Fetched::State::lost;
   if (result.state == Answer::State::whole) state = Fetched::State::whole;
-  if (result.state == Answer::State::empty || (!result.isAnythingHeard && isSilentWhenEmpty(units_[unit_])))
+  const bool isSilent = !result.isAnythingHeard && !result.isOtherHeard && result.isSomebodyThere;
+  if (result.state == Answer::State::empty || (isSilent && isSilentWhenEmpty(units_[unit_])))
     state = Fetched::State::empty;
   tell(state, std::move(result));
   begin(now);
+}
+
+void Fetch::stop() {
+  if (!isDone() && asking_.isAsking()) tell(Fetched::State::lost, asking_.giveUp());
 }
 
 void Fetch::tell(Fetched::State state, Asking::Result result) {
@@ -78,7 +86,7 @@ void Fetch::tell(Fetched::State state, Asking::Result result) {
   fetched.tries = result.tries;
   if (state == Fetched::State::lost) {
     fetched.missing = std::move(result.missing);
-    fetched.reason = result.isAnythingHeard ? whyLost(result, address) : whySilent();
+    fetched.reason = result.isAnythingHeard ? whyLost(result, address) : whySilent(result);
   }
   fetched.messages = std::move(result.messages);
   ++unit_;
@@ -95,8 +103,9 @@ void Fetch::giveUp(Asking::Result last) {
   }
 }
 
-std::string Fetch::whySilent() const {
+std::string Fetch::whySilent(const Asking::Result& result) const {
   const Overheard& overheard = asking_.overheard();
+  if (result.isSomebodyThere && !result.isOtherHeard) return "silent";
   if (overheard.otherDevice) return fmt::format("other device {}", *overheard.otherDevice);
   if (overheard.isOtherModelHeard) return "other model";
   return overheard.isClockHeard ? "only clock" : "silent";

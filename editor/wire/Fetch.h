@@ -34,7 +34,8 @@ const char* wordOf(Fetched::State state);
 // Asks an instrument for units, one after the other.
 //
 // An instrument answers a request for a file dump or a mixing voice also where nothing is stored, and a request for
-// another empty place not at all. Where nobody is there nobody is asked for anything more.
+// another empty place not at all. Where nobody is there nobody is asked for anything more; one that has answered before
+// is believed to have gone when it is silent twice.
 class Fetch final : public WireEnd {
  public:
   using Receiver = std::function<void(Fetched)>;
@@ -49,12 +50,15 @@ class Fetch final : public WireEnd {
   void sent(std::size_t count) override { pacer_.sent(count); }
   bool isDone() const override { return unit_ == units_.size(); }
 
+  // The wire is no more: what is just asked for is lost, and told so. Of what comes behind it nothing is told.
+  void stop();
+
  private:
   void begin(WireTime now);
   void heed(Asking::Result result, WireTime now);
   void tell(Fetched::State state, Asking::Result result);
   void giveUp(Asking::Result last);
-  std::string whySilent() const;
+  std::string whySilent(const Asking::Result& result) const;
 
   const std::vector<BulkAddress> units_;
   const Receiver receiver_;
@@ -62,6 +66,8 @@ class Fetch final : public WireEnd {
   Asking asking_;
   std::size_t unit_ = 0;
   bool hasBegun_ = false;
+  bool hasAnswered_ = false;  // before
+  unsigned silences_ = 0;     // nobody was there, one after the other
 };
 
 }  // namespace Editor

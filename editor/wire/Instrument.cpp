@@ -20,6 +20,12 @@ void Instrument::receive(std::span<const std::uint8_t> bytes, WireTime now) {
   joiner_.feed(bytes);
 }
 
+// What nobody takes is lost, as on a cable that leads nowhere.
+void Instrument::pass(WireTime now) {
+  constexpr WireTime kPatience = std::chrono::seconds(2);
+  if (const std::optional<WireTime> due = pacer_.due(); due && now > *due + kPatience) pacer_.forgetWaiting();
+}
+
 // What a fault has left of a message may be none any more, or several.
 void Instrument::message(std::span<const std::uint8_t> bytes, std::uint64_t offset) {
   const std::vector<std::uint8_t> left = faults_.receive(bytes);

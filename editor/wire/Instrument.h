@@ -44,7 +44,7 @@ class Instrument final : public WireEnd, private StreamJoiner::Receiver {
 
   // Throws LibraryError when the library fails: the message has changed nothing.
   void receive(std::span<const std::uint8_t> bytes, WireTime now) override;
-  void pass(WireTime /*now*/) override {}
+  void pass(WireTime now) override;
   std::optional<WireTime> due() const override { return pacer_.due(); }
   std::span<const std::uint8_t> toSend(WireTime now) override { return pacer_.take(now); }
   void sent(std::size_t count) override { pacer_.sent(count); }

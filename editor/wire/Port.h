@@ -18,6 +18,7 @@ class PortError : public std::runtime_error {
   enum class Kind : std::uint8_t {
     cannotOpen,  // no such port, not allowed, in use, no port at all
     gone,        // hung up, or pulled out: there is nobody at the other end any more
+    ended,       // what arrives has come to its end, as a file does: it can still be sent
     failed,      // any other error of the system
   };
 
@@ -53,6 +54,8 @@ class Port {
   // Waits until bytes have come, until `until` if there is one, until something can be sent if that is wanted, or until
   // somebody has woken it. The bytes, if there are any: valid until the next call.
   virtual std::span<const std::uint8_t> wait(std::optional<WireTime> until, bool wantsToSend) = 0;
+  // Throws away what has arrived before anybody asked for it, until nothing comes for a moment.
+  virtual void discard() {}
   // Waits until all that was taken has left the machine, as far as that can be known.
   virtual void drain() {}
 };

@@ -6,13 +6,18 @@ namespace Editor {
 
 void Recording::receive(std::span<const std::uint8_t> bytes, WireTime now) {
   constexpr std::uint8_t kRealTime = 0xF8;
-  if (std::any_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte < kRealTime; })) quietSince_ = now;
   joiner_.feed(bytes);
-  pass(now);
+  if (std::any_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte < kRealTime; }))
+    quietSince_ = now;
+  else
+    pass(now);
 }
 
 void Recording::pass(WireTime now) {
-  if (!quietSince_) quietSince_ = now;
+  if (!quietSince_) {
+    quietSince_ = now;
+    return;  // there may be something already
+  }
   isDone_ = quietAfter_ && now - *quietSince_ >= *quietAfter_;
 }
 

@@ -36,4 +36,7 @@ class WireEnd {
 // and what the end throws.
 void run(WireEnd& end, Port& port, const std::function<bool()>& isStopped);
 
+// Lets go out what it still has to send, where nothing more arrives. Throws PortError.
+void sendRest(WireEnd& end, Port& port, const std::function<bool()>& isStopped);
+
 }  // namespace Editor

@@ -73,7 +73,9 @@ class Fetching {
     editor_ = isKeptInFile_     ? program_.openToRead()
               : options_.dryRun ? program_.openToRehearse(libraryRun)
                                 : program_.openToChange(libraryRun);
-    console_.note(fmt::format("from {}", escape(port->name())));
+    // Whoever is to be at the other end of a new terminal has to know where that is.
+    const std::string from = fmt::format("from {}", escape(port->name()));
+    options_.from == "pty:" ? console_.problem(from) : console_.note(from);
     Progress progress(console_, "fetch", "unit", units_.size());
     progress_ = &progress;
     const std::uint8_t device = deviceNumberOf(editor_->tools());
@@ -82,14 +84,22 @@ class Fetching {
                 [this](Fetched fetched) { take(std::move(fetched)); });
     std::optional<Failure> failure;
     try {
+      port->discard();  // what came before nobody asked for
       if (!runAt(*port, fetch)) failure = Failure(kInterrupted, "interrupted");
+      fetch.stop();
     } catch (const PortError& gone) {
       failure = Failure(kWrongUsage, gone.what());
+      fetch.stop();
     } catch (const LibraryError& error) {
       failure = Failure(kWrongUsage, escape(error.what()));
     }
     progress.end();
-    finish(!failure, device);
+    try {
+      if (options_.atomic) settleTogether(!failure);
+    } catch (const LibraryError& error) {
+      failure = Failure(kWrongUsage, escape(error.what()));
+    }
+    finish(device);
     if (failure) throw *std::move(failure);
   }
 
@@ -103,51 +113,63 @@ class Fetching {
   void take(Fetched fetched) {
     ++came_;
     progress_->show(1, 0);
-    isAnyAskedAgain_ = isAnyAskedAgain_ || (fetched.state == Fetched::State::whole && fetched.tries > 1);
+    isAnyAskedAgain_ = isAnyAskedAgain_ || (isAnswered(fetched) && fetched.tries > 1);
     areAnyEmptyBySilence_ = areAnyEmptyBySilence_ || fetched.isEmptyBySilence;
     isSingleEmptyBySilence_ = isSingleEmptyBySilence_ || (fetched.isEmptyBySilence && units_[fetched.unit].isSingle);
-    const bool isTaken = fetched.state == Fetched::State::whole ||
-                         (fetched.state == Fetched::State::empty && !fetched.messages.empty() && options_.removeEmpty);
-    if (!isTaken)
-      tell(fetched, fetched.state == Fetched::State::empty ? State::empty : State::lost);
-    else if (isKeptInFile_)
-      keep(fetched);
-    else if (options_.atomic)
-      waiting_.push_back(fetched);
+    if (options_.atomic)
+      waiting_.push_back(std::move(fetched));
     else
-      store({&fetched, 1});
-    if (options_.atomic && !isTaken && fetched.state == Fetched::State::lost) isAtomicLost_ = true;
+      settle(fetched);
   }
 
-  static State stateOf(const Fetched& fetched, State whole) {
-    return fetched.state == Fetched::State::empty ? State::empty : whole;
+  static bool isAnswered(const Fetched& fetched) { return !fetched.messages.empty(); }
+  // Whether something is to be done with its answer.
+  bool isTaken(const Fetched& fetched) const {
+    return isAnswered(fetched) && (fetched.state == Fetched::State::whole || options_.removeEmpty);
   }
 
-  void keep(const Fetched& fetched) {
+  void settle(Fetched& fetched) {
+    if (!isTaken(fetched)) return tell(fetched, stateOf(fetched, State::lost));
+    if (!isKeptInFile_) return store({&fetched, 1});
     for (const std::vector<std::uint8_t>& message : fetched.messages) file_->write(message);
     ++kept_;
     tell(fetched, stateOf(fetched, State::kept));
   }
 
-  // One transaction. Throws LibraryError.
+  static State stateOf(const Fetched& fetched, State other) {
+    return fetched.state == Fetched::State::empty ? State::empty : other;
+  }
+
+  // All of them or none; `isWhole`: all were asked for.
+  void settleTogether(bool isWhole) {
+    if (isWhole && std::ranges::none_of(waiting_, [](const Fetched& one) { return one.state == Fetched::State::lost; }))
+      return store(waiting_);
+    for (Fetched& one : waiting_) isTaken(one) ? lose(one, "not stored", "others are lost") : settle(one);
+  }
+
+  // In one transaction, and tells all of them. Throws LibraryError.
   void store(std::span<Fetched> units) {
     std::vector<Intake::Messages> messages;
-    for (const Fetched& unit : units) messages.push_back(unit.messages);
-    Intake intake(*editor_);
+    for (const Fetched& unit : units)
+      if (isTaken(unit)) messages.push_back(unit.messages);
     Intake::Result result;
     try {
-      result = intake.store(messages);
+      if (!messages.empty()) result = Intake(*editor_).store(messages);
     } catch (const LibraryError&) {
-      for (Fetched& unit : units) lose(unit, "not stored", "");
+      for (Fetched& unit : units) isTaken(unit) ? lose(unit, "not stored", "") : settle(unit);
       throw;
     }
-    if (result.state != Intake::Result::State::stored) {
-      for (Fetched& unit : units)
-        lose(unit, result.state == Intake::Result::State::refused ? "refused" : "not stored", result.why);
-      return;
+    const bool isStored = result.state == Intake::Result::State::stored;
+    const char* const reason = result.state == Intake::Result::State::refused ? "refused" : "not stored";
+    if (isStored && !messages.empty() && !options_.dryRun) program_.noteChange();
+    for (Fetched& unit : units) {
+      if (!isTaken(unit))
+        settle(unit);
+      else if (isStored)
+        tell(unit, stateOf(unit, State::stored), "", replacedBy(unit, result));
+      else
+        lose(unit, reason, result.why);
     }
-    if (!options_.dryRun) program_.noteChange();
-    for (const Fetched& unit : units) tell(unit, stateOf(unit, State::stored), "", replacedBy(unit, result));
   }
 
   void lose(Fetched& unit, const char* reason, const std::string& why) {
@@ -173,11 +195,13 @@ class Fetching {
     }
     const char* const word = kStateWords[std::size_t(state)];
     const std::string name = nameOrBytes(fetched.address);
-    if (options_.json) return console_.line(jsonOf(fetched, word));
-    std::string line =
-        fmt::format("{}{}: {}", options_.dryRun && state == State::stored ? "would be " : "", word, name);
-    if (replaced)
-      line += replaced->empty() ? ", replaces what was there" : fmt::format(", replaces \"{}\"", showName(*replaced));
+    const bool isRemoved = state == State::empty && replaced;
+    if (options_.json) return console_.line(jsonOf(fetched, word, isRemoved));
+    const bool isRehearsed = options_.dryRun && (state == State::stored || isRemoved);
+    std::string line = fmt::format("{}{}: {}", isRehearsed ? "would be " : "", isRemoved ? "removed" : word, name);
+    if (replaced && !replaced->empty())
+      line += fmt::format(", {} \"{}\"", isRemoved ? "it was" : "replaces", showName(*replaced));
+    if (replaced && replaced->empty() && !isRemoved) line += ", replaces what was there";
     if (fetched.isEmptyBySilence) line += " (it answers nothing)";
     if (state == State::lost) {
       line += fmt::format(": {}", fetched.reason);
@@ -189,20 +213,21 @@ class Fetching {
     state == State::lost ? console_.problem(line) : console_.line(line);
   }
 
-  static std::string jsonOf(const Fetched& fetched, const char* state) {
+  static std::string jsonOf(const Fetched& fetched, const char* state, bool isRemoved) {
     nlohmann::ordered_json missing = nlohmann::ordered_json::array();
     for (const BulkAddress address : fetched.missing) missing.push_back(formatAddress(address));
-    return jsonLine(nlohmann::ordered_json{{"unit", nameOrBytes(fetched.address)},
-                                           {"address", formatAddress(fetched.address)},
-                                           {"state", state},
-                                           {"tries", fetched.tries},
-                                           {"missing", std::move(missing)},
-                                           {"reason", fetched.reason}});
+    nlohmann::ordered_json json{{"unit", nameOrBytes(fetched.address)},
+                                {"address", formatAddress(fetched.address)},
+                                {"state", state},
+                                {"tries", fetched.tries},
+                                {"missing", std::move(missing)},
+                                {"reason", fetched.reason}};
+    if (isRemoved) json["removed"] = true;
+    return jsonLine(json);
   }
 
   // What has come by now stays, however the run ends.
-  void finish(bool isWhole, std::uint8_t device) {
-    if (!waiting_.empty()) storeTogether(isWhole);
+  void finish(std::uint8_t device) {
     if (isKeptInFile_ && kept_ > 0) {
       if (options_.trigger) file_->write(writeTrigger(device));
       file_->commit();
@@ -214,7 +239,8 @@ class Fetching {
       for (const BulkAddress address : lost_) requests_->write(requestMessage(address, device));
       requests_->commit();
     }
-    if (isSingleEmptyBySilence_ || (areAnyEmptyBySilence_ && isAnyAskedAgain_)) program_.refuse();
+    const bool mayBeLoss = isAnyAskedAgain_ || options_.retries == 0;  // silence
+    if (isSingleEmptyBySilence_ || (areAnyEmptyBySilence_ && mayBeLoss)) program_.refuse();
     std::string words;
     for (const State state : {State::stored, State::kept, State::empty, State::lost})
       if (const std::uint64_t count = counts_[std::size_t(state)]; count > 0)
@@ -222,11 +248,6 @@ class Fetching {
     if (came_ < units_.size())
       words += fmt::format("{}{} not asked for", words.empty() ? "" : ", ", units_.size() - came_);
     console_.note((options_.dryRun ? "dry run, nothing is changed: " : "") + words);
-  }
-
-  void storeTogether(bool isWhole) {
-    if (isWhole && !isAtomicLost_) return store(waiting_);
-    for (Fetched& unit : waiting_) lose(unit, "not stored", "others are lost");
   }
 
   const FetchOptions& options_;
@@ -240,7 +261,6 @@ class Fetching {
   std::unique_ptr<EmbeddedEditor> editor_;
   Progress* progress_ = nullptr;
   std::vector<Fetched> waiting_;  // atomic: for all others to come
-  bool isAtomicLost_ = false;
   std::size_t came_ = 0;
   std::uint64_t kept_ = 0;
   std::uint64_t counts_[std::size(kStateWords)] = {};

@@ -51,11 +51,10 @@ class Serving final : public Instrument::Observer {
                           Pacer(options_.pace.value_or(port->defaultPace()), options_.pauses, port->takes()), *this);
     std::optional<Failure> failure;
     try {
-      runAt(*port, instrument);
-      failure = Failure(kInterrupted, "interrupted");
+      serve(*port, instrument);
+      if (Interruptible::isAsked()) failure = Failure(kInterrupted, "interrupted");
     } catch (const PortError& gone) {
-      const bool isEnd = gone.kind() == PortError::Kind::gone && options_.on == "-";
-      if (!isEnd) failure = Failure(kWrongUsage, gone.what());
+      failure = Failure(kWrongUsage, gone.what());
     } catch (const LibraryError& error) {
       failure =
           Failure(kWrongUsage, fmt::format("the library failed, nothing more is handled: {}", escape(error.what())));
@@ -67,6 +66,16 @@ class Serving final : public Instrument::Observer {
   }
 
  private:
+  // The end of what comes through a pipe is one, once everything is answered.
+  static void serve(Port& port, Instrument& instrument) {
+    try {
+      runAt(port, instrument);
+    } catch (const PortError& error) {
+      if (error.kind() != PortError::Kind::ended) throw;
+      sendRest(instrument, port, Interruptible::isAsked);
+    }
+  }
+
   void handled(std::uint64_t number, std::uint64_t offset, std::span<const std::uint8_t> message,
                const Record& record) override {
     report_->tell({number, port_, offset, message}, record);

@@ -53,7 +53,7 @@ class Recorded final : public StreamJoiner::Receiver {
     recording.finish();
     finish();
     // The end of what comes through a pipe is one, and no failure.
-    const bool isEnd = error && error->kind() == PortError::Kind::gone && options_.from == "-";
+    const bool isEnd = error && error->kind() == PortError::Kind::ended;
     if (error && !isEnd) throw Failure(kWrongUsage, error->what());
     if (!isDone && !error) throw Failure(kInterrupted, "interrupted");
   }

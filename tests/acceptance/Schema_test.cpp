@@ -33,6 +33,7 @@ const std::map<std::string, std::set<std::string>> kOptional{
     {"receive", {"name", "contents", "changes", "missing", "damaged"}},
     {"instrument", {"name", "contents", "changes", "missing", "damaged"}},
     {"record", {"verdict"}},
+    {"fetch", {"removed"}},
     {"trace", {"name", "contents", "changes", "missing", "damaged"}},
     {"copy", {"damaged"}},
     {"favourite", {"damaged"}},

@@ -111,6 +111,41 @@ TEST(BytePort, TwoFifosAreAPort) {
   EXPECT_EQ(receive(here, 256), everyByte());
 }
 
+TEST(BytePort, AFifoHangsUpWhenWhoWroteToItHasGone) {
+  const Folder folder;
+  const std::string fifo = folder.fifo("fifo");
+  BytePort in(fifo, Direction::in);
+  EXPECT_TRUE(in.wait(in.now() + 1ms, false).empty()) << "nobody writes to it yet";
+  {
+    BytePort out(fifo, Direction::out);
+    sendAll(out, everyByte());
+  }
+  EXPECT_EQ(receive(in, 256), everyByte());
+  EXPECT_THROW(in.wait(std::nullopt, false), PortError);
+}
+
+TEST(BytePort, ATerminalIsForOneProgram) {
+  BytePort here("pty:", Direction::both);
+  const BytePort there(here.name(), Direction::both);
+  EXPECT_EQ(whyNot(here.name()), "port " + here.name() + ": another program uses it");
+}
+
+TEST(BytePort, WhatCameBeforeIsThrownAway) {
+  BytePort here("pty:", Direction::both);
+  sendAll(here, everyByte());
+  BytePort there(here.name(), Direction::both);
+  there.discard();
+  sendAll(here, Bytes{1, 2, 3});
+  EXPECT_EQ(receive(there, 3), (Bytes{1, 2, 3}));
+}
+
+TEST(BytePort, OneFifoHasNotTwoDirections) {
+  const Folder folder;
+  const std::string fifo = folder.fifo("fifo");
+  for (const std::string& name : {fifo, fifo + "," + fifo})
+    EXPECT_THAT(whyNot(name), HasSubstr("a FIFO has one direction")) << name;
+}
+
 TEST(BytePort, AFullFifoTakesWhatGoesAndWaitsForTheRest) {
   const Folder folder;
   const std::string fifo = folder.fifo("fifo");

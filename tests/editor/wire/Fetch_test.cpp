@@ -221,8 +221,77 @@ TEST_F(FetchTest, DoesNotWaitForAClock) {
     const Bytes tick_{0xF8};
     WireTime next_{};
   } clock;
-  EXPECT_EQ(fetchOne(clock, kVoice).reason, "only clock");
+  EXPECT_EQ(fetchOne(clock, kVoice).reason, "broken") << "there was a message that has no end";
   EXPECT_LT(elapsed, 9s);
+}
+
+// What came may have been of the answer: nobody says that the place is empty.
+TEST_F(FetchTest, CallsNoPlaceEmptyOfWhichSomethingCame) {
+  const Bytes header = dump(kVoice);
+  const auto judge = [&](const std::function<std::vector<Bytes>(unsigned)>& answer) {
+    Scripted instrument([&](BulkAddress asked, unsigned time) {
+      return asked == kSystemCommon ? std::vector<Bytes>{blockDump(asked)} : answer(time);
+    });
+    return fetchOne(instrument, kVoice);
+  };
+  for (std::size_t size = 1; size < header.size(); ++size) {
+    const Fetched cut = judge(
+        [&](unsigned) { return std::vector<Bytes>{Bytes(header.begin(), header.begin() + std::ptrdiff_t(size))}; });
+    EXPECT_EQ(cut.state, Fetched::State::lost) << size;
+  }
+  const Fetched other = judge([](unsigned) { return std::vector<Bytes>{dump(kVoice, {}, 4)}; });
+  EXPECT_EQ(other.state, Fetched::State::lost);
+  EXPECT_EQ(other.reason, "other device 5");
+  // Its answer comes when nobody waits for it any more.
+  Scripted late([&](BulkAddress asked, unsigned time) {
+    std::vector<Bytes> answer = time < 4 ? std::vector<Bytes>() : voice();
+    if (asked == kSystemCommon) answer.push_back(blockDump(asked));
+    return answer;
+  });
+  EXPECT_EQ(fetchOne(late, kVoice).state, Fetched::State::lost);
+}
+
+TEST_F(FetchTest, BelievesThatOneHasGoneWhichHasAnsweredBeforeWhenItIsSilentTwice) {
+  Scripted instrument([](BulkAddress asked, unsigned time) {
+    return std::vector<Bytes>(time == 1 || time > 5 ? 1 : 0, blockDump(asked == kSystemCommon ? asked : kSystemCommon));
+  });
+  const std::vector<Fetched> lives = fetch(instrument, {kSystemCommon, kMaster, kSystemCommon});
+  EXPECT_EQ(lives[1].state, Fetched::State::lost);
+  EXPECT_EQ(lives[2].state, Fetched::State::whole);
+  Scripted dies(
+      [](BulkAddress asked, unsigned time) { return std::vector<Bytes>(time == 1 ? 1 : 0, blockDump(asked)); });
+  const std::vector<Fetched> dead = fetch(dies, {kSystemCommon, kMaster, kVoice, kSystemCommon});
+  EXPECT_EQ(dead[1].tries, 3u);
+  EXPECT_EQ(dead[2].tries, 3u);
+  EXPECT_EQ(dead[3].tries, 0u);
+}
+
+TEST_F(FetchTest, DoesNotWaitForWhatBringsNothingOn) {
+  for (const std::size_t which : {0U, 3U}) {
+    class Repeating final : public WireEnd {
+     public:
+      explicit Repeating(std::vector<Bytes> messages) : messages_(std::move(messages)) {}
+      void receive(std::span<const std::uint8_t> /*bytes*/, WireTime /*now*/) override {}
+      void pass(WireTime /*now*/) override {}
+      std::optional<WireTime> due() const override { return next_; }
+      std::span<const std::uint8_t> toSend(WireTime now) override {
+        if (now < next_) return {};
+        return messages_[std::min(count_, messages_.size() - 1)];
+      }
+      void sent(std::size_t /*count*/) override {
+        next_ += 500ms;
+        ++count_;
+      }
+      bool isDone() const override { return false; }
+
+     private:
+      std::vector<Bytes> messages_;
+      std::size_t count_ = 0;
+      WireTime next_{};
+    } instrument(which == 0 ? std::vector<Bytes>{voice()[0]} : std::vector<Bytes>{voice()[0], voice()[3]});
+    EXPECT_EQ(fetchOne(instrument, kVoice).state, Fetched::State::lost) << which;
+    EXPECT_LT(elapsed, 4min) << which;
+  }
 }
 
 TEST_F(FetchTest, EndsThoughTheWireIsNeverQuiet) {

@@ -26,7 +26,7 @@ class SendTest : public testing::Test {
   SendTest() {
     units = {{kVoice, unitOf(kVoice, BDA::List::normalVoice, 1), {}},
              {kOther, unitOf(kOther, BDA::List::normalVoice, 2), {}},
-             {{0x0E, 0x70, 0x03}, unitOf({0x0E, 0x70, 0x03}, BDA::List::master, 3), {}}};
+             {BulkAddress{0x0E, 0x70, 0x03}, unitOf({0x0E, 0x70, 0x03}, BDA::List::master, 3), {}}};
   }
 
   // To an instrument with those options.
@@ -140,9 +140,9 @@ TEST_F(SendTest, AFileDumpIsComparedByteByByte) {
   const std::vector<Bytes> file = answerOf(target, {0x0C, 0x0A, 0x05});
   receive(target, units[0].messages);
   const std::vector<Bytes> full = answerOf(target, {0x0C, 0x0A, 0x05});
-  units = {{{0x0C, 0x0A, 0x05}, full, {writeTrigger()}}};
+  units = {{BulkAddress{0x0C, 0x0A, 0x05}, full, {writeTrigger()}}};
   EXPECT_EQ(statesOf(send({}, kVerify)), std::vector{State::equal});
-  units = {{{0x0C, 0x0A, 0x07}, {full.front()}, {writeTrigger()}}};
+  units = {{BulkAddress{0x0C, 0x0A, 0x07}, {full.front()}, {writeTrigger()}}};
   readdress(units[0].messages[0], {0x0C, 0x0A, 0x07});
   EXPECT_EQ(statesOf(send({.faults = parseFaults("full=1")}, kVerify)), std::vector{State::different});
   EXPECT_EQ(statesOf(send({}, kVerify)), std::vector{State::equal});
