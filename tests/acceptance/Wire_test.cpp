@@ -237,3 +237,56 @@ TEST_F(Wire, whatArrivesIsRecordedMessageByMessage) {
   EXPECT_THAT(nothing.err, HasSubstr("nothing came: nothing is written"));
   EXPECT_FALSE(exists("c.syx"));
 }
+
+TEST_F(Wire, whatStillHasToGoOutAtTheEndOfTheInputGoesOut) {
+  fillInstrument();
+  bda({"request", "voice:user1:6", "--library", directory / "instrument.db", "-o", "asked.syx"});
+  std::string requests;
+  std::string answers;
+  for (int i = 0; i < 100; ++i) {
+    requests += text(request({0x0E, 0x0A, 0x05}));
+    answers += read("asked.syx");
+  }
+  const Result answered = bda({"instrument", "--on", "-", "-q", "--library", directory / "instrument.db"}, requests);
+  EXPECT_THAT(answered, Exits(0));
+  EXPECT_EQ(answered.out, answers);
+}
+
+TEST_F(Wire, silenceThatWasNotAskedTwiceMayBeALoss) {
+  fillInstrument();
+  Serving instrument = serve();
+  EXPECT_THAT(fetch(instrument, {"voice:user1:7..8", "--retries", "0"}), Exits(3));
+  EXPECT_THAT(fetch(instrument, {"voice:user1:7..8", "--retries", "1"}), Exits(0));
+}
+
+TEST_F(Wire, whatIsEmptyThereIsRemovedHereWhenItIsAskedFor) {
+  write("old.syx", {unit({0x0E, 0x0A, 0x06}, BDA::List::normalVoice, 0x42)});
+  bda({"receive", "-q", "old.syx"});
+  bda({"rename", "-q", "voice:user1:7", "Old"});
+  fillInstrument();
+  Serving instrument = serve();
+  EXPECT_THAT(fetch(instrument, {"file:voice:user1:7"}), Exits(0));
+  EXPECT_EQ(library().contents().size(), 1u);
+  EXPECT_THAT(fetch(instrument, {"file:voice:user1:7", "--remove-empty", "--dry-run"}).out,
+              StartsWith("would be removed: file:voice:user1:7, it was \"Old\""));
+  EXPECT_EQ(library().contents().size(), 1u);
+  const Result removed = fetch(instrument, {"file:voice:user1:7", "--remove-empty", "--json"});
+  EXPECT_THAT(removed, Exits(0));
+  EXPECT_EQ(Json::parse(removed.out)["removed"], true);
+  EXPECT_EQ(library().contents().size(), 0u);
+}
+
+TEST_F(Wire, ctrlCKeepsWhatCameAndSaysWhatIsLost) {
+  fillInstrument();
+  Serving instrument = serve("--faults delay=1:200");
+  const std::string command = std::string(BDA_PROGRAM) +
+                              " fetch master:4 voice:user1:6 master:4 --json --timeout 20 -o '" +
+                              (directory / "got.syx").string() + "' --from " + instrument.path + " 2>/dev/null";
+  Serving fetching(command);
+  EXPECT_EQ(Json::parse(fetching.path)["state"], "kept");
+  EXPECT_EQ(fetching.stop(), 130);
+  EXPECT_EQ(Json::parse(fetching.told)["state"], "lost");
+  instrument.stop();
+  bda({"request", "master:4", "--library", directory / "instrument.db", "-o", "asked.syx"});
+  EXPECT_EQ(read("got.syx"), read("asked.syx"));
+}
