@@ -167,7 +167,9 @@ class Finding {
   void summarise(std::uint64_t found) {
     std::string text =
         fmt::format("{} found in {}", found == 0 ? "nothing" : std::to_string(found), counted(looked_, "content"));
-    if (broken_ != 0) text += "; left out: " + counted(broken_, "unit that is not whole", "units that are not whole");
+    if (broken_ != 0)
+      text += "; left out: " +
+              counted(broken_, "unit that is not whole or never written", "units that are not whole or never written");
     if (sources_.ofOtherKinds != 0)
       text += "; passed over: " + counted(sources_.ofOtherKinds, "file of another kind", "files of other kinds");
     console_.note(text);
