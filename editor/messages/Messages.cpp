@@ -140,6 +140,21 @@ Reading readMessage(std::span<const std::uint8_t> message) {
   Reading reading;
   if (isRemainder(message)) {
     reading.kind = Reading::Kind::invalid;
+std::string nameInFileDump(std::span<const std::uint8_t> message) {
+  const std::span<const std::uint8_t> field = message.subspan(BDA::kDataAt);
+  const std::span<const std::uint8_t> packed = field.subspan(kCount, countAt(field, 0));
+  std::string name;
+  std::uint8_t topBits = 0;  // of the group, that of its first byte in bit 6
+  for (std::size_t i = 0; i < packed.size(); ++i) {
+    const std::size_t inGroup = i % BDA::FileDumpCodec::kPackedGroup;
+    if (inGroup == 0)
+      topBits = packed[i];
+    else
+      name += char(packed[i] | (topBits >> (BDA::FileDumpCodec::kGroup - inGroup) & 1) << 7);
+  }
+  return name;
+}
+
     judge(reading, Reading::Verdict::lengthWrong,
           fmt::format("{} bytes, a message has at least {}", message.size(), BDA::kRequestLength));
   }

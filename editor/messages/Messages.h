@@ -47,6 +47,8 @@ struct Reading {
 
 Reading readMessage(std::span<const std::uint8_t> message);
 // Whether a whole message is of the instrument's maker, be it for another model.
+// The name that a good file dump gives to its content.
+std::string nameInFileDump(std::span<const std::uint8_t> message);
 bool isOfThisMaker(std::span<const std::uint8_t> message);
 
 // The request of that address, for an instrument with that device number (0 to 15).
