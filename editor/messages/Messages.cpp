@@ -97,6 +97,10 @@ void judgeAddress(Reading& reading, std::span<const std::uint8_t> data) {
           fmt::format("{}, this block has {}", counted(reading.dataBytes, "data byte"), *block->dataLength));
   } else if (reading.kind == Reading::Kind::dump && reading.role == Role::fileDump) {
     judgeFileDump(reading, data);
+  } else if (reading.kind == Reading::Kind::dump && reading.role == Role::trigger &&
+             *reading.address != kWriteTrigger) {
+    reading.removesMixingVoices = true;
+    reading.verdict = Reading::Verdict::removes;
   }
 }
 
@@ -136,10 +140,6 @@ void readRequest(Reading& reading, std::span<const std::uint8_t> message) {
 
 bool isOfThisMaker(std::span<const std::uint8_t> message) { return message.size() > 1 && message[1] == BDA::kMakerId; }
 
-Reading readMessage(std::span<const std::uint8_t> message) {
-  Reading reading;
-  if (isRemainder(message)) {
-    reading.kind = Reading::Kind::invalid;
 std::string nameInFileDump(std::span<const std::uint8_t> message) {
   const std::span<const std::uint8_t> field = message.subspan(BDA::kDataAt);
   const std::span<const std::uint8_t> packed = field.subspan(kCount, countAt(field, 0));
@@ -155,6 +155,10 @@ std::string nameInFileDump(std::span<const std::uint8_t> message) {
   return name;
 }
 
+Reading readMessage(std::span<const std::uint8_t> message) {
+  Reading reading;
+  if (isRemainder(message)) {
+    reading.kind = Reading::Kind::invalid;
     judge(reading, Reading::Verdict::lengthWrong,
           fmt::format("{} bytes, a message has at least {}", message.size(), BDA::kRequestLength));
   }

@@ -55,6 +55,8 @@ TEST(Messages, aBlockOfAnotherLengthIsNamedWithTheRightOne) {
 
 TEST(Messages, fileDumpsComeInAnyLength) {
   EXPECT_EQ(readMessage(dump({0x0C, 0x0A, 0x05}, Bytes(4))).verdict, Verdict::removes);
+  EXPECT_EQ(readMessage(dump({0x11, 0x01, 0x00})).verdict, Verdict::removes);
+  EXPECT_EQ(readMessage(dump({0x11, 0x00, 0x00})).verdict, Verdict::good);
   Bytes field(404);
   field[2] = 3;  // 3 * 128 + 16 bytes of content
   field[3] = 16;
