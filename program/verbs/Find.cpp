@@ -123,9 +123,9 @@ class Finding {
       search.look(searched, std::move(candidate));
       progress.step(size);
     };
-    const auto tellDamaged = [&](const std::string& place) {
+    const auto tellDamaged = [&](const std::string& place, const std::string& why) {
       const std::string where = options_.sources.empty() ? "" : displayName(source.path) + ": ";
-      complaints_.tell("damaged", fmt::format("{}{}: left out: it is damaged (bda check tells more)", where, place));
+      complaints_.tell("damaged", fmt::format("{}{}: left out: {} (bda check tells more)", where, place, why));
       program_.refuse();
     };
     forEachCandidate(editor, buffers_, look, tellDamaged);
