@@ -167,6 +167,14 @@ TEST(Messages, typesBeyondThoseOfTheInstrumentAreUnknown) {
   }
 }
 
+TEST(Messages, aFileDumpGivesItsContentAName) {
+  const Bytes field{0, 10, 0, 'A', 'B', 'C', 'D', 'E', 'F', 'G', 0x40, 0x69, 0, 2, 0, 1};
+  const Bytes message = dump({0x0C, 0x50, 0x00}, field);
+  ASSERT_EQ(readMessage(message).verdict, Verdict::good);
+  EXPECT_EQ(Editor::nameInFileDump(message), "ABCDEFG\xE9");
+  EXPECT_EQ(Editor::nameInFileDump(dump({0x0C, 0x50, 0x00}, {0, 0, 0, 2, 0, 1})), "");
+}
+
 TEST(Messages, otherMakersAndModelsAreNotJudged) {
   Bytes maker = dump({0, 0, 0}, Bytes(1));
   maker[1] = 0x7E;
