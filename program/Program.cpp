@@ -152,8 +152,8 @@ void Program::leaveOut(const std::string& library, const Library::Unread& unread
   refuse();
 }
 
-void Program::tellDamaged(const std::string& place) {
-  console.problem(fmt::format("{}: it is damaged (bda check tells more)", place));
+void Program::tellDamaged(const std::string& place, const std::string& why) {
+  console.problem(fmt::format("{}: {} (bda check tells more)", place, why));
   refuse();
 }
 

@@ -10,6 +10,7 @@
 #include "exchange/EmbeddedEditor.h"
 #include "names/ParameterNames.h"
 #include "output/Console.h"
+#include "targets/TargetModels.h"
 
 namespace Editor {
 
@@ -51,9 +52,11 @@ class Program {
   void refuse() {
     if (exitCode_ == kAllGood) exitCode_ = kRefused;
   }
-  // What stands there is damaged: the run goes on, without it.
-  void tellDamaged(const std::string& place);
-  void leaveOutDamaged(const std::string& place) { tellDamaged(place + ": left out"); }
+  // What stands there is damaged, or what belongs to it: the run goes on, without it.
+  void tellDamaged(const std::string& place, const std::string& why = kItIsDamaged);
+  void leaveOutDamaged(const std::string& place, const std::string& why = kItIsDamaged) {
+    tellDamaged(place + ": left out", why);
+  }
   // Inputs proved unusable while they were read, a text for each: the run ends with kUnusableInput.
   void failInputs(const std::vector<std::string>& problems);
   // The run ends with this, whatever it has refused.

@@ -56,8 +56,9 @@ class Arranging {
   void plan(const std::vector<Slot*>& from, const std::vector<Slot*>& to) {
     std::vector<std::pair<Slot*, Slot*>> pairs;
     for (std::size_t i = 0; i < from.size(); ++i) {
-      if (from[i]->isDamaged || (kind_ == Kind::swap && to[i]->isDamaged))
-        arranged_.damaged.push_back(from[i]->isDamaged ? from[i]->name : to[i]->name);
+      const Slot& damaged = from[i]->damage.empty() && kind_ == Kind::swap ? *to[i] : *from[i];
+      if (!damaged.damage.empty())
+        arranged_.damaged.push_back({damaged.name, damaged.damage});
       else if (!from[i]->holds && (kind_ != Kind::swap || !to[i]->holds))
         arranged_.leftOut.push_back(from[i]->name);
       else if (from[i] != to[i])
@@ -119,7 +120,7 @@ class Arranging {
     if (!to.hasFlag() && from.flag != 0) arranged_.droppedFlags.push_back({from.name, to.name});
   }
 
-  static bool isStored(const ArrangedPlace& place) { return place.holds || place.isDamaged; }
+  static bool isStored(const ArrangedPlace& place) { return place.holds || !place.damage.empty(); }
 
   void requireRoom() {
     const std::int64_t before = library_.mixingVoiceCount();

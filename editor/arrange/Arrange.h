@@ -18,8 +18,14 @@ struct Arranged {
     friend bool operator==(const Note&, const Note&) = default;
   };
 
+  // Of one place.
+  struct Damage {
+    std::string place;
+    std::string why;
+  };
+
   std::vector<std::string> leftOut;  // of `from`: nothing stood there, and what stood in their `to` stays
-  std::vector<std::string> damaged;  // what should have been taken from there is damaged: it stays as it is
+  std::vector<Damage> damaged;       // what should have been taken from there cannot be: it stays as it is
   std::vector<Note> droppedFlags;    // a favourite went where no flag can stand
   std::vector<Note> voicesAlone;     // a voice became that of a part: what else belonged to it did not go along
 };

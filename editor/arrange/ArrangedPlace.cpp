@@ -13,14 +13,14 @@ ModelSet freshModels(const ArrangedPlace& buffer) {
 }
 
 // Nothing, and damage, where it does not fit its checksum or cannot be read.
-std::optional<Held> heldAt(Library& library, ContentId id, bool& isDamaged) {
+std::optional<Held> heldAt(Library& library, ContentId id, std::string& damage) {
   try {
     std::optional<Held> held = library.held(contentAt(id));
     if (!held || isWhole(*held)) return held;
   } catch (const LibraryError& error) {
     if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
   }
-  isDamaged = true;
+  damage = kItIsDamaged;
   return std::nullopt;
 }
 
@@ -32,14 +32,14 @@ ArrangedPlace readPlace(EmbeddedEditor& editor, const Target& target) {
   place.name = placeNameOf(target);
   if (place.isBuffer()) {
     place.kind = contentKindOf(target.buffer, editor.tools().live(target.buffer, target.part));
-    place.isDamaged = !damageOf(editor.tools(), target).empty();
-    if (!place.isDamaged) place.holds = contentOf(loadTarget(editor, target));
+    place.damage = damageInShort(editor.tools(), target);
+    if (place.damage.empty()) place.holds = contentOf(loadTarget(editor, target));
   } else {
     place.kind = contentKindOf(target.content);
-    const std::optional<Held> content = heldAt(editor.library(), target.content, place.isDamaged);
+    const std::optional<Held> content = heldAt(editor.library(), target.content, place.damage);
     if (place.hasFlag()) place.flag = editor.library().flag(target.content);
-    place.isDamaged = place.isDamaged || !place.flag;
-    if (content && !place.isDamaged) place.holds = Library::Content{content->name, content->bytes};
+    if (!place.flag) place.damage = kItIsDamaged;
+    if (content && place.damage.empty()) place.holds = Library::Content{content->name, content->bytes};
   }
   return place;
 }

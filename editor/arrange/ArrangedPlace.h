@@ -15,7 +15,7 @@ struct ArrangedPlace {
   std::string name;  // the same for all addresses of the place
   ContentKind kind = ContentKind::voice;
   std::optional<Library::Content> holds;  // of an edit buffer its models, in our format
-  bool isDamaged = false;                 // something stands there that nobody can take: `holds` is empty
+  std::string damage;                     // why nobody can take what stands there: `holds` is empty
   std::optional<std::uint8_t> flag = 0;   // 0 where none can stand; nothing: it is damaged, and so is the place
 
   bool isBuffer() const { return target.kind == Target::Kind::editBuffer; }

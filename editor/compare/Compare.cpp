@@ -95,7 +95,8 @@ class Comparing {
     const EditorJobTools& right = second_.tools();
     const auto buffer = [&](EditBuffer which, std::uint8_t part) {
       const std::string name = nameOf(which, part);
-      live(name, left.damage(which, part), left.live(which, part), right.damage(which, part), right.live(which, part));
+      live(name, left.ownDamage(which, part), left.live(which, part), right.ownDamage(which, part),
+           right.live(which, part));
     };
     for (const EditBuffer which : kSingleEditBuffers) buffer(which, 0);
     for (std::uint8_t part = 0; part < kParts; ++part) buffer(EditBuffer::partVoice, part);

@@ -40,7 +40,11 @@ Record EmbeddedEditor::handle(const Reading& reading, std::span<const std::uint8
   static_cast<Handed&>(record) = handover_.hand(reading, message, port, units_.nameless());
   static_cast<Touched&>(record) = touchedBy(reading, record);
   record.outcome = outcomeOf(reading, record, record);
-  if (record.outcome == Outcome::refused) record.reason = reasonOf(reading, record, units_, library_, tools());
+  if (record.outcome == Outcome::refused) {
+    Reason reason = reasonOf(reading, record, units_, library_, tools());
+    record.reason = std::move(reason.words);
+    record.reasonInCommon = std::move(reason.inCommon);
+  }
   record.ended = units_.follow(reading, record, record.outcome, number);
   record.missing = missingIn(record.ended);
   return record;

@@ -18,6 +18,7 @@ struct Record : Handed, Touched {
   Reading reading;
   Outcome outcome = Outcome::ignored;
   std::string reason;                // refused: why, in words
+  std::string reasonInCommon;        // the same without what is this message's own
   std::vector<BulkAddress> missing;  // blocks of the unit that was stored which had not arrived
   std::vector<UnitReport> ended;     // units that ended with this message; the trace tells only `missing`
 };

@@ -44,23 +44,24 @@ std::string reasonOfRequest(const Reading& reading, Library& library) {
   return fmt::format("its file dump would have {} data bytes, at most {} are possible", size, kLongestFileDump);
 }
 
-std::string reasonOfMessage(const Reading& reading, const Handed& handed, const UnitTracker& units, Library& library,
-                            const EditorJobTools& tools) {
+Reason reasonOfMessage(const Reading& reading, const Handed& handed, const UnitTracker& units, Library& library,
+                       const EditorJobTools& tools) {
   const BDA::BulkDumpRefusal refusal = handed.report.refusal;
   const bool isAboutListening =
       refusal == BDA::BulkDumpRefusal::deviceNumberOff || refusal == BDA::BulkDumpRefusal::receiveSwitchOff;
-  if (isAboutListening) return wordsOf(refusal);
+  const auto same = [](const std::string& words) { return Reason{words, words}; };
+  if (isAboutListening) return same(wordsOf(refusal));
   if (refusal == BDA::BulkDumpRefusal::wrongDeviceNumber) {
     const unsigned setting = tools.liveSystem().system->utility.values()[SystemModel::kDeviceNumber];
-    return fmt::format("it is for device {}, the device number is {}", *reading.device, setting + 1);
+    return same(fmt::format("it is for device {}, the device number is {}", *reading.device, setting + 1));
   }
-  if (lastShown(handed) == BDA::kMixingVoiceFullMessage) return wordsOf(BDA::BulkDumpRefusal::mixingVoicesFull);
-  if (isBroken(reading)) return describeFault(reading);
-  if (!handed.storeError.empty()) return handed.storeError;
+  if (lastShown(handed) == BDA::kMixingVoiceFullMessage) return same(wordsOf(BDA::BulkDumpRefusal::mixingVoicesFull));
+  if (isBroken(reading)) return {describeFault(reading), wordOf(reading.verdict)};
+  if (!handed.storeError.empty()) return same(handed.storeError);
   std::string reason;
   if (handed.result == BDA::BulkMsg_BulkDump) reason = reasonOfDump(reading, units);
   if (handed.result == BDA::BulkMsg_BulkRequest) reason = reasonOfRequest(reading, library);
-  return reason.empty() ? wordsOf(refusal) : reason;
+  return same(reason.empty() ? wordsOf(refusal) : reason);
 }
 
 // The file dumps that a refused write trigger has not written.
@@ -78,10 +79,10 @@ std::string heldInVain(const Handed& handed, const UnitTracker& units) {
 
 }  // namespace
 
-std::string reasonOf(const Reading& reading, const Handed& handed, const UnitTracker& units, Library& library,
-                     const EditorJobTools& tools) {
-  std::string reason = reasonOfMessage(reading, handed, units, library, tools);
-  if (reading.kind == Reading::Kind::dump && reading.role == Role::trigger) reason += heldInVain(handed, units);
+Reason reasonOf(const Reading& reading, const Handed& handed, const UnitTracker& units, Library& library,
+                const EditorJobTools& tools) {
+  Reason reason = reasonOfMessage(reading, handed, units, library, tools);
+  if (reading.kind == Reading::Kind::dump && reading.role == Role::trigger) reason.words += heldInVain(handed, units);
   return reason;
 }
 

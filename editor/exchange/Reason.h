@@ -6,8 +6,13 @@
 
 namespace Editor {
 
-// Why a message was refused, for its user. `units` is as it was before the message. Throws LibraryError.
-std::string reasonOf(const Reading& reading, const Handed& handed, const UnitTracker& units, Library& library,
-                     const EditorJobTools& tools);
+// Why a message was refused, for its user.
+struct Reason {
+  std::string words;
+  std::string inCommon;  // of that what messages share that are refused for the same
+};
+// `units` is as it was before the message. Throws LibraryError.
+Reason reasonOf(const Reading& reading, const Handed& handed, const UnitTracker& units, Library& library,
+                const EditorJobTools& tools);
 
 }  // namespace Editor

@@ -43,6 +43,9 @@ std::vector<WholeUnits::Decided> WholeUnits::finish() {
 
 void WholeUnits::decide(Message message, const std::vector<UnitReport>& ended) {
   const Reading& reading = message.reading;
+  const bool mayBeFileDump = reading.role == Role::fileDump || reading.role == Role::unknown;
+  if (isBroken(reading) && mayBeFileDump && reading.kind != Reading::Kind::request)
+    missFileDump(fmt::format("message {}: {}: {}", message.number, describeContent(reading), describeFault(reading)));
   if (reading.kind != Reading::Kind::dump) return handOn(std::move(message));
   if (isBroken(reading)) {
     std::string why = describeContent(reading) + ": " + describeFault(reading);
@@ -64,10 +67,13 @@ void WholeUnits::decide(Message message, const std::vector<UnitReport>& ended) {
       return refuse(unit_, ended.back());
     case Role::fileDump:
       wait(fileDumps_, std::move(message));
-      if (const UnitReport* const discarded = find(ended, UnitReport::State::discarded)) refuse(fileDumps_, *discarded);
+      if (const UnitReport* const discarded = find(ended, UnitReport::State::discarded)) {
+        missFileDump(describeUnit(*discarded));
+        refuse(fileDumps_, *discarded);
+      }
       return;
     case Role::trigger:
-      return release(fileDumps_, std::move(message));
+      return releaseFileDumps(std::move(message));
     case Role::alone:
     case Role::unknown:
     case Role::emptyHeader:
@@ -96,6 +102,20 @@ void WholeUnits::release(Waiting& waiting, Message last) {
   Waiting whole = std::exchange(waiting, {});
   whole.messages.push_back(std::move(last));
   decided_.push_back({std::move(whole.messages), {}});
+}
+
+void WholeUnits::releaseFileDumps(Message trigger) {
+  const std::string missing = std::exchange(missing_, {});
+  if (missing.empty() || *trigger.reading.address == kWriteTrigger) return release(fileDumps_, std::move(trigger));
+  Waiting refused = std::exchange(fileDumps_, {});
+  refused.messages.push_back(std::move(trigger));
+  decided_.push_back(
+      {std::move(refused.messages),
+       fmt::format("all mixing voices would be removed, and not all file dumps are whole: {}", missing)});
+}
+
+void WholeUnits::missFileDump(const std::string& why) {
+  if (missing_.empty()) missing_ = why;
 }
 
 void WholeUnits::refuse(Waiting& waiting, const UnitReport& unit) {

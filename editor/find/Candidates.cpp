@@ -24,7 +24,7 @@ Candidate candidateOf(EmbeddedEditor& editor, const Target& buffer) {
 }  // namespace
 
 void forEachCandidate(EmbeddedEditor& editor, EditBuffers buffers, const std::function<void(Candidate)>& visit,
-                      const std::function<void(const std::string&)>& visitDamaged) {
+                      const std::function<void(const std::string&, const std::string&)>& visitDamaged) {
   const EmbeddedEditor::View oneState(editor);
   Library& library = editor.library();
   std::map<ContentId, Library::Flag> flags;
@@ -35,7 +35,7 @@ void forEachCandidate(EmbeddedEditor& editor, EditBuffers buffers, const std::fu
       content = library.content(id);
     } catch (const LibraryError& error) {
       if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
-      visitDamaged(nameOf(id));
+      visitDamaged(nameOf(id), kItIsDamaged);
     }
     const auto flag = flags.find(id);
     if (content) visit(candidateOf(id, std::move(*content), flag == flags.end() ? Library::Flag(0) : flag->second));
@@ -43,10 +43,10 @@ void forEachCandidate(EmbeddedEditor& editor, EditBuffers buffers, const std::fu
   if (buffers == EditBuffers::leftOut) return;
   for (const Target& target : storedLive(editor))
     if (target.kind == Target::Kind::editBuffer) {
-      if (damageOf(editor.tools(), target).empty())
+      if (const std::string why = damageInShort(editor.tools(), target); why.empty())
         visit(candidateOf(editor, target));
       else
-        visitDamaged(target.name);
+        visitDamaged(target.name, why);
     }
 }
 

@@ -27,9 +27,9 @@ struct Candidate {
 enum class EditBuffers : std::uint8_t { leftOut, included };
 
 // What a library holds, in one of its states: contents by type and number, then the edit buffers that were ever stored.
-// A damaged content is named instead: `visitDamaged` gets its place. Throws LibraryError.
+// One that is damaged is named instead: `visitDamaged` gets its place, and why it cannot be taken. Throws LibraryError.
 void forEachCandidate(EmbeddedEditor& editor, EditBuffers buffers, const std::function<void(Candidate)>& visit,
-                      const std::function<void(const std::string&)>& visitDamaged);
+                      const std::function<void(const std::string&, const std::string&)>& visitDamaged);
 
 // What is stored there, or nothing. Throws LibraryError.
 std::optional<Candidate> findCandidate(EmbeddedEditor& editor, ContentId id);

@@ -16,6 +16,12 @@ bool isEditBuffer(const UnitReport& unit) {
   return unit.state == UnitReport::State::complete && editBufferOf(unit.address.mid).has_value();
 }
 
+// File dumps are lost one by one, and with those that were held the one for which they are discarded.
+std::uint64_t countLost(const UnitReport& unit) {
+  if (unit.state == UnitReport::State::held) return unit.blocks.size();
+  return 1 + (unit.state == UnitReport::State::discarded ? unit.blocks.size() : 0);
+}
+
 }  // namespace
 
 // The messages of a file, each with what it says of itself, and the units that they make.
@@ -84,7 +90,7 @@ FileContents FileReceiver::receive(std::span<const FileMessage> messages, EditBu
   for (const UnitReport& unit : judged.units) {
     if (progress) progress(unit.firstMessage);
     if (isBroken(unit))
-      ++found.broken;
+      found.broken += countLost(unit);
     else if (buffers == EditBuffers::included || !isEditBuffer(unit))
       take(judged, unit, found);
   }

@@ -18,7 +18,7 @@ struct FileMessage {
 // What the messages of a file carry.
 struct FileContents {
   std::vector<Candidate> whole;  // in the order in which their units end
-  // Units that are not whole or that no instrument takes, and file dumps that are broken.
+  // Units that are not whole or that no instrument takes, and file dumps that are broken or never written, each.
   std::uint64_t broken = 0;
 };
 

@@ -97,6 +97,10 @@ void judgeAddress(Reading& reading, std::span<const std::uint8_t> data) {
           fmt::format("{}, this block has {}", counted(reading.dataBytes, "data byte"), *block->dataLength));
   } else if (reading.kind == Reading::Kind::dump && reading.role == Role::fileDump) {
     judgeFileDump(reading, data);
+  } else if (reading.kind == Reading::Kind::dump && reading.role == Role::trigger &&
+             *reading.address != kWriteTrigger) {
+    reading.removesMixingVoices = true;
+    reading.verdict = Reading::Verdict::removes;
   }
 }
 
@@ -135,6 +139,21 @@ void readRequest(Reading& reading, std::span<const std::uint8_t> message) {
 }  // namespace
 
 bool isOfThisMaker(std::span<const std::uint8_t> message) { return message.size() > 1 && message[1] == BDA::kMakerId; }
+
+std::string nameInFileDump(std::span<const std::uint8_t> message) {
+  const std::span<const std::uint8_t> field = message.subspan(BDA::kDataAt);
+  const std::span<const std::uint8_t> packed = field.subspan(kCount, countAt(field, 0));
+  std::string name;
+  std::uint8_t topBits = 0;  // of the group, that of its first byte in bit 6
+  for (std::size_t i = 0; i < packed.size(); ++i) {
+    const std::size_t inGroup = i % BDA::FileDumpCodec::kPackedGroup;
+    if (inGroup == 0)
+      topBits = packed[i];
+    else
+      name += char(packed[i] | (topBits >> (BDA::FileDumpCodec::kGroup - inGroup) & 1) << 7);
+  }
+  return name;
+}
 
 Reading readMessage(std::span<const std::uint8_t> message) {
   Reading reading;

@@ -21,7 +21,7 @@ struct Reading {
   };
   enum class Verdict : std::uint8_t {
     good,
-    removes,  // good, and has what stands in its place removed: a file dump without data
+    removes,  // good, and has contents removed: a file dump without data, a trigger that removes all mixing voices
     foreign,
     checksumWrong,
     lengthWrong,       // does not fit the message's own byte count, or its type
@@ -40,12 +40,15 @@ struct Reading {
   std::size_t dataBytes = 0;                     // of a dump
   bool isNamed = false;                          // of a file dump: it carries a name, whatever is wrong with it
   std::optional<ContentId> removes;              // by a good file dump without data, or footer of an empty voice
+  bool removesMixingVoices = false;              // a good trigger that has all of them removed first
   std::optional<std::uint8_t> checksum;          // the one that the dump carries
   std::optional<std::uint8_t> expectedChecksum;  // the one that it should carry
   std::string note;                              // why it is not good, in words
 };
 
 Reading readMessage(std::span<const std::uint8_t> message);
+// The name that a good file dump gives to its content.
+std::string nameInFileDump(std::span<const std::uint8_t> message);
 // Whether a whole message is of the instrument's maker, be it for another model.
 bool isOfThisMaker(std::span<const std::uint8_t> message);
 

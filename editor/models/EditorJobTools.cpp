@@ -12,6 +12,8 @@ namespace {
 constexpr std::uint8_t kHeaderHi = 0x0E;
 constexpr std::uint8_t kFooterHi = 0x0F;
 
+constexpr const char* kMultiDamaged = "the multi that it plays in is damaged";
+
 constexpr std::size_t kMostWaves = 1024;
 constexpr std::size_t kMostArpeggios = 256;
 constexpr std::size_t kLongestName = 28;
@@ -205,9 +207,10 @@ const ModelSet& EditorJobTools::live(EditBuffer buffer, std::uint8_t part) const
   return units_[unitOf(buffer, part)].models;
 }
 
-const std::string& EditorJobTools::damage(EditBuffer buffer, std::uint8_t part) const {
-  const std::string& own = units_[unitOf(buffer, part)].damage;
-  return own.empty() && buffer == EditBuffer::partVoice ? units_[kMulti].damage : own;
+std::string EditorJobTools::damage(EditBuffer buffer, std::uint8_t part) const {
+  const bool isOfMulti = buffer == EditBuffer::partVoice && !units_[kMulti].damage.empty();
+  const std::string& own = ownDamage(buffer, part);
+  return own.empty() && isOfMulti ? kMultiDamaged : own;
 }
 
 bool EditorJobTools::replaceLive(EditBuffer buffer, std::uint8_t part, const ModelSet& models) {
@@ -411,7 +414,7 @@ unsigned long EditorJobTools::storeLive(EditBuffer buffer, std::uint8_t part, co
   std::vector<Replacement> replacements;
   if (buffer == EditBuffer::partVoice) {
     if (!units_[kMulti].damage.empty()) {
-      error_ = "the multi that it plays in is damaged";
+      error_ = kMultiDamaged;
       return CMA::JOB::Result_UnknownError;
     }
     ModelSet multi = units_[kMulti].models;

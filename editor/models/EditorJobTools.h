@@ -48,8 +48,12 @@ class EditorJobTools final : public CMA::JobTools {
   const ModelSet& liveAdditional() const { return units_[kAdditional].models; }
   // Why they could not be read when they were last loaded; empty when they could. In place of what is damaged stand new
   // models, which are nobody's: whoever shows, sends or changes them asks first. `part` as for live(); the voice of a
-  // part is damaged with its multi, whose effects it uses.
-  const std::string& damage(EditBuffer buffer, std::uint8_t part = 0) const;
+  // part cannot be had without its multi, whose effects it uses, and says so where that is damaged.
+  std::string damage(EditBuffer buffer, std::uint8_t part = 0) const;
+  // The same of what is stored for it alone: for whoever asks for no more of a part than its voice.
+  const std::string& ownDamage(EditBuffer buffer, std::uint8_t part = 0) const {
+    return units_[unitOf(buffer, part)].damage;
+  }
   const std::string& systemDamage() const { return units_[kSystem].damage; }
   const std::string& additionalDamage() const { return units_[kAdditional].damage; }
   // Whether that part of a multi plays a drum voice: its bank says so.

@@ -58,6 +58,13 @@ std::string damageOf(const EditorJobTools& tools, const Target& target) {
   return {};
 }
 
+std::string damageInShort(const EditorJobTools& tools, const Target& target) {
+  const std::string why = damageOf(tools, target);
+  const bool isOfAnother =
+      target.kind == Target::Kind::editBuffer && tools.ownDamage(target.buffer, target.part).empty();
+  return why.empty() || isOfAnother ? why : kItIsDamaged;
+}
+
 ModelSet loadTarget(EmbeddedEditor& editor, const Target& target) {
   const EditorJobTools& tools = editor.tools();
   if (const std::string why = damageOf(tools, target); !why.empty()) refuse(target, why);

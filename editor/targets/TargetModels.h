@@ -15,6 +15,10 @@ bool forgetTarget(Library& library, const Target& target);
 // Why the live models of a target cannot be read; empty when they can, and of a content.
 std::string damageOf(const EditorJobTools& tools, const Target& target);
 
+// The same in few words, for a line that names the target.
+std::string damageInShort(const EditorJobTools& tools, const Target& target);
+inline constexpr const char* kItIsDamaged = "it is damaged";
+
 // The models of a target as they are in the library. Throws TargetError (refused) when there are none or they are
 // damaged, and LibraryError.
 ModelSet loadTarget(EmbeddedEditor& editor, const Target& target);

@@ -5,6 +5,7 @@
 #include "messages/Text.h"
 #include "output/Complaints.h"
 #include "output/Progress.h"
+#include "output/RepeatedPlaces.h"
 
 namespace Editor {
 
@@ -17,22 +18,26 @@ std::unique_ptr<EmbeddedEditor> editorOf(const InputFile& input, const char* ver
   };
   if (!input.isWhole()) program.refuse();
   Progress progress(program.console, verb, "message", input.countMessages());
+  RepeatedPlaces repeated(*editor, program.console);
   EmbeddedEditor::Run run(*editor, Library::Transaction::Access::Write, EmbeddedEditor::Run::Devices::any);
   input.forEachMessage([&](const InputMessage& message) {
     const Reading reading = readMessage(message.bytes);
-    if (reading.kind == Reading::Kind::dump || reading.kind == Reading::Kind::invalid) {
+    if (reading.kind != Reading::Kind::foreign) {
       const Record record = editor->handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
-      if (record.outcome == Outcome::refused)
-        complain(fmt::format("refused: {}", wordsOf(record.report.refusal)),
+      // A request is only for what it does to a unit that is open.
+      if (record.outcome == Outcome::refused && reading.kind != Reading::Kind::request)
+        complain(fmt::format("refused: {}", escape(record.reasonInCommon)),
                  fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
       for (const UnitReport& unit : record.ended)
         if (isBroken(unit)) complain(wordOf(unit.state), fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
+      repeated.add(message, record);
     }
     progress.step(message.bytes.size());
   });
   for (const UnitReport& unit : editor->openUnits())
     complain(wordOf(unit.state), fmt::format("{}: {}", input.place(unit.firstMessage), describeUnit(unit)));
   complaints.finish();
+  repeated.finish();
   run.commit();
   return editor;
 }

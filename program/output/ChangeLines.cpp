@@ -26,7 +26,12 @@ nlohmann::ordered_json toJson(const PlaceChange& change, const std::optional<std
 
 std::string quoted(const std::string& name) { return fmt::format("\"{}\"", showName(name)); }
 
-// What stands behind the place.
+std::string toWords(const PlaceChange& change, const char* verb) {
+  return fmt::format("{}: {}{}{}", verb, change.place, detailOf(change), change.wasDamaged ? kOverDamage : "");
+}
+
+}  // namespace
+
 std::string detailOf(const PlaceChange& change) {
   switch (change.what) {
     case What::stored: {
@@ -45,12 +50,6 @@ std::string detailOf(const PlaceChange& change) {
   }
   return fmt::format(": {}, was {}", *change.after, change.before.value_or("damaged"));
 }
-
-std::string toWords(const PlaceChange& change, const char* verb) {
-  return fmt::format("{}: {}{}{}", verb, change.place, detailOf(change), change.wasDamaged ? kOverDamage : "");
-}
-
-}  // namespace
 
 nlohmann::ordered_json toJson(const PlaceChange& change) {
   nlohmann::ordered_json json{{"content", change.place},

@@ -22,6 +22,8 @@ void tellChanges(const std::vector<PlaceChange>& changes, const ChangeOptions& o
 // Behind a change of what was damaged. That is told of each, however many are alike.
 inline constexpr const char* kOverDamage = "; what was there is damaged, an undo cannot bring it back";
 
+// What stands behind the place: " \"Piano\", replaces \"Strings\"".
+std::string detailOf(const PlaceChange& change);
 // stored: voice:user1:6 "Piano", replaces "Strings"
 std::string lineOf(const PlaceChange& change);
 nlohmann::ordered_json toJson(const PlaceChange& change);

@@ -132,9 +132,9 @@ std::string MessageReport::wasIn(const std::string& name, bool isRemoved) const 
 
 void MessageReport::tellRefusal(const InputMessage& message, const Record& record) {
   program_.refuse();
-  const BDA::BulkDumpRefusal refusal = record.report.refusal;
-  if (refusal == BDA::BulkDumpRefusal::wrongDeviceNumber && !otherDevices_.add(*record.reading.device)) return;
-  refusals_.tell(fmt::format("refused: {}", wordsOf(refusal)),
+  if (record.report.refusal == BDA::BulkDumpRefusal::wrongDeviceNumber && !otherDevices_.add(*record.reading.device))
+    return;
+  refusals_.tell(fmt::format("{}: {}", said("refused"), escape(record.reasonInCommon)),
                  fmt::format("{}: {}: {}: {}", placeOf(message), said("refused"), describeContent(record.reading),
                              escape(record.reason)));
 }

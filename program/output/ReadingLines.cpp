@@ -16,6 +16,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr const char* kAllMixingVoices = "mix";  // in place of their names, which are two thousand
+
 Json toJson(const InputMessage& message, const Reading& reading) {
   Json json{{"message", message.number},          {"file", message.file},
             {"offset", message.offset},           {"kind", wordOf(reading.kind)},
@@ -32,6 +34,7 @@ Json toJson(const InputMessage& message, const Reading& reading) {
   }
   json["bytes"] = message.bytes.size();
   if (reading.removes) json["removes"] = Json::array({nameOf(*reading.removes)});
+  if (reading.removesMixingVoices) json["removes"] = Json::array({kAllMixingVoices});
   if (!reading.note.empty()) json["note"] = reading.note;
   return json;
 }
@@ -45,6 +48,7 @@ Json toJson(const UnitReport& unit) {
             {"words", describeUnit(unit)}};
   if (unit.state == UnitReport::State::written) {
     json["removes"] = Json::array();
+    if (unit.address != kWriteTrigger) json["removes"].push_back(kAllMixingVoices);
     for (const ContentId id : unit.removes) json["removes"].push_back(nameOf(id));
   }
   if (!unit.note.empty()) json["note"] = unit.note;

@@ -48,7 +48,7 @@ void arrange(Arrangement::Kind kind, const Words& words, const std::string& othe
                                 ? arrange(run.editor(), arrangement)
                                 : arrange(run.editor(), arrangement, *program.openToRead(otherLibrary));
   tellNotes(arranged, run.keep(), program.console);
-  for (const std::string& place : arranged.damaged) program.leaveOutDamaged(place);
+  for (const Arranged::Damage& damage : arranged.damaged) program.leaveOutDamaged(damage.place, damage.why);
 }
 
 }  // namespace Editor

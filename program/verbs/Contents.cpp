@@ -84,7 +84,9 @@ Found find(EmbeddedEditor& editor, const Selection& selection) {
   }
   for (Target& target : storedLive(editor))
     if (selection.has(target)) {
-      if (damageOf(editor.tools(), target).empty())
+      // Of the voice of a part no more than the name is told: it may be whole where its multi is not.
+      const bool isBuffer = target.kind == Target::Kind::editBuffer;
+      if ((isBuffer ? editor.tools().ownDamage(target.buffer, target.part) : damageOf(editor.tools(), target)).empty())
         found.live.push_back(std::move(target));
       else
         found.damaged.push_back(std::move(target));

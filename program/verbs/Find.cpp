@@ -123,9 +123,9 @@ class Finding {
       search.look(searched, std::move(candidate));
       progress.step(size);
     };
-    const auto tellDamaged = [&](const std::string& place) {
+    const auto tellDamaged = [&](const std::string& place, const std::string& why) {
       const std::string where = options_.sources.empty() ? "" : displayName(source.path) + ": ";
-      complaints_.tell("damaged", fmt::format("{}{}: left out: it is damaged (bda check tells more)", where, place));
+      complaints_.tell("damaged", fmt::format("{}{}: left out: {} (bda check tells more)", where, place, why));
       program_.refuse();
     };
     forEachCandidate(editor, buffers_, look, tellDamaged);
@@ -167,7 +167,9 @@ class Finding {
   void summarise(std::uint64_t found) {
     std::string text =
         fmt::format("{} found in {}", found == 0 ? "nothing" : std::to_string(found), counted(looked_, "content"));
-    if (broken_ != 0) text += "; left out: " + counted(broken_, "unit that is not whole", "units that are not whole");
+    if (broken_ != 0)
+      text += "; left out: " +
+              counted(broken_, "unit that is not whole or never written", "units that are not whole or never written");
     if (sources_.ofOtherKinds != 0)
       text += "; passed over: " + counted(sources_.ofOtherKinds, "file of another kind", "files of other kinds");
     console_.note(text);

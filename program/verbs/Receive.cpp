@@ -44,7 +44,10 @@ class Receiving {
     std::optional<Failure> failure;
     try {
       unusable = input_.read([this](const InputMessage& message) { receive(message); },
-                             [this](const InputLoss& loss) { report_.lose(loss); });
+                             [this](const InputLoss& loss) {
+                               report_.lose(loss);
+                               if (whole_ && loss.kind == InputLoss::Kind::cutShort) whole_->lose();
+                             });
     } catch (const Failure& early) {
       failure = early;
     } catch (...) {

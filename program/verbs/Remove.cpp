@@ -61,7 +61,8 @@ Asked parseRemoved(const std::string& word, const Program& program) {
 }
 
 void requireRemovable(const Asked& asked, const EditorJobTools& tools) {
-  const auto isDamaged = [&](const Target& target) { return !damageOf(tools, target).empty(); };
+  // The voice of a part may be whole where its multi is not.
+  const auto isDamaged = [&](const Target& target) { return damageInShort(tools, target) == kItIsDamaged; };
   if (asked.unlessDamaged && !std::ranges::all_of(asked.places.list, isDamaged))
     throw TargetError(*asked.unlessDamaged);
 }

@@ -31,12 +31,18 @@ void writeAnswers(const std::vector<std::vector<std::uint8_t>>& answers, const s
   file.commit();
 }
 
-// An empty place is answered by a dump without data, which is no harmless one.
+// An empty place is answered by a dump without data, which is no harmless one, nor is a trigger that removes.
 void tellErasers(const std::vector<AssistantHost::Sent>& sent, Complaints& notes) {
   constexpr const char* kEraser = "nothing is stored there: this dump has whoever receives it remove what is";
-  for (const AssistantHost::Sent& message : sent)
-    if (const Reading reading = readMessage(message.bytes); reading.removes)
-      notes.note(kEraser, fmt::format("{}: {}", nameOrBytes(*reading.address), kEraser));
+  constexpr const char* kTrigger = "this dump has whoever receives it remove all mixing voices";
+  for (const AssistantHost::Sent& message : sent) {
+    const Reading reading = readMessage(message.bytes);
+    if (!reading.removes && !reading.removesMixingVoices) continue;
+    // The footer of an empty mixing voice has no name, its place has.
+    const std::optional<std::string> name = nameOf(*reading.address);
+    const char* const what = reading.removes ? kEraser : kTrigger;
+    notes.note(what, fmt::format("{}: {}", name ? *name : nameOf(*reading.removes), what));
+  }
 }
 
 }  // namespace

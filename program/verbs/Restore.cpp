@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <map>
 #include <memory>
 #include <set>
 
@@ -15,6 +16,7 @@
 #include "output/DifferenceLines.h"
 #include "output/OtherDevices.h"
 #include "output/Progress.h"
+#include "output/RepeatedPlaces.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
@@ -79,7 +81,7 @@ class Restoring {
       isForUs = isForUs || reading.kind != Reading::Kind::foreign;
       if (isBroken(reading))
         complain(wordOf(reading.verdict), fmt::format("{}: {}", placeOf(message), describeFault(reading)));
-      if (reading.kind != Reading::Kind::request) judge(follower.next(reading, message.number), placeOf(message));
+      judge(follower.next(reading, message.number), placeOf(message));
     });
     for (const UnitReport& unit : follower.finish()) judge({unit}, input_.place(unit.firstMessage));
     complaints.finish();
@@ -89,11 +91,12 @@ class Restoring {
 
   void receive(EmbeddedEditor& editor, const char* verb) {
     Progress progress(console_, verb, "message", messages_);
+    RepeatedPlaces repeated(editor, console_);
     input_.forEachMessage([&](const InputMessage& message) {
       const Reading reading = readMessage(message.bytes);
       if (reading.kind == Reading::Kind::dump) {
         ++dumps_;
-        const Record record = handle(editor, reading, message);
+        const Record record = handle(editor, reading, message, repeated);
         if (record.outcome == Outcome::refused) {
           console_.problem(
               fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
@@ -103,6 +106,7 @@ class Restoring {
       }
       progress.step(message.bytes.size());
     });
+    repeated.finish();
     for (const UnitReport& unit : editor.openUnits())
       console_.problem(fmt::format("{}: {}", input_.place(unit.firstMessage), describeUnit(unit)));
     if (!editor.openUnits().empty()) giveUp();
@@ -119,9 +123,12 @@ class Restoring {
     others.tell(console_);
   }
 
-  static Record handle(EmbeddedEditor& editor, const Reading& reading, const InputMessage& message) {
+  static Record handle(EmbeddedEditor& editor, const Reading& reading, const InputMessage& message,
+                       RepeatedPlaces& repeated) {
     try {
-      return editor.handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
+      Record record = editor.handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
+      repeated.add(message, record);
+      return record;
     } catch (const LibraryError& error) {
       throw Failure(kWrongUsage, fmt::format("{}: {}; nothing is restored", placeOf(message), escape(error.what())));
     }
@@ -170,23 +177,28 @@ class Restoring {
     // What the messages do not touch is none of this verb's business.
     for (EmbeddedEditor* const one : {&library, &copy}) one->library().leaveOutUnread([](const Library::Unread&) {});
     std::set<std::string> overDamage;
-    for (const PlaceChange& change : changes)
+    std::map<std::string, std::string> sounds;  // by place
+    for (const PlaceChange& change : changes) {
       if (change.wasDamaged) overDamage.insert(change.place);
+      const bool isNamed = !change.before.value_or("").empty() || !change.after.value_or("").empty();
+      if (isNamed && change.what != What::flagged) sounds.emplace(change.place, detailOf(change));
+    }
     bool isAnyTold = false;
     compareLibraries(library, copy, Reception::ignored, [&](Difference change) {
       if (std::erase_if(change.parameters, isDamagedInBoth) != 0 && change.parameters.empty() && change.names.empty())
         return;  // messages do not damage: nothing has come there
       isAnyTold = true;
-      tell(change, overDamage.contains(change.target) ? kOverDamage : "");
+      tell(change, sounds[change.target], overDamage.contains(change.target) ? kOverDamage : "");
     });
     if (!isAnyTold) console_.note("nothing would change");
     tellTally(copy.library().takeChanges(), changes);
   }
 
-  void tell(const Difference& change, const char* overDamage) {
+  // `sounds`: which is replaced by which.
+  void tell(const Difference& change, const std::string& sounds, const char* overDamage) {
     switch (change.kind) {
       case Difference::Kind::onlyInFirst:
-        return console_.line(fmt::format("would remove: {}{}", change.target, overDamage));
+        return console_.line(fmt::format("would remove: {}{}{}", change.target, sounds, overDamage));
       case Difference::Kind::onlyInSecond:
         return console_.line(fmt::format("would store: {} {}{}", change.target, contentOf(change), overDamage));
       case Difference::Kind::renamed:
@@ -195,8 +207,8 @@ class Restoring {
         break;
     }
     const std::vector<std::string> details = detailsOf(change);
-    console_.line(
-        fmt::format("would change: {} ({}){}", change.target, counted(details.size(), "difference"), overDamage));
+    console_.line(fmt::format("would change: {}{} ({}){}", change.target, sounds, counted(details.size(), "difference"),
+                              overDamage));
     if (!console_.isVerbose()) return;
     for (const std::string& detail : details) console_.line("    " + detail);  // where the line above went
   }

@@ -287,6 +287,74 @@ TEST_F(Backup, requestsAndOtherInstrumentsMessagesAreIgnored) {
   EXPECT_THAT(run.err, HasSubstr("2 of 16 messages are no dumps: ignored"));
 }
 
+TEST_F(Backup, aRequestInsideOfAUnitCutsItInTwo) {
+  const Bytes one = unit(kUserVoice, BDA::List::normalVoice, 1);
+  const Bytes two = unit(kUserVoice, BDA::List::normalVoice, 2);
+  const std::size_t half = blockDump(kUserVoice).size() + blockDump({0x40, 0x00, 0x00}).size();
+  write("a.syx", {Bytes(one.begin(), one.begin() + std::ptrdiff_t(half)), request({0, 0, 0}),
+                  Bytes(two.begin() + std::ptrdiff_t(half), two.end())});
+  ASSERT_THAT(bda({"verify", "-q", "a.syx"}), Exits(3));
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"restore", "a.syx"},
+                                                {"restore", "--dry-run", "a.syx"},
+                                                {"show", "--from", "a.syx", "voice:user1:6"},
+                                                {"diff", "a.syx", "a.syx"}}) {
+    const Result run = bda(words);
+    EXPECT_THAT(run, Exits(3)) << testing::PrintToString(words);
+    EXPECT_THAT(run.err, HasSubstr("voice:user1:6: abandoned (messages 1 to 3)")) << testing::PrintToString(words);
+    EXPECT_EQ(run.out, "") << testing::PrintToString(words);
+  }
+  EXPECT_EQ(bda({"contents"}).out, "");
+}
+
+TEST_F(Backup, ofAPlaceThatComesAgainItIsSaidWhatIsLeftOut) {
+  const std::string again = ": more than once: the last one counts, ";
+  write("units.syx", {unit(kUserVoice, BDA::List::normalVoice, 0x41), unit(kUserVoice, BDA::List::normalVoice, 0x42)});
+  write("dumps.syx", {fileDump({0x0C, 0x50, 0x00}, "One", {1}), fileDump({0x0C, 0x50, 0x00}, "Two \x7E", {2}),
+                      dump(kWriteTrigger), dump({0x0C, 0x50, 0x00}, Bytes(4)), dump(kWriteTrigger)});
+  write("late.syx", {fileDump({0x0C, 0x0A, 0x05}, "Dump", {1}), unit(kUserVoice, BDA::List::normalVoice, 0x41),
+                     dump(kWriteTrigger)});
+  write("mix.syx", {unit({0x0E, 0x31, 0x03}, BDA::List::normalVoice, 0x43), dump({0x11, 0x01, 0x00})});
+  write("system.syx", {systemDump(1), blockDump({0x00, 0x40, 0x00}, 2)});
+  const struct {
+    const char* file;
+    std::vector<std::string> told;
+  } files[] = {
+      {"units.syx", {"voice:user1:6" + again + "\"" + std::string(20, 'A') + "\" is left out"}},
+      {"dumps.syx", {"file:multi:1" + again + "\"One\" is left out", "file:multi:1" + again + "\"Two ~\" is left out"}},
+      {"late.syx", {"voice:user1:6" + again + "\"" + std::string(20, 'A') + "\" is left out"}},
+      {"mix.syx", {"voice:mix:4" + again + "\"" + std::string(20, 'C') + "\" is left out"}},
+      {"system.syx", {"system:audio-input" + again + "what came before is left out"}}};
+  for (const auto& [file, told] : files)
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"restore", "--dry-run", file},
+                                                  {"restore", "--library", std::string(file) + ".db", file},
+                                                  {"diff", file, file}}) {
+      const Result run = bda(words);
+      EXPECT_THAT(run, Exits(0)) << testing::PrintToString(words);
+      std::vector<std::string> notes;
+      for (const std::string& line : lines(run.err))
+        if (line.find(again) != std::string::npos)
+          notes.push_back(line.substr(line.rfind(": ", line.find(again) - 1) + 2));
+      if (words.front() == "diff") notes.resize(notes.size() / 2);
+      EXPECT_EQ(notes, told) << testing::PrintToString(words);
+    }
+  write("once.syx", {unit(kUserVoice, BDA::List::normalVoice, 0x41), systemDump(1)});
+  ASSERT_THAT(bda({"restore", "once.syx"}), Exits(0));
+  EXPECT_THAT(bda({"restore", "once.syx"}).err, Not(HasSubstr("more than once")))
+      << "what stood there before is no matter";
+}
+
+TEST_F(Backup, aDryRunNamesTheSoundsThatWouldBeReplaced) {
+  write("a.syx",
+        {unit(kUserVoice, BDA::List::normalVoice, 0x41), unit({0x0E, 0x0F, 0x00}, BDA::List::normalVoice, 0x41)});
+  write("b.syx",
+        {unit(kUserVoice, BDA::List::normalVoice, 0x42), unit({0x0E, 0x0F, 0x00}, BDA::List::normalVoice, 0x42)});
+  ASSERT_THAT(bda({"restore", "a.syx"}), Exits(0));
+  const std::string names = " \"" + std::string(20, 'B') + "\", replaces \"" + std::string(20, 'A') + "\" (";
+  EXPECT_THAT(
+      lines(bda({"restore", "--dry-run", "b.syx"}).out),
+      ElementsAre(HasSubstr("would change: voice:user1:6" + names), HasSubstr("would change: voice:edit" + names)));
+}
+
 TEST_F(Backup, aDryRunSaysWhatWouldChangeAndChangesNothing) {
   library().store(kUserVoice6, Bytes{1}, "Mine");
   library().store(kMulti1, Bytes{1}, "Mine too");
@@ -296,8 +364,8 @@ TEST_F(Backup, aDryRunSaysWhatWouldChangeAndChangesNothing) {
   const Result run = bda({"restore", "--dry-run", "a.syx"});
   EXPECT_THAT(run, Exits(0));
   EXPECT_EQ(run.out,
-            "would remove: file:multi:1\n"
-            "would change: voice:user1:6 (2 differences)\n"
+            "would remove: file:multi:1 \"Mine too\"\n"
+            "would change: voice:user1:6, replaces \"Mine\" (2 differences)\n"
             "would store: master:1 \"\"\n"
             "would change: system (2 differences)\n");
   EXPECT_EQ(bda({"contents", "--json"}).out, before);
@@ -326,7 +394,7 @@ TEST_F(Backup, aVerboseDryRunIsOneStreamInOrder) {
   const Result run = bda({"restore", "--dry-run", "-v", "a.syx"});
   EXPECT_THAT(run, Exits(0));
   EXPECT_EQ(run.out,
-            "would change: file:multi:1 (2 differences)\n"
+            "would change: file:multi:1 \"Yours\", replaces \"Mine\" (2 differences)\n"
             "    name: \"Mine\" | \"Yours\"\n"
             "    opaque bytes differ: 1 | 2 bytes\n"
             "would rename: file:multi:2: \"Old\" | \"New\"\n"

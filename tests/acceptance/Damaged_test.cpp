@@ -5,6 +5,7 @@
 #include "editor/contents/TemporaryLibrary.h"
 
 using testing::AllOf;
+using testing::AnyOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -114,6 +115,31 @@ TEST_F(Damaged, aMultiKeepsItsPartsAndIsReplacedWithThem) {
   ok({"receive", "-q", "multi.syx"});
   EXPECT_EQ(damagedPlaces(), "");
   ok({"show", "voice:part:3"});
+}
+
+TEST_F(Damaged, ofTheVoicesOfAMultiThatIsDamagedTheTrueReasonIsSaid) {
+  fill("multi");
+  const std::string why = "the multi that it plays in is damaged";
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"show", "voice:part:3"},
+                                                {"show", "voice:part"},
+                                                {"request", "-o", "a.syx", "voice:part:3"},
+                                                {"copy", "voice:part:3", "voice:user1:9"},
+                                                {"find", "--edit-buffers"},
+                                                {"backup", "-o", "rest.syx"}}) {
+    const Result run = bda(words);
+    EXPECT_THAT(run, Exits(3)) << testing::PrintToString(words);
+    EXPECT_THAT(run.err, HasSubstr(why)) << testing::PrintToString(words);
+    for (const std::string& line : lines(run.err)) {
+      if (line.find("voice:part") == std::string::npos) continue;
+      EXPECT_THAT(line, Not(AnyOf(HasSubstr("it is damaged"), HasSubstr("stored there"))));
+    }
+  }
+  const Result contents = bda({"contents", "--lines"});
+  EXPECT_THAT(contents.out, HasSubstr("voice:part:3")) << "its name is read without the multi";
+  EXPECT_THAT(contents.err, AllOf(HasSubstr("multi:edit: left out: it is damaged"), HasSubstr("(1 damaged)")));
+  EXPECT_EQ(bda({"diff", "whole.db", libraryFile()}).out, "multi:edit: not compared: good | damaged\n");
+  EXPECT_THAT(bda({"remove", "voice:part:3"}), Exits(1)) << "the voice is whole";
+  EXPECT_EQ(damagedPlaces(), "multi:edit ");
 }
 
 TEST_F(Damaged, systemSettingsCountAsNewAndAreNotChangedInPart) {

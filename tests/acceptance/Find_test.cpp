@@ -285,11 +285,11 @@ TEST_F(Find, ofMessageFilesOnlyWholeUnitsAreSearched) {
   cut.resize(cut.size() - 30);
   write("a.syx", {unit({0x0E, 0x0A, 0x11}, BDA::List::normalVoice), unit({0x0E, 0x0F, 0x00}, BDA::List::normalVoice),
                   fileDump({0x0C, 0x50, 0x00}, "Multi", {1}), dump({0x11, 0x00, 0x00}),
-                  fileDump({0x0C, 0x50, 0x01}, "Held", {1}), cut});
+                  fileDump({0x0C, 0x50, 0x01}, "Held", {1}), fileDump({0x0C, 0x50, 0x02}, "Held", {1}), cut});
   EXPECT_THAT(places({"--in", "a.syx"}), ElementsAre("voice:user1:18", "file:multi:1"));
   EXPECT_THAT(places({"--in", "a.syx", "--edit-buffers"}), ElementsAre("voice:user1:18", "voice:edit", "file:multi:1"));
   EXPECT_THAT(bda({"find", "--in", "a.syx"}).err,
-              HasSubstr("2 found in 2 contents; left out: 2 units that are not whole"));
+              HasSubstr("2 found in 2 contents; left out: 3 units that are not whole or never written"));
 }
 
 TEST_F(Find, aBackupHoldsWhatItsLibraryHolds) {

@@ -205,7 +205,12 @@ TEST_F(Judge, whatEmptiesMixingVoicesLooksLikeIt) {
   ASSERT_THAT(told, SizeIs(3));
   EXPECT_EQ(told[0]["verdict"], "removes");
   EXPECT_EQ(told[0]["removes"], Json::array({"voice:mix:3"}));
+  EXPECT_EQ(told[1]["verdict"], "removes");
+  EXPECT_EQ(told[1]["removes"], Json::array({"mix"}));
+  EXPECT_EQ(told[2]["removes"], Json::array({"mix"}));
   EXPECT_EQ(told[2]["note"], "removes all mixing voices first");
+  EXPECT_THAT(lines(bda({"list", "a.syx"}).out)[1],
+              ContainsRegex(" removes .*write trigger that removes all mixing voices"));
   write("b.syx", {fileDump({0x0C, 0x31, 0x02}, "Mix", {5}), dump(Editor::kWriteTrigger)});
   ASSERT_THAT(bda({"receive", "b.syx"}), Exits(0));
   EXPECT_THAT(bda({"receive", "a.syx"}).out, HasSubstr("removed: voice:mix:3 ")) << "the instrument agrees";

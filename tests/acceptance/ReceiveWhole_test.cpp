@@ -197,3 +197,26 @@ TEST_F(ReceiveWhole, whatComesThroughAPipeIsHandedOnWithTheFooter) {
   EXPECT_THAT(run, Exits(0));
   EXPECT_EQ(run.out, "stored: voice:user1:6 (standard input: message 26 at offset 2040)\n");
 }
+
+TEST_F(ReceiveWhole, noMixingVoiceIsRemovedForFileDumpsThatAreNotAllThere) {
+  write("mix.syx", {fileDump({0x0C, 0x31, 0x02}, "Mix", {5}), dump(Editor::kWriteTrigger)});
+  ASSERT_THAT(bda({"receive", "mix.syx"}), Exits(0));
+  const std::string before = contents();
+  const Bytes other = fileDump({0x0C, 0x31, 0x03}, "Other", {6});
+  const Bytes again = fileDump({0x0C, 0x31, 0x02}, "Mix", {7});
+  const std::string trigger = text(dump({0x11, 0x01, 0x00}));
+  write("damaged.syx", text(other) + text(damaged(again)) + trigger);
+  write("cut.syx", text(other) + text(again).substr(0, 14) + trigger);
+  for (const char* const file : {"damaged.syx", "cut.syx"}) {
+    const Result run = bda({"receive", "--whole", file});
+    EXPECT_THAT(run, Exits(3)) << file;
+    EXPECT_THAT(run.err,
+                HasSubstr("refused: 2 messages: all mixing voices would be removed, and not all file dumps are "
+                          "whole: "))
+        << file;
+    EXPECT_EQ(run.out, "") << file;
+    EXPECT_EQ(contents(), before) << file;
+  }
+  write("whole.syx", text(other) + text(again) + trigger);
+  EXPECT_THAT(bda({"receive", "--whole", "whole.syx"}), Exits(0));
+}

@@ -58,7 +58,13 @@ TEST_F(Request, theDumpOfAnEmptyPlaceIsSaidToRemoveWhatIsThere) {
   EXPECT_THAT(lines(run.err),
               testing::Contains("file:multi:5: nothing is stored there: this dump has whoever receives it "
                                 "remove what is"));
-  EXPECT_THAT(bda({"request", "system:common", "-o", "a.syx"}).err, testing::Not(HasSubstr("remove")));
+  EXPECT_THAT(bda({"request", "voice:mix:7", "-o", "a.syx"}).err,
+              testing::StartsWith("voice:mix:7: nothing is stored there: this dump has whoever receives it remove"));
+  EXPECT_THAT(
+      bda({"request", "write:no-mixing-voices", "-o", "a.syx"}).err,
+      testing::StartsWith("write:no-mixing-voices: this dump has whoever receives it remove all mixing voices"));
+  for (const char* const harmless : {"system:common", "write"})
+    EXPECT_THAT(bda({"request", harmless, "-o", "a.syx"}).err, testing::Not(HasSubstr("remove")));
 }
 
 TEST_F(Request, theDeviceNumberIsTheLibrarys) {

@@ -90,6 +90,28 @@ TEST_F(Whole, fileDumpsWaitForTheirTrigger) {
   EXPECT_THAT(refused, ElementsAre(3));
 }
 
+TEST_F(Whole, aTriggerThatRemovesMixingVoicesNeedsAllItsFileDumps) {
+  const Bytes removing = dump({0x11, 0x01, 0x00});
+  const Bytes mix = fileDump({0x0C, 0x14, 0x02}, "Mix", {1});
+  send(mix).send(dump(kMulti5, {0, 0, 0, 9, 0})).send(removing);
+  EXPECT_THAT(refused, ElementsAre(2, 1, 3));
+  EXPECT_THAT(reasons.back(), HasSubstr("all mixing voices would be removed, and not all file dumps are whole: message "
+                                        "2: file dump of multi 5: broken file dump: "));
+  send(mix).send(removing);
+  EXPECT_THAT(handedOn, ElementsAre(4, 5)) << "those before are not its own";
+  send(damaged(mix)).send(removing);
+  EXPECT_THAT(handedOn, ElementsAre(4, 5));
+  send(mix).send(fileDump({0x0C, 0x00, 0x04}, "Preset", {1})).send(removing);
+  EXPECT_THAT(handedOn, ElementsAre(4, 5));
+  EXPECT_THAT(reasons.back(), HasSubstr("can be requested, but not stored"));
+  units.lose();
+  send(mix).send(removing);
+  EXPECT_THAT(handedOn, ElementsAre(4, 5));
+  EXPECT_THAT(reasons.back(), HasSubstr("not all file dumps are whole: a message was cut short"));
+  send(damaged(mix)).send(mix).send(dump(Editor::kWriteTrigger)).send(removing);
+  EXPECT_THAT(handedOn, ElementsAre(4, 5, 14, 15, 16)) << "a trigger that removes nothing writes what is whole";
+}
+
 TEST_F(Whole, brokenMessagesAreRefusedAndOthersGoOn) {
   send(damaged(blockDump({0, 0, 0}))).send(dump(kMulti5, {0, 0, 0, 9, 0})).send(request({0, 0, 0}));
   EXPECT_THAT(refused, ElementsAre(1, 2));

@@ -34,7 +34,7 @@ struct CandidatesTest : testing::Test {
           places.push_back(candidate.place);
           all.push_back(std::move(candidate));
         },
-        [&](const std::string& place) { places.push_back("damaged " + place); });
+        [&](const std::string& place, const std::string& why) { places.push_back(place + ": " + why); });
     return places;
   }
 
@@ -83,8 +83,8 @@ TEST_F(CandidatesTest, aDamagedOneIsNamedAndKeepsNoneFromTheOthers) {
   std::vector<std::string> places;
   forEachCandidate(
       damaged, EditBuffers::leftOut, [&](const Candidate& candidate) { places.push_back(candidate.place); },
-      [&](const std::string& place) { places.push_back("damaged " + place); });
-  EXPECT_THAT(places, ElementsAre("damaged file:multi:1", "voice:user1:6"));
+      [&](const std::string& place, const std::string& why) { places.push_back(place + ": " + why); });
+  EXPECT_THAT(places, ElementsAre("file:multi:1: it is damaged", "voice:user1:6"));
   EXPECT_THROW(candidateAt(damaged, parseTarget("file:multi:1")), TargetError);
 }
 

@@ -115,8 +115,9 @@ TEST_F(FileReceiverTest, fileDumpsCountWhenTheirTriggerWritesThem) {
   messages.push_back(dump({0x0C, 0x50, 0x01}, Bytes(4)));  // removes
   messages.push_back(dump(kTrigger));
   messages.push_back(fileDump({0x0C, 0x50, 0x02}, "Held", {1}));
+  messages.push_back(fileDump({0x0C, 0x50, 0x03}, "Held", {1}));
   EXPECT_THAT(receive(), testing::UnorderedElementsAre("file:multi:1", "file:single"));
-  EXPECT_EQ(contents.broken, 1u);
+  EXPECT_EQ(contents.broken, 2u) << "each of those that are held";
   for (const Candidate& candidate : contents.whole) {
     if (candidate.place != "file:multi:1") continue;
     EXPECT_EQ(candidate.name, "Late");

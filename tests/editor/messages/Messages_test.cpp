@@ -55,6 +55,8 @@ TEST(Messages, aBlockOfAnotherLengthIsNamedWithTheRightOne) {
 
 TEST(Messages, fileDumpsComeInAnyLength) {
   EXPECT_EQ(readMessage(dump({0x0C, 0x0A, 0x05}, Bytes(4))).verdict, Verdict::removes);
+  EXPECT_EQ(readMessage(dump({0x11, 0x01, 0x00})).verdict, Verdict::removes);
+  EXPECT_EQ(readMessage(dump({0x11, 0x00, 0x00})).verdict, Verdict::good);
   Bytes field(404);
   field[2] = 3;  // 3 * 128 + 16 bytes of content
   field[3] = 16;
@@ -163,6 +165,14 @@ TEST(Messages, typesBeyondThoseOfTheInstrumentAreUnknown) {
     message[2] = std::uint8_t(type);
     EXPECT_EQ(readMessage(message).verdict, Verdict::typeUnknown) << type;
   }
+}
+
+TEST(Messages, aFileDumpGivesItsContentAName) {
+  const Bytes field{0, 10, 0, 'A', 'B', 'C', 'D', 'E', 'F', 'G', 0x40, 0x69, 0, 2, 0, 1};
+  const Bytes message = dump({0x0C, 0x50, 0x00}, field);
+  ASSERT_EQ(readMessage(message).verdict, Verdict::good);
+  EXPECT_EQ(Editor::nameInFileDump(message), "ABCDEFG\xE9");
+  EXPECT_EQ(Editor::nameInFileDump(dump({0x0C, 0x50, 0x00}, {0, 0, 0, 2, 0, 1})), "");
 }
 
 TEST(Messages, otherMakersAndModelsAreNotJudged) {
