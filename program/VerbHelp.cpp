@@ -235,8 +235,8 @@ constexpr const char* kAddresses =
   performance:edit, multi:edit, master:1, master:edit, remote:1, remote:edit,
   system, additional, file:voice:user1:6, file:mix:1:3, file:multi:1,
   file:single
-contents, show, request, remove, copy, move and swap also take a bank
-(voice:user1) or a range of one (voice:user1:1..16).
+contents, show, request, remove, copy, move, swap, fetch and send also take a
+bank (voice:user1) or a range of one (voice:user1:1..16).
 )";
 
 constexpr std::array kExitCodes{

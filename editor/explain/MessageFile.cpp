@@ -11,8 +11,6 @@ namespace Editor {
 
 namespace {
 
-constexpr std::uint8_t kFirstRealTime = 0xF8;
-
 // The messages of a text, and what became none.
 class TextMessages final : public StreamJoiner::Receiver {
  public:

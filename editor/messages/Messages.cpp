@@ -64,6 +64,21 @@ std::string whyNoContent(std::span<const std::uint8_t> field) {
   return {};
 }
 
+// Groups of up to seven bytes stand behind one that has their top bits, the first one's in bit 6.
+std::vector<std::uint8_t> unpack(std::span<const std::uint8_t> packed) {
+  std::vector<std::uint8_t> bytes;
+  bytes.reserve(packed.size());
+  std::uint8_t topBits = 0;
+  for (std::size_t i = 0; i < packed.size(); ++i) {
+    const std::size_t inGroup = i % BDA::FileDumpCodec::kPackedGroup;
+    if (inGroup == 0)
+      topBits = packed[i];
+    else
+      bytes.push_back(std::uint8_t(packed[i] | (topBits >> (BDA::FileDumpCodec::kGroup - inGroup) & 1) << 7));
+  }
+  return bytes;
+}
+
 void setAddress(Reading& reading, BulkAddress address) {
   reading.address = address;
   reading.block = findBlock(address);
@@ -140,19 +155,16 @@ void readRequest(Reading& reading, std::span<const std::uint8_t> message) {
 
 bool isOfThisMaker(std::span<const std::uint8_t> message) { return message.size() > 1 && message[1] == BDA::kMakerId; }
 
-std::string nameInFileDump(std::span<const std::uint8_t> message) {
-  const std::span<const std::uint8_t> field = message.subspan(BDA::kDataAt);
-  const std::span<const std::uint8_t> packed = field.subspan(kCount, countAt(field, 0));
-  std::string name;
-  std::uint8_t topBits = 0;  // of the group, that of its first byte in bit 6
-  for (std::size_t i = 0; i < packed.size(); ++i) {
-    const std::size_t inGroup = i % BDA::FileDumpCodec::kPackedGroup;
-    if (inGroup == 0)
-      topBits = packed[i];
-    else
-      name += char(packed[i] | (topBits >> (BDA::FileDumpCodec::kGroup - inGroup) & 1) << 7);
-  }
-  return name;
+FileDumpParts partsOfFileDump(std::span<const std::uint8_t> message) {
+  std::span<const std::uint8_t> field = message.subspan(BDA::kDataAt);
+  const auto next = [&] {
+    const std::size_t size = countAt(field, 0);
+    std::vector<std::uint8_t> part = unpack(field.subspan(kCount, size));
+    field = field.subspan(kCount + size);
+    return part;
+  };
+  const std::vector<std::uint8_t> name = next();
+  return {{name.begin(), name.end()}, next()};
 }
 
 Reading readMessage(std::span<const std::uint8_t> message) {

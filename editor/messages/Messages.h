@@ -47,8 +47,12 @@ struct Reading {
 };
 
 Reading readMessage(std::span<const std::uint8_t> message);
-// The name that a good file dump gives to its content.
-std::string nameInFileDump(std::span<const std::uint8_t> message);
+// What a good file dump carries.
+struct FileDumpParts {
+  std::string name;
+  std::vector<std::uint8_t> content;
+};
+FileDumpParts partsOfFileDump(std::span<const std::uint8_t> message);
 // Whether a whole message is of the instrument's maker, be it for another model.
 bool isOfThisMaker(std::span<const std::uint8_t> message);
 

@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::uint8_t kStart = 0xF0;
 constexpr std::uint8_t kEnd = 0xF7;
-constexpr std::uint8_t kFirstRealTime = 0xF8;
 
 std::uint64_t statusBits(const std::uint8_t* bytes) {
   std::uint64_t eight = 0;

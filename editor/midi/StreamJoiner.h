@@ -8,6 +8,8 @@
 
 namespace Editor {
 
+inline constexpr std::uint8_t kFirstRealTime = 0xF8;  // of the bytes that are legal anywhere, and no part of a message
+
 // A message of a stream that is longer is none, so that an endless one does not fill the memory.
 inline constexpr std::size_t kLongestMessage = 16U << 20;
 

@@ -22,8 +22,7 @@ void Asking::request(BulkAddress address, WireTime now) {
 }
 
 void Asking::receive(std::span<const std::uint8_t> bytes, WireTime now) {
-  constexpr std::uint8_t kRealTime = 0xF8;
-  const auto count = std::ranges::count_if(bytes, [](std::uint8_t byte) { return byte < kRealTime; });
+  const auto count = std::ranges::count_if(bytes, [](std::uint8_t byte) { return byte < kFirstRealTime; });
   overheard_.isClockHeard = overheard_.isClockHeard || std::size_t(count) < bytes.size();
   if (count > 0) byteAt_ = now;
   bytes_ += std::uint64_t(count);

@@ -53,8 +53,6 @@ class BytePort::Opened {
       ::fcntl(descriptor_, F_SETFL, flags_);
   }
 
-  bool isTerminal() const { return isTerminal_; }
-
  private:
   const int descriptor_;
   const bool isOwn_;
@@ -88,7 +86,9 @@ BytePort::BytePort(const std::string& name, Direction direction, int wake) : nam
     if (hears) in_ = openPath(in, Direction::in);
     if (speaks) out_ = openPath(out, Direction::out);
   } else {
-    in_ = out_ = openPath(name, direction);
+    const int both = openPath(name, direction);
+    if (hears) in_ = both;
+    if (speaks) out_ = both;
   }
 }
 
@@ -187,10 +187,10 @@ void BytePort::discard() {
   constexpr WireTime kMoment = std::chrono::milliseconds(200);
   constexpr WireTime kMost = std::chrono::seconds(2);
   if (isStandard_ || isOwnTerminal_) return;
-  const WireTime begin = now();
-  while (!wait(now(), false).empty())
-    for (WireTime quiet = now() + kMoment; now() < quiet && now() < begin + kMost;)
-      if (!wait(quiet, false).empty()) quiet = now() + kMoment;
+  if (wait(now(), false).empty()) return;
+  const WireTime end = now() + kMost;
+  for (WireTime quiet = now() + kMoment; now() < std::min(quiet, end);)
+    if (!wait(std::min(quiet, end), false).empty()) quiet = now() + kMoment;
 }
 
 void BytePort::drain() {

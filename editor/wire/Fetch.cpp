@@ -23,18 +23,6 @@ std::string whyLost(const Asking::Result& result, BulkAddress address) {
 
 }  // namespace
 
-const char* wordOf(Fetched::State state) {
-  switch (state) {
-    case Fetched::State::whole:
-      return "whole";
-    case Fetched::State::empty:
-      return "empty";
-    case Fetched::State::lost:
-      break;
-  }
-  return "lost";
-}
-
 Fetch::Fetch(std::vector<BulkAddress> units, const AskingTerms& terms, Pacer pacer, Receiver receiver)
     : units_(std::move(units)), receiver_(std::move(receiver)), pacer_(std::move(pacer)), asking_(pacer_, terms) {}
 
@@ -98,6 +86,7 @@ void Fetch::giveUp(Asking::Result last) {
   tell(Fetched::State::lost, std::move(last));
   while (!isDone()) {
     Asking::Result unasked;
+    unasked.isSomebodyThere = false;
     unasked.missing = Answer(units_[unit_], 0).missing();
     tell(Fetched::State::lost, std::move(unasked));
   }

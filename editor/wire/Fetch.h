@@ -29,8 +29,6 @@ struct Fetched {
   std::vector<std::vector<std::uint8_t>> messages;  // whole and empty: the answer
 };
 
-const char* wordOf(Fetched::State state);
-
 // Asks an instrument for units, one after the other.
 //
 // An instrument answers a request for a file dump or a mixing voice also where nothing is stored, and a request for

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "BulkMessage.h"
-#include "FileDumpCodec.h"
 #include "explain/BlockMap.h"
 #include "messages/Messages.h"
 
@@ -17,34 +16,6 @@ using Data = std::span<const std::uint8_t>;
 
 Data dataOf(const std::vector<std::uint8_t>& dump) {
   return Data(dump).subspan(BDA::kDataAt, dump.size() - BDA::kDumpFrame);
-}
-
-// Groups of up to seven bytes stand behind one that has their top bits, the first one's in bit 6.
-std::vector<std::uint8_t> unpack(Data packed) {
-  using BDA::FileDumpCodec::kGroup;
-  std::vector<std::uint8_t> bytes;
-  bytes.reserve(packed.size());
-  for (std::size_t at = 0; at < packed.size(); ++at) {
-    const std::size_t place = at % BDA::FileDumpCodec::kPackedGroup;
-    const unsigned high = packed[at - place];
-    if (place > 0) bytes.push_back(std::uint8_t(packed[at] | ((high >> (kGroup - place)) & 1U) << 7U));
-  }
-  return bytes;
-}
-
-// What a good file dump holds: name and content, each packed behind its length.
-struct FileDumpParts {
-  std::vector<std::uint8_t> name;
-  std::vector<std::uint8_t> content;
-};
-FileDumpParts partsOf(Data data) {
-  FileDumpParts parts;
-  for (std::vector<std::uint8_t>* const part : {&parts.name, &parts.content}) {
-    const std::size_t size = std::size_t(data[0]) << 7 | data[1];
-    *part = unpack(data.subspan(2, size));
-    data = data.subspan(2 + size);
-  }
-  return parts;
 }
 
 }  // namespace
@@ -61,7 +32,7 @@ std::vector<ReadBackDifference> ReadBack::compare(const Messages& sent, const Me
     }
     if (std::ranges::equal(dataOf(dump), dataOf(*answer))) continue;
     if (reading.role == Role::fileDump)
-      compareFileDumps(*reading.address, dataOf(dump), dataOf(*answer));
+      compareFileDumps(*reading.address, dump, *answer);
     else
       compareBlocks(*reading.address, dataOf(dump), dataOf(*answer));
   }
@@ -87,11 +58,9 @@ void ReadBack::compareBlocks(BulkAddress block, Data sent, Data read) {
 
 void ReadBack::compareFileDumps(BulkAddress address, Data sent, Data read) {
   constexpr std::size_t kNameAt = 2;  // behind its length
-  const FileDumpParts was = partsOf(sent);
-  const FileDumpParts is = partsOf(read);
-  if (was.name != is.name)
-    differences_.push_back({address, kNameAt, "name", std::string(was.name.begin(), was.name.end()),
-                            std::string(is.name.begin(), is.name.end())});
+  FileDumpParts was = partsOfFileDump(sent);
+  FileDumpParts is = partsOfFileDump(read);
+  if (was.name != is.name) differences_.push_back({address, kNameAt, "name", std::move(was.name), std::move(is.name)});
   compareBytes(address, was.content, is.content);
 }
 

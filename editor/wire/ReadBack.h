@@ -33,7 +33,7 @@ class ReadBack {
  private:
   using Data = std::span<const std::uint8_t>;
   void compareBlocks(BulkAddress block, Data sent, Data read);
-  void compareFileDumps(BulkAddress address, Data sent, Data read);
+  void compareFileDumps(BulkAddress address, Data sent, Data read);  // whole messages
   void compareBytes(BulkAddress address, Data sent, Data read);
 
   BlockReceiver receiver_;

@@ -5,9 +5,8 @@
 namespace Editor {
 
 void Recording::receive(std::span<const std::uint8_t> bytes, WireTime now) {
-  constexpr std::uint8_t kRealTime = 0xF8;
   joiner_.feed(bytes);
-  if (std::any_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte < kRealTime; }))
+  if (std::any_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte < kFirstRealTime; }))
     quietSince_ = now;
   else
     pass(now);

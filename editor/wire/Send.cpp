@@ -45,8 +45,7 @@ bool Send::isEcho(std::span<const std::uint8_t> message) {
 }
 
 void Send::receive(std::span<const std::uint8_t> bytes, WireTime now) {
-  constexpr std::uint8_t kRealTime = 0xF8;
-  if (std::ranges::any_of(bytes, [](std::uint8_t byte) { return byte < kRealTime; })) heardAt_ = now;
+  if (std::ranges::any_of(bytes, [](std::uint8_t byte) { return byte < kFirstRealTime; })) heardAt_ = now;
   asking_.receive(bytes, now);
   pass(now);
 }

@@ -21,6 +21,7 @@ SendPlan::SendPlan(const Batch& batch) {
       continue;
     }
     devices.insert(*reading.device);
+    removesMixingVoices = removesMixingVoices || reading.removesMixingVoices;
     ++messages;
     bytes += message.bytes.size();
     longest = std::max(longest, message.bytes.size());

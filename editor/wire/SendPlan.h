@@ -14,10 +14,11 @@ namespace Editor {
 // What of a batch of messages goes to an instrument, and what that overwrites there.
 struct SendPlan {
   std::vector<Send::Unit> units;
-  std::vector<std::string> places;  // readable, of each: what it overwrites, or has removed
-  std::vector<bool> removes;        // each: it removes what stands there
-  std::uint64_t leftOut = 0;        // messages that are no dumps for this instrument
-  std::set<unsigned> devices;       // whom the dumps are for, from 1
+  std::vector<std::string> places;   // readable, of each: what it overwrites, or has removed
+  std::vector<bool> removes;         // each: it removes what stands there
+  bool removesMixingVoices = false;  // a trigger has all of them removed
+  std::uint64_t leftOut = 0;         // messages that are no dumps for this instrument
+  std::set<unsigned> devices;        // whom the dumps are for, from 1
   std::uint64_t messages = 0;
   std::uint64_t bytes = 0;
   std::size_t longest = 0;  // of a message, in bytes

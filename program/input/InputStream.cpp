@@ -95,7 +95,8 @@ class Judgement {
     const MidiKind kind = midiKindOf(first_);
     isCut_ = kind == MidiKind::standard;
     if (kind != MidiKind::stream) isBegun_ = isMidi_ = true;
-    const auto begin = std::find_if(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte < kRealTime; });
+    const auto begin =
+        std::find_if(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte < kFirstRealTime; });
     if (isBegun_ || begin == bytes.end()) return;
     isBegun_ = true;
     isCut_ = isMidi_ = *begin == 0xF0;
@@ -112,7 +113,6 @@ class Judgement {
 
  private:
   static constexpr std::size_t kFirst = 512;
-  static constexpr std::uint8_t kRealTime = 0xF8;
 
   std::vector<std::uint8_t> first_;
   bool isBegun_ = false;  // something else than real-time bytes has come

@@ -20,7 +20,7 @@ void RepeatedPlaces::add(const InputMessage& message, const Record& record) {
   if (record.outcome == Outcome::refused || record.outcome == Outcome::ignored) return;
   switch (reading.role) {
     case Role::fileDump:
-      return put(held_, placeNameOf(*reading.address), reading.removes ? Name() : nameInFileDump(message.bytes),
+      return put(held_, placeNameOf(*reading.address), reading.removes ? Name() : partsOfFileDump(message.bytes).name,
                  message);
     case Role::footer: {
       const BulkAddress header{BDA::kHeaderHi, reading.address->mid, reading.address->lo};

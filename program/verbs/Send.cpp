@@ -171,6 +171,7 @@ class Sending {
     if (!options_.json)
       for (std::size_t unit = 0; unit < plan.units.size(); ++unit)
         console_.line(fmt::format("{}: {}", plan.removes[unit] ? "removes" : "overwrites", plan.places[unit]));
+    if (!options_.json && plan.removesMixingVoices) console_.line("removes: all mixing voices");
     Pacer pacer(pace, options_.pauses, Pacer::Takes::messages);
     for (const Send::Unit& unit : plan.units)
       for (const auto* const part : {&unit.messages, &unit.behind})
@@ -187,7 +188,8 @@ class Sending {
   }
 
   void send(const SendPlan& plan) {
-    const std::unique_ptr<Port> port = openPort(options_.to, BytePort::Direction::both);
+    const std::unique_ptr<Port> port = openPort(
+        options_.to, options_.verify || options_.changed ? BytePort::Direction::both : BytePort::Direction::out);
     console_.note(fmt::format("to {}", escape(port->name())));
     if (plan.longest > port->longestMessage())
       throw Failure(kRefused, fmt::format("a message of {} bytes is longer than the port carries ({}): nothing is sent",
@@ -250,8 +252,11 @@ class Sending {
 
   static std::string lineOf(const ReadBackDifference& difference) {
     return fmt::format("{} data byte {}: {}{} sent, {} read", formatAddress(difference.address), difference.dataByte,
-                       difference.path ? *difference.path + ": " : "", showValue(difference.sent),
-                       showValue(difference.read));
+                       difference.path ? *difference.path + ": " : "", wordsOf(difference.sent),
+                       wordsOf(difference.read));
+  }
+  static std::string wordsOf(const ParameterValue& value) {
+    return std::holds_alternative<std::monostate>(value) ? "nothing" : showValue(value);
   }
 
   static nlohmann::ordered_json toJson(const ParameterValue& value) {

@@ -1,5 +1,7 @@
 // The program at a port: an instrument at a pseudo terminal, and who asks it.
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -289,4 +291,24 @@ TEST_F(Wire, ctrlCKeepsWhatCameAndSaysWhatIsLost) {
   instrument.stop();
   bda({"request", "master:4", "--library", directory / "instrument.db", "-o", "asked.syx"});
   EXPECT_EQ(read("got.syx"), read("asked.syx"));
+}
+
+TEST_F(Wire, aTriggerThatRemovesAllMixingVoicesIsNamedBefore) {
+  write("wipe.syx", {fileDump({0x0C, 0x31, 0x05}, "Mix", {1, 2, 3}), dump({0x11, 0x01, 0x00})});
+  const Result sent = bda({"send", "wipe.syx", "--to", "pty:", "--dry-run"});
+  EXPECT_THAT(sent, Exits(0));
+  EXPECT_EQ(sent.out, "overwrites: voice:mix:6\nremoves: all mixing voices\n");
+}
+
+TEST_F(Wire, toSendOneFifoWillDo) {
+  write("master.syx", {unit({0x0E, 0x70, 0x03}, BDA::List::master)});
+  const std::string fifo = directory / "fifo";
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  const int reader = ::open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+  EXPECT_THAT(bda({"send", "master.syx", "--to", fifo, "--pace", "none"}), Exits(0));
+  std::string got(1000, '\0');
+  got.resize(std::size_t(::read(reader, got.data(), got.size())));
+  ::close(reader);
+  EXPECT_EQ(got, read("master.syx"));
+  EXPECT_THAT(bda({"send", "master.syx", "--to", fifo, "--verify"}), Exits(2));
 }

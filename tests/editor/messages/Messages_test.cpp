@@ -171,8 +171,9 @@ TEST(Messages, aFileDumpGivesItsContentAName) {
   const Bytes field{0, 10, 0, 'A', 'B', 'C', 'D', 'E', 'F', 'G', 0x40, 0x69, 0, 2, 0, 1};
   const Bytes message = dump({0x0C, 0x50, 0x00}, field);
   ASSERT_EQ(readMessage(message).verdict, Verdict::good);
-  EXPECT_EQ(Editor::nameInFileDump(message), "ABCDEFG\xE9");
-  EXPECT_EQ(Editor::nameInFileDump(dump({0x0C, 0x50, 0x00}, {0, 0, 0, 2, 0, 1})), "");
+  EXPECT_EQ(Editor::partsOfFileDump(message).name, "ABCDEFG\xE9");
+  EXPECT_EQ(Editor::partsOfFileDump(dump({0x0C, 0x50, 0x00}, {0, 0, 0, 2, 0, 1})).name, "");
+  EXPECT_EQ(Editor::partsOfFileDump(message).content, Bytes{1});
 }
 
 TEST(Messages, otherMakersAndModelsAreNotJudged) {

@@ -139,6 +139,16 @@ TEST(BytePort, WhatCameBeforeIsThrownAway) {
   EXPECT_EQ(receive(there, 3), (Bytes{1, 2, 3}));
 }
 
+TEST(BytePort, WhatGoesIntoAFifoStaysThereForWhoReadsIt) {
+  const Folder folder;
+  const std::string fifo = folder.fifo("fifo");
+  BytePort out(fifo, Direction::out);
+  sendAll(out, everyByte());
+  EXPECT_TRUE(out.wait(out.now(), false).empty());
+  BytePort in(fifo, Direction::in);
+  EXPECT_EQ(receive(in, 256), everyByte());
+}
+
 TEST(BytePort, OneFifoHasNotTwoDirections) {
   const Folder folder;
   const std::string fifo = folder.fifo("fifo");

@@ -196,7 +196,10 @@ TEST_F(FetchTest, SaysWhyNothingCame) {
         Told{"other model", {{0xF0, 0x7D, 0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0xF7}}},
         Told{"silent", {{0x90, 0x40, 0x40}}}}) {
     Scripted instrument([&](BulkAddress, unsigned) { return told.answer; });
-    EXPECT_EQ(fetchOne(instrument, kVoice).reason, told.reason);
+    const std::vector<Fetched> all = fetch(instrument, {kVoice, kMaster});
+    EXPECT_EQ(all[0].reason, told.reason);
+    EXPECT_EQ(all[1].reason, told.reason) << "for which nobody was asked";
+    EXPECT_EQ(all[1].tries, 0u);
   }
 }
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "editor/messages/BulkMessages.h"
@@ -39,6 +40,24 @@ inline std::vector<Bytes> answerOf(EmbeddedEditor& editor, BulkAddress asked) {
   for (const AssistantHost::Sent& sent : editor.handle(editor.requestFor(asked), BDA::DevicePort_Main, 1).sent)
     answer.push_back(sent.bytes);
   return answer;
+}
+
+// Calls visit(list, isRare, seed) for each fault at each of four rates, of which those up to 0.5 % are rare, until one
+// fails.
+template <typename Visit>
+void forEachFault(Visit visit) {
+#ifdef BDA_SAMPLED
+  constexpr std::uint64_t kSeeds = 1;
+#else
+  constexpr std::uint64_t kSeeds = 16;
+#endif
+  for (const std::string& name : faultNames())
+    for (const auto& [rate, isRare] : {std::pair("0.1%", true), {"0.5%", true}, {"5%", false}, {"20%", false}})
+      for (std::uint64_t seed = 0; seed < kSeeds; ++seed) {
+        SCOPED_TRACE(name + "=" + rate + ", seed " + std::to_string(seed));
+        visit(name + "=" + rate, isRare, seed);
+        if (testing::Test::HasFailure()) return;
+      }
 }
 
 }  // namespace Editor

@@ -1,0 +1,94 @@
+#include "wire/Instrument.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "editor/wire/WireFixture.h"
+
+namespace Editor {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr BulkAddress kMaster{0x0E, 0x70, 0x03};
+
+struct Told final : Instrument::Observer {
+  void handled(std::uint64_t number, std::uint64_t offset, std::span<const std::uint8_t> /*message*/,
+               const Record& record) override {
+    text += std::to_string(number) + " at " + std::to_string(offset) + ": " + wordOf(record.outcome) + "\n";
+  }
+  void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
+    text += std::to_string(count) + " at " + std::to_string(offset) + ": " + describe(reason) + "\n";
+  }
+  std::string text;
+};
+
+class InstrumentTest : public testing::Test {
+ protected:
+  // All that it sends by then.
+  static Bytes sentBy(Instrument& instrument, WireTime now) {
+    Bytes all;
+    for (std::span<const std::uint8_t> bytes = instrument.toSend(now); !bytes.empty(); bytes = instrument.toSend(now)) {
+      all.insert(all.end(), bytes.begin(), bytes.end());
+      instrument.sent(bytes.size());
+    }
+    return all;
+  }
+  static Bytes joined(const std::vector<Bytes>& messages) {
+    Bytes all;
+    for (const Bytes& message : messages) all.insert(all.end(), message.begin(), message.end());
+    return all;
+  }
+
+  EmbeddedEditor editor;
+  Told told;
+};
+
+TEST_F(InstrumentTest, AnswersWhatItIsAskedAndTellsEachMessage) {
+  receive(editor, unitOf(kMaster, BDA::List::master));
+  Instrument instrument(editor, {}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
+  Bytes asked = request(kMaster);
+  asked.insert(asked.begin(), 0x01);
+  for (const std::uint8_t byte : asked) instrument.receive({&byte, 1}, 0s);
+  EXPECT_EQ(told.text, "1 at 0: outside of any message\n1 at 1: answered\n");
+  EXPECT_EQ(sentBy(instrument, 0s), joined(unitOf(kMaster, BDA::List::master)));
+}
+
+TEST_F(InstrumentTest, EchoesOnlyWhereItIsAskedTo) {
+  const Bytes unit = joined(unitOf(kMaster, BDA::List::master));
+  for (const bool echoes : {false, true}) {
+    Instrument instrument(editor, {.echoes = echoes}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
+    instrument.receive(unit, 0s);
+    EXPECT_EQ(sentBy(instrument, 0s), echoes ? unit : Bytes());
+  }
+}
+
+TEST_F(InstrumentTest, TellsWhatAFaultHasLeftOfAMessage) {
+  Instrument instrument(editor, {.faults = parseFaults("in-cut=1")}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
+  instrument.receive(Bytes{0x01, 0x02}, 0s);
+  instrument.receive(request(kMaster), 0s);
+  EXPECT_NE(told.text.find("at 2: message without end\n"), std::string::npos) << told.text;
+  EXPECT_EQ(told.text.find("answered"), std::string::npos) << told.text;
+}
+
+TEST_F(InstrumentTest, StoresNothingThatIsFull) {
+  Instrument instrument(editor, {.faults = parseFaults("full=1:1")}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
+  instrument.receive(joined(unitOf(kMaster, BDA::List::master)), 0s);
+  instrument.receive(joined(unitOf({0x0E, 0x70, 0x04}, BDA::List::master)), 0s);
+  EXPECT_EQ(editor.library().contents().size(), 1u);
+}
+
+TEST_F(InstrumentTest, ForgetsWhatNobodyTakes) {
+  receive(editor, unitOf(kMaster, BDA::List::master));
+  Instrument instrument(editor, {}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
+  instrument.receive(request(kMaster), 0s);
+  instrument.pass(2s);
+  EXPECT_TRUE(instrument.due().has_value());
+  instrument.pass(2'001ms);
+  EXPECT_FALSE(instrument.due().has_value());
+}
+
+}  // namespace
+}  // namespace Editor
