@@ -97,6 +97,7 @@ void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
       {"--requests", &given.salvage.requests},
       {"--requests", &given.fetch.requests},
       {"--trace", &given.exchange.trace},
+      {"--transcript", &program.transcript.file},
       {"--manifest", &given.manifest},
   };
   if (std::ranges::all_of(outputs, [](const auto& output) { return output.second->empty(); })) return;

@@ -28,12 +28,6 @@ std::string fromEnvironment(const char* name) {
   return value == nullptr ? "" : value;
 }
 
-void giveNames(EditorJobTools& tools, NameLists names, const std::string& file) {
-  std::string error = tools.setWaveNames(std::move(names.waveforms));
-  if (error.empty()) error = tools.setArpeggioNames(std::move(names.arpeggios));
-  if (!error.empty()) throw Failure(kUnusableInput, fmt::format("{}: {}", escape(file), error));
-}
-
 }  // namespace
 
 std::optional<std::string> Program::findLibraryFile() const {
@@ -42,6 +36,13 @@ std::optional<std::string> Program::findLibraryFile() const {
   if (const std::string data = fromEnvironment("XDG_DATA_HOME"); !data.empty()) return data + "/bda/library.db";
   if (const std::string home = fromEnvironment("HOME"); !home.empty()) return home + "/.local/share/bda/library.db";
   return std::nullopt;
+}
+
+std::optional<std::string> Program::nameFileInUse(const std::string& library) const {
+  std::error_code unknown;
+  const std::string file = nameFileOf(library);
+  if (!needsNames_ || (names_.empty() && !std::filesystem::exists(file, unknown))) return std::nullopt;
+  return file;
 }
 
 std::string Program::libraryFile() const {
@@ -115,17 +116,18 @@ std::unique_ptr<EmbeddedEditor> Program::openToRehearse(LibraryRun run) {
 }
 
 std::unique_ptr<EmbeddedEditor> Program::open(const std::string& file, Library::Use use) {
-  std::error_code unknown;
-  const std::string nameFile = nameFileOf(file);
+  const std::optional<std::string> nameFile = nameFileInUse(file);
   std::optional<NameLists> names;
-  if (needsNames_ && (!names_.empty() || std::filesystem::exists(nameFile, unknown))) names = loadNames(nameFile);
+  if (nameFile) names = loadNames(*nameFile);
   try {
     auto editor = std::make_unique<EmbeddedEditor>(file, Library::Options{.use = use});
     if (use == Library::Use::read) readPastDamage(file, editor->library());
     if (!editor->tools().systemDamage().empty())
       console.note(
           fmt::format("{}: the system settings are damaged and count as new (bda check tells more)", escape(file)));
-    if (names) giveNames(editor->tools(), std::move(*names), nameFile);
+    if (!names) return editor;
+    if (const std::string error = giveNames(std::move(*names), editor->tools()); !error.empty())
+      throw Failure(kUnusableInput, fmt::format("{}: {}", escape(*nameFile), error));
     return editor;
   } catch (const LibraryError& error) {
     throw Failure(kUnusableInput, escape(error.what()));

@@ -14,6 +14,12 @@
 
 namespace Editor {
 
+// What goes into a transcript of the run, and where.
+struct TranscriptOptions {
+  std::string file;          // "": there is none
+  bool withLibrary = false;  // the library that it meets is in it
+};
+
 // What the verbs share: where they speak, which library they use, how the run ends.
 class Program {
  public:
@@ -22,6 +28,7 @@ class Program {
   // The library that the command line, the environment or the default names. Throws Failure when none of them does.
   std::string libraryFile() const;
   std::optional<std::string> findLibraryFile() const;
+  TranscriptOptions transcript;
   void setLibraryFile(const std::string& file) { library_ = file; }
   // Throws Failure with that code unless there is one: for a verb that has no use for a new one.
   void requireLibrary(ExitCode code) const;
@@ -32,6 +39,8 @@ class Program {
   // The verb has a use for those of waveforms and arpeggios.
   void needNames() { needsNames_ = true; }
   std::string nameFileOf(const std::string& library) const { return names_.empty() ? library + ".names" : names_; }
+  // That of the library, if the verb has a use for it, and it was named or is there.
+  std::optional<std::string> nameFileInUse(const std::string& library) const;
   // Those of parameters: in the file beside the first of these libraries that has one, or beside the program's own.
   // Throws Failure (kUnusableInput).
   ParameterNames parameterNames(std::vector<std::string> libraries = {}) const;

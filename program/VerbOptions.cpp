@@ -137,9 +137,22 @@ void addPortNumber(CLI::App& verb, unsigned& port) {
       ->capture_default_str();
 }
 
+CLI::Option* addTranscript(CLI::App& verb, Program& program) {
+  TranscriptOptions& options = program.transcript;
+  CLI::Option* const transcript =
+      verb.add_option("--transcript", options.file,
+                      "A file for all messages and what became of them, which replay does again")
+          ->type_name("FILE")
+          ->check(checkFileName);
+  verb.add_flag("--with-library", options.withLibrary, "Keep in the transcript the library that they met")
+      ->needs(transcript);
+  return transcript;
+}
+
 // The option of the trace.
-CLI::Option* addExchangeOptions(CLI::App& verb, ExchangeOptions& options) {
+CLI::Option* addExchangeOptions(CLI::App& verb, ExchangeOptions& options, Program& program) {
   addPortNumber(verb, options.port);
+  addTranscript(verb, program);
   return verb.add_option("--trace", options.trace, "One JSON object a line for every message; - is standard output")
       ->type_name("FILE")
       ->check(checkFileName);
@@ -154,7 +167,7 @@ void addReceive(CLI::App& app, Given& given, Program& program) {
           ->check(checkFileName);
   verb.add_flag("--any-device", given.exchange.anyDevice, kAnyDevice);
   verb.add_flag("--whole", given.receive.whole, "Store whole units only, as verify judges them, and refuse the rest");
-  CLI::Option* const trace = addExchangeOptions(verb, given.exchange);
+  CLI::Option* const trace = addExchangeOptions(verb, given.exchange, program);
   verb.add_flag("--dry-run", given.receive.dryRun, kDryRun)->excludes(answers)->excludes(trace);
   verb.add_flag("--json", given.receive.json, "One object a line for each message, as the trace has it");
   verb.callback([&] { given.verb = [&] { receive(given.words, given.exchange, given.receive, program); }; });
@@ -197,6 +210,7 @@ void addRecord(CLI::App& app, Given& given, Program& program) {
   addTime(verb, "--quiet-after", "End when nothing has come for so long; default by Ctrl-C only", kSecond,
           [&options](WireTime time) { options.quietAfter = time; })
       ->type_name("SECONDS");
+  addTranscript(verb, program);
   verb.add_flag("--json", options.json, "One object a line for each message");
   verb.callback([&] { given.verb = [&] { record(given.record, program); }; });
 }
@@ -246,6 +260,7 @@ void addFetch(CLI::App& app, Given& given, Program& program) {
   verb.add_flag("--remove-empty", options.removeEmpty, "Remove here what is empty there");
   addAsking(verb, options.timeout, options.retries);
   addPacing(verb, options.pace, options.pauses);
+  addTranscript(verb, program);
   verb.add_flag("--dry-run", options.dryRun, kDryRun)->excludes(output);
   verb.add_flag("--json", options.json, "One object a unit");
   verb.callback([&] { given.verb = [&] { fetch(given.words, given.fetch, program); }; });
@@ -264,6 +279,7 @@ void addSend(CLI::App& app, Given& given, Program& program) {
   verb.add_flag("--changed", options.changed, "Leave out what the instrument has already");
   addAsking(verb, options.timeout, options.retries);
   addPacing(verb, options.pace, options.pauses);
+  addTranscript(verb, program);
   verb.add_flag("--dry-run", options.dryRun, "Say what would go out and how long it takes, and send nothing");
   verb.add_flag("--json", options.json, "One object a unit");
   verb.callback([&] { given.verb = [&] { send(given.words, given.send, program); }; });
@@ -282,6 +298,7 @@ void addInstrument(CLI::App& app, Given& given, Program& program) {
   addPortNumber(verb, options.port);
   verb.add_flag("--echo", options.echoes, "Send what the instrument echoes, too");
   addPacing(verb, options.pace, options.pauses);
+  addTranscript(verb, program);
   verb.add_flag("--json", options.json, "One object a line for each message, as the trace has it");
   verb.callback([&] { given.verb = [&] { instrument(given.instrument, program); }; });
 }
@@ -292,8 +309,19 @@ void addRequest(CLI::App& app, Given& given, Program& program) {
   verb.add_option("-o,--output", given.exchange.output, "Where the dumps go; default standard output")
       ->type_name("FILE")
       ->check(checkFileName);
-  addExchangeOptions(verb, given.exchange);
+  addExchangeOptions(verb, given.exchange, program);
   verb.callback([&] { given.verb = [&] { request(given.words, given.exchange, program); }; });
+}
+
+void addReplay(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "replay");
+  verb.add_option("TRANSCRIPT", given.file, "What --transcript has written; - is standard input")
+      ->required()
+      ->check(checkFileName);
+  verb.add_option("--from-library", given.otherLibrary, "The library as it was; default the one in the transcript")
+      ->type_name("FILE")
+      ->check(checkFileName);
+  verb.callback([&] { given.verb = [&] { replay(given.file, given.otherLibrary, program); }; });
 }
 
 void addShow(CLI::App& app, Given& given, Program& program) {
@@ -484,11 +512,11 @@ void addHelp(CLI::App& app, Given& given, Program& program) {
       [&] { given.verb = [&] { program.console.text(given.manual ? manualOf(app) : helpOf(app, given.setting)); }; });
 }
 
-constexpr std::array kVerbs{addList,    addVerify,  addConvert, addExplain,    addSalvage,   addReceive,
-                            addRequest, addShow,    addApply,   addSettings,   addContents,  addFind,
-                            addBackup,  addRestore, addDiff,    addRename,     addFavourite, addRemove,
-                            addCopy,    addMove,    addSwap,    addHistory,    addUndo,      addCheck,
-                            addScreen,  addRecord,  addFetch,   addInstrument, addSend,      addHelp};
+constexpr std::array kVerbs{addList,       addVerify,  addConvert, addExplain,   addSalvage,  addReceive, addRequest,
+                            addReplay,     addShow,    addApply,   addSettings,  addContents, addFind,    addBackup,
+                            addRestore,    addDiff,    addRename,  addFavourite, addRemove,   addCopy,    addMove,
+                            addSwap,       addHistory, addUndo,    addCheck,     addScreen,   addRecord,  addFetch,
+                            addInstrument, addSend,    addHelp};
 
 }  // namespace
 

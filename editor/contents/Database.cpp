@@ -114,8 +114,36 @@ Database::Database(const std::string& name, int flags, std::chrono::milliseconds
 
 std::unique_ptr<Database> Database::inMemory() {
   auto database = std::make_unique<Database>(kNoFile, SQLite::OPEN_READWRITE, kForEver, nullptr);
+  database->connection.exec("PRAGMA application_id = " + std::to_string(kLibraryApplicationId));
   database->makeTables();
   database->prepareStatements();
+  return database;
+}
+
+std::vector<std::uint8_t> Database::image() {
+  sqlite3_int64 size = 0;
+  const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> bytes(
+      sqlite3_serialize(connection.getHandle(), "main", &size, 0), sqlite3_free);
+  if (bytes == nullptr) throw SQLite::Exception("out of memory", SQLITE_NOMEM);
+  return {bytes.get(), bytes.get() + size};
+}
+
+// What is in memory has no write-ahead log, and SQLite opens none that says it has.
+std::unique_ptr<Database> Database::ofImage(std::span<const std::uint8_t> image) {
+  constexpr std::size_t kWriteVersion = 18;
+  constexpr std::size_t kReadVersion = 19;
+  constexpr unsigned char kNoLog = 1;
+  auto* const bytes = static_cast<unsigned char*>(sqlite3_malloc64(std::max<std::size_t>(image.size(), 1)));
+  if (bytes == nullptr) throw SQLite::Exception("out of memory", SQLITE_NOMEM);
+  std::ranges::copy(image, bytes);
+  for (const std::size_t version : {kWriteVersion, kReadVersion})
+    if (version < image.size()) bytes[version] = kNoLog;
+  auto database = std::make_unique<Database>(kNoFile, SQLite::OPEN_READWRITE, kForEver, nullptr);
+  const auto size = sqlite3_int64(image.size());
+  // SQLite frees the bytes, also where it fails.
+  const int result =
+      sqlite3_deserialize(database->connection.getHandle(), "main", bytes, size, size, SQLITE_DESERIALIZE_FREEONCLOSE);
+  if (result != SQLITE_OK) throw SQLite::Exception("it cannot be read", result);
   return database;
 }
 

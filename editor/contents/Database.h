@@ -38,6 +38,9 @@ struct Database {
   static std::unique_ptr<Database> inMemory();
   // The same of this one as its transaction sees it, page by page: what is damaged here is damaged there.
   std::unique_ptr<Database> copyInMemory();
+  // All of it as the bytes of a file, as its transaction sees it; and what such bytes hold, whatever that is.
+  std::vector<std::uint8_t> image();
+  static std::unique_ptr<Database> ofImage(std::span<const std::uint8_t> image);
 
   std::int64_t integer(const char* sql) { return connection.execAndGet(sql).getInt64(); }
   // That is all that is left of a library which was begun and cut off, too.

@@ -106,6 +106,20 @@ void Library::setDatabase(std::unique_ptr<Database> made) {
   database_ = std::move(made);
   isYetToBeMade_ = isInMemory_ = false;
   ++databases_;
+  versionBefore_ = 0;
+}
+
+// It holds what the one in memory did: its version goes on. What is on disk by now is not told as failed.
+void Library::keepMade(std::unique_ptr<Database> made) noexcept {
+  Version before = {};
+  try {
+    before = dataVersion();
+    setDatabase(std::move(made));
+    versionBefore_ = before.second - dataVersion().second;
+    databases_ = before.first;
+  } catch (const std::exception&) {
+    if (made != nullptr) setDatabase(std::move(made));  // counts as another one
+  }
 }
 
 template <typename Operation>
@@ -183,7 +197,7 @@ void Library::Transaction::commit(Making making) {
     else if (!library_.copy_.empty() && !hasChanged)
       library_.database_->connection.exec(undo_);  // all is as it was: so is its version
     else if (making_ != nullptr && (making == Making::Always || library_.database_->holdsAnything()))
-      library_.setDatabase(making_->make(*library_.database_));
+      library_.keepMade(making_->make(*library_.database_));
     else if (library_.database_->isFileGone())
       throw SQLite::Exception("somebody has removed or renamed it", SQLITE_IOERR);
     else
@@ -250,6 +264,14 @@ void Library::copyFrom(Library& other) {
   run([&] { setDatabase(other.database_->copyInMemory()); });
 }
 
+Library::Bytes Library::image() {
+  return run([&] { return database_->image(); });
+}
+
+void Library::copyFrom(std::span<const std::uint8_t> image) {
+  run([&] { setDatabase(LibraryFile(file_, {}, nullptr).openImage(image)); });
+}
+
 // ---- Places ---------------------------------------------------------------------------------------------------------
 
 std::optional<Held> Library::held(const Place& place) {
@@ -282,8 +304,10 @@ void Library::replace(What what, const Place& place, const std::optional<Held>& 
   change.wasDamaged = isDamaged(place, before);
   pending_.push_back(std::move(change));
   if (before == after && database_->version() < kLibraryVersion) return;
-  if (isFull_ && after && place.kind == Place::Kind::content)
-    throw LibraryError(LibraryError::Kind::Failed, "the memory is full");
+  if (room_ && after && place.kind == Place::Kind::content) {
+    if (room_ == 0) throw LibraryError(LibraryError::Kind::Failed, "the memory is full");
+    --*room_;
+  }
   requireVersion();
   database_->write(place, after);
   if (place_ != nullptr || recorder_.hasRun()) recorder_.record(*database_, place, before, after);
@@ -526,7 +550,7 @@ Library::Version Library::dataVersion() {
   return read([&] {
     Query query(database_->reading->dataVersion);
     query.next();
-    return std::pair(databases_, query.integer(0));
+    return std::pair(databases_, versionBefore_ + query.integer(0));
   });
 }
 

@@ -108,6 +108,10 @@ class Library {
   // Holds what `other` does from now on, with its history and what is damaged, and bears its name: a change of this one
   // fails where it would fail there, in the same words. This one is empty, in memory, and in no transaction.
   void copyFrom(Library& other);
+  // All of it as a file has it, as the transaction sees it that is open; and the other way round: it holds what that
+  // file does, as if it had been copied, and bears the name it has.
+  Bytes image();
+  void copyFrom(std::span<const std::uint8_t> image);
 
   // Makes one change of many, or for reading holds one state of the library still. Inside another transaction it is a
   // part of that: its commit takes effect with the outer one's, its end without a commit takes back its own part only.
@@ -210,8 +214,9 @@ class Library {
   // How many operations the file has failed since the library was opened.
   std::uint64_t failureCount() const { return failureCount_; }
 
-  // As long as it is full no content can be stored, as in an instrument that has no room left.
-  void setFull(bool isFull) { isFull_ = isFull; }
+  // How many contents can still be stored, as in an instrument whose memory comes to its end; nothing: as many as come.
+  void setRoom(std::optional<std::size_t> contents) { room_ = contents; }
+  std::optional<std::size_t> room() const { return room_; }
 
   // Whether the next change that is kept brings the library to this version, and leaves a copy.
   bool isOfOlderVersion();
@@ -235,6 +240,7 @@ class Library {
   void leaveOut(const Unread& unread) const;
   bool lookForLibrary();
   void setDatabase(std::unique_ptr<Database> made);
+  void keepMade(std::unique_ptr<Database> made) noexcept;
   void requireVersion();
   void requireIndexes() const;
   void endCopy() noexcept;
@@ -246,7 +252,8 @@ class Library {
   std::unique_ptr<LibraryFile> place_;  // null: in memory for good
   std::unique_ptr<Database> database_;
   bool isInMemory_ = false;
-  std::uint32_t databases_ = 0;                    // how many have stood here before
+  std::uint32_t databases_ = 0;                    // how many have stood here before, of others' making
+  std::int64_t versionBefore_ = 0;                 // what the one that stands here adds to
   bool isYetToBeMade_ = false;                     // the database is one in memory until there is something to keep
   std::vector<const Transaction*> open_;           // from the outermost to the innermost
   std::function<void(const Unread&)> tellUnread_;  // none: what cannot be read is an error
@@ -256,7 +263,7 @@ class Library {
   std::vector<Change> committed_;
   std::uint64_t changeCount_ = 0;
   mutable std::uint64_t failureCount_ = 0;
-  bool isFull_ = false;
+  std::optional<std::size_t> room_;
 };
 
 }  // namespace Editor

@@ -181,11 +181,21 @@ std::unique_ptr<Database> LibraryFile::openWhatIsThere(const std::string& name, 
   if (const Header header = readHeader(database->connection.getHandle()); !header.empty)
     requireLibrary(header.applicationId, header.version);
   if (tellingFullDisk(*database, [&] { return database->isUnfinished(); })) return nullptr;
-  // Again, now that no log hides anything.
-  const std::int64_t version = database->integer("PRAGMA user_version");
-  requireLibrary(database->integer("PRAGMA application_id"), version);
-  if (version < 1) throw SQLite::Exception("its version is missing", SQLITE_CORRUPT);
+  requireLibrary(*database);  // again, now that no log hides anything
   return database;
+}
+
+std::unique_ptr<Database> LibraryFile::openImage(std::span<const std::uint8_t> image) const {
+  const std::unique_ptr<Database> database = Database::ofImage(image);
+  if (!isSqliteFile(image) || database->isUnfinished()) requireLibrary(0, 0);
+  requireLibrary(*database);
+  return database->copyInMemory();
+}
+
+void LibraryFile::requireLibrary(Database& database) const {
+  const std::int64_t version = database.integer("PRAGMA user_version");
+  requireLibrary(database.integer("PRAGMA application_id"), version);
+  if (version < 1) throw SQLite::Exception("its version is missing", SQLITE_CORRUPT);
 }
 
 bool LibraryFile::exists() const {

@@ -23,6 +23,8 @@ class LibraryFile {
   // left, will do when no log stands beside the file, which only a writer could read.
   std::unique_ptr<Database> openToRead() const;
   bool exists() const;
+  // A copy in memory of the library whose file has these bytes; the path is its name only.
+  std::unique_ptr<Database> openImage(std::span<const std::uint8_t> image) const;
 
   // Throws unless a library can be made there.
   void requireRoom() const;
@@ -39,6 +41,7 @@ class LibraryFile {
   std::unique_ptr<Database> open(const std::string& name, int flags) const;
   std::unique_ptr<Database> openWhatIsThere(const std::string& name, int flags) const;
   std::unique_ptr<Database> openAsItIs() const;
+  void requireLibrary(Database& database) const;
   void clearSideFiles() const;
   void requireLibrary(std::int64_t applicationId, std::int64_t version) const;
   void requireKnown(std::int64_t version) const;

@@ -33,11 +33,21 @@ EmbeddedEditor::EmbeddedEditor(const std::filesystem::path& libraryFile, const L
   tools().setScreenPainter([this] { return paintScreen(screenLines(library_, tools())); });
 }
 
+void EmbeddedEditor::setListener(EditorListener* listener) {
+  listener_ = listener;
+  handover_.watch(listener == nullptr ? std::function<void()>() : [this] { listener_->found(library_); });
+}
+
 Record EmbeddedEditor::handle(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
                               std::uint64_t number) {
   Record record;
   record.reading = reading;
-  static_cast<Handed&>(record) = handover_.hand(reading, message, port, units_.nameless());
+  try {
+    static_cast<Handed&>(record) = handover_.hand(reading, message, port, units_.nameless());
+  } catch (const LibraryError&) {
+    if (listener_ != nullptr) listener_->handed(number, port, message, nullptr);
+    throw;
+  }
   static_cast<Touched&>(record) = touchedBy(reading, record);
   record.outcome = outcomeOf(reading, record, record);
   if (record.outcome == Outcome::refused) {
@@ -47,12 +57,14 @@ Record EmbeddedEditor::handle(const Reading& reading, std::span<const std::uint8
   }
   record.ended = units_.follow(reading, record, record.outcome, number);
   record.missing = missingIn(record.ended);
+  if (listener_ != nullptr) listener_->handed(number, port, message, &record);
   return record;
 }
 
 EmbeddedEditor::Run::Run(EmbeddedEditor& editor, Library::Transaction::Access access, Devices devices)
     : editor_(editor), transaction_(std::in_place, editor.library_, access) {
   EditorJobTools& tools = editor.tools();
+  editor.handover_.noticeState();
   tools.reload();
   system_ = tools.liveSystem();
   if (access == Library::Transaction::Access::Write) heldSystem_ = editor.library_.held(liveAt(tools.systemKey()));
@@ -70,11 +82,13 @@ EmbeddedEditor::Run::Run(EmbeddedEditor& editor, Library::Transaction::Access ac
     saveLive(tools);
   }
   editor.handover_.beginRun();
+  if (editor.listener_ != nullptr) editor.listener_->runBegins();
 }
 
 EmbeddedEditor::Run::~Run() {
   transaction_.reset();
   editor_.handover_.endRun();
+  if (editor_.listener_ != nullptr) editor_.listener_->runEnds(isCommitted_);
 }
 
 void EmbeddedEditor::Run::settle() {
@@ -89,6 +103,7 @@ void EmbeddedEditor::Run::settle() {
 void EmbeddedEditor::Run::commit() {
   settle();
   transaction_->commit(Library::Transaction::Making::Always);
+  isCommitted_ = true;
 }
 
 std::vector<std::uint8_t> EmbeddedEditor::requestFor(BulkAddress address) {

@@ -23,6 +23,26 @@ struct Record : Handed, Touched {
   std::vector<UnitReport> ended;     // units that ended with this message; the trace tells only `missing`
 };
 
+// Hears what an editor is handed and what comes of it, in order. It uses no editor, and throws nothing but what the
+// library does.
+class EditorListener {
+ public:
+  EditorListener() = default;
+  EditorListener(const EditorListener&) = delete;
+  EditorListener& operator=(const EditorListener&) = delete;
+  virtual ~EditorListener() = default;
+
+  // The library is in a state that no message has brought: the first one, and what another program has made of it. The
+  // next message finds it like that. In the transaction that sees it.
+  virtual void found(Library& library) = 0;
+  // `record` is null where the library failed: the message has changed nothing.
+  virtual void handed(std::uint64_t number, BDA::DevicePortNum port, std::span<const std::uint8_t> message,
+                      const Record* record) = 0;
+  // What is handed between these belongs to one Run.
+  virtual void runBegins() = 0;
+  virtual void runEnds(bool isCommitted) = 0;
+};
+
 // An editor on a library file: everything that a message changes is one transaction, committed before its outcome is
 // told. Other programs may change the same library at the same time. One thread uses it.
 class EmbeddedEditor {
@@ -45,6 +65,9 @@ class EmbeddedEditor {
   // The same for who has already read it.
   Record handle(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
                 std::uint64_t number);
+
+  // From now on, or nobody any more. The listener outlives this object, or that. Throws LibraryError.
+  void setListener(EditorListener* listener);
 
   // From now on dumps and requests are taken as if they were for the device number that is set, whatever theirs is.
   void takeAnyDevice() { handover_.takeAnyDevice(); }
@@ -90,6 +113,7 @@ class EmbeddedEditor {
    private:
     EmbeddedEditor& editor_;
     std::optional<Library::Transaction> transaction_;
+    bool isCommitted_ = false;
     ModelSet system_;                 // as it was
     std::optional<Held> heldSystem_;  // what the library holds of it
     bool isSystemNew_ = false;        // for nothing is stored, or what is stored is damaged
@@ -102,6 +126,7 @@ class EmbeddedEditor {
   AssistantHost host_;
   Handover handover_;
   UnitTracker units_;
+  EditorListener* listener_ = nullptr;
 };
 
 }  // namespace Editor

@@ -121,6 +121,7 @@ void Handover::hand(Handed& handed, const Reading& reading, std::span<const std:
   handed.libraryFailed = library_.failureCount() != failures;
   handed.storeError = work_.takeError();
   if (handed.storeError.empty() && hasFailed(handed)) handed.storeError = host_.tools().lastError();
+  handed.storeFails = handed.libraryFailed || (!handed.storeError.empty() && library_.room());
   if (!handed.storeError.empty()) return;
   handed.storeError = damageAt(reading);
   if (!handed.storeError.empty()) handed.sent.clear();
@@ -140,10 +141,17 @@ std::string Handover::damageAt(const Reading& reading) const {
 // may have, with or without the library.
 void Handover::seeWhatOthersChanged() {
   if (inRun_) return;
+  noticeState();
   const Library::Version version = library_.dataVersion();
   if (seen_ == Seen{version, host_.tools().changeCount()}) return;
   host_.tools().reload();
   seen_ = Seen{version, host_.tools().changeCount()};
+}
+
+void Handover::noticeState() {
+  if (!findState_ || known_ == library_.dataVersion()) return;
+  known_ = library_.dataVersion();
+  findState_();
 }
 
 // They are those of the state that was seen, or of what this editor made of it.

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <set>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "contents/ContentsWork.h"
@@ -20,6 +22,7 @@ struct Handed : AssistantHost::Effects {
   bool isKept = false;          // they are on disk: they were not taken back, and no run has still to commit them
   std::string storeError;       // what first went wrong in the store, also behind the assistant's back; empty: nothing
   bool libraryFailed = false;   // the library's file failed meanwhile
+  bool storeFails = false;      // for that, or for want of room: it is not the message's fault
 };
 
 // Hands messages to the assistant, each in one transaction of the library. A message that was refused leaves no trace
@@ -40,6 +43,18 @@ class Handover {
   // Whether the instrument listens to it, as it is set now: to its device number, and to any dumps and requests at all.
   // Throws LibraryError.
   bool hears(const Reading& reading);
+
+  // Tells from now on which state the library is in that no message has brought: at once, and when another program has
+  // changed it. It is called in the transaction that sees it, before the message is handed over.
+  void watch(std::function<void()> findState) {
+    findState_ = std::move(findState);
+    known_.reset();
+    if (!findState_) return;
+    const Library::Transaction oneState(library_, Library::Transaction::Access::Read);
+    noticeState();
+  }
+  // The same for who has begun a transaction of his own.
+  void noticeState();
 
   // Between these a run's transaction, which is the caller's, is around all messages.
   void beginRun();
@@ -73,6 +88,8 @@ class Handover {
   bool inRun_ = false;
   bool takesAnyDevice_ = false;
   std::optional<Seen> seen_;  // none: not for certain
+  std::function<void()> findState_;
+  std::optional<Library::Version> known_;  // the state that was told last
 };
 
 // The device number that is set, 0 to 15; 0 when it is "all" or "off".

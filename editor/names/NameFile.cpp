@@ -1,5 +1,7 @@
 #include "names/NameFile.h"
 
+#include <utility>
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -212,6 +214,11 @@ std::string parseNames(std::string_view text, NameLists& names) {
     if (const std::string error = reader.read(line); !error.empty()) return fmt::format("line {}: {}", number, error);
   }
   return {};
+}
+
+std::string giveNames(NameLists names, EditorJobTools& tools) {
+  std::string error = tools.setWaveNames(std::move(names.waveforms));
+  return error.empty() ? tools.setArpeggioNames(std::move(names.arpeggios)) : error;
 }
 
 }  // namespace Editor

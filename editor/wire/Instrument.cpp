@@ -51,7 +51,9 @@ void Instrument::message(std::span<const std::uint8_t> bytes, std::uint64_t offs
 
 void Instrument::handle(std::span<const std::uint8_t> message, std::uint64_t offset) {
   const Reading reading = readMessage(message);
-  editor_.library().setFull(stores(reading) && faults_.isFull());
+  const bool isFull = stores(reading) && faults_.isFull();
+  editor_.library().setRoom(isFull ? std::optional<std::size_t>(0) : std::nullopt);
+  observer_.handling(offset);
   const Record record = editor_.handle(reading, message, options_.port, ++number_);
   std::vector<Pacer::Message> answer;
   for (const AssistantHost::Sent& sent : record.sent)

@@ -18,6 +18,8 @@ class Instrument final : public WireEnd, private StreamJoiner::Receiver {
   // What is told of each message, and of bytes that became none. What it throws comes out of receive().
   class Observer {
    public:
+    // A message that begins there is handled next.
+    virtual void handling(std::uint64_t /*offset*/) {}
     virtual void handled(std::uint64_t number, std::uint64_t offset, std::span<const std::uint8_t> message,
                          const Record& record) = 0;
     virtual void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) = 0;

@@ -6,9 +6,9 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
+#include "history/ChangeJson.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
-#include "models/Latin1.h"
 #include "models/ModelJson.h"
 
 namespace Editor {
@@ -17,12 +17,6 @@ namespace {
 
 // By What.
 constexpr std::array kPlanned{"would store", "would remove", "would rename", "would flag", "would set"};
-
-nlohmann::ordered_json toJson(const PlaceChange& change, const std::optional<std::string>& value) {
-  if (!value) return nullptr;
-  if (const auto number = numberIn(*value); number && isNumber(change.what)) return *number;
-  return latin1ToUtf8(*value);
-}
 
 std::string quoted(const std::string& name) { return fmt::format("\"{}\"", showName(name)); }
 
@@ -49,15 +43,6 @@ std::string detailOf(const PlaceChange& change) {
       break;
   }
   return fmt::format(": {}, was {}", *change.after, change.before.value_or("damaged"));
-}
-
-nlohmann::ordered_json toJson(const PlaceChange& change) {
-  nlohmann::ordered_json json{{"content", change.place},
-                              {"what", wordOf(change.what)},
-                              {"before", toJson(change, change.before)},
-                              {"after", toJson(change, change.after)}};
-  if (change.wasDamaged) json["damaged"] = true;
-  return json;
 }
 
 std::string lineOf(const PlaceChange& change) { return toWords(change, wordOf(change.what)); }

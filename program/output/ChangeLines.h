@@ -1,6 +1,5 @@
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
@@ -26,6 +25,5 @@ inline constexpr const char* kOverDamage = "; what was there is damaged, an undo
 std::string detailOf(const PlaceChange& change);
 // stored: voice:user1:6 "Piano", replaces "Strings"
 std::string lineOf(const PlaceChange& change);
-nlohmann::ordered_json toJson(const PlaceChange& change);
 
 }  // namespace Editor

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "history/ChangeJson.h"
 #include "messages/Text.h"
 #include "models/ModelJson.h"
 #include "output/ChangeLines.h"

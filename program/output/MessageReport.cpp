@@ -10,7 +10,7 @@
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "output/ChangeLines.h"
-#include "output/Trace.h"
+#include "transcript/MessageJson.h"
 
 namespace Editor {
 

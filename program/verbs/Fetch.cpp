@@ -18,6 +18,7 @@
 #include "models/ModelJson.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
+#include "output/TranscriptFile.h"
 #include "targets/Targets.h"
 #include "verbs/Verbs.h"
 #include "wire/Intake.h"
@@ -68,11 +69,19 @@ class Fetching {
   }
 
   void run() {
-    const std::unique_ptr<Port> port = openPort(options_.from, BytePort::Direction::both);
+    transcript_.emplace(Transcript::Options{.verb = "fetch",
+                                            .port = options_.from,
+                                            .readsOnly = isKeptInFile_,
+                                            .sent = Transcript::Sent::never,
+                                            .handsOnLater = !isKeptInFile_},
+                        program_);
+    const std::unique_ptr<Port> port = transcript_->listen(openPort(options_.from, BytePort::Direction::both));
     const LibraryRun libraryRun{"fetch", {port->name()}};
     editor_ = isKeptInFile_     ? program_.openToRead()
               : options_.dryRun ? program_.openToRehearse(libraryRun)
                                 : program_.openToChange(libraryRun);
+    transcript_->listen(*editor_);
+    intake_.emplace(*editor_);
     // Whoever is to be at the other end of a new terminal has to know where that is.
     const std::string from = fmt::format("from {}", escape(port->name()));
     options_.from == "pty:" ? console_.problem(from) : console_.note(from);
@@ -120,6 +129,7 @@ class Fetching {
       waiting_.push_back(std::move(fetched));
     else
       settle(fetched);
+    if (!options_.atomic) transcript_->settle();
   }
 
   static bool isAnswered(const Fetched& fetched) { return !fetched.messages.empty(); }
@@ -154,7 +164,7 @@ class Fetching {
       if (isTaken(unit)) messages.push_back(unit.messages);
     Intake::Result result;
     try {
-      if (!messages.empty()) result = Intake(*editor_).store(messages);
+      if (!messages.empty()) result = intake_->store(messages);
     } catch (const LibraryError&) {
       for (Fetched& unit : units) isTaken(unit) ? lose(unit, "not stored", "") : settle(unit);
       throw;
@@ -258,7 +268,9 @@ class Fetching {
   const bool isKeptInFile_;
   std::optional<OutputFile> file_;
   std::optional<OutputFile> requests_;
+  std::optional<TranscriptFile> transcript_;
   std::unique_ptr<EmbeddedEditor> editor_;
+  std::optional<Intake> intake_;
   Progress* progress_ = nullptr;
   std::vector<Fetched> waiting_;  // atomic: for all others to come
   std::size_t came_ = 0;

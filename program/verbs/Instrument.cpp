@@ -12,7 +12,7 @@
 #include "messages/Text.h"
 #include "output/MessageReport.h"
 #include "output/Progress.h"
-#include "output/Trace.h"
+#include "output/TranscriptFile.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
@@ -39,7 +39,10 @@ class Serving final : public Instrument::Observer {
     const std::unique_ptr<Port> port = openPort(options_.on, BytePort::Direction::both);
     const auto number = BDA::DevicePortNum(options_.port);
     port_ = port->name();
+    transcript_.emplace(Transcript::Options{.verb = "instrument", .port = options_.on, .echoes = options_.echoes},
+                        program_);
     editor_ = program_.openToChange({"instrument", {port_}});
+    transcript_->listen(*editor_);
     report_.emplace(program_, *editor_, MessageReport::Options{number, false, options_.json});
     // Who made a terminal has to know where its other end is.
     if (options_.on == "pty:") console_.line(port_);
@@ -76,6 +79,7 @@ class Serving final : public Instrument::Observer {
     }
   }
 
+  void handling(std::uint64_t offset) override { transcript_->comesFrom(&port_, offset); }
   void handled(std::uint64_t number, std::uint64_t offset, std::span<const std::uint8_t> message,
                const Record& record) override {
     report_->tell({number, port_, offset, message}, record);
@@ -91,6 +95,7 @@ class Serving final : public Instrument::Observer {
   const Interruptible interruptible_;
   const std::vector<Fault> faults_;
   std::string port_;
+  std::optional<TranscriptFile> transcript_;
   std::unique_ptr<EmbeddedEditor> editor_;
   std::optional<MessageReport> report_;
   Progress* progress_ = nullptr;

@@ -15,6 +15,7 @@
 #include "output/OutputFile.h"
 #include "output/Progress.h"
 #include "output/Trace.h"
+#include "output/TranscriptFile.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
@@ -29,6 +30,7 @@ class Receiving {
         port_(BDA::DevicePortNum(options.port)),
         input_(files),
         progress_(program.console, "receive", "message", 0, input_.size()),
+        transcript_({.verb = "receive", .anyDevice = options.anyDevice}, program),
         editor_(how.dryRun ? program.openToRehearse({"receive", files}) : program.openToChange({"receive", files})),
         report_(program, *editor_, {port_, how.dryRun, how.json}),
         trace_(options.trace) {
@@ -37,6 +39,7 @@ class Receiving {
     if (options.output == "-" || options.trace == "-") console_.keepOutputForBytes();
     if (input_.isLive() || how.json) console_.flushEachLine();
     if (options.anyDevice) editor_->takeAnyDevice();
+    transcript_.listen(*editor_);
   }
 
   void run() {
@@ -115,6 +118,7 @@ class Receiving {
         if (isRefused && held.reading.role == Role::part) why = "a block of it was refused";
         continue;
       }
+      transcript_.arrived(held.bytes);
       const bool isAlone = decided.messages.size() == 1;
       const char* const kind = isAlone && isBroken(held.reading) ? wordOf(held.reading.verdict) : "refused: not whole";
       report_.refuse(&held == &decided.messages.back() ? kind : "",
@@ -156,6 +160,7 @@ class Receiving {
   }
 
   Record handle(const InputMessage& message) {
+    transcript_.comesFrom(&message.file, message.offset);
     return asked(message, [&] { return editor_->handle(message.bytes, port_, message.number); });
   }
 
@@ -178,6 +183,7 @@ class Receiving {
   const BDA::DevicePortNum port_;
   InputStream input_;
   Progress progress_;
+  TranscriptFile transcript_;
   const std::unique_ptr<EmbeddedEditor> editor_;
   MessageReport report_;
   Trace trace_;

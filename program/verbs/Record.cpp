@@ -13,7 +13,8 @@
 #include "output/OutputFile.h"
 #include "output/Progress.h"
 #include "output/ReadingLines.h"
-#include "output/Trace.h"
+#include "output/TranscriptFile.h"
+#include "transcript/MessageJson.h"
 #include "verbs/Verbs.h"
 #include "wire/Recording.h"
 
@@ -36,7 +37,8 @@ class Recorded final : public StreamJoiner::Receiver {
 
   void run() {
     const Interruptible interruptible;
-    const std::unique_ptr<Port> port = openPort(options_.from, BytePort::Direction::in);
+    TranscriptFile transcript({.verb = "record", .port = options_.from}, program_);
+    const std::unique_ptr<Port> port = transcript.listen(openPort(options_.from, BytePort::Direction::in));
     port_ = port->name();
     console_.note(fmt::format("from {}", escape(port_)));
     Progress progress(console_, "record", "message", 0);

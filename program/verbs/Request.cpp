@@ -13,6 +13,7 @@
 #include "output/OutputFile.h"
 #include "output/Progress.h"
 #include "output/Trace.h"
+#include "output/TranscriptFile.h"
 #include "targets/Targets.h"
 #include "verbs/Verbs.h"
 
@@ -52,7 +53,9 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
   const auto port = BDA::DevicePortNum(options.port);
   if (options.trace == "-" && (options.output.empty() || options.output == "-"))
     throw Failure(kWrongUsage, "answers and trace cannot both go to standard output");
+  TranscriptFile transcript({.verb = "request", .readsOnly = true}, program);
   const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
+  transcript.listen(*editor);
   const Interruptible interruptible;  // or what is written beside the output would stay
   Trace trace(options.trace);
   std::vector<std::vector<std::uint8_t>> answers;

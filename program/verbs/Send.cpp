@@ -25,6 +25,7 @@
 #include "output/Complaints.h"
 #include "output/LossReport.h"
 #include "output/Progress.h"
+#include "output/TranscriptFile.h"
 #include "targets/Targets.h"
 #include "verbs/Verbs.h"
 #include "wire/SendPlan.h"
@@ -46,7 +47,13 @@ bool isAddress(const std::string& word) {
 class Sending {
  public:
   Sending(const Words& words, const SendOptions& options, Program& program)
-      : options_(options), program_(program), console_(program.console), words_(joinAddresses(words)) {
+      : options_(options),
+        program_(program),
+        console_(program.console),
+        words_(joinAddresses(words)),
+        transcript_(
+            {.verb = "send", .port = options.to, .readsOnly = true, .sent = Transcript::Sent::later, .echoes = false},
+            program) {
     if (options.to == "-") console_.keepOutputForBytes();
     console_.flushEachLine();
   }
@@ -104,6 +111,7 @@ class Sending {
   // What `request` answers, with a trigger behind file dumps.
   void readLibrary(BatchBuilder& builder) {
     const std::unique_ptr<EmbeddedEditor> editor = program_.openToRead();
+    transcript_.listen(*editor);
     const EmbeddedEditor::Run oneState(*editor, Library::Transaction::Access::Read);
     Complaints complaints(console_);
     std::optional<std::vector<std::uint8_t>> held;  // a file dump that no trigger has written yet
@@ -188,8 +196,8 @@ class Sending {
   }
 
   void send(const SendPlan& plan) {
-    const std::unique_ptr<Port> port = openPort(
-        options_.to, options_.verify || options_.changed ? BytePort::Direction::both : BytePort::Direction::out);
+    const std::unique_ptr<Port> port = transcript_.listen(openPort(
+        options_.to, options_.verify || options_.changed ? BytePort::Direction::both : BytePort::Direction::out));
     console_.note(fmt::format("to {}", escape(port->name())));
     if (plan.longest > port->longestMessage())
       throw Failure(kRefused, fmt::format("a message of {} bytes is longer than the port carries ({}): nothing is sent",
@@ -285,6 +293,7 @@ class Sending {
   Console& console_;
   const Interruptible interruptible_;
   const Words words_;
+  TranscriptFile transcript_;
   std::size_t told_ = 0;
   std::map<SentUnit::State, std::uint64_t> counts_;
 };

@@ -63,6 +63,10 @@ struct ReceiveOptions {
 void receive(const Words& files, const ExchangeOptions& exchange, const ReceiveOptions& options, Program& program);
 void request(const Words& words, const ExchangeOptions& options, Program& program);
 
+// The messages of a transcript once more, with what becomes of them now. `library`: the one that they meet; "": that of
+// the transcript.
+void replay(const std::string& transcript, const std::string& library, Program& program);
+
 // What arrives at a port, into a file.
 struct RecordOptions {
   std::string from;                    // a port

@@ -289,6 +289,23 @@ TEST_F(Schema, theManifestIsWhatTheSchemaSays) {
   isExact("manifest", {manifest});
 }
 
+TEST_F(Schema, theTranscriptIsWhatTheSchemaSays) {
+  writeFiles();
+  const auto written = [&](const std::vector<std::string>& run) {
+    std::vector<std::string> words = run;
+    words.insert(words.end(), {"--transcript", "run.jsonl", "--with-library"});
+    bda(words);
+    std::vector<Value> lines;
+    for (const std::string& line : ::lines(read("run.jsonl"))) lines.push_back(Value::parse(line));
+    return lines;
+  };
+  for (const std::vector<std::string>& run : {std::vector<std::string>{"receive", "-q", "all.syx"},
+                                              {"request", "-q", "voice:user1:6", "-o", "back.syx"},
+                                              {"send", "-q", "voice:user1:6", "--to", "pty:", "--pace", "none"},
+                                              {"fetch", "-q", "master:1", "--from", "pty:", "--timeout", "0"}})
+    for (const Value& line : written(run)) EXPECT_EQ(Definition("transcript").misfit(line), "") << line;
+}
+
 TEST_F(Schema, theTraceIsWhatTheSchemaSays) {
   writeFiles();
   isExact("trace", printed("trace", {"receive", "all.syx", "--trace", "-", "-q"}));

@@ -279,6 +279,56 @@ TEST_F(LibraryFileTest, ACopyInMemoryHoldsWhatItsTransactionSees) {
   EXPECT_EQ(copy.live("system"), Bytes{9});
 }
 
+TEST_F(LibraryFileTest, ItsImageHoldsWhatItsTransactionSees) {
+  Library original(file);
+  original.store(kVoice, Bytes{1}, "x");
+  original.setFavourite(kVoice, 1);
+  const Library::Transaction oneState(original, Access::Read);
+  EXPECT_TRUE(original.content(kVoice));
+  Library(file).store(kMulti, Bytes{2}, "later");
+  const Bytes image = original.image();
+  Library copy("copy", {.use = Use::memory});
+  copy.copyFrom(image);
+  EXPECT_THAT(copy.contents(), ElementsAre(kVoice));
+  EXPECT_EQ(copy.favourite(kVoice), 1);
+  copy.store(kMulti, Bytes{3}, "there");
+  EXPECT_EQ(Library(file).content(kMulti), (Library::Content{"later", Bytes{2}}));
+}
+
+TEST_F(LibraryFileTest, ALibraryThatIsNotMadeYetHasAnImage) {
+  Library original(file);
+  Library copy("copy", {.use = Use::memory});
+  copy.copyFrom(original.image());
+  EXPECT_THAT(copy.contents(), IsEmpty());
+  copy.store(kVoice, Bytes{1}, "x");
+  EXPECT_TRUE(copy.content(kVoice));
+}
+
+TEST_F(LibraryFileTest, WhatIsNoImageIsRefused) {
+  Library original(file);
+  original.store(kVoice, Bytes{1}, "x");
+  const Bytes image = original.image();
+  const auto errorOf = [](const Bytes& bytes) {
+    Library copy("copy", {.use = Use::memory});
+    try {
+      copy.copyFrom(bytes);
+    } catch (const LibraryError& error) {
+      return std::optional(error.kind());
+    }
+    return std::optional<Kind>();
+  };
+  EXPECT_EQ(errorOf(image), std::nullopt);
+  EXPECT_EQ(errorOf({}), Kind::NotALibrary);
+  EXPECT_EQ(errorOf(Bytes(5000, 7)), Kind::Damaged);
+  EXPECT_TRUE(errorOf(Bytes(image.begin(), image.begin() + 50)));
+  Bytes newer = image;
+  newer[63] = 99;
+  EXPECT_EQ(errorOf(newer), Kind::NewerVersion);
+  Bytes foreign = image;
+  foreign[68] = 0;
+  EXPECT_EQ(errorOf(foreign), Kind::NotALibrary);
+}
+
 TEST_F(LibraryFileTest, ACopyInMemoryOfVersion1IsBroughtToThisOneThereAlone) {
   makeOldLibrary(file);
   const std::string before = bytesOfFile(file);

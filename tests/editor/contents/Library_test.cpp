@@ -384,6 +384,16 @@ TEST_F(LibraryTest, ItsDataVersionTellsWhatOthersCommittedAndNothingElse) {
   }
 }
 
+TEST_F(LibraryTest, ItsDataVersionGoesOnWhenItIsMade) {
+  Library library(file);
+  const Library::Version before = library.dataVersion();
+  library.store(kVoice, Bytes{1}, "x");
+  ASSERT_FALSE(library.isYetEmpty());
+  EXPECT_EQ(library.dataVersion(), before);
+  Library(file).store(kMulti, Bytes{1}, "theirs");
+  EXPECT_NE(library.dataVersion(), before);
+}
+
 TEST_F(LibraryTest, ItsDataVersionIsThatOfTheStateThatATransactionSees) {
   Library library(madeLibrary(file));
   Library other(file);

@@ -1,0 +1,238 @@
+#include "transcript/Replay.h"
+
+#include <utility>
+
+#include "midi/Base64.h"
+#include "midi/Counted.h"
+#include "midi/Hex.h"
+#include "models/ModelJson.h"
+#include "names/NameFile.h"
+#include "transcript/MessageJson.h"
+
+namespace Editor {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// What of a message's line must come out as it did then.
+constexpr const char* kCompared[] = {"result", "outcome", "contents", "changes", "missing", "shown", "log"};
+
+// A line is JSON, and not such as it would have been written.
+class WrongLine : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+const Json* find(const Json& json, const char* key) {
+  const auto found = json.find(key);
+  return found == json.end() || found->is_null() ? nullptr : &*found;
+}
+
+std::uint64_t numberIn(const Json& json, const char* key) {
+  const Json* const number = find(json, key);
+  if (number == nullptr || !number->is_number_unsigned()) throw WrongLine(std::string(key) + " is no number");
+  return number->get<std::uint64_t>();
+}
+
+std::string textIn(const Json& json, const char* key) {
+  const Json* const text = find(json, key);
+  if (text == nullptr || !text->is_string()) throw WrongLine(std::string(key) + " is no text");
+  return text->get<std::string>();
+}
+
+bool isSet(const Json& json, const char* key) {
+  const Json* const flag = find(json, key);
+  return flag != nullptr && flag->is_boolean() && flag->get<bool>();
+}
+
+std::string wordsOf(const Json* json) { return json == nullptr ? "nothing" : jsonLine(*json); }
+
+// How many contents the message stored before its store failed.
+std::size_t roomOf(const Json& json) {
+  const Json* const contents = find(json, "contents");
+  return contents == nullptr || !contents->is_array() ? 0 : contents->size();
+}
+
+}  // namespace
+
+Replay::Replay(std::string_view text) { readLines(text); }
+
+std::string Replay::libraryName() const {
+  const Json* const name = find(head_, "libraryName");
+  return name != nullptr && name->is_string() ? name->get<std::string>() : "";
+}
+
+void Replay::readLines(std::string_view text) {
+  for (std::size_t number = 1; !text.empty() && !altered_; ++number) {
+    const std::size_t end = text.find('\n');
+    const bool hasEnd = end != std::string_view::npos;
+    const std::string line(text.substr(0, end));
+    text.remove_prefix(hasEnd ? end + 1 : text.size());
+    try {
+      if (number == 1) {
+        head_ = readHead(line);
+        continue;
+      }
+      lines_.push_back(readLine(line, number));
+      link(lines_.size() - 1);
+    } catch (const WrongLine& wrong) {
+      isCutShort_ = !hasEnd;
+      if (hasEnd) altered_ = Difference{number, wrong.what()};
+    }
+  }
+  if (head_.is_null()) throw TranscriptError("it is no transcript: it is empty");
+}
+
+// What was sent belongs to the message before it that has its number.
+void Replay::link(std::size_t line) {
+  const Line& last = lines_[line];
+  if (last.kind == Line::Kind::handed) handed_[last.message] = line;
+  if (last.kind != Line::Kind::sent) return;
+  const auto handed = handed_.find(last.message);
+  if (handed == handed_.end()) throw WrongLine("no message before it has its number");
+  lines_[handed->second].sent.push_back(line);
+}
+
+Replay::Json Replay::readHead(const std::string& line) {
+  Json json;
+  if (parseJson(line, json) || !json.is_object() || json.find("transcript") == json.end())
+    throw TranscriptError("it is no transcript: its first line is none of one");
+  if (json.at("transcript") != 1)
+    throw TranscriptError("it is a transcript of another version: " + jsonLine(json.at("transcript")));
+  if (const std::string wrong = seal_.open(json); !wrong.empty()) altered_ = Difference{1, wrong};
+  if (json.find("library") == json.end()) json["library"] = nullptr;
+  return json;
+}
+
+Replay::Line Replay::readLine(const std::string& text, std::size_t number) {
+  Line line;
+  line.number = number;
+  if (parseJson(text, line.json) || !line.json.is_object()) throw WrongLine("it is no JSON object");
+  if (const std::string wrong = seal_.open(line.json); !wrong.empty()) throw WrongLine(wrong);
+  if (line.json.find("library") == line.json.end()) {
+    readMessage(line);
+    return line;
+  }
+  line.kind = Line::Kind::library;
+  if (std::optional<Library::Bytes> library = libraryIn(line.json)) {
+    line.hasLibrary = true;
+    line.bytes = *std::move(library);
+  }
+  return line;
+}
+
+void Replay::readMessage(Line& line) {
+  const Json& json = line.json;
+  const std::string direction = textIn(json, "direction");
+  if (direction != "in" && direction != "out") throw WrongLine("direction is neither in nor out");
+  std::optional<std::vector<std::uint8_t>> bytes = parseHex(textIn(json, "bytes"));
+  if (!bytes) throw WrongLine("bytes are none in hex");
+  line.bytes = *std::move(bytes);
+  line.port = BDA::DevicePortNum(numberIn(json, "port"));
+  const bool isHanded = direction == "in" && find(json, "outcome") != nullptr;
+  if (!isHanded && (direction == "in" || find(json, "message") == nullptr)) return;
+  line.kind = isHanded ? Line::Kind::handed : Line::Kind::sent;
+  line.message = numberIn(json, "message");
+  if (isHanded && find(json, "run") != nullptr) line.run = numberIn(json, "run");
+}
+
+std::optional<Library::Bytes> Replay::libraryIn(const Json& json) {
+  if (find(json, "library") == nullptr) return std::nullopt;
+  std::optional<Library::Bytes> library = parseBase64(textIn(json, "library"));
+  if (!library) throw WrongLine("library is not in base64");
+  return library;
+}
+
+// Brings the editor to where it was when the transcript began.
+void Replay::begin(EmbeddedEditor& editor, std::optional<Library::Bytes> library) const {
+  try {
+    if (!library) library = libraryIn(head_);
+    if (!library) throw TranscriptError("there is no library in it");
+    editor.library().copyFrom(*library);
+    NameLists names;
+    if (find(head_, "names") != nullptr) {
+      std::string error = parseNames(textIn(head_, "names"), names);
+      if (error.empty()) error = giveNames(std::move(names), editor.tools());
+      if (!error.empty()) throw TranscriptError("names: " + error);
+    }
+  } catch (const WrongLine& wrong) {
+    throw TranscriptError(wrong.what());
+  }
+  if (isSet(head_, "anyDevice")) editor.takeAnyDevice();
+  if (isSet(head_, "readsOnly")) editor.library().leaveOutUnread([](const Library::Unread&) {});
+}
+
+Replay::Result Replay::run(EmbeddedEditor& editor, std::optional<Library::Bytes> library) {
+  begin(editor, std::move(library));
+  Result result;
+  result.isCutShort = isCutShort_;
+  std::optional<EmbeddedEditor::Run> run;
+  std::optional<std::uint64_t> runNumber;
+  bool isCommitted = false;
+  const auto endRun = [&] {
+    if (run && isCommitted) run->commit();
+    run.reset();
+    runNumber.reset();
+  };
+  for (const Line& line : lines_) {
+    if (line.kind == Line::Kind::library) {
+      endRun();
+      if (!line.hasLibrary) {
+        result.endsAt = line.number;
+        return result;
+      }
+      editor.library().copyFrom(line.bytes);
+    }
+    if (line.kind != Line::Kind::handed) continue;
+    if (run && line.run != runNumber) endRun();
+    if (line.run && !run) {
+      run.emplace(editor);
+      runNumber = line.run;
+      isCommitted = isSet(line.json, "committed");
+    }
+    ++result.messages;
+    if ((result.difference = replay(line, editor))) return result;
+  }
+  endRun();
+  result.difference = altered_;
+  return result;
+}
+
+std::optional<Replay::Difference> Replay::replay(const Line& line, EmbeddedEditor& editor) const {
+  const bool failsToStore = isSet(line.json, "storeFails");
+  editor.library().setRoom(failsToStore ? std::optional(roomOf(line.json)) : std::nullopt);
+  std::optional<Record> record;
+  try {
+    record = editor.handle(line.bytes, line.port, line.message);
+  } catch (const LibraryError& error) {
+    return Difference{line.number, std::string("the library fails now: ") + error.what()};
+  }
+  const Json now = toJson({line.message, nullptr, {}}, line.port, line.bytes, *record);
+  for (const char* const key : kCompared) {
+    const Json* const then = find(line.json, key);
+    const Json* const here = find(now, key);
+    if (then == nullptr ? here == nullptr : here != nullptr && *then == *here) continue;
+    return Difference{line.number, std::string(key) + ": " + wordsOf(then) + " then, " + wordsOf(here) + " now"};
+  }
+  return compareSent(line, record->sent);
+}
+
+std::optional<Replay::Difference> Replay::compareSent(const Line& line,
+                                                      const std::vector<AssistantHost::Sent>& now) const {
+  for (std::size_t i = 0; i < line.sent.size(); ++i) {
+    const Line& sent = lines_[line.sent[i]];
+    if (i >= now.size()) return Difference{sent.number, "it is not sent now"};
+    if (sent.port != now[i].port)
+      return Difference{sent.number, "sent on port " + std::to_string(sent.port) + " then, on port " +
+                                         std::to_string(now[i].port) + " now"};
+    if (sent.bytes != now[i].bytes)
+      return Difference{sent.number, "sent " + formatHex(sent.bytes) + " then, " + formatHex(now[i].bytes) + " now"};
+  }
+  // What was sent may stand behind what is not as it was written.
+  if (now.size() == line.sent.size() || altered_ || isCutShort_) return std::nullopt;
+  return Difference{line.number,
+                    counted(line.sent.size(), "message") + " sent then, " + std::to_string(now.size()) + " now"};
+}
+
+}  // namespace Editor

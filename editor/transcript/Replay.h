@@ -1,0 +1,93 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "exchange/EmbeddedEditor.h"
+#include "transcript/Seal.h"
+
+namespace Editor {
+
+// A text is no transcript.
+class TranscriptError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Does a transcript again: hands the messages in it to an editor, as they were handed then, and compares all that is
+// sent, shown, logged and told.
+class Replay {
+ public:
+  struct Difference {
+    std::size_t line;  // from 1
+    std::string text;
+  };
+  struct Result {
+    std::uint64_t messages = 0;  // were handed over
+    std::optional<Difference> difference;
+    // The line from which on nothing could be done: another program has changed the library there, and the transcript
+    // does not hold what became of it.
+    std::optional<std::size_t> endsAt;
+    bool isCutShort = false;  // its last line is
+  };
+
+  // Throws TranscriptError.
+  explicit Replay(std::string_view text);
+
+  // Whether it holds the library that its messages met.
+  bool hasLibrary() const { return head_.at("library").is_string(); }
+  // That library's file, when the transcript was written; "": there was none.
+  std::string libraryName() const;
+
+  // `editor` has an empty library in memory, and has handled nothing. `library`: the one that it begins with, as the
+  // bytes of its file; nothing: that of the transcript. Throws TranscriptError, and LibraryError for what is no
+  // library.
+  Result run(EmbeddedEditor& editor, std::optional<Library::Bytes> library = {});
+
+ private:
+  using Json = nlohmann::ordered_json;
+
+  struct Line {
+    enum class Kind : std::uint8_t {
+      handed,   // to the assistant
+      sent,     // by the assistant
+      passed,   // only over the wire, or it failed with the library
+      library,  // another program has changed it
+    };
+
+    std::size_t number = 0;
+    Kind kind = Kind::passed;
+    Json json;
+    std::vector<std::uint8_t> bytes;  // of the message, or of the library, if it is there
+    BDA::DevicePortNum port{};
+    std::uint64_t message = 0;         // handed and sent
+    std::optional<std::uint64_t> run;  // handed
+    std::vector<std::size_t> sent;     // handed: the lines of what was
+    bool hasLibrary = false;
+  };
+
+  Json readHead(const std::string& line);
+  void readLines(std::string_view text);
+  Line readLine(const std::string& text, std::size_t number);
+  static void readMessage(Line& line);
+  static std::optional<Library::Bytes> libraryIn(const Json& json);
+  void begin(EmbeddedEditor& editor, std::optional<Library::Bytes> library) const;
+  std::optional<Difference> replay(const Line& line, EmbeddedEditor& editor) const;
+  std::optional<Difference> compareSent(const Line& line, const std::vector<AssistantHost::Sent>& now) const;
+  void link(std::size_t line);
+
+  Seal seal_;
+  Json head_;
+  std::vector<Line> lines_;                      // up to one that is not as it was written
+  std::map<std::uint64_t, std::size_t> handed_;  // by message: the last one of that number
+  std::optional<Difference> altered_;            // that one
+  bool isCutShort_ = false;
+};
+
+}  // namespace Editor

@@ -1,0 +1,144 @@
+#include "transcript/Transcript.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "midi/Base64.h"
+#include "midi/Hex.h"
+#include "models/ModelJson.h"
+
+namespace Editor {
+
+void Transcript::writeHead(Library* library) {
+  if (std::exchange(hasHead_, true)) return;
+  const bool isKept = library != nullptr && options_.withLibrary;
+  write({{"transcript", 1},
+         {"sealed", true},
+         {"library", isKept ? Json(formatBase64(library->image())) : Json(nullptr)},
+         {"libraryName", library != nullptr ? Json(library->file().string()) : Json(nullptr)},
+         {"names", options_.names ? Json(*options_.names) : Json(nullptr)},
+         {"verb", options_.verb},
+         {"wire", options_.port.empty() ? Json(nullptr) : Json(options_.port)},
+         {"anyDevice", options_.anyDevice},
+         {"readsOnly", options_.readsOnly}});
+}
+
+void Transcript::found(Library& library) {
+  if (!hasHead_) return writeHead(&library);
+  add({{"library", options_.withLibrary ? Json(formatBase64(library.image())) : Json(nullptr)}});
+}
+
+Transcript::Json Transcript::lineOf(const char* direction, BDA::DevicePortNum port,
+                                    std::span<const std::uint8_t> message) const {
+  return {{"direction", direction},
+          {"time", (clock_() - begin_).count()},
+          {"port", unsigned(port)},
+          {"bytes", formatHex(message)}};
+}
+
+void Transcript::arrived(std::span<const std::uint8_t> message) {
+  lines_.push_back({lineOf("in", BDA::DevicePort_Main, message), {}});
+  if (options_.handsOnLater) lines_.back().arrived.assign(message.begin(), message.end());
+  flush();
+}
+
+void Transcript::left(std::span<const std::uint8_t> message) {
+  Json line = lineOf("out", BDA::DevicePort_Main, message);
+  const auto known =
+      std::ranges::find_if(outgoing_, [&](const Outgoing& one) { return std::ranges::equal(one.sent.bytes, message); });
+  if (known != outgoing_.end()) {
+    line["port"] = unsigned(known->sent.port);
+    line["message"] = known->message;
+    outgoing_.erase(known);
+  }
+  lines_.push_back({std::move(line), {}});
+  flush();
+}
+
+// In the order in which they came, but for one that came twice.
+Transcript::Lines::iterator Transcript::findArrived(std::span<const std::uint8_t> message) {
+  const auto isIt = [&](const Line& line) { return std::ranges::equal(line.arrived, message); };
+  const auto found = std::find_if(handedTo_, lines_.end(), isIt);
+  return found != lines_.end() ? found : std::find_if(lines_.begin(), lines_.end(), isIt);
+}
+
+void Transcript::handed(std::uint64_t number, BDA::DevicePortNum port, std::span<const std::uint8_t> message,
+                        const Record* record) {
+  auto line = findArrived(message);
+  if (line == lines_.end()) line = lines_.insert(handedTo_, {lineOf("in", port, message), {}});
+  line->arrived.clear();
+  line->isOfRun = isInRun_;
+  handedTo_ = std::next(line);
+  origin_.message = number;
+  if (record != nullptr) {
+    const Json trace = toJson(origin_, port, message, *record);
+    for (const auto& [key, value] : trace.items())
+      if (key != "in" && key != "sent") line->json[key] = value;
+  }
+  if (record == nullptr || record->storeFails) line->json["storeFails"] = true;
+  if (isInRun_) line->json["run"] = runs_;
+  origin_ = {};
+  if (record != nullptr) tell(*record, number, message);
+  flush();
+}
+
+void Transcript::tell(const Record& record, std::uint64_t number, std::span<const std::uint8_t> message) {
+  for (const AssistantHost::Sent& sent : record.sent) {
+    const bool isEcho = std::ranges::equal(sent.bytes, message);
+    if (options_.sent == Sent::later && !isEcho) {
+      outgoing_.push_back({number, sent});
+      continue;
+    }
+    Json line = lineOf("out", sent.port, sent.bytes);
+    line["message"] = number;
+    if (options_.sent != Sent::atOnce || (isEcho && !options_.echoes)) line["passedOn"] = false;
+    lines_.insert(handedTo_, {std::move(line), {}});
+  }
+}
+
+void Transcript::runBegins() {
+  isInRun_ = true;
+  ++runs_;
+}
+
+void Transcript::runEnds(bool isCommitted) {
+  isInRun_ = false;
+  for (Line& line : lines_)
+    if (std::exchange(line.isOfRun, false)) line.json["committed"] = isCommitted;
+  flush();
+}
+
+void Transcript::add(Json json) {
+  lines_.insert(handedTo_, {std::move(json), {}});
+  flush();
+}
+
+void Transcript::flush() {
+  if (isInRun_ || options_.handsOnLater) return;
+  settle();
+}
+
+void Transcript::settle() {
+  for (const Line& line : lines_) write(line.json);
+  lines_.clear();
+  handedTo_ = lines_.end();
+}
+
+void Transcript::finish() {
+  for (const Outgoing& one : outgoing_) {
+    Json line = lineOf("out", one.sent.port, one.sent.bytes);
+    line["message"] = one.message;
+    line["passedOn"] = false;
+    lines_.push_back({std::move(line), {}});
+  }
+  outgoing_.clear();
+  settle();
+  writeHead(nullptr);
+}
+
+void Transcript::write(const Json& json) {
+  writeHead(nullptr);
+  write_(seal_.close(json));
+}
+
+}  // namespace Editor

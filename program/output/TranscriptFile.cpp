@@ -1,0 +1,85 @@
+#include "output/TranscriptFile.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <utility>
+
+#include "messages/Text.h"
+#include "midi/MidiFile.h"
+
+namespace Editor {
+
+namespace {
+
+WireTime steadyTime() {
+  return std::chrono::duration_cast<WireTime>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
+std::string cannotBeWritten(const std::string& path, int error) {
+  return fmt::format("{}: cannot be written: {}", escape(path), std::strerror(error));
+}
+
+std::optional<std::string> namesOf(const Program& program) {
+  const std::optional<std::string> library = program.findLibraryFile();
+  const std::optional<std::string> names = library ? program.nameFileInUse(*library) : std::nullopt;
+  if (!names) return std::nullopt;
+  std::string error;
+  const auto bytes = loadBytes(*names, error);
+  if (!bytes) throw Failure(kUnusableInput, fmt::format("{}: {}", escape(*names), error));
+  return std::string(bytes->begin(), bytes->end());
+}
+
+}  // namespace
+
+TranscriptFile::TranscriptFile(Transcript::Options how, Program& program) : program_(program) {
+  const std::string& path = program.transcript.file;
+  if (path.empty()) return;
+  constexpr int kMode = 0666;
+  const bool isStandardOutput = path == "-";
+  if (isStandardOutput) program.console.keepOutputForBytes();
+  file_ = isStandardOutput ? STDOUT_FILENO : ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kMode);
+  if (file_ < 0) throw Failure(kWrongUsage, cannotBeWritten(path, errno));
+  how.withLibrary = program.transcript.withLibrary;
+  how.names = namesOf(program);
+  transcript_.emplace(std::move(how), steadyTime, [this](const std::string& line) { write(line + '\n'); });
+}
+
+TranscriptFile::~TranscriptFile() {
+  if (!transcript_) return;
+  transcript_->finish();
+  if (file_ != STDOUT_FILENO && ::close(file_) != 0 && error_ == 0) error_ = errno;
+  // A reader that has gone wants no more of it.
+  if (error_ == 0 || error_ == EPIPE) return;
+  program_.console.problem("bda: " + cannotBeWritten(program_.transcript.file, error_));
+  program_.failOutput();
+}
+
+void TranscriptFile::listen(EmbeddedEditor& editor) {
+  if (!transcript_) return;
+  try {
+    editor.setListener(&*transcript_);
+  } catch (const LibraryError& error) {
+    throw Failure(kUnusableInput, escape(error.what()));
+  }
+}
+
+std::unique_ptr<Port> TranscriptFile::listen(std::unique_ptr<Port> port) {
+  if (!transcript_) return port;
+  return std::make_unique<ListenedPort>(std::move(port), *transcript_);
+}
+
+void TranscriptFile::write(const std::string& line) {
+  for (std::size_t done = 0; done < line.size() && error_ == 0;) {
+    const ssize_t count = ::write(file_, line.data() + done, line.size() - done);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) error_ = errno;
+    done += count > 0 ? std::size_t(count) : 0;
+  }
+}
+
+}  // namespace Editor

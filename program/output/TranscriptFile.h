@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Program.h"
+#include "transcript/Transcript.h"
+
+namespace Editor {
+
+// The transcript of a run, if the program is to write one; else nothing here does anything. It is written line by line:
+// what stands there is as much as the run has done, however it ends.
+class TranscriptFile {
+ public:
+  // Throws Failure.
+  TranscriptFile(Transcript::Options how, Program& program);
+  TranscriptFile(const TranscriptFile&) = delete;
+  TranscriptFile& operator=(const TranscriptFile&) = delete;
+  ~TranscriptFile();  // writes what waits, and tells what could not be written: the run ends with that
+
+  // This object outlives the editor, and the port. Throws Failure for a library that cannot be read.
+  void listen(EmbeddedEditor& editor);
+  std::unique_ptr<Port> listen(std::unique_ptr<Port> port);
+
+  void comesFrom(const std::string* file, std::uint64_t offset) {
+    if (transcript_) transcript_->comesFrom(file, offset);
+  }
+  // A message that is not handed on.
+  void arrived(std::span<const std::uint8_t> message) {
+    if (transcript_) transcript_->arrived(message);
+  }
+  void settle() {
+    if (transcript_) transcript_->settle();
+  }
+
+ private:
+  void write(const std::string& line);
+
+  Program& program_;
+  int file_ = -1;
+  int error_ = 0;  // of the system: nothing more is written
+  std::optional<Transcript> transcript_;
+};
+
+}  // namespace Editor

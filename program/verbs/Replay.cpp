@@ -1,0 +1,70 @@
+// The verb replay: a transcript once more, compared with what came of it then.
+
+#include "transcript/Replay.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+
+#include "messages/Text.h"
+#include "midi/Counted.h"
+#include "midi/MidiFile.h"
+#include "verbs/Verbs.h"
+
+namespace Editor {
+
+namespace {
+
+Replay readTranscript(const std::string& file) {
+  std::string error;
+  const auto bytes = loadBytes(file, error);
+  if (!bytes) throw Failure(kUnusableInput, fmt::format("{}: {}", escape(file), error));
+  return Replay({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
+}
+
+// The one that was asked for, or that of the transcript.
+std::optional<Library::Bytes> libraryFor(const Replay& transcript, const std::string& file) {
+  if (!file.empty()) {
+    Library library(file, {.use = Library::Use::read});
+    const Library::Transaction oneState(library, Library::Transaction::Access::Read);
+    return library.image();
+  }
+  if (transcript.hasLibrary()) return std::nullopt;
+  const std::string name = transcript.libraryName();
+  throw Failure(kUnusableInput, name.empty() ? "nothing in it was handed to a library: there is nothing to replay"
+                                             : fmt::format("it does not hold the library that it met ({}): name one "
+                                                           "that is as that was, with --from-library",
+                                                           escape(name)));
+}
+
+}  // namespace
+
+void replay(const std::string& file, const std::string& library, Program& program) {
+  try {
+    Replay transcript = readTranscript(file);
+    EmbeddedEditor editor;
+    const Replay::Result result = transcript.run(editor, libraryFor(transcript, library));
+    const auto place = [&](std::size_t line) { return fmt::format("{}, line {}", escape(file), line); };
+    if (result.isCutShort) program.console.note(fmt::format("{}: its last line is cut short", escape(file)));
+    if (result.difference) {
+      program.console.problem(fmt::format("{}: {}", place(result.difference->line), escape(result.difference->text)));
+      program.refuse();
+    } else if (result.endsAt) {
+      program.console.problem(fmt::format(
+          "{}: another program has changed the library, and the transcript does not hold it: nothing behind it can be "
+          "replayed",
+          place(*result.endsAt)));
+      program.refuse();
+    } else if (result.messages == 0) {
+      throw Failure(kUnusableInput, "nothing in it was handed to a library: there is nothing to replay");
+    }
+    program.console.note(fmt::format("{} replayed: {}", counted(result.messages, "message"),
+                                     result.difference ? "a difference" : "no difference"));
+  } catch (const TranscriptError& error) {
+    throw Failure(kUnusableInput, fmt::format("{}: {}", escape(file), escape(error.what())));
+  } catch (const LibraryError& error) {
+    throw Failure(kUnusableInput, escape(error.what()));
+  }
+}
+
+}  // namespace Editor

@@ -1,0 +1,180 @@
+// Transcripts of runs at a library and on a wire, and those runs once more.
+
+#include <algorithm>
+
+#include "Library.h"
+#include "Program.h"
+#include "Serving.h"
+#include "messages/Messages.h"
+#include "midi/Hex.h"
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr Editor::BulkAddress kVoice{0x0E, 0x0A, 0x05};
+constexpr Editor::BulkAddress kMaster{0x0E, 0x70, 0x03};
+
+class Transcript : public Program {
+ protected:
+  Transcript() {
+    write("all.syx", {unit(kVoice, BDA::List::normalVoice, 0x41), unit(kMaster, BDA::List::master), systemDump(1)});
+  }
+
+  // The lines that have it.
+  std::vector<Json> linesWith(const std::string& key, const Json& value) const {
+    std::vector<Json> found;
+    for (const Json& line : trace("run.jsonl"))
+      if (line.contains(key) && (value.is_null() || line.at(key) == value)) found.push_back(line);
+    return found;
+  }
+  std::vector<std::string> transcribed(std::vector<std::string> words) const {
+    words.insert(words.end(), {"--transcript", "run.jsonl", "--with-library"});
+    return words;
+  }
+};
+
+}  // namespace
+
+TEST_F(Transcript, ofReceiveHasTheTraceOfEachMessageAndIsDoneAgain) {
+  EXPECT_THAT(bda(transcribed({"receive", "-q", "all.syx", "--trace", "trace.jsonl"})), Exits(0));
+  std::vector<Json> handed = linesWith("outcome", nullptr);
+  const std::vector<Json> traced = trace("trace.jsonl");
+  ASSERT_EQ(handed.size(), traced.size());
+  for (std::size_t i = 0; i < traced.size(); ++i) {
+    EXPECT_EQ(handed[i].at("direction"), "in");
+    EXPECT_EQ(handed[i].at("bytes"), traced[i].at("in"));
+    Json expected = traced[i];
+    for (const char* const key : {"in", "sent"}) expected.erase(key);
+    for (const auto& [key, value] : expected.items()) EXPECT_EQ(handed[i].at(key), value) << key;
+  }
+  const Result again = bda({"replay", "run.jsonl"});
+  EXPECT_THAT(again, Exits(0));
+  EXPECT_THAT(again.err, HasSubstr(std::to_string(traced.size()) + " messages replayed: no difference"));
+}
+
+TEST_F(Transcript, aReplayChangesNoLibrary) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--transcript", "run.jsonl"}), Exits(0));
+  removeLibrary();
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--library", "old.db"}), Exits(0));
+  const std::string before = read("old.db");
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(2));
+  EXPECT_THAT(bda({"replay", "run.jsonl"}).err, AllOf(HasSubstr("--from-library"), HasSubstr("library.db")));
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--from-library", "old.db"}),
+              Exits(3));  // it holds already what was new then
+  EXPECT_EQ(read("old.db"), before);
+  EXPECT_FALSE(exists("library.db"));
+}
+
+TEST_F(Transcript, ofRequestIsDoneAgain) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx"}), Exits(0));
+  EXPECT_THAT(bda(transcribed({"request", "-q", "voice:user1:6", "system", "master:9", "-o", "out.syx"})), Exits(3));
+  std::string sent;
+  for (const Json& line : linesWith("direction", "out")) sent += line.at("bytes").get<std::string>() + "\n";
+  write("sent.txt", sent);
+  EXPECT_THAT(bda({"convert", "-q", "sent.txt", "-o", "sent.syx"}), Exits(0));
+  EXPECT_EQ(read("sent.syx"), read("out.syx"));
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+}
+
+TEST_F(Transcript, anAlteredLineIsTheFirstDifference) {
+  EXPECT_THAT(bda(transcribed({"receive", "-q", "all.syx"})), Exits(0));
+  std::string text = read("run.jsonl");
+  const std::size_t at = text.find("accepted");
+  text[at] = 'A';
+  write("altered.jsonl", text);
+  const auto line = std::count(text.begin(), text.begin() + std::ptrdiff_t(at), '\n') + 1;
+  const Result again = bda({"replay", "altered.jsonl"});
+  EXPECT_THAT(again, Exits(3));
+  EXPECT_THAT(again.err, HasSubstr("altered.jsonl, line " + std::to_string(line) + ": "));
+}
+
+TEST_F(Transcript, ofWhatIsRefusedByWholeHasItWithoutATrace) {
+  write("half.syx", {dump(kMaster), dump(kVoice)});
+  EXPECT_THAT(bda(transcribed({"receive", "--whole", "-q", "half.syx", "all.syx"})), Exits(3));
+  EXPECT_EQ(linesWith("direction", "in").size(), linesWith("outcome", nullptr).size() + 2);
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+}
+
+TEST_F(Transcript, ofMessagesForAnyDeviceIsDoneAgain) {
+  write("all.syx", {dump(kMaster)});
+  EXPECT_THAT(bda({"settings", "device-number", "5"}), Exits(0));
+  EXPECT_THAT(bda(transcribed({"receive", "-q", "--any-device", "all.syx"})), Exits(3));
+  EXPECT_EQ(linesWith("outcome", "accepted").size(), 1U);
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+}
+
+TEST_F(Transcript, ofTheNamesThatWereUsedIsDoneAgainWithout) {
+  write("library.db.names", "waveform 1 Grand Piano\n");
+  EXPECT_THAT(bda({"receive", "-q", "all.syx"}), Exits(0));
+  EXPECT_THAT(bda(transcribed({"request", "-q", "names:waveforms:1", "-o", "names.syx"})), Exits(0));
+  EXPECT_THAT(read("names.syx"), HasSubstr("Grand Piano"));
+  std::filesystem::remove(directory / "library.db.names");
+  EXPECT_EQ(linesWith("transcript", 1).at(0).at("names"), "waveform 1 Grand Piano\n");
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+}
+
+TEST_F(Transcript, ofAnInstrumentAndOfWhoFetchesFromItAreDoneAgain) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--library", "instrument.db"}), Exits(0));
+  Serving instrument(std::string(BDA_PROGRAM) + " instrument --on pty: --pace none --library '" +
+                     (directory / "instrument.db").string() + "' --transcript '" +
+                     (directory / "instrument.jsonl").string() + "' --with-library 2>/dev/null");
+  EXPECT_THAT(bda(transcribed({"fetch", "-q", "voice:user1:6", "file:voice:user1:6", "master:4", "system", "--pace",
+                               "none", "--from", instrument.path})),
+              Exits(0));
+  EXPECT_EQ(instrument.stop(), 130);
+  EXPECT_THAT(bda({"replay", "instrument.jsonl"}), Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+
+  // What the one sent the other heard, and the other way round.
+  const auto passed = [&](const std::string& file, const char* direction) {
+    std::vector<std::string> bytes;
+    for (const Json& line : trace(file))
+      if (line.value("direction", "") == direction && line.value("passedOn", true) && line.at("bytes") != "")
+        bytes.push_back(line.at("bytes").get<std::string>());
+    return bytes;
+  };
+  EXPECT_EQ(passed("instrument.jsonl", "in"), passed("run.jsonl", "out"));
+  std::vector<std::string> heard = passed("run.jsonl", "in");
+  std::erase(heard, Editor::formatHex(Editor::writeTrigger(0)));  // which fetch itself gives its library
+  EXPECT_EQ(passed("instrument.jsonl", "out"), heard);
+}
+
+TEST_F(Transcript, ofSendHasWhatTheLibraryAnsweredWhenItWentOut) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx"}), Exits(0));
+  const Result sent = bda(transcribed({"send", "-q", "voice:user1:6", "--to", "-"}));
+  EXPECT_THAT(sent, Exits(0));
+  EXPECT_EQ(sent.out, bda({"request", "-q", "voice:user1:6", "-o", "-"}).out);
+  EXPECT_EQ(linesWith("direction", "out").size(), linesWith("message", 1).size() - 1);
+  EXPECT_THAT(linesWith("passedOn", nullptr), IsEmpty());
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+}
+
+TEST_F(Transcript, ofRecordHasWhatArrivedAndNothingToDoAgain) {
+  const std::string bytes = read("all.syx");
+  EXPECT_THAT(bda(transcribed({"record", "-q", "--from", "-", "-o", "recorded.syx"}), bytes), Exits(0));
+  EXPECT_EQ(linesWith("direction", "in").size(), trace("run.jsonl").size() - 1);
+  const Result again = bda({"replay", "run.jsonl"});
+  EXPECT_THAT(again, Exits(2));
+  EXPECT_THAT(again.err, HasSubstr("nothing to replay"));
+}
+
+TEST_F(Transcript, thatCannotBeWrittenIsAFailure) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--transcript", "/dev/full"}), Exits(1));
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--transcript", "no/such/run.jsonl"}), Exits(1));
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--transcript", "library.db"}), Exits(1));
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--transcript", "all.syx"}), Exits(1));
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--with-library"}), Exits(1));
+}
+
+TEST_F(Transcript, whatIsNoneIsRefused) {
+  write("none.jsonl", "{\"message\": 1}\n");
+  EXPECT_THAT(bda({"replay", "none.jsonl"}), Exits(2));
+  EXPECT_THAT(bda({"replay", "all.syx"}), Exits(2));
+  EXPECT_THAT(bda({"replay", "missing.jsonl"}), Exits(2));
+  EXPECT_THAT(bda(transcribed({"receive", "-q", "all.syx"})), Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--from-library", "missing.db"}), Exits(2));
+  EXPECT_THAT(bda({"replay", "-"}, read("run.jsonl")), Exits(0));
+}
