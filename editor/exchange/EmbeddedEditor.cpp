@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "AddressRows.h"
 #include "exchange/Reason.h"
 #include "exchange/ScreenLines.h"
 #include "exchange/ScreenText.h"
@@ -35,9 +36,19 @@ EmbeddedEditor::EmbeddedEditor(const std::filesystem::path& libraryFile, const L
 
 Record EmbeddedEditor::handle(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
                               std::uint64_t number) {
+  return recordOf(reading, handover_.hand(reading, message, port, units_.nameless()), number);
+}
+
+Record EmbeddedEditor::run(std::size_t job) {
+  const MidLo header = headerOf(kBulkJobs.at(job).buffer);
+  const Reading request = readMessage(requestFor({BDA::kHeaderHi, header.mid, header.lo}));
+  return recordOf(request, handover_.run(job, request), 0);
+}
+
+Record EmbeddedEditor::recordOf(const Reading& reading, Handed handed, std::uint64_t number) {
   Record record;
   record.reading = reading;
-  static_cast<Handed&>(record) = handover_.hand(reading, message, port, units_.nameless());
+  static_cast<Handed&>(record) = std::move(handed);
   static_cast<Touched&>(record) = touchedBy(reading, record);
   record.outcome = outcomeOf(reading, record, record);
   if (record.outcome == Outcome::refused) {

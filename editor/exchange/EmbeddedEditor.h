@@ -46,6 +46,10 @@ class EmbeddedEditor {
   Record handle(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
                 std::uint64_t number);
 
+  // Runs one of kBulkJobs: the record of the request that it makes, and of what the assistant sends for that. Throws
+  // LibraryError.
+  Record run(std::size_t job);
+
   // From now on dumps and requests are taken as if they were for the device number that is set, whatever theirs is.
   void takeAnyDevice() { handover_.takeAnyDevice(); }
 
@@ -96,6 +100,8 @@ class EmbeddedEditor {
   };
 
  private:
+  Record recordOf(const Reading& reading, Handed handed, std::uint64_t number);
+
   Library library_;
   ModelStore store_;
   ContentsWork work_;

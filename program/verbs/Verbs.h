@@ -9,6 +9,7 @@
 
 #include "Program.h"
 #include "arrange/Arrangement.h"
+#include "convert/Batch.h"
 #include "output/ChangeLines.h"
 #include "wire/Pace.h"
 
@@ -99,6 +100,10 @@ struct SendOptions {
   bool json = false;
 };
 void send(const Words& words, const SendOptions& options, Program& program);
+// What else is to be sent, the same way.
+void send(Batch batch, const SendOptions& options, Program& program);
+// What one of the assistant's jobs sends, by its name.
+void job(const std::string& name, const SendOptions& options, Program& program);
 
 // What an instrument at a port holds, into the library or a file.
 struct FetchOptions {
