@@ -19,6 +19,7 @@ std::size_t jobOf(const std::string& name) {
   const auto found = std::ranges::find(kBulkJobs, name, &BulkJob::name);
   if (found != kBulkJobs.end()) return std::size_t(found - kBulkJobs.begin());
   std::vector<std::string> names;
+  names.reserve(kBulkJobs.size());
   for (const BulkJob& job : kBulkJobs) names.emplace_back(job.name);
   throw Failure(kWrongUsage, fmt::format("\"{}\" is no job: expected one of {}{}", escape(name), fmt::join(names, ", "),
                                          didYouMean(name, names)));
