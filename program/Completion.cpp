@@ -241,13 +241,14 @@ class Completing {
   std::unique_ptr<Library> library_;
 };
 
-const std::array<Completing::Kind, 32> Completing::kKinds{{
+const std::array<Completing::Kind, 33> Completing::kKinds{{
     {"FILE", &Completing::offerFiles},
     {"IN", &Completing::offerFiles},
     {"OUT", &Completing::offerFiles},
     {"GOOD", &Completing::offerFiles},
     {"ANSWERS", &Completing::offerFiles},
     {"TABLE", &Completing::offerFiles},
+    {"TRANSCRIPT", &Completing::offerFiles},
     {"SOURCE", &Completing::offerFiles},
     {"A", &Completing::offerFiles},
     {"B", &Completing::offerFiles},

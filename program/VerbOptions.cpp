@@ -179,6 +179,7 @@ CLI::Option* addPort(CLI::App& verb, const char* name, const char* description, 
   });
 }
 
+constexpr const char* kTo = "Where it goes: a MIDI device, a FIFO or two (IN,OUT), pty: (a new pseudo terminal), or -";
 constexpr const char* kFrom = "Where it comes from: a MIDI device, a FIFO, pty: (a new pseudo terminal), or -";
 
 // Seconds and milliseconds, with decimals.
@@ -271,8 +272,7 @@ void addSend(CLI::App& app, Given& given, Program& program) {
   SendOptions& options = given.send;
   addWords(verb, "FILE|ADDRESS", "Message files, or places of the library, their banks or ranges", given)
       ->check(checkFileName);
-  addPort(verb, "--to", "Where it goes: a MIDI device, a FIFO or two (IN,OUT), pty: (a new pseudo terminal), or -",
-          options.to);
+  addPort(verb, "--to", kTo, options.to);
   verb.add_flag("--to-edit-buffer", options.toEditBuffer,
                 "Where it can be heard, and overwrites nothing that is stored");
   verb.add_flag("--verify", options.verify, "Read back what was sent, and compare it");
@@ -283,6 +283,17 @@ void addSend(CLI::App& app, Given& given, Program& program) {
   verb.add_flag("--dry-run", options.dryRun, "Say what would go out and how long it takes, and send nothing");
   verb.add_flag("--json", options.json, "One object a unit");
   verb.callback([&] { given.verb = [&] { send(given.words, given.send, program); }; });
+}
+
+void addJob(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "job");
+  SendOptions& options = given.send;
+  verb.add_option("JOB", given.setting, "Whose edit buffer goes out")->required();
+  addPort(verb, "--to", kTo, options.to);
+  addPacing(verb, options.pace, options.pauses);
+  addTranscript(verb, program);
+  verb.add_flag("--json", options.json, "One object a unit");
+  verb.callback([&] { given.verb = [&] { job(given.setting, given.send, program); }; });
 }
 
 void addInstrument(CLI::App& app, Given& given, Program& program) {
@@ -516,7 +527,7 @@ constexpr std::array kVerbs{addList,       addVerify,  addConvert, addExplain,  
                             addReplay,     addShow,    addApply,   addSettings,  addContents, addFind,    addBackup,
                             addRestore,    addDiff,    addRename,  addFavourite, addRemove,   addCopy,    addMove,
                             addSwap,       addHistory, addUndo,    addCheck,     addScreen,   addRecord,  addFetch,
-                            addInstrument, addSend,    addHelp};
+                            addInstrument, addSend,    addJob,     addHelp};
 
 }  // namespace
 

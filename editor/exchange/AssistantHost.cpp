@@ -96,12 +96,26 @@ EditorJobTools& AssistantHost::tools() { return parts_->tools; }
 const EditorJobTools& AssistantHost::tools() const { return parts_->tools; }
 
 AssistantHost::Effects AssistantHost::handle(std::span<const std::uint8_t> message, BDA::DevicePortNum port) {
+  return watch([&] { parts_->assistant.receiveBulkDump(message.data(), message.size(), port); });
+}
+
+// Where the device number is off it makes no request, and nothing is reported.
+AssistantHost::Effects AssistantHost::run(std::size_t job) {
+  parts_->reports.last = {};
+  parts_->reports.last.kind = BDA::BulkMsg_DeviceNumberOff;
+  parts_->reports.last.outcome = BDA::BulkDumpOutcome::refused;
+  parts_->reports.last.refusal = BDA::BulkDumpRefusal::deviceNumberOff;
+  return watch([&] { parts_->jobs.at(job)->execEvent(nullptr, nullptr); });
+}
+
+AssistantHost::Effects AssistantHost::watch(const std::function<void()>& act) {
   Effects effects;
   {
     const Listener listener(effects.log);
-    effects.result = parts_->assistant.receiveBulkDump(message.data(), message.size(), port);
+    act();
   }
   effects.report = parts_->reports.last;
+  effects.result = effects.report.kind;
   effects.shown = parts_->screen.take();
   effects.sent = parts_->outputs.take();
   return effects;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -10,6 +12,20 @@
 #include "models/EditorJobTools.h"
 
 namespace Editor {
+
+// A job of the assistant, which an editor runs to send an edit buffer.
+struct BulkJob {
+  const char* name;
+  EditBuffer buffer;
+};
+// In the order in which the assistant gives them to its editor.
+inline constexpr std::array<BulkJob, 5> kBulkJobs{{
+    {"voice", EditBuffer::normalVoice},
+    {"drum", EditBuffer::drumVoice},
+    {"performance", EditBuffer::performance},
+    {"mix", EditBuffer::multi},
+    {"master", EditBuffer::master},
+}};
 
 // An assistant with an editor around it, over any store of contents: hands messages to it and tells what it did. One
 // thread uses it.
@@ -40,8 +56,12 @@ class AssistantHost {
 
   // One complete message, F0 to F7.
   Effects handle(std::span<const std::uint8_t> message, BDA::DevicePortNum port);
+  // One of kBulkJobs, as an editor runs it. It leaves the receive-bulk switch as it was.
+  Effects run(std::size_t job);
 
  private:
+  Effects watch(const std::function<void()>& act);
+
   struct Parts;
   std::unique_ptr<Parts> parts_;
 };

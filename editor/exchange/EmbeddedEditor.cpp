@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "AddressRows.h"
 #include "exchange/Reason.h"
 #include "exchange/ScreenLines.h"
 #include "exchange/ScreenText.h"
@@ -38,16 +39,37 @@ void EmbeddedEditor::setListener(EditorListener* listener) {
   handover_.watch(listener == nullptr ? std::function<void()>() : [this] { listener_->found(library_); });
 }
 
-Record EmbeddedEditor::handle(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
-                              std::uint64_t number) {
-  Record record;
-  record.reading = reading;
+template <typename Act, typename Tell>
+Record EmbeddedEditor::told(Act act, Tell tell) {
+  if (listener_ == nullptr) return act();
   try {
-    static_cast<Handed&>(record) = handover_.hand(reading, message, port, units_.nameless());
+    const Record record = act();
+    tell(*listener_, &record);
+    return record;
   } catch (const LibraryError&) {
-    if (listener_ != nullptr) listener_->handed(number, port, message, nullptr);
+    tell(*listener_, nullptr);
     throw;
   }
+}
+
+Record EmbeddedEditor::handle(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
+                              std::uint64_t number) {
+  return told([&] { return recordOf(reading, handover_.hand(reading, message, port, units_.nameless()), number); },
+              [&](EditorListener& listener, const Record* record) { listener.handed(number, port, message, record); });
+}
+
+Record EmbeddedEditor::run(std::size_t job) {
+  const MidLo header = headerOf(kBulkJobs.at(job).buffer);
+  const std::vector<std::uint8_t> message = requestFor({BDA::kHeaderHi, header.mid, header.lo});
+  const Reading request = readMessage(message);
+  return told([&] { return recordOf(request, handover_.run(job, request), 0); },
+              [&](EditorListener& listener, const Record* record) { listener.ran(job, message, record); });
+}
+
+Record EmbeddedEditor::recordOf(const Reading& reading, Handed handed, std::uint64_t number) {
+  Record record;
+  record.reading = reading;
+  static_cast<Handed&>(record) = std::move(handed);
   static_cast<Touched&>(record) = touchedBy(reading, record);
   record.outcome = outcomeOf(reading, record, record);
   if (record.outcome == Outcome::refused) {
@@ -57,7 +79,6 @@ Record EmbeddedEditor::handle(const Reading& reading, std::span<const std::uint8
   }
   record.ended = units_.follow(reading, record, record.outcome, number);
   record.missing = missingIn(record.ended);
-  if (listener_ != nullptr) listener_->handed(number, port, message, &record);
   return record;
 }
 

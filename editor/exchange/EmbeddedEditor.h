@@ -38,6 +38,8 @@ class EditorListener {
   // `record` is null where the library failed: the message has changed nothing.
   virtual void handed(std::uint64_t number, BDA::DevicePortNum port, std::span<const std::uint8_t> message,
                       const Record* record) = 0;
+  // The same of one of kBulkJobs, which makes a request.
+  virtual void ran(std::size_t job, std::span<const std::uint8_t> request, const Record* record) = 0;
   // What is handed between these belongs to one Run.
   virtual void runBegins() = 0;
   virtual void runEnds(bool isCommitted) = 0;
@@ -68,6 +70,10 @@ class EmbeddedEditor {
 
   // From now on, or nobody any more. The listener outlives this object, or that. Throws LibraryError.
   void setListener(EditorListener* listener);
+
+  // Runs one of kBulkJobs: the record of the request that it makes, and of what the assistant sends for that. Throws
+  // LibraryError.
+  Record run(std::size_t job);
 
   // From now on dumps and requests are taken as if they were for the device number that is set, whatever theirs is.
   void takeAnyDevice() { handover_.takeAnyDevice(); }
@@ -120,6 +126,10 @@ class EmbeddedEditor {
   };
 
  private:
+  template <typename Act, typename Tell>
+  Record told(Act act, Tell tell);
+  Record recordOf(const Reading& reading, Handed handed, std::uint64_t number);
+
   Library library_;
   ModelStore store_;
   ContentsWork work_;

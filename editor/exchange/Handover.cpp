@@ -35,23 +35,22 @@ void saveLive(EditorJobTools& tools) {
 
 Handed Handover::hand(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
                       const std::set<ContentId>& nameless) {
-  try {
-    if (reading.kind == Reading::Kind::dump) return handDump(reading, message, port, nameless);
-    if (reading.kind == Reading::Kind::request) return handRequest(reading, message, port);
-    Handed handed;
-    hand(handed, reading, message, port);
-    return handed;
-  } catch (const LiveModelError& error) {
-    throw LibraryError(LibraryError::Kind::Damaged, error.what());
-  }
+  const Act act = [&] { return pass(reading, message, port); };
+  if (reading.kind == Reading::Kind::dump) return handDump(reading, act, nameless);
+  if (reading.kind == Reading::Kind::request) return handRequest(reading, act);
+  Handed handed;
+  hand(handed, reading, act);
+  return handed;
+}
+
+Handed Handover::run(std::size_t job, const Reading& request) {
+  return handRequest(request, [&] { return host_.run(job); });
 }
 
 bool Handover::hears(const Reading& reading) {
-  try {
+  {
     const Library::Transaction oneState(library_, Library::Transaction::Access::Read);
     seeWhatOthersChanged();
-  } catch (const LiveModelError& error) {
-    throw LibraryError(LibraryError::Kind::Damaged, error.what());
   }
   const ModelSet live = host_.tools().liveSystem();
   const auto& utility = live.system->utility.values();
@@ -60,16 +59,15 @@ bool Handover::hears(const Reading& reading) {
   return takesAnyDevice_ || device == unsigned(CMA::DeviceNumber_All) || reading.device == device + 1;
 }
 
-Handed Handover::handRequest(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port) {
+Handed Handover::handRequest(const Reading& reading, const Act& act) {
   Handed handed;
   const Library::Transaction oneState(library_, Library::Transaction::Access::Read);
   seeWhatOthersChanged();
-  hand(handed, reading, message, port);
+  hand(handed, reading, act);
   return handed;
 }
 
-Handed Handover::handDump(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
-                          const std::set<ContentId>& nameless) {
+Handed Handover::handDump(const Reading& reading, const Act& act, const std::set<ContentId>& nameless) {
   const bool isTrigger = reading.role == Role::trigger;
   EditorJobTools& tools = host_.tools();
   Handed handed;
@@ -80,7 +78,7 @@ Handed Handover::handDump(const Reading& reading, std::span<const std::uint8_t> 
     const std::size_t before = library_.pendingChanges().size();
     seeWhatOthersChanged();
     liveBefore = tools.changeCount();
-    hand(handed, reading, message, port);
+    hand(handed, reading, act);
     if (isTrigger) leaveNameless(before, nameless);
     isKept = isTrigger || (!hasFailed(handed) && handed.storeError.empty());
     if (isKept) {
@@ -103,20 +101,23 @@ Handed Handover::handDump(const Reading& reading, std::span<const std::uint8_t> 
   if (!inRun_) handed.changes = library_.takeChanges();
   handed.isKept = isKept && !inRun_;
   if (!isKept && tools.changeCount() != liveBefore) {
-    tools.reload();
+    reload();
     rememberLive();
   }
   return handed;
 }
 
-// Hands the message over, and learns what failed behind the assistant's back.
-void Handover::hand(Handed& handed, const Reading& reading, std::span<const std::uint8_t> message,
-                    BDA::DevicePortNum port) {
+AssistantHost::Effects Handover::pass(const Reading& reading, std::span<const std::uint8_t> message,
+                                      BDA::DevicePortNum port) {
+  if (!takesAnyDevice_ || !reading.device) return host_.handle(message, port);
+  return host_.handle(withDevice(message, deviceNumberOf(host_.tools())), port);
+}
+
+// Has the assistant act, and learns what failed behind its back.
+void Handover::hand(Handed& handed, const Reading& reading, const Act& act) {
   const std::uint64_t failures = library_.failureCount();
   host_.tools().forgetErrors();
-  std::vector<std::uint8_t> forUs;
-  if (takesAnyDevice_ && reading.device) message = forUs = withDevice(message, deviceNumberOf(host_.tools()));
-  static_cast<AssistantHost::Effects&>(handed) = host_.handle(message, port);
+  static_cast<AssistantHost::Effects&>(handed) = act();
   work_.abandonPass();
   handed.libraryFailed = library_.failureCount() != failures;
   handed.storeError = work_.takeError();
@@ -144,7 +145,7 @@ void Handover::seeWhatOthersChanged() {
   noticeState();
   const Library::Version version = library_.dataVersion();
   if (seen_ == Seen{version, host_.tools().changeCount()}) return;
-  host_.tools().reload();
+  reload();
   seen_ = Seen{version, host_.tools().changeCount()};
 }
 
@@ -181,10 +182,18 @@ void Handover::endRun() {
   reloadIfPossible();
 }
 
+void Handover::reload() {
+  try {
+    host_.tools().reload();
+  } catch (const LiveModelError& error) {
+    throw LibraryError(LibraryError::Kind::Damaged, error.what());
+  }
+}
+
 void Handover::reloadIfPossible() {
   seen_.reset();
   try {
-    host_.tools().reload();
+    reload();
   } catch (const std::exception&) {
     // The next message reads them again, and tells.
   }

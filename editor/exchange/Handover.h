@@ -40,6 +40,9 @@ class Handover {
   Handed hand(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
               const std::set<ContentId>& nameless);
 
+  // Runs one of kBulkJobs. `request` is what it asks for. Throws LibraryError when the library fails.
+  Handed run(std::size_t job, const Reading& request);
+
   // Whether the instrument listens to it, as it is set now: to its device number, and to any dumps and requests at all.
   // Throws LibraryError.
   bool hears(const Reading& reading);
@@ -64,14 +67,17 @@ class Handover {
   void takeAnyDevice() { takesAnyDevice_ = true; }
 
  private:
-  Handed handDump(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port,
-                  const std::set<ContentId>& nameless);
-  Handed handRequest(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
-  void hand(Handed& handed, const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
+  using Act = std::function<AssistantHost::Effects()>;
+
+  Handed handDump(const Reading& reading, const Act& act, const std::set<ContentId>& nameless);
+  Handed handRequest(const Reading& reading, const Act& act);
+  void hand(Handed& handed, const Reading& reading, const Act& act);
+  AssistantHost::Effects pass(const Reading& reading, std::span<const std::uint8_t> message, BDA::DevicePortNum port);
   std::string damageAt(const Reading& reading) const;
   void seeWhatOthersChanged();
   void leaveNameless(std::size_t firstChange, const std::set<ContentId>& nameless);
   void rememberLive();
+  void reload();
   void reloadIfPossible();
 
   // When the live models were those of the library: in which of its states, and at which count of their changes.

@@ -1,5 +1,6 @@
 #include "transcript/Replay.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "midi/Base64.h"
@@ -135,6 +136,10 @@ void Replay::readMessage(Line& line) {
   line.kind = isHanded ? Line::Kind::handed : Line::Kind::sent;
   line.message = numberIn(json, "message");
   if (isHanded && find(json, "run") != nullptr) line.run = numberIn(json, "run");
+  if (!isHanded || find(json, "job") == nullptr) return;
+  const auto job = std::ranges::find(kBulkJobs, textIn(json, "job"), &BulkJob::name);
+  if (job == kBulkJobs.end()) throw WrongLine("job is none");
+  line.job = std::size_t(job - kBulkJobs.begin());
 }
 
 std::optional<Library::Bytes> Replay::libraryIn(const Json& json) {
@@ -204,7 +209,7 @@ std::optional<Replay::Difference> Replay::replay(const Line& line, EmbeddedEdito
   editor.library().setRoom(failsToStore ? std::optional(roomOf(line.json)) : std::nullopt);
   std::optional<Record> record;
   try {
-    record = editor.handle(line.bytes, line.port, line.message);
+    record = line.job ? editor.run(*line.job) : editor.handle(line.bytes, line.port, line.message);
   } catch (const LibraryError& error) {
     return Difference{line.number, std::string("the library fails now: ") + error.what()};
   }

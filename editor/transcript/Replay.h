@@ -68,6 +68,7 @@ class Replay {
     BDA::DevicePortNum port{};
     std::uint64_t message = 0;         // handed and sent
     std::optional<std::uint64_t> run;  // handed
+    std::optional<std::size_t> job;    // handed: it is the request of one
     std::vector<std::size_t> sent;     // handed: the lines of what was
     bool hasLibrary = false;
   };

@@ -77,9 +77,16 @@ void Transcript::handed(std::uint64_t number, BDA::DevicePortNum port, std::span
   }
   if (record == nullptr || record->storeFails) line->json["storeFails"] = true;
   if (isInRun_) line->json["run"] = runs_;
+  if (job_) line->json["job"] = kBulkJobs.at(*job_).name;
   origin_ = {};
   if (record != nullptr) tell(*record, number, message);
   flush();
+}
+
+void Transcript::ran(std::size_t job, std::span<const std::uint8_t> request, const Record* record) {
+  job_ = job;
+  handed(1, BDA::DevicePort_Main, request, record);
+  job_.reset();
 }
 
 void Transcript::tell(const Record& record, std::uint64_t number, std::span<const std::uint8_t> message) {

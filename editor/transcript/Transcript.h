@@ -52,6 +52,7 @@ class Transcript final : public EditorListener, public PortListener {
   void found(Library& library) override;
   void handed(std::uint64_t number, BDA::DevicePortNum port, std::span<const std::uint8_t> message,
               const Record* record) override;
+  void ran(std::size_t job, std::span<const std::uint8_t> request, const Record* record) override;
   void runBegins() override;
   void runEnds(bool isCommitted) override;
 
@@ -87,6 +88,7 @@ class Transcript final : public EditorListener, public PortListener {
   Seal seal_;
   bool hasHead_ = false;
   MessageOrigin origin_{};
+  std::optional<std::size_t> job_;  // the request that is handed over is that of one
   bool isInRun_ = false;
   std::uint64_t runs_ = 0;
   Lines lines_;                              // that wait

@@ -5,6 +5,15 @@
 
 namespace Editor {
 
+std::span<const std::uint8_t> upToADecision(std::span<const std::uint8_t> bytes) {
+  constexpr std::uint8_t kEnd = 0xF7;
+  const auto isStatus = [](std::uint8_t byte) { return byte > 0x7F && byte < kFirstRealTime; };
+  if (bytes.empty()) return bytes;
+  // Behind an end, before any other status byte but the first.
+  const auto status = bytes.front() == kEnd ? bytes.begin() : std::find_if(bytes.begin() + 1, bytes.end(), isStatus);
+  return bytes.first(std::size_t(status - bytes.begin()) + (status != bytes.end() && *status == kEnd ? 1 : 0));
+}
+
 void Asking::ask(BulkAddress address, WireTime now) {
   asked_ = address;
   result_ = {};

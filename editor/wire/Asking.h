@@ -27,6 +27,10 @@ struct Overheard {
   bool isOtherModelHeard = false;       // a message of the same maker's other instruments
 };
 
+// The first of these bytes, up to where one of them may decide a question: the end of a message, or of one that is cut
+// short. Who is asked for the next thing then hears the rest, however the bytes came.
+std::span<const std::uint8_t> upToADecision(std::span<const std::uint8_t> bytes);
+
 // Asks an instrument for one unit, and again while the answer does not come or is not whole. It writes requests to a
 // pacer and reads what arrives; who owns both sends and waits.
 //
@@ -56,6 +60,7 @@ class Asking final : private StreamJoiner::Receiver {
 
   // Begins. The last question is decided.
   void ask(BulkAddress address, WireTime now);
+  // Bytes that go no further than upToADecision().
   void receive(std::span<const std::uint8_t> bytes, WireTime now);
   void pass(WireTime now);
   // When it wants to be asked next, beside the pacer; nothing: it does not wait for anything.

@@ -31,8 +31,10 @@ void Fetch::begin(WireTime now) {
 }
 
 void Fetch::receive(std::span<const std::uint8_t> bytes, WireTime now) {
-  asking_.receive(bytes, now);
-  pass(now);
+  for (; !bytes.empty(); bytes = bytes.subspan(upToADecision(bytes).size())) {
+    asking_.receive(upToADecision(bytes), now);
+    pass(now);
+  }
 }
 
 void Fetch::pass(WireTime now) {

@@ -46,8 +46,10 @@ bool Send::isEcho(std::span<const std::uint8_t> message) {
 
 void Send::receive(std::span<const std::uint8_t> bytes, WireTime now) {
   if (std::ranges::any_of(bytes, [](std::uint8_t byte) { return byte < kFirstRealTime; })) heardAt_ = now;
-  asking_.receive(bytes, now);
-  pass(now);
+  for (; !bytes.empty(); bytes = bytes.subspan(upToADecision(bytes).size())) {
+    asking_.receive(upToADecision(bytes), now);
+    pass(now);
+  }
 }
 
 void Send::pass(WireTime now) {

@@ -46,20 +46,20 @@ bool isAddress(const std::string& word) {
 
 class Sending {
  public:
-  Sending(const Words& words, const SendOptions& options, Program& program)
+  Sending(const char* verb, const SendOptions& options, Program& program)
       : options_(options),
         program_(program),
         console_(program.console),
-        words_(joinAddresses(words)),
         transcript_(
-            {.verb = "send", .port = options.to, .readsOnly = true, .sent = Transcript::Sent::later, .echoes = false},
+            {.verb = verb, .port = options.to, .readsOnly = true, .sent = Transcript::Sent::later, .echoes = false},
             program) {
     if (options.to == "-") console_.keepOutputForBytes();
     console_.flushEachLine();
   }
 
-  void run() {
-    Batch batch = read();
+  TranscriptFile& transcript() { return transcript_; }
+
+  void run(Batch batch) {
     refuseBroken(batch);
     if (options_.toEditBuffer) placeInEditBuffers(batch);
     const SendPlan plan(batch);
@@ -74,24 +74,24 @@ class Sending {
     options_.dryRun ? rehearse(plan) : send(plan);
   }
 
- private:
   // The words are files, or places of the library.
-  Batch read() {
+  Batch read(const Words& words) {
     BatchBuilder builder;
     Words files;
-    for (const std::string& word : words_)
+    for (const std::string& word : words)
       if (!isAddress(word)) files.push_back(word);
-    if (files.size() < words_.size()) {
+    if (files.size() < words.size()) {
       if (!files.empty())
         throw Failure(kWrongUsage, fmt::format("\"{}\" is no address: expected files, or places of the library",
                                                escape(files.front())));
-      readLibrary(builder);
+      readLibrary(words, builder);
     } else {
       readFiles(files, builder);
     }
     return builder.finish();
   }
 
+ private:
   void readFiles(const Words& files, BatchBuilder& builder) {
     for (const std::string& file : files) {
       std::error_code unknown;
@@ -109,7 +109,7 @@ class Sending {
   }
 
   // What `request` answers, with a trigger behind file dumps.
-  void readLibrary(BatchBuilder& builder) {
+  void readLibrary(const Words& words, BatchBuilder& builder) {
     const std::unique_ptr<EmbeddedEditor> editor = program_.openToRead();
     transcript_.listen(*editor);
     const EmbeddedEditor::Run oneState(*editor, Library::Transaction::Access::Read);
@@ -119,7 +119,7 @@ class Sending {
     const auto writeHeld = [&] {
       if (held) builder.add(triggerFor(*std::exchange(held, std::nullopt)));
     };
-    for (const BulkAddress address : parseAddresses(words_)) {
+    for (const BulkAddress address : parseAddresses(words)) {
       const Record record = editor->handle(editor->requestFor(address), BDA::DevicePort_Main, ++number);
       const std::string why = whyUnanswered(record);
       const bool isEmpty = why.empty() && readMessage(record.sent.back().bytes).removes;
@@ -292,7 +292,6 @@ class Sending {
   Program& program_;
   Console& console_;
   const Interruptible interruptible_;
-  const Words words_;
   TranscriptFile transcript_;
   std::size_t told_ = 0;
   std::map<SentUnit::State, std::uint64_t> counts_;
@@ -300,6 +299,15 @@ class Sending {
 
 }  // namespace
 
-void send(const Words& words, const SendOptions& options, Program& program) { Sending(words, options, program).run(); }
+void send(const Words& words, const SendOptions& options, Program& program) {
+  Sending sending("send", options, program);
+  sending.run(sending.read(joinAddresses(words)));
+}
+
+void send(const char* verb, const std::function<Batch(TranscriptFile&)>& read, const SendOptions& options,
+          Program& program) {
+  Sending sending(verb, options, program);
+  sending.run(read(sending.transcript()));
+}
 
 }  // namespace Editor

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <string>
@@ -9,10 +10,13 @@
 
 #include "Program.h"
 #include "arrange/Arrangement.h"
+#include "convert/Batch.h"
 #include "output/ChangeLines.h"
 #include "wire/Pace.h"
 
 namespace Editor {
+
+class TranscriptFile;
 
 // The verbs of the program, each with the words of its command line. What they refuse or find broken is told on the
 // console and makes the exit code; what ends them early is thrown as Failure. "-" is standard input or output.
@@ -103,6 +107,11 @@ struct SendOptions {
   bool json = false;
 };
 void send(const Words& words, const SendOptions& options, Program& program);
+// What else a verb has to send, the same way; `read` has it, and what it asks an editor for goes into the transcript.
+void send(const char* verb, const std::function<Batch(TranscriptFile&)>& read, const SendOptions& options,
+          Program& program);
+// What one of the assistant's jobs sends, by its name.
+void job(const std::string& name, const SendOptions& options, Program& program);
 
 // What an instrument at a port holds, into the library or a file.
 struct FetchOptions {

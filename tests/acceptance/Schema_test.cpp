@@ -229,6 +229,7 @@ const std::vector<std::vector<std::string>> kRuns{
     {"undo", "--json"},
     {"history", "--json"},
     {"send", "--json", "voice.syx", "--to", "pty:", "--pace", "none"},
+    {"job", "master", "--json", "--to", "pty:", "--pace", "none"},
     {"fetch", "--json", "master:1", "--from", "pty:", "--timeout", "0"},
 };
 

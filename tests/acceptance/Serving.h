@@ -21,6 +21,10 @@ class Serving {
   int stop() {
     if (pipe_ == nullptr) return -1;
     ::kill(child_, SIGINT);
+    return wait();
+  }
+  // Until it ends by itself. The code.
+  int wait() {
     std::string rest;
     for (std::string next = line(); !next.empty(); next = line()) rest += next + "\n";
     told = rest;

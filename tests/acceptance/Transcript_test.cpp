@@ -152,6 +152,14 @@ TEST_F(Transcript, ofSendHasWhatTheLibraryAnsweredWhenItWentOut) {
   EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
 }
 
+TEST_F(Transcript, ofAJobIsDoneAgainAsOne) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx"}), Exits(0));
+  EXPECT_THAT(bda({"settings", "receive-bulk", "off"}), Exits(0));
+  EXPECT_THAT(bda(transcribed({"job", "-q", "voice", "--to", "-"})), Exits(0));
+  EXPECT_EQ(linesWith("job", "voice").size(), 1U);
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+}
+
 TEST_F(Transcript, ofRecordHasWhatArrivedAndNothingToDoAgain) {
   const std::string bytes = read("all.syx");
   EXPECT_THAT(bda(transcribed({"record", "-q", "--from", "-", "-o", "recorded.syx"}), bytes), Exits(0));
