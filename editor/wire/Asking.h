@@ -57,6 +57,8 @@ class Asking final : private StreamJoiner::Receiver {
   // Begins. The last question is decided.
   void ask(BulkAddress address, WireTime now);
   void receive(std::span<const std::uint8_t> bytes, WireTime now);
+  // Bytes have arrived that are lost: they may have been of the answer.
+  void lose(std::uint64_t count, WireTime now);
   void pass(WireTime now);
   // When it wants to be asked next, beside the pacer; nothing: it does not wait for anything.
   std::optional<WireTime> due() const;
