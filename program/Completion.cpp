@@ -109,6 +109,7 @@ class Completing {
 
   void offerPorts() {
     tell("pty:", "a new pseudo terminal");
+    tell("virtual:", "a new MIDI port");
     offerFiles();
   }
 

@@ -63,6 +63,9 @@ struct ReceiveOptions {
 void receive(const Words& files, const ExchangeOptions& exchange, const ReceiveOptions& options, Program& program);
 void request(const Words& words, const ExchangeOptions& options, Program& program);
 
+// What can be sent to and received from.
+void ports(bool json, Program& program);
+
 // What arrives at a port, into a file.
 struct RecordOptions {
   std::string from;                    // a port

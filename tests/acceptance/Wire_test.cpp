@@ -2,16 +2,11 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
-
-#include <csignal>
-#include <cstdio>
-#include <memory>
-#include <thread>
 
 #include "Library.h"
 #include "Program.h"
+#include "Serving.h"
 
 using testing::AllOf;
 using testing::HasSubstr;
@@ -21,38 +16,6 @@ namespace {
 
 class Wire : public Program {
  protected:
-  // `bda instrument` on a library of its own, until it is stopped.
-  class Serving {
-   public:
-    explicit Serving(const std::string& command) : pipe_(::popen(("echo $$; exec " + command).c_str(), "r"), ::pclose) {
-      child_ = pid_t(std::stol(line()));
-      path = line();
-    }
-    ~Serving() { stop(); }
-    int stop() {
-      if (pipe_ == nullptr) return -1;
-      ::kill(child_, SIGINT);
-      std::string rest;
-      for (std::string next = line(); !next.empty(); next = line()) rest += next + "\n";
-      told = rest;
-      const int status = ::pclose(pipe_.release());
-      return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-    std::string path;
-    std::string told;  // once it is stopped: behind the path
-
-   private:
-    std::string line() {
-      std::string text;
-      for (int c = std::fgetc(pipe_.get()); c != EOF && c != '\n'; c = std::fgetc(pipe_.get())) text += char(c);
-      return text;
-    }
-
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe_;
-    pid_t child_ = 0;
-  };
-
   Serving serve(const std::string& options = "") {
     return Serving(std::string(BDA_PROGRAM) + " instrument --on pty: --pace none --library '" +
                    (directory / "instrument.db").string() + "' " + options + " 2>/dev/null");
