@@ -9,8 +9,8 @@
 
 namespace Editor {
 
-// What a driver hands over on a thread of its own, until the port's thread takes it. Whoever hands over never waits for
-// memory nor for whoever takes, and no message is torn.
+// What a driver hands over on a thread of its own, until the port's thread takes it. No message is torn. Whoever hands
+// over waits for no memory, and for whoever takes no longer than two vectors need to change places.
 class Inbox {
  public:
   // What has come since the last time.

@@ -23,6 +23,7 @@ std::string inLowerCase(std::string_view text) {
 
 std::string listOf(const std::vector<std::string>& names) {
   std::vector<std::string> shown;
+  shown.reserve(names.size());
   for (const std::string& name : names) shown.push_back(escape(name));
   return fmt::format("{}", fmt::join(shown, ", "));
 }
@@ -50,6 +51,7 @@ std::optional<std::size_t> findPort(std::string_view word, const std::vector<std
   if (meant.empty()) return std::nullopt;
   if (meant.size() == 1) return meant.front();
   std::vector<std::string> candidates;
+  candidates.reserve(meant.size());
   for (const std::size_t i : meant) candidates.push_back(names[i]);
   throw PortError(PortError::Kind::cannotOpen,
                   fmt::format("port {}: several may be meant: {}", escape(word), listOf(candidates)));

@@ -59,7 +59,7 @@ std::streamsize Quiet::Buffer::xsputn(const char* text, std::streamsize count) {
   return count;
 }
 
-MidiPort::MidiPort(const Ends& ends, int wake) : ends_(ends), wake_(wake), inbox_(kRoom), quiet_(&inbox_) {
+MidiPort::MidiPort(Ends ends, int wake) : ends_(std::move(ends)), wake_(wake), inbox_(kRoom), quiet_(&inbox_) {
   const auto isByJack = [](const std::optional<Source>& source) { return source && source->api == RtMidi::UNIX_JACK; };
   if (isByJack(ends_.in) || isByJack(ends_.out)) {
     jack_ = JackServer::connect(&inbox_);

@@ -77,7 +77,7 @@ class MidiPort final : public Port {
   };
 
   // `wake` as for a BytePort. Throws PortError (cannotOpen).
-  MidiPort(const Ends& ends, int wake);
+  MidiPort(Ends ends, int wake);
   ~MidiPort() override;
 
   const std::string& name() const override { return ends_.name; }

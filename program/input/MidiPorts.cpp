@@ -64,12 +64,17 @@ void list(RtMidi::Api api, const JackServer* jack, std::vector<Listed>& ports) {
       if (std::optional<Listed> port = listed(api, full, jack)) ports.push_back(*std::move(port));
 }
 
+std::vector<std::string> namesOf(const std::vector<Listed>& ports) {
+  std::vector<std::string> names;
+  names.reserve(ports.size());
+  for (const Listed& port : ports) names.push_back(port.name);
+  return names;
+}
+
 // Both lists name ports of the same name in the same order: what goes to the second comes from the second.
 void tellApart(std::vector<Listed>& ports) {
   std::ranges::stable_sort(ports, {}, &Listed::process);
-  std::vector<std::string> names;
-  for (const Listed& port : ports) names.push_back(port.name);
-  names = toldApart(std::move(names));
+  std::vector<std::string> names = toldApart(namesOf(ports));
   for (std::size_t i = 0; i < ports.size(); ++i) ports[i].name = std::move(names[i]);
 }
 
@@ -115,12 +120,6 @@ class Systems {
   bool isAnyThere_ = false;
 };
 
-std::vector<std::string> namesOf(const std::vector<Listed>& ports) {
-  std::vector<std::string> names;
-  for (const Listed& port : ports) names.push_back(port.name);
-  return names;
-}
-
 [[noreturn]] void refuse(const std::string& name, const std::string& why) {
   throw PortError(PortError::Kind::cannotOpen, fmt::format("port {}: {}", escape(name), why));
 }
@@ -151,7 +150,7 @@ std::unique_ptr<Port> openMidiPort(const std::string& name, BytePort::Direction 
     const MidiPort::Source own{systems.first(), name.substr(std::string_view(kVirtualPort).size())};
     if (own.name.empty()) refuse(name, "it needs a name: expected virtual:NAME");
     ends = {name, true, hears ? std::optional(own) : std::nullopt, speaks ? std::optional(own) : std::nullopt};
-    return std::make_unique<MidiPort>(ends, wake);
+    return std::make_unique<MidiPort>(std::move(ends), wake);
   }
   std::vector<std::string> names = namesOf(systems.sources);
   const std::vector<std::string> destinations = namesOf(systems.destinations);
@@ -168,7 +167,7 @@ std::unique_ptr<Port> openMidiPort(const std::string& name, BytePort::Direction 
   const std::string from = source ? systems.sources[*source].name : systems.destinations[*destination].name;
   const std::string to = destination ? systems.destinations[*destination].name : from;
   ends.name = from == to ? from : from + ", " + to;
-  return std::make_unique<MidiPort>(ends, wake);
+  return std::make_unique<MidiPort>(std::move(ends), wake);
 }
 
 }  // namespace Editor
