@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -22,6 +23,7 @@ class Jackd {
     ::setenv("JACK_DEFAULT_SERVER", ("bda-test-" + std::to_string(::getpid())).c_str(), 1);
     process_ = ::fork();
     if (process_ == 0) {
+      ::prctl(PR_SET_PDEATHSIG, SIGTERM);  // also where the test crashes
       const int nowhere = ::open("/dev/null", O_RDWR);
       for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) ::dup2(nowhere, descriptor);
       ::setenv("JACK_NO_AUDIO_RESERVATION", "1", 1);
