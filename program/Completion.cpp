@@ -64,7 +64,7 @@ class Completing {
     void (Completing::*offer)();
   };
   // How the verbs call their words and the values of their options.
-  static const std::array<Kind, 32> kKinds;
+  static const std::array<Kind, 33> kKinds;
 
   // What the tables call that word: several names are several possibilities, those that are none are words themselves.
   void offer(const std::string& placeholder) {
@@ -109,6 +109,7 @@ class Completing {
 
   void offerPorts() {
     tell("pty:", "a new pseudo terminal");
+    tell("virtual:", "a new MIDI port");
     offerFiles();
   }
 

@@ -179,8 +179,12 @@ CLI::Option* addPort(CLI::App& verb, const char* name, const char* description, 
   });
 }
 
-constexpr const char* kTo = "Where it goes: a MIDI device, a FIFO or two (IN,OUT), pty: (a new pseudo terminal), or -";
-constexpr const char* kFrom = "Where it comes from: a MIDI device, a FIFO, pty: (a new pseudo terminal), or -";
+constexpr const char* kTo =
+    "Where it goes: a MIDI port by its name or a part of it (see ports), a new one (virtual:NAME), a device, a FIFO or "
+    "two by their paths (IN,OUT), pty: (a new pseudo terminal), or -";
+constexpr const char* kFrom =
+    "Where it comes from: a MIDI port by its name or a part of it (see ports), a new one (virtual:NAME), a device or "
+    "FIFO by its path, pty: (a new pseudo terminal), or -";
 
 // Seconds and milliseconds, with decimals.
 CLI::Option* addTime(CLI::App& verb, const char* name, const char* description, double unit,
@@ -199,6 +203,12 @@ CLI::Option* addTime(CLI::App& verb, const char* name, const char* description, 
 }
 constexpr double kSecond = 1e6;
 constexpr double kMillisecond = 1e3;
+
+void addPorts(CLI::App& app, Given& given, Program& program) {
+  CLI::App& verb = addVerb(app, "ports");
+  verb.add_flag("--json", given.json, "One object a line");
+  verb.callback([&] { given.verb = [&] { ports(given.json, program); }; });
+}
 
 void addRecord(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "record");
@@ -299,7 +309,9 @@ void addJob(CLI::App& app, Given& given, Program& program) {
 void addInstrument(CLI::App& app, Given& given, Program& program) {
   CLI::App& verb = addVerb(app, "instrument");
   InstrumentOptions& options = given.instrument;
-  addPort(verb, "--on", "Where it answers: a MIDI device, a FIFO or two (IN,OUT), pty: (a new pseudo terminal), or -",
+  addPort(verb, "--on",
+          "Where it answers: a new MIDI port (virtual:NAME), another one by its name or a part of it (see ports), a "
+          "device or two FIFOs by their paths (IN,OUT), pty: (a new pseudo terminal), or -",
           options.on);
   verb.add_option(
           "--faults", options.faults,
@@ -527,7 +539,7 @@ constexpr std::array kVerbs{addList,       addVerify,  addConvert, addExplain,  
                             addReplay,     addShow,    addApply,   addSettings,  addContents, addFind,    addBackup,
                             addRestore,    addDiff,    addRename,  addFavourite, addRemove,   addCopy,    addMove,
                             addSwap,       addHistory, addUndo,    addCheck,     addScreen,   addRecord,  addFetch,
-                            addInstrument, addSend,    addJob,     addHelp};
+                            addInstrument, addSend,    addJob,     addPorts,     addHelp};
 
 }  // namespace
 

@@ -74,6 +74,13 @@ void StreamJoiner::finish() {
   reportRun();
 }
 
+void StreamJoiner::lose(std::uint64_t count) {
+  if (count == 0) return;
+  finish();
+  receiver_.dropped(position_, count, Reason::Overrun);
+  position_ += count;
+}
+
 // The usual case, kept tight: hands out the messages that follow one another from `at` on, each whole and undisturbed.
 // Returns where anything else begins.
 std::size_t StreamJoiner::deliverWhole(std::span<const std::uint8_t> chunk, std::size_t at) {
@@ -153,6 +160,8 @@ const char* describe(StreamJoiner::Reason reason) {
       return "message without end";
     case StreamJoiner::Reason::TooLong:
       return "message longer than any can be";
+    case StreamJoiner::Reason::Overrun:
+      return "came faster than it was taken";
   }
   return "?";
 }

@@ -26,6 +26,7 @@ class StreamJoiner {
     Abandoned,   // a message cut short by a status byte other than F7 and F8..FF
     Unfinished,  // a message that was still open when the stream ended
     TooLong,     // a message that is longer than any may be, whether it had an end or not
+    Overrun,     // arrived while nobody had room for it
   };
 
   // Offsets count from the first byte fed. Calls come in the order in which the stream decides them, so a real-time
@@ -59,6 +60,9 @@ class StreamJoiner {
 
   // The stream ends here: reports what is still held back. A stream fed afterwards starts anew, its offsets go on.
   void finish();
+
+  // So many bytes would come next, but nobody has them: what is held back is reported, and then they are.
+  void lose(std::uint64_t count);
 
   // Whether a message has begun that may still go on.
   bool isInMessage() const { return open_; }

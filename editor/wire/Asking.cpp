@@ -45,6 +45,11 @@ void Asking::receive(std::span<const std::uint8_t> bytes, WireTime now) {
   pass(now);
 }
 
+void Asking::lose(std::uint64_t count, WireTime now) {
+  byteAt_ = now;
+  joiner_.lose(count);
+}
+
 void Asking::message(std::span<const std::uint8_t> bytes, std::uint64_t /*offset*/) {
   if (filter_ && filter_(bytes)) return;
   const Reading reading = readMessage(bytes);

@@ -62,6 +62,8 @@ class Asking final : private StreamJoiner::Receiver {
   void ask(BulkAddress address, WireTime now);
   // Bytes that go no further than upToADecision().
   void receive(std::span<const std::uint8_t> bytes, WireTime now);
+  // Bytes have arrived that are lost: they may have been of the answer.
+  void lose(std::uint64_t count, WireTime now);
   void pass(WireTime now);
   // When it wants to be asked next, beside the pacer; nothing: it does not wait for anything.
   std::optional<WireTime> due() const;

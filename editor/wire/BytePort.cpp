@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <termios.h>
@@ -14,6 +13,7 @@
 #include <system_error>
 
 #include "messages/Text.h"
+#include "wire/Poll.h"
 
 namespace Editor {
 
@@ -135,10 +135,6 @@ void BytePort::openPseudoTerminal() {
 
 void BytePort::keep(int descriptor, bool isOwn) { opened_.push_back(std::make_unique<Opened>(descriptor, isOwn)); }
 
-WireTime BytePort::now() {
-  return std::chrono::duration_cast<WireTime>(std::chrono::steady_clock::now().time_since_epoch());
-}
-
 std::size_t BytePort::send(std::span<const std::uint8_t> bytes) {
   while (true) {
     const ssize_t count = ::write(out_, bytes.data(), bytes.size());
@@ -150,13 +146,7 @@ std::size_t BytePort::send(std::span<const std::uint8_t> bytes) {
 
 std::span<const std::uint8_t> BytePort::wait(std::optional<WireTime> until, bool wantsToSend) {
   std::array<pollfd, 3> watched{{{wake_, POLLIN, 0}, {in_, POLLIN, 0}, {wantsToSend ? out_ : -1, POLLOUT, 0}}};
-  timespec rest{};
-  if (until) {
-    const WireTime left = std::max(*until - now(), WireTime());
-    rest.tv_sec = std::chrono::duration_cast<std::chrono::seconds>(left).count();
-    rest.tv_nsec = std::chrono::nanoseconds(left % std::chrono::seconds(1)).count();
-  }
-  if (::ppoll(watched.data(), watched.size(), until ? &rest : nullptr, nullptr) < 0) {
+  if (pollUntil(watched, until) < 0) {
     if (errno != EINTR) fail("waiting for it", errno);
     return {};
   }
@@ -184,13 +174,7 @@ void BytePort::end() {
 
 // Standard input is a file whose beginning was meant.
 void BytePort::discard() {
-  constexpr WireTime kMoment = std::chrono::milliseconds(200);
-  constexpr WireTime kMost = std::chrono::seconds(2);
-  if (isStandard_ || isOwnTerminal_) return;
-  if (wait(now(), false).empty()) return;
-  const WireTime end = now() + kMost;
-  for (WireTime quiet = now() + kMoment; now() < std::min(quiet, end);)
-    if (!wait(std::min(quiet, end), false).empty()) quiet = now() + kMoment;
+  if (!isStandard_ && !isOwnTerminal_) discardUntilQuiet(*this);
 }
 
 void BytePort::drain() {

@@ -20,6 +20,11 @@ void Instrument::receive(std::span<const std::uint8_t> bytes, WireTime now) {
   joiner_.feed(bytes);
 }
 
+void Instrument::lost(std::uint64_t count, WireTime now) {
+  now_ = now;
+  joiner_.lose(count);
+}
+
 // What nobody takes is lost, as on a cable that leads nowhere.
 void Instrument::pass(WireTime now) {
   constexpr WireTime kPatience = std::chrono::seconds(2);
@@ -58,9 +63,14 @@ void Instrument::handle(std::span<const std::uint8_t> message, std::uint64_t off
   std::vector<Pacer::Message> answer;
   for (const AssistantHost::Sent& sent : record.sent)
     if (options_.echoes || !std::ranges::equal(sent.bytes, message)) answer.push_back({sent.bytes});
-  if (!faults_.isDeaf())
-    for (Pacer::Message& one : faults_.send(std::move(answer))) pacer_.push(std::move(one), now_);
+  std::vector<Pacer::Message> leaving;
+  if (!faults_.isDeaf()) leaving = faults_.send(std::move(answer));
   observer_.handled(number_, offset, message, record);
+  for (Pacer::Message& one : leaving)
+    if (one.bytes.size() > options_.longestMessage)
+      observer_.tooLong(number_, one.bytes.size());
+    else
+      pacer_.push(std::move(one), now_);
 }
 
 }  // namespace Editor

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <span>
 
@@ -23,6 +24,8 @@ class Instrument final : public WireEnd, private StreamJoiner::Receiver {
     virtual void handled(std::uint64_t number, std::uint64_t offset, std::span<const std::uint8_t> message,
                          const Record& record) = 0;
     virtual void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) = 0;
+    // A message of its answer has so many bytes that the port cannot carry it: it does not go out.
+    virtual void tooLong(std::uint64_t number, std::size_t length) = 0;
 
    protected:
     ~Observer() = default;
@@ -32,7 +35,8 @@ class Instrument final : public WireEnd, private StreamJoiner::Receiver {
     BDA::DevicePortNum port = BDA::DevicePort_Main;  // on which messages arrive
     bool echoes = false;                             // what it echoes goes out as well
     std::vector<Fault> faults = {};
-    std::uint64_t seed = 0;  // of the faults
+    std::uint64_t seed = 0;                                                // of the faults
+    std::size_t longestMessage = std::numeric_limits<std::size_t>::max();  // that the port carries
   };
 
   // Editor and observer outlive this object.
@@ -46,6 +50,7 @@ class Instrument final : public WireEnd, private StreamJoiner::Receiver {
 
   // Throws LibraryError when the library fails: the message has changed nothing.
   void receive(std::span<const std::uint8_t> bytes, WireTime now) override;
+  void lost(std::uint64_t count, WireTime now) override;
   void pass(WireTime now) override;
   std::optional<WireTime> due() const override { return pacer_.due(); }
   std::span<const std::uint8_t> toSend(WireTime now) override { return pacer_.take(now); }

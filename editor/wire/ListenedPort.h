@@ -33,7 +33,11 @@ class ListenedPort final : public Port {
   Pace defaultPace() const override { return port_->defaultPace(); }
   std::size_t longestMessage() const override { return port_->longestMessage(); }
   WireTime now() override { return port_->now(); }
-  void discard() override { port_->discard(); }
+  std::uint64_t dropped() const override { return port_->dropped(); }
+  void discard() override {
+    port_->discard();
+    dropped_ = 0;
+  }
   void drain() override { port_->drain(); }
 
   std::size_t send(std::span<const std::uint8_t> bytes) override {
@@ -44,6 +48,8 @@ class ListenedPort final : public Port {
   std::span<const std::uint8_t> wait(std::optional<WireTime> until, bool wantsToSend) override {
     const std::span<const std::uint8_t> bytes = port_->wait(until, wantsToSend);
     arrived_.joiner.feed(bytes);
+    if (const std::uint64_t count = port_->dropped() - std::exchange(dropped_, port_->dropped()); count > 0)
+      arrived_.joiner.lose(count);
     return bytes;
   }
 
@@ -61,6 +67,7 @@ class ListenedPort final : public Port {
   };
 
   const std::unique_ptr<Port> port_;
+  std::uint64_t dropped_ = 0;
   Direction arrived_;
   Direction left_;
 };

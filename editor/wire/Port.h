@@ -54,10 +54,16 @@ class Port {
   // Waits until bytes have come, until `until` if there is one, until something can be sent if that is wanted, or until
   // somebody has woken it. The bytes, if there are any: valid until the next call.
   virtual std::span<const std::uint8_t> wait(std::optional<WireTime> until, bool wantsToSend) = 0;
+  // How many bytes have arrived for which there was no room, all of them behind what the last wait() gave and before
+  // what the next one gives. Counts up; discard() makes it 0.
+  virtual std::uint64_t dropped() const { return 0; }
   // Throws away what has arrived before anybody asked for it, until nothing comes for a moment.
   virtual void discard() {}
   // Waits until all that was taken has left the machine, as far as that can be known.
   virtual void drain() {}
 };
+
+// Takes what arrives until nothing has for a moment, where anything has at all.
+void discardUntilQuiet(Port& port);
 
 }  // namespace Editor

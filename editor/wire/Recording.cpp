@@ -12,6 +12,11 @@ void Recording::receive(std::span<const std::uint8_t> bytes, WireTime now) {
     pass(now);
 }
 
+void Recording::lost(std::uint64_t count, WireTime now) {
+  joiner_.lose(count);
+  quietSince_ = now;
+}
+
 void Recording::pass(WireTime now) {
   if (!quietSince_) {
     quietSince_ = now;

@@ -14,6 +14,7 @@ class Recording final : public WireEnd {
       : joiner_(receiver, kLongestMessage), quietAfter_(quietAfter) {}
 
   void receive(std::span<const std::uint8_t> bytes, WireTime now) override;
+  void lost(std::uint64_t count, WireTime now) override;
   void pass(WireTime now) override;
   std::optional<WireTime> due() const override;
   bool isDone() const override { return isDone_; }

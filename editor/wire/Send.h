@@ -53,6 +53,7 @@ class Send final : public WireEnd {
   Send(std::vector<Unit> units, const Options& options, Pacer pacer, Receiver receiver);
 
   void receive(std::span<const std::uint8_t> bytes, WireTime now) override;
+  void lost(std::uint64_t count, WireTime now) override { asking_.lose(count, now); }
   void pass(WireTime now) override;
   std::optional<WireTime> due() const override;
   std::span<const std::uint8_t> toSend(WireTime now) override { return pacer_.take(now); }

@@ -38,11 +38,14 @@ class Turn {
 
 void run(WireEnd& end, Port& port, const std::function<bool()>& isStopped) {
   Turn turn(end, port);
+  std::uint64_t dropped = 0;
   end.pass(port.now());
   while (!end.isDone() && !isStopped()) {
     const std::span<const std::uint8_t> arrived = turn();
     const WireTime now = port.now();
     arrived.empty() ? end.pass(now) : end.receive(arrived, now);
+    if (const std::uint64_t count = port.dropped() - dropped; count > 0) end.lost(count, now);
+    dropped = port.dropped();
   }
   if (end.isDone()) port.drain();
 }

@@ -21,6 +21,8 @@ class WireEnd {
 
   // Bytes have arrived, cut anywhere.
   virtual void receive(std::span<const std::uint8_t> bytes, WireTime now) = 0;
+  // So many bytes would have arrived next, but are lost: the port had no room for them.
+  virtual void lost(std::uint64_t /*count*/, WireTime /*now*/) {}
   // It is due() or later, or nothing in particular.
   virtual void pass(WireTime now) = 0;
   // When to be asked next, whatever arrives until then; nothing: only when something arrives.

@@ -8,4 +8,9 @@ namespace Editor {
 // the port's business; everything else is told what time it is.
 using WireTime = std::chrono::microseconds;
 
+// The time of the machine, which never goes back.
+inline WireTime machineTime() {
+  return std::chrono::duration_cast<WireTime>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
 }  // namespace Editor

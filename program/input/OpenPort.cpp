@@ -3,17 +3,16 @@
 #include <fmt/format.h>
 
 #include "ExitCode.h"
-#include "messages/Text.h"
+#include "input/MidiPorts.h"
+#include "midi/Counted.h"
+#include "midi/StreamJoiner.h"
 #include "output/Progress.h"
 
 namespace Editor {
 
 std::unique_ptr<Port> openPort(const std::string& name, BytePort::Direction direction) {
-  if (!BytePort::isName(name))
-    throw Failure(
-        kUnusableInput,
-        fmt::format("port {}: there is none of that name: expected a path with a slash, pty: or -", escape(name)));
   try {
+    if (!BytePort::isName(name)) return openMidiPort(name, direction, Interruptible::descriptor());
     return std::make_unique<BytePort>(name, direction, Interruptible::descriptor());
   } catch (const PortError& error) {
     throw Failure(kUnusableInput, error.what());
@@ -23,6 +22,11 @@ std::unique_ptr<Port> openPort(const std::string& name, BytePort::Direction dire
 bool runAt(Port& port, WireEnd& end) {
   run(end, port, Interruptible::isAsked);
   return end.isDone();
+}
+
+void tellDropped(const Port& port, Console& console) {
+  if (const std::uint64_t count = port.dropped(); count > 0)
+    console.problem(fmt::format("{} dropped: {}", counted(count, "byte"), describe(StreamJoiner::Reason::Overrun)));
 }
 
 }  // namespace Editor

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "output/Console.h"
 #include "wire/BytePort.h"
 #include "wire/WireEnd.h"
 
@@ -15,5 +16,8 @@ std::unique_ptr<Port> openPort(const std::string& name, BytePort::Direction dire
 // Lets the end go on at the port until it is done, true, or until Ctrl-C has come, false. Throws PortError, and what
 // the end throws.
 bool runAt(Port& port, WireEnd& end);
+
+// Says what has arrived for which there was no room: for who is not told of it piece by piece.
+void tellDropped(const Port& port, Console& console);
 
 }  // namespace Editor

@@ -103,6 +103,7 @@ class Fetching {
       failure = Failure(kWrongUsage, escape(error.what()));
     }
     progress.end();
+    tellDropped(*port, console_);
     try {
       if (options_.atomic) settleTogether(!failure);
     } catch (const LibraryError& error) {

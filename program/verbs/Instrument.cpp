@@ -39,6 +39,7 @@ class Serving final : public Instrument::Observer {
     const std::unique_ptr<Port> port = openPort(options_.on, BytePort::Direction::both);
     const auto number = BDA::DevicePortNum(options_.port);
     port_ = port->name();
+    longest_ = port->longestMessage();
     transcript_.emplace(Transcript::Options{.verb = "instrument", .port = options_.on, .echoes = options_.echoes},
                         program_);
     editor_ = program_.openToChange({"instrument", {port_}});
@@ -50,7 +51,11 @@ class Serving final : public Instrument::Observer {
     Progress progress(console_, "instrument", "message", 0);
     progress_ = &progress;
     Instrument instrument(*editor_,
-                          {.port = number, .echoes = options_.echoes, .faults = faults_, .seed = options_.seed},
+                          {.port = number,
+                           .echoes = options_.echoes,
+                           .faults = faults_,
+                           .seed = options_.seed,
+                           .longestMessage = longest_},
                           Pacer(options_.pace.value_or(port->defaultPace()), options_.pauses, port->takes()), *this);
     std::optional<Failure> failure;
     try {
@@ -88,6 +93,12 @@ class Serving final : public Instrument::Observer {
   void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
     report_->lose({port_, offset, count, describe(reason), kindOf(reason)});
   }
+  void tooLong(std::uint64_t number, std::size_t length) override {
+    program_.refuse();
+    console_.problem(
+        fmt::format("message {}: of its answer {} bytes are not sent: the port carries no message of more than {}",
+                    number, length, longest_));
+  }
 
   const InstrumentOptions& options_;
   Program& program_;
@@ -96,6 +107,7 @@ class Serving final : public Instrument::Observer {
   const std::vector<Fault> faults_;
   std::string port_;
   std::optional<TranscriptFile> transcript_;
+  std::size_t longest_ = 0;  // of the messages that it carries
   std::unique_ptr<EmbeddedEditor> editor_;
   std::optional<MessageReport> report_;
   Progress* progress_ = nullptr;

@@ -220,6 +220,7 @@ class Sending {
       failure = Failure(kWrongUsage, gone.what());
     }
     progress.end();
+    tellDropped(*port, console_);
     std::string words;
     for (const auto& [state, count] : counts_)
       words += fmt::format("{}{} {}", words.empty() ? "" : ", ", count, wordOf(state));

@@ -71,6 +71,9 @@ void request(const Words& words, const ExchangeOptions& options, Program& progra
 // the transcript.
 void replay(const std::string& transcript, const std::string& library, Program& program);
 
+// What can be sent to and received from.
+void ports(bool json, Program& program);
+
 // What arrives at a port, into a file.
 struct RecordOptions {
   std::string from;                    // a port

@@ -70,7 +70,11 @@ Program::Program() {
 Program::~Program() { std::filesystem::remove_all(directory); }
 
 Result Program::bda(const std::vector<std::string>& arguments, const std::string& input) {
-  return run(arguments, directory, {"BDA_LIBRARY=" + libraryFile().string()}, input);
+  std::vector<std::string> environment{"BDA_LIBRARY=" + libraryFile().string()};
+  // Of a JACK server that the test has started.
+  if (const char* const server = std::getenv("JACK_DEFAULT_SERVER"))
+    environment.push_back(std::string("JACK_DEFAULT_SERVER=") + server);
+  return run(arguments, directory, environment, input);
 }
 
 Result Program::bdaWithout(const std::string& variable, const std::vector<std::string>& arguments) {

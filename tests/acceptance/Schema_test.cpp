@@ -9,8 +9,10 @@
 #include <valijson/schema_parser.hpp>
 #include <valijson/validator.hpp>
 
+#include "Jackd.h"
 #include "Library.h"
 #include "Program.h"
+#include "Serving.h"
 #include "editor/contents/TemporaryLibrary.h"
 
 using Value = nlohmann::json;
@@ -247,6 +249,13 @@ TEST_F(Schema, everyVerbThatHasJsonPrintsWhatTheSchemaSays) {
       bda(run);
 
   for (const char* const verb : {"record", "instrument"}) isExact(verb, heard(verb));
+#ifdef BDA_MIDI_PORTS
+  const Jackd server;
+  Serving recording("'" BDA_PROGRAM "' record --from virtual:Desk -o '" + (directory / "a.syx").string() + "' 2>&1");
+  exactly({"ports", "--json"});
+#else
+  ran_.insert("ports");  // there is none for certain
+#endif
 
   const Value definitions = schemaText().at("definitions");
   for (const std::string& line : lines(bda({"__complete", ""}).out)) {

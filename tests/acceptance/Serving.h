@@ -1,29 +1,28 @@
 #pragma once
 
-// A program that goes on beside the test, and says first where.
-
+#include <sys/types.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
 #include <memory>
 #include <string>
 
-// Until it is stopped, as by Ctrl-C.
+// A command of the shell that runs beside the test until it is stopped, as by Ctrl-C, or ends by itself.
 class Serving {
  public:
+  // Once it has said its first line.
   explicit Serving(const std::string& command) : pipe_(::popen(("echo $$; exec " + command).c_str(), "r"), ::pclose) {
     child_ = pid_t(std::stol(line()));
     path = line();
   }
   ~Serving() { stop(); }
+  // How it ended; -1: not by itself.
   int stop() {
     if (pipe_ == nullptr) return -1;
     ::kill(child_, SIGINT);
     return wait();
   }
-  // Until it ends by itself. The code.
   int wait() {
     std::string rest;
     for (std::string next = line(); !next.empty(); next = line()) rest += next + "\n";
@@ -32,8 +31,8 @@ class Serving {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
-  std::string path;
-  std::string told;  // once it is stopped: behind the path
+  std::string path;  // that line
+  std::string told;  // once it has ended: behind it
 
  private:
   std::string line() {

@@ -13,10 +13,10 @@ namespace {
 class Usage : public Program {
  protected:
   static std::vector<std::string> verbs() {
-    return {"list",     "verify", "convert", "explain", "salvage", "receive",    "request", "screen",
-            "contents", "find",   "show",    "apply",   "rename",  "favourite",  "remove",  "copy",
-            "move",     "swap",   "history", "undo",    "check",   "settings",   "backup",  "restore",
-            "diff",     "help",   "fetch",   "record",  "send",    "instrument", "job"};
+    return {"list",    "verify", "convert",    "explain",  "salvage",   "receive", "request", "screen", "contents",
+            "find",    "show",   "apply",      "rename",   "favourite", "remove",  "copy",    "move",   "swap",
+            "history", "undo",   "check",      "settings", "backup",    "restore", "diff",    "help",   "fetch",
+            "record",  "send",   "instrument", "job",      "ports",     "replay"};
   }
 };
 

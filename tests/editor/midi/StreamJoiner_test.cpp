@@ -138,6 +138,17 @@ TEST(StreamJoiner, ReportsTheMessageThatIsOpenAtTheEnd) {
   EXPECT_EQ(join(""), Events{});
 }
 
+TEST(StreamJoiner, ReportsWhatIsLostBehindWhatItHolds) {
+  Recorder recorder;
+  StreamJoiner joiner(recorder);
+  joiner.feed(bytes("01 F0 02"));
+  joiner.lose(0);
+  joiner.lose(10);
+  joiner.feed(bytes("F0 F7"));
+  EXPECT_EQ(recorder.events, (Events{dropped(0, 1, Reason::Stray), dropped(1, 2, Reason::Unfinished),
+                                     dropped(3, 10, Reason::Overrun), delivered(13, "F0 F7")}));
+}
+
 TEST(StreamJoiner, StartsAnewAfterTheEnd) {
   Recorder recorder;
   StreamJoiner joiner(recorder);

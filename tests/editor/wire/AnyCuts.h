@@ -132,6 +132,7 @@ inline Log served(const Stream& stream, Cuts cuts) {
     void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
       log.push_back(std::to_string(count) + " at " + std::to_string(offset) + " " + describe(reason));
     }
+    void tooLong(std::uint64_t /*number*/, std::size_t /*length*/) override {}
     Log log;
   } observer;
   EmbeddedEditor editor;

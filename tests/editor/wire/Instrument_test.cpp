@@ -22,6 +22,9 @@ struct Told final : Instrument::Observer {
   void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
     text += std::to_string(count) + " at " + std::to_string(offset) + ": " + describe(reason) + "\n";
   }
+  void tooLong(std::uint64_t number, std::size_t length) override {
+    text += std::to_string(number) + ": too long, " + std::to_string(length) + "\n";
+  }
   std::string text;
 };
 
@@ -78,6 +81,29 @@ TEST_F(InstrumentTest, StoresNothingThatIsFull) {
   instrument.receive(joined(unitOf(kMaster, BDA::List::master)), 0s);
   instrument.receive(joined(unitOf({0x0E, 0x70, 0x04}, BDA::List::master)), 0s);
   EXPECT_EQ(editor.library().contents().size(), 1u);
+}
+
+TEST_F(InstrumentTest, TellsWhatThePortCannotCarryAndSendsTheRest) {
+  const std::vector<Bytes> unit = unitOf(kMaster, BDA::List::master);
+  receive(editor, unit);
+  std::size_t longest = 0;
+  Bytes rest;
+  for (const Bytes& message : unit) longest = std::max(longest, message.size());
+  for (const Bytes& message : unit)
+    if (message.size() < longest) rest.insert(rest.end(), message.begin(), message.end());
+  Instrument instrument(editor, {.longestMessage = longest - 1}, Pacer(kNoPace, {}, Pacer::Takes::messages), told);
+  instrument.receive(request(kMaster), 0s);
+  EXPECT_EQ(told.text.find("1 at 0: answered\n1: too long, " + std::to_string(longest) + "\n"), 0u) << told.text;
+  EXPECT_EQ(sentBy(instrument, 0s), rest);
+}
+
+TEST_F(InstrumentTest, BytesThatAreLostEndTheMessageThatHasBegun) {
+  Instrument instrument(editor, {}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
+  instrument.receive(Bytes{0xF0, 0x01}, 0s);
+  instrument.lost(5, 0s);
+  instrument.receive(request(kMaster), 0s);
+  EXPECT_EQ(told.text.find("2 at 0: message without end\n5 at 2: came faster than it was taken\n1 at 7: "), 0u)
+      << told.text;
 }
 
 TEST_F(InstrumentTest, ForgetsWhatNobodyTakes) {

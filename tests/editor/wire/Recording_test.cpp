@@ -122,5 +122,38 @@ TEST(LoopPort, SaysSoWhereBothWaitForEver) {
   EXPECT_THROW(run(recording, port, never), PortError);
 }
 
+// Has no room for what comes behind the first message.
+class FullPort final : public Port {
+ public:
+  const std::string& name() const override { return name_; }
+  Pacer::Takes takes() const override { return Pacer::Takes::messages; }
+  Pace defaultPace() const override { return kNoPace; }
+  WireTime now() override { return now_; }
+  std::size_t send(std::span<const std::uint8_t> bytes) override { return bytes.size(); }
+  std::span<const std::uint8_t> wait(std::optional<WireTime> until, bool /*wantsToSend*/) override {
+    if (dropped_ == 0) {
+      dropped_ = 7;
+      return message_;
+    }
+    now_ = until.value_or(now_);
+    return {};
+  }
+  std::uint64_t dropped() const override { return dropped_; }
+
+ private:
+  const std::string name_ = "full";
+  const Bytes message_{0xF0, 0x01, 0xF7};
+  WireTime now_{};
+  std::uint64_t dropped_ = 0;
+};
+
+TEST(Recording, TellsOnceWhatThePortHadNoRoomFor) {
+  FullPort port;
+  Heard heard;
+  Recording recording(heard, 2s);
+  run(recording, port, never);
+  EXPECT_EQ(heard.text, "F0 01 F7\n7 came faster than it was taken\n");
+}
+
 }  // namespace
 }  // namespace Editor

@@ -18,6 +18,7 @@ struct NobodyIsTold final : Instrument::Observer {
   void handled(std::uint64_t /*number*/, std::uint64_t /*offset*/, std::span<const std::uint8_t> /*message*/,
                const Record& /*record*/) override {}
   void dropped(std::uint64_t /*offset*/, std::uint64_t /*count*/, StreamJoiner::Reason /*reason*/) override {}
+  void tooLong(std::uint64_t /*number*/, std::size_t /*length*/) override {}
 };
 
 // The unit that a header begins, every data byte `value`.
