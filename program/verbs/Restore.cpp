@@ -198,7 +198,8 @@ class Restoring {
   void tell(const Difference& change, const std::string& sounds, const char* overDamage) {
     switch (change.kind) {
       case Difference::Kind::onlyInFirst:
-        return console_.line(fmt::format("would remove: {}{}{}", change.target, sounds, overDamage));
+        return console_.line(
+            fmt::format("would remove: {}{}{}{}", change.target, sounds, emptyPlaceOf(change), overDamage));
       case Difference::Kind::onlyInSecond:
         return console_.line(fmt::format("would store: {} {}{}", change.target, contentOf(change), overDamage));
       case Difference::Kind::renamed:
