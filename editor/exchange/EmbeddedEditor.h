@@ -52,6 +52,9 @@ class EmbeddedEditor {
   // Whether the instrument listens to such a dump, as it is set now. Throws LibraryError.
   bool hears(const Reading& reading) { return handover_.hears(reading); }
 
+  // Whether the device number that is set is off, inside of a Run too, where another counts.
+  bool isDeviceOff() const;
+
   // The units that are still open, and the file dumps that are still held.
   std::vector<UnitReport> openUnits() const { return units_.open(); }
 
@@ -102,6 +105,7 @@ class EmbeddedEditor {
   AssistantHost host_;
   Handover handover_;
   UnitTracker units_;
+  bool countsOffAsOn_ = false;  // a Run has replaced a device number that is off
 };
 
 }  // namespace Editor

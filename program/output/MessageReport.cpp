@@ -68,7 +68,7 @@ void MessageReport::finish(bool isHandled) {
   refusals_.finish();
   losses_.finish();
   if (!losses_.areAllWhole()) program_.refuse();
-  otherDevices_.tell(console_);
+  otherDevices_.tell(console_, options_.wayOut);
 }
 
 void MessageReport::tellOutcome(const InputMessage& message, const Record& record) {

@@ -120,7 +120,7 @@ class Restoring {
       const Reading reading = readMessage(message.bytes);
       if (reading.kind == Reading::Kind::dump && !editor.hears(reading)) others.add(*reading.device);
     });
-    others.tell(console_);
+    others.tell(console_, editor.isDeviceOff() ? OtherDevices::WayOut::option : OtherDevices::WayOut::optionOrSetting);
   }
 
   static Record handle(EmbeddedEditor& editor, const Reading& reading, const InputMessage& message,
