@@ -27,6 +27,11 @@ std::vector<BulkAddress> missingIn(const std::vector<UnitReport>& ended) {
 
 }  // namespace
 
+bool isSilentlyBroken(const Record& record) {
+  if (record.outcome == Outcome::notOurs) return isBroken(record.reading);
+  return record.outcome != Outcome::refused && record.reading.verdict == Reading::Verdict::fileDumpBroken;
+}
+
 EmbeddedEditor::EmbeddedEditor(const std::filesystem::path& libraryFile, const Library::Options& options)
     : library_(libraryFile, options),
       store_(library_),

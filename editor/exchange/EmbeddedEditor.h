@@ -23,6 +23,10 @@ struct Record : Handed, Touched {
   std::vector<UnitReport> ended;     // units that ended with this message; the trace tells only `missing`
 };
 
+// Whether the message is broken, and the assistant says nothing of that: it takes file dumps without a look into them,
+// and what is too short for any message for somebody else's.
+bool isSilentlyBroken(const Record& record);
+
 // An editor on a library file: everything that a message changes is one transaction, committed before its outcome is
 // told. Other programs may change the same library at the same time. One thread uses it.
 class EmbeddedEditor {

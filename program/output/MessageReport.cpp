@@ -57,8 +57,10 @@ void MessageReport::tell(const InputMessage& message, const Record& record, cons
   for (const UnitReport& unit : record.ended)
     if (isBroken(unit) || !unit.note.empty()) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
   for (const std::string& line : linesOf(record.log, record.reading)) console_.detail("    log: " + line);
-  if (record.outcome != Outcome::refused && record.reading.verdict == Reading::Verdict::fileDumpBroken)
-    complain(fmt::format("{}: {}", placeOf(message), describeFault(record.reading)));
+  if (!isSilentlyBroken(record)) return;
+  program_.refuse();
+  refusals_.tell(wordOf(record.reading.verdict),
+                 fmt::format("{}: {}", placeOf(message), describeFault(record.reading)));
 }
 
 void MessageReport::finish(bool isHandled) {
