@@ -30,7 +30,7 @@ class Restoring {
         options_(options),
         program_(program),
         console_(program.console),
-        input_(file, &console_),
+        input_(file, console_),
         messages_(input_.countMessages()) {}
 
   void run() {
