@@ -143,11 +143,10 @@ class Comparing {
     std::optional<Held> left = heldAt(first_.library(), id);
     std::optional<Held> right = heldAt(second_.library(), id);
     if (left && right) return inBoth(id, std::move(*left), std::move(*right), leftFlag, rightFlag);
-    if (left) onlyIn(Kind::onlyInFirst, comparison.onlyInFirst, id, std::move(left->name), leftFlag);
-    if (right) onlyIn(Kind::onlyInSecond, comparison.onlyInSecond, id, std::move(right->name), rightFlag);
-    // The flag belongs to the place. That of a content goes with it; one of an empty place stands alone.
-    const bool isWithContent = (left && rightFlag == 0) || (right && leftFlag == 0);
-    if (differ(leftFlag, rightFlag) && !isWithContent) other(Editor::nameOf(id), {favourites(leftFlag, rightFlag)});
+    if (left) return onlyIn(Kind::onlyInFirst, comparison.onlyInFirst, id, std::move(left->name), leftFlag, rightFlag);
+    if (right)
+      return onlyIn(Kind::onlyInSecond, comparison.onlyInSecond, id, std::move(right->name), rightFlag, leftFlag);
+    if (differ(leftFlag, rightFlag)) other(Editor::nameOf(id), {favourites(leftFlag, rightFlag)});
   }
 
   void inBoth(ContentId id, Held left, Held right, Flag leftFlag, Flag rightFlag) {
@@ -166,7 +165,7 @@ class Comparing {
     visit_(difference);
   }
 
-  void onlyIn(Kind side, std::uint64_t& count, ContentId id, std::string name, Flag flag) {
+  void onlyIn(Kind side, std::uint64_t& count, ContentId id, std::string name, Flag flag, Flag emptyFlag) {
     ++count;
     Difference difference;
     difference.target = Editor::nameOf(id);
@@ -174,6 +173,7 @@ class Comparing {
     difference.isContent = true;
     difference.name = std::move(name);
     difference.favourite = flag;
+    if (differ(flag, emptyFlag)) difference.emptyFavourite = emptyFlag;
     visit_(difference);
   }
 

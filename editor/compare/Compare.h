@@ -20,9 +20,11 @@ struct Difference {
 
   std::string target;  // readable: a content, an edit buffer, "system", "additional", "settings"
   Kind kind = Kind::different;
-  bool isContent = false;       // false too for the favourite flag of a place where one of them holds nothing
+  bool isContent = false;       // false too for the favourite flag of a place where both hold nothing
   std::string name;             // of a content that only one has
   Library::Flag favourite = 0;  // of a content that only one has
+  // Of the place that is empty then, where that is another one; 0 too where it is the same.
+  Library::Flag emptyFavourite = 0;
   // The name of a content that both have: in the library's list ("name") and inside its models ("voice.name"); one
   // entry, the models', where both say the same.
   std::vector<ParameterDifference> names;

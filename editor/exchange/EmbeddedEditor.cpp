@@ -15,6 +15,10 @@ void setUtility(EditorJobTools& tools, std::uint16_t parameter, std::uint8_t val
   tools.getSystemModel()->getUtility()->set(&value, parameter, 0);
 }
 
+bool isOff(const ModelSet& system) {
+  return system.system->utility.values()[SystemModel::kDeviceNumber] == unsigned(CMA::DeviceNumber_Off);
+}
+
 // The blocks that the unit which this message closed has not got.
 std::vector<BulkAddress> missingIn(const std::vector<UnitReport>& ended) {
   for (const UnitReport& unit : ended)
@@ -23,6 +27,11 @@ std::vector<BulkAddress> missingIn(const std::vector<UnitReport>& ended) {
 }
 
 }  // namespace
+
+bool isSilentlyBroken(const Record& record) {
+  if (record.outcome == Outcome::notOurs) return isBroken(record.reading);
+  return record.outcome != Outcome::refused && record.reading.verdict == Reading::Verdict::fileDumpBroken;
+}
 
 EmbeddedEditor::EmbeddedEditor(const std::filesystem::path& libraryFile, const Library::Options& options)
     : library_(libraryFile, options),
@@ -73,7 +82,7 @@ Record EmbeddedEditor::recordOf(const Reading& reading, Handed handed, std::uint
   static_cast<Touched&>(record) = touchedBy(reading, record);
   record.outcome = outcomeOf(reading, record, record);
   if (record.outcome == Outcome::refused) {
-    Reason reason = reasonOf(reading, record, units_, library_, tools());
+    Reason reason = reasonOf(reading, record, units_, library_, tools(), isDeviceOff());
     record.reason = std::move(reason.words);
     record.reasonInCommon = std::move(reason.inCommon);
   }
@@ -81,6 +90,8 @@ Record EmbeddedEditor::recordOf(const Reading& reading, Handed handed, std::uint
   record.missing = missingIn(record.ended);
   return record;
 }
+
+bool EmbeddedEditor::isDeviceOff() const { return countsOffAsOn_ || isOff(tools().liveSystem()); }
 
 EmbeddedEditor::Run::Run(EmbeddedEditor& editor, Library::Transaction::Access access, Devices devices)
     : editor_(editor), transaction_(std::in_place, editor.library_, access) {
@@ -90,11 +101,11 @@ EmbeddedEditor::Run::Run(EmbeddedEditor& editor, Library::Transaction::Access ac
   system_ = tools.liveSystem();
   if (access == Library::Transaction::Access::Write) heldSystem_ = editor.library_.held(liveAt(tools.systemKey()));
   isSystemNew_ = !heldSystem_ || !tools.systemDamage().empty();
-  const unsigned device = system_.system->utility.values()[SystemModel::kDeviceNumber];
+  const bool isDeviceOff = isOff(system_);
   setUtility(tools, SystemModel::kReceiveBulk, 1);
   if (devices == Devices::any)
     setUtility(tools, SystemModel::kDeviceNumber, CMA::DeviceNumber_All);
-  else if (device == unsigned(CMA::DeviceNumber_Off))
+  else if (isDeviceOff)
     setUtility(tools, SystemModel::kDeviceNumber, 0);
   if (access == Library::Transaction::Access::Write) {
     // What the messages bring may replace damaged system settings.
@@ -102,12 +113,14 @@ EmbeddedEditor::Run::Run(EmbeddedEditor& editor, Library::Transaction::Access ac
       throw LibraryError(LibraryError::Kind::Failed, tools.lastError());
     saveLive(tools);
   }
+  editor.countsOffAsOn_ = isDeviceOff;
   editor.handover_.beginRun();
   if (editor.listener_ != nullptr) editor.listener_->runBegins();
 }
 
 EmbeddedEditor::Run::~Run() {
   transaction_.reset();
+  editor_.countsOffAsOn_ = false;
   editor_.handover_.endRun();
   if (editor_.listener_ != nullptr) editor_.listener_->runEnds(isCommitted_);
 }

@@ -23,6 +23,10 @@ struct Record : Handed, Touched {
   std::vector<UnitReport> ended;     // units that ended with this message; the trace tells only `missing`
 };
 
+// Whether the message is broken, and the assistant says nothing of that: it takes file dumps without a look into them,
+// and what is too short for any message for somebody else's.
+bool isSilentlyBroken(const Record& record);
+
 // Hears what an editor is handed and what comes of it, in order. It uses no editor, and throws nothing but what the
 // library does.
 class EditorListener {
@@ -81,6 +85,9 @@ class EmbeddedEditor {
   // Whether the instrument listens to such a dump, as it is set now. Throws LibraryError.
   bool hears(const Reading& reading) { return handover_.hears(reading); }
 
+  // Whether the device number that is set is off, inside of a Run too, where another counts.
+  bool isDeviceOff() const;
+
   // The units that are still open, and the file dumps that are still held.
   std::vector<UnitReport> openUnits() const { return units_.open(); }
 
@@ -137,6 +144,7 @@ class EmbeddedEditor {
   Handover handover_;
   UnitTracker units_;
   EditorListener* listener_ = nullptr;
+  bool countsOffAsOn_ = false;  // a Run has replaced a device number that is off
 };
 
 }  // namespace Editor

@@ -45,7 +45,7 @@ std::string reasonOfRequest(const Reading& reading, Library& library) {
 }
 
 Reason reasonOfMessage(const Reading& reading, const Handed& handed, const UnitTracker& units, Library& library,
-                       const EditorJobTools& tools) {
+                       const EditorJobTools& tools, bool isDeviceOff) {
   const BDA::BulkDumpRefusal refusal = handed.report.refusal;
   const bool isAboutListening =
       refusal == BDA::BulkDumpRefusal::deviceNumberOff || refusal == BDA::BulkDumpRefusal::receiveSwitchOff;
@@ -53,7 +53,8 @@ Reason reasonOfMessage(const Reading& reading, const Handed& handed, const UnitT
   if (isAboutListening) return same(wordsOf(refusal));
   if (refusal == BDA::BulkDumpRefusal::wrongDeviceNumber) {
     const unsigned setting = tools.liveSystem().system->utility.values()[SystemModel::kDeviceNumber];
-    return same(fmt::format("it is for device {}, the device number is {}", *reading.device, setting + 1));
+    return same(fmt::format("it is for device {}, the device number is {}{}", *reading.device,
+                            isDeviceOff ? "off, and counts as " : "", setting + 1));
   }
   if (lastShown(handed) == BDA::kMixingVoiceFullMessage) return same(wordsOf(BDA::BulkDumpRefusal::mixingVoicesFull));
   if (isBroken(reading)) return {describeFault(reading), wordOf(reading.verdict)};
@@ -80,8 +81,8 @@ std::string heldInVain(const Handed& handed, const UnitTracker& units) {
 }  // namespace
 
 Reason reasonOf(const Reading& reading, const Handed& handed, const UnitTracker& units, Library& library,
-                const EditorJobTools& tools) {
-  Reason reason = reasonOfMessage(reading, handed, units, library, tools);
+                const EditorJobTools& tools, bool isDeviceOff) {
+  Reason reason = reasonOfMessage(reading, handed, units, library, tools, isDeviceOff);
   if (reading.kind == Reading::Kind::dump && reading.role == Role::trigger) reason.words += heldInVain(handed, units);
   return reason;
 }

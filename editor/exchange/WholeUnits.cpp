@@ -46,7 +46,7 @@ void WholeUnits::decide(Message message, const std::vector<UnitReport>& ended) {
   const bool mayBeFileDump = reading.role == Role::fileDump || reading.role == Role::unknown;
   if (isBroken(reading) && mayBeFileDump && reading.kind != Reading::Kind::request)
     missFileDump(fmt::format("message {}: {}: {}", message.number, describeContent(reading), describeFault(reading)));
-  if (reading.kind != Reading::Kind::dump) return handOn(std::move(message));
+  if (reading.kind != Reading::Kind::dump && !isRemainder(reading)) return handOn(std::move(message));
   if (isBroken(reading)) {
     std::string why = describeContent(reading) + ": " + describeFault(reading);
     if (!beginsOrEndsUnit(reading, ended)) return refuse(std::move(message), std::move(why));

@@ -10,7 +10,7 @@ namespace Editor {
 
 // Holds messages back until it is seen that what they belong to is whole, as UnitFollower judges it: a unit until its
 // footer, file dumps until their write trigger. Then all of them are handed on, or none. What is whole by itself is
-// handed on at once, and what is no dump, too.
+// handed on at once, and what is no dump, too; but what is too short for any message is refused.
 //
 // A file dump that is broken is refused, and the others are written without it; but none of them where their trigger
 // first removes all mixing voices, for one of these may be what the broken one holds.

@@ -16,6 +16,10 @@ bool isEditBuffer(const UnitReport& unit) {
   return unit.state == UnitReport::State::complete && editBufferOf(unit.address.mid).has_value();
 }
 
+bool lacksBlocks(const UnitReport& unit) {
+  return isBroken(unit) && unit.state != UnitReport::State::held && unit.state != UnitReport::State::discarded;
+}
+
 // File dumps are lost one by one, and with those that were held the one for which they are discarded.
 std::uint64_t countLost(const UnitReport& unit) {
   if (unit.state == UnitReport::State::held) return unit.blocks.size();
@@ -48,17 +52,24 @@ struct FileReceiver::Judged {
     return dumps;
   }
 
-  // Those of which no broken unit tells: lost by what is wrong with their messages, or left out by their trigger.
+  // Those of which no broken unit tells: lost by what is wrong with their messages, or left out by their trigger. The
+  // remainder of a message may be that of one, unless it stands where a unit lacks blocks.
   std::uint64_t countBrokenDumps() const {
     std::uint64_t count = 0;
     for (std::size_t at = 0; at < readings.size(); ++at) {
-      if (readings[at].role != Role::fileDump || readings[at].kind != Reading::Kind::dump || !isBroken(readings[at]))
-        continue;
-      const auto leavesItOut = [&](const UnitReport& unit) {
-        return unit.state == UnitReport::State::written && unit.firstMessage <= at && at <= unit.lastMessage;
+      const Reading& reading = readings[at];
+      const auto isIn = [&](auto isSuch) {
+        return std::any_of(units.begin(), units.end(), [&](const UnitReport& unit) {
+          return unit.firstMessage <= at && at <= unit.lastMessage && isSuch(unit);
+        });
       };
-      const bool isHeld = readings[at].verdict == Reading::Verdict::fileDumpBroken;
-      if (!isHeld || std::any_of(units.begin(), units.end(), leavesItOut)) ++count;
+      const bool isFileDump = reading.role == Role::fileDump && reading.kind == Reading::Kind::dump;
+      if (isFileDump && isBroken(reading)) {
+        const bool isHeld = reading.verdict == Reading::Verdict::fileDumpBroken;
+        if (!isHeld || isIn([](const UnitReport& unit) { return unit.state == UnitReport::State::written; })) ++count;
+      } else if (isRemainder(reading) && !isIn(lacksBlocks)) {
+        ++count;
+      }
     }
     return count;
   }

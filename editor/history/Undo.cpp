@@ -12,51 +12,62 @@ bool isAsLeft(const std::optional<Held>& held, const RecordedChange& change) {
   return held ? change.checksumAfter == held->checksum && isWhole(*held) : !change.checksumAfter;
 }
 
+// Whether undo without a number comes to it.
+bool isNext(const HistoryEntry& entry) { return !entry.undoes && !entry.undoneBy; }
+
 // The one that is named, or else the newest that is no undo and not undone.
-Undone find(Library& library, std::optional<std::int64_t> named) {
-  Undone found{.state = Undone::State::nothingToUndo, .entry = named.value_or(0)};
-  for (const HistoryEntry& entry : entriesOf(library)) {
-    const bool isNext = !entry.undoes && !entry.undoneBy;
-    if (found.state != Undone::State::nothingToUndo) {
-      if (!isNext) continue;
-      found.older = entry.number;
-      break;
-    }
-    if (named ? entry.number != *named : !isNext) continue;
-    found.state = entry.undoneBy ? Undone::State::isUndone : Undone::State::done;
-    found.entry = entry.number;
-    found.undoneBy = entry.undoneBy;
-  }
-  return found;
+Undone find(const std::vector<HistoryEntry>& newestFirst, std::optional<std::int64_t> named) {
+  const auto entry = std::find_if(newestFirst.begin(), newestFirst.end(),
+                                  [&](const HistoryEntry& one) { return named ? one.number == *named : isNext(one); });
+  if (entry == newestFirst.end()) return {.state = Undone::State::nothingToUndo, .entry = named.value_or(0)};
+  return {.state = entry->undoneBy ? Undone::State::isUndone : Undone::State::done,
+          .entry = entry->number,
+          .undoneBy = entry->undoneBy};
 }
 
-std::string faultOf(Library& library, std::int64_t number, const std::vector<RecordedChange>& changes) {
-  const std::vector<RecordedEntry> entries = library.recordedEntries();
+// Says of an entry what can no longer be trusted.
+void judge(const std::vector<RecordedEntry>& entries, const std::vector<RecordedChange>& changes, Undone& undone) {
   const auto entry = std::find_if(entries.begin(), entries.end(),
-                                  [&](const RecordedEntry& recorded) { return recorded.number == number; });
-  return faultOf(*entry, changes, entries);
+                                  [&](const RecordedEntry& recorded) { return recorded.number == undone.entry; });
+  undone.fault = faultOf(*entry, changes, entries);
+  if (undone.fault.empty())
+    for (const RecordedChange& change : changes)
+      if (change.before && !isSound(change.place, *change.before)) undone.damaged.push_back(nameOf(change.place));
+  if (!undone.fault.empty() || !undone.damaged.empty()) undone.state = Undone::State::damaged;
+}
+
+// The newest before that entry to which undo would come and of which nothing is damaged.
+std::optional<std::int64_t> findSoundBefore(std::int64_t number, const std::vector<HistoryEntry>& newestFirst,
+                                            const std::vector<RecordedEntry>& entries, Library& library) {
+  for (const HistoryEntry& entry : newestFirst) {
+    if (entry.number >= number || !isNext(entry)) continue;
+    Undone undone{.entry = entry.number};
+    try {
+      judge(entries, library.recordedChanges(entry.number, true), undone);
+    } catch (const LibraryError&) {
+      continue;  // what cannot be read cannot be put back
+    }
+    if (undone.state == Undone::State::done) return entry.number;
+  }
+  return std::nullopt;
 }
 
 }  // namespace
 
 Undone undo(EmbeddedEditor& editor, std::optional<std::int64_t> entry, Force force) {
   Library& library = editor.library();
-  Undone undone = find(library, entry);
+  const std::vector<HistoryEntry> newestFirst = entriesOf(library);
+  Undone undone = find(newestFirst, entry);
   if (undone.state != Undone::State::done) return undone;
   const std::vector<RecordedChange> changes = library.recordedChanges(undone.entry, true);
-  undone.fault = faultOf(library, undone.entry, changes);
-  if (!undone.fault.empty()) {
-    undone.state = Undone::State::damaged;
+  const std::vector<RecordedEntry> entries = library.recordedEntries();
+  judge(entries, changes, undone);
+  if (undone.state == Undone::State::damaged) {
+    undone.older = findSoundBefore(undone.entry, newestFirst, entries, library);
     return undone;
   }
   for (const RecordedChange& change : changes)
     if (!isAsLeft(library.held(change.place), change)) undone.conflicts.push_back(nameOf(change.place));
-  for (const RecordedChange& change : changes)
-    if (change.before && !isSound(change.place, *change.before)) undone.damaged.push_back(nameOf(change.place));
-  if (!undone.damaged.empty()) {
-    undone.state = Undone::State::damaged;
-    return undone;
-  }
   if (!undone.conflicts.empty() && force == Force::no) {
     undone.state = Undone::State::conflict;
     return undone;

@@ -23,7 +23,7 @@ struct Undone {
   State state = State::done;
   std::int64_t entry = 0;                     // that was, or would have been, taken back
   std::optional<std::int64_t> undoneBy = {};  // isUndone: the undo that did it
-  std::optional<std::int64_t> older = {};     // the next one that can be undone when this one cannot
+  std::optional<std::int64_t> older = {};     // damaged: the next one before it that is not
   std::vector<std::string> conflicts = {};    // the places; also where they were taken back all the same
   std::vector<std::string> damaged = {};
   std::string fault = {};                 // damaged: what is wrong with the entry itself

@@ -21,7 +21,7 @@ bool isForThisInstrument(std::span<const std::uint8_t> message) {
 
 // Too short for any message of ours, and like one as far as it goes: what an end in the midst of one leaves. The
 // instrument takes no notice of it.
-bool isRemainder(std::span<const std::uint8_t> message) {
+bool isBeginningOfOurs(std::span<const std::uint8_t> message) {
   constexpr std::size_t kModelAt = 3;
   if (message.size() >= BDA::kRequestLength || message.size() < kModelAt + 2 || !isOfThisMaker(message)) return false;
   const bool hasBoth = message.size() > kModelAt + 2;
@@ -169,7 +169,7 @@ FileDumpParts partsOfFileDump(std::span<const std::uint8_t> message) {
 
 Reading readMessage(std::span<const std::uint8_t> message) {
   Reading reading;
-  if (isRemainder(message)) {
+  if (isBeginningOfOurs(message)) {
     reading.kind = Reading::Kind::invalid;
     judge(reading, Reading::Verdict::lengthWrong,
           fmt::format("{} bytes, a message has at least {}", message.size(), BDA::kRequestLength));

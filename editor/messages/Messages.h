@@ -69,6 +69,8 @@ const char* wordOf(Reading::Kind kind);
 const char* wordOf(Reading::Verdict verdict);
 // Those that are good, that remove something and foreign ones are fine, all others are broken.
 bool isBroken(const Reading& reading);
+// What an end in the midst of a message leaves of it: broken, of no known type, and the instrument passes over it.
+inline bool isRemainder(const Reading& reading) { return reading.kind == Reading::Kind::invalid && !reading.device; }
 // What is wrong with a broken one: "checksum wrong: 12 instead of 34".
 std::string describeFault(const Reading& reading);
 

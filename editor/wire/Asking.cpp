@@ -58,14 +58,19 @@ void Asking::message(std::span<const std::uint8_t> bytes, std::uint64_t /*offset
   if (reading.kind == Reading::Kind::foreign && isOfThisMaker(bytes)) overheard_.isOtherModelHeard = true;
   if (!answer_) return;
   if (isOfOther || (reading.kind == Reading::Kind::foreign && isOfThisMaker(bytes))) result_.isOtherHeard = true;
+  const bool isOurs = reading.device.value_or(terms_.device + 1U) == terms_.device + 1U;
+  if (reading.kind == Reading::Kind::invalid && isOurs) return hearCut();
   if (answer_->next(reading, bytes)) isHeard_ = true;
   // The answer may come while it is asked whether anybody is there.
   if (asksForAnybody_ && Answer(asked_, terms_.device).next(reading, bytes)) result_.isAnythingHeard = true;
 }
 
-// A message that was cut may have been of the answer.
 void Asking::dropped(std::uint64_t /*offset*/, std::uint64_t /*count*/, StreamJoiner::Reason reason) {
-  if (reason == StreamJoiner::Reason::RealTime || reason == StreamJoiner::Reason::Stray || !answer_) return;
+  if (reason != StreamJoiner::Reason::RealTime && reason != StreamJoiner::Reason::Stray && answer_) hearCut();
+}
+
+// A message that was cut, with or without an end behind, may have been of the answer.
+void Asking::hearCut() {
   (asksForAnybody_ ? result_.isSomebodyThere : result_.isAnythingHeard) = true;
   result_.isBroken = true;
 }

@@ -84,6 +84,7 @@ class Asking final : private StreamJoiner::Receiver {
 
   void message(std::span<const std::uint8_t> bytes, std::uint64_t offset) override;
   void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override;
+  void hearCut();
   void request(BulkAddress address, WireTime now);
   void endTry(WireTime now);
   void decide();

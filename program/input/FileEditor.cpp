@@ -28,6 +28,8 @@ std::unique_ptr<EmbeddedEditor> editorOf(const InputFile& input, const char* ver
       if (record.outcome == Outcome::refused && reading.kind != Reading::Kind::request)
         complain(fmt::format("refused: {}", escape(record.reasonInCommon)),
                  fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
+      if (isSilentlyBroken(record))
+        complain(wordOf(reading.verdict), fmt::format("{}: {}", placeOf(message), describeFault(reading)));
       for (const UnitReport& unit : record.ended)
         if (isBroken(unit)) complain(wordOf(unit.state), fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
       repeated.add(message, record);

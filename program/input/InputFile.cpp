@@ -1,25 +1,23 @@
 #include "input/InputFile.h"
 
-#include <optional>
-
 #include "ExitCode.h"
 #include "output/LossReport.h"
 
 namespace Editor {
 
-InputFile::InputFile(const std::string& path, Console* console) : name_(path) {
-  std::optional<LossReport> losses;
-  if (console != nullptr) losses.emplace(*console);
+InputFile::InputFile(const std::string& path, Console& console) : name_(path) {
+  LossReport losses(console);
   const std::vector<std::string> problems = InputStream({path}).read(
       [this](const InputMessage& message) {
         messages_.push_back({message.offset, bytes_.size(), bytes_.size() + message.bytes.size()});
         bytes_.insert(bytes_.end(), message.bytes.begin(), message.bytes.end());
       },
       [&](const InputLoss& loss) {
-        isWhole_ = isWhole_ && !isBroken(loss);
-        if (losses) losses->add(loss);
+        isReadInFull_ = isReadInFull_ && loss.kind != InputLoss::Kind::brokenFile;
+        losses.add(loss);
       });
-  if (losses) losses->finish();
+  losses.finish();
+  isWhole_ = losses.areAllWhole();
   if (!problems.empty()) throw Failure(kUnusableInput, problems.front());
 }
 

@@ -12,12 +12,14 @@ namespace Editor {
 // A message file, read whole before anything is done with it.
 class InputFile {
  public:
-  // Tells the console, where there is one, which bytes became no message, and why. "-" is standard input. Throws
-  // Failure (kUnusableInput) when it cannot be read or holds no messages.
-  InputFile(const std::string& path, Console* console);
+  // Tells the console which bytes became no message, and why. "-" is standard input. Throws Failure (kUnusableInput)
+  // when it cannot be read or holds no messages.
+  InputFile(const std::string& path, Console& console);
 
   // False when a message or the file is broken; stray bytes and real-time messages do not count.
   bool isWhole() const { return isWhole_; }
+  // False when the file is not built as it must be: nobody knows what else was in it.
+  bool isReadInFull() const { return isReadInFull_; }
 
   template <typename Visit>
   void forEachMessage(Visit visit) const {
@@ -39,6 +41,7 @@ class InputFile {
   std::vector<std::uint8_t> bytes_;  // of all messages
   std::vector<Place> messages_;
   bool isWhole_ = true;
+  bool isReadInFull_ = true;
 };
 
 }  // namespace Editor

@@ -74,7 +74,13 @@ std::vector<std::string> detailsOf(const Difference& difference, const Parameter
 
 std::string contentOf(const Difference& difference) {
   const char* const flag = !difference.favourite ? ", its favourite flag is damaged" : ", a favourite";
-  return fmt::format("\"{}\"{}", showName(difference.name), difference.favourite == 0 ? "" : flag);
+  return fmt::format("\"{}\"{}{}", showName(difference.name), difference.favourite == 0 ? "" : flag,
+                     emptyPlaceOf(difference));
+}
+
+std::string emptyPlaceOf(const Difference& difference) {
+  if (!difference.emptyFavourite) return "; the favourite flag of the empty place is damaged";
+  return difference.emptyFavourite == 0 ? "" : "; the empty place is a favourite";
 }
 
 std::vector<std::string> jsonOf(const Difference& difference, const ParameterNames& names) {

@@ -14,8 +14,10 @@ namespace Editor {
 std::string namesOf(const Difference& difference);
 // What differs in a thing that both have, its name first, a line each: "voice.common[3]: 1 | 2", "favourite: 0 | 1".
 std::vector<std::string> detailsOf(const Difference& difference, const ParameterNames& names = {});
-// A content that only one has: "\"Piano\", a favourite".
+// A content that only one has: "\"Piano\", a favourite"; with what else is said of its place.
 std::string contentOf(const Difference& difference);
+// "; the empty place is a favourite", of the other one's, where that is another flag; else empty.
+std::string emptyPlaceOf(const Difference& difference);
 
 // One object a line: one for each detail, or the one of a content that only one has.
 std::vector<std::string> jsonOf(const Difference& difference, const ParameterNames& names);

@@ -57,8 +57,10 @@ void MessageReport::tell(const InputMessage& message, const Record& record, cons
   for (const UnitReport& unit : record.ended)
     if (isBroken(unit) || !unit.note.empty()) complain(fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
   for (const std::string& line : linesOf(record.log, record.reading)) console_.detail("    log: " + line);
-  if (record.outcome != Outcome::refused && record.reading.verdict == Reading::Verdict::fileDumpBroken)
-    complain(fmt::format("{}: {}", placeOf(message), describeFault(record.reading)));
+  if (!isSilentlyBroken(record)) return;
+  program_.refuse();
+  refusals_.tell(wordOf(record.reading.verdict),
+                 fmt::format("{}: {}", placeOf(message), describeFault(record.reading)));
 }
 
 void MessageReport::finish(bool isHandled) {
@@ -68,7 +70,7 @@ void MessageReport::finish(bool isHandled) {
   refusals_.finish();
   losses_.finish();
   if (!losses_.areAllWhole()) program_.refuse();
-  otherDevices_.tell(console_);
+  otherDevices_.tell(console_, options_.wayOut);
 }
 
 void MessageReport::tellOutcome(const InputMessage& message, const Record& record) {

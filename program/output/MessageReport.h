@@ -20,6 +20,8 @@ class MessageReport {
     BDA::DevicePortNum port = BDA::DevicePort_Main;  // on which they arrive
     bool isRehearsal = false;                        // said of what would be done
     bool json = false;                               // as the trace says it
+    // What there is to do about messages for other devices.
+    OtherDevices::WayOut wayOut = OtherDevices::WayOut::optionOrSetting;
   };
   // The editor, which they are handed to, outlives this object, as the names of their files do.
   MessageReport(Program& program, const EmbeddedEditor& editor, const Options& options)

@@ -80,7 +80,7 @@ void diff(const std::string& firstPath, const std::string& secondPath, DiffForm 
     if (path != "-" && !isThere(path))
       throw Failure(kUnusableInput, fmt::format("{}: No such file or directory", escape(path)));
   const auto read = [&](const std::string& path) {
-    return isLibrary(path) ? std::nullopt : std::optional<InputFile>(std::in_place, path, &program.console);
+    return isLibrary(path) ? std::nullopt : std::optional<InputFile>(std::in_place, path, program.console);
   };
   std::vector<std::string> libraries;
   for (const std::string& path : {firstPath, secondPath})

@@ -132,7 +132,11 @@ class Finding {
   }
 
   void searchFile(const Source& source, Search& search, Progress& progress) {
-    const InputFile input(source.path, nullptr);  // what is broken is counted
+    const InputFile input(source.path, console_);
+    if (!input.isReadInFull()) {
+      ++notInFull_;
+      program_.refuse();
+    }
     std::vector<FileMessage> messages;
     messages.reserve(input.countMessages());
     input.forEachMessage([&](const InputMessage& message) { messages.push_back({message.number, message.bytes}); });
@@ -170,6 +174,7 @@ class Finding {
     if (broken_ != 0)
       text += "; left out: " +
               counted(broken_, "unit that is not whole or never written", "units that are not whole or never written");
+    if (notInFull_ != 0) text += fmt::format("; {} not read in full", counted(notInFull_, "file"));
     if (sources_.ofOtherKinds != 0)
       text += "; passed over: " + counted(sources_.ofOtherKinds, "file of another kind", "files of other kinds");
     console_.note(text);
@@ -186,8 +191,9 @@ class Finding {
   std::unique_ptr<EmbeddedEditor> library_;
   std::optional<FileReceiver> receiver_;
   std::uint64_t looked_ = 0;
-  std::uint64_t broken_ = 0;
-  std::uint64_t group_ = 0;  // that was told last
+  std::uint64_t broken_ = 0;     // units, which are only counted
+  std::uint64_t notInFull_ = 0;  // files that are not built as they must be
+  std::uint64_t group_ = 0;      // that was told last
 };
 
 }  // namespace

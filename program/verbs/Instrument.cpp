@@ -44,7 +44,8 @@ class Serving final : public Instrument::Observer {
                         program_);
     editor_ = program_.openToChange({"instrument", {port_}});
     transcript_->listen(*editor_);
-    report_.emplace(program_, *editor_, MessageReport::Options{number, false, options_.json});
+    report_.emplace(program_, *editor_,
+                    MessageReport::Options{number, false, options_.json, OtherDevices::WayOut::setting});
     // Who made a terminal has to know where its other end is.
     if (options_.on == "pty:") console_.line(port_);
     console_.note(fmt::format("on {}", escape(port_)));

@@ -30,7 +30,7 @@ class Restoring {
         options_(options),
         program_(program),
         console_(program.console),
-        input_(file, &console_),
+        input_(file, console_),
         messages_(input_.countMessages()) {}
 
   void run() {
@@ -120,7 +120,7 @@ class Restoring {
       const Reading reading = readMessage(message.bytes);
       if (reading.kind == Reading::Kind::dump && !editor.hears(reading)) others.add(*reading.device);
     });
-    others.tell(console_);
+    others.tell(console_, editor.isDeviceOff() ? OtherDevices::WayOut::option : OtherDevices::WayOut::optionOrSetting);
   }
 
   static Record handle(EmbeddedEditor& editor, const Reading& reading, const InputMessage& message,
@@ -198,7 +198,8 @@ class Restoring {
   void tell(const Difference& change, const std::string& sounds, const char* overDamage) {
     switch (change.kind) {
       case Difference::Kind::onlyInFirst:
-        return console_.line(fmt::format("would remove: {}{}{}", change.target, sounds, overDamage));
+        return console_.line(
+            fmt::format("would remove: {}{}{}{}", change.target, sounds, emptyPlaceOf(change), overDamage));
       case Difference::Kind::onlyInSecond:
         return console_.line(fmt::format("would store: {} {}{}", change.target, contentOf(change), overDamage));
       case Difference::Kind::renamed:

@@ -129,7 +129,7 @@ void show(const Words& words, const ShowOptions& options, Program& program) {
   const Form form{options.json, program.parameterNames()};
   const bool isOfFile = !options.from.empty();
   const std::unique_ptr<EmbeddedEditor> editor =
-      isOfFile ? editorOf(InputFile(options.from, &program.console), "show", program) : program.openToRead();
+      isOfFile ? editorOf(InputFile(options.from, program.console), "show", program) : program.openToRead();
   const EmbeddedEditor::View oneState(*editor);
   if (isOfFile) keepWhatIsStored(asked, *editor, displayName(options.from));
   if (asked.size() == 1 && asked.front().isOne) {

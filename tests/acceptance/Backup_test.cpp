@@ -278,6 +278,21 @@ TEST_F(Backup, otherDevicesAreCountedWithTheWayToTakeThem) {
   EXPECT_THAT(run.err, Not(HasSubstr("for device 1:")));
 }
 
+TEST_F(Backup, anInstrumentThatIsOffIsNotSwitchedOnByTheWayOut) {
+  write("one.syx", {dump({0, 6, 0}, Bytes(5), 0)});
+  write("three.syx", {dump({0, 6, 0}, Bytes(5), 2)});
+  ASSERT_THAT(bda({"settings", "device-number", "off"}), Exits(0));
+  EXPECT_THAT(bda({"restore", "one.syx"}), Exits(0));
+  for (const char* dryRun : {"--json", "--dry-run"}) {
+    const Result run = bda({"restore", "three.syx", dryRun});
+    EXPECT_THAT(run, Exits(3));
+    EXPECT_THAT(run.err, HasSubstr("it is for device 3, the device number is off, and counts as 1\n"));
+    EXPECT_THAT(run.err, HasSubstr("1 message for device 3: take it with --any-device\n"));
+  }
+  EXPECT_THAT(bda({"restore", "three.syx", "--any-device"}), Exits(0));
+  EXPECT_EQ(bda({"settings", "device-number"}).out, "off\n");
+}
+
 TEST_F(Backup, requestsAndOtherInstrumentsMessagesAreIgnored) {
   Bytes foreign = request({0, 0, 0});
   foreign[1] = 0x41;

@@ -241,10 +241,25 @@ TEST_F(Diff, theFlagOfAContentThatBothHaveIsADifferenceOfIt) {
 
 TEST_F(Diff, theFlagOfAnEmptyPlaceIsADifferenceAndNoContent) {
   library("a.db").setFavourite(kUserVoice6, 1);
-  library("b.db").store(kUserVoice6, Bytes{1}, "Mine");
+  library("b.db").setMixingVoiceMaximum(2048);
   const Result run = bda({"diff", "--json", "a.db", "b.db"});
   EXPECT_THAT(run, Exits(3));
-  EXPECT_THAT(lines(run.out), ElementsAre(R"({"content":"voice:user1:6","path":null,"a":null,"b":"Mine"})",
-                                          R"({"content":"voice:user1:6","path":"favourite","a":1,"b":0})",
-                                          R"({"summary":{"equal":0,"different":0,"onlyA":0,"onlyB":1,"renamed":0}})"));
+  EXPECT_THAT(lines(run.out), ElementsAre(R"({"content":"voice:user1:6","path":"favourite","a":1,"b":0})",
+                                          R"({"summary":{"equal":0,"different":0,"onlyA":0,"onlyB":0,"renamed":0}})"));
+}
+
+TEST_F(Diff, whatOnlyOneHasIsOneLineWhateverTheFlagOfThePlace) {
+  library("a.db").setFavourite(kUserVoice6, 1);
+  library("b.db").store(kUserVoice6, Bytes{1}, "Mine");
+  EXPECT_THAT(lines(bda({"diff", "--json", "a.db", "b.db"}).out),
+              ElementsAre(R"({"content":"voice:user1:6","path":null,"a":null,"b":"Mine"})",
+                          R"({"summary":{"equal":0,"different":0,"onlyA":0,"onlyB":1,"renamed":0}})"));
+  for (const char* form : {"-v", "--brief"}) {
+    const Result run = bda({"diff", form, "b.db", "a.db"});
+    EXPECT_THAT(run, Exits(3));
+    EXPECT_EQ(run.out, "voice:user1:6: only in b.db: \"Mine\"; the empty place is a favourite\n");
+    EXPECT_EQ(run.err, "contents: 1 only in b.db\n");
+  }
+  library("b.db").setFavourite(kUserVoice6, 1);
+  EXPECT_EQ(bda({"diff", "b.db", "a.db"}).out, "voice:user1:6: only in b.db: \"Mine\", a favourite\n");
 }

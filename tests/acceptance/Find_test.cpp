@@ -292,6 +292,31 @@ TEST_F(Find, ofMessageFilesOnlyWholeUnitsAreSearched) {
               HasSubstr("2 found in 2 contents; left out: 3 units that are not whole or never written"));
 }
 
+TEST_F(Find, aFileThatIsNotReadInFullIsToldAndTheOthersAreSearched) {
+  makeFolder("dumps");
+  fillLibrary();
+  ASSERT_THAT(bda({"convert", "all.syx", "-o", "dumps/a.txt"}), Exits(0));
+  ASSERT_THAT(bda({"convert", "all.syx", "-o", "b.mid"}), Exits(0));
+  write("dumps/b.mid", read("b.mid").substr(0, 4000));
+  write("dumps/c.syx", read("all.syx"));
+  const Result good = bda({"find", "--in", "dumps/a.txt"});
+  EXPECT_THAT(good, Exits(0));
+  write("dumps/a.txt", read("dumps/a.txt") + "no hex at all\n");
+  const Result text = bda({"find", "--in", "dumps/a.txt"});
+  EXPECT_THAT(text, Exits(3));
+  EXPECT_EQ(text.out, good.out);
+  EXPECT_THAT(text.err, HasSubstr("dumps/a.txt: offset "));
+  EXPECT_THAT(text.err, HasSubstr("4 found in 4 contents; 1 file not read in full\n"));
+  EXPECT_THAT(text.err, HasSubstr(lines(bda({"list", "dumps/a.txt"}).err).front())) << "as others tell it";
+  const Result both = bda({"find", "--in", "dumps"});
+  EXPECT_THAT(both, Exits(3));
+  EXPECT_THAT(both.err, HasSubstr("dumps/b.mid: offset 14: track 1 is cut short"));
+  EXPECT_THAT(both.err, HasSubstr("; 2 files not read in full\n"));
+  EXPECT_THAT(both.out, HasSubstr("dumps/c.syx: voice:user1:1"));
+  write("dumps/d.syx", "\xF0");
+  EXPECT_THAT(bda({"find", "--in", "dumps"}), Exits(2)) << "there is nothing in it that can be read";
+}
+
 TEST_F(Find, aBackupHoldsWhatItsLibraryHolds) {
   fillLibrary();
   Editor::Library(libraryFile()).store(kMulti1, Bytes{1, 2}, "Opaque");

@@ -237,6 +237,19 @@ TEST_F(History, anUndoThatIsImpossibleNamesTheWayOn) {
   EXPECT_THAT(stuck.err, HasSubstr("entry 3 is not undone, nothing is changed: bda undo 2 takes back the next one"));
 }
 
+TEST_F(History, theWayOnPassesOverWhatIsDamagedToo) {
+  for (const int value : {0x41, 0x42, 0x43, 0x44}) store(std::uint8_t(value));
+  damage("UPDATE change SET held_checksum = held_checksum + 1 WHERE entry > 2");
+  EXPECT_THAT(bda({"undo"}).err,
+              HasSubstr("entry 4 is not undone, nothing is changed: bda undo 2 takes back the next"));
+  damage("UPDATE change SET held_checksum = held_checksum + 1 WHERE entry = 2");
+  EXPECT_THAT(bda({"undo", "3"}).err, HasSubstr("entry 3 is not undone, nothing is changed: bda undo 1 takes back"));
+  damage("UPDATE entry SET time = -1 WHERE number = 1");
+  const Result stuck = bda({"undo"});
+  EXPECT_THAT(stuck, Exits(3));
+  EXPECT_THAT(stuck.err, HasSubstr("entry 4 is not undone, nothing is changed\n"));
+}
+
 // ---- check, and what is damaged -------------------------------------------------------------------------------------
 
 TEST_F(History, checkNamesWhatIsDamagedAndTheOthersAreGood) {

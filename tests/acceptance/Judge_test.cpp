@@ -71,9 +71,51 @@ TEST_F(Judge, theRemainderOfAMessageIsBrokenThoughTheInstrumentPassesOverIt) {
   EXPECT_THAT(bda({"list", "a.syx"}), Exits(3));
   EXPECT_THAT(bda({"restore", "a.syx"}), Exits(3));
   const Result receive = bda({"receive", "a.syx"});
-  EXPECT_THAT(receive, Exits(0));
+  EXPECT_THAT(receive, Exits(3));
   EXPECT_THAT(receive.out, HasSubstr("not-ours: no valid message"));
   EXPECT_THAT(receive.out, HasSubstr("stored: voice:user1:6"));
+  EXPECT_THAT(receive.err, ContainsRegex("a.syx: message 26 at offset [0-9]+: wrong length: 7 bytes, a message has"));
+  EXPECT_THAT(receive.err, HasSubstr("25 accepted, 1 not-ours\n"));
+}
+
+TEST_F(Judge, theRemainderOfAMessageIsToldByAllThatReadFiles) {
+  const Bytes whole = unit(kHeader, BDA::List::normalVoice, 0x41);
+  for (const Bytes& remainder : {Bytes{0xF0, 0x7D, 0x00, 0x7F, 0xF7},
+                                 {0xF0, 0x7D, 0x00, 0x7F, 0x14, 0xF7},
+                                 {0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x0E, 0xF7},
+                                 {0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x0E, 0x0A, 0xF7}}) {
+    write("a.syx", {whole, remainder});
+    const std::string told = "wrong length: " + std::to_string(remainder.size()) + " bytes, a message has at least 9";
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"verify", "a.syx"},
+                                                  {"receive", "a.syx"},
+                                                  {"receive", "--whole", "a.syx"},
+                                                  {"receive", "--dry-run", "a.syx"},
+                                                  {"receive", "--json", "a.syx"},
+                                                  {"restore", "a.syx"},
+                                                  {"show", "voice:user1:6", "--from", "a.syx"},
+                                                  {"diff", "a.syx", "a.syx"},
+                                                  {"convert", "a.syx", "--split", "out"},
+                                                  {"salvage", "a.syx", "-o", "good.syx"},
+                                                  {"send", "a.syx", "--to", "-"}}) {
+      const Result run = bda(words);
+      EXPECT_THAT(run, Exits(3)) << words[0];
+      EXPECT_THAT(run.err, HasSubstr(told)) << words[0];
+    }
+    const Result instrument = bda({"instrument", "--on", "-"}, read("a.syx"));
+    EXPECT_THAT(instrument, Exits(3));
+    EXPECT_THAT(instrument.err, HasSubstr(told));
+    EXPECT_THAT(bda({"find", "--in", "a.syx"}).err, HasSubstr("left out: 1 unit that is not whole"));
+  }
+}
+
+TEST_F(Judge, theRemaindersOfOthersMessagesAreFine) {
+  const Bytes system = dump({0, 6, 0}, Bytes(5));
+  for (const Bytes& stub : {Bytes{0xF0, 0x41, 0x00, 0x7F, 0x14, 0xF7}, {0xF0, 0x7D, 0x00, 0x11, 0x11, 0xF7}}) {
+    write("a.syx", {system, stub});
+    EXPECT_THAT(bda({"receive", "a.syx"}), Exits(0));
+    EXPECT_THAT(bda({"receive", "--whole", "a.syx"}), Exits(0));
+    EXPECT_THAT(bda({"diff", "a.syx", "a.syx"}), Exits(0));
+  }
 }
 
 TEST_F(Judge, listAsJsonHasTheDocumentedFields) {

@@ -64,6 +64,18 @@ TEST_F(ReceiveWhole, whatIsRefusedByItselfIsNamedOnce) {
                   testing::_));
 }
 
+TEST_F(ReceiveWhole, theRemainderOfAMessageIsRefusedAndTheUnitAroundItStored) {
+  const std::string whole = text(unit(kHeader, BDA::List::normalVoice, 1));
+  const std::string header = text(blockDump(kHeader));
+  write("a.syx", header + text({0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0x00, 0xF7}) + whole.substr(header.size()));
+  const Result run = bda({"receive", "--whole", "a.syx", "--trace", "trace"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(run.err, HasSubstr("a.syx: message 2 at offset 12: refused: no valid message: wrong length: 8 bytes"));
+  EXPECT_EQ(lines(run.err).back(), "1 stored, 25 accepted, 1 refused");
+  EXPECT_THAT(run.out, HasSubstr("stored: voice:user1:6"));
+  EXPECT_EQ(trace("trace").size(), 26U);
+}
+
 TEST_F(ReceiveWhole, storesNothingThatLacksABlock) {
   nameVoice("Old");
   writeHalf();

@@ -275,6 +275,16 @@ TEST_F(Receive, cutMessagesAreToldAndExitWith3) {
   EXPECT_THAT(run.out, HasSubstr("completed: system audio input part"));
 }
 
+TEST_F(Receive, theWayOutForOtherDevicesIsOneThatTheVerbHas) {
+  const std::string six = text(dump({0, 6, 0}, Bytes(5), 5));
+  write("a.syx", six);
+  EXPECT_THAT(bda({"receive", "a.syx"}).err,
+              HasSubstr("1 message for device 6: take it with --any-device, or listen to it from now on: "
+                        "bda settings device-number 6\n"));
+  EXPECT_THAT(bda({"instrument", "--on", "-"}, six).err,
+              HasSubstr("1 message for device 6: listen to it from now on: bda settings device-number 6\n"));
+}
+
 TEST_F(Receive, settingsRefuse) {
   write("a.syx", {blockDump({0, 0, 0})});
   EXPECT_THAT(bda({"settings", "receive-bulk", "off"}), Exits(0));

@@ -149,8 +149,10 @@ TEST_F(Compare, theFlagOfAnEmptyPlaceIsNoContent) {
   store(second, kVoice, "Yours", "Yours");  // and no favourite there
   comparison = compare();
   EXPECT_EQ(comparison.onlyInSecond, 1u);
-  EXPECT_EQ(comparison.others, 1u);
-  EXPECT_THAT(differences, SizeIs(2));
+  EXPECT_EQ(comparison.others, 0u);
+  ASSERT_THAT(differences, SizeIs(1));
+  EXPECT_EQ(differences[0].favourite, 0);
+  EXPECT_EQ(differences[0].emptyFavourite, 1);
 }
 
 TEST_F(Compare, whatIsNoContentIsNotCountedAsOne) {

@@ -103,6 +103,7 @@ TEST_F(EmbeddedEditorRun, aMessageThatIsRefusedLeavesTheOthers) {
 TEST_F(EmbeddedEditorRun, howTheLibraryListensIsNotInTheWayAndStaysAsItWas) {
   set(Editor::SystemModel::kReceiveBulk, 0);
   set(Editor::SystemModel::kDeviceNumber, CMA::DeviceNumber_Off);
+  EXPECT_TRUE(editor->isDeviceOff());
   const Editor::ModelSet before = system();
   {
     const OneRun reading(*editor, Access::Read);
@@ -111,7 +112,9 @@ TEST_F(EmbeddedEditorRun, howTheLibraryListensIsNotInTheWayAndStaysAsItWas) {
   {
     OneRun writing(*editor);
     EXPECT_EQ(sendSystem(0), Outcome::completed);
-    EXPECT_EQ(sendSystem(0, 1), Outcome::refused);
+    EXPECT_TRUE(editor->isDeviceOff());
+    EXPECT_EQ(editor->handle(dump({0x00, 0x06, 0x00}, Bytes(5), 1), BDA::DevicePort_Main, ++count).reason,
+              "it is for device 2, the device number is off, and counts as 1");
     writing.commit();
   }
   EXPECT_EQ(system(), before);

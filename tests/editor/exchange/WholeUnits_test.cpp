@@ -90,6 +90,15 @@ TEST_F(Whole, fileDumpsWaitForTheirTrigger) {
   EXPECT_THAT(refused, ElementsAre(3));
 }
 
+TEST_F(Whole, whatAnEndInTheMidstLeavesIsRefusedByItself) {
+  send(blockDump(kHeader)).send({0xF0, 0x7D, 0x00, 0x7F, 0x14, 0xF7}).sendBlocks().send(blockDump(kFooter));
+  EXPECT_THAT(refused, ElementsAre(2));
+  EXPECT_THAT(reasons, ElementsAre(HasSubstr("wrong length: 6 bytes")));
+  EXPECT_THAT(handedOn, SizeIs(26));
+  send({0xF0, 0x41, 0x00, 0x7F, 0x14, 0xF7});
+  EXPECT_THAT(refused, ElementsAre(2)) << "another maker's";
+}
+
 TEST_F(Whole, aTriggerThatRemovesMixingVoicesNeedsAllItsFileDumps) {
   const Bytes removing = dump({0x11, 0x01, 0x00});
   const Bytes mix = fileDump({0x0C, 0x14, 0x02}, "Mix", {1});

@@ -147,6 +147,19 @@ TEST_F(FileReceiverTest, aBrokenFileDumpIsCountedOnceAndNoContent) {
   EXPECT_EQ(contents.broken, 2u);
 }
 
+TEST_F(FileReceiverTest, theRemainderOfAMessageIsCountedWhereNoUnitLacksIt) {
+  const Bytes remainder{0xF0, 0x7D, 0x00, 0x7F, 0x14, 0x00, 0xF7};
+  messages = {fileDump({0x0C, 0x50, 0x00}, "Whole", {1}), remainder, dump(kTrigger)};
+  EXPECT_THAT(receive(), ElementsAre("file:multi:1"));
+  EXPECT_EQ(contents.broken, 1u);
+  messages = {blockDump({0x0E, 0x0A, 0x00}), remainder, blockDump({0x0F, 0x0A, 0x00})};
+  receive();
+  EXPECT_EQ(contents.broken, 1u) << "the unit";
+  messages = {fileDump({0x0C, 0x50, 0x00}, "Held", {1}), remainder, fileDump({0x0C, 0x50, 0x01}, "Held", {1})};
+  receive();
+  EXPECT_EQ(contents.broken, 3u);
+}
+
 TEST_F(FileReceiverTest, howFarItIsIsSaidInsideOfAFile) {
   for (std::uint8_t number = 0; number < 4; ++number) addUnit({0x0E, 0x70, number}, BDA::List::master);
   const std::size_t unit = messages.size() / 4;
