@@ -1,5 +1,7 @@
 #include "wire/Asking.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -14,8 +16,10 @@ std::span<const std::uint8_t> upToADecision(std::span<const std::uint8_t> bytes)
   return bytes.first(std::size_t(status - bytes.begin()) + (status != bytes.end() && *status == kEnd ? 1 : 0));
 }
 
-void Asking::ask(BulkAddress address, WireTime now) {
+void Asking::ask(BulkAddress address, WireTime now, unsigned waited) {
+  constexpr unsigned kBesideRetries = 2;  // the first try, and whether anybody is there
   asked_ = address;
+  waits_ = terms_.retries + kBesideRetries - waited;
   result_ = {};
   isDecided_ = false;
   asksForAnybody_ = false;
@@ -51,12 +55,13 @@ void Asking::lose(std::uint64_t count, WireTime now) {
 }
 
 void Asking::message(std::span<const std::uint8_t> bytes, std::uint64_t /*offset*/) {
-  if (filter_ && filter_(bytes)) return;
+  if (listener_) listener_(bytes);
   const Reading reading = readMessage(bytes);
   const bool isOfOther = reading.kind == Reading::Kind::dump && reading.device != terms_.device + 1U;
   if (isOfOther) overheard_.otherDevice = reading.device;
   if (reading.kind == Reading::Kind::foreign && isOfThisMaker(bytes)) overheard_.isOtherModelHeard = true;
-  if (!answer_) return;
+  // What comes before the first request has gone out is no answer to it.
+  if (!answer_ || (result_.tries == 1 && pacer_.due())) return;
   if (isOfOther || (reading.kind == Reading::Kind::foreign && isOfThisMaker(bytes))) result_.isOtherHeard = true;
   const bool isOurs = reading.device.value_or(terms_.device + 1U) == terms_.device + 1U;
   if (reading.kind == Reading::Kind::invalid && isOurs) return hearCut();
@@ -98,11 +103,12 @@ void Asking::endTry(WireTime now) {
   result_.isBroken = result_.isBroken || answer_->isBroken();
   result_.missing = result_.isAnswered() ? std::vector<BulkAddress>() : answer_->missing();
   if (result_.isAnswered()) result_.messages = answer_->takeMessages();
-  if (!result_.isAnswered() && result_.tries <= terms_.retries) {
+  if (!result_.isAnythingHeard) --waits_;
+  if (!result_.isAnswered() && result_.tries <= terms_.retries && (result_.isAnythingHeard || waits_ > 1)) {
     ++result_.tries;
     return request(asked_, now);
   }
-  asksForAnybody_ = !result_.isAnythingHeard;
+  asksForAnybody_ = !result_.isAnythingHeard && waits_ > 0;
   if (!asksForAnybody_) return decide();
   result_.isSomebodyThere = false;
   request(kWhatEveryoneHas, now);
@@ -117,6 +123,15 @@ Asking::Result Asking::giveUp() {
 void Asking::decide() {
   answer_.reset();
   isDecided_ = true;
+}
+
+std::string Asking::whyUnanswered(const Result& result) const {
+  if (result.isAnythingHeard && result.isBroken) return "broken";
+  if (result.isAnythingHeard) return findBlock(asked_)->role == Role::header ? "incomplete" : "silent";
+  if (result.isSomebodyThere && !result.isOtherHeard) return "silent";
+  if (overheard_.otherDevice) return fmt::format("other device {}", *overheard_.otherDevice);
+  if (overheard_.isOtherModelHeard) return "other model";
+  return overheard_.isClockHeard ? "only clock" : "silent";
 }
 
 std::optional<Asking::Result> Asking::takeResult() {

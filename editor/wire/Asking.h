@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -51,15 +52,16 @@ class Asking final : private StreamJoiner::Receiver {
     bool isAnswered() const { return state == Answer::State::whole || state == Answer::State::empty; }
   };
 
-  // Whether a message that arrives is to be passed over.
-  using Filter = std::function<bool(std::span<const std::uint8_t>)>;
+  // Is shown each message that arrives.
+  using Listener = std::function<void(std::span<const std::uint8_t>)>;
 
   // The pacer outlives this object.
-  Asking(Pacer& pacer, const AskingTerms& terms, Filter filter = {})
-      : pacer_(pacer), terms_(terms), filter_(std::move(filter)), joiner_(*this, kLongestMessage) {}
+  Asking(Pacer& pacer, const AskingTerms& terms, Listener listener = {})
+      : pacer_(pacer), terms_(terms), listener_(std::move(listener)), joiner_(*this, kLongestMessage) {}
 
-  // Begins. The last question is decided.
-  void ask(BulkAddress address, WireTime now);
+  // Begins. The last question is decided. `waited`: so many timeouts have passed without a byte already, for which it
+  // waits the less.
+  void ask(BulkAddress address, WireTime now, unsigned waited = 0);
   // Bytes that go no further than upToADecision().
   void receive(std::span<const std::uint8_t> bytes, WireTime now);
   // Bytes have arrived that are lost: they may have been of the answer.
@@ -74,8 +76,9 @@ class Asking final : private StreamJoiner::Receiver {
 
   // What became of the question, once that is decided.
   std::optional<Result> takeResult();
-  // Since the beginning, of all questions.
-  const Overheard& overheard() const { return overheard_; }
+  // Why the last question got no answer, as far as can be known: "silent", "only clock", "other device 5", "other
+  // model", "incomplete" or "broken".
+  std::string whyUnanswered(const Result& result) const;
 
  private:
   static constexpr std::size_t kLongestMessage = 65'536;
@@ -91,11 +94,12 @@ class Asking final : private StreamJoiner::Receiver {
 
   Pacer& pacer_;
   const AskingTerms terms_;
-  const Filter filter_;
+  const Listener listener_;
   StreamJoiner joiner_;
-  Overheard overheard_;
+  Overheard overheard_;  // since the beginning, of all questions
 
   BulkAddress asked_{};
+  unsigned waits_ = 0;               // timeouts that may still pass without a byte
   bool asksForAnybody_ = false;      // after the last try
   std::optional<Answer> answer_;     // of this try
   std::optional<WireTime> heardAt_;  // when something of the answer came last in this try

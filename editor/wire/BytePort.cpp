@@ -66,6 +66,12 @@ bool BytePort::isName(const std::string& name) {
   return name == "-" || name == "pty:" || name.find('/') != std::string::npos || ::stat(name.c_str(), &status) == 0;
 }
 
+Pace BytePort::defaultPaceOf(const std::string& name) {
+  const std::string out = name.substr(name.find(',') + 1);  // all of it where there is no comma
+  struct stat status {};
+  return paceOf(name != "-" && (::stat(out.c_str(), &status) != 0 || !S_ISFIFO(status.st_mode)));
+}
+
 BytePort::BytePort(const std::string& name, Direction direction, int wake) : name_(name), wake_(wake) {
   if (name == "pty:") {
     openPseudoTerminal();

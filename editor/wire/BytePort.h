@@ -22,6 +22,8 @@ class BytePort final : public Port {
 
   // Whether that is what names one: "-", "pty:", whatever has a slash in it, and what is there.
   static bool isName(const std::string& name);
+  // The default pace of the port of that name, or that it would have, without opening it.
+  static Pace defaultPaceOf(const std::string& name);
 
   // `wake` is a descriptor that ends a wait as soon as there is something to read from it; it stays its owner's, who
   // also reads from it. -1: there is none. Throws PortError (cannotOpen).
@@ -30,7 +32,7 @@ class BytePort final : public Port {
 
   const std::string& name() const override { return name_; }
   Pacer::Takes takes() const override { return Pacer::Takes::bytes; }
-  Pace defaultPace() const override { return isLine_ ? kCablePace : kNoPace; }
+  Pace defaultPace() const override { return paceOf(isLine_); }
 
   WireTime now() override { return machineTime(); }
   std::size_t send(std::span<const std::uint8_t> bytes) override;
@@ -41,6 +43,7 @@ class BytePort final : public Port {
  private:
   class Opened;  // a descriptor, as it was before, and its end
 
+  static Pace paceOf(bool isLine) { return isLine ? kCablePace : kNoPace; }
   int openPath(const std::string& path, Direction direction);
   int openFifo(const std::string& path, Direction direction);
   void openPseudoTerminal();

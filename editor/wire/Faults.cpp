@@ -76,7 +76,11 @@ std::vector<Fault> parseFaults(std::string_view text) {
   std::vector<Fault> faults;
   while (true) {
     const std::size_t comma = text.find(',');
-    faults.push_back(parseFault(text.substr(0, comma)));
+    const Fault fault = parseFault(text.substr(0, comma));
+    if (std::ranges::any_of(
+            faults, [&](const Fault& one) { return one.kind == fault.kind && one.isIncoming == fault.isIncoming; }))
+      fail(text.substr(0, comma), "it is there twice");
+    faults.push_back(fault);
     if (comma == std::string_view::npos) return faults;
     text.remove_prefix(comma + 1);
   }

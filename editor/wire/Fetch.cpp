@@ -1,7 +1,5 @@
 #include "wire/Fetch.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -14,11 +12,6 @@ namespace {
 // Places that are not answered while nothing is stored there.
 bool isSilentWhenEmpty(BulkAddress address) {
   return findBlock(address)->role == Role::header && !editBufferOf(address.mid) && address.mid != BDA::kMixingVoiceMid;
-}
-
-std::string whyLost(const Asking::Result& result, BulkAddress address) {
-  if (result.isBroken) return "broken";
-  return findBlock(address)->role == Role::header && result.isAnythingHeard ? "incomplete" : "silent";
 }
 
 }  // namespace
@@ -75,8 +68,8 @@ void Fetch::tell(Fetched::State state, Asking::Result result) {
   fetched.isEmptyBySilence = state == Fetched::State::empty && !result.isAnythingHeard;
   fetched.tries = result.tries;
   if (state == Fetched::State::lost) {
+    fetched.reason = asking_.whyUnanswered(result);
     fetched.missing = std::move(result.missing);
-    fetched.reason = result.isAnythingHeard ? whyLost(result, address) : whySilent(result);
   }
   fetched.messages = std::move(result.messages);
   ++unit_;
@@ -92,14 +85,6 @@ void Fetch::giveUp(Asking::Result last) {
     unasked.missing = Answer(units_[unit_], 0).missing();
     tell(Fetched::State::lost, std::move(unasked));
   }
-}
-
-std::string Fetch::whySilent(const Asking::Result& result) const {
-  const Overheard& overheard = asking_.overheard();
-  if (result.isSomebodyThere && !result.isOtherHeard) return "silent";
-  if (overheard.otherDevice) return fmt::format("other device {}", *overheard.otherDevice);
-  if (overheard.isOtherModelHeard) return "other model";
-  return overheard.isClockHeard ? "only clock" : "silent";
 }
 
 }  // namespace Editor

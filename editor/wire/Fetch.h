@@ -57,7 +57,6 @@ class Fetch final : public WireEnd {
   void heed(Asking::Result result, WireTime now);
   void tell(Fetched::State state, Asking::Result result);
   void giveUp(Asking::Result last);
-  std::string whySilent(const Asking::Result& result) const;
 
   const std::vector<BulkAddress> units_;
   const Receiver receiver_;

@@ -54,7 +54,8 @@ void Pacer::sent(std::size_t count) {
   done_ += count;
   const Message& message = messages_.front();
   if (done_ < message.bytes.size()) return;
-  next_ = *start_ + paceOf(message).timeOf(done_) + pausesBehind(message);
+  end_ = *start_ + paceOf(message).timeOf(done_);
+  next_ = end_ + pausesBehind(message);
   messages_.pop_front();
   done_ = 0;
   start_.reset();

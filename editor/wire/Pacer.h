@@ -45,10 +45,14 @@ class Pacer {
 
   // When there are bytes to send; nothing: everything has gone out.
   std::optional<WireTime> due() const;
-  // When the last byte that has gone out, and its pauses, have passed.
-  WireTime end() const { return next_; }
+  // When the last byte that has gone out has passed. Nobody waits for a pause behind which nothing comes.
+  WireTime end() const { return end_; }
   // Whether none has begun that has not gone out to its last byte.
   bool isBetweenMessages() const { return done_ == 0; }
+  // Messages that have not gone out to their last byte.
+  std::size_t waiting() const { return messages_.size(); }
+  // The next message does not wait for the pause behind the last one.
+  void skipPause() { next_ = end_; }
 
   // How long all messages that wait take from the first byte to the end of the last, pauses included but behind the
   // last.
@@ -68,6 +72,7 @@ class Pacer {
   std::deque<Waiting> messages_;
   std::size_t done_ = 0;           // bytes of the first one
   std::optional<WireTime> start_;  // of the first one: when it began, or would have, had nobody been late
+  WireTime end_{};                 // of what has gone out
   WireTime next_{};                // when one that has not begun may begin
 };
 

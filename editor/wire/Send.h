@@ -2,8 +2,8 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,7 +16,7 @@ namespace Editor {
 // What became of one unit that was sent to an instrument.
 struct SentUnit {
   enum class State : std::uint8_t {
-    sent,        // it went out, to its last byte
+    sent,        // it went out to its last byte, and so did the trigger that has it stored
     equal,       // the instrument gives the same back, or had it already
     different,   // it gives something else back
     unanswered,  // it gives nothing whole back
@@ -24,23 +24,37 @@ struct SentUnit {
 
   std::size_t unit = 0;  // of those to send, from 0
   State state = State::sent;
-  std::vector<ReadBackDifference> differences;
-  unsigned tries = 0;  // requests that went out for it
+  std::vector<ReadBackDifference> differences;  // different; sent: what it gave back before
+  unsigned tries = 0;                           // requests that went out for it
+  std::string reason;                           // unanswered: why, as far as can be known
 };
 
 const char* wordOf(SentUnit::State state);
 
 // Sends units to an instrument, and looks whether it has them.
 //
-// All of them go out first, file dumps with their triggers; then each is asked for, once nothing has come for as long
-// as an answer may take: what an instrument, or a cable, gives back of what it was sent has come by then. Such an echo
-// is no answer: as soon as one was heard, each message that went out may come back once without counting.
+// All of them go out first, file dumps with their triggers; then each is asked for, once nothing of what was sent has
+// come back for as long as an answer may take. An instrument or a cable may give back what it gets, once or twice and
+// late: such an echo says nothing. So an answer that is equal counts only when no echo can be so late, or when more of
+// them have come than there can be echoes; until then the unit is asked for again. Where one may have come into the
+// midst of an answer it is asked for again too, once it is quiet.
 class Send final : public WireEnd {
  public:
+  using Message = std::vector<std::uint8_t>;
+
+  // Has all file dumps stored that the instrument has got. Those of the same number are one, which goes out behind the
+  // last unit that it has stored.
+  struct Trigger {
+    std::size_t number = 0;
+    Message message;
+    bool removesOthers = false;  // it goes out with all of its units or not at all
+  };
   struct Unit {
     std::optional<BulkAddress> asked;  // to be asked for, isAnsweredByUnit(); nothing: that is not possible
-    std::vector<std::vector<std::uint8_t>> messages;  // whole, in their order
-    std::vector<std::vector<std::uint8_t>> behind;    // a trigger that follows it
+    std::vector<Message> messages;     // whole, in their order
+    std::optional<Trigger> trigger = {};
+    std::optional<std::size_t> group = {};  // those of one group are left out together, or not at all
+    bool isNeverLeftOut = false;
   };
   struct Options {
     bool verifies = false;     // asks for all of them again
@@ -49,32 +63,54 @@ class Send final : public WireEnd {
   };
   using Receiver = std::function<void(SentUnit)>;
 
-  // Each unit is told in its order: as soon as it went out, or with `verifies` at the end.
+  // Each unit is told in its order: as soon as it is sent, or with `verifies` at the end.
   Send(std::vector<Unit> units, const Options& options, Pacer pacer, Receiver receiver);
 
   void receive(std::span<const std::uint8_t> bytes, WireTime now) override;
   void lost(std::uint64_t count, WireTime now) override { asking_.lose(count, now); }
   void pass(WireTime now) override;
   std::optional<WireTime> due() const override;
-  std::span<const std::uint8_t> toSend(WireTime now) override { return pacer_.take(now); }
-  void sent(std::size_t count) override { pacer_.sent(count); }
+  std::span<const std::uint8_t> toSend(WireTime now) override;
+  void sent(std::size_t count) override;
   bool isDone() const override { return phase_ == Phase::done; }
+  // Whether the port takes no bytes any more: none for as long as an instrument is waited for. Nothing more will come
+  // of it.
+  bool isStuck() const { return isStuck_; }
 
-  // Ends it early. A unit that has begun goes out to its end, or the instrument would wait for it: then it is done.
+  // Ends it early. A unit that has begun goes out to its end, or the instrument would wait for it, and so does the
+  // trigger of file dumps that are out, unless it removes something: then what is known is told, and it is done.
   void stop() { isStopping_ = true; }
 
- private:
-  using Message = std::vector<std::uint8_t>;
-  enum class Phase : std::uint8_t { begin, looking, sending, quiet, verifying, done };
+  // The wire is no more: what is known by now is told. Of the rest only the following can be said.
+  void giveUp() { tellSettled(); }
+  struct Unfinished {
+    std::size_t unit;
+    std::vector<BulkAddress> missing;  // messages that have not gone out to their end
+  };
+  // The unit that had begun to go out.
+  std::optional<Unfinished> unfinished() const;
+  // Those that went out, but not the trigger that has them stored.
+  std::vector<std::size_t> unwritten() const;
 
-  bool isEcho(std::span<const std::uint8_t> message);
+ private:
+  enum class Phase : std::uint8_t { looking, sending, quiet, verifying, done };
+
+  void hear(std::span<const std::uint8_t> message);
+  WireTime quietUntil() const { return std::max(pacer_.end(), echoAt_) + options_.terms.timeout; }
+  bool canStop() const;
   void enter(Phase phase);
   bool goOn(WireTime now);
-  bool ask(WireTime now);
+  void leaveOut();
   bool sendNext(WireTime now);
-  void push(const Unit& unit, WireTime now);
-  SentUnit judge(const Asking::Result& result);
-  void tellAll();
+  void settle();
+  bool isSettled(std::size_t unit) const;
+  void tellSettled();
+  bool isLastOfTrigger(std::size_t unit) const;
+  void push(const std::vector<Message>& messages, const Trigger* trigger, WireTime now);
+  bool pushOpenTrigger(WireTime now);
+  bool ask(WireTime now);
+  void judge(Asking::Result result);
+  std::size_t echoesOf(std::size_t asked, WireTime now) const;
 
   const std::vector<Unit> units_;
   const Options options_;
@@ -83,15 +119,30 @@ class Send final : public WireEnd {
   Asking asking_;
   ReadBack readBack_;
   std::vector<SentUnit> results_;
-  Phase phase_ = Phase::begin;
-  std::size_t unit_ = 0;   // which one the phase has come to
-  bool isAsking_ = false;  // for it
-  bool isPushed_ = false;  // sending: it is on its way
+  std::vector<bool> isLeftOut_;
+  std::vector<std::optional<WireTime>> outAt_;  // when the last byte of each had gone out
+  std::set<std::size_t> triggersOut_;
+  Phase phase_;
+  std::size_t unit_ = 0;    // which one the phase has come to
+  std::size_t told_ = 0;    // so many of them
+  bool isAsking_ = false;   // for it
+  std::size_t equals_ = 0;  // answers for it that were equal, one after the other
+  std::size_t spoilt_ = 0;  // such that an echo may have come between
+  bool hasWaited_ = false;  // without a byte, for the first of them
   bool isStopping_ = false;
-  WireTime heardAt_{};  // the last byte that counts
-  std::map<Message, unsigned> mayComeBack_;
-  bool hasEchoes_ = false;
-  bool isDoubtful_ = false;  // verifying: an echo was heard for the first time, and may have been taken for an answer
+
+  // Sending: the unit that is on its way, the trigger that is with it or by itself, and whether a byte of it is out.
+  bool isUnitPushed_ = false;
+  std::optional<std::size_t> triggerPushed_;
+  bool hasBegun_ = false;
+
+  WireTime now_{};
+  WireTime echoAt_{};                   // when a message that was sent came back last
+  std::optional<WireTime> stuckSince_;  // bytes are there that the port does not take
+  bool isStuck_ = false;
 };
+
+// How long it takes until all of them have gone out, where nothing is left out.
+WireTime durationOf(const std::vector<Send::Unit>& units, Pacer pacer);
 
 }  // namespace Editor

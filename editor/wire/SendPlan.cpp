@@ -1,19 +1,36 @@
 #include "wire/SendPlan.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <map>
 #include <utility>
 
+#include "AddressRows.h"
 #include "targets/Targets.h"
 
 namespace Editor {
 
+namespace {
+
+BulkAddress addressOf(const Send::Unit& unit) { return *readMessage(unit.messages.front()).address; }
+
+bool isOf(EditBuffer buffer, BulkAddress address) {
+  return address.hi == BDA::kHeaderHi && editBufferOf(address.mid) == buffer;
+}
+
+std::string nameOf(EditBuffer buffer) {
+  const MidLo header = headerOf(buffer);
+  return placeNameOf(BulkAddress{BDA::kHeaderHi, header.mid, header.lo});
+}
+
+bool isOfScreen(BulkAddress address) { return address == kScreen || address == kScreenData; }
+
+}  // namespace
+
 SendPlan::SendPlan(const Batch& batch) {
   std::vector<std::optional<std::size_t>> planned(batch.units.size());  // where a unit of the batch stands here
-  const auto add = [&](Send::Unit unit, std::string place, bool isRemoved) {
-    units.push_back(std::move(unit));
-    places.push_back(std::move(place));
-    removes.push_back(isRemoved);
-  };
+  std::size_t triggers = 0;
   for (const Batch::Message& message : batch.messages) {
     const Reading reading = readMessage(message.bytes);
     if (reading.kind != Reading::Kind::dump) {
@@ -21,24 +38,89 @@ SendPlan::SendPlan(const Batch& batch) {
       continue;
     }
     devices.insert(*reading.device);
-    removesMixingVoices = removesMixingVoices || reading.removesMixingVoices;
     ++messages;
     bytes += message.bytes.size();
     longest = std::max(longest, message.bytes.size());
     if (message.unit) {
       std::optional<std::size_t>& at = planned[*message.unit];
       const Batch::Unit& unit = batch.units[*message.unit];
-      if (!at) add({unit.address, {}, {}}, unit.place, unit.removes);
+      if (!at)
+        add({unit.address, {}}, unit.place, fmt::format("{}: {}", unit.removes ? "removes" : "overwrites", unit.place));
       if (!at) at = units.size() - 1;
       units[*at].messages.push_back(message.bytes);
     } else if (reading.role == Role::trigger && !message.writes.empty()) {
-      units[*planned[message.writes.back()]].behind.push_back(message.bytes);
+      for (const std::size_t unit : message.writes)
+        units[*planned[unit]].trigger = {triggers, message.bytes, reading.removesMixingVoices};
+      ++triggers;
     } else {
-      const bool canBeAsked = reading.role == Role::alone && isAnsweredByUnit(*reading.address);
-      add({canBeAsked ? reading.address : std::nullopt, {message.bytes}, {}}, nameOrBytes(*reading.address),
-          reading.removes.has_value());
+      addAlone(message, reading);
     }
+    if (!reading.removesMixingVoices) continue;
+    removesMixingVoices = true;
+    // Nobody knows which of what stands before it will still be there.
+    for (Send::Unit& unit : units) unit.isNeverLeftOut = true;
   }
+  if (removesMixingVoices) keepMixingVoices();
+  group();
+  tellFurther();
+}
+
+void SendPlan::add(Send::Unit unit, std::string place, std::string effect) {
+  units.push_back(std::move(unit));
+  effects.push_back(std::move(effect));
+  places.push_back(std::move(place));
+}
+
+void SendPlan::addAlone(const Batch::Message& message, const Reading& reading) {
+  const BulkAddress address = *reading.address;
+  if (address == kScreenData && !units.empty() && isOfScreen(addressOf(units.back()))) {
+    units.back().messages.push_back(message.bytes);
+    return;
+  }
+  const std::string place = nameOrBytes(isOfScreen(address) ? kScreen : address);
+  const bool canBeAsked = reading.role == Role::alone && isAnsweredByUnit(address);
+  std::string effect = fmt::format("{}: {}", reading.removes ? "removes" : "overwrites", place);
+  if (reading.role == Role::trigger) effect = "writes the file dumps that the instrument holds";
+  if (isOfScreen(address)) effect = "shows: screen";
+  add({canBeAsked ? reading.address : std::nullopt, {message.bytes}}, place, effect);
+}
+
+// Those that stand behind the trigger that removes all others, too: they may have been equal until then.
+void SendPlan::keepMixingVoices() {
+  for (Send::Unit& unit : units) {
+    const std::optional<ContentId> content = contentNamedBy(addressOf(unit));
+    if (content && isMixingVoice(*content)) unit.isNeverLeftOut = true;
+  }
+}
+
+// Those that go to one place; and a multi and the voices of its parts, of which each overwrites the other.
+void SendPlan::group() {
+  std::map<std::string, std::vector<std::size_t>> together;
+  for (std::size_t unit = 0; unit < units.size(); ++unit) {
+    const bool isOfPart = isOf(EditBuffer::partVoice, addressOf(units[unit]));
+    together[isOfPart ? nameOf(EditBuffer::multi) : places[unit]].push_back(unit);
+  }
+  std::size_t number = 0;
+  for (const auto& [place, members] : together) {
+    for (const std::size_t unit : members)
+      if (members.size() > 1) units[unit].group = number;
+    ++number;
+  }
+}
+
+void SendPlan::tellFurther() {
+  const auto find = [&](EditBuffer buffer) {
+    return std::ranges::find_if(units, [&](const Send::Unit& unit) { return isOf(buffer, addressOf(unit)); });
+  };
+  const auto multi = find(EditBuffer::multi);
+  const auto part = find(EditBuffer::partVoice);
+  if (multi != units.end())
+    further.push_back(
+        fmt::format("overwrites: {}..16 (with {})", nameOf(EditBuffer::partVoice), nameOf(EditBuffer::multi)));
+  else if (part != units.end())
+    further.push_back(
+        fmt::format("overwrites: {} (with {})", nameOf(EditBuffer::multi), placeNameOf(addressOf(*part))));
+  if (removesMixingVoices) further.emplace_back("removes: all mixing voices");
 }
 
 std::vector<std::size_t> unwrittenIn(const Batch& batch) {

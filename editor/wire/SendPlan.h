@@ -15,7 +15,8 @@ namespace Editor {
 struct SendPlan {
   std::vector<Send::Unit> units;
   std::vector<std::string> places;   // readable, of each: what it overwrites, or has removed
-  std::vector<bool> removes;         // each: it removes what stands there
+  std::vector<std::string> effects;  // each, in words: what it does in the instrument
+  std::vector<std::string> further;  // likewise: what they do beside
   bool removesMixingVoices = false;  // a trigger has all of them removed
   std::uint64_t leftOut = 0;         // messages that are no dumps for this instrument
   std::set<unsigned> devices;        // whom the dumps are for, from 1
@@ -23,9 +24,16 @@ struct SendPlan {
   std::uint64_t bytes = 0;
   std::size_t longest = 0;  // of a message, in bytes
 
-  // Units, single blocks, and triggers with the last of the file dumps that they write. What is broken in the batch is
-  // the caller's business, and file dumps without a trigger.
+  // Units, single blocks, screens, and triggers with the file dumps that they write. What is broken in the batch is the
+  // caller's business, and file dumps without a trigger.
   explicit SendPlan(const Batch& batch);
+
+ private:
+  void add(Send::Unit unit, std::string place, std::string effect);
+  void addAlone(const Batch::Message& message, const Reading& reading);
+  void keepMixingVoices();
+  void group();
+  void tellFurther();
 };
 
 // The file dumps of a batch that no trigger writes.

@@ -19,9 +19,9 @@ namespace Editor {
 
 namespace {
 
-std::vector<Fault> faultsOf(const std::string& list) {
+std::vector<Fault> faultsOf(const std::optional<std::string>& list) {
   try {
-    return list.empty() ? std::vector<Fault>() : parseFaults(list);
+    return list ? parseFaults(*list) : std::vector<Fault>();
   } catch (const std::invalid_argument& error) {
     throw Failure(kWrongUsage, error.what());
   }

@@ -117,7 +117,8 @@ class Sending {
     std::optional<std::vector<std::uint8_t>> held;  // a file dump that no trigger has written yet
     std::uint64_t number = 0;
     const auto writeHeld = [&] {
-      if (held) builder.add(triggerFor(*std::exchange(held, std::nullopt)));
+      if (held && !options_.toEditBuffer) builder.add(triggerFor(*held));
+      held.reset();
     };
     for (const BulkAddress address : parseAddresses(words)) {
       const Record record = editor->handle(editor->requestFor(address), BDA::DevicePort_Main, ++number);
@@ -172,32 +173,32 @@ class Sending {
     }
     placing.finish();
     // What stands by itself would overwrite what is stored: system blocks, favourites, triggers.
-    std::erase_if(batch.messages, [](const Batch::Message& message) { return !message.unit; });
+    const std::size_t leftOut = std::erase_if(batch.messages, [](const Batch::Message& message) {
+      return !message.unit && readMessage(message.bytes).kind == Reading::Kind::dump;
+    });
+    if (leftOut > 0) console_.note(fmt::format("{} left out: no edit buffer takes them", counted(leftOut, "message")));
   }
 
   void tellPlan(const SendPlan& plan, Pace pace) {
-    if (!options_.json)
-      for (std::size_t unit = 0; unit < plan.units.size(); ++unit)
-        console_.line(fmt::format("{}: {}", plan.removes[unit] ? "removes" : "overwrites", plan.places[unit]));
-    if (!options_.json && plan.removesMixingVoices) console_.line("removes: all mixing voices");
-    Pacer pacer(pace, options_.pauses, Pacer::Takes::messages);
-    for (const Send::Unit& unit : plan.units)
-      for (const auto* const part : {&unit.messages, &unit.behind})
-        for (const std::vector<std::uint8_t>& message : *part)
-          pacer.push({message, &message == &unit.messages.back()}, {});
+    // What is overwritten is named before the first byte, whoever reads the objects.
+    const auto say = [&](const std::string& line) { options_.json ? console_.problem(line) : console_.line(line); };
+    for (const std::string& effect : plan.effects) say(effect);
+    for (const std::string& effect : plan.further) say(effect);
+    const WireTime time = durationOf(plan.units, Pacer(pace, options_.pauses, Pacer::Takes::messages));
     console_.note(fmt::format("{}, {}, {} bytes, {:.1f} s", counted(plan.units.size(), "unit"),
                               counted(plan.messages, "message"), plan.bytes,
-                              std::chrono::duration<double>(pacer.duration()).count()));
+                              std::chrono::duration<double>(time).count()));
   }
 
   void rehearse(const SendPlan& plan) {
-    tellPlan(plan, options_.pace.value_or(kCablePace));
+    tellPlan(plan, options_.pace.value_or(BytePort::defaultPaceOf(options_.to)));
     console_.note("dry run, nothing is sent");
   }
 
   void send(const SendPlan& plan) {
-    const std::unique_ptr<Port> port = transcript_.listen(openPort(
-        options_.to, options_.verify || options_.changed ? BytePort::Direction::both : BytePort::Direction::out));
+    const bool hears = options_.verify || options_.changed;
+    const std::unique_ptr<Port> port =
+        transcript_.listen(openPort(options_.to, hears ? BytePort::Direction::both : BytePort::Direction::out));
     console_.note(fmt::format("to {}", escape(port->name())));
     if (plan.longest > port->longestMessage())
       throw Failure(kRefused, fmt::format("a message of {} bytes is longer than the port carries ({}): nothing is sent",
@@ -215,25 +216,24 @@ class Sending {
              });
     std::optional<Failure> failure;
     try {
+      if (hears) port->discard();  // what came before nobody asked for
       runUntilStopped(*port, end, failure);
     } catch (const PortError& gone) {
       failure = Failure(kWrongUsage, gone.what());
     }
+    end.giveUp();
     progress.end();
     tellDropped(*port, console_);
-    std::string words;
-    for (const auto& [state, count] : counts_)
-      words += fmt::format("{}{} {}", words.empty() ? "" : ", ", count, wordOf(state));
-    if (told_ < plan.units.size())
-      words += fmt::format("{}{} {}", words.empty() ? "" : ", ", plan.units.size() - told_,
-                           options_.verify ? "not verified" : "not sent");
-    console_.note(words);
+    tellEnd(plan, end);
     if (failure) throw *std::move(failure);
   }
 
   // The first Ctrl-C ends it when the unit that has begun is out, the second at once.
   static void runUntilStopped(Port& port, Send& end, std::optional<Failure>& failure) {
     Editor::run(end, port, [&] {
+      if (end.isStuck())
+        failure = Failure(kWrongUsage, fmt::format("port {}: it takes no bytes any more", escape(port.name())));
+      if (end.isStuck()) return true;
       if (!Interruptible::isAsked()) return false;
       if (failure) return true;
       failure = Failure(kInterrupted, "interrupted");
@@ -243,15 +243,36 @@ class Sending {
     });
   }
 
-  void tell(const SendPlan& plan, const SentUnit& unit) {
+  void tellEnd(const SendPlan& plan, const Send& end) {
+    if (const std::optional<Send::Unfinished> begun = end.unfinished())
+      console_.problem(fmt::format("begun and not finished: {}{}{}", plan.places[begun->unit],
+                                   begun->missing.empty() ? "" : ", missing ", describeBlocks(begun->missing)));
+    for (const std::size_t unit : end.unwritten())
+      console_.problem(fmt::format("sent and not stored: {}: its write trigger has not gone out", plan.places[unit]));
+    std::string words;
+    const auto count = [&](std::uint64_t number, const std::string& word) {
+      if (number > 0) words += fmt::format("{}{} {}", words.empty() ? "" : ", ", number, word);
+    };
+    for (const auto& [state, number] : counts_) count(number, wordOf(state));
+    count(plan.units.size() - told_, "not sent");
+    console_.note(words);
+  }
+
+  void tell(const SendPlan& plan, SentUnit unit) {
     ++told_;
     ++counts_[unit.state];
-    const bool isMissed = (options_.verify && unit.state != SentUnit::State::equal && plan.units[unit.unit].asked) ||
-                          unit.state == SentUnit::State::different || unit.state == SentUnit::State::unanswered;
+    const std::string& place = plan.places[unit.unit];
+    const bool isMissed = unit.state == SentUnit::State::different || unit.state == SentUnit::State::unanswered ||
+                          (options_.verify && unit.state == SentUnit::State::sent);
     if (isMissed) program_.refuse();
+    if (isMissed && unit.state == SentUnit::State::sent)
+      unit.reason = plan.units[unit.unit].asked ? "not verified" : "cannot be asked for";
     if (options_.json) return console_.line(jsonOf(plan, unit));
-    const std::string line = fmt::format("{}: {}", wordOf(unit.state), plan.places[unit.unit]);
+    const std::string line =
+        fmt::format("{}: {}{}{}", wordOf(unit.state), place, unit.reason.empty() ? "" : ": ", unit.reason);
     isMissed ? console_.problem(line) : console_.line(line);
+    if (unit.differences.empty()) return;
+    if (unit.state == SentUnit::State::sent) console_.problem(fmt::format("was different: {}", place));
     constexpr std::size_t kMostTold = 20;
     for (std::size_t i = 0; i < std::min(unit.differences.size(), kMostTold); ++i)
       console_.problem("    " + lineOf(unit.differences[i]));
@@ -276,17 +297,20 @@ class Sending {
 
   static std::string jsonOf(const SendPlan& plan, const SentUnit& unit) {
     nlohmann::ordered_json differences = nlohmann::ordered_json::array();
+    const bool isDifferent = unit.state == SentUnit::State::different;
     for (const ReadBackDifference& one : unit.differences)
-      differences.push_back({{"address", formatAddress(one.address)},
-                             {"dataByte", one.dataByte},
-                             {"path", one.path ? nlohmann::ordered_json(*one.path) : nlohmann::ordered_json(nullptr)},
-                             {"sent", toJson(one.sent)},
-                             {"read", toJson(one.read)}});
+      if (isDifferent)
+        differences.push_back({{"address", formatAddress(one.address)},
+                               {"dataByte", one.dataByte},
+                               {"path", one.path ? nlohmann::ordered_json(*one.path) : nlohmann::ordered_json(nullptr)},
+                               {"sent", toJson(one.sent)},
+                               {"read", toJson(one.read)}});
     const BulkAddress address = *readMessage(plan.units[unit.unit].messages.front()).address;
     return jsonLine(nlohmann::ordered_json{{"unit", nameOrBytes(address)},
                                            {"address", formatAddress(address)},
                                            {"state", wordOf(unit.state)},
-                                           {"differences", std::move(differences)}});
+                                           {"differences", std::move(differences)},
+                                           {"reason", unit.reason}});
   }
 
   const SendOptions& options_;

@@ -85,12 +85,12 @@ void record(const RecordOptions& options, Program& program);
 
 // The library at a port, as the instrument.
 struct InstrumentOptions {
-  std::string on;            // a port
-  std::string faults;        // "drop=0.01,delay=5%:300"; "": none
-  std::uint64_t seed = 0;    // of the faults
-  unsigned port = 1;         // as on which messages arrive: 1, 4, 5 or 6
-  bool echoes = false;       // what the instrument echoes goes out as well
-  std::optional<Pace> pace;  // nothing: the port's
+  std::string on;                     // a port
+  std::optional<std::string> faults;  // "drop=0.01,delay=5%:300"
+  std::uint64_t seed = 0;             // of the faults
+  unsigned port = 1;                  // as on which messages arrive: 1, 4, 5 or 6
+  bool echoes = false;                // what the instrument echoes goes out as well
+  std::optional<Pace> pace;           // nothing: the port's
   Pauses pauses;
   bool json = false;  // said as the trace says it
 };

@@ -20,9 +20,10 @@ class Serving {
   // How it ended; -1: not by itself.
   int stop() {
     if (pipe_ == nullptr) return -1;
-    ::kill(child_, SIGINT);
+    interrupt();
     return wait();
   }
+  void interrupt() const { ::kill(child_, SIGINT); }
   int wait() {
     std::string rest;
     for (std::string next = line(); !next.empty(); next = line()) rest += next + "\n";

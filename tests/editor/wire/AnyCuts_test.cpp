@@ -21,6 +21,7 @@ Stream streamOf(std::uint64_t seed) {
   static const std::vector<std::vector<Bytes>> kPieces{
       unitOf(kVoice, BDA::List::normalVoice, 1),
       unitOf(kMaster, BDA::List::master, 1),
+      unitOf(kMaster, BDA::List::master, 2),
       {blockDump({0x00, 0x00, 0x00}, 1)},
       {blockDump({0x00, 0x00, 0x00}, 2)},
       {dump({0x0C, 0x0A, 0x05}, {0, 0, 0, 0})},

@@ -69,6 +69,8 @@ TEST(Faults, AreRefusedInWords) {
   EXPECT_EQ(refusalOf("deaf=1:0"), "");
   EXPECT_NE(refusalOf(""), "");
   EXPECT_NE(refusalOf("drop=1,"), "");
+  EXPECT_EQ(refusalOf("drop=1%,flip=1%,drop=2%"), "fault \"drop=2%\": it is there twice");
+  EXPECT_EQ(refusalOf("drop=1%,in-drop=1%"), "");
 }
 
 TEST(Faults, ChangeNothingAtRate0) {

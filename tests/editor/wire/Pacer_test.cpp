@@ -110,9 +110,19 @@ TEST(Pacer, PausesAreKeptBehindMessagesAndUnits) {
   EXPECT_EQ(pacer.duration(), 100ms + 20ms + 100ms + 320ms + 100ms);
   const Wire wire = drain(pacer);
   EXPECT_EQ(wire.pieces, (std::vector<std::pair<WireTime, std::size_t>>{{0s, 100}, {120ms, 100}, {540ms, 100}}));
-  EXPECT_EQ(pacer.end(), 960ms);
+  EXPECT_EQ(pacer.end(), 640ms) << "without the pauses behind the last";
   pacer.push({message(1, 4)}, 0s);
-  EXPECT_EQ(pacer.due(), 960ms) << "also behind the last";
+  EXPECT_EQ(pacer.due(), 960ms) << "which keep the next one waiting";
+}
+
+TEST(Pacer, APauseCanBeSkipped) {
+  Pacer pacer(Pace{1'000}, {20ms, 300ms}, Pacer::Takes::messages);
+  pacer.push({message(100, 1), true}, 0s);
+  drain(pacer);
+  pacer.skipPause();
+  pacer.push({message(1, 2)}, 0s);
+  EXPECT_EQ(pacer.due(), 100ms);
+  EXPECT_EQ(pacer.waiting(), 1u);
 }
 
 TEST(Pacer, WithoutAPaceAllGoesAtOnce) {

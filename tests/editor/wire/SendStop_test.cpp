@@ -1,0 +1,229 @@
+// What is sent in part only: because the rest is there already, because somebody stopped it, because the port did.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "convert/Batch.h"
+#include "editor/wire/SendFixture.h"
+
+namespace Editor {
+namespace {
+
+using namespace std::chrono_literals;
+
+class SendStop : public SendFixture {
+ protected:
+  static constexpr BulkAddress kFile{0x0C, 0x0A, 0x05};
+  static constexpr BulkAddress kOtherFile{0x0C, 0x0A, 0x06};
+  const Send::Options changed{.verifies = false, .onlyChanged = true, .terms = {}};
+
+  // Two file dumps that one trigger writes.
+  void takeFileDumps(bool removesOthers = false) {
+    EmbeddedEditor source;
+    receive(source, units[0].messages);
+    receive(source, units[1].messages);
+    const Bytes message = removesOthers ? dump({0x11, 0x01, 0x00}) : writeTrigger();
+    const Send::Trigger trigger{0, message, removesOthers};
+    units = {{kFile, answerOf(source, kFile), trigger}, {kOtherFile, answerOf(source, kOtherFile), trigger}};
+  }
+  // Stopped when it has gone on for so long.
+  std::vector<SentUnit> sendUntil(WireTime time, const Send::Options& options = {}, Pauses pauses = {}) {
+    Instrument instrument(target, {}, Pacer(kCablePace, {}, Pacer::Takes::bytes), nobody);
+    std::vector<SentUnit> all;
+    Send end(units, options, Pacer(kCablePace, pauses, Pacer::Takes::bytes),
+             [&](SentUnit unit) { all.push_back(std::move(unit)); });
+    LoopPort port(instrument);
+    Waker waker(port, time);
+    run(end, waker, [&] {
+      if (port.now() >= time) end.stop();
+      return false;
+    });
+    elapsed = port.now();
+    unwritten = end.unwritten();
+    return all;
+  }
+
+  // A port at which somebody wakes who waits, once.
+  class Waker final : public Port {
+   public:
+    Waker(Port& port, WireTime time) : port_(port), time_(time) {}
+    const std::string& name() const override { return port_.name(); }
+    Pacer::Takes takes() const override { return port_.takes(); }
+    Pace defaultPace() const override { return port_.defaultPace(); }
+    WireTime now() override { return port_.now(); }
+    std::size_t send(std::span<const std::uint8_t> bytes) override { return port_.send(bytes); }
+    std::span<const std::uint8_t> wait(std::optional<WireTime> until, bool wantsToSend) override {
+      if (now() < time_) until = std::min(until.value_or(time_), time_);
+      return port_.wait(until, wantsToSend);
+    }
+
+   private:
+    Port& port_;
+    const WireTime time_;
+  };
+  // Takes so many bytes, and then none; time goes on while it is waited for.
+  class StuckPort final : public Port {
+   public:
+    explicit StuckPort(std::size_t bytes) : left_(bytes) {}
+    const std::string& name() const override { return name_; }
+    Pacer::Takes takes() const override { return Pacer::Takes::bytes; }
+    Pace defaultPace() const override { return kNoPace; }
+    WireTime now() override { return now_; }
+    std::size_t send(std::span<const std::uint8_t> bytes) override {
+      const std::size_t count = std::min(left_, bytes.size());
+      left_ -= count;
+      return count;
+    }
+    std::span<const std::uint8_t> wait(std::optional<WireTime> until, bool /*wantsToSend*/) override {
+      now_ = std::max(now_, until.value_or(now_));
+      return {};
+    }
+
+   private:
+    const std::string name_ = "stuck";
+    std::size_t left_;
+    WireTime now_{};
+  };
+
+  std::vector<std::size_t> unwritten;
+};
+
+TEST_F(SendStop, theTriggerStandsBehindTheLastFileDumpThatIsSent) {
+  takeFileDumps();
+  const std::vector<Send::Unit> both = units;
+  units = {both[1]};
+  send({});
+  units = both;
+  EXPECT_EQ(statesOf(send({}, changed)), (std::vector{State::sent, State::equal}));
+  EXPECT_TRUE(isThere(both[0]));
+}
+
+TEST_F(SendStop, noTriggerGoesOutWhereNoFileDumpDoes) {
+  takeFileDumps();
+  send({});
+  class Counting final : public Instrument::Observer {
+   public:
+    void handled(std::uint64_t /*number*/, std::uint64_t /*offset*/, std::span<const std::uint8_t> message,
+                 const Record& /*record*/) override {
+      if (readMessage(message).role == Role::trigger) ++triggers;
+    }
+    void dropped(std::uint64_t /*offset*/, std::uint64_t /*count*/, StreamJoiner::Reason /*reason*/) override {}
+    void tooLong(std::uint64_t /*number*/, std::size_t /*length*/) override {}
+    unsigned triggers = 0;
+  } counting;
+  Instrument instrument(target, {}, Pacer(kCablePace, {}, Pacer::Takes::bytes), counting);
+  EXPECT_EQ(statesOf(sendTo(instrument, changed)), (std::vector{State::equal, State::equal}));
+  EXPECT_EQ(counting.triggers, 0u);
+  units[0].isNeverLeftOut = true;
+  EXPECT_EQ(statesOf(sendTo(instrument, changed)), (std::vector{State::sent, State::equal}));
+  EXPECT_EQ(counting.triggers, 1u);
+}
+
+TEST_F(SendStop, aGroupIsLeftOutTogetherOrNotAtAll) {
+  send({});
+  units[0].group = units[2].group = 0;
+  EXPECT_EQ(statesOf(send({}, changed)), std::vector(3, State::equal));
+  units[2].messages = unitOf(kMaster, BDA::List::master, 9);
+  EXPECT_EQ(statesOf(send({}, changed)), (std::vector{State::sent, State::equal, State::sent}));
+}
+
+// The second of one place is there already, until the first one overwrites it.
+TEST_F(SendStop, ofAPlaceThatComesTwiceTheLastStays) {
+  send({});
+  units = {{kMaster, unitOf(kMaster, BDA::List::master, 9), {}, 0}, units[2]};
+  units[1].group = 0;
+  EXPECT_EQ(statesOf(send({}, changed)), std::vector(2, State::sent));
+  EXPECT_TRUE(isThere(units[1]));
+}
+
+TEST_F(SendStop, whatWasDifferentBeforeIsSentAndSaysSo) {
+  send({});
+  units[2].messages = unitOf(kMaster, BDA::List::master, 9);
+  const std::vector<SentUnit> all = send({}, changed);
+  EXPECT_EQ(all[2].state, State::sent);
+  EXPECT_FALSE(all[2].differences.empty());
+}
+
+TEST_F(SendStop, fileDumpsThatAreOutAreWritten) {
+  takeFileDumps();
+  const WireTime inTheFirst = kCablePace.timeOf(units[0].messages[0].size()) / 2;
+  for (const Pauses pauses : {Pauses{}, Pauses{0s, 1h}}) {
+    EXPECT_EQ(statesOf(sendUntil(inTheFirst, {}, pauses)), std::vector{State::sent});
+    EXPECT_TRUE(isThere(units[0]));
+    EXPECT_FALSE(isThere(units[1]));
+    EXPECT_LT(elapsed, 2 * inTheFirst + 100ms);
+    EXPECT_TRUE(unwritten.empty());
+  }
+}
+
+TEST_F(SendStop, aTriggerThatRemovesVoicesDoesNotGoOutForAPart) {
+  takeFileDumps(true);
+  EXPECT_TRUE(sendUntil(kCablePace.timeOf(units[0].messages[0].size()) / 2).empty()) << "nothing is stored";
+  EXPECT_EQ(unwritten, std::vector<std::size_t>{0});
+  EXPECT_EQ(statesOf(sendUntil(1h)), std::vector(2, State::sent));
+}
+
+TEST_F(SendStop, inThePauseBehindAUnitTheNextIsNotSent) {
+  std::swap(units[0], units[2]);
+  const WireTime first = durationOf({units[0]}, Pacer(kCablePace, {}, Pacer::Takes::bytes));
+  EXPECT_EQ(statesOf(sendUntil(first + 1s, {}, {0s, 1h})), std::vector{State::sent});
+  EXPECT_FALSE(isThere(units[1]));
+  EXPECT_LT(elapsed, first + 1'100ms) << "the pause is not waited out";
+}
+
+TEST_F(SendStop, noPauseBehindTheLastByteIsWaitedOut) {
+  Instrument instrument(target, {}, Pacer(kCablePace, {}, Pacer::Takes::bytes), nobody);
+  sendTo(instrument, {}, {0s, 5s});
+  EXPECT_NEAR(double(elapsed.count()), double((timeOfAll() + 10s).count()), 20'000) << "behind two of three";
+  EXPECT_EQ(durationOf(units, Pacer(kCablePace, {0s, 5s}, Pacer::Takes::bytes)), timeOfAll() + 10s);
+}
+
+TEST_F(SendStop, whatIsReadBackByThenIsTold) {
+  const Send::Options verify{.verifies = true, .onlyChanged = false, .terms = {}};
+  EXPECT_EQ(statesOf(sendUntil(timeOfAll() + 1s, verify)), std::vector(3, State::sent)) << "in the quiet time";
+  const WireTime stop =
+      timeOfAll() + 2s + 3 * durationOf({units[0]}, Pacer(kCablePace, {}, Pacer::Takes::bytes)) + 200ms;
+  EXPECT_EQ(statesOf(sendUntil(stop, verify)), (std::vector{State::equal, State::sent, State::sent}));
+  EXPECT_LT(elapsed, stop + 100ms);
+}
+
+TEST_F(SendStop, aPortThatTakesNoBytesEndsIt) {
+  std::vector<SentUnit> all;
+  Send end(units, {.verifies = false, .onlyChanged = false, .terms = {.timeout = 1s, .retries = 2}},
+           Pacer(kNoPace, {}, Pacer::Takes::bytes), [&](SentUnit unit) { all.push_back(std::move(unit)); });
+  const std::size_t first = units[0].messages[0].size() + 20;
+  StuckPort port(first);
+  run(end, port, [&] { return end.isStuck(); });
+  EXPECT_TRUE(end.isStuck());
+  EXPECT_NEAR(double(port.now().count()), 4e6, 50'000);
+  EXPECT_TRUE(all.empty());
+  ASSERT_TRUE(end.unfinished());
+  EXPECT_EQ(end.unfinished()->unit, 0u);
+  EXPECT_EQ(end.unfinished()->missing.size(), units[0].messages.size() - 1);
+  EXPECT_EQ(end.unfinished()->missing.back(), footerOf(kVoice));
+}
+
+TEST_F(SendStop, aPortThatIsSlowIsNotStuck) {
+  units = {units[2]};
+  Instrument instrument(target, {}, Pacer(kCablePace, {}, Pacer::Takes::bytes), nobody);
+  Send end(units, {.verifies = false, .onlyChanged = false, .terms = {.timeout = 100ms, .retries = 0}},
+           Pacer(Pace{1}, {}, Pacer::Takes::bytes), [](const SentUnit&) {});
+  LoopPort port(instrument, 1);
+  run(end, port, [&] { return end.isStuck(); });
+  EXPECT_FALSE(end.isStuck());
+  EXPECT_TRUE(isThere(units[0]));
+}
+
+TEST_F(SendStop, whoDoesNotAnswerSaysWhy) {
+  const Send::Options verify{.verifies = true, .onlyChanged = false, .terms = {.timeout = 500ms}};
+  for (const SentUnit& unit : send({.faults = parseFaults("deaf=1")}, verify)) EXPECT_EQ(unit.reason, "silent");
+  const std::vector<SentUnit> other = send({.faults = parseFaults("wrong-device=1")}, verify);
+  for (const SentUnit& unit : other) EXPECT_EQ(unit.reason.substr(0, 13), "other device ");
+  for (const SentUnit& unit : send({}, verify)) EXPECT_EQ(unit.reason, "");
+}
+
+}  // namespace
+}  // namespace Editor
