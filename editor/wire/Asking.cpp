@@ -23,6 +23,7 @@ void Asking::ask(BulkAddress address, WireTime now, unsigned waited) {
   result_ = {};
   isDecided_ = false;
   asksForAnybody_ = false;
+  late_.reset();
   ++result_.tries;
   request(address, now);
 }
@@ -45,7 +46,7 @@ void Asking::receive(std::span<const std::uint8_t> bytes, WireTime now) {
     heardAt_ = now;
     (asksForAnybody_ ? result_.isSomebodyThere : result_.isAnythingHeard) = true;
   }
-  if (answer_ && answer_->isEnded()) endTry(now);
+  if (answer_ && (answer_->isEnded() || (late_ && late_->isEnded()))) endTry(now);
   pass(now);
 }
 
@@ -67,7 +68,7 @@ void Asking::message(std::span<const std::uint8_t> bytes, std::uint64_t /*offset
   if (reading.kind == Reading::Kind::invalid && isOurs) return hearCut();
   if (answer_->next(reading, bytes)) isHeard_ = true;
   // The answer may come while it is asked whether anybody is there.
-  if (asksForAnybody_ && Answer(asked_, terms_.device).next(reading, bytes)) result_.isAnythingHeard = true;
+  if (late_ && late_->next(reading, bytes)) isHeard_ = result_.isAnythingHeard = true;
 }
 
 void Asking::dropped(std::uint64_t /*offset*/, std::uint64_t /*count*/, StreamJoiner::Reason reason) {
@@ -98,11 +99,8 @@ void Asking::pass(WireTime now) {
 
 void Asking::endTry(WireTime now) {
   constexpr BulkAddress kWhatEveryoneHas{0x00, 0x00, 0x00};  // system common
+  take(late_ ? *late_ : *answer_);
   if (asksForAnybody_) return decide();
-  result_.state = answer_->state();
-  result_.isBroken = result_.isBroken || answer_->isBroken();
-  result_.missing = result_.isAnswered() ? std::vector<BulkAddress>() : answer_->missing();
-  if (result_.isAnswered()) result_.messages = answer_->takeMessages();
   if (!result_.isAnythingHeard) --waits_;
   if (!result_.isAnswered() && result_.tries <= terms_.retries && (result_.isAnythingHeard || waits_ > 1)) {
     ++result_.tries;
@@ -111,7 +109,15 @@ void Asking::endTry(WireTime now) {
   asksForAnybody_ = !result_.isAnythingHeard && waits_ > 0;
   if (!asksForAnybody_) return decide();
   result_.isSomebodyThere = false;
+  late_.emplace(asked_, terms_.device);
   request(kWhatEveryoneHas, now);
+}
+
+void Asking::take(Answer& answer) {
+  result_.state = answer.state();
+  result_.isBroken = result_.isBroken || answer.isBroken();
+  result_.missing = result_.isAnswered() ? std::vector<BulkAddress>() : answer.missing();
+  if (result_.isAnswered()) result_.messages = answer.takeMessages();
 }
 
 Asking::Result Asking::giveUp() {

@@ -90,6 +90,7 @@ class Asking final : private StreamJoiner::Receiver {
   void hearCut();
   void request(BulkAddress address, WireTime now);
   void endTry(WireTime now);
+  void take(Answer& answer);
   void decide();
 
   Pacer& pacer_;
@@ -102,6 +103,7 @@ class Asking final : private StreamJoiner::Receiver {
   unsigned waits_ = 0;               // timeouts that may still pass without a byte
   bool asksForAnybody_ = false;      // after the last try
   std::optional<Answer> answer_;     // of this try
+  std::optional<Answer> late_;       // while it is asked whether anybody is there: what was asked for before
   std::optional<WireTime> heardAt_;  // when something of the answer came last in this try
   WireTime byteAt_{};                // when any byte of a message did
   std::uint64_t bytes_ = 0;          // in this try

@@ -60,8 +60,9 @@ Send::Send(std::vector<Unit> units, const Options& options, Pacer pacer, Receive
 }
 
 void Send::hear(std::span<const std::uint8_t> message) {
+  if (phase_ != Phase::quiet || now_ > pacer_.end() + kLatestEcho) return;
   const auto isThat = [&](const Message& one) { return std::ranges::equal(one, message); };
-  if (phase_ == Phase::quiet && std::ranges::any_of(units_, [&](const Unit& unit) {
+  if (std::ranges::any_of(units_, [&](const Unit& unit) {
         return std::ranges::any_of(unit.messages, isThat) || (unit.trigger && isThat(unit.trigger->message));
       }))
     echoAt_ = now_;
@@ -258,12 +259,12 @@ bool Send::ask(WireTime now) {
     asking_.ask(*unit.asked, now, std::exchange(hasWaited_, false) ? 1 : 0);
     return false;
   }
-  std::optional<Asking::Result> result = asking_.takeResult();
+  const std::optional<Asking::Result> result = asking_.takeResult();
   if (!result) return false;
   isAsking_ = false;
   const bool isSomebodyThere = result->isSomebodyThere;
   const bool isSpoilt = !result->isAnswered() && result->isAnythingHeard;
-  judge(*std::move(result));
+  judge(*result);
   if (results_[unit_].state == SentUnit::State::equal && ++equals_ <= echoesOf(unit_, now)) {
     results_[unit_].state = SentUnit::State::sent;
     return true;
@@ -279,13 +280,14 @@ bool Send::ask(WireTime now) {
   ++unit_;
   if (isSomebodyThere) return true;
   for (; unit_ < units_.size(); ++unit_) {
+    if (!units_[unit_].asked) continue;
     results_[unit_].state = SentUnit::State::unanswered;
     results_[unit_].reason = reason;
   }
   return true;
 }
 
-void Send::judge(Asking::Result result) {
+void Send::judge(const Asking::Result& result) {
   const Unit& unit = units_[unit_];
   SentUnit& judged = results_[unit_];
   judged = {unit_, SentUnit::State::unanswered, {}, judged.tries + result.tries, {}};

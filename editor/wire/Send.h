@@ -109,7 +109,7 @@ class Send final : public WireEnd {
   void push(const std::vector<Message>& messages, const Trigger* trigger, WireTime now);
   bool pushOpenTrigger(WireTime now);
   bool ask(WireTime now);
-  void judge(Asking::Result result);
+  void judge(const Asking::Result& result);
   std::size_t echoesOf(std::size_t asked, WireTime now) const;
 
   const std::vector<Unit> units_;

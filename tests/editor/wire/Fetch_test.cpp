@@ -249,13 +249,16 @@ TEST_F(FetchTest, CallsNoPlaceEmptyOfWhichSomethingCame) {
   const Fetched other = judge([](unsigned) { return std::vector<Bytes>{dump(kVoice, {}, 4)}; });
   EXPECT_EQ(other.state, Fetched::State::lost);
   EXPECT_EQ(other.reason, "other device 5");
-  // Its answer comes when nobody waits for it any more.
-  Scripted late([&](BulkAddress asked, unsigned time) {
-    std::vector<Bytes> answer = time < 4 ? std::vector<Bytes>() : voice();
-    if (asked == kSystemCommon) answer.push_back(blockDump(asked));
-    return answer;
-  });
-  EXPECT_EQ(fetchOne(late, kVoice).state, Fetched::State::lost);
+  // Its answer comes while it is asked whether anybody is there: whole, or not.
+  for (const bool isWhole : {true, false}) {
+    Scripted late([&](BulkAddress asked, unsigned time) {
+      std::vector<Bytes> answer = time < 4 ? std::vector<Bytes>() : voice();
+      if (!isWhole && !answer.empty()) answer.pop_back();
+      if (asked == kSystemCommon) answer.push_back(blockDump(asked));
+      return answer;
+    });
+    EXPECT_EQ(fetchOne(late, kVoice).state, isWhole ? Fetched::State::whole : Fetched::State::lost);
+  }
 }
 
 TEST_F(FetchTest, BelievesThatOneHasGoneWhichHasAnsweredBeforeWhenItIsSilentTwice) {

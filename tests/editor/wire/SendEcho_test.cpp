@@ -19,8 +19,8 @@ using namespace std::chrono_literals;
 // of the instrument.
 class EchoingWire final : public WireEnd {
  public:
-  EchoingWire(WireEnd& instrument, std::vector<WireTime> delays, bool echoesRequests)
-      : instrument_(instrument), delays_(std::move(delays)), echoesRequests_(echoesRequests) {}
+  EchoingWire(WireEnd& instrument, std::vector<WireTime> delays, bool echoesRequests, WireTime latency = {})
+      : instrument_(instrument), delays_(std::move(delays)), echoesRequests_(echoesRequests), latency_(latency) {}
 
   void receive(std::span<const std::uint8_t> bytes, WireTime now) override {
     now_ = now;
@@ -66,13 +66,14 @@ class EchoingWire final : public WireEnd {
   WireEnd& instrument_;
   const std::vector<WireTime> delays_;
   const bool echoesRequests_;
+  const WireTime latency_;  // of the instrument's answers
   WireTime now_{};
   std::multimap<WireTime, Bytes> waiting_;
   Joined sent_{[this](std::span<const std::uint8_t> message) {
     if (echoesRequests_ || readMessage(message).kind != Reading::Kind::request)
       for (const WireTime delay : delays_) keep(message, delay);
   }};
-  Joined answered_{[this](std::span<const std::uint8_t> message) { keep(message, {}); }};
+  Joined answered_{[this](std::span<const std::uint8_t> message) { keep(message, latency_); }};
 };
 
 enum class Answers { rightly, differently, notAtAll };
@@ -145,6 +146,42 @@ TEST_F(SendEcho, aCableThatLeadsToNobodyAnswersNothing) {
   forEachCable(Answers::notAtAll, [&](const std::vector<SentUnit>& all) {
     EXPECT_EQ(statesOf(all), std::vector(units.size(), State::unanswered));
   });
+}
+
+TEST_F(SendEcho, anAnswerThatComesLateCounts) {
+  for (const WireTime latency : {300ms, 600ms, 900ms})
+    for (const unsigned retries : {1U, 2U}) {
+      Instrument instrument(target, {}, Pacer(kCablePace, {}, Pacer::Takes::bytes), nobody);
+      EchoingWire wire(instrument, {}, false, latency);
+      EXPECT_EQ(statesOf(sendTo(
+                    wire, {.verifies = true, .onlyChanged = false, .terms = {.timeout = 500ms, .retries = retries}})),
+                std::vector(3, State::equal))
+          << latency.count() << ", " << retries;
+    }
+}
+
+// What it sends for ever is no echo.
+TEST_F(SendEcho, anInstrumentThatNeverEndsEndsTheRunAllTheSame) {
+  units = {units.back()};
+  class Endless final : public WireEnd {
+   public:
+    explicit Endless(Bytes message) : message_(std::move(message)) {}
+    void receive(std::span<const std::uint8_t> /*bytes*/, WireTime /*now*/) override {}
+    void pass(WireTime /*now*/) override {}
+    std::optional<WireTime> due() const override { return next_; }
+    std::span<const std::uint8_t> toSend(WireTime now) override {
+      return now < next_ ? std::span<const std::uint8_t>() : message_;
+    }
+    void sent(std::size_t /*count*/) override { next_ += 300ms; }
+    bool isDone() const override { return false; }
+
+   private:
+    const Bytes message_;
+    WireTime next_{};
+  } endless(units[0].messages.front());
+  EXPECT_EQ(statesOf(sendTo(endless, {.verifies = true, .onlyChanged = false, .terms = {.timeout = 400ms}})),
+            std::vector{State::unanswered});
+  EXPECT_LT(elapsed, 60s);
 }
 
 TEST_F(SendEcho, aSilentPortTakesNoLongerThanItsRetriesAndTwo) {

@@ -220,6 +220,11 @@ TEST_F(SendStop, aPortThatIsSlowIsNotStuck) {
 TEST_F(SendStop, whoDoesNotAnswerSaysWhy) {
   const Send::Options verify{.verifies = true, .onlyChanged = false, .terms = {.timeout = 500ms}};
   for (const SentUnit& unit : send({.faults = parseFaults("deaf=1")}, verify)) EXPECT_EQ(unit.reason, "silent");
+  units[2].asked.reset();
+  EXPECT_EQ(statesOf(send({.faults = parseFaults("deaf=1")}, verify)),
+            (std::vector{State::unanswered, State::unanswered, State::sent}))
+      << "nobody could be asked for the last";
+  units.pop_back();
   const std::vector<SentUnit> other = send({.faults = parseFaults("wrong-device=1")}, verify);
   for (const SentUnit& unit : other) EXPECT_EQ(unit.reason.substr(0, 13), "other device ");
   for (const SentUnit& unit : send({}, verify)) EXPECT_EQ(unit.reason, "");
