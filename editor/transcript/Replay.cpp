@@ -75,9 +75,11 @@ void Replay::readLines(std::string_view text) {
         head_ = readHead(line);
         continue;
       }
-      lines_.push_back(readLine(line, number));
+      lines_.emplace_back().number = number;
+      readLine(line, lines_.back());
       link(lines_.size() - 1);
     } catch (const WrongLine& wrong) {
+      lines_.pop_back();
       isCutShort_ = !hasEnd;
       if (hasEnd) altered_ = Difference{number, wrong.what()};
     }
@@ -106,21 +108,18 @@ Replay::Json Replay::readHead(const std::string& line) {
   return json;
 }
 
-Replay::Line Replay::readLine(const std::string& text, std::size_t number) {
-  Line line;
-  line.number = number;
+void Replay::readLine(const std::string& text, Line& line) {
   if (parseJson(text, line.json) || !line.json.is_object()) throw WrongLine("it is no JSON object");
   if (const std::string wrong = seal_.open(line.json); !wrong.empty()) throw WrongLine(wrong);
   if (line.json.find("library") == line.json.end()) {
     readMessage(line);
-    return line;
+    return;
   }
   line.kind = Line::Kind::library;
   if (std::optional<Library::Bytes> library = libraryIn(line.json)) {
     line.hasLibrary = true;
     line.bytes = *std::move(library);
   }
-  return line;
 }
 
 void Replay::readMessage(Line& line) {
@@ -173,12 +172,11 @@ Replay::Result Replay::run(EmbeddedEditor& editor, std::optional<Library::Bytes>
   Result result;
   result.isCutShort = isCutShort_;
   std::optional<EmbeddedEditor::Run> run;
-  std::optional<std::uint64_t> runNumber;
+  std::uint64_t runNumber = 0;
   bool isCommitted = false;
   const auto endRun = [&] {
     if (run && isCommitted) run->commit();
     run.reset();
-    runNumber.reset();
   };
   for (const Line& line : lines_) {
     if (line.kind == Line::Kind::library) {
@@ -191,7 +189,7 @@ Replay::Result Replay::run(EmbeddedEditor& editor, std::optional<Library::Bytes>
     }
     if (line.kind != Line::Kind::handed) continue;
     if (run && line.run != runNumber) endRun();
-    if (line.run && !run) {
+    if (line.run != 0 && !run) {
       run.emplace(editor);
       runNumber = line.run;
       isCommitted = isSet(line.json, "committed");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -66,16 +67,16 @@ class Replay {
     Json json;
     std::vector<std::uint8_t> bytes;  // of the message, or of the library, if it is there
     BDA::DevicePortNum port{};
-    std::uint64_t message = 0;         // handed and sent
-    std::optional<std::uint64_t> run;  // handed
-    std::optional<std::size_t> job;    // handed: it is the request of one
-    std::vector<std::size_t> sent;     // handed: the lines of what was
+    std::uint64_t message = 0;       // handed and sent
+    std::uint64_t run = 0;           // handed: of which Run; 0: of none
+    std::optional<std::size_t> job;  // handed: it is the request of one
+    std::vector<std::size_t> sent;   // handed: the lines of what was
     bool hasLibrary = false;
   };
 
   Json readHead(const std::string& line);
   void readLines(std::string_view text);
-  Line readLine(const std::string& text, std::size_t number);
+  void readLine(const std::string& text, Line& line);
   static void readMessage(Line& line);
   static std::optional<Library::Bytes> libraryIn(const Json& json);
   void begin(EmbeddedEditor& editor, std::optional<Library::Bytes> library) const;
@@ -85,7 +86,7 @@ class Replay {
 
   Seal seal_;
   Json head_;
-  std::vector<Line> lines_;                      // up to one that is not as it was written
+  std::deque<Line> lines_;                       // up to one that is not as it was written
   std::map<std::uint64_t, std::size_t> handed_;  // by message: the last one of that number
   std::optional<Difference> altered_;            // that one
   bool isCutShort_ = false;
