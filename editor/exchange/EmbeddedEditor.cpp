@@ -52,7 +52,7 @@ template <typename Act, typename Tell>
 Record EmbeddedEditor::told(Act act, Tell tell) {
   if (listener_ == nullptr) return act();
   try {
-    const Record record = act();
+    Record record = act();
     tell(*listener_, &record);
     return record;
   } catch (const LibraryError&) {
