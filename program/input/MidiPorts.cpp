@@ -124,6 +124,12 @@ class Systems {
   throw PortError(PortError::Kind::cannotOpen, fmt::format("port {}: {}", escape(name), why));
 }
 
+// Null: none is meant.
+const Listed* find(const std::string& name, const std::vector<Listed>& ports) {
+  const std::optional<std::size_t> found = findPort(name, namesOf(ports));
+  return found ? &ports[*found] : nullptr;
+}
+
 }  // namespace
 
 MidiPortsFound findMidiPorts() {
@@ -152,20 +158,19 @@ std::unique_ptr<Port> openMidiPort(const std::string& name, BytePort::Direction 
     ends = {name, true, hears ? std::optional(own) : std::nullopt, speaks ? std::optional(own) : std::nullopt};
     return std::make_unique<MidiPort>(std::move(ends), wake);
   }
+  const Listed* const source = hears ? find(name, systems.sources) : nullptr;
+  const Listed* const destination = speaks ? find(name, systems.destinations) : nullptr;
   std::vector<std::string> names = namesOf(systems.sources);
-  const std::vector<std::string> destinations = namesOf(systems.destinations);
-  const std::optional<std::size_t> source = hears ? findPort(name, names) : std::nullopt;
-  const std::optional<std::size_t> destination = speaks ? findPort(name, destinations) : std::nullopt;
-  for (const std::string& other : destinations)
+  for (const std::string& other : namesOf(systems.destinations))
     if (std::ranges::find(names, other) == names.end()) names.push_back(other);
-  if (!source && !destination && !findPort(name, names))
+  if (source == nullptr && destination == nullptr && !findPort(name, names))
     throw PortError(PortError::Kind::cannotOpen, describeNoPort(name, names));
-  if (hears && !source) refuse(name, "nothing can be received from it");
-  if (speaks && !destination) refuse(name, "nothing can be sent to it");
-  if (source) ends.in = systems.sources[*source].port;
-  if (destination) ends.out = systems.destinations[*destination].port;
-  const std::string from = source ? systems.sources[*source].name : systems.destinations[*destination].name;
-  const std::string to = destination ? systems.destinations[*destination].name : from;
+  if (hears && source == nullptr) refuse(name, "nothing can be received from it");
+  if (speaks && destination == nullptr) refuse(name, "nothing can be sent to it");
+  if (source != nullptr) ends.in = source->port;
+  if (destination != nullptr) ends.out = destination->port;
+  const std::string from = source != nullptr ? source->name : destination->name;
+  const std::string to = destination != nullptr ? destination->name : from;
   ends.name = from == to ? from : from + ", " + to;
   return std::make_unique<MidiPort>(std::move(ends), wake);
 }
