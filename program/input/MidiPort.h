@@ -7,6 +7,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "input/JackServer.h"
 #include "wire/Inbox.h"
