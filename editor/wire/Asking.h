@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -20,6 +21,12 @@ struct AskingTerms {
   WireTime timeout = std::chrono::seconds(2);  // without a byte of an answer
   unsigned retries = 2;                        // how often it is asked again
 };
+
+// How long a port that takes no bytes is waited for.
+constexpr WireTime patienceOf(const AskingTerms& terms) {
+  constexpr WireTime kLeast = std::chrono::seconds(1);
+  return std::max<WireTime>((terms.retries + 2) * terms.timeout, kLeast);
+}
 
 // What was heard that may say why an answer did not come.
 struct Overheard {
@@ -70,6 +77,7 @@ class Asking final : private StreamJoiner::Receiver {
   // When it wants to be asked next, beside the pacer; nothing: it does not wait for anything.
   std::optional<WireTime> due() const;
 
+  const AskingTerms& terms() const { return terms_; }
   bool isAsking() const { return answer_.has_value(); }
   // Does not wait any longer: what has become of the question by now.
   Result giveUp();

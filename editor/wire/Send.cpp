@@ -77,9 +77,6 @@ void Send::receive(std::span<const std::uint8_t> bytes, WireTime now) {
 }
 
 void Send::pass(WireTime now) {
-  constexpr WireTime kLeastPatience = std::chrono::seconds(1);
-  const WireTime patience = std::max<WireTime>((options_.terms.retries + 2) * options_.terms.timeout, kLeastPatience);
-  isStuck_ = stuckSince_ && now - *stuckSince_ >= patience;
   asking_.pass(now);
   while (!isDone() && goOn(now)) {
   }
@@ -93,17 +90,9 @@ std::optional<WireTime> Send::due() const {
   return asking_.due();
 }
 
-std::span<const std::uint8_t> Send::toSend(WireTime now) {
-  const std::span<const std::uint8_t> bytes = pacer_.take(now);
-  if (!bytes.empty() && !stuckSince_) stuckSince_ = now;
-  return bytes;
-}
-
 void Send::sent(std::size_t count) {
   pacer_.sent(count);
-  if (count == 0) return;
-  stuckSince_.reset();
-  hasBegun_ = true;
+  hasBegun_ = hasBegun_ || count > 0;
 }
 
 // No message is cut, and no unit that has begun.
@@ -169,7 +158,6 @@ void Send::leaveOut() {
 bool Send::sendNext(WireTime now) {
   if (isStopping_ && isUnitPushed_ && !hasBegun_) {
     pacer_.forgetWaiting();
-    stuckSince_.reset();
     isUnitPushed_ = false;
     triggerPushed_.reset();
   }

@@ -70,12 +70,10 @@ class Send final : public WireEnd {
   void lost(std::uint64_t count, WireTime now) override { asking_.lose(count, now); }
   void pass(WireTime now) override;
   std::optional<WireTime> due() const override;
-  std::span<const std::uint8_t> toSend(WireTime now) override;
+  std::span<const std::uint8_t> toSend(WireTime now) override { return pacer_.take(now); }
   void sent(std::size_t count) override;
   bool isDone() const override { return phase_ == Phase::done; }
-  // Whether the port takes no bytes any more: none for as long as an instrument is waited for. Nothing more will come
-  // of it.
-  bool isStuck() const { return isStuck_; }
+  std::optional<WireTime> patience() const override { return patienceOf(options_.terms); }
 
   // Ends it early. A unit that has begun goes out to its end, or the instrument would wait for it, and so does the
   // trigger of file dumps that are out, unless it removes something: then what is known is told, and it is done.
@@ -137,9 +135,7 @@ class Send final : public WireEnd {
   bool hasBegun_ = false;
 
   WireTime now_{};
-  WireTime echoAt_{};                   // when a message that was sent came back last
-  std::optional<WireTime> stuckSince_;  // bytes are there that the port does not take
-  bool isStuck_ = false;
+  WireTime echoAt_{};  // when a message that was sent came back last
 };
 
 // How long it takes until all of them have gone out, where nothing is left out.

@@ -1,7 +1,8 @@
 #include "wire/WireEnd.h"
 
 #include <algorithm>
-#include <utility>
+
+#include "messages/Text.h"
 
 namespace Editor {
 
@@ -18,20 +19,31 @@ class Turn {
     while (true) {
       const WireTime now = port_.now();
       const std::span<const std::uint8_t> bytes = end_.toSend(now);
-      if (bytes.empty()) return port_.wait(end_.due(), false);
+      if (bytes.empty()) {
+        stuckSince_.reset();
+        return port_.wait(end_.due(), false);
+      }
       const std::size_t count = port_.send(bytes);
       end_.sent(count);
+      const bool wasStuck = stuckSince_.has_value();
+      if (count > 0) stuckSince_.reset();
       if (count == bytes.size()) continue;
+      if (count == 0) beStuck(now);
       // A port that has taken nothing may say all the same that it would.
-      const bool wasStuck = std::exchange(isStuck_, count == 0);
-      return port_.wait(std::max(end_.due().value_or(now), now + kPatience), !(isStuck_ && wasStuck));
+      return port_.wait(std::max(end_.due().value_or(now), now + kPatience), !(stuckSince_ && wasStuck));
     }
   }
 
  private:
+  void beStuck(WireTime now) {
+    if (!stuckSince_) stuckSince_ = now;
+    if (const std::optional<WireTime> patience = end_.patience(); patience && now - *stuckSince_ >= *patience)
+      throw PortError(PortError::Kind::failed, "port " + escape(port_.name()) + ": it takes no bytes any more");
+  }
+
   WireEnd& end_;
   Port& port_;
-  bool isStuck_ = false;
+  std::optional<WireTime> stuckSince_;  // it takes nothing of what is there for it
 };
 
 }  // namespace

@@ -30,12 +30,14 @@ class WireEnd {
   // What may go out now, and how many of these bytes have. Valid until the next call of anything.
   virtual std::span<const std::uint8_t> toSend(WireTime /*now*/) { return {}; }
   virtual void sent(std::size_t /*count*/) {}
+  // How long the port may take none of them before nobody waits for it any longer; nothing: for ever.
+  virtual std::optional<WireTime> patience() const { return std::nullopt; }
   // All is done, and everything sent.
   virtual bool isDone() const = 0;
 };
 
 // Lets it go on at a port until it is done, or until `isStopped` after somebody has woken the port. Throws PortError,
-// and what the end throws.
+// also for a port that takes no bytes any more, and what the end throws.
 void run(WireEnd& end, Port& port, const std::function<bool()>& isStopped);
 
 // Lets go out what it still has to send, where nothing more arrives. Throws PortError.

@@ -231,9 +231,6 @@ class Sending {
   // The first Ctrl-C ends it when the unit that has begun is out, the second at once.
   static void runUntilStopped(Port& port, Send& end, std::optional<Failure>& failure) {
     Editor::run(end, port, [&] {
-      if (end.isStuck())
-        failure = Failure(kWrongUsage, fmt::format("port {}: it takes no bytes any more", escape(port.name())));
-      if (end.isStuck()) return true;
       if (!Interruptible::isAsked()) return false;
       if (failure) return true;
       failure = Failure(kInterrupted, "interrupted");

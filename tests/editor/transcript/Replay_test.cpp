@@ -36,10 +36,10 @@ class ReplayTest : public testing::Test {
     transcript.emplace(
         Transcript::Options{.verb = "receive", .withLibrary = withLibrary}, [this] { return now++; },
         [this](const std::string& line) { text += line + '\n'; });
-    editor.setListener(&*transcript);
+    editor->setListener(&*transcript);
   }
   void hand(const std::vector<Bytes>& messages) {
-    for (const Bytes& message : messages) editor.handle(message, BDA::DevicePort_Main, ++number);
+    for (const Bytes& message : messages) editor->handle(message, BDA::DevicePort_Main, ++number);
   }
   const std::string& finished() {
     transcript->finish();
@@ -74,7 +74,7 @@ class ReplayTest : public testing::Test {
   }
 
   TemporaryDirectory directory;
-  EmbeddedEditor editor{directory / "library.db"};
+  std::optional<EmbeddedEditor> editor{std::in_place, directory / "library.db"};
   WireTime now{};
   std::uint64_t number = 0;
   std::string text;
@@ -103,7 +103,7 @@ TEST_F(ReplayTest, EachMessageIsALineInEitherDirection) {
 
 TEST_F(ReplayTest, WhatIsStoredIsThereForWhatFollows) {
   hand(unitOf(kVoice, BDA::List::normalVoice, 7));
-  hand({editor.requestFor(kVoice)});
+  hand({editor->requestFor(kVoice)});
   const Replay::Result result = again(finished());
   EXPECT_EQ(result.messages, number);
   EXPECT_FALSE(result.difference) << result.difference->text;
@@ -112,7 +112,7 @@ TEST_F(ReplayTest, WhatIsStoredIsThereForWhatFollows) {
 TEST_F(ReplayTest, ItBeginsWithTheLibraryAsItWas) {
   hand(unitOf(kMaster, BDA::List::master, 3));
   begin();
-  hand({editor.requestFor(kMaster)});
+  hand({editor->requestFor(kMaster)});
   hand(unitOf(kMaster, BDA::List::master, 4));
   EXPECT_EQ(differenceIn(finished()), "");
 }
@@ -120,8 +120,8 @@ TEST_F(ReplayTest, ItBeginsWithTheLibraryAsItWas) {
 TEST_F(ReplayTest, AnotherLibraryAnswersOtherwise) {
   hand(unitOf(kMaster, BDA::List::master, 3));
   begin(false);
-  const Library::Bytes image = editor.library().image();
-  hand({editor.requestFor(kMaster)});
+  const Library::Bytes image = editor->library().image();
+  hand({editor->requestFor(kMaster)});
   EXPECT_FALSE(Replay(finished()).hasLibrary());
   EXPECT_EQ(differenceIn(text, image), "");
   EmbeddedEditor other;
@@ -133,12 +133,12 @@ TEST_F(ReplayTest, AnotherLibraryAnswersOtherwise) {
 
 TEST_F(ReplayTest, EveryAlteredByteOfEveryLineIsADifference) {
   hand(unitOf(kMaster, BDA::List::master, 3));
-  hand({editor.requestFor(kMaster)});
+  hand({editor->requestFor(kMaster)});
   hand({Bytes{0xF0, 0x41, 0x01, 0xF7}});  // another maker's
   begin(false);
-  const Library::Bytes library = editor.library().image();
+  const Library::Bytes library = editor->library().image();
   hand(unitOf(kMaster, BDA::List::master, 5));
-  hand({editor.requestFor(kMaster), Bytes{0xF0, 0x41, 0x01, 0xF7}, Bytes{0xF0, 0x41, 0x02, 0xF7}});
+  hand({editor->requestFor(kMaster), Bytes{0xF0, 0x41, 0x01, 0xF7}, Bytes{0xF0, 0x41, 0x02, 0xF7}});
   const std::string whole = finished();
   ASSERT_EQ(differenceIn(whole, library), "");
   std::size_t line = 1;
@@ -176,7 +176,7 @@ TEST_F(ReplayTest, ALineThatIsMissingOrTwiceThereIsADifference) {
 
 TEST_F(ReplayTest, WhatIsComparedNeedsNoSeal) {
   hand(unitOf(kMaster, BDA::List::master, 3));
-  hand({editor.requestFor(kMaster), Bytes{0xF0, 0x7D, 0x00, 0xF7}});
+  hand({editor->requestFor(kMaster), Bytes{0xF0, 0x7D, 0x00, 0xF7}});
   const std::vector<Json> all = lines();
   ASSERT_EQ(differenceIn(textOf(all)), "");
   const auto altered = [&](const char* key, const auto& change) {
@@ -210,10 +210,10 @@ TEST_F(ReplayTest, WhatIsSentMustBeThatAndNoMoreAndNoLess) {
 }
 
 TEST_F(ReplayTest, AStoreThatFailedFailsAgain) {
-  editor.library().setRoom(0);
+  editor->library().setRoom(0);
   hand(unitOf(kMaster, BDA::List::master, 3));
-  editor.library().setRoom(std::nullopt);
-  hand({editor.requestFor(kMaster)});
+  editor->library().setRoom(std::nullopt);
+  hand({editor->requestFor(kMaster)});
   const std::vector<Json> all = lines();
   const auto failed = std::ranges::find_if(all, [](const Json& line) { return line.contains("storeFails"); });
   ASSERT_NE(failed, all.end());
@@ -229,7 +229,7 @@ TEST_F(ReplayTest, WhatAnotherProgramMadeOfTheLibraryIsInItToo) {
   hand(unitOf(kMaster, BDA::List::master, 3));
   EmbeddedEditor other{directory / "library.db"};
   receive(other, unitOf(kMaster, BDA::List::master, 4));
-  hand({editor.requestFor(kMaster)});
+  hand({editor->requestFor(kMaster)});
   hand(unitOf(kMaster, BDA::List::master, 5));
   const std::vector<Json> all = lines();
   EXPECT_EQ(std::ranges::count_if(all, [](const Json& line) { return line.contains("library"); }), 2);
@@ -238,12 +238,12 @@ TEST_F(ReplayTest, WhatAnotherProgramMadeOfTheLibraryIsInItToo) {
 
 TEST_F(ReplayTest, WithoutItsLibraryItEndsWhereAnotherProgramChangedIt) {
   begin(false);
-  const Library::Bytes image = editor.library().image();
+  const Library::Bytes image = editor->library().image();
   hand(unitOf(kMaster, BDA::List::master, 3));
   EmbeddedEditor other{directory / "library.db"};
   receive(other, unitOf(kMaster, BDA::List::master, 4));
   const std::uint64_t before = number;
-  hand({editor.requestFor(kMaster)});
+  hand({editor->requestFor(kMaster)});
   const Replay::Result result = again(finished(), image);
   EXPECT_EQ(result.messages, before);
   EXPECT_FALSE(result.difference);
@@ -251,14 +251,14 @@ TEST_F(ReplayTest, WithoutItsLibraryItEndsWhereAnotherProgramChangedIt) {
 }
 
 TEST_F(ReplayTest, ARunIsDoneAgainAsOneChange) {
-  Intake intake(editor);  // numbers messages itself
+  Intake intake(*editor);  // numbers messages itself
   const std::vector<Bytes> whole = unitOf(kMaster, BDA::List::master, 3);
   std::vector<Bytes> broken = unitOf(kVoice, BDA::List::normalVoice, 3);
   broken[1].back() = 0x7F;
   broken[1].push_back(0xF7);
   EXPECT_EQ(intake.store({whole}).state, Intake::Result::State::stored);
   EXPECT_EQ(intake.store({whole, broken}).state, Intake::Result::State::refused);
-  hand({editor.requestFor(kMaster), editor.requestFor(kVoice)});
+  hand({editor->requestFor(kMaster), editor->requestFor(kVoice)});
   const std::vector<Json> all = lines();
   EXPECT_EQ(all[1].at("run"), 1);
   EXPECT_EQ(all[1].at("committed"), true);
@@ -296,6 +296,7 @@ TEST_F(ReplayTest, RandomTranscriptsGiveTheSame) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     const auto draw = [&](unsigned below) { return unsigned(random() % below); };
+    editor.emplace(directory / "library.db");
     begin();
     const auto unit = [&] {
       const auto value = std::uint8_t(draw(64));
@@ -313,7 +314,7 @@ TEST_F(ReplayTest, RandomTranscriptsGiveTheSame) {
     };
     for (int step = 0; step < 6; ++step) {
       std::vector<Bytes> messages = unit();
-      if (draw(3) == 0) messages = {editor.requestFor({0x0E, 0x70, std::uint8_t(draw(3))}), request(kSystemRemote)};
+      if (draw(3) == 0) messages = {editor->requestFor({0x0E, 0x70, std::uint8_t(draw(3))}), request(kSystemRemote)};
       if (draw(4) == 0) messages[draw(unsigned(messages.size()))][draw(6) + 1] ^= std::uint8_t(1U << draw(7));
       if (draw(4) == 0) messages.erase(messages.begin() + draw(unsigned(messages.size())));
       if (draw(5) == 0) receive(*std::make_unique<EmbeddedEditor>(directory / "library.db"), {request(kSystemRemote)});
@@ -322,15 +323,15 @@ TEST_F(ReplayTest, RandomTranscriptsGiveTheSame) {
         for (const Bytes& message : unit()) other.handle(message, BDA::DevicePort_Main, 1);
       }
       constexpr BDA::DevicePortNum kPorts[] = {BDA::DevicePort_Main, BDA::DevicePortNum(4), BDA::DevicePortNum(5)};
-      editor.library().setRoom(draw(4) == 0 ? std::optional<std::size_t>(draw(2)) : std::nullopt);
+      editor->library().setRoom(draw(4) == 0 ? std::optional<std::size_t>(draw(2)) : std::nullopt);
       if (draw(4) == 0) {
-        const EmbeddedEditor::Run run(editor);
+        const EmbeddedEditor::Run run(*editor);
         hand(messages);
       } else {
         const BDA::DevicePortNum port = kPorts[draw(3)];
-        for (const Bytes& message : messages) editor.handle(message, port, ++number);
+        for (const Bytes& message : messages) editor->handle(message, port, ++number);
       }
-      editor.library().setRoom(std::nullopt);
+      editor->library().setRoom(std::nullopt);
     }
     ASSERT_EQ(differenceIn(finished()), "") << text.substr(0, 2000);
   }

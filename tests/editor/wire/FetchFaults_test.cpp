@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -101,6 +102,8 @@ TEST_F(FetchFaultsTest, NothingIsSaidToHaveComeThatHasNot) {
     // Eleven tries of two seconds for each place that says nothing, and a cable.
     EXPECT_LT(done.elapsed, 10min);
   });
+  std::cout << rare << " units at rates up to 0.5 %, " << lostWhereRare << " of them lost, " << lost
+            << " at all rates\n";
   EXPECT_LE(double(lostWhereRare), 0.001 * double(rare));
   EXPECT_GT(lost, 0u) << "some faults cost something";
 }

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -42,6 +43,30 @@ inline std::vector<Bytes> answerOf(EmbeddedEditor& editor, BulkAddress asked) {
     answer.push_back(sent.bytes);
   return answer;
 }
+
+// Takes so many bytes, and then none; time goes on while it is waited for.
+class StuckPort final : public Port {
+ public:
+  explicit StuckPort(std::size_t bytes) : left_(bytes) {}
+  const std::string& name() const override { return name_; }
+  Pacer::Takes takes() const override { return Pacer::Takes::bytes; }
+  Pace defaultPace() const override { return kNoPace; }
+  WireTime now() override { return now_; }
+  std::size_t send(std::span<const std::uint8_t> bytes) override {
+    const std::size_t count = std::min(left_, bytes.size());
+    left_ -= count;
+    return count;
+  }
+  std::span<const std::uint8_t> wait(std::optional<WireTime> until, bool /*wantsToSend*/) override {
+    now_ = std::max(now_, until.value_or(now_));
+    return {};
+  }
+
+ private:
+  const std::string name_ = "stuck";
+  std::size_t left_;
+  WireTime now_{};
+};
 
 // Calls visit(list, isRare, seed) for each fault at each of four rates, of which those up to 0.5 % are rare, until one
 // fails.
