@@ -139,7 +139,7 @@ int run(int argc, const char* const* argv, Program& program) {
     throw Failure(kWrongUsage, whyNotParsed(app, error));
   }
   if (findVerb(app.get_subcommands().front()->get_name())->heeds.names == Heeds::Names::lists) program.needNames();
-  const std::initializer_list<const char*> readFiles{"receive", "salvage", "convert"};
+  const std::initializer_list<const char*> readFiles{"receive", "salvage", "convert", "send"};
   checkOutputs(given, program,
                std::ranges::any_of(readFiles, [&](const char* verb) { return app.got_subcommand(verb); }));
   given.verb();

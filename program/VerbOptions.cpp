@@ -143,7 +143,8 @@ CLI::Option* addTranscript(CLI::App& verb, Program& program) {
       verb.add_option("--transcript", options.file,
                       "A file for all messages and what became of them, which replay does again")
           ->type_name("FILE")
-          ->check(checkFileName);
+          ->check(checkFileName)
+          ->check([](const std::string& word) { return word == "-" ? "a transcript goes into a file" : ""; });
   verb.add_flag("--with-library", options.withLibrary, "Keep in the transcript the library that they met")
       ->needs(transcript);
   return transcript;

@@ -25,6 +25,12 @@ class WrongLine : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// It is not even JSON, as what is left of a line that was cut.
+class NoJson : public WrongLine {
+ public:
+  NoJson() : WrongLine("it is no JSON object") {}
+};
+
 const Json* find(const Json& json, const char* key) {
   const auto found = json.find(key);
   return found == json.end() || found->is_null() ? nullptr : &*found;
@@ -48,6 +54,15 @@ bool isSet(const Json& json, const char* key) {
 }
 
 std::string wordsOf(const Json* json) { return json == nullptr ? "nothing" : jsonLine(*json); }
+
+// Two messages that differ, where they begin to.
+std::string describeOther(std::span<const std::uint8_t> then, std::span<const std::uint8_t> now) {
+  const std::size_t at = std::size_t(std::ranges::mismatch(then, now).in1 - then.begin());
+  const auto byteAt = [&](std::span<const std::uint8_t> message) {
+    return at < message.size() ? formatHex(message.subspan(at, 1)) : std::string("none");
+  };
+  return "sent other bytes: byte " + std::to_string(at) + " was " + byteAt(then) + " then, is " + byteAt(now) + " now";
+}
 
 // How many contents the message stored before its store failed.
 std::size_t roomOf(const Json& json) {
@@ -75,13 +90,12 @@ void Replay::readLines(std::string_view text) {
         head_ = readHead(line);
         continue;
       }
-      lines_.emplace_back().number = number;
-      readLine(line, lines_.back());
+      readLine(line, lines_.emplace_back(number));
       link(lines_.size() - 1);
     } catch (const WrongLine& wrong) {
       lines_.pop_back();
-      isCutShort_ = !hasEnd;
-      if (hasEnd) altered_ = Difference{number, wrong.what()};
+      isCutShort_ = !hasEnd && dynamic_cast<const NoJson*>(&wrong) != nullptr;
+      if (!isCutShort_) altered_ = Difference{number, wrong.what()};
     }
   }
   if (head_.is_null()) throw TranscriptError("it is no transcript: it is empty");
@@ -109,7 +123,7 @@ Replay::Json Replay::readHead(const std::string& line) {
 }
 
 void Replay::readLine(const std::string& text, Line& line) {
-  if (parseJson(text, line.json) || !line.json.is_object()) throw WrongLine("it is no JSON object");
+  if (parseJson(text, line.json) || !line.json.is_object()) throw NoJson();
   if (const std::string wrong = seal_.open(line.json); !wrong.empty()) throw WrongLine(wrong);
   if (line.json.find("library") == line.json.end()) {
     readMessage(line);
@@ -168,9 +182,12 @@ void Replay::begin(EmbeddedEditor& editor, std::optional<Library::Bytes> library
 }
 
 Replay::Result Replay::run(EmbeddedEditor& editor, std::optional<Library::Bytes> library) {
-  begin(editor, std::move(library));
   Result result;
   result.isCutShort = isCutShort_;
+  result.difference = altered_;
+  if (altered_ && altered_->line == 1) return result;
+  result.difference.reset();
+  begin(editor, std::move(library));
   std::optional<EmbeddedEditor::Run> run;
   std::uint64_t runNumber = 0;
   bool isCommitted = false;
@@ -229,8 +246,7 @@ std::optional<Replay::Difference> Replay::compareSent(const Line& line,
     if (sent.port != now[i].port)
       return Difference{sent.number, "sent on port " + std::to_string(sent.port) + " then, on port " +
                                          std::to_string(now[i].port) + " now"};
-    if (sent.bytes != now[i].bytes)
-      return Difference{sent.number, "sent " + formatHex(sent.bytes) + " then, " + formatHex(now[i].bytes) + " now"};
+    if (sent.bytes != now[i].bytes) return Difference{sent.number, describeOther(sent.bytes, now[i].bytes)};
   }
   // What was sent may stand behind what is not as it was written.
   if (now.size() == line.sent.size() || altered_ || isCutShort_) return std::nullopt;

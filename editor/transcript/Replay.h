@@ -62,7 +62,9 @@ class Replay {
       library,  // another program has changed it
     };
 
-    std::size_t number = 0;
+    explicit Line(std::size_t lineNumber) : number(lineNumber) {}
+
+    const std::size_t number;
     Kind kind = Kind::passed;
     Json json;
     std::vector<std::uint8_t> bytes;  // of the message, or of the library, if it is there

@@ -9,6 +9,13 @@
 
 namespace Editor {
 
+namespace {
+
+// So many messages may still go out when one behind them has.
+constexpr std::size_t kMostPassed = 64;
+
+}  // namespace
+
 void Transcript::writeHead(Library* library) {
   if (std::exchange(hasHead_, true)) return;
   const bool isKept = library != nullptr && options_.withLibrary;
@@ -37,6 +44,7 @@ Transcript::Json Transcript::lineOf(const char* direction, BDA::DevicePortNum po
 }
 
 void Transcript::arrived(std::span<const std::uint8_t> message) {
+  if (options_.hearsHanded) return;
   lines_.push_back({lineOf("in", BDA::DevicePort_Main, message), {}});
   if (options_.handsOnLater) lines_.back().arrived.assign(message.begin(), message.end());
   flush();
@@ -49,7 +57,9 @@ void Transcript::left(std::span<const std::uint8_t> message) {
   if (known != outgoing_.end()) {
     line["port"] = unsigned(known->sent.port);
     line["message"] = known->message;
+    const auto before = std::size_t(known - outgoing_.begin());
     outgoing_.erase(known);
+    leaveBehind(before > kMostPassed ? before - kMostPassed : 0);
   }
   lines_.push_back({std::move(line), {}});
   flush();
@@ -92,7 +102,7 @@ void Transcript::ran(std::size_t job, std::span<const std::uint8_t> request, con
 void Transcript::tell(const Record& record, std::uint64_t number, std::span<const std::uint8_t> message) {
   for (const AssistantHost::Sent& sent : record.sent) {
     const bool isEcho = std::ranges::equal(sent.bytes, message);
-    if (options_.sent == Sent::later && !isEcho) {
+    if (options_.sent == Sent::later && (options_.echoes || !isEcho)) {
       outgoing_.push_back({number, sent});
       continue;
     }
@@ -131,14 +141,20 @@ void Transcript::settle() {
   handedTo_ = lines_.end();
 }
 
-void Transcript::finish() {
-  for (const Outgoing& one : outgoing_) {
+// The first of what has not gone out will not.
+void Transcript::leaveBehind(std::size_t count) {
+  for (; count > 0; --count) {
+    const Outgoing& one = outgoing_.front();
     Json line = lineOf("out", one.sent.port, one.sent.bytes);
     line["message"] = one.message;
     line["passedOn"] = false;
     lines_.push_back({std::move(line), {}});
+    outgoing_.pop_front();
   }
-  outgoing_.clear();
+}
+
+void Transcript::finish() {
+  leaveBehind(outgoing_.size());
   settle();
   writeHead(nullptr);
 }

@@ -39,6 +39,7 @@ class Transcript final : public EditorListener, public PortListener {
     bool readsOnly = false;                 // the library is opened to read it
     Sent sent = Sent::atOnce;
     bool echoes = true;         // what it echoes goes along with what else it sends
+    bool hearsHanded = false;   // what arrives is handed over at once, and heard there
     bool handsOnLater = false;  // what arrives: lines wait for settle()
   };
 
@@ -75,6 +76,7 @@ class Transcript final : public EditorListener, public PortListener {
 
   Json lineOf(const char* direction, BDA::DevicePortNum port, std::span<const std::uint8_t> message) const;
   Lines::iterator findArrived(std::span<const std::uint8_t> message);
+  void leaveBehind(std::size_t count);
   void tell(const Record& record, std::uint64_t number, std::span<const std::uint8_t> message);
   void add(Json json);
   void writeHead(Library* library);

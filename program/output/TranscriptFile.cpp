@@ -36,13 +36,14 @@ std::optional<std::string> namesOf(const Program& program) {
 
 }  // namespace
 
-TranscriptFile::TranscriptFile(Transcript::Options how, Program& program) : program_(program) {
+TranscriptFile::TranscriptFile(Transcript::Options how, Program& program)
+    : program_(program), hasPort_(!how.port.empty()) {
   const std::string& path = program.transcript.file;
   if (path.empty()) return;
   constexpr int kMode = 0666;
-  const bool isStandardOutput = path == "-";
-  if (isStandardOutput) program.console.keepOutputForBytes();
-  file_ = isStandardOutput ? STDOUT_FILENO : ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kMode);
+  file_ = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+  isNew_ = file_ < 0 && errno == ENOENT;
+  if (isNew_) file_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, kMode);
   if (file_ < 0) throw Failure(kWrongUsage, cannotBeWritten(path, errno));
   how.withLibrary = program.transcript.withLibrary;
   how.names = namesOf(program);
@@ -51,18 +52,27 @@ TranscriptFile::TranscriptFile(Transcript::Options how, Program& program) : prog
 
 TranscriptFile::~TranscriptFile() {
   if (!transcript_) return;
-  transcript_->finish();
-  if (file_ != STDOUT_FILENO && ::close(file_) != 0 && error_ == 0) error_ = errno;
+  if (hasBegun_) transcript_->finish();
+  if (::close(file_) != 0 && error_ == 0) error_ = errno;
+  if (!hasBegun_ && isNew_) ::unlink(program_.transcript.file.c_str());
   // A reader that has gone wants no more of it.
   if (error_ == 0 || error_ == EPIPE) return;
   program_.console.problem("bda: " + cannotBeWritten(program_.transcript.file, error_));
   program_.failOutput();
 }
 
+// What stood in the file before goes now. A device or pipe has nothing that could.
+void TranscriptFile::begin() {
+  if (std::exchange(hasBegun_, true)) return;
+  if (::ftruncate(file_, 0) != 0 && errno != EINVAL) error_ = errno;
+  write(std::exchange(waiting_, ""));
+}
+
 void TranscriptFile::listen(EmbeddedEditor& editor) {
   if (!transcript_) return;
   try {
     editor.setListener(&*transcript_);
+    if (!hasPort_) begin();
   } catch (const LibraryError& error) {
     throw Failure(kUnusableInput, escape(error.what()));
   }
@@ -70,10 +80,15 @@ void TranscriptFile::listen(EmbeddedEditor& editor) {
 
 std::unique_ptr<Port> TranscriptFile::listen(std::unique_ptr<Port> port) {
   if (!transcript_) return port;
+  begin();
   return std::make_unique<ListenedPort>(std::move(port), *transcript_);
 }
 
 void TranscriptFile::write(const std::string& line) {
+  if (!hasBegun_) {
+    waiting_ += line;
+    return;
+  }
   for (std::size_t done = 0; done < line.size() && error_ == 0;) {
     const ssize_t count = ::write(file_, line.data() + done, line.size() - done);
     if (count < 0 && errno == EINTR) continue;

@@ -9,8 +9,9 @@
 
 namespace Editor {
 
-// The transcript of a run, if the program is to write one; else nothing here does anything. It is written line by line:
-// what stands there is as much as the run has done, however it ends.
+// The transcript of a run, if the program is to write one; else nothing here does anything. It is written line by line
+// from when the run begins, at its port if it has one: what stands there is as much as it has done, however it ends. A
+// file of that name stays as it is until then.
 class TranscriptFile {
  public:
   // Throws Failure.
@@ -35,9 +36,14 @@ class TranscriptFile {
   }
 
  private:
+  void begin();
   void write(const std::string& line);
 
   Program& program_;
+  const bool hasPort_;
+  bool hasBegun_ = false;
+  bool isNew_ = false;   // the file was not there before
+  std::string waiting_;  // lines from before it began
   int file_ = -1;
   int error_ = 0;  // of the system: nothing more is written
   std::optional<Transcript> transcript_;

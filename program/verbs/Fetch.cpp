@@ -75,12 +75,13 @@ class Fetching {
                                             .sent = Transcript::Sent::never,
                                             .handsOnLater = !isKeptInFile_},
                         program_);
-    const std::unique_ptr<Port> port = transcript_->listen(openPort(options_.from, BytePort::Direction::both));
+    std::unique_ptr<Port> port = openPort(options_.from, BytePort::Direction::both);
     const LibraryRun libraryRun{"fetch", {port->name()}};
     editor_ = isKeptInFile_     ? program_.openToRead()
               : options_.dryRun ? program_.openToRehearse(libraryRun)
                                 : program_.openToChange(libraryRun);
     transcript_->listen(*editor_);
+    port = transcript_->listen(std::move(port));
     intake_.emplace(*editor_);
     // Whoever is to be at the other end of a new terminal has to know where that is.
     const std::string from = fmt::format("from {}", escape(port->name()));

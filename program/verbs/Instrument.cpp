@@ -36,14 +36,19 @@ class Serving final : public Instrument::Observer {
   }
 
   void run() {
-    const std::unique_ptr<Port> port = openPort(options_.on, BytePort::Direction::both);
+    transcript_.emplace(Transcript::Options{.verb = "instrument",
+                                            .port = options_.on,
+                                            .sent = Transcript::Sent::later,
+                                            .echoes = options_.echoes,
+                                            .hearsHanded = true},
+                        program_);
+    std::unique_ptr<Port> port = openPort(options_.on, BytePort::Direction::both);
     const auto number = BDA::DevicePortNum(options_.port);
     port_ = port->name();
     longest_ = port->longestMessage();
-    transcript_.emplace(Transcript::Options{.verb = "instrument", .port = options_.on, .echoes = options_.echoes},
-                        program_);
     editor_ = program_.openToChange({"instrument", {port_}});
     transcript_->listen(*editor_);
+    port = transcript_->listen(std::move(port));
     report_.emplace(program_, *editor_,
                     MessageReport::Options{number, false, options_.json, OtherDevices::WayOut::setting});
     // Who made a terminal has to know where its other end is.

@@ -42,10 +42,15 @@ std::optional<Library::Bytes> libraryFor(const Replay& transcript, const std::st
 void replay(const std::string& file, const std::string& library, Program& program) {
   try {
     Replay transcript = readTranscript(file);
-    EmbeddedEditor editor;
+    // It bears the name of the one that it stands for: the screen shows that.
+    const std::string name = transcript.libraryName();
+    EmbeddedEditor editor(name.empty() ? "library" : name, {.use = Library::Use::memory});
     const Replay::Result result = transcript.run(editor, libraryFor(transcript, library));
     const auto place = [&](std::size_t line) { return fmt::format("{}, line {}", escape(file), line); };
-    if (result.isCutShort) program.console.note(fmt::format("{}: its last line is cut short", escape(file)));
+    if (result.isCutShort) {
+      program.console.problem(fmt::format("{}: its last line is cut short, and not compared", escape(file)));
+      program.refuse();
+    }
     if (result.difference) {
       program.console.problem(fmt::format("{}: {}", place(result.difference->line), escape(result.difference->text)));
       program.refuse();

@@ -7,6 +7,7 @@
 #include "Serving.h"
 #include "messages/Messages.h"
 #include "midi/Hex.h"
+#include "wire/BytePort.h"
 
 using testing::AllOf;
 using testing::HasSubstr;
@@ -175,6 +176,76 @@ TEST_F(Transcript, thatCannotBeWrittenIsAFailure) {
   EXPECT_THAT(bda({"receive", "-q", "all.syx", "--transcript", "library.db"}), Exits(1));
   EXPECT_THAT(bda({"receive", "-q", "all.syx", "--transcript", "all.syx"}), Exits(1));
   EXPECT_THAT(bda({"receive", "-q", "all.syx", "--with-library"}), Exits(1));
+}
+
+TEST_F(Transcript, aRunThatCannotBeginLeavesTheFileAsItWas) {
+  write("run.jsonl", "before\n");
+  const std::vector<std::vector<std::string>> runs{
+      {"fetch", "voice:edit", "--from", "/nope"},
+      {"record", "--from", "/nope", "-o", "x.syx"},
+      {"instrument", "--on", "/nope"},
+      {"send", "all.syx", "--to", "/nope"},
+      {"send", "voice:edit", "--to", "/nope"},
+      {"job", "voice", "--to", "/nope"},
+      {"send", "missing.syx", "--to", "-"},
+      {"request", "voice:edit", "--library", "no/such.db", "-o", "x.syx"},
+      {"receive", "missing.syx"},
+  };
+  for (const std::vector<std::string>& run : runs) {
+    EXPECT_NE(bda(transcribed(run)).code, 0) << run[0];
+    EXPECT_EQ(read("run.jsonl"), "before\n") << run[0];
+    std::filesystem::remove(directory / "run.jsonl");
+    bda(transcribed(run));
+    EXPECT_FALSE(exists("run.jsonl")) << run[0];
+    write("run.jsonl", "before\n");
+  }
+  const std::string dump = read("all.syx");
+  EXPECT_THAT(bda({"send", "all.syx", "--to", "pty:", "--transcript", "all.syx"}), Exits(1));
+  EXPECT_EQ(read("all.syx"), dump);
+}
+
+TEST_F(Transcript, isNothingForStandardOutput) {
+  EXPECT_THAT(bda({"receive", "all.syx", "--transcript", "-"}), Exits(1));
+}
+
+TEST_F(Transcript, ofTheScreenIsDoneAgain) {
+  EXPECT_THAT(bda(transcribed({"request", "-q", "screen", "-o", "screen.syx"})), Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+}
+
+TEST_F(Transcript, whoseLastLineIsCutOrAlteredIsNotAllTheSame) {
+  EXPECT_THAT(bda(transcribed({"receive", "-q", "all.syx"})), Exits(0));
+  std::string text = read("run.jsonl");
+  text.pop_back();
+  write("whole.jsonl", text);
+  EXPECT_THAT(bda({"replay", "whole.jsonl"}), Exits(0));
+  write("cut.jsonl", text.substr(0, text.size() - 1));
+  EXPECT_THAT(bda({"replay", "cut.jsonl"}), Exits(3));
+  EXPECT_THAT(bda({"replay", "cut.jsonl"}).err, HasSubstr("its last line is cut short"));
+  text[text.rfind("F7")] = 'E';
+  write("altered.jsonl", text);
+  EXPECT_THAT(bda({"replay", "altered.jsonl"}), Exits(3));
+  EXPECT_THAT(bda({"replay", "altered.jsonl"}).err, HasSubstr("altered or removed"));
+  std::string head = read("run.jsonl");
+  head[head.find("\"library\":\"") + 40] ^= 1;
+  write("head.jsonl", head);
+  EXPECT_THAT(bda({"replay", "head.jsonl"}), Exits(3));
+  EXPECT_THAT(bda({"replay", "head.jsonl"}).err, HasSubstr("head.jsonl, line 1: "));
+}
+
+TEST_F(Transcript, ofAnInstrumentSaysWhatHasNotGoneOut) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--library", "instrument.db"}), Exits(0));
+  Serving instrument(std::string(BDA_PROGRAM) + " instrument --on pty: --pace 500 --library '" +
+                     (directory / "instrument.db").string() + "' --transcript '" + (directory / "run.jsonl").string() +
+                     "' --with-library 2>/dev/null");
+  Editor::BytePort port(instrument.path, Editor::BytePort::Direction::both);
+  const std::vector<std::uint8_t> request = Editor::requestMessage(kVoice, 0);
+  EXPECT_EQ(port.send(request), request.size());
+  std::size_t heard = 0;
+  while (heard < 100) heard += port.wait(port.now() + std::chrono::milliseconds(200), false).size();
+  EXPECT_EQ(instrument.stop(), 130);
+  EXPECT_FALSE(linesWith("passedOn", false).empty());
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
 }
 
 TEST_F(Transcript, whatIsNoneIsRefused) {

@@ -126,7 +126,7 @@ TEST_F(ReplayTest, AnotherLibraryAnswersOtherwise) {
   EXPECT_EQ(differenceIn(text, image), "");
   EmbeddedEditor other;
   receive(other, unitOf(kMaster, BDA::List::master, 4));
-  EXPECT_THAT(differenceIn(text, other.library().image()), HasSubstr("line 4: sent F0"));
+  EXPECT_THAT(differenceIn(text, other.library().image()), HasSubstr("line 4: sent other bytes: byte "));
   EXPECT_THAT(differenceIn(text, EmbeddedEditor().library().image()), HasSubstr("line 2: "));
   EXPECT_THROW(again(text), TranscriptError);
 }
