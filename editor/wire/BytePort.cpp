@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <system_error>
+#include <cstring>
 
 #include "messages/Text.h"
 #include "wire/Poll.h"
@@ -19,7 +19,7 @@ namespace Editor {
 
 namespace {
 
-std::string reasonOf(int error) { return std::generic_category().message(error); }
+std::string reasonOf(int error) { return std::strerror(error); }
 
 [[noreturn]] void refuse(const std::string& name, const std::string& why) {
   throw PortError(PortError::Kind::cannotOpen, fmt::format("port {}: {}", escape(name), why));
