@@ -130,10 +130,7 @@ void Replay::readLine(const std::string& text, Line& line) {
     return;
   }
   line.kind = Line::Kind::library;
-  if (std::optional<Library::Bytes> library = libraryIn(line.json)) {
-    line.hasLibrary = true;
-    line.bytes = *std::move(library);
-  }
+  if (std::optional<Library::Bytes> library = libraryIn(line.json)) line.bytes = *std::move(library);
 }
 
 void Replay::readMessage(Line& line) {
@@ -184,9 +181,10 @@ void Replay::begin(EmbeddedEditor& editor, std::optional<Library::Bytes> library
 Replay::Result Replay::run(EmbeddedEditor& editor, std::optional<Library::Bytes> library) {
   Result result;
   result.isCutShort = isCutShort_;
-  result.difference = altered_;
-  if (altered_ && altered_->line == 1) return result;
-  result.difference.reset();
+  if (altered_ && altered_->line == 1) {
+    result.difference = altered_;
+    return result;
+  }
   begin(editor, std::move(library));
   std::optional<EmbeddedEditor::Run> run;
   std::uint64_t runNumber = 0;
@@ -198,7 +196,7 @@ Replay::Result Replay::run(EmbeddedEditor& editor, std::optional<Library::Bytes>
   for (const Line& line : lines_) {
     if (line.kind == Line::Kind::library) {
       endRun();
-      if (!line.hasLibrary) {
+      if (line.bytes.empty()) {
         result.endsAt = line.number;
         return result;
       }

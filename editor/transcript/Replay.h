@@ -67,13 +67,12 @@ class Replay {
     const std::size_t number;
     Kind kind = Kind::passed;
     Json json;
-    std::vector<std::uint8_t> bytes;  // of the message, or of the library, if it is there
+    std::vector<std::uint8_t> bytes;  // of the message, or of the library; none: it is not there
     BDA::DevicePortNum port{};
     std::uint64_t message = 0;       // handed and sent
     std::uint64_t run = 0;           // handed: of which Run; 0: of none
     std::optional<std::size_t> job;  // handed: it is the request of one
     std::vector<std::size_t> sent;   // handed: the lines of what was
-    bool hasLibrary = false;
   };
 
   Json readHead(const std::string& line);

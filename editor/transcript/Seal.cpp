@@ -1,5 +1,7 @@
 #include "transcript/Seal.h"
 
+#include <fmt/format.h>
+
 #include "contents/Fingerprint.h"
 #include "models/ModelJson.h"
 
@@ -13,14 +15,7 @@ std::uint64_t hashOf(const std::string& text, std::uint64_t before) {
   return fnv1a({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}, before);
 }
 
-std::string digitsOf(std::uint64_t hash) {
-  constexpr const char* kDigits = "0123456789abcdef";
-  constexpr int kBits = 64;
-  constexpr int kDigitBits = 4;
-  std::string digits;
-  for (int shift = kBits - kDigitBits; shift >= 0; shift -= kDigitBits) digits += kDigits[hash >> shift & 0xF];
-  return digits;
-}
+std::string digitsOf(std::uint64_t hash) { return fmt::format("{:016x}", hash); }
 
 }  // namespace
 

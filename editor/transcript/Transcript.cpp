@@ -32,7 +32,9 @@ void Transcript::writeHead(Library* library) {
 
 void Transcript::found(Library& library) {
   if (!hasHead_) return writeHead(&library);
-  add({{"library", options_.withLibrary ? Json(formatBase64(library.image())) : Json(nullptr)}});
+  const Json image{{"library", options_.withLibrary ? Json(formatBase64(library.image())) : Json(nullptr)}};
+  lines_.insert(handedTo_, {image, {}});
+  flush();
 }
 
 Transcript::Json Transcript::lineOf(const char* direction, BDA::DevicePortNum port,
@@ -101,14 +103,13 @@ void Transcript::ran(std::size_t job, std::span<const std::uint8_t> request, con
 
 void Transcript::tell(const Record& record, std::uint64_t number, std::span<const std::uint8_t> message) {
   for (const AssistantHost::Sent& sent : record.sent) {
-    const bool isEcho = std::ranges::equal(sent.bytes, message);
-    if (options_.sent == Sent::later && (options_.echoes || !isEcho)) {
+    if (options_.sent == Sent::later && (options_.echoes || !std::ranges::equal(sent.bytes, message))) {
       outgoing_.push_back({number, sent});
       continue;
     }
     Json line = lineOf("out", sent.port, sent.bytes);
     line["message"] = number;
-    if (options_.sent != Sent::atOnce || (isEcho && !options_.echoes)) line["passedOn"] = false;
+    if (options_.sent != Sent::atOnce) line["passedOn"] = false;
     lines_.insert(handedTo_, {std::move(line), {}});
   }
 }
@@ -122,11 +123,6 @@ void Transcript::runEnds(bool isCommitted) {
   isInRun_ = false;
   for (Line& line : lines_)
     if (std::exchange(line.isOfRun, false)) line.json["committed"] = isCommitted;
-  flush();
-}
-
-void Transcript::add(Json json) {
-  lines_.insert(handedTo_, {std::move(json), {}});
   flush();
 }
 

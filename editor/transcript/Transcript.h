@@ -18,7 +18,7 @@
 namespace Editor {
 
 // Writes down a run of messages so that it can be done again: which went in which direction when, what the assistant
-// made of those that it was handed, and the library that they met. A line of JSON each, as docs/json.md has them.
+// made of those that it was handed, and the library that they met. A line of JSON each, as docs/trace.md has them.
 //
 // A message that arrives at a port and is handed on later is one line. As long as that may still happen, and as long as
 // it is open whether a Run will be committed, lines wait.
@@ -38,7 +38,7 @@ class Transcript final : public EditorListener, public PortListener {
     bool anyDevice = false;                 // the editor takes messages as if they were for its own
     bool readsOnly = false;                 // the library is opened to read it
     Sent sent = Sent::atOnce;
-    bool echoes = true;         // what it echoes goes along with what else it sends
+    bool echoes = false;        // Sent::later: what it echoes goes out as well
     bool hearsHanded = false;   // what arrives is handed over at once, and heard there
     bool handsOnLater = false;  // what arrives: lines wait for settle()
   };
@@ -78,7 +78,6 @@ class Transcript final : public EditorListener, public PortListener {
   Lines::iterator findArrived(std::span<const std::uint8_t> message);
   void leaveBehind(std::size_t count);
   void tell(const Record& record, std::uint64_t number, std::span<const std::uint8_t> message);
-  void add(Json json);
   void writeHead(Library* library);
   void write(const Json& json);
   void flush();

@@ -31,6 +31,7 @@ bool isOfScreen(BulkAddress address) { return address == kScreen || address == k
 SendPlan::SendPlan(const Batch& batch) {
   std::vector<std::optional<std::size_t>> planned(batch.units.size());  // where a unit of the batch stands here
   std::size_t triggers = 0;
+  bool removesMixingVoices = false;
   for (const Batch::Message& message : batch.messages) {
     const Reading reading = readMessage(message.bytes);
     if (reading.kind != Reading::Kind::dump) {
@@ -62,7 +63,7 @@ SendPlan::SendPlan(const Batch& batch) {
   }
   if (removesMixingVoices) keepMixingVoices();
   group();
-  tellFurther();
+  tellFurther(removesMixingVoices);
 }
 
 void SendPlan::add(Send::Unit unit, std::string place, std::string effect) {
@@ -108,7 +109,7 @@ void SendPlan::group() {
   }
 }
 
-void SendPlan::tellFurther() {
+void SendPlan::tellFurther(bool removesMixingVoices) {
   const auto find = [&](EditBuffer buffer) {
     return std::ranges::find_if(units, [&](const Send::Unit& unit) { return isOf(buffer, addressOf(unit)); });
   };

@@ -17,7 +17,6 @@ struct SendPlan {
   std::vector<std::string> places;   // readable, of each: what it overwrites, or has removed
   std::vector<std::string> effects;  // each, in words: what it does in the instrument
   std::vector<std::string> further;  // likewise: what they do beside
-  bool removesMixingVoices = false;  // a trigger has all of them removed
   std::uint64_t leftOut = 0;         // messages that are no dumps for this instrument
   std::set<unsigned> devices;        // whom the dumps are for, from 1
   std::uint64_t messages = 0;
@@ -33,7 +32,7 @@ struct SendPlan {
   void addAlone(const Batch::Message& message, const Reading& reading);
   void keepMixingVoices();
   void group();
-  void tellFurther();
+  void tellFurther(bool removesMixingVoices);
 };
 
 // The file dumps of a batch that no trigger writes.

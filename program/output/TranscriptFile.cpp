@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 #include <cstring>
 #include <utility>
 
@@ -15,10 +14,6 @@
 namespace Editor {
 
 namespace {
-
-WireTime steadyTime() {
-  return std::chrono::duration_cast<WireTime>(std::chrono::steady_clock::now().time_since_epoch());
-}
 
 std::string cannotBeWritten(const std::string& path, int error) {
   return fmt::format("{}: cannot be written: {}", escape(path), std::strerror(error));
@@ -40,14 +35,14 @@ TranscriptFile::TranscriptFile(Transcript::Options how, Program& program)
     : program_(program), hasPort_(!how.port.empty()) {
   const std::string& path = program.transcript.file;
   if (path.empty()) return;
+  how.withLibrary = program.transcript.withLibrary;
+  how.names = namesOf(program);
   constexpr int kMode = 0666;
   file_ = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
   isNew_ = file_ < 0 && errno == ENOENT;
   if (isNew_) file_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, kMode);
   if (file_ < 0) throw Failure(kWrongUsage, cannotBeWritten(path, errno));
-  how.withLibrary = program.transcript.withLibrary;
-  how.names = namesOf(program);
-  transcript_.emplace(std::move(how), steadyTime, [this](const std::string& line) { write(line + '\n'); });
+  transcript_.emplace(std::move(how), machineTime, [this](const std::string& line) { write(line + '\n'); });
 }
 
 TranscriptFile::~TranscriptFile() {

@@ -50,9 +50,7 @@ class Sending {
       : options_(options),
         program_(program),
         console_(program.console),
-        transcript_(
-            {.verb = verb, .port = options.to, .readsOnly = true, .sent = Transcript::Sent::later, .echoes = false},
-            program) {
+        transcript_({.verb = verb, .port = options.to, .readsOnly = true, .sent = Transcript::Sent::later}, program) {
     if (options.to == "-") console_.keepOutputForBytes();
     console_.flushEachLine();
   }

@@ -224,6 +224,17 @@ TEST_F(ReplayTest, AStoreThatFailedFailsAgain) {
   EXPECT_THAT(differenceIn(textOf(other)), HasSubstr("outcome: \"refused\" then, \"stored\" now"));
 }
 
+TEST_F(ReplayTest, AMessageAtWhichTheLibraryFailedSaysSoAndIsPassedOver) {
+  hand({request(kSystemRemote)});
+  transcript->handed(++number, BDA::DevicePort_Main, dump(kMaster), nullptr);
+  const Json last = lines().back();
+  EXPECT_EQ(last.at("storeFails"), true);
+  EXPECT_FALSE(last.contains("outcome"));
+  const Replay::Result result = again(text);
+  EXPECT_EQ(result.messages, 1U);
+  EXPECT_FALSE(result.difference);
+}
+
 TEST_F(ReplayTest, WhatAnotherProgramMadeOfTheLibraryIsInItToo) {
   hand({request(kSystemRemote)});
   hand(unitOf(kMaster, BDA::List::master, 3));
