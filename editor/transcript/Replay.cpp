@@ -108,7 +108,9 @@ void Replay::link(std::size_t line) {
   if (last.kind != Line::Kind::sent) return;
   const auto handed = handed_.find(last.message);
   if (handed == handed_.end()) throw WrongLine("no message before it has its number");
-  lines_[handed->second].sent.push_back(line);
+  auto& sent = lines_[handed->second].sent;
+  const std::uint64_t answer = find(last.json, "answer") == nullptr ? sent.size() + 1 : numberIn(last.json, "answer");
+  if (!sent.emplace(answer, line).second) throw WrongLine("that answer stands before it already");
 }
 
 Replay::Json Replay::readHead(const std::string& line) {
@@ -210,14 +212,14 @@ Replay::Result Replay::run(EmbeddedEditor& editor, std::optional<Library::Bytes>
       isCommitted = isSet(line.json, "committed");
     }
     ++result.messages;
-    if ((result.difference = replay(line, editor))) return result;
+    if ((result.difference = replay(line, editor, result))) return result;
   }
   endRun();
   result.difference = altered_;
   return result;
 }
 
-std::optional<Replay::Difference> Replay::replay(const Line& line, EmbeddedEditor& editor) const {
+std::optional<Replay::Difference> Replay::replay(const Line& line, EmbeddedEditor& editor, Result& result) const {
   const bool failsToStore = isSet(line.json, "storeFails");
   editor.library().setRoom(failsToStore ? std::optional(roomOf(line.json)) : std::nullopt);
   std::optional<Record> record;
@@ -233,23 +235,28 @@ std::optional<Replay::Difference> Replay::replay(const Line& line, EmbeddedEdito
     if (then == nullptr ? here == nullptr : here != nullptr && *then == *here) continue;
     return Difference{line.number, std::string(key) + ": " + wordsOf(then) + " then, " + wordsOf(here) + " now"};
   }
-  return compareSent(line, record->sent);
+  return compareSent(line, record->sent, result);
 }
 
-std::optional<Replay::Difference> Replay::compareSent(const Line& line,
-                                                      const std::vector<AssistantHost::Sent>& now) const {
-  for (std::size_t i = 0; i < line.sent.size(); ++i) {
-    const Line& sent = lines_[line.sent[i]];
-    if (i >= now.size()) return Difference{sent.number, "it is not sent now"};
-    if (sent.port != now[i].port)
+std::optional<Replay::Difference> Replay::compareSent(const Line& line, const std::vector<AssistantHost::Sent>& now,
+                                                      Result& result) const {
+  for (const auto& [answer, index] : line.sent) {
+    const Line& sent = lines_[index];
+    if (answer == 0 || answer > now.size()) return Difference{sent.number, "it is not sent now"};
+    const AssistantHost::Sent& here = now[answer - 1];
+    if (sent.port != here.port)
       return Difference{sent.number, "sent on port " + std::to_string(sent.port) + " then, on port " +
-                                         std::to_string(now[i].port) + " now"};
-    if (sent.bytes != now[i].bytes) return Difference{sent.number, describeOther(sent.bytes, now[i].bytes)};
+                                         std::to_string(here.port) + " now"};
+    if (sent.bytes != here.bytes) return Difference{sent.number, describeOther(sent.bytes, here.bytes)};
   }
   // What was sent may stand behind what is not as it was written.
-  if (now.size() == line.sent.size() || altered_ || isCutShort_) return std::nullopt;
-  return Difference{line.number,
-                    counted(line.sent.size(), "message") + " sent then, " + std::to_string(now.size()) + " now"};
+  const bool isCounted = find(line.json, "answers") != nullptr;
+  if (!isCounted && (altered_ || isCutShort_)) return std::nullopt;
+  const std::uint64_t then = isCounted ? numberIn(line.json, "answers") : line.sent.size();
+  if (now.size() != then)
+    return Difference{line.number, counted(then, "message") + " sent then, " + std::to_string(now.size()) + " now"};
+  result.unwritten += then - line.sent.size();
+  return std::nullopt;
 }
 
 }  // namespace Editor

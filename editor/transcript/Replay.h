@@ -35,7 +35,8 @@ class Replay {
     // The line from which on nothing could be done: another program has changed the library there, and the transcript
     // does not hold what became of it.
     std::optional<std::size_t> endsAt;
-    bool isCutShort = false;  // its last line is
+    bool isCutShort = false;      // its last line is
+    std::uint64_t unwritten = 0;  // so many messages that were sent then do not stand in it
   };
 
   // Throws TranscriptError.
@@ -72,7 +73,8 @@ class Replay {
     std::uint64_t message = 0;       // handed and sent
     std::uint64_t run = 0;           // handed: of which Run; 0: of none
     std::optional<std::size_t> job;  // handed: it is the request of one
-    std::vector<std::size_t> sent;   // handed: the lines of what was
+    // handed: by which of its answers it is, from 0, the line of what was sent
+    std::map<std::uint64_t, std::size_t> sent;
   };
 
   Json readHead(const std::string& line);
@@ -81,8 +83,9 @@ class Replay {
   static void readMessage(Line& line);
   static std::optional<Library::Bytes> libraryIn(const Json& json);
   void begin(EmbeddedEditor& editor, std::optional<Library::Bytes> library) const;
-  std::optional<Difference> replay(const Line& line, EmbeddedEditor& editor) const;
-  std::optional<Difference> compareSent(const Line& line, const std::vector<AssistantHost::Sent>& now) const;
+  std::optional<Difference> replay(const Line& line, EmbeddedEditor& editor, Result& result) const;
+  std::optional<Difference> compareSent(const Line& line, const std::vector<AssistantHost::Sent>& now,
+                                        Result& result) const;
   void link(std::size_t line);
 
   Seal seal_;

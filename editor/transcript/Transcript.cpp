@@ -59,6 +59,7 @@ void Transcript::left(std::span<const std::uint8_t> message) {
   if (known != outgoing_.end()) {
     line["port"] = unsigned(known->sent.port);
     line["message"] = known->message;
+    line["answer"] = known->answer;
     const auto before = std::size_t(known - outgoing_.begin());
     outgoing_.erase(known);
     leaveBehind(before > kMostPassed ? before - kMostPassed : 0);
@@ -91,7 +92,10 @@ void Transcript::handed(std::uint64_t number, BDA::DevicePortNum port, std::span
   if (isInRun_) line->json["run"] = runs_;
   if (job_) line->json["job"] = kBulkJobs.at(*job_).name;
   origin_ = {};
-  if (record != nullptr) tell(*record, number, message);
+  if (record != nullptr) {
+    if (!record->sent.empty()) line->json["answers"] = record->sent.size();
+    tell(*record, number, message);
+  }
   flush();
 }
 
@@ -102,13 +106,16 @@ void Transcript::ran(std::size_t job, std::span<const std::uint8_t> request, con
 }
 
 void Transcript::tell(const Record& record, std::uint64_t number, std::span<const std::uint8_t> message) {
+  std::uint64_t answer = 0;
   for (const AssistantHost::Sent& sent : record.sent) {
+    ++answer;
     if (options_.sent == Sent::later && (options_.echoes || !std::ranges::equal(sent.bytes, message))) {
-      outgoing_.push_back({number, sent});
+      outgoing_.push_back({number, answer, sent});
       continue;
     }
     Json line = lineOf("out", sent.port, sent.bytes);
     line["message"] = number;
+    line["answer"] = answer;
     if (options_.sent != Sent::atOnce) line["passedOn"] = false;
     lines_.insert(handedTo_, {std::move(line), {}});
   }
@@ -143,6 +150,7 @@ void Transcript::leaveBehind(std::size_t count) {
     const Outgoing& one = outgoing_.front();
     Json line = lineOf("out", one.sent.port, one.sent.bytes);
     line["message"] = one.message;
+    line["answer"] = one.answer;
     line["passedOn"] = false;
     lines_.push_back({std::move(line), {}});
     outgoing_.pop_front();

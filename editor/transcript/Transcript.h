@@ -96,6 +96,7 @@ class Transcript final : public EditorListener, public PortListener {
   Lines::iterator handedTo_ = lines_.end();  // what is handed over next stands before it, or it is it
   struct Outgoing {
     std::uint64_t message;  // that it answers
+    std::uint64_t answer;   // which of its answers, from 1
     AssistantHost::Sent sent;
   };
   std::deque<Outgoing> outgoing_;  // Sent::later

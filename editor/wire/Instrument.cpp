@@ -17,7 +17,7 @@ bool stores(const Reading& reading) {
 
 void Instrument::receive(std::span<const std::uint8_t> bytes, WireTime now) {
   now_ = now;
-  joiner_.feed(bytes);
+  if (!isStopped_) joiner_.feed(bytes);
 }
 
 void Instrument::lost(std::uint64_t count, WireTime now) {
@@ -28,7 +28,24 @@ void Instrument::lost(std::uint64_t count, WireTime now) {
 // What nobody takes is lost, as on a cable that leads nowhere.
 void Instrument::pass(WireTime now) {
   constexpr WireTime kPatience = std::chrono::seconds(2);
-  if (const std::optional<WireTime> due = pacer_.due(); due && now > *due + kPatience) pacer_.forgetWaiting();
+  isNobodyThere_ = offeredSince_ && now > *offeredSince_ + kPatience;
+  if (isNobodyThere_) pacer_.forgetWaiting();
+}
+
+std::span<const std::uint8_t> Instrument::toSend(WireTime now) {
+  const std::span<const std::uint8_t> bytes = pacer_.take(now);
+  offeredSince_ = bytes.empty() ? std::nullopt : std::optional(offeredSince_.value_or(now));
+  return bytes;
+}
+
+void Instrument::sent(std::size_t count) {
+  if (count > 0) offeredSince_.reset();
+  pacer_.sent(count);
+}
+
+void Instrument::stop() {
+  isStopped_ = true;
+  pacer_.forgetWaiting();
 }
 
 // What a fault has left of a message may be none any more, or several.

@@ -53,10 +53,13 @@ class Instrument final : public WireEnd, private StreamJoiner::Receiver {
   void lost(std::uint64_t count, WireTime now) override;
   void pass(WireTime now) override;
   std::optional<WireTime> due() const override { return pacer_.due(); }
-  std::span<const std::uint8_t> toSend(WireTime now) override { return pacer_.take(now); }
-  void sent(std::size_t count) override { pacer_.sent(count); }
-  // It waits for more as long as there is somebody at the other end.
-  bool isDone() const override { return false; }
+  std::span<const std::uint8_t> toSend(WireTime now) override;
+  void sent(std::size_t count) override;
+  // It waits for more until it is stopped.
+  bool isDone() const override { return isStopped_ && (!pacer_.due() || isNobodyThere_); }
+
+  // Nothing more is handled: the message that has begun to go out is the last one.
+  void stop();
 
  private:
   static constexpr std::size_t kLongest = 16U << 20;
@@ -75,6 +78,9 @@ class Instrument final : public WireEnd, private StreamJoiner::Receiver {
   StreamJoiner joiner_;
   WireTime now_{};
   std::uint64_t number_ = 0;
+  bool isStopped_ = false;
+  std::optional<WireTime> offeredSince_;  // what nobody has taken yet
+  bool isNobodyThere_ = false;            // who takes what it sends
 };
 
 }  // namespace Editor

@@ -21,6 +21,7 @@ class Turn {
       const std::span<const std::uint8_t> bytes = end_.toSend(now);
       if (bytes.empty()) {
         stuckSince_.reset();
+        if (end_.isDone()) return {};
         return port_.wait(end_.due(), false);
       }
       const std::size_t count = port_.send(bytes);

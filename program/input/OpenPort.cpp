@@ -24,6 +24,18 @@ bool runAt(Port& port, WireEnd& end) {
   return end.isDone();
 }
 
+bool runAt(Port& port, WireEnd& end, const std::function<void()>& stop) {
+  bool isStopped = false;
+  run(end, port, [&] {
+    if (!Interruptible::isAsked() || isStopped) return Interruptible::isAsked();
+    isStopped = true;
+    Interruptible::forget();
+    stop();
+    return end.isDone();
+  });
+  return !isStopped;
+}
+
 void tellDropped(const Port& port, Console& console) {
   if (const std::uint64_t count = port.dropped(); count > 0)
     console.problem(fmt::format("{} dropped: {}", counted(count, "byte"), describe(StreamJoiner::Reason::Overrun)));

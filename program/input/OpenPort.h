@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -16,6 +17,10 @@ std::unique_ptr<Port> openPort(const std::string& name, BytePort::Direction dire
 // Lets the end go on at the port until it is done, true, or until Ctrl-C has come, false. Throws PortError, and what
 // the end throws.
 bool runAt(Port& port, WireEnd& end);
+
+// The same, but that the first Ctrl-C calls `stop`, which brings the end to one, and the second ends it at once. False:
+// there was one.
+bool runAt(Port& port, WireEnd& end, const std::function<void()>& stop);
 
 // Says what has arrived for which there was no room: for who is not told of it piece by piece.
 void tellDropped(const Port& port, Console& console);

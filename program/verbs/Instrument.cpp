@@ -65,8 +65,7 @@ class Serving final : public Instrument::Observer {
                           Pacer(options_.pace.value_or(port->defaultPace()), options_.pauses, port->takes()), *this);
     std::optional<Failure> failure;
     try {
-      serve(*port, instrument);
-      if (Interruptible::isAsked()) failure = Failure(kInterrupted, "interrupted");
+      if (!serve(*port, instrument)) failure = Failure(kInterrupted, "interrupted");
     } catch (const PortError& gone) {
       failure = Failure(kWrongUsage, gone.what());
     } catch (const LibraryError& error) {
@@ -81,12 +80,13 @@ class Serving final : public Instrument::Observer {
 
  private:
   // The end of what comes through a pipe is one, once everything is answered.
-  static void serve(Port& port, Instrument& instrument) {
+  static bool serve(Port& port, Instrument& instrument) {
     try {
-      runAt(port, instrument);
+      return runAt(port, instrument, [&] { instrument.stop(); });
     } catch (const PortError& error) {
       if (error.kind() != PortError::Kind::ended) throw;
       sendRest(instrument, port, Interruptible::isAsked);
+      return !Interruptible::isAsked();
     }
   }
 

@@ -60,6 +60,10 @@ void replay(const std::string& file, const std::string& library, Program& progra
           "replayed",
           place(*result.endsAt)));
       program.refuse();
+    } else if (result.unwritten > 0 && !result.isCutShort) {
+      program.console.problem(fmt::format("{}: it ends before {} that were sent had gone out: these are not compared",
+                                          escape(file), counted(result.unwritten, "message")));
+      program.refuse();
     } else if (result.messages == 0) {
       throw Failure(kUnusableInput, "nothing in it was handed to a library: there is nothing to replay");
     }

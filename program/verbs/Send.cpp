@@ -215,7 +215,8 @@ class Sending {
     std::optional<Failure> failure;
     try {
       if (hears) port->discard();  // what came before nobody asked for
-      runUntilStopped(*port, end, failure);
+      // What has begun is finished, so that the instrument is not left deaf.
+      if (!runAt(*port, end, [&] { end.stop(); })) failure = Failure(kInterrupted, "interrupted");
     } catch (const PortError& gone) {
       failure = Failure(kWrongUsage, gone.what());
     }
@@ -224,18 +225,6 @@ class Sending {
     tellDropped(*port, console_);
     tellEnd(plan, end);
     if (failure) throw *std::move(failure);
-  }
-
-  // The first Ctrl-C ends it when the unit that has begun is out, the second at once.
-  static void runUntilStopped(Port& port, Send& end, std::optional<Failure>& failure) {
-    Editor::run(end, port, [&] {
-      if (!Interruptible::isAsked()) return false;
-      if (failure) return true;
-      failure = Failure(kInterrupted, "interrupted");
-      Interruptible::forget();
-      end.stop();
-      return false;
-    });
   }
 
   void tellEnd(const SendPlan& plan, const Send& end) {

@@ -233,6 +233,18 @@ TEST_F(Transcript, whoseLastLineIsCutOrAlteredIsNotAllTheSame) {
   EXPECT_THAT(bda({"replay", "head.jsonl"}).err, HasSubstr("head.jsonl, line 1: "));
 }
 
+// The faults are not the assistant's: what it made of each message is the same without them.
+TEST_F(Transcript, ofAnInstrumentWithFaultsIsDoneAgain) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--library", "instrument.db"}), Exits(0));
+  Serving instrument(std::string(BDA_PROGRAM) + " instrument --on pty: --library '" +
+                     (directory / "instrument.db").string() + "' --transcript '" + (directory / "run.jsonl").string() +
+                     "' --with-library --faults flip=20%,cut=10%,repeat=20%,drop=10%,reorder=30% --seed 3 2>/dev/null");
+  bda({"fetch", "voice:user1:6", "master:4", "system", "--from", instrument.path, "--timeout", "0.2", "--pace", "none",
+       "-o", "some.syx"});
+  instrument.stop();
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+}
+
 TEST_F(Transcript, ofAnInstrumentSaysWhatHasNotGoneOut) {
   EXPECT_THAT(bda({"receive", "-q", "all.syx", "--library", "instrument.db"}), Exits(0));
   Serving instrument(std::string(BDA_PROGRAM) + " instrument --on pty: --pace 500 --library '" +

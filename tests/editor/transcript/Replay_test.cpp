@@ -199,14 +199,54 @@ TEST_F(ReplayTest, WhatIsComparedNeedsNoSeal) {
 TEST_F(ReplayTest, WhatIsSentMustBeThatAndNoMoreAndNoLess) {
   hand({request(kSystemRemote)});
   const std::vector<Json> all = lines();
-  std::vector<Json> fewer(all.begin(), all.end() - 1);
-  EXPECT_THAT(differenceIn(textOf(fewer)), HasSubstr("line 2: 0 messages sent then, 1 now"));
+  const std::vector<Json> fewer(all.begin(), all.end() - 1);
+  EXPECT_EQ(again(textOf(fewer)).unwritten, 1U);
+  std::vector<Json> none = fewer;
+  none.back().erase("answers");
+  EXPECT_THAT(differenceIn(textOf(none)), HasSubstr("line 2: 0 messages sent then, 1 now"));
   std::vector<Json> more = all;
   more.push_back(all.back());
+  EXPECT_EQ(differenceIn(textOf(more)), "line 4: that answer stands before it already");
+  more.back()["answer"] = 2;
+  EXPECT_EQ(differenceIn(textOf(more)), "line 4: it is not sent now");
+  more.back().erase("answer");
   EXPECT_EQ(differenceIn(textOf(more)), "line 4: it is not sent now");
   std::vector<Json> elsewhere = all;
   elsewhere.back()["port"] = 4;
   EXPECT_EQ(differenceIn(textOf(elsewhere)), "line 3: sent on port 4 then, on port 1 now");
+}
+
+// What becomes of it on its way out, in which order, and whether it was written down before the end came.
+TEST_F(ReplayTest, WhatIsSentIsComparedInTheOrderInWhichTheAssistantSentIt) {
+  hand(unitOf(kVoice, BDA::List::normalVoice, 7));
+  const Bytes request = editor->requestFor(kVoice);
+  const std::vector<AssistantHost::Sent> answers =
+      EmbeddedEditor(directory / "library.db").handle(request, BDA::DevicePort_Main, 1).sent;
+  ASSERT_GT(answers.size(), 3U);
+  text.clear();
+  transcript.emplace(
+      Transcript::Options{
+          .verb = "instrument", .withLibrary = true, .sent = Transcript::Sent::later, .hearsHanded = true},
+      [this] { return now++; }, [this](const std::string& line) { text += line + '\n'; });
+  editor->setListener(&*transcript);
+  hand({request});
+  transcript->left(answers[1].bytes);
+  transcript->left(answers[0].bytes);
+  transcript->left(answers[0].bytes);
+  transcript->left(Bytes{0xF0, 0x41, 0x01, 0xF7});
+  const std::string killed = text;
+  const std::vector<Json> all = lines();
+  EXPECT_EQ(all[1].at("answers"), answers.size());
+  EXPECT_EQ(all[2].at("answer"), 2);
+  EXPECT_EQ(all[3].at("answer"), 1);
+  EXPECT_FALSE(all[4].contains("message"));
+  EXPECT_EQ(again(text).unwritten, 0U);
+  EXPECT_EQ(differenceIn(text), "");
+  EXPECT_EQ(again(killed).unwritten, answers.size() - 2);
+  EXPECT_EQ(differenceIn(killed), "");
+  std::vector<Json> swapped = all;
+  std::swap(swapped[2]["answer"], swapped[3]["answer"]);
+  EXPECT_THAT(differenceIn(textOf(swapped)), HasSubstr("line 3: sent other bytes"));
 }
 
 TEST_F(ReplayTest, AStoreThatFailedFailsAgain) {

@@ -59,6 +59,39 @@ TEST_F(InstrumentTest, AnswersWhatItIsAskedAndTellsEachMessage) {
   EXPECT_EQ(sentBy(instrument, 0s), joined(unitOf(kMaster, BDA::List::master)));
 }
 
+TEST_F(InstrumentTest, StoppedItFinishesTheMessageThatHasBegunAndHandlesNoMore) {
+  const std::vector<Bytes> unit = unitOf(kMaster, BDA::List::master);
+  receive(editor, unit);
+  Instrument instrument(editor, {}, Pacer(Pace{1000}, {}, Pacer::Takes::bytes), told);
+  instrument.receive(request(kMaster), 0s);
+  Bytes all = sentBy(instrument, 0s);
+  ASSERT_LT(all.size(), unit[0].size());
+  instrument.stop();
+  EXPECT_FALSE(instrument.isDone());
+  instrument.receive(request(kMaster), 1ms);
+  for (WireTime now = 1ms; !instrument.isDone() && now < 10s; now += 1ms) {
+    instrument.pass(now);
+    for (const std::uint8_t byte : sentBy(instrument, now)) all.push_back(byte);
+  }
+  EXPECT_EQ(all, unit[0]);
+  EXPECT_EQ(told.text, "1 at 0: answered\n");
+}
+
+TEST_F(InstrumentTest, StoppedItWaitsOnlyForAWhileForSomebodyWhoTakesWhatHasBegun) {
+  receive(editor, unitOf(kMaster, BDA::List::master));
+  Instrument instrument(editor, {}, Pacer(Pace{1000}, {}, Pacer::Takes::bytes), told);
+  instrument.receive(request(kMaster), 0s);
+  ASSERT_FALSE(sentBy(instrument, 0s).empty());
+  instrument.stop();
+  for (WireTime now = 1s; now <= 3s; now += 5ms) {
+    ASSERT_FALSE(instrument.toSend(now).empty()) << now.count();
+    instrument.pass(now);
+    EXPECT_FALSE(instrument.isDone());
+  }
+  instrument.pass(3'001ms);
+  EXPECT_TRUE(instrument.isDone());
+}
+
 TEST_F(InstrumentTest, EchoesOnlyWhereItIsAskedTo) {
   const Bytes unit = joined(unitOf(kMaster, BDA::List::master));
   for (const bool echoes : {false, true}) {
@@ -110,8 +143,11 @@ TEST_F(InstrumentTest, ForgetsWhatNobodyTakes) {
   receive(editor, unitOf(kMaster, BDA::List::master));
   Instrument instrument(editor, {}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
   instrument.receive(request(kMaster), 0s);
-  instrument.pass(2s);
-  EXPECT_TRUE(instrument.due().has_value());
+  for (WireTime now = 0s; now <= 2s; now += 5ms) {
+    ASSERT_FALSE(instrument.toSend(now).empty()) << now.count();
+    instrument.sent(0);
+    instrument.pass(now);
+  }
   instrument.pass(2'001ms);
   EXPECT_FALSE(instrument.due().has_value());
 }
