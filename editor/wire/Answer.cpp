@@ -122,9 +122,13 @@ bool Answer::emptyUnit(const Reading& reading, std::span<const std::uint8_t> mes
     begin(State::none);
     return false;
   }
-  if (isBegin) begin(State::begun);
+  if (isBegin) {
+    const bool wasStored = open_.has_value();  // a moment ago
+    begin(State::begun);
+    contradicts_ = wasStored;
+  }
   keep(*reading.address, message);
-  if (!isBegin) state_ = isEmptyBegun_ ? State::empty : State::spoilt;
+  if (!isBegin) state_ = isEmptyBegun_ && !contradicts_ ? State::empty : State::spoilt;
   isEmptyBegun_ = isBegin;
   return true;
 }

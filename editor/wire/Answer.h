@@ -59,7 +59,7 @@ class Answer {
   bool isOther_ = false;       // what comes is of another unit, until its footer
   unsigned begins_ = 0;        // headers
   unsigned strays_ = 0;        // blocks without one
-  bool contradicts_ = false;   // a block came twice, and differs
+  bool contradicts_ = false;   // a block came twice, and differs; or what is empty had begun to come
   std::vector<std::vector<std::uint8_t>> messages_;
   std::vector<BulkAddress> addresses_;  // of each
 };

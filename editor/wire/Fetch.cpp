@@ -17,7 +17,21 @@ bool isSilentWhenEmpty(BulkAddress address) {
 }  // namespace
 
 Fetch::Fetch(std::vector<BulkAddress> units, const AskingTerms& terms, Pacer pacer, Receiver receiver)
-    : units_(std::move(units)), receiver_(std::move(receiver)), pacer_(std::move(pacer)), asking_(pacer_, terms) {}
+    : units_(std::move(units)),
+      receiver_(std::move(receiver)),
+      pacer_(std::move(pacer)),
+      asking_(pacer_, terms, [this](std::span<const std::uint8_t> message) { hear(message); }) {}
+
+void Fetch::hear(std::span<const std::uint8_t> message) {
+  const Reading reading = readMessage(message);
+  if (reading.kind != Reading::Kind::dump || isBroken(reading) || reading.device != asking_.terms().device + 1U) return;
+  if (reading.role == Role::part || reading.role == Role::footer) return;
+  const auto unanswered =
+      std::ranges::find(unanswered_, *reading.address, [this](std::size_t unit) { return units_[unit]; });
+  if (unanswered == unanswered_.end() || (!isDone() && *reading.address == units_[unit_])) return;
+  late_.push_back(*unanswered);
+  unanswered_.erase(unanswered);
+}
 
 void Fetch::begin(WireTime now) {
   if (!isDone()) asking_.ask(units_[unit_], now);
@@ -72,6 +86,9 @@ void Fetch::tell(Fetched::State state, Asking::Result result) {
     fetched.missing = std::move(result.missing);
   }
   fetched.messages = std::move(result.messages);
+  if (fetched.isEmptyBySilence ||
+      (fetched.state == Fetched::State::lost && !result.isAnythingHeard && fetched.tries > 0))
+    unanswered_.push_back(unit_);
   ++unit_;
   receiver_(std::move(fetched));
 }

@@ -29,7 +29,7 @@ struct Fetched {
   std::vector<std::vector<std::uint8_t>> messages;  // whole and empty: the answer
 };
 
-// Asks an instrument for units, one after the other.
+// Asks an instrument for units, one after the other. What comes of one when it is told already comes too late for it.
 //
 // An instrument answers a request for a file dump or a mixing voice also where nothing is stored, and a request for
 // another empty place not at all. Where nobody is there nobody is asked for anything more; one that has answered before
@@ -52,7 +52,11 @@ class Fetch final : public WireEnd {
   // The wire is no more: what is just asked for is lost, and told so. Of what comes behind it nothing is told.
   void stop();
 
+  // Units that were told empty by silence, or lost, and of which a header or a single dump has come since.
+  const std::vector<std::size_t>& late() const { return late_; }
+
  private:
+  void hear(std::span<const std::uint8_t> message);
   void begin(WireTime now);
   void heed(Asking::Result result, WireTime now);
   void tell(Fetched::State state, Asking::Result result);
@@ -64,8 +68,10 @@ class Fetch final : public WireEnd {
   Asking asking_;
   std::size_t unit_ = 0;
   bool hasBegun_ = false;
-  bool hasAnswered_ = false;  // before
-  unsigned silences_ = 0;     // nobody was there, one after the other
+  bool hasAnswered_ = false;             // before
+  unsigned silences_ = 0;                // nobody was there, one after the other
+  std::vector<std::size_t> unanswered_;  // those of which it was told that nothing came, and nothing has since
+  std::vector<std::size_t> late_;
 };
 
 }  // namespace Editor

@@ -27,8 +27,8 @@ std::vector<ReadBackDifference> ReadBack::compare(const Messages& sent, const Me
     const auto answer = std::ranges::find_if(
         read, [&](const std::vector<std::uint8_t>& one) { return readMessage(one).address == reading.address; });
     if (answer == read.end()) {
-      differences_.push_back({*reading.address, 0, std::nullopt, dump, std::monostate()});
-      break;  // all of it is another one
+      differences_.push_back({*reading.address, 0, std::nullopt, dump, std::monostate(), true});
+      break;
     }
     if (std::ranges::equal(dataOf(dump), dataOf(*answer))) continue;
     if (reading.role == Role::fileDump)
@@ -52,7 +52,7 @@ void ReadBack::compareBlocks(BulkAddress block, Data sent, Data read) {
       if (!seen.insert(carried.path).second) continue;
       ParameterValue was = valueIn(sentFields, carried);
       ParameterValue is = valueIn(readFields, carried);
-      if (was != is) differences_.push_back({block, byte, carried.path, std::move(was), std::move(is)});
+      if (was != is) differences_.push_back({block, byte, carried.path, std::move(was), std::move(is), false});
     }
 }
 
@@ -60,7 +60,8 @@ void ReadBack::compareFileDumps(BulkAddress address, Data sent, Data read) {
   constexpr std::size_t kNameAt = 2;  // behind its length
   FileDumpParts was = partsOfFileDump(sent);
   FileDumpParts is = partsOfFileDump(read);
-  if (was.name != is.name) differences_.push_back({address, kNameAt, "name", std::move(was.name), std::move(is.name)});
+  if (was.name != is.name)
+    differences_.push_back({address, kNameAt, "name", std::move(was.name), std::move(is.name), false});
   compareBytes(address, was.content, is.content);
 }
 
@@ -70,7 +71,7 @@ void ReadBack::compareBytes(BulkAddress address, Data sent, Data read) {
   };
   for (std::size_t byte = 0; byte < std::max(sent.size(), read.size()); ++byte)
     if (at(sent, byte) != at(read, byte))
-      differences_.push_back({address, byte, std::nullopt, at(sent, byte), at(read, byte)});
+      differences_.push_back({address, byte, std::nullopt, at(sent, byte), at(read, byte), false});
 }
 
 }  // namespace Editor

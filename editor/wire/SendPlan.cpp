@@ -78,12 +78,24 @@ void SendPlan::addAlone(const Batch::Message& message, const Reading& reading) {
     units.back().messages.push_back(message.bytes);
     return;
   }
+  if (reading.role == Role::emptyFooter) return addEmpty(message.bytes, address, Editor::nameOf(*reading.removes));
   const std::string place = nameOrBytes(isOfScreen(address) ? kScreen : address);
   const bool canBeAsked = reading.role == Role::alone && isAnsweredByUnit(address);
   std::string effect = fmt::format("{}: {}", reading.removes ? "removes" : "overwrites", place);
   if (reading.role == Role::trigger) effect = "writes the file dumps that the instrument holds";
   if (isOfScreen(address)) effect = "shows: screen";
+  if (reading.role == Role::emptyHeader) effect = fmt::format("changes nothing: {}", place);
   add({canBeAsked ? reading.address : std::nullopt, {message.bytes}}, place, effect);
+}
+
+// An empty mixing voice: its footer removes what stands there, with the header before it or without.
+void SendPlan::addEmpty(const Send::Message& footer, BulkAddress address, const std::string& place) {
+  const BulkAddress header{BDA::kHeaderHi, address.mid, address.lo};
+  if (units.empty() || units.back().messages.size() > 1 || addressOf(units.back()) != header) add({}, place, "");
+  units.back().asked = BulkAddress{BDA::kHeaderHi, address.mid, std::uint8_t(address.lo & ~unsigned(BDA::kEmptyVoice))};
+  units.back().messages.push_back(footer);
+  places.back() = place;
+  effects.back() = fmt::format("removes: {}", place);
 }
 
 // Those that stand behind the trigger that removes all others, too: they may have been equal until then.

@@ -30,6 +30,7 @@ struct SendPlan {
  private:
   void add(Send::Unit unit, std::string place, std::string effect);
   void addAlone(const Batch::Message& message, const Reading& reading);
+  void addEmpty(const Send::Message& footer, BulkAddress address, const std::string& place);
   void keepMixingVoices();
   void group();
   void tellFurther(bool removesMixingVoices);

@@ -16,6 +16,7 @@
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "models/ModelJson.h"
+#include "output/Complaints.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
 #include "output/TranscriptFile.h"
@@ -61,7 +62,8 @@ class Fetching {
         program_(program),
         console_(program.console),
         units_(unitsOf(words)),
-        isKeptInFile_(!options.output.empty()) {
+        isKeptInFile_(!options.output.empty()),
+        unasked_(console_) {
     if (isKeptInFile_) file_.emplace(options.output);
     if (!options.requests.empty()) requests_.emplace(options.requests);
     if (options.from == "-" || options.output == "-") console_.keepOutputForBytes();
@@ -104,9 +106,11 @@ class Fetching {
       failure = Failure(kWrongUsage, escape(error.what()));
     }
     progress.end();
+    unasked_.finish();
+    tellLate(fetch);
     tellDropped(*port, console_);
     try {
-      if (options_.atomic) settleTogether(!failure);
+      if (options_.atomic) settleTogether(!failure && fetch.late().empty());
     } catch (const LibraryError& error) {
       failure = Failure(kWrongUsage, escape(error.what()));
     }
@@ -218,10 +222,13 @@ class Fetching {
     if (state == State::lost) {
       line += fmt::format(": {}", fetched.reason);
       if (!why.empty()) line += fmt::format(": {}", escape(why));
-      if (fetched.reason == "incomplete" || fetched.reason == "broken")
+      if (fetched.reason == "incomplete" && fetched.missing.empty())
+        line += ": two answers in one, which differ";
+      else if (fetched.reason == "incomplete" || fetched.reason == "broken")
         line += fmt::format(", missing {}", describeBlocks(fetched.missing));
     }
     if (fetched.tries != 1) line += fmt::format(" ({})", counted(fetched.tries, "try", "tries"));
+    if (state == State::lost && fetched.tries == 0) return unasked_.tell("not asked for", line);
     state == State::lost ? console_.problem(line) : console_.line(line);
   }
 
@@ -236,6 +243,20 @@ class Fetching {
                                 {"reason", fetched.reason}};
     if (isRemoved) json["removed"] = true;
     return jsonLine(json);
+  }
+
+  // Of what was told empty by silence nothing else tells that it is lost.
+  void tellLate(const Fetch& fetch) {
+    Complaints complaints(console_);
+    for (const std::size_t unit : fetch.late()) {
+      const BulkAddress address = units_[unit].address;
+      complaints.tell("came too late",
+                      fmt::format("too late: {}: it came when it was waited for no longer", nameOrBytes(address)));
+      if (std::ranges::find(lost_, address) == lost_.end()) lost_.push_back(address);
+      program_.refuse();
+    }
+    complaints.finish();
+    if (!fetch.late().empty()) console_.problem("--timeout SECONDS waits longer");
   }
 
   // What has come by now stays, however the run ends.
@@ -274,6 +295,7 @@ class Fetching {
   std::unique_ptr<EmbeddedEditor> editor_;
   std::optional<Intake> intake_;
   Progress* progress_ = nullptr;
+  Complaints unasked_;
   std::vector<Fetched> waiting_;  // atomic: for all others to come
   std::size_t came_ = 0;
   std::uint64_t kept_ = 0;

@@ -96,7 +96,7 @@ class Recorded final : public StreamJoiner::Receiver {
     losses_.finish();
     complaints_.finish();
     if (!losses_.areAllWhole()) program_.refuse();
-    if (messages_ == 0) return console_.note("nothing came: nothing is written");
+    if (messages_ == 0) return console_.note("no message came: nothing is written");
     file_.commit();
     console_.note(fmt::format("{}, {} whole, {} broken", counted(messages_, "message"), counted(wholeUnits_, "unit"),
                               brokenUnits_));

@@ -265,8 +265,13 @@ class Sending {
   }
 
   static std::string lineOf(const ReadBackDifference& difference) {
-    return fmt::format("{} data byte {}: {}{} sent, {} read", formatAddress(difference.address), difference.dataByte,
-                       difference.path ? *difference.path + ": " : "", wordsOf(difference.sent),
+    const std::optional<BlockFacts> block = findBlock(difference.address);
+    const std::string address = formatAddress(difference.address);
+    if (difference.isOfOneOnly)
+      return fmt::format("{}: {}", address, block ? "nothing is stored there" : "something is stored there");
+    const bool isOfContent = block && block->role == Role::fileDump && !difference.path;
+    return fmt::format("{} {} {}: {}{} sent, {} read", address, isOfContent ? "content byte" : "data byte",
+                       difference.dataByte, difference.path ? *difference.path + ": " : "", wordsOf(difference.sent),
                        wordsOf(difference.read));
   }
   static std::string wordsOf(const ParameterValue& value) {
@@ -289,8 +294,9 @@ class Sending {
                                {"path", one.path ? nlohmann::ordered_json(*one.path) : nlohmann::ordered_json(nullptr)},
                                {"sent", toJson(one.sent)},
                                {"read", toJson(one.read)}});
-    const BulkAddress address = *readMessage(plan.units[unit.unit].messages.front()).address;
-    return jsonLine(nlohmann::ordered_json{{"unit", nameOrBytes(address)},
+    const Send::Unit& sent = plan.units[unit.unit];
+    const BulkAddress address = *readMessage(sent.messages.front()).address;
+    return jsonLine(nlohmann::ordered_json{{"unit", nameOrBytes(sent.asked.value_or(address))},
                                            {"address", formatAddress(address)},
                                            {"state", wordOf(unit.state)},
                                            {"differences", std::move(differences)},

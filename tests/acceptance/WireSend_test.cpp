@@ -221,3 +221,25 @@ TEST_F(WireSend, faultsThatAreThereTwiceOrNotAtAllAreRefused) {
   EXPECT_THAT(bda({"instrument", "--on", "pty:", "--faults", ""}), Exits(1));
   EXPECT_THAT(bda({"instrument", "--on", "pty:", "--faults="}), Exits(1));
 }
+
+TEST_F(WireSend, anEmptyMixingVoiceRemovesWhatStandsThereAndCanBeAskedFor) {
+  write("stored.syx", {unit({0x0E, 0x31, 0x00}, BDA::List::normalVoice)});
+  fillInstrument();
+  const Serving instrument = serve();
+  EXPECT_THAT(fetch(instrument, {"voice:mix:1", "--remove-empty", "-o", "first.syx"}), Exits(0));
+  EXPECT_THAT(fetch(instrument, {"voice:mix:2", "--remove-empty", "-o", "empty.syx"}), Exits(0));
+  const std::vector<std::string> to{"--to", instrument.path, "--timeout", "0.3", "--pace", "none"};
+  const auto sent = [&](std::vector<std::string> words) {
+    words.insert(words.begin(), "send");
+    words.insert(words.end(), to.begin(), to.end());
+    return bda(words);
+  };
+  const Result equal = sent({"stored.syx", "empty.syx", "--verify"});
+  EXPECT_THAT(equal, Exits(0));
+  EXPECT_THAT(equal.out, AllOf(HasSubstr("removes: voice:mix:2\n"), HasSubstr("equal: voice:mix:2\n")));
+  // Removed and stored again: both or neither.
+  const Result changed = sent({"first.syx", "stored.syx", "--changed"});
+  EXPECT_THAT(changed.out, AllOf(HasSubstr("sent: voice:mix:1\n"), Not(HasSubstr("equal"))));
+  EXPECT_THAT(fetch(instrument, {"voice:mix:1", "-o", "again.syx"}), Exits(0));
+  EXPECT_EQ(read("again.syx"), read("stored.syx"));
+}

@@ -174,7 +174,7 @@ TEST_F(Wire, whatArrivesIsRecordedMessageByMessage) {
   EXPECT_EQ(read("b.syx"), voice + voice.substr(0, voice.size() - 12));
   const Result nothing = bda({"record", "--from", "pty:", "-o", "c.syx", "--quiet-after", "0.1"});
   EXPECT_THAT(nothing, Exits(0));
-  EXPECT_THAT(nothing.err, HasSubstr("nothing came: nothing is written"));
+  EXPECT_THAT(nothing.err, HasSubstr("no message came: nothing is written"));
   EXPECT_FALSE(exists("c.syx"));
 }
 

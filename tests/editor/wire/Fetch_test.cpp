@@ -58,6 +58,7 @@ class FetchTest : public testing::Test {
     LoopPort port(instrument);
     run(end, port, never);
     elapsed = port.now();
+    cameLate = end.late();
     return all;
   }
   Fetched fetchOne(WireEnd& instrument, BulkAddress unit, const AskingTerms& terms = {}) {
@@ -69,6 +70,7 @@ class FetchTest : public testing::Test {
   static std::vector<Bytes> voice(std::uint8_t value = 0) { return unitOf(kVoice, BDA::List::normalVoice, value); }
 
   WireTime elapsed{};
+  std::vector<std::size_t> cameLate;
 };
 
 TEST_F(FetchTest, BringsWhatAnInstrumentHoldsIntoALibrary) {
@@ -123,6 +125,39 @@ TEST_F(FetchTest, TellsWhichBlocksNeverCame) {
   EXPECT_EQ(fetched.reason, "incomplete");
   EXPECT_EQ(fetched.missing, std::vector{blocksOf(BDA::List::normalVoice)[2]});
   EXPECT_TRUE(fetched.messages.empty());
+}
+
+// What was told of it cannot be taken back, but that something came can be said.
+TEST_F(FetchTest, KnowsWhatCameWhenItWasWaitedForNoLonger) {
+  const BulkAddress other{0x0E, 0x0A, 0x06};
+  Scripted instrument([&](BulkAddress asked, unsigned) {
+    std::vector<Bytes> answer;
+    if (asked == kVoice) return answer;
+    if (asked != other) return std::vector<Bytes>{blockDump(asked)};
+    answer = voice(1);
+    for (const Bytes& message : unitOf(other, BDA::List::normalVoice)) answer.push_back(message);
+    return answer;
+  });
+  const std::vector<Fetched> all = fetch(instrument, {kVoice, other, {0x0E, 0x0A, 0x07}});
+  EXPECT_TRUE(all[0].isEmptyBySilence);
+  EXPECT_EQ(all[1].state, Fetched::State::whole);
+  EXPECT_EQ(cameLate, std::vector<std::size_t>{0});
+}
+
+TEST_F(FetchTest, BelievesNobodyWhoSaysThatAPlaceIsEmptyWhileItComes) {
+  const BulkAddress mixing{0x0E, 0x31, 0x00};
+  Scripted instrument([&](BulkAddress, unsigned time) {
+    const std::vector<Bytes> empty{dump({0x0E, 0x31, 0x40}), dump({0x0F, 0x31, 0x40})};
+    if (time > 1) return empty;
+    std::vector<Bytes> answer = unitOf(mixing, BDA::List::normalVoice);
+    answer.insert(answer.end() - 1, empty.begin(), empty.end());
+    return answer;
+  });
+  EXPECT_EQ(fetchOne(instrument, mixing, {.retries = 0}).state, Fetched::State::lost);
+  Scripted sure([&](BulkAddress, unsigned) {
+    return std::vector<Bytes>{dump({0x0E, 0x31, 0x40}), dump({0x0F, 0x31, 0x40})};
+  });
+  EXPECT_EQ(fetchOne(sure, mixing, {.retries = 0}).state, Fetched::State::empty);
 }
 
 TEST_F(FetchTest, TakesNoAnswerToAnotherAddress) {

@@ -61,6 +61,19 @@ TEST_F(SendPlanTest, whatGoesToOnePlaceIsLeftOutTogether) {
   EXPECT_TRUE(inBothForms[0] && inBothForms[0] == inBothForms[1]);
 }
 
+TEST_F(SendPlanTest, anEmptyMixingVoiceIsOneUnitOfItsPlace) {
+  const std::vector<Bytes> empty{dump({0x0E, 0x31, 0x41}), dump({0x0F, 0x31, 0x41})};
+  const std::vector<Bytes> stored = voice({0x0E, 0x31, 0x01});
+  const SendPlan plan = planOf({empty, stored, {dump({0x0F, 0x31, 0x42})}, {dump({0x0E, 0x31, 0x43})}});
+  EXPECT_THAT(plan.places, ElementsAre("voice:mix:2", "voice:mix:2", "voice:mix:3", "0E 31 43"));
+  EXPECT_THAT(plan.effects, ElementsAre("removes: voice:mix:2", "overwrites: voice:mix:2", "removes: voice:mix:3",
+                                        "changes nothing: 0E 31 43"));
+  EXPECT_EQ(plan.units[0].messages, empty);
+  EXPECT_TRUE((plan.units[0].asked == BulkAddress{0x0E, 0x31, 0x01}));
+  EXPECT_TRUE(plan.units[0].group && plan.units[0].group == plan.units[1].group);
+  EXPECT_FALSE(plan.units[3].asked);
+}
+
 TEST_F(SendPlanTest, fileDumpsShareTheTriggerThatWritesThem) {
   const SendPlan plan =
       planOf({file({0x0C, 0x0A, 0x05}), file({0x0C, 0x0A, 0x06}), trigger, file({0x0C, 0x0A, 0x07}), trigger});
