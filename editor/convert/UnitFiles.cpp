@@ -50,6 +50,12 @@ std::string inLowerCase(std::string text) {
 
 }  // namespace
 
+std::size_t UnitFile::size() const {
+  std::size_t size = 0;
+  for (const std::vector<std::uint8_t>& message : messages) size += message.size();
+  return size;
+}
+
 std::string fileStemOf(const Batch::Unit& unit, const std::string& name) {
   constexpr std::size_t kLongestName = 200;  // leaves room for place, number and ending, also while it is written
   std::string stem = stemOfPlace(unit.place);

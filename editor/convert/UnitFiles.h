@@ -17,6 +17,8 @@ struct UnitFile {
   std::string stem;  // the file's name before number and ending
   std::string name;  // of the content
   MessageBytes messages;
+
+  std::size_t size() const;  // in bytes
 };
 
 // Whether units have a file each, or share one.

@@ -148,9 +148,16 @@ const char* wordOf(State state) {
   return kWords.at(std::size_t(state));
 }
 
-void checkLibrary(Library& library, const std::function<void(const Checked&)>& visit) {
+CheckCounts checkLibrary(Library& library, const std::function<void(const Checked&)>& visit) {
   const Library::Transaction oneState(library, Library::Transaction::Access::Read);
-  Checking checking(library, visit);
+  CheckCounts counts;
+  const std::function<void(const Checked&)> count = [&](const Checked& checked) {
+    counts.contents += checked.kind == Checked::Kind::content ? 1 : 0;
+    counts.opaque += checked.state == State::opaque ? 1 : 0;
+    counts.damaged += checked.state == State::damaged ? 1 : 0;
+    visit(checked);
+  };
+  Checking checking(library, count);
   library.leaveOutUnread([&checking](const Library::Unread& unread) { checking.leftOut(unread); });
   checking.tables();
   checking.contents();
@@ -158,6 +165,7 @@ void checkLibrary(Library& library, const std::function<void(const Checked&)>& v
   checking.settings();
   checking.history();
   library.leaveOutUnread({});
+  return counts;
 }
 
 }  // namespace Editor

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -24,8 +25,15 @@ struct Checked {
 
 const char* wordOf(Checked::State state);
 
+// How much there was.
+struct CheckCounts {
+  std::uint64_t contents = 0;  // and live models
+  std::uint64_t opaque = 0;
+  std::uint64_t damaged = 0;  // of tables, too
+};
+
 // Looks at everything in one state of the library: each table by the database's own integrity check, each content and
 // each set of live models against the checksum kept with it, and whether it can be read, and what the history keeps.
-void checkLibrary(Library& library, const std::function<void(const Checked&)>& visit);
+CheckCounts checkLibrary(Library& library, const std::function<void(const Checked&)>& visit);
 
 }  // namespace Editor

@@ -1,5 +1,8 @@
 #include "history/History.h"
 
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <map>
@@ -105,6 +108,10 @@ std::string faultOf(const RecordedEntry& entry, const std::vector<RecordedChange
 const char* wordOf(What what) {
   constexpr std::array kWords{"stored", "removed", "renamed", "flagged", "set"};
   return kWords.at(std::size_t(what) - 1);
+}
+
+std::string timeOf(const HistoryEntry& entry) {
+  return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(std::time_t(isTime(entry.time) ? entry.time : 0)));
 }
 
 PlaceChange toPlaceChange(const Change& change) {

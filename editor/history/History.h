@@ -38,6 +38,9 @@ struct HistoryEntry {
   std::optional<std::int64_t> undoneBy;  // its newest undo, unless that is undone itself
 };
 
+// When its first change was made (RFC 3339, UTC); in 1970 where that is damaged.
+std::string timeOf(const HistoryEntry& entry);
+
 inline constexpr const char* kNoFavourite = "0";  // the value of such a flag
 
 // What is wrong with an entry, in words, for its changes as they stand in the file with their bytes, and all entries,

@@ -3,6 +3,7 @@
 #include <set>
 #include <vector>
 
+#include "midi/Hex.h"
 #include "models/Latin1.h"
 
 namespace Editor {
@@ -135,6 +136,16 @@ Json toJson(const ModelSet& models) {
     json[key] = std::move(writer.json);
   });
   return json;
+}
+
+Json valueToJson(const ParameterValue& value) {
+  struct ToJson {
+    Json operator()(std::int64_t number) const { return number; }
+    Json operator()(const std::string& name) const { return latin1ToUtf8(name); }
+    Json operator()(const std::vector<std::uint8_t>& bytes) const { return formatHex(bytes); }
+    Json operator()(std::monostate /*unknown*/) const { return nullptr; }
+  };
+  return std::visit(ToJson(), value);
 }
 
 std::optional<std::string> fromJson(const Json& json, ModelSet& models) {

@@ -14,6 +14,9 @@ namespace Editor {
 
 nlohmann::ordered_json toJson(const ModelSet& models);
 
+// One value by itself: a number, a name, bytes as hex; null where it is not known.
+nlohmann::ordered_json valueToJson(const ParameterValue& value);
+
 // The exact inverse: `models` comes in with the expected shape, and every model in it is replaced whole. Unless the
 // JSON has just these keys and lengths, and values that fit, `models` is untouched and the answer is a line that begins
 // with the path: "voice.element[3].params[12]: 256 is no integer from 0 to 255".

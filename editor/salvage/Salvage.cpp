@@ -292,6 +292,11 @@ const char* wordOf(Salvaged::State state) {
   return "?";
 }
 
+bool SalvageResult::isNothingLost() const {
+  const auto isLost = [](const Salvaged& unit) { return unit.state == Salvaged::State::lost; };
+  return unknown == 0 && notInFull == 0 && std::none_of(units.begin(), units.end(), isLost);
+}
+
 Salvage::Salvage(const Options& options) : options_(options) {
   if (options.correctsChecksums) corrected_.emplace(Captures::Checksums::areCorrected);
 }
@@ -311,6 +316,20 @@ void Salvage::addLoose(std::size_t source) {
   captures_.addLoose(source);
 }
 
+void Salvage::lose(std::size_t source, const InputLoss& loss) {
+  switch (loss.kind) {
+    case InputLoss::Kind::realTime:
+      return;
+    case InputLoss::Kind::cutShort:
+      return addFragment(source, loss.beginning);
+    case InputLoss::Kind::brokenFile:
+      notInFull_.insert(source);
+      return addLoose(source);
+    case InputLoss::Kind::loose:
+      return addLoose(source);
+  }
+}
+
 // What is there without correcting anything goes before what is not.
 SalvageResult Salvage::finish(const std::function<void()>& pause) {
   captures_.finish();
@@ -320,6 +339,7 @@ SalvageResult Salvage::finish(const std::function<void()>& pause) {
   const Groups corrected = byAddress(last);
   for (const auto& [address, group] : corrected) groups[address];
   SalvageResult result;
+  result.notInFull = notInFull_.size();
   for (const auto& [address, group] : groups) {
     pause();
     Salvaged unit = Decision(options_, address, group).run();

@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <span>
 #include <vector>
 
+#include "messages/InputMessage.h"
 #include "salvage/Captures.h"
 
 namespace Editor {
@@ -60,6 +62,9 @@ struct SalvageResult {
   std::vector<ContentId> twice;  // contents that are kept as a file dump and as a unit: the unit is stored last
   // Broken messages of which nothing says what is lost with them.
   std::uint64_t unknown = 0;
+  std::size_t notInFull = 0;  // sources that are not built as they must be: nobody knows what else was in them
+
+  bool isNothingLost() const;
 };
 
 // Finds what is whole in captured messages, in a time that grows as they do. Captures of one unit, for one device,
@@ -80,6 +85,8 @@ class Salvage {
   void add(Piece piece);
   void addFragment(std::size_t source, std::span<const std::uint8_t> beginning);
   void addLoose(std::size_t source);
+  // Bytes of a source that became no message, whatever they are.
+  void lose(std::size_t source, const InputLoss& loss);
   // Call it once, at the end. Calls `pause` between two units: it may throw.
   SalvageResult finish(const std::function<void()>& pause = [] {});
 
@@ -87,6 +94,7 @@ class Salvage {
   const Options options_;
   Captures captures_{Captures::Checksums::mustBeRight};
   std::optional<Captures> corrected_;
+  std::set<std::size_t> notInFull_;
 };
 
 }  // namespace Editor

@@ -52,6 +52,12 @@ const char* leadingKey(HasKey hasKey) {
 
 }  // namespace
 
+nlohmann::ordered_json toJson(const Target& target, const ModelSet& models) {
+  nlohmann::ordered_json object{{"target", target.name}};
+  object.update(toJson(models));
+  return object;
+}
+
 bool isOfOtherKind(const nlohmann::ordered_json& json, const Target& target) {
   if (!json.is_object()) return false;
   const bool isDrum = hasKeys(json);

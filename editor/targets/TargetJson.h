@@ -10,6 +10,9 @@
 
 namespace Editor {
 
+// The models of a target as `show --json` prints them where there are several: "target", its name, is the first key.
+nlohmann::ordered_json toJson(const Target& target, const ModelSet& models);
+
 // Text that is none of what `show --json` prints; what() says what is wrong with it.
 class TargetJsonError : public std::runtime_error {
  public:

@@ -91,6 +91,33 @@ ModelSet loadTarget(EmbeddedEditor& editor, const Target& target) {
   return models;
 }
 
+std::size_t loadTargets(EmbeddedEditor& editor, const Places<Target>& places, const TargetVisitor& visitor) {
+  std::size_t leftOut = 0;
+  for (const Target& target : places.list) {
+    const bool mayBeEmpty = !places.isOne && target.kind == Target::Kind::content;
+    try {
+      if (mayBeEmpty && !editor.library().contentName(target.content))
+        ++leftOut;
+      else
+        visitor.loaded(target, loadTarget(editor, target));
+    } catch (const TargetError& error) {
+      visitor.refused(error);
+    } catch (const LibraryError& error) {
+      if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
+      visitor.damaged(target);
+    }
+  }
+  return leftOut;
+}
+
+void dropUnstored(EmbeddedEditor& editor, std::vector<Target>& targets) {
+  const std::vector<Target> stored = storedLive(editor);
+  std::erase_if(targets, [&](const Target& target) {
+    const auto isIt = [name = placeNameOf(target)](const Target& one) { return one.name == name; };
+    return target.kind != Target::Kind::content && std::none_of(stored.begin(), stored.end(), isIt);
+  });
+}
+
 bool forgetTarget(Library& library, const Target& target) {
   if (target.kind == Target::Kind::content) return library.remove(target.content);
   std::string key = kSystemKey;

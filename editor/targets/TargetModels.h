@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,6 +24,20 @@ inline constexpr const char* kItIsDamaged = "it is damaged";
 // The models of a target as they are in the library. Throws TargetError (refused) when there are none or they are
 // damaged, and LibraryError.
 ModelSet loadTarget(EmbeddedEditor& editor, const Target& target);
+
+// What becomes of the places that a word names, when all of them are loaded.
+struct TargetVisitor {
+  std::function<void(const Target&, const ModelSet&)> loaded;
+  std::function<void(const TargetError&)> refused;  // what was stored there has no models, or cannot be read
+  std::function<void(const Target&)> damaged;       // a content
+};
+// Loads them one after the other: what one refuses keeps none from the others. Of a bank or a range empty places are
+// left out; returns how many. Throws LibraryError.
+std::size_t loadTargets(EmbeddedEditor& editor, const Places<Target>& places, const TargetVisitor& visitor);
+
+// Leaves no edit buffer, system and additional in the list that were never stored: in a library they are as new, a file
+// of messages does not have them. Throws LibraryError.
+void dropUnstored(EmbeddedEditor& editor, std::vector<Target>& targets);
 
 // All edit buffers, by kind and part.
 std::vector<Target> editBuffers();

@@ -19,7 +19,7 @@ struct ReadBackDifference {
   std::optional<std::string> path;  // nothing: it is a byte of a file dump, or of a block without parameters
   ParameterValue sent;
   ParameterValue read;
-  bool isOfOneOnly = false;  // the other one says that nothing is stored there
+  bool isOfOneOnly = false;  // the other one says that nothing is stored there: there are no values
 };
 
 // Compares what was sent with what was read back of the same unit, parameter by parameter, as an instrument takes them:

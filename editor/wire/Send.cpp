@@ -35,6 +35,8 @@ const char* wordOf(SentUnit::State state) {
   return "unanswered";
 }
 
+bool isMissed(const SentUnit& unit) { return unit.state == SentUnit::State::different || !unit.reason.empty(); }
+
 WireTime durationOf(const std::vector<Send::Unit>& units, Pacer pacer) {
   std::map<std::size_t, std::size_t> lastOf;  // by triggers
   for (std::size_t unit = 0; unit < units.size(); ++unit)
@@ -189,7 +191,12 @@ bool Send::isSettled(std::size_t unit) const {
 }
 
 void Send::tellSettled() {
-  for (; told_ < units_.size() && isSettled(told_); ++told_) receiver_(results_[told_]);
+  for (; told_ < units_.size() && isSettled(told_); ++told_) {
+    SentUnit& result = results_[told_];
+    if (options_.verifies && result.state == SentUnit::State::sent)
+      result.reason = units_[told_].asked ? "not verified" : "cannot be asked for";
+    receiver_(result);
+  }
 }
 
 bool Send::isLastOfTrigger(std::size_t unit) const {

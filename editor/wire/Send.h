@@ -26,10 +26,12 @@ struct SentUnit {
   State state = State::sent;
   std::vector<ReadBackDifference> differences;  // different; sent: what it gave back before
   unsigned tries = 0;                           // requests that went out for it
-  std::string reason;                           // unanswered: why, as far as can be known
+  std::string reason;  // unanswered, as far as can be known; sent: why nobody has looked, though that was wanted
 };
 
 const char* wordOf(SentUnit::State state);
+// It is not there as it should be, or nobody knows.
+bool isMissed(const SentUnit& unit);
 
 // Sends units to an instrument, and looks whether it has them.
 //

@@ -13,8 +13,6 @@ namespace Editor {
 
 namespace {
 
-BulkAddress addressOf(const Send::Unit& unit) { return *readMessage(unit.messages.front()).address; }
-
 bool isOf(EditBuffer buffer, BulkAddress address) {
   return address.hi == BDA::kHeaderHi && editBufferOf(address.mid) == buffer;
 }
@@ -27,6 +25,8 @@ std::string nameOf(EditBuffer buffer) {
 bool isOfScreen(BulkAddress address) { return address == kScreen || address == kScreenData; }
 
 }  // namespace
+
+BulkAddress addressOf(const Send::Unit& unit) { return *readMessage(unit.messages.front()).address; }
 
 SendPlan::SendPlan(const Batch& batch) {
   std::vector<std::optional<std::size_t>> planned(batch.units.size());  // where a unit of the batch stands here

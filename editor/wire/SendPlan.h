@@ -36,6 +36,9 @@ struct SendPlan {
   void tellFurther(bool removesMixingVoices);
 };
 
+// Of its header, file dump or block.
+BulkAddress addressOf(const Send::Unit& unit);
+
 // The file dumps of a batch that no trigger writes.
 std::vector<std::size_t> unwrittenIn(const Batch& batch);
 

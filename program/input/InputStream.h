@@ -4,43 +4,14 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "ExitCode.h"
-#include "midi/StreamJoiner.h"
+#include "messages/MessageReader.h"
 
 namespace Editor {
-
-struct InputMessage {
-  std::uint64_t number;     // from 1, through all files
-  const std::string& file;  // as it was named
-  std::uint64_t offset;
-  std::span<const std::uint8_t> bytes;
-};
-
-// Bytes that became no message: a run of them in no message, a message cut short, or a file that is not built as it
-// must be.
-struct InputLoss {
-  enum class Kind : std::uint8_t { realTime, loose, cutShort, brokenFile };
-
-  const std::string& file;
-  std::uint64_t offset;
-  std::uint64_t dropped;  // how many; 0 of a file's structure
-  std::string_view reason;
-  Kind kind;
-  std::span<const std::uint8_t> beginning = {};  // of a message of a stream that was cut short: its first bytes
-};
-
-// What it means for a file that a stream has so.
-InputLoss::Kind kindOf(StreamJoiner::Reason reason);
-
-// Whether that broke a message or the file.
-inline bool isBroken(const InputLoss& loss) {
-  return loss.kind == InputLoss::Kind::cutShort || loss.kind == InputLoss::Kind::brokenFile;
-}
 
 // A file that can be read and holds no messages: it is of another kind.
 class NotMessages : public Failure {
@@ -67,8 +38,8 @@ class InputStream {
   InputStream(const InputStream&) = delete;
   InputStream& operator=(const InputStream&) = delete;
 
-  using VisitMessage = std::function<void(const InputMessage&)>;
-  using VisitLoss = std::function<void(const InputLoss&)>;
+  using VisitMessage = MessageReader::VisitMessage;
+  using VisitLoss = MessageReader::VisitLoss;
   using VisitJson = std::function<void(const std::string& file, std::string_view text)>;
   // Calls one of them for each piece of the files, in their order; what it gets is valid as long as the call. JSON,
   // where it is taken, comes as the whole text of its file. Returns what proved unusable meanwhile, a text for each

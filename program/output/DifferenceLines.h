@@ -8,7 +8,7 @@
 
 namespace Editor {
 
-// What two libraries do not have in common, as lines for people or as JSON.
+// What two libraries do not have in common, as lines for people.
 
 // "\"Old\" | \"New\"", and behind it the name inside the models where that is another one.
 std::string namesOf(const Difference& difference);
@@ -18,10 +18,5 @@ std::vector<std::string> detailsOf(const Difference& difference, const Parameter
 std::string contentOf(const Difference& difference);
 // "; the empty place is a favourite", of the other one's, where that is another flag; else empty.
 std::string emptyPlaceOf(const Difference& difference);
-
-// One object a line: one for each detail, or the one of a content that only one has.
-std::vector<std::string> jsonOf(const Difference& difference, const ParameterNames& names);
-// Contents are counted, nothing else.
-std::string jsonOf(const Comparison& comparison);
 
 }  // namespace Editor

@@ -2,41 +2,12 @@
 
 #include <fmt/format.h>
 
-#include <nlohmann/json.hpp>
-
-#include "messages/Text.h"
 #include "midi/Hex.h"
-#include "models/Latin1.h"
-#include "models/ModelJson.h"
 #include "output/NamedValues.h"
 
 namespace Editor {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-// File names need not be UTF-8.
-Json toJson(const ParameterValue& value) {
-  if (const auto* const text = std::get_if<std::string>(&value)) return latin1ToUtf8(*text);
-  return std::get<std::int64_t>(value);
-}
-
-Json toJson(const CarriedParameter& parameter, const ParameterNames& names) {
-  Json json{{"path", parameter.path}};
-  if (std::string name = names.nameOf(parameter.path); !name.empty()) json["name"] = std::move(name);
-  json["bits"] = parameter.bits;
-  json["how"] = parameter.how;
-  json["value"] = toJson(parameter.value);
-  if (std::string name = names.nameOf(parameter.path, parameter.value); !name.empty())
-    json["valueName"] = std::move(name);
-  return json;
-}
-
-Json toJson(const PackedBytes& bytes) {
-  if (bytes.areHighBits) return bytes.numbers;
-  return bytes.numbers.front();
-}
 
 std::string numbersOf(const PackedBytes& bytes) {
   if (!bytes.areHighBits) return fmt::format("byte {}", bytes.numbers.front());
@@ -125,28 +96,6 @@ class Words {
 
 }  // namespace
 
-std::string jsonOf(const std::string& file, const MessageFile::Byte& byte, const ByteMeaning& meaning,
-                   const ParameterNames& names) {
-  Json json{{"file", file}, {"offset", byte.offset}, {"byte", byte.value}};
-  if (meaning.message != MessageFile::kNone) json["message"] = meaning.message;
-  if (meaning.address) {
-    json["address"] = formatAddress(*meaning.address);
-    json["name"] = meaning.name;
-  }
-  json["part"] = wordOf(meaning.part);
-  if (meaning.message != MessageFile::kNone) json["type"] = wordOf(meaning.kind);
-  if (meaning.device && meaning.part == Part::device) json["device"] = *meaning.device;
-  if (meaning.dataByte) json["dataByte"] = *meaning.dataByte;
-  json["parameters"] = Json::array();
-  for (const CarriedParameter& parameter : meaning.parameters) json["parameters"].push_back(toJson(parameter, names));
-  if (meaning.unused) json["unused"] = *meaning.unused;
-  if (meaning.content) json["content"] = nameOf(*meaning.content);
-  if (meaning.contentBytes) json["contentByte"] = toJson(*meaning.contentBytes);
-  if (meaning.nameBytes) json["nameByte"] = toJson(*meaning.nameBytes);
-  if (!meaning.reason.empty()) json["reason"] = meaning.reason;
-  return jsonLine(json);
-}
-
 std::string textOf(const MessageFile::Byte& byte, const ByteMeaning& meaning, const ParameterNames& names) {
   std::string text = fmt::format(
       "offset {} ({:#x}): {:02X}, {}", byte.offset, byte.offset, byte.value,
@@ -162,15 +111,6 @@ std::string textOf(const MessageFile::Byte& byte, const ByteMeaning& meaning, co
   if (meaning.unused && *meaning.unused != 0)
     text += fmt::format("bits {:02X}: a gap, they carry nothing\n", *meaning.unused);
   return text;
-}
-
-std::string jsonOf(const CarryingByte& byte) {
-  return jsonLine({{"address", formatAddress(byte.address)},
-                   {"message", byte.message},
-                   {"dataByte", byte.dataByte},
-                   {"bits", byte.bits},
-                   {"how", byte.how},
-                   {"byte", byte.value}});
 }
 
 std::string lineOf(const CarryingByte& byte) {

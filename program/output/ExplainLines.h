@@ -10,14 +10,10 @@
 
 namespace Editor {
 
-// What a byte of a file is, as JSON and for people. `file` as it was named.
-std::string jsonOf(const std::string& file, const MessageFile::Byte& byte, const ByteMeaning& meaning,
-                   const ParameterNames& names);
-// One line or more, each with its end.
+// What a byte of a file is, for people: one line or more, each with its end.
 std::string textOf(const MessageFile::Byte& byte, const ByteMeaning& meaning, const ParameterNames& names);
 
 // Where a parameter travels.
-std::string jsonOf(const CarryingByte& byte);
 std::string lineOf(const CarryingByte& byte);
 
 // A byte of a file, with what it is.

@@ -11,6 +11,5 @@ namespace Editor {
 // "voice:user1:6            Piano  *favourite", behind its likeness where it has one, and behind its source where there
 // may be several; and before what was asked of parameters that have a name.
 std::string lineOf(const Found& found, bool withSource, const ParameterNames& names);
-std::string jsonOf(const Found& found, const ParameterNames& names);
 
 }  // namespace Editor

@@ -6,10 +6,7 @@
 
 namespace Editor {
 
-// The history as lines for people or as JSON.
-
 // "12  2026-01-31T12:00:00Z  receive dump.syx: 3 stored, 1 removed"
 std::string lineOf(const HistoryEntry& entry, const std::vector<PlaceChange>& changes);
-std::string jsonOf(const HistoryEntry& entry, const std::vector<PlaceChange>& changes);
 
 }  // namespace Editor

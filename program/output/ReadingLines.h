@@ -15,8 +15,6 @@ namespace Editor {
 enum class LineForm : std::uint8_t { words, json };
 std::string lineOf(const InputMessage& message, const Reading& reading, LineForm form);
 std::string lineOf(const UnitReport& unit, LineForm form);
-// In JSON: for people the console tells losses as problems.
-std::string jsonOf(const InputLoss& loss);
 
 // What reading files came to.
 struct ReadingResult {

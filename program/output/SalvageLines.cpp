@@ -2,19 +2,13 @@
 
 #include <fmt/format.h>
 
-#include <nlohmann/json.hpp>
-#include <set>
-
 #include "input/InputStream.h"
-#include "messages/BackupOrder.h"
 #include "midi/Counted.h"
-#include "models/ModelJson.h"
 
 namespace Editor {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using State = Salvaged::State;
 
 std::string why(const Salvaged& unit) {
@@ -51,13 +45,6 @@ const char* wordsOf(NotTaken::Form form) {
   return "?";
 }
 
-template <typename Addresses>
-Json toJson(const Addresses& addresses) {
-  Json list = Json::array();
-  for (const BulkAddress address : addresses) list.push_back(formatAddress(address));
-  return list;
-}
-
 }  // namespace
 
 std::string describe(const NotTaken& other, const std::vector<std::string>& files) {
@@ -70,22 +57,6 @@ std::string lineOf(const Salvaged& unit, const std::vector<std::string>& files) 
                                  unit.state == State::lost ? why(unit) : "", unit.isMerged ? ", merged" : "");
   for (const NotTaken& other : unit.notTaken) line += ", " + describe(other, files);
   return fmt::format("{} ({})", line, namesOf(unit.from, files));
-}
-
-std::string jsonOf(const Salvaged& unit, const std::vector<std::string>& files) {
-  Json from = Json::array();
-  for (const std::size_t source : unit.from) from.push_back(files[source]);
-  std::set<BulkAddress, BackupOrder> contradicts(unit.contradicts.begin(), unit.contradicts.end());
-  for (const NotTaken& other : unit.notTaken) contradicts.insert(other.differs.begin(), other.differs.end());
-  Json json{{"unit", nameOrBytes(unit.address)}, {"address", formatAddress(unit.address)},
-            {"state", wordOf(unit.state)},       {"from", std::move(from)},
-            {"missing", toJson(unit.missing)},   {"contradicts", toJson(contradicts)}};
-  std::vector<BulkAddress> corrected;
-  for (const Piece& piece : unit.messages)
-    if (piece.wrongChecksum) corrected.push_back(*readMessage(piece.bytes).address);
-  if (!corrected.empty()) json["corrected"] = toJson(corrected);
-  if (unit.isMerged) json["merged"] = true;
-  return jsonLine(json);
 }
 
 }  // namespace Editor

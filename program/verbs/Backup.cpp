@@ -2,68 +2,25 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
 
-#include "AddressRows.h"
-#include "bda/version.h"
 #include "compare/Compare.h"
-#include "contents/Fingerprint.h"
 #include "exchange/Answers.h"
-#include "messages/BackupOrder.h"
 #include "messages/Text.h"
-#include "models/Latin1.h"
 #include "models/ModelJson.h"
 #include "output/Complaints.h"
 #include "output/DifferenceLines.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
-#include "targets/TargetModels.h"
+#include "targets/BackupPlan.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
 
 namespace {
-
-struct Item {
-  BulkAddress address;  // to ask for
-  std::string name;
-  std::optional<ContentId> content;
-};
-
-// What a backup asks for, in its order.
-struct Plan {
-  std::vector<Item> fileDumps;
-  std::vector<Item> units;  // header to footer: contents that no file dump stores, and edit buffers
-  std::vector<Item> system;
-  std::vector<Item> favourites;
-  std::vector<std::string> unaddressed;  // contents that have neither
-};
-
-Plan planOf(EmbeddedEditor& editor) {
-  Plan plan;
-  const auto byName = [](BulkAddress address) { return Item{address, nameOrBytes(address), std::nullopt}; };
-  for (const ContentId id : editor.library().contents()) {
-    const std::optional<BulkAddress> address = backupAddressOf(id);
-    if (!address)
-      plan.unaddressed.push_back(nameOf(id));
-    else
-      (address->hi == BDA::kFileDumpHi ? plan.fileDumps : plan.units).push_back({*address, nameOf(id), id});
-  }
-  for (const Target& live : storedLive(editor))
-    if (live.header) plan.units.push_back(byName(*live.header));
-  for (const BulkAddress address : systemAddresses()) plan.system.push_back(byName(address));
-  BDA::forEachAddress(BDA::kFavoriteRows, [&](const BDA::AddressRow& row, std::uint8_t mid, std::uint8_t lo) {
-    plan.favourites.push_back(byName({row.hi, mid, lo}));
-  });
-  for (std::vector<Item>* const group : {&plan.fileDumps, &plan.units, &plan.system, &plan.favourites})
-    std::sort(group->begin(), group->end(),
-              [](const Item& a, const Item& b) { return BackupOrder()(a.address, b.address); });
-  return plan;
-}
 
 // Asks for everything in one state of the library. Each message is also received by a library in memory: what that does
 // not have in the end, the backup does not carry.
@@ -80,12 +37,12 @@ class BackingUp {
     using Access = Library::Transaction::Access;
     const EmbeddedEditor::Run oneState(*editor_, Access::Read);
     const EmbeddedEditor::Run proof(proof_, Access::Write, EmbeddedEditor::Run::Devices::any);
-    const Plan plan = planOf(*editor_);
+    const BackupPlan plan = planBackup(*editor_);
     const std::size_t count = plan.fileDumps.size() + plan.units.size() + plan.system.size() + plan.favourites.size();
     Progress progress(program_.console, "backup", "item", count);
     std::size_t done = 0;
-    const auto add = [&](const std::vector<Item>& items) {
-      for (const Item& item : items) {
+    const auto add = [&](const std::vector<BackupPlan::Item>& items) {
+      for (const BackupPlan::Item& item : items) {
         const std::uint64_t bytes = back(item);
         if (bytes > 0) ++done;
         progress.step(bytes);
@@ -105,7 +62,10 @@ class BackingUp {
       complain(fmt::format("the backup could not be compared with the library: {}", escape(error.what())));
     }
     file_.commit();
-    writeManifest(plan);
+    if (manifest_) {
+      manifest_->write(jsonLine(manifestOf(*editor_, plan, leftOut_)) + "\n");
+      manifest_->commit();
+    }
     program_.console.note(fmt::format("{} of {} items in {} messages, {} bytes", done, count + plan.unaddressed.size(),
                                       messages_, bytes_));
   }
@@ -123,7 +83,7 @@ class BackingUp {
   }
 
   // The number of bytes written.
-  std::uint64_t back(const Item& item) {
+  std::uint64_t back(const BackupPlan::Item& item) {
     const Record record = editor_->handle(editor_->requestFor(item.address), BDA::DevicePort_Main, ++number_);
     if (const std::string why = whyUnanswered(record); !why.empty()) {
       leaveOut(item.name, why);
@@ -143,25 +103,6 @@ class BackingUp {
     messages_ += record.sent.size();
     bytes_ += bytes;
     return bytes;
-  }
-
-  // What is in the backup, and nothing of when it was made: the same library gives the same bytes.
-  void writeManifest(const Plan& plan) {
-    if (!manifest_) return;
-    nlohmann::ordered_json contents = nlohmann::ordered_json::array();
-    for (const std::vector<Item>* const group : {&plan.fileDumps, &plan.units})
-      for (const Item& item : *group) {
-        if (!item.content || leftOut_.contains(item.name)) continue;
-        const Library::Content content = editor_->library().content(*item.content).value();
-        contents.push_back({{"place", item.name},
-                            {"name", latin1ToUtf8(content.name)},
-                            {"hash", fingerprintOf(*item.content, content.bytes).hash}});
-      }
-    const nlohmann::ordered_json json{{"version", BDA_VERSION_STRING},
-                                      {"deviceNumber", deviceNumberWords(editor_->tools())},
-                                      {"contents", std::move(contents)}};
-    manifest_->write(jsonLine(json) + "\n");
-    manifest_->commit();
   }
 
   void tellWhatIsLost() {

@@ -1,48 +1,31 @@
 // The verb check: whether everything in the library can be read, and is as it was stored.
 
 #include "history/Check.h"
-#include "models/ModelJson.h"
 
 #include <fmt/format.h>
 
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "history/CheckJson.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
+#include "models/ModelJson.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
 
-namespace {
-
-std::string jsonOf(const Checked& checked) {
-  nlohmann::ordered_json json{{checked.kind == Checked::Kind::table ? "table" : "content", checked.name},
-                              {"state", wordOf(checked.state)}};
-  if (!checked.reason.empty()) json["reason"] = escape(checked.reason);
-  return jsonLine(json);
-}
-
-}  // namespace
-
 void check(bool json, Program& program) {
   const std::unique_ptr<Library> library = program.openLibraryToRead();
-  std::uint64_t contents = 0;
-  std::uint64_t opaque = 0;
-  std::uint64_t damaged = 0;
-  checkLibrary(*library, [&](const Checked& checked) {
-    const bool isContent = checked.kind == Checked::Kind::content;
-    contents += isContent ? 1 : 0;
-    opaque += checked.state == Checked::State::opaque ? 1 : 0;
-    damaged += checked.state == Checked::State::damaged ? 1 : 0;
-    if (json) return program.console.line(jsonOf(checked));
+  const CheckCounts counts = checkLibrary(*library, [&](const Checked& checked) {
+    if (json) return program.console.line(jsonLine(toJson(checked)));
     if (checked.state == Checked::State::good) return;
-    program.console.line(fmt::format("{}{}: {}: {}", isContent ? "" : "table ", checked.name, wordOf(checked.state),
-                                     escape(checked.reason)));
+    program.console.line(fmt::format("{}{}: {}: {}", checked.kind == Checked::Kind::content ? "" : "table ",
+                                     checked.name, wordOf(checked.state), escape(checked.reason)));
   });
-  program.console.note(
-      fmt::format("{} and live models, {} opaque, {} damaged", counted(contents, "content"), opaque, damaged));
-  if (damaged != 0) program.refuse();
+  program.console.note(fmt::format("{} and live models, {} opaque, {} damaged", counted(counts.contents, "content"),
+                                   counts.opaque, counts.damaged));
+  if (counts.damaged != 0) program.refuse();
 }
 
 }  // namespace Editor

@@ -4,112 +4,23 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <set>
 
 #include "contents/Fingerprint.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
-#include "models/Latin1.h"
 #include "models/ModelJson.h"
 #include "output/Columns.h"
-#include "targets/TargetModels.h"
+#include "targets/Inventory.h"
+#include "targets/InventoryJson.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
 
 namespace {
 
-struct Entry {
-  ContentId id;
-  std::optional<Library::Content> content;  // nothing: only a favourite flag, or it is damaged
-  bool isDamaged = false;
-  Library::Flag favourite = 0;  // nothing: the flag is damaged
-
-  bool isStored() const { return content || isDamaged; }
-};
-
 constexpr const char* kFavourite = "*";  // in a grid
-
-// What is asked for: everything, unless words say what.
-class Selection {
- public:
-  explicit Selection(const Words& words) : isAll_(words.empty()) {
-    for (const std::string& word : joinAddresses(words))
-      for (const Target& target : parseTargets(word).list)
-        if (target.kind == Target::Kind::content)
-          contents_.insert(target.content);
-        else
-          live_.insert(target.name);
-  }
-
-  bool isAll() const { return isAll_; }
-  bool has(ContentId id) const { return isAll_ || contents_.contains(id); }
-  bool has(const Target& live) const { return isAll_ || live_.contains(live.name); }
-
- private:
-  bool isAll_;
-  std::set<ContentId> contents_;
-  std::set<std::string> live_;
-};
-
-struct Found {
-  std::vector<Entry> entries;
-  std::vector<Target> live;     // edit buffers, system and additional that were ever stored
-  std::vector<Target> damaged;  // those of them that cannot be read
-};
-
-Found find(EmbeddedEditor& editor, const Selection& selection) {
-  Library& library = editor.library();
-  std::map<ContentId, Entry> entries;
-  Found found;
-  const EmbeddedEditor::View oneState(editor);
-  for (const ContentId id : library.contents()) {
-    if (!selection.has(id)) continue;
-    try {
-      entries[id] = {id, library.content(id)};
-    } catch (const LibraryError& error) {
-      if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
-      entries[id] = {id, {}, true};
-    }
-  }
-  for (const auto& [id, flag] : library.favourites())
-    if (selection.has(id)) entries[id].id = id;
-  found.entries.reserve(entries.size());
-  for (auto& [id, entry] : entries) {
-    entry.favourite = library.flag(id);
-    found.entries.push_back(std::move(entry));
-  }
-  for (Target& target : storedLive(editor))
-    if (selection.has(target)) {
-      // Of the voice of a part no more than the name is told: it may be whole where its multi is not.
-      const bool isBuffer = target.kind == Target::Kind::editBuffer;
-      if ((isBuffer ? editor.tools().ownDamage(target.buffer, target.part) : damageOf(editor.tools(), target)).empty())
-        found.live.push_back(std::move(target));
-      else
-        found.damaged.push_back(std::move(target));
-    }
-  return found;
-}
-
-std::string toJsonLine(const Entry& entry) {
-  nlohmann::ordered_json json{{"content", nameOf(entry.id)},
-                              {"type", entry.id.type},
-                              {"number", entry.id.number},
-                              {"stored", entry.isStored()}};
-  if (entry.isDamaged) json["damaged"] = true;
-  if (entry.content) {
-    const Fingerprint print = fingerprintOf(entry.id, entry.content->bytes);
-    json["name"] = latin1ToUtf8(entry.content->name);
-    json["bytes"] = entry.content->bytes.size();
-    json["opaque"] = print.isOpaque;
-    json["hash"] = print.hash;
-  }
-  json["favourite"] = entry.favourite ? nlohmann::ordered_json(*entry.favourite) : nlohmann::ordered_json();
-  return jsonLine(json);
-}
 
 // The name that an edit buffer bears.
 std::string bufferName(const Target& live, const EmbeddedEditor& editor) {
@@ -127,8 +38,8 @@ class Listing {
  public:
   Listing(Console& console, bool isGrid) : console_(console), isGrid_(isGrid) {}
 
-  void print(const Found& found, const EmbeddedEditor& editor) {
-    for (const Entry& entry : found.entries) add(entry);
+  void print(const Inventory& found, const EmbeddedEditor& editor) {
+    for (const Inventory::Entry& entry : found.entries) add(entry);
     endBank();
     for (const Target& live : found.live) {
       beginBank(live.kind == Target::Kind::editBuffer ? "edit buffers" : "system settings");
@@ -143,7 +54,7 @@ class Listing {
   }
 
  private:
-  void add(const Entry& entry) {
+  void add(const Inventory::Entry& entry) {
     const std::string name = nameOf(entry.id);
     beginBank(bankOfName(name));
     if (entry.isDamaged)
@@ -206,7 +117,7 @@ class Listing {
 };
 
 // "3 contents, 2 edit buffers and the system settings stored"
-std::string countOf(const Found& found) {
+std::string countOf(const Inventory& found) {
   const auto countLive = [&](Target::Kind kind) {
     std::uint64_t count = 0;
     for (const std::vector<Target>* const group : {&found.live, &found.damaged})
@@ -217,7 +128,7 @@ std::string countOf(const Found& found) {
     return std::uint64_t(std::count_if(found.entries.begin(), found.entries.end(), isOne));
   };
   std::vector<std::string> counts;
-  const std::uint64_t stored = countEntries([](const Entry& entry) { return entry.isStored(); });
+  const std::uint64_t stored = countEntries([](const Inventory::Entry& entry) { return entry.isStored(); });
   if (stored > 0) counts.push_back(counted(stored, "content"));
   if (const std::uint64_t buffers = countLive(Target::Kind::editBuffer); buffers > 0)
     counts.push_back(counted(buffers, "edit buffer"));
@@ -226,7 +137,8 @@ std::string countOf(const Found& found) {
   if (counts.empty()) return "nothing stored";
   const std::string last = counts.back();
   counts.pop_back();
-  const std::uint64_t damaged = found.damaged.size() + countEntries([](const Entry& one) { return one.isDamaged; });
+  const std::uint64_t damaged =
+      found.damaged.size() + countEntries([](const Inventory::Entry& one) { return one.isDamaged; });
   return fmt::format("{}{}{} stored{}", fmt::join(counts, ", "), counts.empty() ? "" : " and ", last,
                      damaged == 0 ? "" : fmt::format(" ({} damaged)", damaged));
 }
@@ -234,19 +146,20 @@ std::string countOf(const Found& found) {
 }  // namespace
 
 void contents(const Words& words, const ContentsOptions& options, Program& program) {
-  const Selection selection(words);
+  std::vector<Places<Target>> asked;
+  for (const std::string& word : joinAddresses(words)) asked.push_back(parseTargets(word));
   const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
-  const Found found = find(*editor, selection);
+  const Inventory found = inventoryOf(*editor, asked);
   if (options.json) {
-    for (const Entry& entry : found.entries) program.console.line(toJsonLine(entry));
+    for (const Inventory::Entry& entry : found.entries) program.console.line(jsonLine(toJson(entry)));
   } else {
     const bool isGrid = options.grid || (!options.lines && ::isatty(STDOUT_FILENO) != 0);
     Listing(program.console, isGrid).print(found, *editor);
   }
-  for (const Entry& entry : found.entries)
+  for (const Inventory::Entry& entry : found.entries)
     if (entry.isDamaged) program.tellDamaged(nameOf(entry.id));
   for (const Target& live : found.damaged) program.leaveOutDamaged(live.name);
-  program.console.note(countOf(found) + (selection.isAll() ? "" : " there"));
+  program.console.note(countOf(found) + (asked.empty() ? "" : " there"));
 }
 
 }  // namespace Editor

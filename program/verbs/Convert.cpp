@@ -10,12 +10,12 @@
 #include "convert/FileFormat.h"
 #include "convert/Placing.h"
 #include "convert/Selection.h"
+#include "convert/UnitFileJson.h"
 #include "convert/UnitFiles.h"
 #include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "midi/MidiFile.h"
-#include "models/Latin1.h"
 #include "models/ModelJson.h"
 #include "output/Complaints.h"
 #include "output/LossReport.h"
@@ -48,12 +48,6 @@ void takeFilesFrom(Words& select, Words& files) {
   files.insert(files.end(), first, joined.end());
   joined.erase(first, joined.end());
   select = std::move(joined);
-}
-
-std::size_t sizeOf(const MessageBytes& messages) {
-  std::size_t size = 0;
-  for (const std::vector<std::uint8_t>& message : messages) size += message.size();
-  return size;
 }
 
 class Converting {
@@ -230,7 +224,7 @@ class Converting {
     std::size_t files = 0;
     Complaints complaints(console_);
     forEachUnitFile(batch_, Sharing::apart, models_, [&](const UnitFile& file) {
-      progress.step(sizeOf(file.messages));
+      progress.step(file.size());
       writeUnit(file);
       ++files;
       if (!file.unit || batch_.units[*file.unit].form != Form::fileDump) return;
@@ -283,20 +277,7 @@ class Converting {
   }
 
   std::string jsonOf(const UnitFile& file, const std::string& path) const {
-    const Batch::Unit* const unit = file.unit ? &batch_.units[*file.unit] : nullptr;
-    nlohmann::ordered_json json{{"unit", nullptr}};
-    if (unit != nullptr) {
-      json["unit"] = unit->place;
-      json["address"] = formatAddress(*unit->address);
-      json["form"] = unit->form == Form::fileDump ? "file dump" : "blocks";
-      json["name"] = latin1ToUtf8(file.name);
-      if (!moved_[*file.unit].empty()) json["from"] = moved_[*file.unit];
-      if (unit->removes) json["removes"] = nlohmann::json::array({unit->place});
-    }
-    json["messages"] = file.messages.size();
-    json["bytes"] = sizeOf(file.messages);
-    json["file"] = path;
-    return jsonLine(json);
+    return jsonLine(toJson(file, batch_, file.unit ? moved_[*file.unit] : "", path));
   }
 
   const ConvertOptions& options_;

@@ -4,13 +4,16 @@
 
 #include <filesystem>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 
 #include "compare/Compare.h"
+#include "compare/DifferenceJson.h"
 #include "input/FileEditor.h"
 #include "input/Sources.h"
 #include "messages/Text.h"
+#include "models/ModelJson.h"
 #include "output/DifferenceLines.h"
 #include "verbs/Verbs.h"
 
@@ -31,12 +34,12 @@ class Telling {
 
   void tell(const Difference& difference) const {
     if (form_ != DiffForm::json) return tellInWords(difference);
-    for (const std::string& line : jsonOf(difference, names_)) console_.line(line);
+    for (const nlohmann::ordered_json& object : toJson(difference, names_)) console_.line(jsonLine(object));
   }
 
   // `isAll`: nothing that a file holds is missing from the comparison.
   void summarise(const Comparison& comparison, bool isAll) const {
-    if (form_ == DiffForm::json) return console_.line(jsonOf(comparison));
+    if (form_ == DiffForm::json) return console_.line(jsonLine(toJson(comparison)));
     std::string counts;
     for (const auto& [count, what] : {std::pair(comparison.equal, std::string("equal")),
                                       {comparison.different, "different"},

@@ -4,18 +4,18 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <charconv>
 #include <limits>
-#include <set>
+#include <nlohmann/json.hpp>
 
-#include "exchange/Answers.h"
+#include "explain/ExplainJson.h"
+#include "explain/ParameterBytes.h"
 #include "input/InputStream.h"
 #include "input/Sources.h"
-#include "messages/Nearest.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "midi/MidiFile.h"
+#include "models/ModelJson.h"
 #include "output/ExplainLines.h"
 #include "output/LossReport.h"
 #include "output/Progress.h"
@@ -66,7 +66,7 @@ void explainOffset(const std::string& path, std::uint64_t offset, const std::str
   const MessageFile::Byte byte = file.find(offset).value_or(between);
   const ByteMeaning meaning = FileExplainer(file).explain(byte);
   if (json)
-    program.console.line(jsonOf(path, byte, meaning, names));
+    program.console.line(jsonLine(toJson(path, byte, meaning, names)));
   else
     program.console.text(textOf(byte, meaning, names));
 }
@@ -107,70 +107,20 @@ void explainFile(const std::string& path, bool json, Program& program) {
   FileExplainer explainer(file);
   file.forEachByte([&](const MessageFile::Byte& byte) {
     Interruptible::check();
-    program.console.line(jsonOf(path, byte, explainer.explain(byte), names));
+    program.console.line(jsonLine(toJson(path, byte, explainer.explain(byte), names)));
   });
 }
 
-// What `request` of the places sends; what is not answered is told.
-std::vector<std::vector<std::uint8_t>> dumpsOf(const std::vector<BulkAddress>& places, Program& program) {
-  const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
-  std::vector<std::vector<std::uint8_t>> dumps;
-  std::uint64_t number = 0;
-  for (const BulkAddress place : places) {
-    const Record record = editor->handle(editor->requestFor(place), BDA::DevicePort_Main, ++number);
-    if (const std::string why = whyUnanswered(record); !why.empty()) {
-      program.console.problem(fmt::format("{}: no answer: {}", nameAndBytes(place), escape(why)));
-      program.refuse();
-      continue;
-    }
-    for (const AssistantHost::Sent& sent : record.sent) dumps.push_back(sent.bytes);
-  }
-  return dumps;
-}
-
-// A file dump carries the whole content in a form of the editor's own.
-[[noreturn]] void refuseFileDump(BulkAddress dump) {
-  const std::string name = nameOrBytes(dump);
-  const std::string place = placeNameOf(dump);
-  throw Failure(kRefused, fmt::format("{}: in a file dump no parameter has bytes of its own{}", name,
-                                      place == name ? "" : fmt::format(": see {}", place)));
-}
-
-// Why none of the blocks that the places send carries it: another block of the system may.
-[[noreturn]] void refuseUncarried(const Places<BulkAddress>& places, const std::string& path) {
-  std::string others;
-  for (const BulkAddress block : systemAddresses())
-    if (carries(block, path)) others += (others.empty() ? "" : ", ") + nameOrBytes(block);
-  if (others.empty()) throw Failure(kRefused, fmt::format("{}: no block carries {}", places.name, path));
-  throw Failure(kRefused, fmt::format("{}: it does not carry {}: see {}", places.name, path, others));
-}
-
-// What may have been meant by a word that is none of the paths of a place, nor a name of one.
-std::string meantBy(const std::string& word, std::vector<std::string> paths, const ParameterNames& names) {
-  const std::set<std::string> known(paths.begin(), paths.end());
-  for (const auto& [name, count] : names.namesAmong([&](const std::string& path) { return known.contains(path); }))
-    if (count == 1) paths.push_back(name);
-  return didYouMean(word, paths);
-}
-
 void explainParameter(const std::string& word, const std::string& parameter, bool json, Program& program) {
-  const Places<BulkAddress> places = parsePlaces(word);
-  if (!places.isOne && word != "system")
-    throw Failure(kWrongUsage, fmt::format("{}: expected one place, not a bank or a range", places.name));
-  if (const auto block = findBlock(places.list.front()); block && block->role == Role::fileDump)
-    refuseFileDump(places.list.front());
-  const std::vector<std::string> paths = pathsOf(places.list);
-  if (paths.empty()) throw Failure(kRefused, fmt::format("{}: it is not made of parameters", places.name));
-  const ParameterNames names = program.parameterNames();
-  const std::string path = names.pathOf(
-      parameter, [&](const std::string& one) { return std::find(paths.begin(), paths.end(), one) != paths.end(); });
-  if (path.empty())
-    throw Failure(kWrongUsage, fmt::format("{}: it has no parameter \"{}\"{}", places.name, escape(parameter),
-                                           meantBy(parameter, paths, names)));
-  const std::vector<std::vector<std::uint8_t>> dumps = dumpsOf(places.list, program);
-  const std::vector<CarryingByte> bytes = bytesByPath(dumps)[path];
-  for (const CarryingByte& byte : bytes) program.console.line(json ? jsonOf(byte) : lineOf(byte));
-  if (bytes.empty() && program.exitCode() == kAllGood) refuseUncarried(places, path);
+  const ParameterPlace place = parseParameterPlace(word);
+  const std::string path = parsePath(place, parameter, program.parameterNames());
+  const ParameterBytes found = bytesOf(*program.openToRead(), place, path);
+  for (const auto& [address, why] : found.unanswered) {
+    program.console.problem(fmt::format("{}: no answer: {}", nameAndBytes(address), escape(why)));
+    program.refuse();
+  }
+  for (const CarryingByte& byte : found.bytes) program.console.line(json ? jsonLine(toJson(byte)) : lineOf(byte));
+  if (found.bytes.empty() && program.exitCode() == kAllGood) refuseUncarried(place, path);
 }
 
 }  // namespace

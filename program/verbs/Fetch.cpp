@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -22,6 +23,7 @@
 #include "output/TranscriptFile.h"
 #include "targets/Targets.h"
 #include "verbs/Verbs.h"
+#include "wire/FetchJson.h"
 #include "wire/Intake.h"
 
 namespace Editor {
@@ -51,9 +53,7 @@ std::vector<Unit> unitsOf(const Words& words) {
   return units;
 }
 
-// What became of a unit, as it is told.
-enum class State : std::uint8_t { stored, kept, empty, lost };
-constexpr const char* kStateWords[] = {"stored", "kept", "empty", "lost"};
+using State = FetchedAs;
 
 class Fetching {
  public:
@@ -204,15 +204,15 @@ class Fetching {
 
   void tell(const Fetched& fetched, State state, const std::string& why = "",
             const std::optional<std::string>& replaced = {}) {
-    ++counts_[std::size_t(state)];
+    ++counts_[state];
     if (state == State::lost) {
       lost_.push_back(fetched.address);
       program_.refuse();
     }
-    const char* const word = kStateWords[std::size_t(state)];
+    const char* const word = wordOf(state);
     const std::string name = nameOrBytes(fetched.address);
     const bool isRemoved = state == State::empty && replaced;
-    if (options_.json) return console_.line(jsonOf(fetched, word, isRemoved));
+    if (options_.json) return console_.line(jsonLine(toJson(fetched, state, isRemoved)));
     const bool isRehearsed = options_.dryRun && (state == State::stored || isRemoved);
     std::string line = fmt::format("{}{}: {}", isRehearsed ? "would be " : "", isRemoved ? "removed" : word, name);
     if (replaced && !replaced->empty())
@@ -230,19 +230,6 @@ class Fetching {
     if (fetched.tries != 1) line += fmt::format(" ({})", counted(fetched.tries, "try", "tries"));
     if (state == State::lost && fetched.tries == 0) return unasked_.tell("not asked for", line);
     state == State::lost ? console_.problem(line) : console_.line(line);
-  }
-
-  static std::string jsonOf(const Fetched& fetched, const char* state, bool isRemoved) {
-    nlohmann::ordered_json missing = nlohmann::ordered_json::array();
-    for (const BulkAddress address : fetched.missing) missing.push_back(formatAddress(address));
-    nlohmann::ordered_json json{{"unit", nameOrBytes(fetched.address)},
-                                {"address", formatAddress(fetched.address)},
-                                {"state", state},
-                                {"tries", fetched.tries},
-                                {"missing", std::move(missing)},
-                                {"reason", fetched.reason}};
-    if (isRemoved) json["removed"] = true;
-    return jsonLine(json);
   }
 
   // Of what was told empty by silence nothing else tells that it is lost.
@@ -275,9 +262,8 @@ class Fetching {
     const bool mayBeLoss = isAnyAskedAgain_ || options_.retries == 0;  // silence
     if (isSingleEmptyBySilence_ || (areAnyEmptyBySilence_ && mayBeLoss)) program_.refuse();
     std::string words;
-    for (const State state : {State::stored, State::kept, State::empty, State::lost})
-      if (const std::uint64_t count = counts_[std::size_t(state)]; count > 0)
-        words += fmt::format("{}{} {}", words.empty() ? "" : ", ", count, kStateWords[std::size_t(state)]);
+    for (const auto& [state, count] : counts_)
+      words += fmt::format("{}{} {}", words.empty() ? "" : ", ", count, wordOf(state));
     if (came_ < units_.size())
       words += fmt::format("{}{} not asked for", words.empty() ? "" : ", ", units_.size() - came_);
     console_.note((options_.dryRun ? "dry run, nothing is changed: " : "") + words);
@@ -299,7 +285,7 @@ class Fetching {
   std::vector<Fetched> waiting_;  // atomic: for all others to come
   std::size_t came_ = 0;
   std::uint64_t kept_ = 0;
-  std::uint64_t counts_[std::size(kStateWords)] = {};
+  std::map<State, std::uint64_t> counts_;
   std::vector<BulkAddress> lost_;
   bool isAnyAskedAgain_ = false;
   bool areAnyEmptyBySilence_ = false;

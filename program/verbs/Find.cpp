@@ -5,15 +5,18 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <numeric>
 
 #include "find/FileCandidates.h"
+#include "find/FoundJson.h"
 #include "find/Search.h"
 #include "input/InputFile.h"
 #include "input/Sources.h"
 #include "messages/Nearest.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
+#include "models/ModelJson.h"
 #include "output/Complaints.h"
 #include "output/FoundLines.h"
 #include "output/Progress.h"
@@ -160,7 +163,7 @@ class Finding {
 
   void tell(const Found& found) {
     Interruptible::check();
-    if (options_.json) return console_.line(jsonOf(found, names_));
+    if (options_.json) return console_.line(jsonLine(toJson(found, names_)));
     if (found.group && *found.group != group_) {
       group_ = *found.group;
       console_.line(fmt::format("group {}:", group_));

@@ -3,7 +3,10 @@
 #include "history/History.h"
 
 #include <memory>
+#include <nlohmann/json.hpp>
 
+#include "history/HistoryJson.h"
+#include "models/ModelJson.h"
 #include "output/HistoryLines.h"
 #include "verbs/Verbs.h"
 
@@ -16,7 +19,7 @@ void history(const HistoryOptions& options, Program& program) {
   if (options.most < entries.size()) entries.resize(options.most);
   for (const HistoryEntry& entry : entries) {
     const std::vector<PlaceChange> changes = changesOf(*library, entry.number);
-    program.console.line(options.json ? jsonOf(entry, changes) : lineOf(entry, changes));
+    program.console.line(options.json ? jsonLine(toJson(entry, changes)) : lineOf(entry, changes));
     if (options.json || !program.console.isVerbose()) continue;
     for (const PlaceChange& change : changes) program.console.line("      " + lineOf(change));
   }

@@ -6,8 +6,11 @@
 #include <optional>
 
 #include "input/OpenPort.h"
+#include "messages/ReadingJson.h"
 #include "messages/Text.h"
+#include "messages/Verification.h"
 #include "midi/Counted.h"
+#include "models/ModelJson.h"
 #include "output/Complaints.h"
 #include "output/LossReport.h"
 #include "output/OutputFile.h"
@@ -69,37 +72,33 @@ class Recorded final : public StreamJoiner::Receiver {
       console_.line(jsonOf({message.number, &port_, offset}, bytes));
     else
       console_.detail(lineOf(message, reading, LineForm::words));
-    if (isBroken(reading)) {
-      program_.refuse();
+    if (isBroken(reading))
       complaints_.tell(wordOf(reading.verdict), fmt::format("{}: {}", placeOf(message), describeFault(reading)));
-    }
-    tell(follower_.next(reading, message.number));
+    tell(verification_.next(reading, message.number));
     progress_->show(1, bytes.size());
   }
 
   void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
     const InputLoss loss{port_, offset, count, describe(reason), kindOf(reason)};
     losses_.add(loss);
-    if (options_.json) console_.line(jsonOf(loss));
+    if (options_.json) console_.line(jsonLine(toJson(loss)));
   }
 
   void tell(const std::vector<UnitReport>& ended) {
-    for (const UnitReport& unit : ended) {
-      if (isBroken(unit)) program_.refuse();
-      ++(isBroken(unit) ? brokenUnits_ : wholeUnits_);
-      if (!options_.json) console_.line(lineOf(unit, LineForm::words));
-    }
+    if (options_.json) return;
+    for (const UnitReport& unit : ended) console_.line(lineOf(unit, LineForm::words));
   }
 
   void finish() {
-    tell(follower_.finish());
+    tell(verification_.finish());
     losses_.finish();
     complaints_.finish();
-    if (!losses_.areAllWhole()) program_.refuse();
+    if (!losses_.areAllWhole() || !verification_.areAllWhole()) program_.refuse();
     if (messages_ == 0) return console_.note("no message came: nothing is written");
     file_.commit();
-    console_.note(fmt::format("{}, {} whole, {} broken", counted(messages_, "message"), counted(wholeUnits_, "unit"),
-                              brokenUnits_));
+    console_.note(fmt::format("{}, {} whole, {} broken", counted(messages_, "message"),
+                              counted(verification_.units() - verification_.brokenUnits(), "unit"),
+                              verification_.brokenUnits()));
   }
 
   const RecordOptions& options_;
@@ -110,10 +109,8 @@ class Recorded final : public StreamJoiner::Receiver {
   Complaints complaints_;
   Progress* progress_ = nullptr;
   std::string port_;
-  UnitFollower follower_;
+  Verification verification_;
   std::uint64_t messages_ = 0;
-  std::size_t wholeUnits_ = 0;
-  std::size_t brokenUnits_ = 0;
 };
 
 }  // namespace

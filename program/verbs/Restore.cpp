@@ -10,6 +10,7 @@
 #include "history/History.h"
 #include "input/InputFile.h"
 #include "messages/Text.h"
+#include "messages/Verification.h"
 #include "midi/Counted.h"
 #include "output/ChangeLines.h"
 #include "output/Complaints.h"
@@ -64,29 +65,23 @@ class Restoring {
 
   // Judges the file by itself, before any library is opened.
   void verify() {
-    bool isForUs = false;
-    bool isWhole = input_.isWhole();
     Complaints complaints(console_);
-    const auto complain = [&](const std::string& kind, const std::string& text) {
-      isWhole = false;
-      complaints.tell(kind, text);
-    };
-    UnitFollower follower;
+    Verification verification;
     const auto judge = [&](const std::vector<UnitReport>& units, const std::string& place) {
       for (const UnitReport& unit : units)
-        if (isBroken(unit)) complain(wordOf(unit.state), fmt::format("{}: {}", place, describeUnit(unit)));
+        if (isBroken(unit)) complaints.tell(wordOf(unit.state), fmt::format("{}: {}", place, describeUnit(unit)));
     };
     input_.forEachMessage([&](const InputMessage& message) {
       const Reading reading = readMessage(message.bytes);
-      isForUs = isForUs || reading.kind != Reading::Kind::foreign;
       if (isBroken(reading))
-        complain(wordOf(reading.verdict), fmt::format("{}: {}", placeOf(message), describeFault(reading)));
-      judge(follower.next(reading, message.number), placeOf(message));
+        complaints.tell(wordOf(reading.verdict), fmt::format("{}: {}", placeOf(message), describeFault(reading)));
+      judge(verification.next(reading, message.number), placeOf(message));
     });
-    for (const UnitReport& unit : follower.finish()) judge({unit}, input_.place(unit.firstMessage));
+    for (const UnitReport& unit : verification.finish()) judge({unit}, input_.place(unit.firstMessage));
     complaints.finish();
-    if (!isWhole) giveUp();
-    if (!isForUs) throw Failure(kUnusableInput, "no message is for this instrument: nothing is restored");
+    if (!input_.isWhole() || !verification.areAllWhole()) giveUp();
+    if (!verification.isAnyOurs())
+      throw Failure(kUnusableInput, "no message is for this instrument: nothing is restored");
   }
 
   void receive(EmbeddedEditor& editor, const char* verb) {

@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <numeric>
-#include <set>
 #include <utility>
 
 #include "input/FilesInUse.h"
@@ -17,11 +17,13 @@
 #include "input/Sources.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
+#include "models/ModelJson.h"
 #include "output/Complaints.h"
 #include "output/LossReport.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
 #include "output/SalvageLines.h"
+#include "salvage/SalvageJson.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
@@ -132,23 +134,9 @@ class Salvaging {
         },
         [&](const InputLoss& loss) {
           losses.add(loss);
-          add(loss);
+          salvage_.lose(file_, loss);
         });
     sources_.problems.insert(sources_.problems.end(), problems.begin(), problems.end());
-  }
-
-  void add(const InputLoss& loss) {
-    switch (loss.kind) {
-      case InputLoss::Kind::realTime:
-        return;
-      case InputLoss::Kind::cutShort:
-        return salvage_.addFragment(file_, loss.beginning);
-      case InputLoss::Kind::brokenFile:
-        notInFull_.insert(file_);
-        return salvage_.addLoose(file_);
-      case InputLoss::Kind::loose:
-        return salvage_.addLoose(file_);
-    }
   }
 
   std::string placeIn(const Piece& piece) const {
@@ -159,7 +147,7 @@ class Salvaging {
     std::map<Salvaged::State, std::size_t> counts;
     for (const Salvaged& unit : result.units) {
       ++counts[unit.state];
-      console_.line(options_.json ? jsonOf(unit, files_) : lineOf(unit, files_));
+      console_.line(options_.json ? jsonLine(toJson(unit, files_)) : lineOf(unit, files_));
       tellDoubts(unit);
     }
     tellLeftOut(result);
@@ -175,13 +163,13 @@ class Salvaging {
     if (result.unknown > 0)
       console_.problem(
           fmt::format("{}: nothing says what is lost with that", counted(result.unknown, "broken message")));
-    if (counts[Salvaged::State::lost] + result.unknown + notInFull_.size() > 0) program_.refuse();
+    if (!result.isNothingLost()) program_.refuse();
     std::string summary = fmt::format("{} whole, {} completed, {} lost; {} kept", counts[Salvaged::State::whole],
                                       counts[Salvaged::State::completed], counts[Salvaged::State::lost],
                                       counted(result.messages.size(), "message"));
     if (sources_.ofOtherKinds != 0)
       summary += "; passed over: " + counted(sources_.ofOtherKinds, "file of another kind", "files of other kinds");
-    if (!notInFull_.empty()) summary += fmt::format("; {} not read in full", counted(notInFull_.size(), "file"));
+    if (result.notInFull > 0) summary += fmt::format("; {} not read in full", counted(result.notInFull, "file"));
     console_.note(summary);
   }
 
@@ -257,7 +245,7 @@ class Salvaging {
       if (unit.state == Salvaged::State::lost && !unit.device)
         lost.push_back(fmt::format("blocks of no known unit, {} and after it", describeAddress(unit.address)));
     if (result.unknown > 0) lost.push_back(fmt::format("what was in {}", counted(result.unknown, "broken message")));
-    if (!notInFull_.empty()) lost.push_back(fmt::format("what was not read of {}", counted(notInFull_.size(), "file")));
+    if (result.notInFull > 0) lost.push_back(fmt::format("what was not read of {}", counted(result.notInFull, "file")));
     for (const std::string& what : lost) console_.problem(fmt::format("lost, and no request can fetch it: {}", what));
     return lost.size();
   }
@@ -271,8 +259,7 @@ class Salvaging {
   Salvage salvage_;
   OutputFile good_;
   std::optional<OutputFile> requests_;
-  std::size_t file_ = 0;             // which of them is read
-  std::set<std::size_t> notInFull_;  // those that are not built as they must be
+  std::size_t file_ = 0;  // which of them is read
   bool hasFile_ = false;
   std::uint64_t messages_ = 0;
 };

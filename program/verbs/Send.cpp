@@ -20,7 +20,6 @@
 #include "input/OpenPort.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
-#include "models/Latin1.h"
 #include "models/ModelJson.h"
 #include "output/Complaints.h"
 #include "output/LossReport.h"
@@ -28,6 +27,7 @@
 #include "output/TranscriptFile.h"
 #include "targets/Targets.h"
 #include "verbs/Verbs.h"
+#include "wire/SendJson.h"
 #include "wire/SendPlan.h"
 
 namespace Editor {
@@ -242,19 +242,15 @@ class Sending {
     console_.note(words);
   }
 
-  void tell(const SendPlan& plan, SentUnit unit) {
+  void tell(const SendPlan& plan, const SentUnit& unit) {
     ++told_;
     ++counts_[unit.state];
     const std::string& place = plan.places[unit.unit];
-    const bool isMissed = unit.state == SentUnit::State::different || unit.state == SentUnit::State::unanswered ||
-                          (options_.verify && unit.state == SentUnit::State::sent);
-    if (isMissed) program_.refuse();
-    if (isMissed && unit.state == SentUnit::State::sent)
-      unit.reason = plan.units[unit.unit].asked ? "not verified" : "cannot be asked for";
-    if (options_.json) return console_.line(jsonOf(plan, unit));
+    if (isMissed(unit)) program_.refuse();
+    if (options_.json) return console_.line(jsonLine(toJson(plan, unit)));
     const std::string line =
         fmt::format("{}: {}{}{}", wordOf(unit.state), place, unit.reason.empty() ? "" : ": ", unit.reason);
-    isMissed ? console_.problem(line) : console_.line(line);
+    isMissed(unit) ? console_.problem(line) : console_.line(line);
     if (unit.differences.empty()) return;
     if (unit.state == SentUnit::State::sent) console_.problem(fmt::format("was different: {}", place));
     constexpr std::size_t kMostTold = 20;
@@ -276,31 +272,6 @@ class Sending {
   }
   static std::string wordsOf(const ParameterValue& value) {
     return std::holds_alternative<std::monostate>(value) ? "nothing" : showValue(value);
-  }
-
-  static nlohmann::ordered_json toJson(const ParameterValue& value) {
-    if (const auto* const number = std::get_if<std::int64_t>(&value)) return *number;
-    if (const auto* const text = std::get_if<std::string>(&value)) return latin1ToUtf8(*text);
-    return nullptr;
-  }
-
-  static std::string jsonOf(const SendPlan& plan, const SentUnit& unit) {
-    nlohmann::ordered_json differences = nlohmann::ordered_json::array();
-    const bool isDifferent = unit.state == SentUnit::State::different;
-    for (const ReadBackDifference& one : unit.differences)
-      if (isDifferent)
-        differences.push_back({{"address", formatAddress(one.address)},
-                               {"dataByte", one.dataByte},
-                               {"path", one.path ? nlohmann::ordered_json(*one.path) : nlohmann::ordered_json(nullptr)},
-                               {"sent", toJson(one.sent)},
-                               {"read", toJson(one.read)}});
-    const Send::Unit& sent = plan.units[unit.unit];
-    const BulkAddress address = *readMessage(sent.messages.front()).address;
-    return jsonLine(nlohmann::ordered_json{{"unit", nameOrBytes(sent.asked.value_or(address))},
-                                           {"address", formatAddress(address)},
-                                           {"state", wordOf(unit.state)},
-                                           {"differences", std::move(differences)},
-                                           {"reason", unit.reason}});
   }
 
   const SendOptions& options_;

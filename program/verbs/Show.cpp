@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <memory>
 
 #include "input/FileEditor.h"
@@ -10,6 +9,7 @@
 #include "midi/Counted.h"
 #include "models/ModelJson.h"
 #include "output/NamedValues.h"
+#include "targets/TargetJson.h"
 #include "targets/TargetModels.h"
 #include "verbs/Verbs.h"
 
@@ -64,61 +64,27 @@ struct Form {
   ParameterNames names;
 };
 
-// `heading` says which target it is, where there are several.
-void print(const ModelSet& models, const std::optional<std::string>& heading, const Form& form, Console& console) {
-  if (!form.json) {
-    if (heading) console.line(*heading + ":");
-    printLines(models, form.names, console);
-    return;
-  }
-  nlohmann::ordered_json object;
-  if (heading) object["target"] = *heading;
-  object.update(toJson(models));
-  console.line(jsonLine(object));
+// Under a heading, for there are several.
+void print(const Target& target, const ModelSet& models, const Form& form, Console& console) {
+  if (form.json) return console.line(jsonLine(toJson(target, models)));
+  console.line(target.name + ":");
+  printLines(models, form.names, console);
 }
 
-// Shows the targets of one word; what cannot be shown is told, and keeps none from the others. Empty places of a bank
-// or a range are left out.
+// Shows the targets of one word; what cannot be shown is told, and keeps none from the others.
 void showAll(const Places<Target>& places, const Form& form, EmbeddedEditor& editor, Program& program) {
-  std::size_t leftOut = 0;
-  for (const Target& target : places.list) {
-    const bool isContent = target.kind == Target::Kind::content;
-    try {
-      if (!places.isOne && isContent && !editor.library().contentName(target.content)) {
-        ++leftOut;
-        continue;
-      }
-      print(loadTarget(editor, target), target.name, form, program.console);
-    } catch (const TargetError& error) {
-      program.console.problem(fmt::format("bda: {}", error.what()));
-      program.refuse();
-    } catch (const LibraryError& error) {
-      if (error.kind() != LibraryError::Kind::DamagedPlace) throw;
-      program.leaveOutDamaged(target.name);
-    }
-  }
+  const auto complain = [&](const std::string& text) {
+    program.console.problem(fmt::format("bda: {}", text));
+    program.refuse();
+  };
+  const std::size_t leftOut = loadTargets(
+      editor, places,
+      {.loaded = [&](const Target& target, const ModelSet& models) { print(target, models, form, program.console); },
+       .refused = [&](const TargetError& error) { complain(error.what()); },
+       .damaged = [&](const Target& target) { program.leaveOutDamaged(target.name); }});
   if (leftOut == 0) return;
   const std::string empty = fmt::format("{}: {} nothing", places.name, counted(leftOut, "place holds", "places hold"));
-  if (leftOut < places.list.size()) {
-    program.console.note(empty);
-  } else {
-    program.console.problem(fmt::format("bda: {}", empty));
-    program.refuse();
-  }
-}
-
-// An edit buffer of the library is as new where nothing was ever stored; one that a file does not have is none.
-void keepWhatIsStored(std::vector<Places<Target>>& asked, EmbeddedEditor& editor, const std::string& file) {
-  const std::vector<Target> live = storedLive(editor);
-  const auto isMissing = [&](const Target& target) {
-    return target.kind != Target::Kind::content &&
-           std::none_of(live.begin(), live.end(), [&](const Target& one) { return one.name == placeNameOf(target); });
-  };
-  for (Places<Target>& places : asked) {
-    const auto kept = std::remove_if(places.list.begin(), places.list.end(), isMissing);
-    if (kept == places.list.begin()) throw Failure(kRefused, fmt::format("{}: {} is not in it", file, places.name));
-    places.list.erase(kept, places.list.end());
-  }
+  leftOut < places.list.size() ? program.console.note(empty) : complain(empty);
 }
 
 }  // namespace
@@ -131,9 +97,17 @@ void show(const Words& words, const ShowOptions& options, Program& program) {
   const std::unique_ptr<EmbeddedEditor> editor =
       isOfFile ? editorOf(InputFile(options.from, program.console), "show", program) : program.openToRead();
   const EmbeddedEditor::View oneState(*editor);
-  if (isOfFile) keepWhatIsStored(asked, *editor, displayName(options.from));
+  for (Places<Target>& places : asked) {
+    if (isOfFile) dropUnstored(*editor, places.list);
+    if (places.list.empty())
+      throw Failure(kRefused, fmt::format("{}: {} is not in it", displayName(options.from), places.name));
+  }
   if (asked.size() == 1 && asked.front().isOne) {
-    print(loadTarget(*editor, asked.front().list.front()), std::nullopt, form, program.console);
+    const ModelSet models = loadTarget(*editor, asked.front().list.front());
+    if (options.json)
+      program.console.line(jsonLine(toJson(models)));
+    else
+      printLines(models, form.names, program.console);
     return;
   }
   for (const Places<Target>& places : asked) showAll(places, form, *editor, program);

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "messages/Verification.h"
 #include "midi/Counted.h"
 #include "output/Complaints.h"
 #include "output/ReadingLines.h"
@@ -14,33 +15,23 @@ void verify(const Words& files, bool json, Program& program) {
   const LineForm form = json ? LineForm::json : LineForm::words;
   InputStream input(files);
   if (input.isLive()) console.flushEachLine();
-  std::size_t messages = 0;
-  std::size_t brokenMessages = 0;
-  std::size_t units = 0;
-  std::size_t brokenUnits = 0;
   Complaints complaints(console);
-  UnitFollower follower;
+  Verification verification;
   const auto tellUnits = [&](const std::vector<UnitReport>& ended) {
-    for (const UnitReport& unit : ended) {
-      ++units;
-      if (isBroken(unit)) ++brokenUnits;
-      console.line(lineOf(unit, form));
-    }
+    for (const UnitReport& unit : ended) console.line(lineOf(unit, form));
   };
   const auto judge = [&](const InputMessage& message, const Reading& reading) {
-    ++messages;
-    if (isBroken(reading)) {
-      ++brokenMessages;
+    if (isBroken(reading))
       complaints.tell(wordOf(reading.verdict), fmt::format("{}: {}", placeOf(message), describeFault(reading)));
-    }
-    tellUnits(follower.next(reading, message.number));
+    tellUnits(verification.next(reading, message.number));
   };
   const ReadingResult result = printReadings(input, form, console, judge);
-  tellUnits(follower.finish());
+  tellUnits(verification.finish());
   complaints.finish();
-  if (!result.areAllWhole || brokenMessages + brokenUnits != 0) program.refuse();
-  console.note(fmt::format("{}, {} broken; {}, {} broken", counted(messages, "message"), brokenMessages,
-                           counted(units, "unit"), brokenUnits));
+  if (!result.areAllWhole || !verification.areAllWhole()) program.refuse();
+  console.note(fmt::format("{}, {} broken; {}, {} broken", counted(verification.messages(), "message"),
+                           verification.brokenMessages(), counted(verification.units(), "unit"),
+                           verification.brokenUnits()));
   program.failInputs(result.problems);
 }
 

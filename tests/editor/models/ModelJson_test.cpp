@@ -28,6 +28,13 @@ std::string refusal(const ModelSet& models, Spoil spoil) {
   return error.value_or("no error");
 }
 
+TEST(ModelJson, aValueByItselfIsANumberOrATextOrNothing) {
+  EXPECT_EQ(jsonLine(valueToJson(std::int64_t{7})), "7");
+  EXPECT_EQ(jsonLine(valueToJson("Caf\xE9")), R"("Caf\u00e9")");
+  EXPECT_EQ(jsonLine(valueToJson(std::vector<std::uint8_t>{0xF0, 0x01})), R"("F0 01")");
+  EXPECT_EQ(jsonLine(valueToJson(std::monostate())), "null");
+}
+
 // ---- The published form --------------------------------------------------------------------------------------------
 
 TEST(ModelJson, HasTheKeysOfTheModelsThatAreThere) {

@@ -554,3 +554,21 @@ TEST_F(Salvaging, whatStandsBetweenUnitsIsNoHarm) {
   EXPECT_THAT(units(), ElementsAre("voice:user1:6 whole 0", "voice:user1:7 whole 0"));
   EXPECT_EQ(result().unknown, 0U);
 }
+
+TEST(SalvageLosses, whatASourceLosesCountsByWhatItIs) {
+  using Kind = Editor::InputLoss::Kind;
+  const std::string file = "a.syx";
+  const Bytes header = blockDump(kVoice6);
+  const auto salvaged = [&](std::initializer_list<Kind> losses) {
+    Editor::Salvage salvage({});
+    for (const Kind kind : losses) salvage.lose(0, {file, 0, 1, "why", kind, std::span(header).first(10)});
+    return salvage.finish();
+  };
+  EXPECT_TRUE(salvaged({Kind::realTime, Kind::loose}).isNothingLost());
+  const Editor::SalvageResult cut = salvaged({Kind::cutShort});
+  EXPECT_EQ(cut.units.size(), 1u) << "there was such a voice";
+  EXPECT_FALSE(cut.isNothingLost());
+  const Editor::SalvageResult broken = salvaged({Kind::brokenFile, Kind::brokenFile});
+  EXPECT_EQ(broken.notInFull, 1u);
+  EXPECT_FALSE(broken.isNothingLost());
+}

@@ -1,72 +1,100 @@
-// What the history says of targets that are replaced.
+#include "targets/TargetChanges.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "bda/platform/CMA/VoiceBanks.h"
-#include "editor/history/PrintChange.h"
+#include "contents/ContentFormat.h"
 #include "targets/TargetModels.h"
 
 namespace Editor {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class TargetChanges : public testing::Test {
  protected:
-  static ModelSet named(const std::string& place, const std::string& name) {
-    ModelSet models = freshTarget(parseTarget(place), false);
-    nameIn(models)->assign(name);
-    return models;
-  }
-  std::vector<PlaceChange> store(const std::string& place, const ModelSet& models) {
-    Library::Transaction transaction(editor.library());
-    editor.library().beginRun({"apply"});
-    storeTarget(editor, parseTarget(place), models);
-    std::vector<PlaceChange> changes = changesOfRun(editor.library());
-    transaction.commit();
-    return changes;
+  static constexpr ContentId kVoice{4, 0x3F0805};
+  static constexpr ContentId kNext{4, 0x3F0806};
+
+  TargetChanges() { library.store(kVoice, encodeContent(emptySetFor(kVoice)), "Piano"); }
+
+  void rename(const std::string& place, const std::string& name) { renameTarget(editor, parseTarget(place), name); }
+  static std::string refusalOf(const std::function<void()>& change) {
+    try {
+      change();
+    } catch (const TargetError& error) {
+      EXPECT_EQ(error.kind(), TargetError::Kind::refused);
+      return error.what();
+    }
+    return "";
   }
 
   EmbeddedEditor editor;
+  Library& library = editor.library();
 };
 
-TEST_F(TargetChanges, aTargetThatIsReplacedIsToldWithItsNames) {
-  EXPECT_THAT(store("file:voice:user1:6", named("voice:user1:6", "Piano")),
-              ElementsAre(PlaceChange{"voice:user1:6", What::stored, std::nullopt, "Piano"}));
-  EXPECT_THAT(store("voice:user1:6", named("voice:user1:6", "Grand")),
-              ElementsAre(PlaceChange{"voice:user1:6", What::stored, "Piano", "Grand"}));
-  EXPECT_THAT(store("master:edit", named("master:edit", "Master")),
-              ElementsAre(PlaceChange{"master:edit", What::stored, std::nullopt, "Master"}));
-  EXPECT_THAT(store("system", freshTarget(parseTarget("system"), false)),
-              ElementsAre(PlaceChange{"system", What::stored, std::nullopt, ""}));
+TEST_F(TargetChanges, aNameIsThatOfTheListAndThatInside) {
+  rename("voice:user1:6", "Grand");
+  EXPECT_EQ(library.contentName(kVoice), "Grand");
+  EXPECT_EQ(nameOf(loadTarget(editor, parseTarget("voice:user1:6"))), "Grand");
+  rename("voice:edit", "Edit");
+  EXPECT_EQ(nameOf(editor.tools().live(EditBuffer::normalVoice)), "Edit");
 }
 
-TEST_F(TargetChanges, theMultiThatComesWithTheVoiceOfAPartIsToldWhenItIsAnother) {
-  store("multi:edit", freshTarget(parseTarget("multi:edit"), false));  // the voices of all parts come with the first
-  ModelSet models = loadTarget(editor, parseTarget("voice:part:4"));
-  models.voice->name.assign("Voice");
-  EXPECT_THAT(store("voice:part:4", models), ElementsAre(PlaceChange{"voice:part:4", What::stored, "", "Voice"}));
-  models.multi->name.assign("Multi");
-  EXPECT_THAT(store("voice:part:4", models), ElementsAre(PlaceChange{"multi:edit", What::stored, "", "Multi"}));
+TEST_F(TargetChanges, aContentOfOtherBytesKeepsThem) {
+  library.store(kNext, std::vector<std::uint8_t>{1, 2}, "Opaque");
+  rename("voice:user1:7", "Grand");
+  EXPECT_EQ(library.content(kNext), (Library::Content{"Grand", {1, 2}}));
 }
 
-TEST_F(TargetChanges, voicesThatAMultiTakesAlongAreTold) {
-  ModelSet part = loadTarget(editor, parseTarget("voice:part:4"));
-  part.voice->name.assign("Voice");
-  store("voice:part:4", part);
-  ModelSet multi = loadTarget(editor, parseTarget("multi:edit"));
-  constexpr unsigned kUserDrums = 12;
-  multi.multi->part[3].bankProgram.set(&CMA::voiceBankSelTable[kUserDrums].msb, 0, 0);
-  multi.multi->part[3].bankProgram.set(&CMA::voiceBankSelTable[kUserDrums].lsb, 1, 0);
-  EXPECT_THAT(store("multi:edit", multi), ElementsAre(PlaceChange{"voice:part:4", What::stored, "Voice", ""},
-                                                      PlaceChange{"multi:edit", What::stored, "", ""}));
+TEST_F(TargetChanges, aNameThatNoMessageCarriesIsRefused) {
+  EXPECT_EQ(refusalOf([&] { rename("voice:user1:8", "x"); }), "voice:user1:8: nothing is stored there");
+  EXPECT_EQ(refusalOf([&] { rename("multi:edit", "x"); }), "multi:edit: no message carries a name for it");
+  EXPECT_EQ(refusalOf([&] { rename("voice:user1:6", std::string(21, 'x')); }),
+            "voice:user1:6: \"" + std::string(21, 'x') + "\" has 21 characters, a name here has at most 20");
+  EXPECT_EQ(refusalOf([&] { rename("voice:user1:6", "\xE9"); }),
+            "voice:user1:6: \"\xE9\" has a character that cannot be carried: expected printable ASCII");
+  EXPECT_EQ(library.contentName(kVoice), "Piano");
 }
 
-TEST_F(TargetChanges, whatStaysIsNotTold) {
-  store("master:edit", named("master:edit", "Master"));
-  EXPECT_THAT(store("master:edit", named("master:edit", "Master")), IsEmpty());
+TEST_F(TargetChanges, whatIsNamedTwiceIsRemovedOnce) {
+  Removing removing(library);
+  EXPECT_EQ(removing.take(parseContents("voice:user1:6")), 0u);
+  EXPECT_EQ(library.contents().size(), 0u);
+  EXPECT_EQ(removing.take(parseContents("file:voice:user1:6")), 0u) << "another name of the same place";
+  EXPECT_EQ(removing.take(parseContents("voice:user1:5..7")), 2u);
+  EXPECT_EQ(refusalOf([&] { removing.take(parseContents("voice:user2")); }),
+            "voice:user2: nothing is stored there; nothing is removed");
+}
+
+TEST_F(TargetChanges, liveModelsAreRemovedWhereTheyAreDamagedOnly) {
+  EXPECT_FALSE(parseRemoval("voice:user1:6").unlessDamaged);
+  EXPECT_THROW(parseRemoval("nonsense"), TargetError);
+  const Removal removal = parseRemoval("voice:edit");
+  ASSERT_TRUE(removal.unlessDamaged);
+  EXPECT_EQ(removal.unlessDamaged->kind(), TargetError::Kind::noTarget);
+  EXPECT_THROW(requireRemovable(removal, editor.tools()), TargetError);
+  library.storeLive("voice", std::vector<std::uint8_t>{1});
+  editor.tools().reload();
+  requireRemovable(removal, editor.tools());
+  EXPECT_EQ(Removing(library).take(removal.places), 0u);
+  EXPECT_TRUE(library.liveKeys().empty());
+}
+
+TEST_F(TargetChanges, contentsAndFlagsCanBeFavouritesOrNoLonger) {
+  library.setFavourite(kNext, 1);  // of an empty place
+  EXPECT_EQ(setFavourites(library, parseContents("voice:user1:5..8"), true), 2u);
+  EXPECT_EQ(library.favourites().size(), 2u);
+  EXPECT_EQ(setFavourites(library, parseContents("voice:user1:6"), false), 0u);
+  EXPECT_EQ(library.flag(kVoice), 0);
+  EXPECT_EQ(refusalOf([&] { setFavourites(library, parseContents("voice:user2"), true); }),
+            "voice:user2: nothing is stored there");
+}
+
+TEST_F(TargetChanges, onlyVoicesCanBeFavourites) {
+  requireFlags(parseContents("voice:user1"));
+  EXPECT_EQ(refusalOf([] { requireFlags(parseContents("file:multi")); }),
+            "file:multi:1: only preset, GM and user voices and drum voices can be favourites");
 }
 
 }  // namespace

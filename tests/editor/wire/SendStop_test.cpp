@@ -204,5 +204,24 @@ TEST_F(SendStop, whoDoesNotAnswerSaysWhy) {
   for (const SentUnit& unit : send({}, verify)) EXPECT_EQ(unit.reason, "");
 }
 
+TEST_F(SendStop, whatWasNotLookedAtIsMissed) {
+  Send::Options options{.verifies = true, .onlyChanged = false, .terms = {}};
+  units[0].asked.reset();
+  std::vector<SentUnit> told = sendUntil(timeOfAll() / 2, options);
+  ASSERT_EQ(told.size(), 2u);
+  EXPECT_EQ(statesOf(told), (std::vector{State::sent, State::sent}));
+  EXPECT_EQ(told[0].reason, "cannot be asked for");
+  EXPECT_EQ(told[1].reason, "not verified");
+  EXPECT_TRUE(isMissed(told[0]) && isMissed(told[1]));
+  options.verifies = false;
+  for (const SentUnit& unit : send({}, options)) EXPECT_FALSE(isMissed(unit)) << unit.reason;
+}
+
+TEST_F(SendStop, whatIsOtherwiseThereIsMissed) {
+  EXPECT_TRUE(isMissed({0, State::different, {}, 1, ""}));
+  EXPECT_TRUE(isMissed({0, State::unanswered, {}, 1, "silent"}));
+  EXPECT_FALSE(isMissed({0, State::equal, {}, 1, ""}));
+}
+
 }  // namespace
 }  // namespace Editor

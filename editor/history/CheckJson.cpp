@@ -1,0 +1,16 @@
+#include "history/CheckJson.h"
+
+#include <nlohmann/json.hpp>
+
+#include "messages/Text.h"
+
+namespace Editor {
+
+nlohmann::ordered_json toJson(const Checked& checked) {
+  nlohmann::ordered_json json{{checked.kind == Checked::Kind::table ? "table" : "content", checked.name},
+                              {"state", wordOf(checked.state)}};
+  if (!checked.reason.empty()) json["reason"] = escape(checked.reason);
+  return json;
+}
+
+}  // namespace Editor

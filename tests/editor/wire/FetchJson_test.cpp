@@ -1,0 +1,36 @@
+#include "wire/FetchJson.h"
+
+#include <gtest/gtest.h>
+
+#include "models/ModelJson.h"
+
+namespace Editor {
+namespace {
+
+Fetched voice() {
+  Fetched fetched;
+  fetched.address = {0x0E, 0x0A, 0x05};
+  fetched.tries = 2;
+  return fetched;
+}
+
+TEST(FetchJson, aUnitThatIsLostHasWhatIsMissing) {
+  Fetched fetched = voice();
+  fetched.missing = {{0x41, 0x02, 0x00}};
+  fetched.reason = "incomplete";
+  EXPECT_EQ(jsonLine(toJson(fetched, FetchedAs::lost, false)),
+            R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"lost","tries":2,"missing":["41 02 00"],)"
+            R"("reason":"incomplete"})");
+}
+
+TEST(FetchJson, aPlaceThatIsEmptyThereMayBeRemovedHere) {
+  EXPECT_EQ(jsonLine(toJson(voice(), FetchedAs::stored, false)),
+            R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"stored","tries":2,"missing":[],"reason":""})");
+  EXPECT_EQ(jsonLine(toJson(voice(), FetchedAs::empty, true)),
+            R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"empty","tries":2,"missing":[],"reason":"",)"
+            R"("removed":true})");
+  EXPECT_STREQ(wordOf(FetchedAs::kept), "kept");
+}
+
+}  // namespace
+}  // namespace Editor
