@@ -47,14 +47,12 @@ std::string lineOf(const HistoryEntry& entry, const std::vector<PlaceChange>& ch
 
 std::string jsonOf(const HistoryEntry& entry, const std::vector<PlaceChange>& changes) {
   const auto orNull = [](const std::optional<std::int64_t>& number) { return number ? Json(*number) : Json(nullptr); };
-  Json sources = Json::array();
-  for (const std::string& source : entry.sources) sources.push_back(escape(source));
   Json places = Json::array();
   for (const PlaceChange& change : changes) places.push_back(toJson(change));
   const Json json{{"entry", entry.number},
                   {"time", timeOf(entry)},
                   {"verb", entry.verb},
-                  {"sources", std::move(sources)},
+                  {"sources", entry.sources},
                   {"changes", std::move(places)},
                   {"undoes", orNull(entry.undoes)},
                   {"undoneBy", orNull(entry.undoneBy)}};

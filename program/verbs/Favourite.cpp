@@ -28,7 +28,8 @@ void setFlags(Library& library, const Places<Target>& places, bool isOn, Console
   if (leftOut == places.list.size())
     throw Failure(kRefused, fmt::format("{}: nothing is stored there", escape(places.name)));
   if (leftOut > 0)
-    console.note(fmt::format("{}: {} nothing", places.name, counted(leftOut, "place holds", "places hold")));
+    console.note(fmt::format("{}: {} nothing and {} no flag", places.name,
+                             counted(leftOut, "place holds", "places hold"), leftOut == 1 ? "has" : "have"));
 }
 
 }  // namespace
