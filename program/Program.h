@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ExitCode.h"
+#include "contents/LibraryMark.h"
 #include "exchange/EmbeddedEditor.h"
 #include "names/ParameterNames.h"
 #include "output/Console.h"
@@ -38,7 +39,9 @@ class Program {
   void setNameFile(const std::string& file) { names_ = file; }
   // The verb has a use for those of waveforms and arpeggios.
   void needNames() { needsNames_ = true; }
-  std::string nameFileOf(const std::string& library) const { return names_.empty() ? library + ".names" : names_; }
+  std::string nameFileOf(const std::string& library) const {
+    return names_.empty() ? library + std::string(kNamesEnding) : names_;
+  }
   // That of the library, if the verb has a use for it, and it was named or is there.
   std::optional<std::string> nameFileInUse(const std::string& library) const;
   // Those of parameters: in the file beside the first of these libraries that has one, or beside the program's own.

@@ -6,8 +6,11 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
+
+#include "contents/LibraryMark.h"
 
 namespace Editor {
 
@@ -65,9 +68,9 @@ class PlainFile {
 };
 
 // Beside the library itself, where `file` is a link to it.
-std::filesystem::path freeName(const std::filesystem::path& file, const char* ending) {
+std::filesystem::path freeName(const std::filesystem::path& file, std::string_view ending) {
   const std::filesystem::path library = std::filesystem::is_symlink(file) ? std::filesystem::canonical(file) : file;
-  const std::string name = library.string() + ending;
+  const std::string name = library.string().append(ending);
   std::filesystem::path free = name;
   for (unsigned number = 2; std::filesystem::exists(std::filesystem::symlink_status(free)); ++number)
     free = name + "." + std::to_string(number);
@@ -91,13 +94,13 @@ void copyBytes(sqlite3_file* from, sqlite3_file* to) {
 
 }  // namespace
 
-std::filesystem::path nameOfCopy(const std::filesystem::path& file) { return freeName(file, ".v1"); }
+std::filesystem::path nameOfCopy(const std::filesystem::path& file) { return freeName(file, kCopyEnding); }
 
 std::filesystem::path copyBeside(const std::filesystem::path& file, Database& database,
                                  std::chrono::milliseconds busyTimeout, const char* vfs) {
   writeLogBack(file, busyTimeout, vfs);
   // Half of it is there under this name only: of a program that was killed it may be left.
-  const std::filesystem::path part = freeName(file, ".v1.part");
+  const std::filesystem::path part = freeName(file, kPartEnding);
   std::filesystem::path copy;
   sqlite3_file* library = nullptr;
   sqlite3_file_control(database.connection.getHandle(), "main", SQLITE_FCNTL_FILE_POINTER, &library);

@@ -119,8 +119,18 @@ bool isLibraryFile(std::span<const std::uint8_t> first) {
   return headerIn(first).applicationId == kLibraryApplicationId;
 }
 
+bool belongsToLibrary(std::string_view ending) {
+  if (ending == kNamesEnding || std::ranges::find(kSideFiles, ending) != kSideFiles.end()) return true;
+  const std::string_view copy = ending.starts_with(kPartEnding) ? kPartEnding : kCopyEnding;
+  if (!ending.starts_with(copy)) return false;
+  const std::string_view number = ending.substr(copy.size());
+  return number.empty() || (number.size() > 1 && number.front() == '.' &&
+                            number.find_first_not_of("0123456789", 1) == std::string_view::npos);
+}
+
 std::unique_ptr<Database> LibraryFile::open() const {
   if (!exists()) return nullptr;
+  requireFile();
   if (vfs_ == nullptr && ::access(path_.c_str(), W_OK) != 0) cannotOpen(errno);
   std::unique_ptr<Database> database = open(path_.string(), SQLite::OPEN_READWRITE);
   if (database == nullptr) return nullptr;
@@ -132,6 +142,7 @@ std::unique_ptr<Database> LibraryFile::open() const {
 
 std::unique_ptr<Database> LibraryFile::openToRead() const {
   if (!exists()) return nullptr;
+  requireFile();
   // Who must not write to the file can neither put away the log that SQLite makes for a reader, nor make one in a
   // directory that is closed to him: the file is read as it is, unless somebody works on it or was cut off.
   const bool isReadOnly = vfs_ == nullptr && (::access(path_.c_str(), W_OK) != 0 ||
@@ -205,6 +216,15 @@ bool LibraryFile::exists() const {
   const int result = vfs->xAccess(vfs, path_.c_str(), SQLITE_ACCESS_EXISTS, &exists);
   if (result != SQLITE_OK) throw SQLite::Exception("disk I/O error", result);
   return exists != 0;
+}
+
+// A device may never end, or seem to be a library that holds nothing yet.
+void LibraryFile::requireFile() const {
+  if (vfs_ != nullptr) return;
+  const std::filesystem::file_status status = std::filesystem::status(path_);
+  if (!std::filesystem::exists(status) || std::filesystem::is_regular_file(status)) return;  // it may just have gone
+  const char* const what = std::filesystem::is_directory(status) ? "a folder" : "a device or a pipe";
+  throw LibraryError(LibraryError::Kind::NotALibrary, path_.string() + " is no library: it is " + what);
 }
 
 void LibraryFile::requireRoom() const {

@@ -41,6 +41,7 @@ class LibraryFile {
   std::unique_ptr<Database> open(const std::string& name, int flags) const;
   std::unique_ptr<Database> openWhatIsThere(const std::string& name, int flags) const;
   std::unique_ptr<Database> openAsItIs() const;
+  void requireFile() const;
   void requireLibrary(Database& database) const;
   void clearSideFiles() const;
   void requireLibrary(std::int64_t applicationId, std::int64_t version) const;

@@ -50,7 +50,7 @@ void BatchBuilder::add(std::span<const std::uint8_t> message) {
     for (const std::uint64_t fileDump : fileDumpsOf(report)) writtenBy_.emplace(fileDump, number);
 }
 
-void BatchBuilder::addJson(nlohmann::ordered_json object) {
+void BatchBuilder::addJson(nlohmann::ordered_json object, std::string source) {
   Batch::Unit unit{Batch::Unit::Form::json, {}, std::nullopt};
   if (const auto target = object.is_object() ? object.find("target") : object.end(); target != object.end()) {
     try {
@@ -62,6 +62,7 @@ void BatchBuilder::addJson(nlohmann::ordered_json object) {
     object.erase(target);
   }
   unit.object = std::move(object);
+  unit.source = std::move(source);
   batch_.messages.emplace_back();
   found_.push_back({std::move(unit), {batch_.messages.size()}});
 }

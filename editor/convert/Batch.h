@@ -31,6 +31,8 @@ struct Batch {
     bool removes = false;                   // a file dump without data: it removes what stands in its place
     nlohmann::ordered_json object = {};     // of JSON, without its "target"
     std::string target = {};                // of JSON: that, as it was written
+    std::string source = {};                // of JSON: the file and line that it is from, in words
+    std::string from = {};                  // its place before it was addressed to another
   };
   struct Message {
     std::vector<std::uint8_t> bytes;
@@ -60,7 +62,7 @@ class BatchBuilder {
   // The next message F0..F7.
   void add(std::span<const std::uint8_t> message);
   // What `show --json` printed, in the place of its dumps. Throws TargetJsonError when its "target" is none.
-  void addJson(nlohmann::ordered_json object);
+  void addJson(nlohmann::ordered_json object, std::string source = {});
   // The last call.
   Batch finish();
 

@@ -32,6 +32,14 @@ bool isGoodPart(const std::vector<std::uint8_t>& message) {
   return reading.role == Role::part && reading.verdict == Reading::Verdict::good;
 }
 
+std::vector<std::string> parameterPathsOf(const ModelSet& models) {
+  std::vector<std::string> paths;
+  for (const ModelField& field : fieldsOf(models))
+    for (std::size_t i = 0; field.group != nullptr && i < field.group->values().size(); ++i)
+      paths.push_back(parameterPath(field, i));
+  return paths;
+}
+
 }  // namespace
 
 std::vector<Destination> parseDestinations(const std::string& text) {
@@ -94,12 +102,15 @@ Placing::LeftOut Placing::placeFileDump(std::size_t unit, const Destination& to)
 
 std::vector<std::string> Placing::placeJson(std::size_t unit, const Destination& to) {
   Batch::Unit& moved = batch_.units[unit];
-  if (to.target.kind == Target::Kind::additional) refuse(to.target, "no message carries it");
   const std::optional<ContentKind> kind = moved.place.empty() ? std::nullopt : contentKindOf(parseTarget(moved.place));
   const bool isMulti = kind == ContentKind::multi || kind == ContentKind::performance;  // whose models are alike
   if (isOfOtherKind(moved.object, to.target) || (isMulti && !fits(*kind, to.target)))
     refuse(to.target, "models of another kind do not fit");
   const ModelSet models = modelsFromJson(moved.object, to.target);
+  if (models.additional) {
+    replace(unit, {}, Form::blocks);
+    return parameterPathsOf(models);
+  }
   std::optional<BulkAddress> address = to.address;
   if (address && address->hi == BDA::kFileDumpHi && !fileDumpAt(to)) address = to.target.header;
   Dumps dumps = dumpsOf(to.target, address, models);
@@ -129,6 +140,22 @@ void Placing::finish() {
     messages.push_back(std::move(batch_.messages[i]));
   }
   batch_.messages = std::move(messages);
+  dropEmpty();
+}
+
+// What has become no message is no unit any more.
+void Placing::dropEmpty() {
+  std::vector<Batch::Unit> units;
+  std::vector<std::size_t> nowAt(batch_.units.size());
+  for (std::size_t i = 0; i < batch_.units.size(); ++i) {
+    nowAt[i] = units.size();
+    if (!replaced_[i] || !replaced_[i]->empty()) units.push_back(std::move(batch_.units[i]));
+  }
+  batch_.units = std::move(units);
+  for (Batch::Message& message : batch_.messages) {
+    if (message.unit) message.unit = nowAt[*message.unit];
+    for (std::size_t& unit : message.writes) unit = nowAt[unit];
+  }
 }
 
 // By unit: behind which message it is over, where it keeps its messages.

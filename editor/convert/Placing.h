@@ -35,7 +35,7 @@ class Placing {
   LeftOut place(std::size_t unit, const Destination& to);
   // The last call: until then a unit that becomes the other form has its old messages. Its new ones stand where the
   // first old one stood, but never inside of another unit of blocks, nor between file dumps and the trigger that writes
-  // them: then behind that.
+  // them: then behind that. `additional`, which no message carries, is gone, and other units may have its number.
   void finish();
 
  private:
@@ -44,6 +44,7 @@ class Placing {
   std::vector<std::string> placeJson(std::size_t unit, const Destination& to);
   UnitModels::Held read(std::size_t unit);
   void replace(std::size_t unit, MessageBytes messages, Batch::Unit::Form form);
+  void dropEmpty();
   std::vector<std::size_t> ends() const;
   bool takeOld(std::size_t message);
   void putNew(std::size_t unit, std::vector<Batch::Message>& messages);

@@ -6,8 +6,7 @@
 
 namespace Editor {
 
-nlohmann::ordered_json toJson(const UnitFile& written, const Batch& batch, const std::string& from,
-                              const std::string& name) {
+nlohmann::ordered_json toJson(const UnitFile& written, const Batch& batch, const std::string& name) {
   nlohmann::ordered_json json{{"unit", nullptr}};
   if (written.unit) {
     const Batch::Unit& unit = batch.units[*written.unit];
@@ -15,7 +14,7 @@ nlohmann::ordered_json toJson(const UnitFile& written, const Batch& batch, const
     json["address"] = formatAddress(*unit.address);
     json["form"] = unit.form == Batch::Unit::Form::fileDump ? "file dump" : "blocks";
     json["name"] = latin1ToUtf8(written.name);
-    if (!from.empty()) json["from"] = from;
+    if (!unit.from.empty()) json["from"] = unit.from;
     if (unit.removes) json["removes"] = nlohmann::ordered_json::array({unit.place});
   }
   json["messages"] = written.messages.size();

@@ -77,8 +77,9 @@ std::optional<std::size_t> placeIn(const std::vector<ValueField>& fields, const 
   const std::optional<IndexedPath> indexed = splitParameterPath(path);
   const ValueField* const field = findField(fields, indexed ? indexed->group : path);
   if (field == nullptr || field->isName == indexed.has_value()) return std::nullopt;
-  if (indexed && indexed->index >= field->count) return std::nullopt;
-  return field->first + (indexed ? indexed->index : 0);
+  if (!indexed) return field->first;
+  const std::size_t index = indexed->index.value_or(field->count);
+  return index < field->count ? std::optional(field->first + index) : std::nullopt;
 }
 
 // The names that stand for a parameter in some kind, and in none for several.
@@ -109,9 +110,9 @@ std::vector<std::string> namesTaken(const ParameterNames& names) {
   const ValueField* const field = meant.empty() ? nullptr : findField(fields, meant);
   std::string hint = didYouMean(path, namesTaken(names));
   if (field != nullptr)
-    hint = field->isName
-               ? fmt::format(": did you mean {}?", meant)
-               : fmt::format(": did you mean {}[{}]?", meant, indexed ? std::min(indexed->index, field->count - 1) : 0);
+    hint = field->isName ? fmt::format(": did you mean {}?", meant)
+                         : fmt::format(": did you mean {}[{}]?", meant,
+                                       indexed ? std::min(indexed->index.value_or(0), field->count - 1) : 0);
   throw std::invalid_argument(fmt::format("\"{}\": no content has such a parameter{}", path, hint));
 }
 
@@ -124,9 +125,13 @@ std::optional<std::int64_t> parseNumber(const std::string& text) {
 
 }  // namespace
 
-Condition::Condition(const std::string& text, const ParameterNames& names) {
+Condition::Condition(const std::string& text, const ParameterNames& names, std::optional<ContentKind> kind) {
   const Words words = split(text);
-  findPlaces(words.path, names);
+  const bool isFoundThere = kind && findPlace(words.path, names, *kind);
+  bool isFound = isFoundThere;
+  for (std::size_t any = 0; any < kContentKinds && !isFoundThere; ++any)
+    isFound = findPlace(words.path, names, ContentKind(any)) || isFound;
+  if (!isFound) failToFind(words.path, names);
   compare_ = words.comparison->holds;
   if (!isOfName_) {
     setNumbers(words.path, std::string(trimmed(words.value)), names);
@@ -137,19 +142,14 @@ Condition::Condition(const std::string& text, const ParameterNames& names) {
   }
 }
 
-void Condition::findPlaces(const std::string& word, const ParameterNames& names) {
-  bool isFound = false;
-  for (std::size_t kind = 0; kind < kContentKinds; ++kind) {
-    const std::vector<ValueField> fields = valueFieldsOf(emptySetFor(ContentKind(kind)));
-    const std::string path =
-        names.pathOf(word, [&](const std::string& one) { return placeIn(fields, one).has_value(); });
-    const std::optional<std::size_t> at = placeIn(fields, path);
-    if (!at) continue;
-    isOfName_ = path.back() != ']';
-    places_[kind] = Place{path, isOfName_, *at};
-    isFound = true;
-  }
-  if (!isFound) failToFind(word, names);
+bool Condition::findPlace(const std::string& word, const ParameterNames& names, ContentKind kind) {
+  const std::vector<ValueField> fields = valueFieldsOf(emptySetFor(kind));
+  const std::string path = names.pathOf(word, [&](const std::string& one) { return placeIn(fields, one).has_value(); });
+  const std::optional<std::size_t> at = placeIn(fields, path);
+  if (!at) return false;
+  isOfName_ = path.back() != ']';
+  places_[std::size_t(kind)] = Place{path, isOfName_, *at};
+  return true;
 }
 
 // A value's name may stand for another number in each kind, and for none in some, of which none fits then.

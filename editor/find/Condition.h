@@ -19,7 +19,11 @@ class Condition {
   // One of = != < <= > >= between a path that contents of some kind have and a value: an integer, or of a name, which
   // can be equal or not, its characters in UTF-8. Throws std::invalid_argument, which says what was expected or may
   // have been meant.
-  explicit Condition(const std::string& text, const ParameterNames& names = {});
+  //
+  // `kind`: the only one that is asked about: where it has the parameter, what a name stands for in others is no
+  // matter.
+  explicit Condition(const std::string& text, const ParameterNames& names = {},
+                     std::optional<ContentKind> kind = std::nullopt);
 
   // Whether it holds for the values of a content of that kind. For one that has no such parameter it never does.
   bool holds(ContentKind kind, const ModelValues& values) const;
@@ -41,7 +45,7 @@ class Condition {
     std::size_t at;
     std::int64_t number = 0;  // that it is compared with
   };
-  void findPlaces(const std::string& word, const ParameterNames& names);
+  bool findPlace(const std::string& word, const ParameterNames& names, ContentKind kind);
   void setNumbers(const std::string& word, const std::string& value, const ParameterNames& names);
 
   std::array<std::optional<Place>, kContentKinds> places_;  // by kind; nothing: it has none

@@ -154,7 +154,8 @@ CheckCounts checkLibrary(Library& library, const std::function<void(const Checke
   const std::function<void(const Checked&)> count = [&](const Checked& checked) {
     counts.contents += checked.kind == Checked::Kind::content ? 1 : 0;
     counts.opaque += checked.state == State::opaque ? 1 : 0;
-    counts.damaged += checked.state == State::damaged ? 1 : 0;
+    if (checked.state == State::damaged)
+      ++(checked.kind == Checked::Kind::content ? counts.damaged : counts.damagedInTables[checked.name]);
     visit(checked);
   };
   Checking checking(library, count);

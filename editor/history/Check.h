@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 
 #include "contents/Library.h"
@@ -29,7 +30,8 @@ const char* wordOf(Checked::State state);
 struct CheckCounts {
   std::uint64_t contents = 0;  // and live models
   std::uint64_t opaque = 0;
-  std::uint64_t damaged = 0;  // of tables, too
+  std::uint64_t damaged = 0;  // contents and live models
+  std::map<std::string, std::uint64_t> damagedInTables;
 };
 
 // Looks at everything in one state of the library: each table by the database's own integrity check, each content and

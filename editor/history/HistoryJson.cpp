@@ -3,21 +3,18 @@
 #include <nlohmann/json.hpp>
 
 #include "history/ChangeJson.h"
-#include "messages/Text.h"
 
 namespace Editor {
 
 nlohmann::ordered_json toJson(const HistoryEntry& entry, const std::vector<PlaceChange>& changes) {
   using Json = nlohmann::ordered_json;
   const auto orNull = [](const std::optional<std::int64_t>& number) { return number ? Json(*number) : Json(nullptr); };
-  Json sources = Json::array();
-  for (const std::string& source : entry.sources) sources.push_back(escape(source));
   Json places = Json::array();
   for (const PlaceChange& change : changes) places.push_back(toJson(change));
   return {{"entry", entry.number},
           {"time", timeOf(entry)},
           {"verb", entry.verb},
-          {"sources", std::move(sources)},
+          {"sources", entry.sources},
           {"changes", std::move(places)},
           {"undoes", orNull(entry.undoes)},
           {"undoneBy", orNull(entry.undoneBy)}};

@@ -175,11 +175,14 @@ std::string parameterPath(const ModelField& group, std::size_t index) {
 std::optional<IndexedPath> splitParameterPath(std::string_view path) {
   const std::size_t open = path.rfind('[');
   if (open == std::string_view::npos || path.back() != ']') return std::nullopt;
+  IndexedPath indexed{path.substr(0, open), std::nullopt};
+  const std::string_view digits = path.substr(open + 1, path.size() - open - 2);
   std::size_t index = 0;
-  const char* const end = path.data() + path.size() - 1;
-  const auto [stop, error] = std::from_chars(path.data() + open + 1, end, index);
-  if (error != std::errc() || stop != end) return std::nullopt;
-  return IndexedPath{path.substr(0, open), index};
+  const char* const end = digits.data() + digits.size();
+  const auto [stop, error] = std::from_chars(digits.data(), end, index);
+  const bool isOneWay = !digits.starts_with('0') || digits.size() == 1;
+  if (error == std::errc() && stop == end && isOneWay) indexed.index = index;
+  return indexed;
 }
 
 }  // namespace Editor

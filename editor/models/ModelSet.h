@@ -100,10 +100,10 @@ std::vector<ModelField> fieldsOf(const ModelSet& set);
 // "voice.common[3]"
 std::string parameterPath(const ModelField& group, std::size_t index);
 
-// The other way round: parameter 3 of the group "voice.common". Nothing: the path ends with no index.
+// The other way round: parameter 3 of the group "voice.common". Nothing: the path does not end with brackets.
 struct IndexedPath {
   std::string_view group;
-  std::size_t index;
+  std::optional<std::size_t> index;  // nothing: what they hold is no number, or not as parameterPath() writes it, "03"
 };
 std::optional<IndexedPath> splitParameterPath(std::string_view path);
 

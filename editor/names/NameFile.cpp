@@ -154,14 +154,13 @@ std::string Reader::takePath(std::string_view& line, std::string& path, Groups::
   if (found == nullptr) {
     const std::string meant = nearest(wanted, groups().paths());
     const Groups::Group* const near = meant.empty() ? nullptr : groups().find(meant);
-    const std::size_t index = near == nullptr || !indexed ? 0 : std::min(indexed->index, near->count - 1);
+    const std::size_t index = near == nullptr || !indexed ? 0 : std::min(indexed->index.value_or(0), near->count - 1);
     return fmt::format("\"{}\": expected the path of a parameter, such as voice.common[3]{}", escape(path),
                        near == nullptr ? "" : fmt::format(": did you mean {}[{}]?", meant, index));
   }
-  if (!indexed || indexed->index >= found->count)
+  if (!indexed || indexed->index.value_or(found->count) >= found->count)
     return fmt::format("\"{}\": expected {}[0] to {}[{}]", escape(path), wanted, wanted, found->count - 1);
   group = *found;
-  path = fmt::format("{}[{}]", wanted, indexed->index);  // however the number was written
   return {};
 }
 

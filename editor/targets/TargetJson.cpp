@@ -27,17 +27,22 @@ nlohmann::ordered_json parseOne(std::string_view text) {
   return json;
 }
 
+struct ObjectLine {
+  std::string_view text;
+  std::size_t number;
+};
+
 // The lines of a text, when each is an object by its first and last characters; empty blanks aside.
-std::vector<std::string_view> objectLines(std::string_view text) {
-  std::vector<std::string_view> lines;
-  while (!text.empty()) {
+std::vector<ObjectLine> objectLines(std::string_view text) {
+  std::vector<ObjectLine> lines;
+  for (std::size_t number = 1; !text.empty(); ++number) {
     std::string_view line = text.substr(0, text.find('\n'));
     text.remove_prefix(std::min(line.size() + 1, text.size()));
     const std::size_t begin = line.find_first_not_of(kHexBlanks);
     if (begin == std::string_view::npos) continue;
     line = line.substr(begin, line.find_last_not_of(kHexBlanks) + 1 - begin);
     if (line.front() != '{' || line.back() != '}') return {};
-    lines.push_back(line);
+    lines.push_back({line, number});
   }
   return lines;
 }
@@ -69,16 +74,16 @@ bool isOfOtherKind(const nlohmann::ordered_json& json, const Target& target) {
   return given != nullptr && (given != taken || (fresh.voice && fresh.voice->isDrum() != isDrum));
 }
 
-std::vector<nlohmann::ordered_json> parseTargetJson(std::string_view text) {
+std::vector<TargetObject> parseTargetJson(std::string_view text) {
   if (text.starts_with(kUtf8Mark)) text.remove_prefix(kUtf8Mark.size());
-  const std::vector<std::string_view> lines = objectLines(text);
-  if (lines.size() < 2) return {parseOne(text)};
-  std::vector<nlohmann::ordered_json> objects;
-  for (std::size_t i = 0; i < lines.size(); ++i) {
+  const std::vector<ObjectLine> lines = objectLines(text);
+  if (lines.size() < 2) return {{parseOne(text)}};
+  std::vector<TargetObject> objects;
+  for (const ObjectLine& line : lines) {
     try {
-      objects.push_back(parseOne(lines[i]));
+      objects.push_back({parseOne(line.text), line.number});
     } catch (const TargetJsonError& error) {
-      throw TargetJsonError("object " + std::to_string(i + 1) + ": " + error.what());
+      throw TargetJsonError("line " + std::to_string(line.number) + ": " + error.what());
     }
   }
   return objects;

@@ -19,8 +19,13 @@ class TargetJsonError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// An object of a text; of several the line that it stands on, from 1.
+struct TargetObject {
+  nlohmann::ordered_json json;
+  std::size_t line = 0;
+};
 // The objects of a text: one, however it is broken into lines, or one a line.
-std::vector<nlohmann::ordered_json> parseTargetJson(std::string_view text);
+std::vector<TargetObject> parseTargetJson(std::string_view text);
 
 // Whether the object's models are of another kind than the target's, however well-formed they are.
 bool isOfOtherKind(const nlohmann::ordered_json& json, const Target& target);

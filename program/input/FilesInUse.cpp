@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <string_view>
 
 #include "ExitCode.h"
 #include "contents/LibraryMark.h"
@@ -41,7 +42,8 @@ void FilesInUse::add(const std::string& path, const std::string& what) {
 
 void FilesInUse::addLibrary(const std::string& path) {
   add(path, "this is the library");
-  for (const std::string_view ending : kSideFiles) add(followLinks(path).append(ending), "this belongs to the library");
+  File file;
+  if (identify(path, STDIN_FILENO, file)) library_ = file.path;
 }
 
 void FilesInUse::addOutput(const std::string& path, const std::string& option) {
@@ -53,6 +55,9 @@ void FilesInUse::addOutput(const std::string& path, const std::string& option) {
     if (isSamePath || isSameFile)
       throw Failure(kWrongUsage, fmt::format("{} {}: {}", option, escape(path), other.what));
   }
+  const bool isBeside = !library_.empty() && file.path.starts_with(library_);
+  if (isBeside && belongsToLibrary(std::string_view(file.path).substr(library_.size())))
+    throw Failure(kWrongUsage, fmt::format("{} {}: this belongs to the library", option, escape(path)));
   file.what = fmt::format("{} names this file too", option);
   files_.push_back(std::move(file));
 }

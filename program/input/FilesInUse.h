@@ -12,7 +12,7 @@ class FilesInUse {
  public:
   // The file is kept or read: `what` says so in words, "this is the library".
   void add(const std::string& path, const std::string& what);
-  // The library, with what SQLite puts beside it.
+  // The library, with all that belongs to it.
   void addLibrary(const std::string& path);
   // `option` writes the file; it counts as in use from now on. Throws Failure (kWrongUsage) when it was before.
   void addOutput(const std::string& path, const std::string& option);
@@ -27,6 +27,7 @@ class FilesInUse {
   static bool identify(const std::string& path, int standardStream, File& file);
 
   std::vector<File> files_;
+  std::string library_;  // as a path of theirs
 };
 
 }  // namespace Editor

@@ -45,9 +45,12 @@ std::vector<std::string> detailsOf(const Difference& difference, const Parameter
 }
 
 std::string contentOf(const Difference& difference) {
+  return fmt::format("\"{}\"{}", showName(difference.name), flagsOf(difference));
+}
+
+std::string flagsOf(const Difference& difference) {
   const char* const flag = !difference.favourite ? ", its favourite flag is damaged" : ", a favourite";
-  return fmt::format("\"{}\"{}{}", showName(difference.name), difference.favourite == 0 ? "" : flag,
-                     emptyPlaceOf(difference));
+  return (difference.favourite == 0 ? "" : flag) + emptyPlaceOf(difference);
 }
 
 std::string emptyPlaceOf(const Difference& difference) {

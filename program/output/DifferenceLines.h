@@ -16,6 +16,8 @@ std::string namesOf(const Difference& difference);
 std::vector<std::string> detailsOf(const Difference& difference, const ParameterNames& names = {});
 // A content that only one has: "\"Piano\", a favourite"; with what else is said of its place.
 std::string contentOf(const Difference& difference);
+// What that says behind the name.
+std::string flagsOf(const Difference& difference);
 // "; the empty place is a favourite", of the other one's, where that is another flag; else empty.
 std::string emptyPlaceOf(const Difference& difference);
 

@@ -21,10 +21,10 @@ ModelSet readModels(const std::string& file, const Target& target) {
   const auto bytes = loadBytes(file, why);
   if (!bytes) throw Failure(kUnusableInput, fmt::format("{}: {}", name, why));
   try {
-    const std::vector<nlohmann::ordered_json> objects =
+    const std::vector<TargetObject> objects =
         parseTargetJson({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
     if (objects.size() > 1) throw TargetJsonError("expected one object");
-    return modelsFromJson(objects.front(), target);
+    return modelsFromJson(objects.front().json, target);
   } catch (const TargetJsonError& error) {
     throw Failure(kUnusableInput, fmt::format("{}: {}", name, escape(error.what())));
   }

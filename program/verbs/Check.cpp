@@ -6,6 +6,8 @@
 
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <string>
+#include <utility>
 
 #include "history/CheckJson.h"
 #include "messages/Text.h"
@@ -23,9 +25,14 @@ void check(bool json, Program& program) {
     program.console.line(fmt::format("{}{}: {}: {}", checked.kind == Checked::Kind::content ? "" : "table ",
                                      checked.name, wordOf(checked.state), escape(checked.reason)));
   });
-  program.console.note(fmt::format("{} and live models, {} opaque, {} damaged", counted(counts.contents, "content"),
-                                   counts.opaque, counts.damaged));
-  if (counts.damaged != 0) program.refuse();
+  std::string tally = fmt::format("{}, {} opaque, {} damaged",
+                                  counted(counts.contents, "content or live model", "contents and live models"),
+                                  counts.opaque, counts.damaged);
+  const char* separator = "; damaged in tables: ";
+  for (const auto& [table, count] : counts.damagedInTables)
+    tally += fmt::format("{}{} {}", std::exchange(separator, ", "), table, count);
+  program.console.note(tally);
+  if (counts.damaged != 0 || !counts.damagedInTables.empty()) program.refuse();
 }
 
 }  // namespace Editor

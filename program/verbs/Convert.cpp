@@ -74,18 +74,23 @@ class Converting {
     const std::vector<std::string> problems =
         input_.read([&](const InputMessage& message) { builder.add(message.bytes); },
                     [&](const InputLoss& loss) { losses.add(loss); },
-                    [&](const std::string& file, std::string_view text) {
-                      try {
-                        for (nlohmann::ordered_json& object : parseTargetJson(text)) builder.addJson(std::move(object));
-                      } catch (const TargetJsonError& error) {
-                        throw Failure(kUnusableInput, fmt::format("{}: {}", displayName(file), escape(error.what())));
-                      }
-                    });
+                    [&](const std::string& file, std::string_view text) { readJson(builder, file, text); });
     losses.finish();
     if (!losses.areAllWhole()) program_.refuse();
     if (!problems.empty()) throw Failure(kUnusableInput, problems.front());
     batch_ = builder.finish();
-    moved_.resize(batch_.units.size());
+  }
+
+  static void readJson(BatchBuilder& builder, const std::string& file, std::string_view text) {
+    std::string source = displayName(file);
+    try {
+      for (TargetObject& object : parseTargetJson(text)) {
+        source = displayName(file) + (object.line == 0 ? "" : fmt::format(": line {}", object.line));
+        builder.addJson(std::move(object.json), source);
+      }
+    } catch (const TargetJsonError& error) {
+      throw Failure(kUnusableInput, fmt::format("{}: {}", source, escape(error.what())));
+    }
   }
 
   void select(const Selection& selection) {
@@ -95,7 +100,6 @@ class Converting {
       program_.refuse();
     }
     if (result.tamesTrigger) tellTamed();
-    moved_.resize(batch_.units.size());
     tellBroken();
   }
 
@@ -126,21 +130,26 @@ class Converting {
     Placing placing(batch_, models_);
     for (std::size_t i = 0; i < batch_.units.size(); ++i) {
       Interruptible::check();
-      const Batch::Unit& unit = batch_.units[i];
+      Batch::Unit& unit = batch_.units[i];
       if (options_.place.empty() && unit.form != Form::json) continue;
       if (options_.place.empty() && unit.place.empty())
-        throw Failure(kWrongUsage, "JSON that does not say its target: --place says where it goes");
-      if (!options_.place.empty()) moved_[i] = unit.place;
+        throw Failure(kWrongUsage,
+                      fmt::format("{}: JSON that does not say its target: --place says where it goes", unit.source));
+      if (!options_.place.empty()) unit.from = unit.place;
       placeUnit(placing, i, options_.place.empty() ? parseDestinations(unit.target).front() : destinations_[i]);
     }
     placing.finish();
   }
 
   void placeUnit(Placing& placing, std::size_t unit, const Destination& to) {
+    const std::string source = batch_.units[unit].source;
     try {
       tellLeftOut(placing.place(unit, to), to.target.name);
     } catch (const TargetJsonError& error) {
-      throw Failure(kUnusableInput, fmt::format("{}: {}", to.target.name, escape(error.what())));
+      throw Failure(kUnusableInput, fmt::format("{}: {}: {}", source, to.target.name, escape(error.what())));
+    } catch (const TargetError& error) {
+      if (source.empty()) throw;
+      throw TargetError(error.kind(), fmt::format("{}: {}", source, error.what()));
     }
   }
 
@@ -208,8 +217,8 @@ class Converting {
 
   void tellMoved() {
     if (options_.json) return;
-    for (std::size_t i = 0; i < moved_.size(); ++i)
-      if (!moved_[i].empty()) console_.note(fmt::format("{} -> {}", moved_[i], batch_.units[i].place));
+    for (const Batch::Unit& unit : batch_.units)
+      if (!unit.from.empty()) console_.note(fmt::format("{} -> {}", unit.from, unit.place));
   }
 
   void split() {
@@ -277,7 +286,7 @@ class Converting {
   }
 
   std::string jsonOf(const UnitFile& file, const std::string& path) const {
-    return jsonLine(toJson(file, batch_, file.unit ? moved_[*file.unit] : "", path));
+    return jsonLine(toJson(file, batch_, path));
   }
 
   const ConvertOptions& options_;
@@ -289,7 +298,6 @@ class Converting {
   UnitModels models_;
   FileNames names_;
   Batch batch_;
-  std::vector<std::string> moved_;  // by unit: its place before
 };
 
 }  // namespace

@@ -21,7 +21,8 @@ void favourite(const Words& words, const ChangeOptions& options, Program& progra
   ChangeRun run(program, {"favourite"}, options);
   for (const Places<Target>& places : asked)
     if (const std::size_t leftOut = setFavourites(run.library(), places, value == "on"); leftOut > 0)
-      program.console.note(fmt::format("{}: {} nothing", places.name, counted(leftOut, "place holds", "places hold")));
+      program.console.note(fmt::format("{}: {} nothing and {} no flag", places.name,
+                                       counted(leftOut, "place holds", "places hold"), leftOut == 1 ? "has" : "have"));
   run.keep();
 }
 

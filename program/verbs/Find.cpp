@@ -51,7 +51,8 @@ class Finding {
     // What is used wrongly is told before anything is opened.
     for (const std::string& term : terms) wanted_.names.emplace_back(term);
     wanted_.kind = parseKind(options.kind);
-    for (const std::string& condition : options.conditions) wanted_.conditions.emplace_back(condition, names_);
+    for (const std::string& condition : options.conditions)
+      wanted_.conditions.emplace_back(condition, names_, wanted_.kind);
     wanted_.onlyFavourites = options.favourite;
     wanted_.duplicates = options.duplicates;
     wanted_.hashes = options.json;

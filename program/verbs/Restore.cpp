@@ -196,7 +196,9 @@ class Restoring {
         return console_.line(
             fmt::format("would remove: {}{}{}{}", change.target, sounds, emptyPlaceOf(change), overDamage));
       case Difference::Kind::onlyInSecond:
-        return console_.line(fmt::format("would store: {} {}{}", change.target, contentOf(change), overDamage));
+        return console_.line(fmt::format("would store: {}{}{}{}", change.target,
+                                         change.name.empty() ? "" : fmt::format(" \"{}\"", showName(change.name)),
+                                         flagsOf(change), overDamage));
       case Difference::Kind::renamed:
         return console_.line(fmt::format("would rename: {}: {}", change.target, namesOf(change)));
       case Difference::Kind::different:

@@ -381,7 +381,7 @@ TEST_F(Backup, aDryRunSaysWhatWouldChangeAndChangesNothing) {
   EXPECT_EQ(run.out,
             "would remove: file:multi:1 \"Mine too\"\n"
             "would change: voice:user1:6, replaces \"Mine\" (2 differences)\n"
-            "would store: master:1 \"\"\n"
+            "would store: master:1\n"
             "would change: system (2 differences)\n");
   EXPECT_EQ(bda({"contents", "--json"}).out, before);
   EXPECT_THAT(bda({"restore", "a.syx"}), Exits(0));

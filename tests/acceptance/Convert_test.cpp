@@ -434,84 +434,6 @@ TEST_F(Convert, aBrokenFileDumpIsToldWhereUnitsCount) {
   EXPECT_FALSE(exists("b.syx"));
 }
 
-TEST_F(Convert, whatShowPrintedBecomesDumps) {
-  write("a.syx", {voice({0x0E, 0x0A, 0x05}), unit({0x0E, 0x28, 0x01}, BDA::List::drumVoice, 'D'), systemDump(1)});
-  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
-  for (const char* const target : {"voice:user1:6", "drum:user:2", "system", "multi:edit", "file:voice:user1:6"}) {
-    write("a.json", bda({"show", target, "--json"}).out);
-    ASSERT_THAT(bda({"request", target, "-o", "asked.syx"}), Exits(0)) << target;
-    const Result run = bdaWithout("HOME", {"convert", "a.json", "--place", target, "-o", "a.syx"});
-    EXPECT_THAT(run, Exits(0)) << target;
-    EXPECT_EQ(read("a.syx").substr(0, read("asked.syx").size()), read("asked.syx")) << target;
-    EXPECT_THAT(bda({"verify", "a.syx"}), Exits(0)) << target;
-  }
-}
-
-TEST_F(Convert, jsonThatSaysItsTargetNeedsNoPlace) {
-  write("a.syx", {voice({0x0E, 0x0A, 0x05}), voice({0x0E, 0x0A, 0x06})});
-  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
-  const std::string objects = bda({"show", "voice:user1:6..7", "--json"}).out;
-  const Result run = bda({"convert", "-", "-o", "b.syx"}, objects);
-  EXPECT_THAT(run, Exits(0));
-  EXPECT_EQ(read("b.syx"), bda({"request", "voice:user1:6..7", "-o", "-"}).out);
-  EXPECT_THAT(bda({"convert", "-", "-o", "b.syx"}, bda({"show", "voice:user1:6", "--json"}).out), Exits(1));
-}
-
-TEST_F(Convert, jsonThatIsForAFileDumpBecomesOne) {
-  write("a.syx", {voice({0x0E, 0x0A, 0x05})});
-  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
-  Json object = json({"show", "voice:user1:6", "--json"});
-  object["target"] = "file:voice:user1:6";
-  EXPECT_THAT(bda({"convert", "-", "-o", "b.syx"}, object.dump()), Exits(0));
-  EXPECT_EQ(read("b.syx"), bda({"request", "file:voice:user1:6", "-o", "-"}).out + text(kTrigger));
-}
-
-TEST_F(Convert, theTriggerOfANewFileDumpWritesNoOtherOne) {
-  write("a.syx", {voice({0x0E, 0x0A, 0x05})});
-  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
-  Json object = json({"show", "voice:user1:6", "--json"});
-  object["target"] = "file:voice:user1:6";
-  write("a.json", object.dump());
-  const Bytes other = fileDump({0x0C, 0x50, 0x02}, "Held", {1});
-  write("held.syx", {other});
-  const Result run = bda({"convert", "held.syx", "a.json", "-o", "b.syx"});
-  EXPECT_THAT(run, Exits(3));
-  EXPECT_THAT(run.err, HasSubstr("needs a write trigger"));
-  EXPECT_FALSE(exists("b.syx"));
-  EXPECT_THAT(bda({"convert", "a.json", "held.syx", "-o", "b.syx"}), Exits(0));
-  EXPECT_EQ(read("b.syx"), bda({"request", "file:voice:user1:6", "-o", "-"}).out + text(kTrigger) + text(other));
-  write("written.syx", {other, kTrigger});
-  EXPECT_THAT(bda({"convert", "written.syx", "a.json", "-o", "b.syx"}), Exits(0));
-}
-
-TEST_F(Convert, jsonIsRefusedByItsKindOrItsValues) {
-  Json system = json({"show", "system", "--json"});
-  write("a.json", system.dump());
-  EXPECT_THAT(bda({"convert", "a.json", "--place", "voice:edit", "-o", "b.syx"}), Exits(3));
-  system["system"]["masterEq"][1] = 200;
-  write("wide.json", system.dump());
-  const Result wide = bda({"convert", "wide.json", "--place", "system", "-o", "b.syx"});
-  EXPECT_THAT(wide, Exits(3));
-  EXPECT_THAT(wide.err, HasSubstr("system.masterEq[1]: 200 cannot be carried, it would arrive as 72"));
-  write("bad.json", "{\"system\": 1}");
-  EXPECT_THAT(bda({"convert", "bad.json", "--place", "system", "-o", "b.syx"}), Exits(2));
-  write("cut.json", "{\"system\"");
-  EXPECT_THAT(bda({"convert", "cut.json", "--place", "system", "-o", "b.syx"}), Exits(2));
-  EXPECT_FALSE(exists("b.syx"));
-  EXPECT_THAT(bda({"list", "a.json"}), Exits(2));  // for others it is none of messages
-}
-
-TEST_F(Convert, settingsThatNoMessageCarriesAreNamed) {
-  Json system = json({"show", "system", "--json"});
-  system["system"]["utility"][50] = 0;
-  system["system"]["utility"][51] = 16;
-  write("a.json", system.dump());
-  const Result run = bda({"convert", "a.json", "--place", "system", "-o", "b.syx"});
-  EXPECT_THAT(run, Exits(3));
-  EXPECT_THAT(run.err, HasSubstr("system: no message carries 2 parameters: system.utility[50], system.utility[51]"));
-  EXPECT_THAT(bda({"verify", "b.syx"}), Exits(0));
-}
-
 TEST_F(Convert, jsonTellsWhatWasWrittenUnitByUnit) {
   write("a.syx", {kForeign, voice({0x0E, 0x0A, 0x05}), dump({0x0C, 0x0A, 0x06}, Bytes(4)), kTrigger});
   const Result one = bda({"convert", "a.syx", "--place", "voice:user2", "-o", "b.mid", "--json"});
@@ -575,26 +497,4 @@ TEST_F(Convert, aCaptureThatBeginsLikeJsonIsOneAllTheSame) {
   write("a.syx", "{\"" + text(voice({0x0E, 0x0A, 0x05})));
   EXPECT_THAT(bda({"convert", "a.syx", "-o", "b.syx"}), Exits(0));
   EXPECT_EQ(read("b.syx"), text(voice({0x0E, 0x0A, 0x05})));
-}
-
-TEST_F(Convert, jsonMayBeginWithAMarkAndHoldAnyCharacter) {
-  write("a.syx", {voice({0x0E, 0x0A, 0x05}), voice({0x0E, 0x0A, 0x06})});
-  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
-  write("a.json", "\xEF\xBB\xBF" + bda({"show", "voice:user1:6..7", "--json"}).out);
-  EXPECT_THAT(bda({"convert", "a.json", "-o", "b.syx"}), Exits(0));
-  EXPECT_THAT(units("b.syx"), SizeIs(2));
-  Json object = json({"show", "voice:user1:6", "--json"});
-  object["target"] = "voice:\xF0\x9F\x8E\xB9";
-  write("a.json", "\n" + object.dump());
-  EXPECT_THAT(bda({"convert", "a.json", "-o", "b.syx"}).err, HasSubstr("target: "));
-}
-
-TEST_F(Convert, whatIsNotPlacedComesFromNowhere) {
-  write("a.syx", {voice({0x0E, 0x0A, 0x05})});
-  ASSERT_THAT(bda({"receive", "a.syx"}), Exits(0));
-  write("a.json", bda({"show", "voice:user1:6..7", "--json"}).out);
-  write("a.json", lines(read("a.json")).front());
-  const Result run = bda({"convert", "a.json", "-o", "b.syx"});
-  EXPECT_THAT(run.err, Not(HasSubstr("->")));
-  EXPECT_FALSE(objects({"convert", "a.json", "-o", "b.syx", "--json"}).at(0).contains("from"));
 }

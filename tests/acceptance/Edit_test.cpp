@@ -118,9 +118,10 @@ TEST_F(Edit, favouriteTakesListsBanksAndRangesAsOneChange) {
   EXPECT_EQ(library().favourite({4, 0x3F0802}), 0);
   EXPECT_EQ(objects({"favourite", "voice:user1:1..4", "voice:user1:6", "on", "--json"}), told);
   EXPECT_EQ(json({"history", "--json", "-n", "1"})["changes"], Json(told));
+  EXPECT_THAT(bda({"favourite", "voice:user1:6..7", "on"}).err, HasSubstr("1 place holds nothing and has no flag\n"));
   const Result off = bda({"favourite", "voice:user1", "off"});
   EXPECT_THAT(off, Exits(0));
-  EXPECT_THAT(off.err, HasSubstr("voice:user1: 124 places hold nothing\n"));
+  EXPECT_THAT(off.err, HasSubstr("voice:user1: 124 places hold nothing and have no flag\n"));
   EXPECT_TRUE(library().favourites().empty());
   EXPECT_THAT(bda({"undo"}), Exits(0));
   EXPECT_EQ(library().favourites().size(), 4u);

@@ -69,6 +69,16 @@ TEST_F(History, hasAnEntryForEachRunThatChangedSomethingTheNewestFirst) {
   EXPECT_THAT(bda({"history", "-n", "0"}), Exits(1));
 }
 
+TEST_F(History, namesItsSourcesAsTheyWereNamed) {
+  const std::string name = "a\x1B[31m\nb\"\xFF.syx";
+  write(name, {unit({0x0E, 0x0A, 0x05}, BDA::List::normalVoice, 1)});
+  ok({"receive", "-q", name});
+  EXPECT_EQ(history().front()["sources"], Json::array({"a\x1B[31m\nb\"\uFFFD.syx"}));
+  const std::string words = bda({"history"}).out;
+  EXPECT_THAT(words, HasSubstr("receive a\\x1B[31m\\x0Ab\""));
+  EXPECT_THAT(lines(words), SizeIs(1));
+}
+
 TEST_F(History, tellsPartsByTheirNumbers) {
   store(0x41);
   write("names", "voice:part:11 Eleventh\nvoice:part:2 Second\nvoice:part:1 First\n");
@@ -267,7 +277,22 @@ TEST_F(History, checkNamesWhatIsDamagedAndTheOthersAreGood) {
   EXPECT_THAT(run.out, AllOf(HasSubstr(R"({"content":"voice:user1:6","state":"damaged","reason":)"),
                              HasSubstr(R"({"content":"voice:user1:7","state":"good"})"),
                              HasSubstr(R"({"table":"content","state":"good"})")));
-  EXPECT_THAT(bda({"check"}).out, HasSubstr("voice:user1:6: damaged"));
+  const Result words = bda({"check"});
+  EXPECT_THAT(words.out, HasSubstr("voice:user1:6: damaged"));
+  EXPECT_EQ(lines(words.err).back(), "2 contents and live models, 0 opaque, 1 damaged");
+}
+
+TEST_F(History, checkCountsWhatIsDamagedInTablesApart) {
+  store(0x41);
+  store(0x42);
+  ok({"move", "voice:user1:6", "voice:user1:7"});
+  EXPECT_EQ(lines(bda({"check"}).err).back(), "1 content or live model, 0 opaque, 0 damaged");
+  damage("UPDATE change SET held_name = x'4141' WHERE held_name IS NOT NULL");
+  const Result run = bda({"check"});
+  EXPECT_THAT(run, Exits(3));
+  EXPECT_THAT(lines(run.err).back(),
+              testing::MatchesRegex("1 content or live model, 0 opaque, 0 damaged; damaged in tables: change [0-9]+, "
+                                    "entry [0-9]+"));
 }
 
 TEST_F(History, aDamagedContentKeepsNoVerbFromTheOthers) {

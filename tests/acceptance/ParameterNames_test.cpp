@@ -162,6 +162,28 @@ TEST_F(ParameterNames, findRefusesNamesThatSayNothingOrTooMuch) {
   }
 }
 
+TEST_F(ParameterNames, findTakesANameForWhatItIsInTheKindThatIsSearched) {
+  write("performance.syx", {unit({0x0E, 0x40, 0x00}, BDA::List::performance, 1)});
+  ASSERT_THAT(bda({"receive", "-q", "performance.syx"}), Exits(0));
+  write("mine", "parameter voice.common[3] V\nparameter multi.common[3] V\nvalue multi.common[3] 1 One\n");
+  EXPECT_THAT(bda({"find", "--names", "mine", "--where", "V=One"}), Exits(1));
+  EXPECT_THAT(bda({"find", "--names", "mine", "--where", "V=One", "--kind", "voice"}), Exits(1));
+  EXPECT_THAT(told({"find", "--names", "mine", "--where", "V=One", "--kind", "performance"}),
+              ElementsAre(HasSubstr("multi.common[3] (V): 1 (One)")));
+  EXPECT_THAT(told({"find", "--where", "voice.common[4]=1", "--kind", "performance"}, 3), IsEmpty());
+}
+
+TEST_F(ParameterNames, aPathIsWrittenInOneWay) {
+  write("mine", "parameter voice.common[04] Mine\n");
+  for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+           {"find", "--where", "voice.common[04]=1"}, {"explain", "voice:user1:6", "voice.common[04]"}})
+    EXPECT_THAT(bda(words), Exits(1)) << testing::PrintToString(words);
+  EXPECT_THAT(bda({"find", "--where", "voice.common[04]=1"}).err, HasSubstr("expected voice.common[0] to "));
+  const Result names = bda({"show", "voice:user1:6", "--names", "mine"});
+  EXPECT_THAT(names, Exits(2));
+  EXPECT_THAT(names.err, HasSubstr("line 1: \"voice.common[04]\": expected voice.common[0] to "));
+}
+
 TEST_F(ParameterNames, aLineThatIsNoneIsToldByItsNumberAndNothingIsSaid) {
   write("bad", "parameter voice.common[4] Volume\nparameter voice.common[400] Pan\n");
   for (const std::vector<std::string>& verb : {std::vector<std::string>{"show", "voice:user1:6"},

@@ -1,5 +1,7 @@
 // Help, wrong usage, unusable input, the place of the library.
 
+#include <sys/stat.h>
+
 #include "Program.h"
 #include "bda/version.h"
 
@@ -170,6 +172,33 @@ TEST_F(Usage, aLibraryThatIsNoneExitsWith2AndStaysAsItIs) {
   EXPECT_THAT(files(), ElementsAre("a.syx", "notes.txt"));
 }
 
+TEST_F(Usage, nothingButAFileIsALibrary) {
+  std::filesystem::create_directory(directory / "folder");
+  ASSERT_EQ(::mkfifo((directory / "pipe").c_str(), 0600), 0);
+  for (const auto& [library, what] :
+       {std::pair("folder", "a folder"), {"/dev/null", "a device or a pipe"}, {"pipe", "a device or a pipe"}})
+    for (std::vector<std::string> words :
+         std::vector<std::vector<std::string>>{{"contents"},
+                                               {"check"},
+                                               {"history"},
+                                               {"find", "x"},
+                                               {"settings"},
+                                               {"backup", "-o", "b.syx"},
+                                               {"settings", "device-number", "3"},
+                                               {"settings", "device-number", "3", "--dry-run"},
+                                               {"rename", "voice:edit", "A"},
+                                               {"copy", "voice:edit", "voice:user1:1"},
+                                               {"undo"}}) {
+      words.insert(words.end(), {"--library", library});
+      const Result run = bda(words);
+      EXPECT_THAT(run, Exits(2)) << testing::PrintToString(words);
+      EXPECT_THAT(run.err, HasSubstr(std::string(library) + " is no library: it is " + what));
+    }
+  EXPECT_THAT(bda({"copy", "voice:edit", "voice:user1:1", "--from-library", "folder"}), Exits(2));
+  EXPECT_TRUE(std::filesystem::is_empty(directory / "folder"));
+  EXPECT_FALSE(exists("b.syx"));
+}
+
 TEST_F(Usage, anOutputThatTheRunNeedsIsRefusedAndStaysAsItIs) {
   ASSERT_THAT(bda({"settings", "device-number", "1"}), Exits(0));
   write("a.syx", {request({0, 0, 0})});
@@ -205,6 +234,35 @@ TEST_F(Usage, anOutputThatTheRunNeedsIsRefusedAndStaysAsItIs) {
   EXPECT_EQ(read("library.db"), library);
   EXPECT_EQ(read("a.syx"), input);
   EXPECT_THAT(files(), ElementsAre("a.syx", "hard", "link", "my.names"));
+}
+
+TEST_F(Usage, noOutputTakesThePlaceOfACopyOfAnOlderVersionOrOfNames) {
+  write("a.syx", {request({0, 0, 0})});
+  write("library.db.v1", "kept");
+  std::filesystem::create_symlink("library.db.v1", directory / "link");
+  const auto refuses = [&](std::vector<std::string> words, const std::string& file) {
+    words.push_back(file);
+    const Result run = bda(words);
+    EXPECT_THAT(run, Exits(1)) << testing::PrintToString(words);
+    EXPECT_THAT(run.err, HasSubstr(file + ": this belongs to the library"));
+  };
+  for (const std::vector<std::string>& verb :
+       std::vector<std::vector<std::string>>{{"backup", "-o"},
+                                             {"backup", "-o", "b.syx", "--manifest"},
+                                             {"request", "system", "-o"},
+                                             {"request", "system", "--transcript"},
+                                             {"receive", "a.syx", "--trace"},
+                                             {"salvage", "a.syx", "-o"},
+                                             {"salvage", "a.syx", "-o", "b.syx", "--requests"},
+                                             {"convert", "a.syx", "-o"}})
+    for (const char* file :
+         {"library.db.v1", "./library.db.v1.2", "library.db.v1.part", "library.db.v1.part.12", "link"})
+      refuses(verb, file);
+  write("my.names", "");
+  refuses({"request", "system", "--names", "my.names", "-o"}, "library.db.names");
+  EXPECT_EQ(read("library.db.v1"), "kept");
+  for (const char* file : {"library.db.v12", "library.db.v1.", "library.db.v1.x", "library.db.v2", "other.db.v1"})
+    EXPECT_THAT(bda({"request", "system", "-o", file}), Exits(0)) << file;
 }
 
 TEST_F(Usage, aLibraryThatIsStillToComeIsNoOutputEither) {

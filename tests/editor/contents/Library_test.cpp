@@ -130,11 +130,13 @@ TEST_F(LibraryTest, ALibraryOfANewerVersionIsRefusedAndUntouched) {
 }
 
 TEST_F(LibraryTest, WhatCannotBeOpenedIsNamed) {
-  for (const std::filesystem::path& path : {directory.path(), file / "below-a-file.db"}) {
-    writeFile(file, "a file");
+  writeFile(file, "a file");
+  for (const auto& [path, kind] : {std::pair(directory.path(), Kind::NotALibrary),
+                                   {file / "below-a-file.db", Kind::CannotOpen},
+                                   {"/dev/null", Kind::NotALibrary}}) {
     const auto error = errorOfOpening(path);
     ASSERT_TRUE(error) << path;
-    EXPECT_EQ(error->kind(), Kind::CannotOpen);
+    EXPECT_EQ(error->kind(), kind);
     EXPECT_THAT(error->what(), HasSubstr(path.string()));
   }
   EXPECT_EQ(errorOfOpening("")->kind(), Kind::CannotOpen);

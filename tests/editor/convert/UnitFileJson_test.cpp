@@ -25,17 +25,18 @@ Editor::Batch fileDumpOf(bool removes) {
 
 TEST(UnitFileJson, aUnitHasItsPlaceAndForm) {
   const Editor::UnitFile file{0, "stem", "Caf\xE9", {{1, 2, 3}, {4, 5}}};
-  EXPECT_EQ(jsonLine(toJson(file, fileDumpOf(false), "", "a.syx")),
+  EXPECT_EQ(jsonLine(toJson(file, fileDumpOf(false), "a.syx")),
             R"({"unit":"voice:user1:6","address":"0C 0A 05","form":"file dump","name":"Caf\u00e9","messages":2,)"
             R"("bytes":5,"file":"a.syx"})");
   Editor::Batch blocks = fileDumpOf(true);
   blocks.units[0].form = Editor::Batch::Unit::Form::blocks;
-  EXPECT_EQ(jsonLine(toJson(file, blocks, "voice:user2:1", "a.syx")),
+  blocks.units[0].from = "voice:user2:1";
+  EXPECT_EQ(jsonLine(toJson(file, blocks, "a.syx")),
             R"({"unit":"voice:user1:6","address":"0C 0A 05","form":"blocks","name":"Caf\u00e9",)"
             R"("from":"voice:user2:1","removes":["voice:user1:6"],"messages":2,"bytes":5,"file":"a.syx"})");
 }
 
 TEST(UnitFileJson, messagesOfNoUnitHaveNoPlace) {
-  EXPECT_EQ(jsonLine(toJson({std::nullopt, "other", "", {{1}}}, {}, "", "other.syx")),
+  EXPECT_EQ(jsonLine(toJson({std::nullopt, "other", "", {{1}}}, {}, "other.syx")),
             R"({"unit":null,"messages":1,"bytes":1,"file":"other.syx"})");
 }

@@ -179,7 +179,8 @@ TEST(Condition, whatIsAskedAboutWouldBeTaken) {
 }
 
 TEST(Condition, aGroupIsNoParameter) {
-  for (const char* const path : {"voice.common", "voice.common[93]", "voice.common[-1]", "voice.common[]"})
+  for (const char* const path :
+       {"voice.common", "voice.common[93]", "voice.common[-1]", "voice.common[]", "voice.common[03]"})
     EXPECT_THAT(complaint(std::string(path) + "=1"),
                 testing::AnyOf(HasSubstr("voice.common[0] to voice.common[92]"), HasSubstr("no content has")))
         << path;

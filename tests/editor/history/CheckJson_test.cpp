@@ -15,7 +15,7 @@ TEST(CheckJson, hasAReasonForWhatIsNotGood) {
   EXPECT_EQ(jsonLine(toJson({Kind::content, "file:multi:1", State::opaque, "somebody's"})),
             R"({"content":"file:multi:1","state":"opaque","reason":"somebody's"})");
   EXPECT_EQ(jsonLine(toJson({Kind::table, "content", State::damaged, "torn\n"})),
-            R"({"table":"content","state":"damaged","reason":"torn\\x0A"})");
+            R"({"table":"content","state":"damaged","reason":"torn\n"})");
 }
 
 }  // namespace

@@ -53,13 +53,13 @@ TEST_F(Checks, WhatIsThereIsCounted) {
   fill();
   const auto count = [&] {
     Library library(file, {.use = Library::Use::read});
-    const CheckCounts counts = checkLibrary(library, [](const Checked&) {});
-    return std::vector{counts.contents, counts.opaque, counts.damaged};
+    CheckCounts counts = checkLibrary(library, [](const Checked&) {});
+    return std::vector{counts.contents, counts.opaque, counts.damaged, counts.damagedInTables["change"]};
   };
-  EXPECT_THAT(count(), ElementsAre(3, 1, 0));
+  EXPECT_THAT(count(), ElementsAre(3, 1, 0, 0));
   damage("UPDATE live_model SET bytes = CAST(substr(bytes, 1, 40) || x'55' || substr(bytes, 42) AS BLOB)");
   damage("UPDATE change SET held_name = CAST('Pianp' AS BLOB) WHERE held_name IS NOT NULL");
-  EXPECT_THAT(count(), ElementsAre(3, 1, 2));
+  EXPECT_THAT(count(), ElementsAre(3, 1, 1, 1));
 }
 
 TEST_F(Checks, ABitThatFlippedIsFoundWhereverItIs) {

@@ -12,7 +12,7 @@ TEST(HistoryJson, anEntryHasItsChanges) {
   const std::vector<PlaceChange> changes{{"voice:user1:6", What::stored, std::nullopt, "N\xE9w"},
                                          {"voice:user1:6", What::flagged, std::nullopt, "1", true}};
   EXPECT_EQ(jsonLine(toJson(entry, changes)),
-            R"({"entry":3,"time":"1970-01-02T00:00:00Z","verb":"receive","sources":["a\\x1B.syx"],"changes":[)"
+            R"({"entry":3,"time":"1970-01-02T00:00:00Z","verb":"receive","sources":["a\u001b.syx"],"changes":[)"
             R"({"content":"voice:user1:6","what":"stored","before":null,"after":"N\u00e9w"},)"
             R"({"content":"voice:user1:6","what":"flagged","before":null,"after":1,"damaged":true}],)"
             R"("undoes":null,"undoneBy":4})");

@@ -54,7 +54,7 @@ TEST(NameFile, whatIsWrongIsToldWithItsLine) {
 TEST(NameFile, parametersAndTheirValuesHaveNames) {
   NameLists names;
   EXPECT_EQ(parseNames("parameter voice.common[3] Volume\nvalue voice.common[3] 0 Off - or nearly\r\n"
-                       "value voice.common[03] 255 Full\nparameter voice.element[7].params[136] Last one\n"
+                       "value voice.common[3] 255 Full\nparameter voice.element[7].params[136] Last one\n"
                        "parameter voice.key[72].params[0] Key\nparameter system.utility[51] System\n"
                        "parameter additional.params[0] Else\nparameter system.tune[0] Tune\n"
                        "value system.tune[0] 65535 High\nparameter multi.common[3] Volume",
@@ -80,6 +80,9 @@ TEST(NameFile, aParameterThatThereIsNotIsToldWithItsLine) {
             "line 1: \"voice.common[93]\": expected voice.common[0] to voice.common[92]");
   EXPECT_EQ(errorOf("parameter voice.common Volume"),
             "line 1: \"voice.common\": expected voice.common[0] to voice.common[92]");
+  for (const char* path : {"voice.common[03]", "voice.common[+3]", "voice.common[]", "voice.common[x]"})
+    EXPECT_EQ(errorOf(std::string("value ") + path + " 0 Off"),
+              std::string("line 1: \"") + path + "\": expected voice.common[0] to voice.common[92]");
   for (const char* path : {"", "voice", "voice.name", "voice.element[8].params[0]", "Volume", "voice.common[3"})
     EXPECT_THAT(errorOf(std::string("value ") + path + " 0 Off"),
                 testing::StartsWith(std::string("line 1: \"") + path + "\": expected the path of a parameter"));
