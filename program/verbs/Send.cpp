@@ -15,7 +15,6 @@
 #include <utility>
 
 #include "convert/Placing.h"
-#include "exchange/Answers.h"
 #include "input/InputStream.h"
 #include "input/OpenPort.h"
 #include "messages/Text.h"
@@ -27,6 +26,7 @@
 #include "output/TranscriptFile.h"
 #include "targets/Targets.h"
 #include "verbs/Verbs.h"
+#include "wire/LibraryBatch.h"
 #include "wire/SendJson.h"
 #include "wire/SendPlan.h"
 
@@ -74,29 +74,25 @@ class Sending {
 
   // The words are files, or places of the library.
   Batch read(const Words& words) {
-    BatchBuilder builder;
     Words files;
     for (const std::string& word : words)
       if (!isAddress(word)) files.push_back(word);
-    if (files.size() < words.size()) {
-      if (!files.empty())
-        throw Failure(kWrongUsage, fmt::format("\"{}\" is no address: expected files, or places of the library",
-                                               escape(files.front())));
-      readLibrary(words, builder);
-    } else {
-      readFiles(files, builder);
-    }
-    return builder.finish();
+    if (files.size() == words.size()) return readFiles(files);
+    if (!files.empty())
+      throw Failure(kWrongUsage, fmt::format("\"{}\" is no address: expected files, or places of the library",
+                                             escape(files.front())));
+    return readLibrary(words);
   }
 
  private:
-  void readFiles(const Words& files, BatchBuilder& builder) {
+  Batch readFiles(const Words& files) {
     for (const std::string& file : files) {
       std::error_code unknown;
       const bool isFile = file == "-" || file.find_first_of("./") != std::string::npos;
       if (!isFile && !std::filesystem::exists(file, unknown)) parseAddresses({file});  // throws what may be meant
     }
     InputStream input(files);
+    BatchBuilder builder;
     LossReport losses(console_);
     const std::vector<std::string> problems =
         input.read([&](const InputMessage& message) { builder.add(message.bytes); },
@@ -104,38 +100,21 @@ class Sending {
     losses.finish();
     if (!problems.empty()) throw Failure(kUnusableInput, problems.front());
     if (!losses.areAllWhole()) throw Failure(kRefused, "it is not whole: nothing is sent");
+    return builder.finish();
   }
 
-  // What `request` answers, with a trigger behind file dumps.
-  void readLibrary(const Words& words, BatchBuilder& builder) {
+  Batch readLibrary(const Words& words) {
     const std::unique_ptr<EmbeddedEditor> editor = program_.openToRead();
     transcript_.listen(*editor);
-    const EmbeddedEditor::Run oneState(*editor, Library::Transaction::Access::Read);
     Complaints complaints(console_);
-    std::optional<std::vector<std::uint8_t>> held;  // a file dump that no trigger has written yet
-    std::uint64_t number = 0;
-    const auto writeHeld = [&] {
-      if (held && !options_.toEditBuffer) builder.add(triggerFor(*held));
-      held.reset();
+    const auto complain = [&](BulkAddress address, const std::string& why) {
+      complaints.tell(escape(why), fmt::format("{}: not sent: {}", nameOrBytes(address), escape(why)));
+      program_.refuse();
     };
-    for (const BulkAddress address : parseAddresses(words)) {
-      const Record record = editor->handle(editor->requestFor(address), BDA::DevicePort_Main, ++number);
-      const std::string why = whyUnanswered(record);
-      const bool isEmpty = why.empty() && readMessage(record.sent.back().bytes).removes;
-      if (!why.empty() || isEmpty) {
-        complaints.tell(
-            isEmpty ? "nothing is stored there" : escape(why),
-            fmt::format("{}: not sent: {}", nameOrBytes(address), isEmpty ? "nothing is stored there" : escape(why)));
-        program_.refuse();
-        continue;
-      }
-      const bool isFileDump = readMessage(record.sent.front().bytes).role == Role::fileDump;
-      if (!isFileDump) writeHeld();
-      for (const AssistantHost::Sent& sent : record.sent) builder.add(sent.bytes);
-      if (isFileDump) held = record.sent.front().bytes;
-    }
-    writeHeld();
+    const Triggers triggers = options_.toEditBuffer ? Triggers::none : Triggers::behindFileDumps;
+    Batch batch = batchOf(*editor, parseAddresses(words), triggers, complain);
     complaints.finish();
+    return batch;
   }
 
   void refuseBroken(const Batch& batch) {
