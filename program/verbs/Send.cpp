@@ -11,10 +11,9 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <set>
 #include <utility>
 
-#include "convert/Placing.h"
+#include "convert/InEditBuffers.h"
 #include "input/InputStream.h"
 #include "input/OpenPort.h"
 #include "messages/Text.h"
@@ -59,7 +58,7 @@ class Sending {
 
   void run(Batch batch) {
     refuseBroken(batch);
-    if (options_.toEditBuffer) placeInEditBuffers(batch);
+    if (options_.toEditBuffer) placeInBuffers(batch);
     const SendPlan plan(batch);
     if (plan.leftOut > 0)
       console_.note(fmt::format("{} left out: no dumps for this instrument", counted(plan.leftOut, "message")));
@@ -135,25 +134,13 @@ class Sending {
       throw Failure(kRefused, "it is not whole: nothing is sent");
   }
 
-  void placeInEditBuffers(Batch& batch) {
-    UnitModels models;
-    Placing placing(batch, models);
-    std::set<EditBuffer> taken;
-    for (std::size_t unit = 0; unit < batch.units.size(); ++unit) {
-      const std::optional<EditBuffer> buffer = editBufferOf(batch.units[unit].kind);
-      if (!buffer) throw Failure(kRefused, fmt::format("{}: there is no edit buffer for it", batch.units[unit].place));
-      const MidLo header = headerOf(*buffer);
-      const std::string name = nameOrBytes({0x0E, header.mid, header.lo});
-      if (!taken.insert(*buffer).second)
-        throw Failure(kUnusableInput, fmt::format("{} would be overwritten by a second one: nothing is sent", name));
-      placing.place(unit, parseDestinations(name).front());
-    }
-    placing.finish();
-    // What stands by itself would overwrite what is stored: system blocks, favourites, triggers.
-    const std::size_t leftOut = std::erase_if(batch.messages, [](const Batch::Message& message) {
-      return !message.unit && readMessage(message.bytes).kind == Reading::Kind::dump;
-    });
-    if (leftOut > 0) console_.note(fmt::format("{} left out: no edit buffer takes them", counted(leftOut, "message")));
+  void placeInBuffers(Batch& batch) {
+    const InEditBuffers placed = placeInEditBuffers(batch);
+    if (!placed.takenTwice.empty())
+      throw Failure(kUnusableInput,
+                    fmt::format("{} would be overwritten by a second one: nothing is sent", placed.takenTwice));
+    if (placed.leftOut > 0)
+      console_.note(fmt::format("{} left out: no edit buffer takes them", counted(placed.leftOut, "message")));
   }
 
   void tellPlan(const SendPlan& plan, Pace pace) {
