@@ -55,19 +55,18 @@ std::string parsePath(const ParameterPlace& place, const std::string& word, cons
   return path;
 }
 
-ParameterBytes bytesOf(EmbeddedEditor& editor, const ParameterPlace& place, const std::string& path) {
-  ParameterBytes found;
+std::vector<CarryingByte> bytesOf(EmbeddedEditor& editor, const ParameterPlace& place, const std::string& path,
+                                  const std::function<void(BulkAddress, const std::string&)>& visitUnanswered) {
   std::vector<std::vector<std::uint8_t>> dumps;
   std::uint64_t number = 0;
   for (const BulkAddress address : place.places.list) {
     Record record = editor.handle(editor.requestFor(address), BDA::DevicePort_Main, ++number);
-    if (std::string why = whyUnanswered(record); !why.empty())
-      found.unanswered.push_back({address, std::move(why)});
+    if (const std::string why = whyUnanswered(record); !why.empty())
+      visitUnanswered(address, why);
     else
       for (AssistantHost::Sent& sent : record.sent) dumps.push_back(std::move(sent.bytes));
   }
-  found.bytes = bytesByPath(dumps)[path];
-  return found;
+  return bytesByPath(dumps)[path];
 }
 
 void refuseUncarried(const ParameterPlace& place, const std::string& path) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -23,18 +24,10 @@ ParameterPlace parseParameterPlace(const std::string& word);
 // ParameterNames::pathOf throws.
 std::string parsePath(const ParameterPlace& place, const std::string& word, const ParameterNames& names);
 
-struct ParameterBytes {
-  struct Unanswered {
-    BulkAddress address;
-    std::string why;
-  };
-
-  std::vector<CarryingByte> bytes;
-  std::vector<Unanswered> unanswered;  // blocks that the instrument does not send
-};
-// The bytes that carry the parameter in what a request of the place is answered by, in their order. Throws
-// LibraryError.
-ParameterBytes bytesOf(EmbeddedEditor& editor, const ParameterPlace& place, const std::string& path);
+// The bytes that carry the parameter in what a request of the place is answered by, in their order. Calls
+// visitUnanswered(address, why) for a block that is not sent. Throws LibraryError.
+std::vector<CarryingByte> bytesOf(EmbeddedEditor& editor, const ParameterPlace& place, const std::string& path,
+                                  const std::function<void(BulkAddress, const std::string&)>& visitUnanswered);
 // Throws TargetError (refused), which says why there are none though all was answered: another place has them, or none.
 [[noreturn]] void refuseUncarried(const ParameterPlace& place, const std::string& path);
 

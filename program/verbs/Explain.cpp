@@ -6,6 +6,7 @@
 
 #include <charconv>
 #include <limits>
+#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "explain/ExplainJson.h"
@@ -114,13 +115,14 @@ void explainFile(const std::string& path, bool json, Program& program) {
 void explainParameter(const std::string& word, const std::string& parameter, bool json, Program& program) {
   const ParameterPlace place = parseParameterPlace(word);
   const std::string path = parsePath(place, parameter, program.parameterNames());
-  const ParameterBytes found = bytesOf(*program.openToRead(), place, path);
-  for (const auto& [address, why] : found.unanswered) {
+  const std::unique_ptr<EmbeddedEditor> editor = program.openToRead();
+  const auto complain = [&](BulkAddress address, const std::string& why) {
     program.console.problem(fmt::format("{}: no answer: {}", nameAndBytes(address), escape(why)));
     program.refuse();
-  }
-  for (const CarryingByte& byte : found.bytes) program.console.line(json ? jsonLine(toJson(byte)) : lineOf(byte));
-  if (found.bytes.empty() && program.exitCode() == kAllGood) refuseUncarried(place, path);
+  };
+  const std::vector<CarryingByte> bytes = bytesOf(*editor, place, path, complain);
+  for (const CarryingByte& byte : bytes) program.console.line(json ? jsonLine(toJson(byte)) : lineOf(byte));
+  if (bytes.empty() && program.exitCode() == kAllGood) refuseUncarried(place, path);
 }
 
 }  // namespace

@@ -11,11 +11,9 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <set>
 #include <utility>
 
-#include "convert/Placing.h"
-#include "exchange/Answers.h"
+#include "convert/InEditBuffers.h"
 #include "input/InputStream.h"
 #include "input/OpenPort.h"
 #include "messages/Text.h"
@@ -27,6 +25,7 @@
 #include "output/TranscriptFile.h"
 #include "targets/Targets.h"
 #include "verbs/Verbs.h"
+#include "wire/LibraryBatch.h"
 #include "wire/SendJson.h"
 #include "wire/SendPlan.h"
 
@@ -59,7 +58,7 @@ class Sending {
 
   void run(Batch batch) {
     refuseBroken(batch);
-    if (options_.toEditBuffer) placeInEditBuffers(batch);
+    if (options_.toEditBuffer) placeInBuffers(batch);
     const SendPlan plan(batch);
     if (plan.leftOut > 0)
       console_.note(fmt::format("{} left out: no dumps for this instrument", counted(plan.leftOut, "message")));
@@ -74,29 +73,25 @@ class Sending {
 
   // The words are files, or places of the library.
   Batch read(const Words& words) {
-    BatchBuilder builder;
     Words files;
     for (const std::string& word : words)
       if (!isAddress(word)) files.push_back(word);
-    if (files.size() < words.size()) {
-      if (!files.empty())
-        throw Failure(kWrongUsage, fmt::format("\"{}\" is no address: expected files, or places of the library",
-                                               escape(files.front())));
-      readLibrary(words, builder);
-    } else {
-      readFiles(files, builder);
-    }
-    return builder.finish();
+    if (files.size() == words.size()) return readFiles(files);
+    if (!files.empty())
+      throw Failure(kWrongUsage, fmt::format("\"{}\" is no address: expected files, or places of the library",
+                                             escape(files.front())));
+    return readLibrary(words);
   }
 
  private:
-  void readFiles(const Words& files, BatchBuilder& builder) {
+  Batch readFiles(const Words& files) {
     for (const std::string& file : files) {
       std::error_code unknown;
       const bool isFile = file == "-" || file.find_first_of("./") != std::string::npos;
       if (!isFile && !std::filesystem::exists(file, unknown)) parseAddresses({file});  // throws what may be meant
     }
     InputStream input(files);
+    BatchBuilder builder;
     LossReport losses(console_);
     const std::vector<std::string> problems =
         input.read([&](const InputMessage& message) { builder.add(message.bytes); },
@@ -104,38 +99,21 @@ class Sending {
     losses.finish();
     if (!problems.empty()) throw Failure(kUnusableInput, problems.front());
     if (!losses.areAllWhole()) throw Failure(kRefused, "it is not whole: nothing is sent");
+    return builder.finish();
   }
 
-  // What `request` answers, with a trigger behind file dumps.
-  void readLibrary(const Words& words, BatchBuilder& builder) {
+  Batch readLibrary(const Words& words) {
     const std::unique_ptr<EmbeddedEditor> editor = program_.openToRead();
     transcript_.listen(*editor);
-    const EmbeddedEditor::Run oneState(*editor, Library::Transaction::Access::Read);
     Complaints complaints(console_);
-    std::optional<std::vector<std::uint8_t>> held;  // a file dump that no trigger has written yet
-    std::uint64_t number = 0;
-    const auto writeHeld = [&] {
-      if (held && !options_.toEditBuffer) builder.add(triggerFor(*held));
-      held.reset();
+    const auto complain = [&](BulkAddress address, const std::string& why) {
+      complaints.tell(escape(why), fmt::format("{}: not sent: {}", nameOrBytes(address), escape(why)));
+      program_.refuse();
     };
-    for (const BulkAddress address : parseAddresses(words)) {
-      const Record record = editor->handle(editor->requestFor(address), BDA::DevicePort_Main, ++number);
-      const std::string why = whyUnanswered(record);
-      const bool isEmpty = why.empty() && readMessage(record.sent.back().bytes).removes;
-      if (!why.empty() || isEmpty) {
-        complaints.tell(
-            isEmpty ? "nothing is stored there" : escape(why),
-            fmt::format("{}: not sent: {}", nameOrBytes(address), isEmpty ? "nothing is stored there" : escape(why)));
-        program_.refuse();
-        continue;
-      }
-      const bool isFileDump = readMessage(record.sent.front().bytes).role == Role::fileDump;
-      if (!isFileDump) writeHeld();
-      for (const AssistantHost::Sent& sent : record.sent) builder.add(sent.bytes);
-      if (isFileDump) held = record.sent.front().bytes;
-    }
-    writeHeld();
+    const Triggers triggers = options_.toEditBuffer ? Triggers::none : Triggers::behindFileDumps;
+    Batch batch = batchOf(*editor, parseAddresses(words), triggers, complain);
     complaints.finish();
+    return batch;
   }
 
   void refuseBroken(const Batch& batch) {
@@ -156,25 +134,13 @@ class Sending {
       throw Failure(kRefused, "it is not whole: nothing is sent");
   }
 
-  void placeInEditBuffers(Batch& batch) {
-    UnitModels models;
-    Placing placing(batch, models);
-    std::set<EditBuffer> taken;
-    for (std::size_t unit = 0; unit < batch.units.size(); ++unit) {
-      const std::optional<EditBuffer> buffer = editBufferOf(batch.units[unit].kind);
-      if (!buffer) throw Failure(kRefused, fmt::format("{}: there is no edit buffer for it", batch.units[unit].place));
-      const MidLo header = headerOf(*buffer);
-      const std::string name = nameOrBytes({0x0E, header.mid, header.lo});
-      if (!taken.insert(*buffer).second)
-        throw Failure(kUnusableInput, fmt::format("{} would be overwritten by a second one: nothing is sent", name));
-      placing.place(unit, parseDestinations(name).front());
-    }
-    placing.finish();
-    // What stands by itself would overwrite what is stored: system blocks, favourites, triggers.
-    const std::size_t leftOut = std::erase_if(batch.messages, [](const Batch::Message& message) {
-      return !message.unit && readMessage(message.bytes).kind == Reading::Kind::dump;
-    });
-    if (leftOut > 0) console_.note(fmt::format("{} left out: no edit buffer takes them", counted(leftOut, "message")));
+  void placeInBuffers(Batch& batch) {
+    const InEditBuffers placed = placeInEditBuffers(batch);
+    if (!placed.takenTwice.empty())
+      throw Failure(kUnusableInput,
+                    fmt::format("{} would be overwritten by a second one: nothing is sent", placed.takenTwice));
+    if (placed.leftOut > 0)
+      console_.note(fmt::format("{} left out: no edit buffer takes them", counted(placed.leftOut, "message")));
   }
 
   void tellPlan(const SendPlan& plan, Pace pace) {

@@ -73,13 +73,5 @@ TEST_F(InventoryTest, hasNothingElseThanWhatIsAskedFor) {
   EXPECT_THAT(inventory.damaged, IsEmpty());
 }
 
-TEST_F(InventoryTest, aFlagThatIsDamagedIsNone) {
-  Inventory::Entry entry;
-  entry.id = kEmpty;
-  entry.favourite = std::nullopt;
-  EXPECT_EQ(jsonLine(toJson(entry)),
-            R"({"content":"voice:user1:8","type":4,"number":4130823,"stored":false,"favourite":null})");
-}
-
 }  // namespace
 }  // namespace Editor
