@@ -27,7 +27,7 @@ std::vector<ReadBackDifference> ReadBack::compare(const Messages& sent, const Me
     const auto answer = std::ranges::find_if(
         read, [&](const std::vector<std::uint8_t>& one) { return readMessage(one).address == reading.address; });
     if (answer == read.end()) {
-      differences_.push_back({*reading.address, 0, std::nullopt, {}, {}, true});
+      differences_.push_back({*reading.address, 0, std::nullopt, std::monostate(), std::monostate(), true});
       break;
     }
     if (std::ranges::equal(dataOf(dump), dataOf(*answer))) continue;

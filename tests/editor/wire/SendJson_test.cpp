@@ -30,7 +30,7 @@ TEST_F(SendJson, eachDifferenceHasWhatWasSentAndRead) {
                       SentUnit::State::different,
                       {{{0x41, 0x02, 0x00}, 2, "voice.element[2].wave[0]", std::int64_t{129}, std::int64_t{128}},
                        {{0x0C, 0x0A, 0x05}, 4, std::nullopt, std::int64_t{1}, std::monostate()},
-                       {{0x41, 0x03, 0x00}, 0, std::nullopt, std::vector<std::uint8_t>{0xF0}, std::monostate()}},
+                       {{0x41, 0x03, 0x00}, 0, std::nullopt, std::monostate(), std::monostate(), true}},
                       1,
                       ""};
   EXPECT_EQ(lineOf(unit),
