@@ -5,21 +5,24 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <utility>
 
 #include "ExitCode.h"
 #include "contents/LibraryMark.h"
 #include "messages/Text.h"
 #include "output/Console.h"
 #include "output/OutputFile.h"
+#include "wire/BytePort.h"
 
 namespace Editor {
 
-// False for what is no file that could be lost.
+// False for standard streams that are no file.
 bool FilesInUse::identify(const std::string& path, int standardStream, File& file) {
   struct stat status {};
   const bool isStandard = path == "-";
   const bool exists = (isStandard ? ::fstat(standardStream, &status) : ::stat(path.c_str(), &status)) == 0;
-  if (exists ? !S_ISREG(status.st_mode) : isStandard) return false;
+  file.isDevice = exists && !S_ISREG(status.st_mode);
+  if (isStandard && (!exists || file.isDevice)) return false;
   if (exists) {
     file.device = status.st_dev;
     file.inode = status.st_ino;
@@ -34,7 +37,7 @@ bool FilesInUse::identify(const std::string& path, int standardStream, File& fil
 
 void FilesInUse::add(const std::string& path, const std::string& what) {
   File file;
-  if (!identify(path, STDIN_FILENO, file)) return;
+  if (!identify(path, STDIN_FILENO, file) || file.isDevice) return;
   file.what = what;
   files_.push_back(std::move(file));
 }
@@ -42,6 +45,17 @@ void FilesInUse::add(const std::string& path, const std::string& what) {
 void FilesInUse::addLibrary(const std::string& path) {
   add(path, "this is the library");
   for (const std::string_view ending : kSideFiles) add(followLinks(path).append(ending), "this belongs to the library");
+}
+
+void FilesInUse::addPort(const std::string& name) {
+  if (!BytePort::isName(name)) return;
+  for (const std::string& path : BytePort::pathsOf(name))
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO}) {
+      File file;
+      if (!identify(path, stream, file) || file.inode == 0) continue;
+      file.what = "this is the port";
+      files_.push_back(std::move(file));
+    }
 }
 
 void FilesInUse::addOutput(const std::string& path, const std::string& option) {
@@ -53,6 +67,7 @@ void FilesInUse::addOutput(const std::string& path, const std::string& option) {
     if (isSamePath || isSameFile)
       throw Failure(kWrongUsage, fmt::format("{} {}: {}", option, escape(path), other.what));
   }
+  if (file.isDevice) return;
   file.what = fmt::format("{} names this file too", option);
   files_.push_back(std::move(file));
 }
