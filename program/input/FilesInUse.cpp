@@ -46,7 +46,17 @@ void FilesInUse::add(const std::string& path, const std::string& what) {
 void FilesInUse::addLibrary(const std::string& path) {
   add(path, "this is the library");
   File file;
-  if (identify(path, STDIN_FILENO, file)) library_ = file.path;
+  if (!identify(path, STDIN_FILENO, file)) return;
+  library_ = file.path;
+  // What belongs to it may have another name, too, and be written by that.
+  const std::filesystem::path real(library_);
+  const std::string name = real.filename().string();
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(real.parent_path(), error)) {
+    const std::string other = entry.path().filename().string();
+    if (other.starts_with(name) && belongsToLibrary(std::string_view(other).substr(name.size())))
+      add(entry.path().string(), "this belongs to the library");
+  }
 }
 
 void FilesInUse::addPort(const std::string& name) {
