@@ -227,8 +227,8 @@ FileJudgement judgeFile(ByteSource& source) {
   return judgement;
 }
 
-// What comes from a cable may begin like that, but it is no UTF-8 where a message begins: behind F0 there is none of the
-// bytes that UTF-8 has there.
+// What comes from a cable may begin like that, but it is no UTF-8 where a message begins: behind F0 there is none of
+// the bytes that UTF-8 has there.
 bool isJson(ByteSource& source) {
   const auto isBegun = [](Bytes bytes) {
     std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
