@@ -52,11 +52,12 @@ types:
       is_dump:
         value: >-
           is_ours and bytes[2] >> 4 == 0 and _io.size >= 11 and
-          _io.size - 11 == (bytes[5] << 7 | bytes[5 + 1])
+          _io.size - 11 == (bytes[5] << 7 | bytes[6])
       is_request:
         value: is_ours and bytes[2] >> 4 == 2 and _io.size == 8
       kind:
         value: 'is_dump ? 0 : is_request ? 2 : -1'
+        doc: The type of a dump or a request.
   head:
     seq:
       - id: maker
@@ -101,6 +102,9 @@ types:
         type: address
       - id: data
         size: byte_count.value
+        doc: |
+          A header (0x0e), the footer with the same other two bytes (0x0f) and a trigger that has
+          file dumps written (0x11) have none.
         type:
           switch-on: address.high
           cases:

@@ -71,11 +71,12 @@ types:
       is_dump:
         value: >-
           is_ours and bytes[2] >> 4 == @dump@ and _io.size >= @frame@ and
-          _io.size - @frame@ == (bytes[@count_at@] << 7 | bytes[@count_at@ + 1])
+          _io.size - @frame@ == (bytes[@count_at@] << 7 | bytes[@count_low_at@])
       is_request:
         value: is_ours and bytes[2] >> 4 == @request@ and _io.size == @shortest@
       kind:
         value: 'is_dump ? @dump@ : is_request ? @request@ : -1'
+        doc: The type of a dump or a request.
   head:
     seq:
       - id: maker
@@ -120,6 +121,9 @@ types:
         type: address
       - id: data
         size: byte_count.value
+        doc: |
+          A header (@header@), the footer with the same other two bytes (@footer@) and a trigger that has
+          file dumps written (@trigger@) have none.
         type:
           switch-on: address.high
           cases:
@@ -272,9 +276,13 @@ inline std::string ksyHead() {
       {"frame", std::to_string(kDumpFrame - 1)},  // the last byte is the terminator
       {"shortest", std::to_string(kRequestLength - 1)},
       {"count_at", std::to_string(kByteCountAt)},
+      {"count_low_at", std::to_string(kByteCountAt + 1)},
       {"count_in_body", std::to_string(kByteCountAt - 1)},  // which F0 is no part of
       {"group", std::to_string(FileDumpCodec::kGroup)},
       {"packed_group", std::to_string(FileDumpCodec::kPackedGroup)},
+      {"header", hex(kHeaderHi)},
+      {"footer", hex(kFooterHi)},
+      {"trigger", hex(kTriggerHi)},
       {"lists", casesOfLists()},
       {"unpacked", unpackedBytes()},
   };

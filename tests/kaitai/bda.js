@@ -24,7 +24,8 @@ class Bda {
 
   // The objects that a verb prints of a file.
   told(verb, file, isBroken) {
-    return this.run([verb, file, '--json'], { isBroken }).split('\n').filter((line) => line !== '').map(JSON.parse);
+    const lines = this.run([verb, file, '--json'], { isBroken }).split('\n');
+    return lines.filter((line) => line !== '').map((line) => JSON.parse(line));
   }
 
   // The models of these targets in a file.
