@@ -12,18 +12,18 @@ const upper = (id) => camel(`_${id}`);
 
 class Description {
   static async of(file) {
-    const spec = yaml.parse(fs.readFileSync(file, 'utf8'));
-    const sources = await compiler.compile('javascript', spec, null, false);
+    const parsed = yaml.parse(fs.readFileSync(file, 'utf8'));
+    const sources = await compiler.compile('javascript', parsed, null, false);
     const exported = {};
     new Function('exports', 'require', sources['Bda.js'])(exported, require);
-    return new Description(spec, exported.Bda);
+    return new Description(parsed, exported.Bda);
   }
 
-  constructor(spec, Bda) {
+  constructor(parsed, Bda) {
     this.Bda = Bda;
     this.unread = new Set(); // instances that no block has been asked for, as "type.id"
     this.parameters = new Map(); // of each class of blocks: what its instances are called, and their paths
-    for (const [type, { instances = {} }] of Object.entries(spec.types)) {
+    for (const [type, { instances = {} }] of Object.entries(parsed.types)) {
       const named = Object.entries(instances).filter(([, instance]) => '-orig-id' in instance);
       if (named.length === 0) continue;
       this.parameters.set(
