@@ -238,6 +238,8 @@ types:
         type: seven_bit_pair
       - id: height
         type: seven_bit_pair
+      - id: zero
+        type: u1
   screen_block:
     seq:
       - id: number

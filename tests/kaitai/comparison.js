@@ -57,6 +57,9 @@ class Comparison {
     if (isOpaque) return;
     assert.strictEqual(body.head.device + 1, line.device, where);
     assert.strictEqual(hexOf(body.address), line.address, where);
+    const { data } = body;
+    for (const part of [body, data, data && data.parameters, data && data.head, data && data.block])
+      if (part && part._io) assert(part._io.isEof(), `${where} is not read to its end`);
     if (kind === 'request') return;
     assert.strictEqual(body.byteCount.value, line.dataBytes, where);
     assert.strictEqual(body.checksum, line.checksum, where);
