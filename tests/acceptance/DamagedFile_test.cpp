@@ -455,8 +455,9 @@ TEST_F(DamagedFile, anEntryOfTheHistoryThatIsNoneIsNamedAndNotUndone) {
 
 TEST_F(DamagedFile, anEntryOfANumberThatThereCannotBeIsLeftOut) {
   const std::size_t entries = objects({"history", "--json"}).size();
-  change("INSERT INTO entry(number, time, bytes, verb, sources) VALUES(-7, 0, 0, 'x', x''), "
-         "(9223372036854775807, 0, 0, 'x', x'')");
+  change(
+      "INSERT INTO entry(number, time, bytes, verb, sources) VALUES(-7, 0, 0, 'x', x''), "
+      "(9223372036854775807, 0, 0, 'x', x'')");
   const Result history = bda({"history", "--json"});
   EXPECT_THAT(history, Exits(3));
   EXPECT_EQ(std::ranges::count(history.out, '\n'), std::ptrdiff_t(entries));
