@@ -60,6 +60,8 @@ class Instrument final : public WireEnd, private StreamJoiner::Receiver {
 
   // Nothing more is handled: the message that has begun to go out is the last one.
   void stop();
+  // Nothing more comes: what has begun has no end. Not behind an error of the library.
+  void finish() { joiner_.finish(); }
 
  private:
   static constexpr std::size_t kLongest = 16U << 20;

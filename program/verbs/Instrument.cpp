@@ -82,8 +82,11 @@ class Serving final : public Instrument::Observer {
   // The end of what comes through a pipe is one, once everything is answered.
   static bool serve(Port& port, Instrument& instrument) {
     try {
-      return runAt(port, instrument, [&] { instrument.stop(); });
+      const bool isDone = runAt(port, instrument, [&] { instrument.stop(); });
+      instrument.finish();
+      return isDone;
     } catch (const PortError& error) {
+      instrument.finish();
       if (error.kind() != PortError::Kind::ended) throw;
       sendRest(instrument, port, Interruptible::isAsked);
       return !Interruptible::isAsked();

@@ -178,6 +178,12 @@ TEST_F(Wire, whatArrivesIsRecordedMessageByMessage) {
   EXPECT_FALSE(exists("c.syx"));
 }
 
+TEST_F(Wire, aMessageThatHasNoEndWhenTheInputEndsIsBroken) {
+  const Result cut = bda({"instrument", "--on", "-"}, text(dump({0x0E, 0x70, 0x03})) + "\xF0\x7D");
+  EXPECT_THAT(cut, Exits(3));
+  EXPECT_THAT(cut.err, HasSubstr("offset 12: 2 bytes dropped, message without end"));
+}
+
 TEST_F(Wire, whatStillHasToGoOutAtTheEndOfTheInputGoesOut) {
   fillInstrument();
   bda({"request", "voice:user1:6", "--library", directory / "instrument.db", "-o", "asked.syx"});

@@ -139,6 +139,14 @@ TEST_F(InstrumentTest, BytesThatAreLostEndTheMessageThatHasBegun) {
       << told.text;
 }
 
+TEST_F(InstrumentTest, TellsAMessageThatHasNoEndWhenNothingMoreComes) {
+  Instrument instrument(editor, {}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
+  instrument.receive(Bytes{0x01, 0xF0, 0x7D, 0x20}, 0s);
+  EXPECT_EQ(told.text, "1 at 0: outside of any message\n");
+  instrument.finish();
+  EXPECT_EQ(told.text, "1 at 0: outside of any message\n3 at 1: message without end\n");
+}
+
 TEST_F(InstrumentTest, ForgetsWhatNobodyTakes) {
   receive(editor, unitOf(kMaster, BDA::List::master));
   Instrument instrument(editor, {}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
