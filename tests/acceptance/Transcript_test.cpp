@@ -253,6 +253,29 @@ TEST_F(Transcript, isNothingForStandardOutput) {
   EXPECT_THAT(bda({"receive", "all.syx", "--transcript", "-"}), Exits(1));
 }
 
+TEST_F(Transcript, isNotWhereStandardOutputGoes) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx"}), Exits(0));
+  const auto run = [&](const std::string& words) {
+    const std::string command = "cd '" + directory.string() + "' && BDA_LIBRARY=library.db " BDA_PROGRAM " " + words;
+    const int status = std::system(command.c_str());
+    return WEXITSTATUS(status);
+  };
+  const std::string why = "--transcript out: this is standard output, where lines of this run go";
+  for (const char* const words : {"request voice:user1:6", "receive --json --dry-run all.syx", "receive all.syx",
+                                  "record --from pty: -o r.syx --json", "instrument --on pty: --json"}) {
+    EXPECT_EQ(run(words + std::string(" --transcript out > out 2> err")), 1) << words;
+    EXPECT_THAT(read("err"), HasSubstr(why)) << words;
+    EXPECT_EQ(read("out"), "") << words;
+  }
+  EXPECT_EQ(run("receive -q all.syx -o out > out 2> err"), 1);
+  EXPECT_EQ(run("request voice:user1:6 --transcript /dev/stdout 2> err | cat > out; grep -q 'standard output' err"), 0);
+  EXPECT_EQ(read("out"), "");
+  // What says nothing there may write it by whatever name.
+  EXPECT_EQ(run("request -q voice:user1:6 -o /dev/stdout --transcript run.jsonl | cat > out"), 0);
+  EXPECT_EQ(read("out"), bda({"request", "-q", "voice:user1:6", "-o", "-"}).out);
+  EXPECT_EQ(run("receive -q all.syx --transcript /dev/null > /dev/null"), 0);
+}
+
 // Its bytes were for standard output, which is that file.
 TEST_F(Transcript, isNotWhereThePortGoes) {
   const std::string command =

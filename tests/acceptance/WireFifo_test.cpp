@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
+
 #include "Wire.h"
 
 using testing::AllOf;
@@ -103,6 +105,25 @@ TEST_F(WireFifo, isNoPlaceForAnyOtherOutput) {
     const Result refused = bda(run);
     EXPECT_THAT(refused, Exits(1)) << run[0];
     EXPECT_THAT(refused.err, HasSubstr("this is the port")) << run[0];
+  }
+}
+
+// By whatever name: lines would go onto the wire, or into the midst of its dumps.
+TEST_F(WireFifo, isNotStandardOutputWithLines) {
+  const std::pair<const char*, const char*> runs[] = {
+      {"job voice --to /dev/stdout 2> err | cat > out", "standard output: this is the port"},
+      {"send master.syx --to /dev/stdout 2> err | cat > out", "standard output: this is the port"},
+      {"job voice --to up 2> err <>up >&0", "standard output: this is the port"},
+      {"instrument --on down,up 2> err <>up >&0", "standard output: this is the port"},
+      {"job voice --to - --transcript /dev/stdout 2> err | cat > out", "--transcript /dev/stdout: this is the port"},
+      {"job voice --to - --transcript up 2> err <>up >&0", "--transcript up: this is the port"},
+  };
+  for (const auto& [words, why] : runs) {
+    write("out", "");
+    const std::string command = "cd '" + directory.string() + "' && BDA_LIBRARY=library.db " BDA_PROGRAM " ";
+    EXPECT_NE(std::system((command + words).c_str()), -1);
+    EXPECT_THAT(read("err"), HasSubstr(why)) << words;
+    EXPECT_EQ(read("out"), "") << words;
   }
 }
 
