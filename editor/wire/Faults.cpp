@@ -133,14 +133,8 @@ void Faults::send(const Fault& fault, std::vector<Pacer::Message>& messages, std
       message->delay += std::chrono::milliseconds(fault.amount);
       break;
     case Kind::stall:
-      if (message->bytes.size() > 1) {
-        Pacer::Message rest = *message;
-        const auto half = std::ptrdiff_t(1 + below(message->bytes.size() - 1));
-        message->bytes.resize(std::size_t(half));
-        rest.bytes.erase(rest.bytes.begin(), rest.bytes.begin() + half);
-        rest.delay = std::chrono::milliseconds(fault.amount);
-        messages.insert(message + 1, std::move(rest));
-      }
+      if (message->bytes.size() > 1)
+        message->stall = {1 + std::size_t(below(message->bytes.size() - 1)), std::chrono::milliseconds(fault.amount)};
       break;
     case Kind::slow:
       message->pace = Pace{fault.amount};

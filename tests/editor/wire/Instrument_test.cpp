@@ -77,6 +77,20 @@ TEST_F(InstrumentTest, StoppedItFinishesTheMessageThatHasBegunAndHandlesNoMore) 
   EXPECT_EQ(told.text, "1 at 0: answered\n");
 }
 
+TEST_F(InstrumentTest, StoppedItFinishesTheMessageThatStandsStill) {
+  const std::vector<Bytes> unit = unitOf(kMaster, BDA::List::master);
+  receive(editor, unit);
+  Instrument instrument(editor, {.faults = parseFaults("stall=1:1000")}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
+  instrument.receive(request(kMaster), 0s);
+  Bytes all = sentBy(instrument, 0s);
+  ASSERT_LT(all.size(), unit[0].size());
+  instrument.stop();
+  EXPECT_FALSE(instrument.isDone());
+  for (const std::uint8_t byte : sentBy(instrument, 1s)) all.push_back(byte);
+  EXPECT_EQ(all, unit[0]);
+  EXPECT_TRUE(instrument.isDone());
+}
+
 TEST_F(InstrumentTest, StoppedItWaitsOnlyForAWhileForSomebodyWhoTakesWhatHasBegun) {
   receive(editor, unitOf(kMaster, BDA::List::master));
   Instrument instrument(editor, {}, Pacer(Pace{1000}, {}, Pacer::Takes::bytes), told);
