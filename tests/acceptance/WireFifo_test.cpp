@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "Wire.h"
+#include "wire/BytePort.h"
 
 using testing::AllOf;
 using testing::HasSubstr;
@@ -52,6 +53,26 @@ TEST_F(WireFifo, whatIsSentIsKeptForWhoReadsItLater) {
   EXPECT_EQ(job.path, kWaiting);
   EXPECT_FALSE(readFifo("up").empty());
   EXPECT_EQ(job.wait(), 0);
+}
+
+// As a FIFO, but that it goes with the program.
+TEST_F(WireFifo, whoSendsToANewTerminalWaitsForSomebodyToo) {
+  for (const char* const words : {"send master.syx --to pty:", "send -q master.syx --to pty:"}) {
+    Serving sending = start(words);
+    constexpr std::string_view kSaid = "waiting for somebody to read from ";
+    ASSERT_EQ(sending.path.find(kSaid), 0u) << sending.path;
+    Editor::BytePort there(sending.path.substr(kSaid.size()), Editor::BytePort::Direction::both);
+    std::string heard;
+    while (heard.size() < read("master.syx").size()) {
+      const std::span<const std::uint8_t> bytes = there.wait(there.now() + std::chrono::seconds(10), false);
+      if (bytes.empty()) break;
+      heard.append(bytes.begin(), bytes.end());
+    }
+    EXPECT_EQ(heard, read("master.syx"));
+    EXPECT_EQ(sending.wait(), 0);
+  }
+  Serving job = start("job voice --to pty:");
+  EXPECT_EQ(job.stop(), 130);
 }
 
 TEST_F(WireFifo, ctrlCEndsTheWaitForWhoReads) {

@@ -75,7 +75,9 @@ TEST_F(WireSend, whoReadsObjectsIsToldWhatIsOverwrittenOnStandardError) {
   EXPECT_THAT(dry, Exits(0));
   EXPECT_EQ(dry.out, "");
   EXPECT_EQ(dry.err, "overwrites: master:4\noverwrites: master:5\n");
-  EXPECT_THAT(bda({"send", "two.syx", "--to", "pty:", "--json", "-q"}).err, StartsWith("overwrites: master:4\n"));
+  const Serving instrument = serve();
+  EXPECT_THAT(bda({"send", "two.syx", "--to", instrument.path, "--json", "-q"}).err,
+              StartsWith("overwrites: master:4\n"));
   write("wipe.syx", {dump({0x11, 0x01, 0x00})});
   EXPECT_THAT(bda({"send", "wipe.syx", "--to", "pty:", "--dry-run", "--json"}).err,
               HasSubstr("removes: all mixing voices\n"));

@@ -6,6 +6,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <thread>
+
+#include "messages/Messages.h"
+#include "wire/BytePort.h"
+
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -235,6 +240,25 @@ TEST_F(Wire, ctrlCKeepsWhatCameAndSaysWhatIsLost) {
   instrument.stop();
   bda({"request", "master:4", "--library", directory / "instrument.db", "-o", "asked.syx"});
   EXPECT_EQ(read("got.syx"), read("asked.syx"));
+}
+
+TEST_F(Wire, whatGoesOutLastIsReadBeforeItsTerminalGoes) {
+  fillInstrument();
+  Serving instrument(std::string(BDA_PROGRAM) + " instrument --on pty: --pace 20 --library '" +
+                     (directory / "instrument.db").string() + "' 2>/dev/null");
+  Editor::BytePort there(instrument.path, Editor::BytePort::Direction::both);
+  there.send(Editor::requestMessage({0x0E, 0x70, 0x03}));
+  Bytes heard;
+  const auto hear = [&] {
+    const std::span<const std::uint8_t> bytes = there.wait(there.now() + std::chrono::seconds(10), false);
+    heard.insert(heard.end(), bytes.begin(), bytes.end());
+  };
+  hear();
+  instrument.interrupt();
+  std::this_thread::sleep_for(std::chrono::seconds(1));  // which is longer than the message
+  EXPECT_THROW(while (heard.size() < 1000) hear(), Editor::PortError);
+  EXPECT_EQ(heard, dump({0x0E, 0x70, 0x03}));
+  EXPECT_EQ(instrument.wait(), 130);
 }
 
 TEST_F(Wire, aTriggerThatRemovesAllMixingVoicesIsNamedBefore) {
