@@ -34,6 +34,7 @@ void Instrument::pass(WireTime now) {
 
 std::span<const std::uint8_t> Instrument::toSend(WireTime now) {
   const std::span<const std::uint8_t> bytes = pacer_.take(now);
+  if (!bytes.empty()) observer_.goesOut(pacer_.answer());
   offeredSince_ = bytes.empty() ? std::nullopt : std::optional(offeredSince_.value_or(now));
   return bytes;
 }
@@ -78,8 +79,12 @@ void Instrument::handle(std::span<const std::uint8_t> message, std::uint64_t off
   observer_.handling(offset);
   const Record record = editor_.handle(reading, message, options_.port, ++number_);
   std::vector<Pacer::Message> answer;
-  for (const AssistantHost::Sent& sent : record.sent)
-    if (options_.echoes || !std::ranges::equal(sent.bytes, message)) answer.push_back({sent.bytes});
+  std::uint64_t sentSoFar = 0;
+  for (const AssistantHost::Sent& sent : record.sent) {
+    ++sentSoFar;
+    if (options_.echoes || !std::ranges::equal(sent.bytes, message))
+      answer.push_back({.bytes = sent.bytes, .answer = Pacer::Answer{number_, sentSoFar}});
+  }
   std::vector<Pacer::Message> leaving;
   if (!faults_.isDeaf()) leaving = faults_.send(std::move(answer));
   observer_.handled(number_, offset, message, record);

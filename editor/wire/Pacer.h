@@ -31,12 +31,19 @@ class Pacer {
     std::size_t at;  // before that byte
     WireTime time;
   };
+  // Which message one answers, and as the how many-th of its answers, from 1.
+  struct Answer {
+    std::uint64_t message = 0;
+    std::uint64_t number = 0;
+    friend bool operator==(const Answer&, const Answer&) = default;
+  };
   struct Message {
     std::vector<std::uint8_t> bytes;
     bool endsUnit = false;          // it is the footer of a unit
     WireTime delay{};               // before it begins, whatever else is waited for
     std::optional<Pace> pace = {};  // its own
     std::optional<Stall> stall = {};
+    std::optional<Answer> answer = {};
   };
 
   // Behind all others.
@@ -46,6 +53,8 @@ class Pacer {
 
   // The bytes that may go out now, of one message; none: before due() there are none. Valid until the next call.
   std::span<const std::uint8_t> take(WireTime now);
+  // What that message answers, if it does.
+  const std::optional<Answer>& answer() const { return messages_.front().answer; }
   // So many of them, from their first, have gone out.
   void sent(std::size_t count);
 

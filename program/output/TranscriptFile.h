@@ -27,6 +27,9 @@ class TranscriptFile {
   void comesFrom(const std::string* file, std::uint64_t offset) {
     if (transcript_) transcript_->comesFrom(file, offset);
   }
+  void goesOut(const std::optional<Pacer::Answer>& answer) {
+    if (transcript_) transcript_->goesOut(answer);
+  }
   // A message that is not handed on.
   void arrived(std::span<const std::uint8_t> message) {
     if (transcript_) transcript_->arrived(message);

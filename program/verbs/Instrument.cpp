@@ -102,6 +102,7 @@ class Serving final : public Instrument::Observer {
   void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
     report_->lose({port_, offset, count, describe(reason), kindOf(reason)});
   }
+  void goesOut(const std::optional<Pacer::Answer>& answer) override { transcript_->goesOut(answer); }
   void tooLong(std::uint64_t number, std::size_t length) override {
     program_.refuse();
     console_.problem(
