@@ -51,14 +51,16 @@ class Faults {
   std::vector<Pacer::Message> send(std::vector<Pacer::Message> answer);
   // What arrives of a message: bytes in which there may be none any more.
   std::vector<std::uint8_t> receive(std::span<const std::uint8_t> message);
-  // Of each message that has arrived, once: whether it is not answered, whether what it brings is not stored.
-  bool isDeaf() { return happensAfter(Fault::Kind::deaf, heard_); }
-  bool isFull() { return happensAfter(Fault::Kind::full, stores_); }
+  // Of each message that has arrived, once: whether it is not answered.
+  bool isDeaf() { return happensBehind(Fault::Kind::deaf, heard_++); }
+  // Of each that may bring something to store, once: whether there is no room for it; and that it was stored.
+  bool isFull() { return happensBehind(Fault::Kind::full, stores_); }
+  void hasStored() { ++stores_; }
 
  private:
   bool happens(double rate);
   std::uint64_t below(std::uint64_t count);
-  bool happensAfter(Fault::Kind kind, std::uint64_t& count);
+  bool happensBehind(Fault::Kind kind, std::uint64_t count);
   void send(const Fault& fault, std::vector<Pacer::Message>& messages, std::size_t at);
   void spoil(Fault::Kind kind, std::vector<std::uint8_t>& message);
   std::vector<std::uint8_t> somethingElse();

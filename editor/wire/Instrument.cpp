@@ -74,10 +74,12 @@ void Instrument::message(std::span<const std::uint8_t> bytes, std::uint64_t offs
 
 void Instrument::handle(std::span<const std::uint8_t> message, std::uint64_t offset) {
   const Reading reading = readMessage(message);
-  const bool isFull = stores(reading) && faults_.isFull();
+  const bool mayStore = stores(reading);
+  const bool isFull = mayStore && faults_.isFull();
   editor_.library().setRoom(isFull ? std::optional<std::size_t>(0) : std::nullopt);
   observer_.handling(offset);
   const Record record = editor_.handle(reading, message, options_.port, ++number_);
+  if (mayStore && record.outcome == Outcome::stored) faults_.hasStored();
   std::vector<Pacer::Message> answer;
   std::uint64_t sentSoFar = 0;
   for (const AssistantHost::Sent& sent : record.sent) {

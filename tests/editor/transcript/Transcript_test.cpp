@@ -39,11 +39,11 @@ class TranscriptTest : public testing::Test, private Instrument::Observer, priva
     return came - before;
   }
 
-  EmbeddedEditor editor;
   std::vector<Json> lines;
   Transcript transcript{{.verb = "instrument", .sent = Transcript::Sent::later, .hearsHanded = true},
                         [] { return 0s; },
                         [this](const std::string& line) { lines.push_back(Json::parse(line)); }};
+  EmbeddedEditor editor;
   std::optional<Instrument> instrument;
 
  private:

@@ -152,7 +152,11 @@ TEST(Faults, GiveAMessageAnotherDevice) {
 TEST(Faults, BeginBehindSoMany) {
   Faults all = faults("deaf=1:3,full=1:2");
   for (int i = 1; i <= 5; ++i) EXPECT_EQ(all.isDeaf(), i > 3);
-  for (int i = 1; i <= 5; ++i) EXPECT_EQ(all.isFull(), i > 2);
+  for (int i = 1; i <= 5; ++i) {
+    EXPECT_EQ(all.isFull(), i > 2);
+    EXPECT_EQ(all.isFull(), i > 2) << "what is not stored does not count";
+    all.hasStored();
+  }
 }
 
 }  // namespace

@@ -130,6 +130,18 @@ TEST_F(InstrumentTest, StoresNothingThatIsFull) {
   EXPECT_EQ(editor.library().contents().size(), 1u);
 }
 
+TEST_F(InstrumentTest, IsFullBehindSoManyThatWereStored) {
+  Instrument instrument(editor, {.faults = parseFaults("full=1:1")}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
+  Bytes broken = dump(footerOf(kMaster));
+  broken[broken.size() - 2] ^= 1U;
+  instrument.receive(broken, 0s);
+  instrument.receive(dump(footerOf(kMaster)), 0s);  // of nothing
+  EXPECT_EQ(told.text.find("stored"), std::string::npos) << told.text;
+  instrument.receive(joined(unitOf(kMaster, BDA::List::master)), 0s);
+  instrument.receive(joined(unitOf({0x0E, 0x70, 0x04}, BDA::List::master)), 0s);
+  EXPECT_EQ(editor.library().contents().size(), 1u);
+}
+
 TEST_F(InstrumentTest, TellsWhatThePortCannotCarryAndSendsTheRest) {
   const std::vector<Bytes> unit = unitOf(kMaster, BDA::List::master);
   receive(editor, unit);
