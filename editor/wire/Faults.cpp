@@ -95,6 +95,10 @@ std::vector<std::string> faultNames() {
   return names;
 }
 
+Faults::Faults(std::vector<Fault> faults, std::uint64_t seed) : faults_(std::move(faults)), random_(seed) {
+  std::ranges::sort(faults_, {}, [](const Fault& fault) { return std::pair(fault.kind, fault.isIncoming); });
+}
+
 bool Faults::happens(double rate) {
   constexpr double kUnit = 1.0 / double(1ULL << 53U);
   return double(random_() >> 11U) * kUnit < rate;

@@ -28,8 +28,8 @@ class Pacer {
 
   // Where a message stands still in its midst, and how long. Where messages are taken as a whole it comes so much later.
   struct Stall {
-    std::size_t at;  // before that byte
-    WireTime time;
+    std::size_t at = 0;  // before that byte
+    WireTime time{};
   };
   // Which message one answers, and as the how many-th of its answers, from 1.
   struct Answer {
