@@ -183,6 +183,23 @@ TEST_F(Wire, whatArrivesIsRecordedMessageByMessage) {
   EXPECT_FALSE(exists("c.syx"));
 }
 
+TEST_F(Wire, whatIsBrokenIsToldBesideObjects) {
+  Bytes half = dump({0x0E, 0x70, 0x03});
+  const Bytes footer = dump({0x0F, 0x70, 0x03});
+  half.insert(half.end(), footer.begin(), footer.end());
+  const Result recorded = bda({"record", "--from", "-", "-o", "half.syx", "--json", "-q"}, text(half));
+  EXPECT_THAT(recorded, Exits(3));
+  EXPECT_THAT(recorded.err, AllOf(HasSubstr("master:4: "), HasSubstr("missing")));
+  EXPECT_EQ(recorded.out, "");
+  Serving recording("env -C '" + directory.string() + "' " BDA_PROGRAM
+                    " record --from pty: -o again.syx --json --quiet-after 1 2>&1");
+  ASSERT_EQ(recording.path.find("from /dev/"), 0u) << recording.path;
+  Editor::BytePort there(recording.path.substr(5), Editor::BytePort::Direction::both);
+  EXPECT_EQ(there.send(half), half.size());
+  EXPECT_EQ(recording.wait(), 3);
+  EXPECT_THAT(recording.told, AllOf(HasSubstr("{\"message\":2,"), HasSubstr("master:4: ")));
+}
+
 TEST_F(Wire, aMessageThatHasNoEndWhenTheInputEndsIsBroken) {
   const Result cut = bda({"instrument", "--on", "-"}, text(dump({0x0E, 0x70, 0x03})) + "\xF0\x7D");
   EXPECT_THAT(cut, Exits(3));
