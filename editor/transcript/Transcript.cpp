@@ -52,6 +52,12 @@ void Transcript::arrived(std::span<const std::uint8_t> message) {
   flush();
 }
 
+void Transcript::keptBack(std::span<const std::uint8_t> message) {
+  lines_.push_back({lineOf("in", BDA::DevicePort_Main, message), {}});
+  lines_.back().json["passedOn"] = false;
+  flush();
+}
+
 void Transcript::left(std::span<const std::uint8_t> message) {
   Json line = lineOf("out", BDA::DevicePort_Main, message);
   const auto known = std::ranges::find_if(outgoing_, [&](const Outgoing& one) {

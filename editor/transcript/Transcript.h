@@ -63,6 +63,9 @@ class Transcript final : public EditorListener, public PortListener {
   void arrived(std::span<const std::uint8_t> message) override;
   void left(std::span<const std::uint8_t> message) override;
 
+  // Options::hearsHanded: what has arrived is not handed over, or not as it is.
+  void keptBack(std::span<const std::uint8_t> message);
+
   // What has arrived is handed on by now, or never will be.
   void settle();
   // Nothing more comes: writes what waits, and what the assistant would have sent.

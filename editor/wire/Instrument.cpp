@@ -53,6 +53,7 @@ void Instrument::stop() {
 void Instrument::message(std::span<const std::uint8_t> bytes, std::uint64_t offset) {
   const std::vector<std::uint8_t> left = faults_.receive(bytes);
   if (std::ranges::equal(left, bytes)) return handle(bytes, offset);
+  observer_.spoiled(bytes);
   class Rest final : public StreamJoiner::Receiver {
    public:
     explicit Rest(Instrument& instrument) : instrument_(instrument) {}

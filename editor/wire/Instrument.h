@@ -24,6 +24,8 @@ class Instrument final : public WireEnd, private StreamJoiner::Receiver {
     virtual void handled(std::uint64_t number, std::uint64_t offset, std::span<const std::uint8_t> message,
                          const Record& record) = 0;
     virtual void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) = 0;
+    // A message has arrived that a fault keeps from being handled as it is: what it has left, if anything, comes next.
+    virtual void spoiled(std::span<const std::uint8_t> /*message*/) {}
     // Bytes are to go out next, of that answer or of none. It may be another one by then: a fault has got it.
     virtual void goesOut(const std::optional<Pacer::Answer>& /*answer*/) {}
     // A message of its answer has so many bytes that the port cannot carry it: it does not go out.

@@ -34,6 +34,9 @@ class TranscriptFile {
   void arrived(std::span<const std::uint8_t> message) {
     if (transcript_) transcript_->arrived(message);
   }
+  void keptBack(std::span<const std::uint8_t> message) {
+    if (transcript_) transcript_->keptBack(message);
+  }
   void settle() {
     if (transcript_) transcript_->settle();
   }

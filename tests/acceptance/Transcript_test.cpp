@@ -383,6 +383,20 @@ TEST_F(Transcript, ofAnInstrumentWithFaultsIsDoneAgain) {
   EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
 }
 
+TEST_F(Transcript, ofAnInstrumentThatHearsWithFaultsIsDoneAgain) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--library", "instrument.db"}), Exits(0));
+  Serving instrument("env -C '" + directory.string() +
+                     "' " BDA_PROGRAM
+                     " instrument --on pty: --library instrument.db --transcript run.jsonl --with-library "
+                     "--faults in-drop=30%,in-flip=30%,in-cut=10% --seed 3 2>told");
+  bda({"fetch", "voice:user1:6", "master:4", "system", "--from", instrument.path, "--timeout", "0.1", "--pace", "none",
+       "-o", "some.syx"});
+  instrument.stop();
+  EXPECT_FALSE(linesWith("passedOn", false).empty());
+  EXPECT_THAT(read("told"), HasSubstr("lost or altered by a fault before it was handled\n"));
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+}
+
 TEST_F(Transcript, ofAnInstrumentSaysWhatHasNotGoneOut) {
   EXPECT_THAT(bda({"receive", "-q", "all.syx", "--library", "instrument.db"}), Exits(0));
   Serving instrument(std::string(BDA_PROGRAM) + " instrument --on pty: --pace 500 --library '" +

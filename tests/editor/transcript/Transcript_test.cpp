@@ -7,6 +7,7 @@
 #include <map>
 
 #include "editor/wire/WireFixture.h"
+#include "midi/Hex.h"
 
 namespace Editor {
 namespace {
@@ -51,6 +52,7 @@ class TranscriptTest : public testing::Test, private Instrument::Observer, priva
                const Record& /*record*/) override {}
   void dropped(std::uint64_t /*offset*/, std::uint64_t /*count*/, StreamJoiner::Reason /*reason*/) override {}
   void tooLong(std::uint64_t /*number*/, std::size_t /*length*/) override {}
+  void spoiled(std::span<const std::uint8_t> message) override { transcript.keptBack(message); }
   void goesOut(const std::optional<Pacer::Answer>& answer) override { transcript.goesOut(answer); }
 
   void message(std::span<const std::uint8_t> bytes, std::uint64_t /*offset*/) override {
@@ -78,6 +80,25 @@ TEST_F(TranscriptTest, WhatGoesOutIsOfTheMessageThatItAnswersAmongEqualOnes) {
         if (line.value("direction", "") == "out" && line.value("passedOn", true)) ++told[line.value("message", 0U)];
       EXPECT_EQ(told, expected) << faults << ", seed " << seed;
     }
+  }
+}
+
+TEST_F(TranscriptTest, WhatArrivesHasALineAlsoWhereAFaultGetsIt) {
+  const std::string asked = formatHex(request(kMaster));
+  for (const char* const faults : {"in-drop=1", "in-cut=1", "in-flip=1"}) {
+    lines.clear();
+    serve(faults, 4);
+    ask();
+    instrument.reset();
+    transcript.finish();
+    std::vector<Json> arrived;
+    for (const Json& line : lines)
+      if (line.value("direction", "") == "in") arrived.push_back(line);
+    ASSERT_FALSE(arrived.empty()) << faults;
+    EXPECT_EQ(arrived[0].at("bytes"), asked) << faults;
+    EXPECT_EQ(arrived[0].at("passedOn"), false) << faults;
+    EXPECT_FALSE(arrived[0].contains("outcome")) << faults;
+    for (std::size_t i = 1; i < arrived.size(); ++i) EXPECT_NE(arrived[i].at("bytes"), asked) << faults;
   }
 }
 
