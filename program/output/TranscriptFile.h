@@ -50,6 +50,7 @@ class TranscriptFile {
   Program& program_;
   const bool hasPort_;
   bool hasBegun_ = false;
+  std::string path_;     // where a link to it leads
   bool isNew_ = false;   // the file was not there before
   std::string waiting_;  // lines from before it began
   int file_ = -1;

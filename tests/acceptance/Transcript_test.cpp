@@ -249,6 +249,21 @@ TEST_F(Transcript, aRunThatCannotBeginLeavesTheFileAsItWas) {
   EXPECT_EQ(read("all.syx"), dump);
 }
 
+TEST_F(Transcript, aLinkThatLeadsNowhereStaysWhereARunCannotBegin) {
+  const std::filesystem::path link = directory / "link";
+  std::filesystem::create_symlink("run.jsonl", link);
+  for (const char* const verb : {"fetch", "record"}) {
+    std::vector<std::string> run{verb, "--from", "/nope", "--transcript", "link", "-o", "x.syx"};
+    if (verb == std::string("fetch")) run.insert(run.begin() + 1, "voice:edit");
+    EXPECT_THAT(bda(run), Exits(2));
+    EXPECT_TRUE(std::filesystem::is_symlink(link)) << verb;
+    EXPECT_FALSE(exists("run.jsonl")) << verb;
+  }
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--transcript", "link"}), Exits(0));
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
+  EXPECT_THAT(linesWith("verb", "receive"), Not(IsEmpty()));
+}
+
 TEST_F(Transcript, isNothingForStandardOutput) {
   EXPECT_THAT(bda({"receive", "all.syx", "--transcript", "-"}), Exits(1));
 }
