@@ -34,6 +34,13 @@ bool isThere(const std::string& path) {
   return ::stat(path.c_str(), &status) == 0;
 }
 
+bool areOne(const std::string& path, const std::string& other) {
+  struct stat first {};
+  struct stat second {};
+  return ::stat(path.c_str(), &first) == 0 && ::stat(other.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
+         first.st_ino == second.st_ino;
+}
+
 // Nobody has the other end of a pseudo terminal open.
 bool isLeft(int descriptor) {
   std::array<pollfd, 1> watched{{{descriptor, 0, 0}}};
@@ -113,7 +120,7 @@ BytePort::BytePort(const std::string& name, Direction direction, int wake, TellW
     if (hears) keep(in_ = STDIN_FILENO, false);
     if (speaks) keep(out_ = STDOUT_FILENO, false);
   } else if (paths.size() == 2) {
-    if (paths[0] == paths[1]) refuse(name, "a FIFO has one direction: two different ones are needed, IN,OUT");
+    if (areOne(paths[0], paths[1])) refuse(name, "a FIFO has one direction: two different ones are needed, IN,OUT");
     if (hears) in_ = openPath(paths[0], Direction::in);
     if (speaks) out_ = openPath(paths[1], Direction::out);
   } else {

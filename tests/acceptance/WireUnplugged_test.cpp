@@ -145,7 +145,7 @@ TEST_F(WireUnplugged, anInstrumentTellsTheMessageThatHasNoEnd) {
   Terminal there;
   Serving instrument(command("instrument --on " + there.name + " 2>&1"));
   EXPECT_EQ(instrument.path, "on " + there.name);
-  const Bytes asked = Editor::requestMessage({0x0E, 0x70, 0x00}, 0);
+  const Bytes asked = request({0x0E, 0x70, 0x00});
   there.send(text(asked) + "\xF0\x7D\x20");
   EXPECT_NE(there.receive(1), "") << "it has heard that";
   there.unplug();

@@ -283,7 +283,13 @@ TEST(BytePort, TwoFifosHereAreAName) {
 TEST(BytePort, OneFifoHasNotTwoDirections) {
   const Folder folder;
   const std::string fifo = folder.fifo("fifo");
-  for (const std::string& name : {fifo, fifo + "," + fifo})
+  const std::string link = folder.path / "link";
+  const std::string hard = folder.path / "hard";
+  std::filesystem::create_symlink(fifo, link);
+  std::filesystem::create_hard_link(fifo, hard);
+  const std::string other = folder.path / "." / "fifo";
+  for (const std::string& name :
+       {fifo, fifo + "," + fifo, fifo + "," + link, hard + "," + fifo, fifo + "," + other, other + "," + link})
     EXPECT_THAT(whyNot(name), HasSubstr("a FIFO has one direction")) << name;
 }
 
