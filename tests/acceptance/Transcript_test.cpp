@@ -75,6 +75,20 @@ TEST_F(Transcript, aReplayChangesNoLibrary) {
   EXPECT_FALSE(exists("library.db"));
 }
 
+TEST_F(Transcript, meetsTheLibraryThatTheCommandLineNamesWhereItHoldsNone) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--library", "full.db"}), Exits(0));
+  EXPECT_THAT(bda({"request", "-q", "master:4", "-o", "x.syx", "--library", "full.db", "--transcript", "run.jsonl"}),
+              Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(2)) << "one that nobody has named is none";
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--library", "full.db"}), Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--library", "library.db"}), Exits(3)) << "where nothing is stored";
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--library", "library.db", "--from-library", "full.db"}), Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--library", "missing.db"}), Exits(2));
+  EXPECT_THAT(bda({"help", "replay"}).out, HasSubstr("--library FILE"));
+  EXPECT_THAT(bda(transcribed({"request", "-q", "master:4", "-o", "x.syx", "--library", "full.db"})), Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--library", "library.db"}), Exits(0)) << "it holds its own";
+}
+
 TEST_F(Transcript, ofRequestIsDoneAgain) {
   EXPECT_THAT(bda({"receive", "-q", "all.syx"}), Exits(0));
   EXPECT_THAT(bda(transcribed({"request", "-q", "voice:user1:6", "system", "master:9", "-o", "out.syx"})), Exits(3));
