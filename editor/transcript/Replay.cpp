@@ -120,7 +120,8 @@ Replay::Json Replay::readHead(const std::string& line, std::string_view next) {
     const char* const wrong = "its first line is none of one";
     Json second;
     const bool isBehindOne = !parseJson(next, second) && (second.contains("direction") || second.contains("library"));
-    if (!isBehindOne && !line.starts_with(R"({"transcript":)")) throw TranscriptError(std::string("it is no transcript: ") + wrong);
+    if (!isBehindOne && !line.starts_with(R"({"transcript":)"))
+      throw TranscriptError(std::string("it is no transcript: ") + wrong);
     altered_ = Difference{1, std::string("this is a transcript, but ") + wrong + ": it was altered or removed"};
     json = Json::object();
     json["library"] = nullptr;

@@ -252,8 +252,8 @@ void BytePort::drain() {
   if (isLine_) ::tcdrain(out_);
 }
 
-// What nobody has read goes with the terminal. Whoever is there gets time for it, as long as some of it is taken now and
-// then. Who only sends waits for somebody who comes back, too, and has not sent what is left.
+// What nobody has read goes with the terminal. Whoever is there gets time for it, as long as some of it is taken now
+// and then. Who only sends waits for somebody who comes back, too, and has not sent what is left.
 void BytePort::drainTerminal() {
   constexpr WireTime kPatience = std::chrono::seconds(2);
   constexpr WireTime kBetween = std::chrono::milliseconds(5);

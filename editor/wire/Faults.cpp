@@ -107,9 +107,8 @@ bool Faults::happens(double rate) {
 std::uint64_t Faults::below(std::uint64_t count) { return random_() % count; }
 
 bool Faults::happensBehind(Kind kind, std::uint64_t count) {
-  return std::ranges::any_of(faults_, [&](const Fault& fault) {
-    return fault.kind == kind && count >= fault.amount && happens(fault.rate);
-  });
+  return std::ranges::any_of(
+      faults_, [&](const Fault& fault) { return fault.kind == kind && count >= fault.amount && happens(fault.rate); });
 }
 
 std::vector<Pacer::Message> Faults::send(std::vector<Pacer::Message> answer) {

@@ -44,7 +44,8 @@ std::vector<Fault> parseFaults(std::string_view text);
 // The names, each as it is written.
 std::vector<std::string> faultNames();
 
-// Has faults happen, each by its rate. The same seed does the same to the same messages, whatever their order in the list.
+// Has faults happen, each by its rate. The same seed does the same to the same messages, whatever their order in the
+// list.
 class Faults {
  public:
   explicit Faults(std::vector<Fault> faults = {}, std::uint64_t seed = 0);

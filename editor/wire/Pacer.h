@@ -26,7 +26,8 @@ class Pacer {
 
   Pacer(Pace pace, Pauses pauses, Takes takes) : pace_(pace), pauses_(pauses), takes_(takes) {}
 
-  // Where a message stands still in its midst, and how long. Where messages are taken as a whole it comes so much later.
+  // Where a message stands still in its midst, and how long. Where messages are taken as a whole it comes so much
+  // later.
   struct Stall {
     std::size_t at = 0;  // before that byte
     WireTime time{};

@@ -30,7 +30,7 @@ bool FilesInUse::identify(const std::string& path, int standardStream, File& fil
   const bool isStandard = path == "-";
   const bool exists = (isStandard ? ::fstat(standardStream, &status) : ::stat(path.c_str(), &status)) == 0;
   if (isStandard && !exists) return false;
-  file.kind = !exists || S_ISREG(status.st_mode)                  ? Kind::file
+  file.kind = !exists || S_ISREG(status.st_mode)                     ? Kind::file
               : S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode) ? Kind::pipe
                                                                      : Kind::device;
   if (exists && !isNowhere(status)) {

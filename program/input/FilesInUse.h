@@ -8,8 +8,9 @@
 
 namespace Editor {
 
-// The files of one run, so that none that is needed is overwritten. A file is the same one by whatever path or link, and
-// so is a pipe that is written; a device is none here, unless it is the port. "-" is standard input, or standard output.
+// The files of one run, so that none that is needed is overwritten. A file is the same one by whatever path or link,
+// and so is a pipe that is written; a device is none here, unless it is the port. "-" is standard input, or standard
+// output.
 class FilesInUse {
  public:
   // The file is kept or read: `what` says so in words, "this is the library".

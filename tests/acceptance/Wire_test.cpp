@@ -191,8 +191,8 @@ TEST_F(Wire, whatIsBrokenIsToldBesideObjects) {
   EXPECT_THAT(recorded, Exits(3));
   EXPECT_THAT(recorded.err, AllOf(HasSubstr("master:4: "), HasSubstr("missing")));
   EXPECT_EQ(recorded.out, "");
-  Serving recording("env -C '" + directory.string() + "' " BDA_PROGRAM
-                    " record --from pty: -o again.syx --json --quiet-after 1 2>&1");
+  Serving recording("env -C '" + directory.string() +
+                    "' " BDA_PROGRAM " record --from pty: -o again.syx --json --quiet-after 1 2>&1");
   ASSERT_EQ(recording.path.find("from /dev/"), 0u) << recording.path;
   Editor::BytePort there(recording.path.substr(5), Editor::BytePort::Direction::both);
   EXPECT_EQ(there.send(half), half.size());

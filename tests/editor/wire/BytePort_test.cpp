@@ -103,7 +103,8 @@ TEST(BytePort, OfAPseudoTerminalThatIsGoneItIsSaid) {
 TEST(BytePort, OnlyToWriteToAPseudoTerminalIsToWaitForWhoOpensIt) {
   std::promise<std::string> path;
   auto opening = std::async(std::launch::async, [&] {
-    return std::make_unique<BytePort>("pty:", Direction::out, -1, [&](const std::string& name) { path.set_value(name); });
+    return std::make_unique<BytePort>("pty:", Direction::out, -1,
+                                      [&](const std::string& name) { path.set_value(name); });
   });
   const std::string name = path.get_future().get();
   EXPECT_EQ(opening.wait_for(100ms), std::future_status::timeout);
