@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 constexpr BulkAddress kMaster{0x0E, 0x70, 0x03};
 
 // An instrument with faults, whose messages are written down.
-class TranscriptTest : public testing::Test, private Instrument::Observer, private StreamJoiner::Receiver {
+class TranscriptTest : public testing::Test, public Instrument::Observer, public StreamJoiner::Receiver {
  protected:
   TranscriptTest() {
     receive(editor, unitOf(kMaster, BDA::List::master));
