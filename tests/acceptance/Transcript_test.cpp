@@ -417,7 +417,8 @@ TEST_F(Transcript, ofAnInstrumentThatHearsWithFaultsIsDoneAgain) {
   Serving instrument("env -C '" + directory.string() +
                      "' " BDA_PROGRAM
                      " instrument --on pty: --library instrument.db --transcript run.jsonl --with-library "
-                     "--faults in-drop=30%,in-flip=30%,in-cut=10% --seed 3 2>told");
+                     "--faults in-drop=30%,in-flip=30%,in-cut=10% --seed 3 2>'" +
+                     (directory / "told").string() + "'");
   bda({"fetch", "voice:user1:6", "master:4", "system", "--from", instrument.path, "--timeout", "0.1", "--pace", "none",
        "-o", "some.syx"});
   instrument.stop();

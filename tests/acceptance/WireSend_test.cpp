@@ -163,8 +163,9 @@ TEST_F(WireSend, aDryRunTakesThePaceOfThePort) {
 }
 
 TEST_F(WireSend, noPauseIsWaitedOutBehindTheLastByte) {
+  const Serving instrument = serve();
   const auto begin = std::chrono::steady_clock::now();
-  const Result sent = bda({"send", "master.syx", "--to", "pty:", "--unit-pause", "60000"});
+  const Result sent = bda({"send", "master.syx", "--to", instrument.path, "--unit-pause", "60000"});
   EXPECT_THAT(sent, Exits(0));
   EXPECT_THAT(sent.err, HasSubstr(" bytes, 0.1 s\n"));
   EXPECT_LT(since(begin), 30s);
