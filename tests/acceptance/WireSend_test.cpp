@@ -75,7 +75,9 @@ TEST_F(WireSend, whoReadsObjectsIsToldWhatIsOverwrittenOnStandardError) {
   EXPECT_THAT(dry, Exits(0));
   EXPECT_EQ(dry.out, "");
   EXPECT_EQ(dry.err, "overwrites: master:4\noverwrites: master:5\n");
-  EXPECT_THAT(bda({"send", "two.syx", "--to", "pty:", "--json", "-q"}).err, StartsWith("overwrites: master:4\n"));
+  const Serving instrument = serve();
+  EXPECT_THAT(bda({"send", "two.syx", "--to", instrument.path, "--json", "-q"}).err,
+              StartsWith("overwrites: master:4\n"));
   write("wipe.syx", {dump({0x11, 0x01, 0x00})});
   EXPECT_THAT(bda({"send", "wipe.syx", "--to", "pty:", "--dry-run", "--json"}).err,
               HasSubstr("removes: all mixing voices\n"));
@@ -161,8 +163,9 @@ TEST_F(WireSend, aDryRunTakesThePaceOfThePort) {
 }
 
 TEST_F(WireSend, noPauseIsWaitedOutBehindTheLastByte) {
+  const Serving instrument = serve();
   const auto begin = std::chrono::steady_clock::now();
-  const Result sent = bda({"send", "master.syx", "--to", "pty:", "--unit-pause", "60000"});
+  const Result sent = bda({"send", "master.syx", "--to", instrument.path, "--unit-pause", "60000"});
   EXPECT_THAT(sent, Exits(0));
   EXPECT_THAT(sent.err, HasSubstr(" bytes, 0.1 s\n"));
   EXPECT_LT(since(begin), 30s);
