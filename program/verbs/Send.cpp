@@ -197,14 +197,16 @@ class Sending {
     if (const std::optional<Send::Unfinished> begun = end.unfinished())
       console_.problem(fmt::format("begun and not finished: {}{}{}", plan.places[begun->unit],
                                    begun->missing.empty() ? "" : ", missing ", describeBlocks(begun->missing)));
-    for (const std::size_t unit : end.unwritten())
+    const std::vector<std::size_t> unwritten = end.unwritten();
+    for (const std::size_t unit : unwritten)
       console_.problem(fmt::format("sent and not stored: {}: its write trigger has not gone out", plan.places[unit]));
     std::string words;
     const auto count = [&](std::uint64_t number, const std::string& word) {
       if (number > 0) words += fmt::format("{}{} {}", words.empty() ? "" : ", ", number, word);
     };
     for (const auto& [state, number] : counts_) count(number, wordOf(state));
-    count(plan.units.size() - told_, "not sent");
+    count(unwritten.size(), "sent and not stored");
+    count(plan.units.size() - told_ - unwritten.size(), "not sent");
     console_.note(words);
   }
 
