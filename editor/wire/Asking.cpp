@@ -18,6 +18,7 @@ std::span<const std::uint8_t> upToADecision(std::span<const std::uint8_t> bytes)
 
 void Asking::ask(BulkAddress address, WireTime now, unsigned waited) {
   constexpr unsigned kBesideRetries = 2;  // the first try, and whether anybody is there
+  if (std::ranges::find(askedBefore_, asked_) == askedBefore_.end()) askedBefore_.push_back(asked_);
   asked_ = address;
   waits_ = terms_.retries + kBesideRetries - waited;
   result_ = {};
@@ -66,9 +67,24 @@ void Asking::message(std::span<const std::uint8_t> bytes, std::uint64_t /*offset
   if (isOfOther || (reading.kind == Reading::Kind::foreign && isOfThisMaker(bytes))) result_.isOtherHeard = true;
   const bool isOurs = reading.device.value_or(terms_.device + 1U) == terms_.device + 1U;
   if (reading.kind == Reading::Kind::invalid && isOurs) return hearCut();
-  if (answer_->next(reading, bytes)) isHeard_ = true;
+  const bool isOfAnswer = answer_->next(reading, bytes);
   // The answer may come while it is asked whether anybody is there.
-  if (late_ && late_->next(reading, bytes)) isHeard_ = result_.isAnythingHeard = true;
+  const bool isLate = late_ && late_->next(reading, bytes);
+  if (isLate) result_.isAnythingHeard = true;
+  if (isOfAnswer || isLate)
+    isHeard_ = true;
+  else if (reading.kind == Reading::Kind::dump && !isOfOther)
+    hearOther(reading);
+}
+
+// The instrument may have understood another question: nobody says that it is silent. But the first try hears what
+// still comes of an earlier answer, and where it is asked again the next one tells.
+void Asking::hearOther(const Reading& reading) {
+  const bool begins = reading.role != Role::part && reading.role != Role::footer && reading.role != Role::emptyFooter;
+  const bool isEarlier = !begins || std::ranges::find(askedBefore_, *reading.address) != askedBefore_.end();
+  if (isEarlier && result_.tries == 1 && terms_.retries > 0) return;
+  result_.isAnythingHeard = result_.isSomebodyThere = true;
+  if (begins) result_.other = reading.address;
 }
 
 void Asking::dropped(std::uint64_t /*offset*/, std::uint64_t /*count*/, StreamJoiner::Reason reason) {
@@ -133,7 +149,7 @@ void Asking::decide() {
 
 std::string Asking::whyUnanswered(const Result& result) const {
   if (result.isAnythingHeard && result.isBroken) return "broken";
-  if (result.isAnythingHeard) return findBlock(asked_)->role == Role::header ? "incomplete" : "silent";
+  if (result.isAnythingHeard) return "incomplete";
   if (result.isSomebodyThere && !result.isOtherHeard) return "silent";
   if (overheard_.otherDevice) return fmt::format("other device {}", *overheard_.otherDevice);
   if (overheard_.isOtherModelHeard) return "other model";

@@ -49,10 +49,11 @@ class Asking final : private StreamJoiner::Receiver {
   struct Result {
     Answer::State state = Answer::State::none;  // of the last try: none or spoilt also where more had begun
     unsigned tries = 0;                         // requests that went out
-    bool isAnythingHeard = false;               // some of an answer, in any try
+    bool isAnythingHeard = false;               // some of an answer, or of one to another question, in any try
     bool isBroken = false;                      // dumps came that were broken, in any try
     bool isSomebodyThere = true;                // false: nothing came, also of what every instrument has
     bool isOtherHeard = false;                  // a dump of another device came, or a message of another model
+    std::optional<BulkAddress> other;           // what an answer to another question was of, the last one
     std::vector<BulkAddress> missing;
     std::vector<std::vector<std::uint8_t>> messages;  // whole and empty: the answer
 
@@ -96,6 +97,7 @@ class Asking final : private StreamJoiner::Receiver {
   void message(std::span<const std::uint8_t> bytes, std::uint64_t offset) override;
   void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override;
   void hearCut();
+  void hearOther(const Reading& reading);
   void request(BulkAddress address, WireTime now);
   void endTry(WireTime now);
   void take(Answer& answer);
@@ -108,6 +110,7 @@ class Asking final : private StreamJoiner::Receiver {
   Overheard overheard_;  // since the beginning, of all questions
 
   BulkAddress asked_{};
+  std::vector<BulkAddress> askedBefore_;
   unsigned waits_ = 0;               // timeouts that may still pass without a byte
   bool asksForAnybody_ = false;      // after the last try
   std::optional<Answer> answer_;     // of this try

@@ -84,6 +84,7 @@ void Fetch::tell(Fetched::State state, Asking::Result result) {
   if (state == Fetched::State::lost) {
     fetched.reason = asking_.whyUnanswered(result);
     fetched.missing = std::move(result.missing);
+    fetched.other = result.other;
   }
   fetched.messages = std::move(result.messages);
   if (fetched.isEmptyBySilence ||

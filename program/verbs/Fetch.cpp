@@ -226,6 +226,8 @@ class Fetching {
         line += ": two answers in one, which differ";
       else if (fetched.reason == "incomplete" || fetched.reason == "broken")
         line += fmt::format(", missing {}", describeBlocks(fetched.missing));
+      if (fetched.reason == "incomplete" && fetched.other)
+        line += fmt::format("; {} came", nameOrBytes(*fetched.other));
     }
     if (fetched.tries != 1) line += fmt::format(" ({})", counted(fetched.tries, "try", "tries"));
     if (state == State::lost && fetched.tries == 0) return unasked_.tell("not asked for", line);

@@ -169,7 +169,40 @@ TEST_F(FetchTest, TakesNoAnswerToAnotherAddress) {
     if (asked != kVoice) answer = {blockDump(asked)};
     return answer;
   });
-  EXPECT_EQ(fetchOne(instrument, kVoice).state, Fetched::State::empty);
+  const Fetched fetched = fetchOne(instrument, kVoice);
+  EXPECT_EQ(fetched.state, Fetched::State::lost) << "that is no silence";
+  EXPECT_EQ(fetched.reason, "incomplete");
+  EXPECT_EQ(fetched.other, other);
+  EXPECT_EQ(fetched.tries, 3u);
+  EXPECT_TRUE(fetched.messages.empty());
+}
+
+// It is one off, to either side: each answer is one to a question of before, or of behind.
+TEST_F(FetchTest, CallsNoPlaceEmptyWhereAnotherIsAnswered) {
+  for (const int step : {-1, 1})
+    for (const unsigned retries : {0U, 2U}) {
+      Scripted instrument([&](BulkAddress asked, unsigned) {
+        if (asked == kSystemCommon) return std::vector<Bytes>{blockDump(asked)};
+        asked.lo = std::uint8_t(asked.lo + step);
+        return unitOf(asked, BDA::List::normalVoice);
+      });
+      for (const Fetched& fetched :
+           fetch(instrument, {kVoice, {0x0E, 0x0A, 0x06}, {0x0E, 0x0A, 0x07}}, {.timeout = 2s, .retries = retries})) {
+        EXPECT_EQ(fetched.state, Fetched::State::lost) << step << " " << retries << " " << fetched.unit;
+        EXPECT_EQ(fetched.reason, "incomplete");
+      }
+    }
+  Scripted dumb([&](BulkAddress, unsigned) { return std::vector<Bytes>{blockDump({0x00, 0x20, 0x00})}; });
+  EXPECT_EQ(fetchOne(dumb, kFileDump).reason, "incomplete");
+}
+
+// What still comes of an earlier answer is no other one: the next try is without it.
+TEST_F(FetchTest, TakesTheRestOfAnEarlierAnswerForNoOther) {
+  Scripted instrument([](BulkAddress asked, unsigned time) {
+    if (asked == kSystemCommon) return std::vector<Bytes>{blockDump(asked)};
+    return time <= 2 ? voice() : std::vector<Bytes>();  // and once more
+  });
+  EXPECT_EQ(fetch(instrument, {kVoice, kMaster})[1].state, Fetched::State::empty);
 }
 
 TEST_F(FetchTest, NeverPutsTwoAnswersTogether) {
