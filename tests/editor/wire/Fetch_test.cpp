@@ -127,6 +127,22 @@ TEST_F(FetchTest, TellsWhichBlocksNeverCame) {
   EXPECT_TRUE(fetched.messages.empty());
 }
 
+TEST_F(FetchTest, TellsThatHeaderOrFooterNeverCame) {
+  const auto missingWithout = [&](std::size_t first, std::size_t behind) {
+    Scripted instrument([&](BulkAddress, unsigned) {
+      const std::vector<Bytes> answer = voice();
+      return std::vector<Bytes>(answer.begin() + std::ptrdiff_t(first), answer.end() - std::ptrdiff_t(behind));
+    });
+    const Fetched fetched = fetchOne(instrument, kVoice, {.retries = 0});
+    EXPECT_EQ(fetched.reason, "incomplete");
+    return fetched.missing;
+  };
+  EXPECT_EQ(missingWithout(0, 1), std::vector{footerOf(kVoice)});
+  EXPECT_EQ(missingWithout(0, 2), (std::vector{blocksOf(BDA::List::normalVoice).back(), footerOf(kVoice)}));
+  EXPECT_EQ(missingWithout(1, 0).front(), kVoice);
+  EXPECT_EQ(missingWithout(1, 0).size(), voice().size()) << "blocks without a header are of no unit";
+}
+
 // What was told of it cannot be taken back, but that something came can be said.
 TEST_F(FetchTest, KnowsWhatCameWhenItWasWaitedForNoLonger) {
   const BulkAddress other{0x0E, 0x0A, 0x06};
