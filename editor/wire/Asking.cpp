@@ -16,7 +16,7 @@ std::span<const std::uint8_t> upToADecision(std::span<const std::uint8_t> bytes)
   return bytes.first(std::size_t(status - bytes.begin()) + (status != bytes.end() && *status == kEnd ? 1 : 0));
 }
 
-void Asking::ask(BulkAddress address, WireTime now, unsigned waited) {
+void Asking::ask(BulkAddress address, WireTime now, unsigned waited, WireTime pause) {
   constexpr unsigned kBesideRetries = 2;  // the first try, and whether anybody is there
   if (std::ranges::find(askedBefore_, asked_) == askedBefore_.end()) askedBefore_.push_back(asked_);
   asked_ = address;
@@ -26,14 +26,14 @@ void Asking::ask(BulkAddress address, WireTime now, unsigned waited) {
   asksForAnybody_ = false;
   late_.reset();
   ++result_.tries;
-  request(address, now);
+  request(address, now, pause);
 }
 
-void Asking::request(BulkAddress address, WireTime now) {
+void Asking::request(BulkAddress address, WireTime now, WireTime pause) {
   answer_.emplace(address, terms_.device);
   heardAt_.reset();
   bytes_ = 0;
-  pacer_.push({requestMessage(address, terms_.device)}, now);
+  pacer_.push({requestMessage(address, terms_.device), false, pause}, now);
 }
 
 void Asking::receive(std::span<const std::uint8_t> bytes, WireTime now) {
@@ -138,6 +138,7 @@ void Asking::take(Answer& answer) {
 
 Asking::Result Asking::giveUp() {
   if (!asksForAnybody_) result_.missing = answer_->missing();
+  if (!asksForAnybody_ && pacer_.due()) --result_.tries;  // its request has not gone out
   answer_.reset();
   return std::move(result_);
 }

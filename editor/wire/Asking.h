@@ -68,8 +68,8 @@ class Asking final : private StreamJoiner::Receiver {
       : pacer_(pacer), terms_(terms), listener_(std::move(listener)), joiner_(*this, kLongestMessage) {}
 
   // Begins. The last question is decided. `waited`: so many timeouts have passed without a byte already, for which it
-  // waits the less.
-  void ask(BulkAddress address, WireTime now, unsigned waited = 0);
+  // waits the less. `pause`: how long it waits before.
+  void ask(BulkAddress address, WireTime now, unsigned waited = 0, WireTime pause = {});
   // Bytes that go no further than upToADecision().
   void receive(std::span<const std::uint8_t> bytes, WireTime now);
   // Bytes have arrived that are lost: they may have been of the answer.
@@ -98,7 +98,7 @@ class Asking final : private StreamJoiner::Receiver {
   void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override;
   void hearCut();
   void hearOther(const Reading& reading);
-  void request(BulkAddress address, WireTime now);
+  void request(BulkAddress address, WireTime now, WireTime pause = {});
   void endTry(WireTime now);
   void take(Answer& answer);
   void decide();

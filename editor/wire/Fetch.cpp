@@ -33,8 +33,9 @@ void Fetch::hear(std::span<const std::uint8_t> message) {
   unanswered_.erase(unanswered);
 }
 
+// The instrument is given time behind each unit: to work off what it was asked for last.
 void Fetch::begin(WireTime now) {
-  if (!isDone()) asking_.ask(units_[unit_], now);
+  if (!isDone()) asking_.ask(units_[unit_], now, 0, unit_ > 0 ? pacer_.pauses().behindUnits : WireTime());
 }
 
 void Fetch::receive(std::span<const std::uint8_t> bytes, WireTime now) {

@@ -33,6 +33,8 @@ class Pacer {
     std::optional<Pace> pace = {};  // its own
   };
 
+  const Pauses& pauses() const { return pauses_; }
+
   // Behind all others.
   void push(Message message, WireTime now);
   // Those that have not begun to go out.

@@ -143,6 +143,33 @@ TEST_F(FetchTest, TellsThatHeaderOrFooterNeverCame) {
   EXPECT_EQ(missingWithout(1, 0).size(), voice().size()) << "blocks without a header are of no unit";
 }
 
+TEST_F(FetchTest, PausesBehindEachUnit) {
+  Scripted instrument([](BulkAddress asked, unsigned time) {
+    return std::vector<Bytes>(time == 1 || time > 2 ? 1 : 0, blockDump(asked));
+  });
+  unsigned told = 0;
+  Fetch end({kSystemCommon, kSystemCommon, kSystemCommon}, {}, Pacer(kCablePace, {0s, 10s}, Pacer::Takes::bytes),
+            [&](const Fetched& fetched) {
+              EXPECT_EQ(fetched.state, Fetched::State::whole);
+              ++told;
+            });
+  LoopPort port(instrument);
+  run(end, port, never);
+  EXPECT_EQ(told, 3u);
+  EXPECT_GE(port.now(), 22s) << "two pauses, and a try of two seconds without one behind it";
+  EXPECT_LT(port.now(), 23s);
+}
+
+TEST_F(FetchTest, WhatHasNotGoneOutIsNoTry) {
+  std::vector<Fetched> all;
+  Fetch end({kSystemCommon}, {}, Pacer(kCablePace, {}, Pacer::Takes::bytes),
+            [&](Fetched fetched) { all.push_back(std::move(fetched)); });
+  end.pass({});
+  end.stop();
+  ASSERT_EQ(all.size(), 1u);
+  EXPECT_EQ(all[0].tries, 0u);
+}
+
 // What was told of it cannot be taken back, but that something came can be said.
 TEST_F(FetchTest, KnowsWhatCameWhenItWasWaitedForNoLonger) {
   const BulkAddress other{0x0E, 0x0A, 0x06};
