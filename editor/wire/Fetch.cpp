@@ -16,6 +16,14 @@ bool isSilentWhenEmpty(BulkAddress address) {
 
 }  // namespace
 
+void loseAsLate(Fetched& fetched) {
+  if (fetched.state == Fetched::State::lost) return;
+  fetched.state = Fetched::State::lost;
+  fetched.isEmptyBySilence = false;
+  fetched.missing = Answer(fetched.address, 0).missing();
+  fetched.reason = "silent";
+}
+
 Fetch::Fetch(std::vector<BulkAddress> units, const AskingTerms& terms, Pacer pacer, Receiver receiver)
     : units_(std::move(units)),
       receiver_(std::move(receiver)),

@@ -30,6 +30,9 @@ struct Fetched {
   std::vector<std::vector<std::uint8_t>> messages;  // whole and empty: the answer
 };
 
+// Something of it came too late, as is known by now: nobody says any longer that it is empty.
+void loseAsLate(Fetched& fetched);
+
 // Asks an instrument for units, one after the other. What comes of one when it is told already comes too late for it.
 //
 // An instrument answers a request for a file dump or a mixing voice also where nothing is stored, and a request for

@@ -107,13 +107,13 @@ class Fetching {
     }
     progress.end();
     unasked_.finish();
-    tellLate(fetch);
-    tellDropped(*port, console_);
     try {
-      if (options_.atomic) settleTogether(!failure && fetch.late().empty());
+      if (options_.atomic) settleTogether(fetch.late(), !failure);
     } catch (const LibraryError& error) {
       failure = Failure(kWrongUsage, escape(error.what()));
     }
+    tellLate(fetch);
+    tellDropped(*port, console_);
     finish(device);
     if (failure) throw *std::move(failure);
   }
@@ -157,7 +157,8 @@ class Fetching {
   }
 
   // All of them or none; `isWhole`: all were asked for.
-  void settleTogether(bool isWhole) {
+  void settleTogether(const std::vector<std::size_t>& late, bool isWhole) {
+    for (const std::size_t unit : late) loseAsLate(waiting_[unit]);
     if (isWhole && std::ranges::none_of(waiting_, [](const Fetched& one) { return one.state == Fetched::State::lost; }))
       return store(waiting_);
     for (Fetched& one : waiting_) isTaken(one) ? lose(one, "not stored", "others are lost") : settle(one);
