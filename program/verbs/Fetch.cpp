@@ -17,6 +17,7 @@
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "models/ModelJson.h"
+#include "output/ChangeLines.h"
 #include "output/Complaints.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
@@ -179,13 +180,18 @@ class Fetching {
     const bool isStored = result.state == Intake::Result::State::stored;
     const char* const reason = result.state == Intake::Result::State::refused ? "refused" : "not stored";
     if (isStored && !messages.empty() && !options_.dryRun) program_.noteChange();
+    std::size_t taken = 0;
     for (Fetched& unit : units) {
-      if (!isTaken(unit))
+      if (!isTaken(unit)) {
         settle(unit);
-      else if (isStored)
-        tell(unit, stateOf(unit, State::stored), "", replacedBy(unit, result));
+        continue;
+      }
+      const std::size_t which = taken++;
+      if (isStored)
+        tell(unit, stateOf(unit, State::stored), "", result.changes[which]);
       else
-        lose(unit, reason, result.why);
+        which == result.unit ? lose(unit, reason, result.why)
+                             : lose(unit, "not stored", fmt::format("another one is {}", reason));
     }
   }
 
@@ -194,28 +200,25 @@ class Fetching {
     tell(unit, State::lost, why);
   }
 
-  // The name of what stood there; nothing: the place was empty, or nobody knows.
-  static std::optional<std::string> replacedBy(const Fetched& unit, const Intake::Result& result) {
-    const std::string place = placeNameOf(unit.address);
-    const auto change =
-        std::ranges::find_if(result.changes, [&](const Change& one) { return nameOf(one.place) == place; });
-    if (change == result.changes.end() || !change->before) return std::nullopt;
-    return change->before->name;
-  }
-
-  void tell(const Fetched& fetched, State state, const std::string& why = "",
-            const std::optional<std::string>& replaced = {}) {
+  void tell(const Fetched& fetched, State state, const std::string& why = "", std::span<const Change> changes = {}) {
     ++counts_[state];
     if (state == State::lost) {
       lost_.push_back(fetched.address);
       program_.refuse();
     }
-    const char* const word = wordOf(state);
     const std::string name = nameOrBytes(fetched.address);
+    const std::string place = placeNameOf(fetched.address);
+    std::optional<std::string> replaced;  // by its name; nothing: the place was empty, or nobody knows
+    std::vector<PlaceChange> with;        // the multi of a part, the parts of a multi
+    for (const Change& change : changes)
+      if (nameOf(change.place) != place && change.place.kind == Place::Kind::live)
+        with.push_back(toPlaceChange(change));
+      else if (nameOf(change.place) == place && change.before && !replaced)
+        replaced = change.before->name;
     const bool isRemoved = state == State::empty && replaced;
-    if (options_.json) return console_.line(jsonLine(toJson(fetched, state, isRemoved)));
-    const bool isRehearsed = options_.dryRun && (state == State::stored || isRemoved);
-    std::string line = fmt::format("{}{}: {}", isRehearsed ? "would be " : "", isRemoved ? "removed" : word, name);
+    if (options_.json) return console_.line(jsonLine(toJson(fetched, state, isRemoved, with)));
+    const char* const would = options_.dryRun && (state == State::stored || isRemoved) ? "would be " : "";
+    std::string line = fmt::format("{}{}: {}", would, isRemoved ? "removed" : wordOf(state), name);
     if (replaced && !replaced->empty())
       line += fmt::format(", {} \"{}\"", isRemoved ? "it was" : "replaces", showName(*replaced));
     if (replaced && replaced->empty() && !isRemoved) line += ", replaces what was there";
@@ -233,6 +236,8 @@ class Fetching {
     if (fetched.tries != 1) line += fmt::format(" ({})", counted(fetched.tries, "try", "tries"));
     if (state == State::lost && fetched.tries == 0) return unasked_.tell("not asked for", line);
     state == State::lost ? console_.problem(line) : console_.line(line);
+    for (const PlaceChange& change : with)
+      console_.line(fmt::format("{}stored with it: {}{}", would, change.place, detailOf(change)));
   }
 
   // Of what was told empty by silence nothing else tells that it is lost.

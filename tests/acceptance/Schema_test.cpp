@@ -35,7 +35,7 @@ const std::map<std::string, std::set<std::string>> kOptional{
     {"receive", {"name", "contents", "changes", "missing", "damaged"}},
     {"instrument", {"name", "contents", "changes", "missing", "damaged"}},
     {"record", {"verdict"}},
-    {"fetch", {"removed"}},
+    {"fetch", {"removed", "with"}},
     {"trace", {"name", "contents", "changes", "missing", "damaged"}},
     {"copy", {"damaged"}},
     {"favourite", {"damaged"}},

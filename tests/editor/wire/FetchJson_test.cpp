@@ -32,5 +32,12 @@ TEST(FetchJson, aPlaceThatIsEmptyThereMayBeRemovedHere) {
   EXPECT_STREQ(wordOf(FetchedAs::kept), "kept");
 }
 
+TEST(FetchJson, whatIsStoredWithItAreChanges) {
+  const std::vector<PlaceChange> with{{"multi:edit", What::stored, "Old", "New"}};
+  EXPECT_EQ(jsonLine(toJson(voice(), FetchedAs::stored, false, with)),
+            R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"stored","tries":2,"missing":[],"reason":"",)"
+            R"("with":[{"content":"multi:edit","what":"stored","before":"Old","after":"New"}]})");
+}
+
 }  // namespace
 }  // namespace Editor

@@ -1,0 +1,34 @@
+// What fetch tells beside its units: what they change along, which of them is refused, what a file of them removes.
+
+#include "Wire.h"
+#include "messages/Messages.h"
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+TEST_F(Wire, whatChangesAlongWithAUnitIsTold) {
+  fillInstrument();
+  const Serving instrument = serve();
+  EXPECT_THAT(fetch(instrument, {"voice:part:1", "--dry-run"}).out,
+              AllOf(HasSubstr("would be stored: voice:part:1\n"), HasSubstr("would be stored with it: multi:edit")));
+  const Json object = Json::parse(fetch(instrument, {"voice:part:1", "--json"}).out);
+  std::vector<std::string> with;
+  for (const Json& one : object["with"]) with.push_back(one["content"]);
+  EXPECT_THAT(with, AllOf(testing::Contains("multi:edit"), Not(testing::Contains("voice:part:1"))));
+  EXPECT_FALSE(Json::parse(fetch(instrument, {"master:4", "--json"}).out).contains("with"));
+}
+
+TEST_F(Wire, ofAllThatIsRefusedTogetherTheCulpritIsNamed) {
+  write("mix.syx", {unit({0x0E, 0x31, 0x00}, BDA::List::normalVoice)});
+  fillInstrument();
+  bda({"receive", "-q", "mix.syx", "--library", directory / "instrument.db"});
+  bda({"settings", "mixing-voices", "0"});
+  const Serving instrument = serve();
+  const Result refused = fetch(instrument, {"master:4", "voice:mix:1", "multi:edit", "--atomic"});
+  EXPECT_THAT(refused, Exits(3));
+  EXPECT_THAT(refused.err, AllOf(HasSubstr("lost: master:4: not stored: another one is "),
+                                 HasSubstr("lost: multi:edit: not stored: another one is "),
+                                 HasSubstr("lost: voice:mix:1: "), Not(HasSubstr("voice:mix:1: not stored: another"))));
+  EXPECT_EQ(library().contents().size(), 0u);
+}
