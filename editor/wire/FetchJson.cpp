@@ -21,6 +21,7 @@ nlohmann::ordered_json toJson(const Fetched& fetched, FetchedAs as, bool isRemov
                               {"tries", fetched.tries},
                               {"missing", toJson(fetched.missing)},
                               {"reason", fetched.reason}};
+  if (fetched.isEmptyBySilence) json["silent"] = true;
   if (isRemoved) json["removed"] = true;
   for (const PlaceChange& change : with) json["with"].push_back(toJson(change));
   return json;

@@ -37,7 +37,7 @@ TEST_F(Wire, aUnitThatReplacesAnotherSaysWhichAndIsOneObject) {
   EXPECT_EQ(
       objectsOf(fetch(instrument, {"voice:user1:6..7", "file:voice:user1:8", "--json"}).out),
       objectsOf(R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"stored","tries":1,"missing":[],"reason":""}
-{"unit":"voice:user1:7","address":"0E 0A 06","state":"empty","tries":3,"missing":[],"reason":""}
+{"unit":"voice:user1:7","address":"0E 0A 06","state":"empty","tries":3,"missing":[],"reason":"","silent":true}
 {"unit":"file:voice:user1:8","address":"0C 0A 07","state":"empty","tries":1,"missing":[],"reason":""})"));
   EXPECT_THAT(fetch(instrument, {"voice:user1:7"}), Exits(3)) << "asked for by its name, it may be lost";
   EXPECT_THAT(fetch(instrument, {"file:voice:user1:8"}), Exits(0));
