@@ -67,7 +67,7 @@ class Fetching {
         unasked_(console_) {
     if (isKeptInFile_) file_.emplace(options.output);
     if (!options.requests.empty()) requests_.emplace(options.requests);
-    if (options.from == "-" || options.output == "-") console_.keepOutputForBytes();
+    if (options.from == "-" || options.output == "-" || options.requests == "-") console_.keepOutputForBytes();
     console_.flushEachLine();
   }
 
@@ -305,6 +305,8 @@ class Fetching {
 void fetch(const Words& words, const FetchOptions& options, Program& program) {
   if (options.from == "-" && options.output == "-")
     throw Failure(kWrongUsage, "requests and answers cannot both go to standard output");
+  if (options.requests == "-" && (options.from == "-" || options.output == "-"))
+    throw Failure(kWrongUsage, "requests of what is lost go to standard output alone");
   Fetching(words, options, program).run();
 }
 

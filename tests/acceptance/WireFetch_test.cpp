@@ -32,3 +32,16 @@ TEST_F(Wire, ofAllThatIsRefusedTogetherTheCulpritIsNamed) {
                                  HasSubstr("lost: voice:mix:1: "), Not(HasSubstr("voice:mix:1: not stored: another"))));
   EXPECT_EQ(library().contents().size(), 0u);
 }
+
+TEST_F(Wire, requestsOnStandardOutputStandThereAlone) {
+  EXPECT_THAT(bda({"fetch", "master:1", "--from", "pty:", "-o", "-", "--requests", "-"}), Exits(1));
+  EXPECT_THAT(bda({"fetch", "master:1", "--from", "-", "--requests", "-"}), Exits(1));
+  const std::vector<std::uint8_t> request = Editor::requestMessage({0x0E, 0x70, 0x00});
+  const Serving deaf = serve("--faults deaf=1");
+  for (const std::string& how : {"--json", "--atomic"}) {
+    const Result lost = fetch(deaf, {"master:1", "--requests", "-", "--retries", "0", how});
+    EXPECT_THAT(lost, Exits(3));
+    EXPECT_EQ(lost.out, std::string(request.begin(), request.end())) << how;
+    EXPECT_THAT(lost.err, HasSubstr("silent"));
+  }
+}
