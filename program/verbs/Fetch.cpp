@@ -150,6 +150,7 @@ class Fetching {
     if (!isKeptInFile_) return store({&fetched, 1});
     for (const std::vector<std::uint8_t>& message : fetched.messages) file_->write(message);
     ++kept_;
+    if (fetched.state == Fetched::State::empty) ++removals_;
     tell(fetched, stateOf(fetched, State::kept));
   }
 
@@ -223,6 +224,8 @@ class Fetching {
       line += fmt::format(", {} \"{}\"", isRemoved ? "it was" : "replaces", showName(*replaced));
     if (replaced && replaced->empty() && !isRemoved) line += ", replaces what was there";
     if (fetched.isEmptyBySilence) line += " (it answers nothing)";
+    if (state == State::empty && isKeptInFile_ && isTaken(fetched))
+      line += ": who receives the file removes what is there";
     if (state == State::lost) {
       line += fmt::format(": {}", fetched.reason);
       if (!why.empty()) line += fmt::format(": {}", escape(why));
@@ -274,6 +277,7 @@ class Fetching {
       words += fmt::format("{}{} {}", words.empty() ? "" : ", ", count, wordOf(state));
     if (came_ < units_.size())
       words += fmt::format("{}{} not asked for", words.empty() ? "" : ", ", units_.size() - came_);
+    if (removals_ > 0) words += fmt::format("; who receives the file removes {}", counted(removals_, "content"));
     console_.note((options_.dryRun ? "dry run, nothing is changed: " : "") + words);
   }
 
@@ -292,7 +296,8 @@ class Fetching {
   Complaints unasked_;
   std::vector<Fetched> waiting_;  // atomic: for all others to come
   std::size_t came_ = 0;
-  std::uint64_t kept_ = 0;
+  std::uint64_t kept_ = 0;      // units, and of these
+  std::uint64_t removals_ = 0;  // what says that they are empty
   std::map<State, std::uint64_t> counts_;
   std::vector<BulkAddress> lost_;
   bool isAnyAskedAgain_ = false;

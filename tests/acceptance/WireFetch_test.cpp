@@ -33,6 +33,15 @@ TEST_F(Wire, ofAllThatIsRefusedTogetherTheCulpritIsNamed) {
   EXPECT_EQ(library().contents().size(), 0u);
 }
 
+TEST_F(Wire, whatAFileRemovesIsTold) {
+  fillInstrument();
+  const Serving instrument = serve();
+  const Result kept = fetch(instrument, {"file:voice:user1:8", "-o", "empty.syx", "--remove-empty"});
+  EXPECT_THAT(kept, Exits(0));
+  EXPECT_EQ(kept.out, "empty: file:voice:user1:8: who receives the file removes what is there\n");
+  EXPECT_THAT(kept.err, HasSubstr("1 empty; who receives the file removes 1 content\n"));
+}
+
 TEST_F(Wire, requestsOnStandardOutputStandThereAlone) {
   EXPECT_THAT(bda({"fetch", "master:1", "--from", "pty:", "-o", "-", "--requests", "-"}), Exits(1));
   EXPECT_THAT(bda({"fetch", "master:1", "--from", "-", "--requests", "-"}), Exits(1));
