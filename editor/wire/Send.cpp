@@ -291,13 +291,17 @@ bool Send::ask(WireTime now) {
 void Send::judge(const Asking::Result& result) {
   const Unit& unit = units_[unit_];
   SentUnit& judged = results_[unit_];
-  judged = {unit_, SentUnit::State::unanswered, {}, judged.tries + result.tries, {}};
+  judged.state = SentUnit::State::unanswered;
+  judged.tries += result.tries;
+  judged.differences.clear();
+  judged.reason.clear();
   if (!result.isAnswered()) {
     judged.reason = asking_.whyUnanswered(result);
     return;
   }
-  judged.differences = readBack_.compare(unit.messages, result.messages);
-  judged.state = judged.differences.empty() ? SentUnit::State::equal : SentUnit::State::different;
+  std::vector<ReadBackDifference> differences = readBack_.compare(unit.messages, result.messages);
+  judged.state = differences.empty() ? SentUnit::State::equal : SentUnit::State::different;
+  (phase_ == Phase::looking ? judged.before : judged.differences) = std::move(differences);
 }
 
 // How many messages of each of its kind may still be echoes: of each unit that went to the same place.

@@ -24,9 +24,11 @@ struct SentUnit {
 
   std::size_t unit = 0;  // of those to send, from 0
   State state = State::sent;
-  std::vector<ReadBackDifference> differences;  // different; sent: what it gave back before
+  std::vector<ReadBackDifference> differences;  // different
   unsigned tries = 0;                           // requests that went out for it
   std::string reason;  // unanswered, as far as can be known; sent: why nobody has looked, though that was wanted
+  // Where it was asked for before it was sent: how that differs.
+  std::vector<ReadBackDifference> before = {};
 };
 
 const char* wordOf(SentUnit::State state);

@@ -219,13 +219,17 @@ class Sending {
     const std::string line =
         fmt::format("{}: {}{}{}", wordOf(unit.state), place, unit.reason.empty() ? "" : ": ", unit.reason);
     isMissed(unit) ? console_.problem(line) : console_.line(line);
-    if (unit.differences.empty()) return;
-    if (unit.state == SentUnit::State::sent) console_.problem(fmt::format("was different: {}", place));
+    tellDifferences(unit.differences);
+    if (!unit.before.empty()) console_.problem(fmt::format("was different: {}", place));
+    tellDifferences(unit.before);
+  }
+
+  void tellDifferences(const std::vector<ReadBackDifference>& differences) {
     constexpr std::size_t kMostTold = 20;
-    for (std::size_t i = 0; i < std::min(unit.differences.size(), kMostTold); ++i)
-      console_.problem("    " + lineOf(unit.differences[i]));
-    if (unit.differences.size() > kMostTold)
-      console_.problem(fmt::format("    and {} more", unit.differences.size() - kMostTold));
+    for (std::size_t i = 0; i < std::min(differences.size(), kMostTold); ++i)
+      console_.problem("    " + lineOf(differences[i]));
+    if (differences.size() > kMostTold)
+      console_.problem(fmt::format("    and {} more", differences.size() - kMostTold));
   }
 
   static std::string lineOf(const ReadBackDifference& difference) {

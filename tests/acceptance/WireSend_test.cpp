@@ -151,6 +151,7 @@ TEST_F(WireSend, whatWasDifferentStandsUnderALineOfItsOwn) {
   const Json object = Json::parse(bda(json).out);
   EXPECT_EQ(object["state"], "sent");
   EXPECT_EQ(object["differences"], Json::array());
+  EXPECT_FALSE(object["before"].empty());
 }
 
 // A part of the instrument's multi holds a voice of the other kind.

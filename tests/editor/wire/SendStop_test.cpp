@@ -121,7 +121,12 @@ TEST_F(SendStop, whatWasDifferentBeforeIsSentAndSaysSo) {
   units[2].messages = unitOf(kMaster, BDA::List::master, 9);
   const std::vector<SentUnit> all = send({}, changed);
   EXPECT_EQ(all[2].state, State::sent);
-  EXPECT_FALSE(all[2].differences.empty());
+  EXPECT_TRUE(all[2].differences.empty());
+  EXPECT_FALSE(all[2].before.empty());
+  units[2].messages = unitOf(kMaster, BDA::List::master, 5);
+  const SentUnit verified = send({}, {.verifies = true, .onlyChanged = true, .terms = {}})[2];
+  EXPECT_EQ(verified.state, State::equal);
+  EXPECT_FALSE(verified.before.empty()) << "it was, before it was sent";
 }
 
 TEST_F(SendStop, fileDumpsThatAreOutAreWritten) {
