@@ -153,7 +153,7 @@ void Send::leaveOut() {
     isLeftOut_[result.unit] = result.state == SentUnit::State::equal && !(group && going.contains(*group));
     if (isLeftOut_[result.unit]) continue;
     result.state = SentUnit::State::sent;
-    result.reason.clear();
+    result.whyUnknown = std::exchange(result.reason, {});
   }
 }
 

@@ -27,8 +27,9 @@ struct SentUnit {
   std::vector<ReadBackDifference> differences;  // different
   unsigned tries = 0;                           // requests that went out for it
   std::string reason;  // unanswered, as far as can be known; sent: why nobody has looked, though that was wanted
-  // Where it was asked for before it was sent: how that differs.
+  // Where it was asked for before it was sent: how that differs, or why it is not known.
   std::vector<ReadBackDifference> before = {};
+  std::string whyUnknown = {};
 };
 
 const char* wordOf(SentUnit::State state);

@@ -188,6 +188,7 @@ class Sending {
     }
     end.giveUp();
     progress.end();
+    unknown_.finish();
     tellDropped(*port, console_);
     tellEnd(plan, end);
     if (failure) throw *std::move(failure);
@@ -215,6 +216,8 @@ class Sending {
     ++counts_[unit.state];
     const std::string& place = plan.places[unit.unit];
     if (isMissed(unit)) program_.refuse();
+    if (!unit.whyUnknown.empty())
+      unknown_.tell("not compared before", fmt::format("not compared before: {}: {}", place, unit.whyUnknown));
     if (options_.json) return console_.line(jsonLine(toJson(plan, unit)));
     const std::string line =
         fmt::format("{}: {}{}{}", wordOf(unit.state), place, unit.reason.empty() ? "" : ": ", unit.reason);
@@ -253,6 +256,7 @@ class Sending {
   Console& console_;
   const Interruptible interruptible_;
   TranscriptFile transcript_;
+  Complaints unknown_{console_};
   std::size_t told_ = 0;
   std::map<SentUnit::State, std::uint64_t> counts_;
 };

@@ -54,3 +54,13 @@ TEST_F(Wire, requestsOnStandardOutputStandThereAlone) {
     EXPECT_THAT(lost.err, HasSubstr("silent"));
   }
 }
+
+TEST_F(Wire, whatCouldNotBeComparedBeforeItWasSentIsTold) {
+  write("master.syx", {unit({0x0E, 0x70, 0x03}, BDA::List::master)});
+  const Serving deaf = serve("--faults deaf=1");
+  const Result sent =
+      bda({"send", "master.syx", "--to", deaf.path, "--changed", "--timeout", "0.2", "--retries", "0", "--json"});
+  EXPECT_THAT(sent, Exits(0));
+  EXPECT_THAT(sent.err, HasSubstr("not compared before: master:4: silent\n"));
+  EXPECT_EQ(Json::parse(sent.out)["state"], "sent");
+}
