@@ -211,11 +211,13 @@ class Fetching {
     const std::string place = placeNameOf(fetched.address);
     std::optional<std::string> replaced;  // by its name; nothing: the place was empty, or nobody knows
     std::vector<PlaceChange> with;        // the multi of a part, the parts of a multi
+    const bool isUnit = findBlock(fetched.address)->role == Role::header;
     for (const Change& change : changes)
-      if (nameOf(change.place) != place && change.place.kind == Place::Kind::live)
+      if (nameOf(change.place) == place) {
+        if (change.before && !replaced) replaced = change.before->name;
+      } else if (isUnit && change.place.kind == Place::Kind::live && change.before != change.after) {
         with.push_back(toPlaceChange(change));
-      else if (nameOf(change.place) == place && change.before && !replaced)
-        replaced = change.before->name;
+      }
     const bool isRemoved = state == State::empty && replaced;
     if (options_.json) return console_.line(jsonLine(toJson(fetched, state, isRemoved, with)));
     const char* const would = options_.dryRun && (state == State::stored || isRemoved) ? "would be " : "";
@@ -231,10 +233,10 @@ class Fetching {
       if (!why.empty()) line += fmt::format(": {}", escape(why));
       if (fetched.reason == "incomplete" && fetched.missing.empty())
         line += ": two answers in one, which differ";
+      else if (fetched.reason == "incomplete" && fetched.other && fetched.missing.front() == fetched.address)
+        line += fmt::format(": {} came instead", nameOrBytes(*fetched.other));
       else if (fetched.reason == "incomplete" || fetched.reason == "broken")
         line += fmt::format(", missing {}", describeBlocks(fetched.missing));
-      if (fetched.reason == "incomplete" && fetched.other)
-        line += fmt::format("; {} came", nameOrBytes(*fetched.other));
     }
     if (fetched.tries != 1) line += fmt::format(" ({})", counted(fetched.tries, "try", "tries"));
     if (state == State::lost && fetched.tries == 0) return unasked_.tell("not asked for", line);

@@ -241,7 +241,8 @@ class Sending {
     if (difference.isOfOneOnly)
       return fmt::format("{}: {}", address, block ? "nothing is stored there" : "something is stored there");
     if (block && block->role == Role::header)
-      return fmt::format("{}: a {} sent, a {} read", address, wordsOf(difference.sent), wordsOf(difference.read));
+      return fmt::format("{}: a {} sent, a {} read", address, std::get<std::string>(difference.sent),
+                         std::get<std::string>(difference.read));
     const bool isOfContent = block && block->role == Role::fileDump && !difference.path;
     return fmt::format("{} {} {}: {}{} sent, {} read", address, isOfContent ? "content byte" : "data byte",
                        difference.dataByte, difference.path ? *difference.path + ": " : "", wordsOf(difference.sent),

@@ -17,6 +17,7 @@ TEST_F(Wire, whatChangesAlongWithAUnitIsTold) {
   for (const Json& one : object["with"]) with.push_back(one["content"]);
   EXPECT_THAT(with, AllOf(testing::Contains("multi:edit"), Not(testing::Contains("voice:part:1"))));
   EXPECT_FALSE(Json::parse(fetch(instrument, {"master:4", "--json"}).out).contains("with"));
+  EXPECT_FALSE(Json::parse(fetch(instrument, {"voice:part:1", "--json"}).out).contains("with")) << "they are equal";
 }
 
 TEST_F(Wire, ofAllThatIsRefusedTogetherTheCulpritIsNamed) {
@@ -47,7 +48,7 @@ TEST_F(Wire, requestsOnStandardOutputStandThereAlone) {
   EXPECT_THAT(bda({"fetch", "master:1", "--from", "-", "--requests", "-"}), Exits(1));
   const std::vector<std::uint8_t> request = Editor::requestMessage({0x0E, 0x70, 0x00});
   const Serving deaf = serve("--faults deaf=1");
-  for (const std::string& how : {"--json", "--atomic"}) {
+  for (const char* const how : {"--json", "--atomic"}) {
     const Result lost = fetch(deaf, {"master:1", "--requests", "-", "--retries", "0", how});
     EXPECT_THAT(lost, Exits(3));
     EXPECT_EQ(lost.out, std::string(request.begin(), request.end())) << how;

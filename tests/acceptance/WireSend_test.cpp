@@ -162,8 +162,7 @@ TEST_F(WireSend, aVoiceOfTheOtherKindIsNamedSo) {
     OtherEnd end;
     Serving sending(send(file("part.syx") + " --verify --pace none --timeout 1 --to " + end.name + options));
     end.take(read("part.syx").size());
-    const std::size_t request = Editor::requestMessage({0x0E, 0x30, 0x00}).size();
-    end.take(request);
+    end.take(request({0x0E, 0x30, 0x00}).size());
     end.give(drum);
     EXPECT_EQ(sending.wait(), 3);
     return sending.told;

@@ -17,7 +17,9 @@ TEST_F(Wire, whatAnInstrumentHoldsIsFetchedIntoTheLibrary) {
   const Result fetched = fetch(instrument, {"file:voice:user1:6", "master:4", "multi:edit", "system"});
   EXPECT_THAT(fetched, Exits(0));
   EXPECT_THAT(fetched.out, StartsWith("stored: file:voice:user1:6\nstored: master:4\nstored: multi:edit\n"
-                                      "stored: system:common\n"));
+                                      "stored with it: voice:part:1\n"));
+  EXPECT_THAT(fetched.out,
+              HasSubstr("stored with it: voice:part:16\nstored: system:common\nstored: system:audio-input\n"));
   EXPECT_THAT(fetched.err, HasSubstr("17 stored\n"));
   EXPECT_EQ(instrument.stop(), 130);
   EXPECT_THAT(instrument.told, HasSubstr("answered: request of file dump of voice user1:6, 1 message ("));
