@@ -47,6 +47,8 @@ class Pacer {
     std::optional<Answer> answer = {};
   };
 
+  const Pauses& pauses() const { return pauses_; }
+
   // Behind all others.
   void push(Message message, WireTime now);
   // Those that have not begun to go out.

@@ -44,6 +44,8 @@ class OtherEnd {
     for (std::size_t came = 0; came < count;) came += std::size_t(::read(ours_, bytes.data(), count - came));
   }
 
+  void give(const Bytes& bytes) const { EXPECT_EQ(::write(ours_, bytes.data(), bytes.size()), ssize_t(bytes.size())); }
+
   std::string name;
 
  private:
@@ -151,6 +153,25 @@ TEST_F(WireSend, whatWasDifferentStandsUnderALineOfItsOwn) {
   const Json object = Json::parse(bda(json).out);
   EXPECT_EQ(object["state"], "sent");
   EXPECT_EQ(object["differences"], Json::array());
+  EXPECT_FALSE(object["before"].empty());
+}
+
+// A part of the instrument's multi holds a voice of the other kind.
+TEST_F(WireSend, aVoiceOfTheOtherKindIsNamedSo) {
+  const Bytes drum = unit({0x0E, 0x30, 0x00}, BDA::List::drumVoice);
+  write("part.syx", {unit({0x0E, 0x30, 0x00}, BDA::List::normalVoice)});
+  const auto sent = [&](const char* options) {
+    OtherEnd end;
+    Serving sending(send(file("part.syx") + " --verify --pace none --timeout 1 --to " + end.name + options));
+    end.take(read("part.syx").size());
+    end.take(request({0x0E, 0x30, 0x00}).size());
+    end.give(drum);
+    EXPECT_EQ(sending.wait(), 3);
+    return sending.told;
+  };
+  EXPECT_THAT(sent(""), HasSubstr("    0E 30 00: a normal voice sent, a drum voice read\n"));
+  EXPECT_THAT(sent(" --json"), HasSubstr(R"("differences":[{"address":"0E 30 00","dataByte":0,"path":null,)"
+                                         R"("sent":"normal voice","read":"drum voice"}])"));
 }
 
 TEST_F(WireSend, aDryRunTakesThePaceOfThePort) {

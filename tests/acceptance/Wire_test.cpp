@@ -22,7 +22,9 @@ TEST_F(Wire, whatAnInstrumentHoldsIsFetchedIntoTheLibrary) {
   const Result fetched = fetch(instrument, {"file:voice:user1:6", "master:4", "multi:edit", "system"});
   EXPECT_THAT(fetched, Exits(0));
   EXPECT_THAT(fetched.out, StartsWith("stored: file:voice:user1:6\nstored: master:4\nstored: multi:edit\n"
-                                      "stored: system:common\n"));
+                                      "stored with it: voice:part:1\n"));
+  EXPECT_THAT(fetched.out,
+              HasSubstr("stored with it: voice:part:16\nstored: system:common\nstored: system:audio-input\n"));
   EXPECT_THAT(fetched.err, HasSubstr("17 stored\n"));
   EXPECT_EQ(instrument.stop(), 130);
   EXPECT_THAT(instrument.told, HasSubstr("answered: request of file dump of voice user1:6, 1 message ("));
@@ -42,7 +44,7 @@ TEST_F(Wire, aUnitThatReplacesAnotherSaysWhichAndIsOneObject) {
   EXPECT_EQ(
       objectsOf(fetch(instrument, {"voice:user1:6..7", "file:voice:user1:8", "--json"}).out),
       objectsOf(R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"stored","tries":1,"missing":[],"reason":""}
-{"unit":"voice:user1:7","address":"0E 0A 06","state":"empty","tries":3,"missing":[],"reason":""}
+{"unit":"voice:user1:7","address":"0E 0A 06","state":"empty","tries":3,"missing":[],"reason":"","silent":true}
 {"unit":"file:voice:user1:8","address":"0C 0A 07","state":"empty","tries":1,"missing":[],"reason":""})"));
   EXPECT_THAT(fetch(instrument, {"voice:user1:7"}), Exits(3)) << "asked for by its name, it may be lost";
   EXPECT_THAT(fetch(instrument, {"file:voice:user1:8"}), Exits(0));
