@@ -46,7 +46,7 @@ class Serving final : public Instrument::Observer {
     const auto number = BDA::DevicePortNum(options_.port);
     port_ = port->name();
     longest_ = port->longestMessage();
-    editor_ = program_.openToChange({"instrument", {port_}});
+    editor_ = program_.openToChange({.verb = "instrument", .sources = {port_}, .isEndless = true});
     transcript_->listen(*editor_);
     port = transcript_->listen(std::move(port));
     report_.emplace(program_, *editor_,
