@@ -44,9 +44,9 @@ struct RecordedChange {
 };
 
 // Writes the history: each change of a place into the entry of the run, in the transaction that makes the change. An
-// entry is begun by the first change of a run, and goes on in its later transactions; a new one begins when the last was
-// undone or removed meanwhile, and in an endless run after a minute without a change. What is taken back is taken out of
-// it.
+// entry is begun by the first change of a run, and goes on in its later transactions; a new one begins when the last
+// was undone or removed meanwhile, and in an endless run after a minute without a change. What is taken back is taken
+// out of it.
 //
 // Never recorded are
 //   - the settings of the history itself: an undo would change what is kept of it
