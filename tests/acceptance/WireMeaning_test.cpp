@@ -12,6 +12,7 @@ TEST_F(Wire, aTriggerGoesOutWhereTheFileHasIt) {
     bda({"receive", "-q", file, "--library", "received.db"});
     Serving instrument = serve();
     EXPECT_THAT(bda({"send", file, "--to", instrument.path, "--pace", "none"}), Exits(0));
+    EXPECT_THAT(fetch(instrument, {"system:common", "--dry-run"}), Exits(0)) << "it has heard all of it by then";
     instrument.stop();
     EXPECT_THAT(bda({"diff", "received.db", "instrument.db"}), Exits(0)) << file;
     for (const char* const name : {"received.db", "instrument.db"}) std::filesystem::remove(directory / name);
