@@ -109,6 +109,8 @@ void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
   if (readsFiles)
     for (const Words& words : {given.words, given.convert.select})
       for (const std::string& file : words) files.add(file, "this is also an input");
+  for (const std::string& port : {given.record.from, given.fetch.from, given.send.to, given.instrument.on})
+    files.addPort(port);
   for (const auto& [option, output] : outputs)
     if (!output->empty()) files.addOutput(*output, option);
 }

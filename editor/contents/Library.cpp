@@ -79,18 +79,18 @@ void Library::fail(int sqliteCode, const std::string& text) const {
     case SQLITE_PERM:
     case SQLITE_READONLY:
     case SQLITE_AUTH:
-      throw LibraryError(Kind::CannotOpen, name + " cannot be opened: " + text);
+      throw LibraryError(Kind::CannotOpen, name + " cannot be opened: " + text, text);
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-      throw LibraryError(Kind::Locked, name + " is locked by another program");
+      throw LibraryError(Kind::Locked, name + " is locked by another program", "another program has locked it");
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
       throw LibraryError(Kind::Damaged,
                          name + " is damaged: " + text + (use_ != Use::read && database_ != nullptr ? kWayOn : ""),
                          text);
     default:
-      throw LibraryError(Kind::Failed,
-                         name + ": " + (database_ != nullptr && database_->isDiskFull() ? "the disk is full" : text));
+      const std::string reason = database_ != nullptr && database_->isDiskFull() ? "the disk is full" : text;
+      throw LibraryError(Kind::Failed, name + ": " + reason, reason);
   }
 }
 

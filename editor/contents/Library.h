@@ -34,11 +34,11 @@ class LibraryError : public std::runtime_error {
   };
 
   LibraryError(Kind kind, const std::string& text) : LibraryError(kind, text, text) {}
-  // The text says that something is damaged, the reason alone why.
+  // The text names what is at fault, the reason alone says why.
   LibraryError(Kind kind, const std::string& text, std::string reason)
       : std::runtime_error(text), kind_(kind), reason_(std::move(reason)) {}
   Kind kind() const { return kind_; }
-  // For who has said already that it is.
+  // For who has named it already, and said that it is damaged where that is so.
   const std::string& reason() const { return reason_; }
 
  private:

@@ -200,6 +200,7 @@ std::unique_ptr<Database> LibraryFile::openImage(std::span<const std::uint8_t> i
   const std::unique_ptr<Database> database = Database::ofImage(image);
   if (!isSqliteFile(image) || database->isUnfinished()) requireLibrary(0, 0);
   requireLibrary(*database);
+  database->prepareStatements();  // one of version 1 is copied through its views
   return database->copyInMemory();
 }
 
@@ -243,15 +244,15 @@ void LibraryFile::requireRoom() const {
 
 void LibraryFile::requireLibrary(std::int64_t applicationId, std::int64_t version) const {
   if (applicationId != kLibraryApplicationId)
-    throw LibraryError(LibraryError::Kind::NotALibrary, path_.string() + " is no library");
+    throw LibraryError(LibraryError::Kind::NotALibrary, path_.string() + " is no library", "it is no library");
   requireKnown(version);
 }
 
 void LibraryFile::requireKnown(std::int64_t version) const {
-  if (version > kLibraryVersion)
-    throw LibraryError(LibraryError::Kind::NewerVersion,
-                       path_.string() + " was written by a newer version of this program (its library version is " +
-                           std::to_string(version) + ", this program knows " + std::to_string(kLibraryVersion) + ")");
+  if (version <= kLibraryVersion) return;
+  const std::string text = " was written by a newer version of this program (its library version is " +
+                           std::to_string(version) + ", this program knows " + std::to_string(kLibraryVersion) + ")";
+  throw LibraryError(LibraryError::Kind::NewerVersion, path_.string() + text, "it" + text);
 }
 
 void LibraryFile::followVersion(Database& database) const {

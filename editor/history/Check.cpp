@@ -120,7 +120,9 @@ class Checking {
       const std::optional<Held> held = library_.held(place);
       if (!held) return tell(State::damaged, "it is listed, and not there");
       if (!isWhole(*held)) return tell(State::damaged, "it does not fit its checksum");
-      if (!isContentFormat(held->bytes)) return tell(State::opaque, "its bytes are not in this editor's format");
+      // Models of this editor are in no other format.
+      const State unknown = place.kind == Place::Kind::live && !shapes.empty() ? State::damaged : State::opaque;
+      if (!isContentFormat(held->bytes)) return tell(unknown, "its bytes are not in this editor's format");
       std::string reason = "nothing in this editor's format belongs there";
       for (ModelSet& shape : shapes) {
         const std::optional<std::string> wrong = decodeContent(held->bytes, shape);

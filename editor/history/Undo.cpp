@@ -67,7 +67,10 @@ Undone undo(EmbeddedEditor& editor, std::optional<std::int64_t> entry, Force for
     return undone;
   }
   for (const RecordedChange& change : changes)
-    if (!isAsLeft(library.held(change.place), change)) undone.conflicts.push_back(nameOf(change.place));
+    if (const std::string name = nameOf(change.place);
+        !isAsLeft(library.held(change.place), change) &&
+        std::ranges::find(undone.conflicts, name) == undone.conflicts.end())
+      undone.conflicts.push_back(name);  // once, of content and flag
   if (!undone.conflicts.empty() && force == Force::no) {
     undone.state = Undone::State::conflict;
     return undone;

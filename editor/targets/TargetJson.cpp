@@ -32,7 +32,7 @@ struct ObjectLine {
   std::size_t number;
 };
 
-// The lines of a text, when each is an object by its first and last characters; empty blanks aside.
+// The lines of a text, when the first one is an object; empty ones and blanks aside.
 std::vector<ObjectLine> objectLines(std::string_view text) {
   std::vector<ObjectLine> lines;
   for (std::size_t number = 1; !text.empty(); ++number) {
@@ -41,7 +41,8 @@ std::vector<ObjectLine> objectLines(std::string_view text) {
     const std::size_t begin = line.find_first_not_of(kHexBlanks);
     if (begin == std::string_view::npos) continue;
     line = line.substr(begin, line.find_last_not_of(kHexBlanks) + 1 - begin);
-    if (line.front() != '{' || line.back() != '}') return {};
+    nlohmann::ordered_json first;
+    if (lines.empty() && (parseJson(line, first) || !first.is_object())) return {};
     lines.push_back({line, number});
   }
   return lines;

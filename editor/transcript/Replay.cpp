@@ -87,7 +87,7 @@ void Replay::readLines(std::string_view text) {
     text.remove_prefix(hasEnd ? end + 1 : text.size());
     try {
       if (number == 1) {
-        head_ = readHead(line);
+        head_ = readHead(line, text.substr(0, text.find('\n')));
         continue;
       }
       readLine(line, lines_.emplace_back(number));
@@ -113,10 +113,19 @@ void Replay::link(std::size_t line) {
   if (!sent.emplace(answer, line).second) throw WrongLine("that answer stands before it already");
 }
 
-Replay::Json Replay::readHead(const std::string& line) {
+// That it was one before it was altered the line behind it says.
+Replay::Json Replay::readHead(const std::string& line, std::string_view next) {
   Json json;
-  if (parseJson(line, json) || !json.is_object() || json.find("transcript") == json.end())
-    throw TranscriptError("it is no transcript: its first line is none of one");
+  if (parseJson(line, json) || !json.is_object() || !json.contains("transcript")) {
+    const char* const wrong = "its first line is none of one";
+    Json second;
+    const bool isBehindOne = !parseJson(next, second) && (second.contains("direction") || second.contains("library"));
+    if (!isBehindOne) throw TranscriptError(std::string("it is no transcript: ") + wrong);
+    altered_ = Difference{1, std::string("this is a transcript, but ") + wrong + ": it was altered or removed"};
+    json = Json::object();
+    json["library"] = nullptr;
+    return json;
+  }
   if (json.at("transcript") != 1)
     throw TranscriptError("it is a transcript of another version: " + jsonLine(json.at("transcript")));
   if (const std::string wrong = seal_.open(json); !wrong.empty()) altered_ = Difference{1, wrong};
@@ -154,6 +163,15 @@ void Replay::readMessage(Line& line) {
   line.job = std::size_t(job - kBulkJobs.begin());
 }
 
+// The errors of its own library name that which it stands for, of which nothing is read.
+void Replay::takeLibrary(EmbeddedEditor& editor, std::span<const std::uint8_t> image) {
+  try {
+    editor.library().copyFrom(image);
+  } catch (const LibraryError& error) {
+    throw TranscriptError("the library in it: " + error.reason());
+  }
+}
+
 std::optional<Library::Bytes> Replay::libraryIn(const Json& json) {
   if (find(json, "library") == nullptr) return std::nullopt;
   std::optional<Library::Bytes> library = parseBase64(textIn(json, "library"));
@@ -164,9 +182,13 @@ std::optional<Library::Bytes> Replay::libraryIn(const Json& json) {
 // Brings the editor to where it was when the transcript began.
 void Replay::begin(EmbeddedEditor& editor, std::optional<Library::Bytes> library) const {
   try {
-    if (!library) library = libraryIn(head_);
-    if (!library) throw TranscriptError("there is no library in it");
-    editor.library().copyFrom(*library);
+    if (library) {
+      editor.library().copyFrom(*library);
+    } else {
+      library = libraryIn(head_);
+      if (!library) throw TranscriptError("there is no library in it");
+      takeLibrary(editor, *library);
+    }
     NameLists names;
     if (find(head_, "names") != nullptr) {
       std::string error = parseNames(textIn(head_, "names"), names);
@@ -183,7 +205,7 @@ void Replay::begin(EmbeddedEditor& editor, std::optional<Library::Bytes> library
 Replay::Result Replay::run(EmbeddedEditor& editor, std::optional<Library::Bytes> library) {
   Result result;
   result.isCutShort = isCutShort_;
-  if (altered_ && altered_->line == 1) {
+  if (isHeadAltered()) {
     result.difference = altered_;
     return result;
   }
@@ -202,7 +224,7 @@ Replay::Result Replay::run(EmbeddedEditor& editor, std::optional<Library::Bytes>
         result.endsAt = line.number;
         return result;
       }
-      editor.library().copyFrom(line.bytes);
+      takeLibrary(editor, line.bytes);
     }
     if (line.kind != Line::Kind::handed) continue;
     if (run && line.run != runNumber) endRun();
@@ -226,7 +248,7 @@ std::optional<Replay::Difference> Replay::replay(const Line& line, EmbeddedEdito
   try {
     record = line.job ? editor.run(*line.job) : editor.handle(line.bytes, line.port, line.message);
   } catch (const LibraryError& error) {
-    return Difference{line.number, std::string("the library fails now: ") + error.what()};
+    return Difference{line.number, "the library fails now: " + error.reason()};
   }
   const Json now = toJson({line.message, nullptr, {}}, line.port, line.bytes, *record);
   for (const char* const key : kCompared) {

@@ -42,14 +42,14 @@ class Replay {
   // Throws TranscriptError.
   explicit Replay(std::string_view text);
 
-  // Whether it holds the library that its messages met.
-  bool hasLibrary() const { return head_.at("library").is_string(); }
+  // Whether run() has to be given the library that its messages met: it does not hold that.
+  bool needsLibrary() const { return !isHeadAltered() && !head_.at("library").is_string(); }
   // That library's file, when the transcript was written; "": there was none.
   std::string libraryName() const;
 
   // `editor` has an empty library in memory, and has handled nothing. `library`: the one that it begins with, as the
-  // bytes of its file; nothing: that of the transcript. Throws TranscriptError, and LibraryError for what is no
-  // library.
+  // bytes of its file; nothing: that of the transcript. Throws TranscriptError, and LibraryError where what was given
+  // is no library.
   Result run(EmbeddedEditor& editor, std::optional<Library::Bytes> library = {});
 
  private:
@@ -77,10 +77,12 @@ class Replay {
     std::map<std::uint64_t, std::size_t> sent;
   };
 
-  Json readHead(const std::string& line);
+  bool isHeadAltered() const { return altered_ && altered_->line == 1; }
+  Json readHead(const std::string& line, std::string_view next);
   void readLines(std::string_view text);
   void readLine(const std::string& text, Line& line);
   static void readMessage(Line& line);
+  static void takeLibrary(EmbeddedEditor& editor, std::span<const std::uint8_t> image);
   static std::optional<Library::Bytes> libraryIn(const Json& json);
   void begin(EmbeddedEditor& editor, std::optional<Library::Bytes> library) const;
   std::optional<Difference> replay(const Line& line, EmbeddedEditor& editor, Result& result) const;

@@ -7,8 +7,9 @@
 namespace Editor {
 
 // Each line of a transcript ends with "hash", the 64-bit FNV-1a hash, as 16 hex digits, of the line as it is printed
-// without that, going on from the hash of the line before: so an altered line shows, and one that is missing. It keeps
-// out accidents, and nobody who means to deceive. A first line that says "sealed" has all of them sealed.
+// without that, going on from the hash of the line before: so an altered line shows, and one that is missing before
+// another. It keeps out accidents, and nobody who means to deceive. A first line that says "sealed" has all of them
+// sealed.
 class Seal {
  public:
   // The text of the next line, without its end.

@@ -27,6 +27,11 @@ std::string reasonOf(int error) { return std::strerror(error); }
 
 constexpr const char* kInUse = "another program uses it";
 
+bool isThere(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0;
+}
+
 // Nobody is there any more.
 bool isGone(int error) { return error == EIO || error == ENODEV || error == ENXIO || error == EPIPE || error == EBADF; }
 
@@ -62,35 +67,39 @@ class BytePort::Opened {
 };
 
 bool BytePort::isName(const std::string& name) {
-  struct stat status {};
-  return name == "-" || name == "pty:" || name.find('/') != std::string::npos || ::stat(name.c_str(), &status) == 0;
+  return name == "-" || name == "pty:" || name.find('/') != std::string::npos || isThere(name) ||
+         std::ranges::all_of(pathsOf(name), isThere);
+}
+
+std::vector<std::string> BytePort::pathsOf(const std::string& name) {
+  const std::size_t comma = name.find(',');
+  if (comma == std::string::npos) return {name};
+  return {name.substr(0, comma), name.substr(comma + 1)};
 }
 
 Pace BytePort::defaultPaceOf(const std::string& name) {
-  const std::string out = name.substr(name.find(',') + 1);  // all of it where there is no comma
   struct stat status {};
-  return paceOf(name != "-" && (::stat(out.c_str(), &status) != 0 || !S_ISFIFO(status.st_mode)));
+  return paceOf(name != "-" && (::stat(pathsOf(name).back().c_str(), &status) != 0 || !S_ISFIFO(status.st_mode)));
 }
 
-BytePort::BytePort(const std::string& name, Direction direction, int wake) : name_(name), wake_(wake) {
+BytePort::BytePort(const std::string& name, Direction direction, int wake, TellWaiting tellWaiting)
+    : name_(name), wake_(wake), tellWaiting_(std::move(tellWaiting)) {
   if (name == "pty:") {
     openPseudoTerminal();
     return;
   }
   const bool hears = direction != Direction::out;
   const bool speaks = direction != Direction::in;
-  const std::size_t comma = name.find(',');
+  const std::vector<std::string> paths = pathsOf(name);
   isStandard_ = name == "-";
   if (isStandard_) {
     name_ = "standard input and output";
     if (hears) keep(in_ = STDIN_FILENO, false);
     if (speaks) keep(out_ = STDOUT_FILENO, false);
-  } else if (comma != std::string::npos) {
-    const std::string in = name.substr(0, comma);
-    const std::string out = name.substr(comma + 1);
-    if (in == out) refuse(name, "a FIFO has one direction: two different ones are needed, IN,OUT");
-    if (hears) in_ = openPath(in, Direction::in);
-    if (speaks) out_ = openPath(out, Direction::out);
+  } else if (paths.size() == 2) {
+    if (paths[0] == paths[1]) refuse(name, "a FIFO has one direction: two different ones are needed, IN,OUT");
+    if (hears) in_ = openPath(paths[0], Direction::in);
+    if (speaks) out_ = openPath(paths[1], Direction::out);
   } else {
     const int both = openPath(name, direction);
     if (hears) in_ = both;
@@ -117,13 +126,22 @@ int BytePort::openPath(const std::string& path, Direction direction) {
   return descriptor;
 }
 
-// To write to one that nobody reads from yet it is opened for both ways.
 int BytePort::openFifo(const std::string& path, Direction direction) {
-  constexpr int kFlags = O_NONBLOCK | O_CLOEXEC;
   if (direction == Direction::both) refuse(path, "a FIFO has one direction: two of them are needed, IN,OUT");
-  if (direction == Direction::in) return ::open(path.c_str(), O_RDONLY | kFlags);
-  const int descriptor = ::open(path.c_str(), O_WRONLY | kFlags);
-  return descriptor < 0 && errno == ENXIO ? ::open(path.c_str(), O_RDWR | kFlags) : descriptor;
+  return direction == Direction::in ? ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC) : openToWrite(path);
+}
+
+// The system tells nobody that somebody reads: it is tried again and again. But who hears notices that nobody does.
+int BytePort::openToWrite(const std::string& path) {
+  constexpr WireTime kBetween = std::chrono::milliseconds(20);
+  for (bool isTold = false;; isTold = true) {
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor >= 0 || errno != ENXIO) return descriptor;
+    if (in_ >= 0) return ::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    if (!isTold && tellWaiting_) tellWaiting_(path);
+    std::array<pollfd, 1> woken{{{wake_, POLLIN, 0}}};
+    if (pollUntil(woken, machineTime() + kBetween) > 0) refuse(path, "nobody reads from it");
+  }
 }
 
 void BytePort::openPseudoTerminal() {

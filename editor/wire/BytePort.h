@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,20 +15,25 @@ namespace Editor {
 //   a character device ("/dev/snd/midiC1D0"), a terminal in raw mode; paced like a cable
 //   "pty:", a new pseudo terminal, whose other end others open by the path that is its name; likewise. It is kept open
 //     here: others come and go
-//   a FIFO, which has one direction, or two of them, "IN,OUT"; not paced. It hangs up when who writes to it has gone
+//   a FIFO, which has one direction, or two of them, "IN,OUT"; not paced. It hangs up when who writes to it has gone,
+//     or who reads from it. Only to write to one is to wait for somebody who reads: without one all would be lost
 //   "-", standard input and output; not paced
 class BytePort final : public Port {
  public:
   enum class Direction : std::uint8_t { in, out, both };
 
-  // Whether that is what names one: "-", "pty:", whatever has a slash in it, and what is there.
+  // Whether that is what names one: "-", "pty:", whatever has a slash in it, and what is there, be it one or both.
   static bool isName(const std::string& name);
+  // Those that a name may be: both of "IN,OUT", or the name itself.
+  static std::vector<std::string> pathsOf(const std::string& name);
   // The default pace of the port of that name, or that it would have, without opening it.
   static Pace defaultPaceOf(const std::string& name);
 
   // `wake` is a descriptor that ends a wait as soon as there is something to read from it; it stays its owner's, who
-  // also reads from it. -1: there is none. Throws PortError (cannotOpen).
-  BytePort(const std::string& name, Direction direction, int wake = -1);
+  // also reads from it. -1: there is none. `tellWaiting` hears once of the path of a FIFO that nobody reads from yet.
+  // Throws PortError (cannotOpen), also when it was woken first.
+  using TellWaiting = std::function<void(const std::string& path)>;
+  BytePort(const std::string& name, Direction direction, int wake = -1, TellWaiting tellWaiting = {});
   ~BytePort() override;
 
   const std::string& name() const override { return name_; }
@@ -46,6 +52,7 @@ class BytePort final : public Port {
   static Pace paceOf(bool isLine) { return isLine ? kCablePace : kNoPace; }
   int openPath(const std::string& path, Direction direction);
   int openFifo(const std::string& path, Direction direction);
+  int openToWrite(const std::string& path);
   void openPseudoTerminal();
   void keep(int descriptor, bool isOwn);
   std::span<const std::uint8_t> read();
@@ -54,6 +61,7 @@ class BytePort final : public Port {
 
   std::string name_;
   const int wake_;
+  const TellWaiting tellWaiting_;
   bool isOwnTerminal_ = false;
   bool isStandard_ = false;  // input and output, which end as files do
   bool isLine_ = false;      // a device: what is written takes the time of a cable

@@ -6,21 +6,24 @@
 
 #include <filesystem>
 #include <string_view>
+#include <utility>
 
 #include "ExitCode.h"
 #include "contents/LibraryMark.h"
 #include "messages/Text.h"
 #include "output/Console.h"
 #include "output/OutputFile.h"
+#include "wire/BytePort.h"
 
 namespace Editor {
 
-// False for what is no file that could be lost.
+// False for standard streams that are no file.
 bool FilesInUse::identify(const std::string& path, int standardStream, File& file) {
   struct stat status {};
   const bool isStandard = path == "-";
   const bool exists = (isStandard ? ::fstat(standardStream, &status) : ::stat(path.c_str(), &status)) == 0;
-  if (exists ? !S_ISREG(status.st_mode) : isStandard) return false;
+  file.isDevice = exists && !S_ISREG(status.st_mode);
+  if (isStandard && (!exists || file.isDevice)) return false;
   if (exists) {
     file.device = status.st_dev;
     file.inode = status.st_ino;
@@ -35,7 +38,7 @@ bool FilesInUse::identify(const std::string& path, int standardStream, File& fil
 
 void FilesInUse::add(const std::string& path, const std::string& what) {
   File file;
-  if (!identify(path, STDIN_FILENO, file)) return;
+  if (!identify(path, STDIN_FILENO, file) || file.isDevice) return;
   file.what = what;
   files_.push_back(std::move(file));
 }
@@ -43,7 +46,28 @@ void FilesInUse::add(const std::string& path, const std::string& what) {
 void FilesInUse::addLibrary(const std::string& path) {
   add(path, "this is the library");
   File file;
-  if (identify(path, STDIN_FILENO, file)) library_ = file.path;
+  if (!identify(path, STDIN_FILENO, file)) return;
+  library_ = file.path;
+  // What belongs to it may have another name, too, and be written by that.
+  const std::filesystem::path real(library_);
+  const std::string name = real.filename().string();
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(real.parent_path(), error)) {
+    const std::string other = entry.path().filename().string();
+    if (other.starts_with(name) && belongsToLibrary(std::string_view(other).substr(name.size())))
+      add(entry.path().string(), "this belongs to the library");
+  }
+}
+
+void FilesInUse::addPort(const std::string& name) {
+  if (!BytePort::isName(name)) return;
+  for (const std::string& path : BytePort::pathsOf(name))
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO}) {
+      File file;
+      if (!identify(path, stream, file) || file.inode == 0) continue;
+      file.what = "this is the port";
+      files_.push_back(std::move(file));
+    }
 }
 
 void FilesInUse::addOutput(const std::string& path, const std::string& option) {
@@ -58,6 +82,7 @@ void FilesInUse::addOutput(const std::string& path, const std::string& option) {
   const bool isBeside = !library_.empty() && file.path.starts_with(library_);
   if (isBeside && belongsToLibrary(std::string_view(file.path).substr(library_.size())))
     throw Failure(kWrongUsage, fmt::format("{} {}: this belongs to the library", option, escape(path)));
+  if (file.isDevice) return;
   file.what = fmt::format("{} names this file too", option);
   files_.push_back(std::move(file));
 }

@@ -154,7 +154,6 @@ std::unique_ptr<Port> openMidiPort(const std::string& name, BytePort::Direction 
   MidiPort::Ends ends;
   if (name.starts_with(kVirtualPort)) {
     const MidiPort::Source own{systems.first(), name.substr(std::string_view(kVirtualPort).size())};
-    if (own.name.empty()) refuse(name, "it needs a name: expected virtual:NAME");
     ends = {name, true, hears ? std::optional(own) : std::nullopt, speaks ? std::optional(own) : std::nullopt};
     return std::make_unique<MidiPort>(std::move(ends), wake);
   }

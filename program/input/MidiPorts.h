@@ -24,7 +24,8 @@ MidiPortsFound findMidiPorts();
 // A name begins so for a port of our own, which others connect to.
 inline constexpr const char* kVirtualPort = "virtual:";
 
-// Of that name, or with it as a part; or one of our own. `wake` as for a BytePort. Throws PortError (cannotOpen).
+// Of that name, or with it as a part; or one of our own, whose name is not empty. `wake` as for a BytePort. Throws
+// PortError (cannotOpen).
 std::unique_ptr<Port> openMidiPort(const std::string& name, BytePort::Direction direction, int wake);
 
 }  // namespace Editor

@@ -4,17 +4,27 @@
 
 #include "ExitCode.h"
 #include "input/MidiPorts.h"
+#include "messages/Text.h"
 #include "midi/Counted.h"
 #include "midi/StreamJoiner.h"
 #include "output/Progress.h"
 
 namespace Editor {
 
-std::unique_ptr<Port> openPort(const std::string& name, BytePort::Direction direction) {
+std::unique_ptr<Port> openPort(const std::string& name, BytePort::Direction direction, Console& console) {
+  const bool isPath = BytePort::isName(name);
+  const auto refuse = [&](const char* why) {
+    throw Failure(kUnusableInput, fmt::format("port {}: {}", escape(name), why));
+  };
+  if (!isPath && name.starts_with("pty:")) refuse("a new pseudo terminal gets its name from the system: expected pty:");
+  if (!isPath && name == kVirtualPort) refuse("it needs a name: expected virtual:NAME");
   try {
-    if (!BytePort::isName(name)) return openMidiPort(name, direction, Interruptible::descriptor());
-    return std::make_unique<BytePort>(name, direction, Interruptible::descriptor());
+    if (!isPath) return openMidiPort(name, direction, Interruptible::descriptor());
+    return std::make_unique<BytePort>(name, direction, Interruptible::descriptor(), [&](const std::string& path) {
+      console.note(fmt::format("waiting for somebody to read from {}", escape(path)));
+    });
   } catch (const PortError& error) {
+    Interruptible::check();
     throw Failure(kUnusableInput, error.what());
   }
 }

@@ -10,9 +10,9 @@
 
 namespace Editor {
 
-// The port that was named, open, as long as an Interruptible lives: Ctrl-C wakes who waits there. Throws Failure
-// (kUnusableInput).
-std::unique_ptr<Port> openPort(const std::string& name, BytePort::Direction direction);
+// The port that was named, open, as long as an Interruptible lives: Ctrl-C wakes who waits there. Says so where it has
+// to wait for somebody who reads. Throws Failure (kUnusableInput, kInterrupted).
+std::unique_ptr<Port> openPort(const std::string& name, BytePort::Direction direction, Console& console);
 
 // Lets the end go on at the port until it is done, true, or until Ctrl-C has come, false. Throws PortError, and what
 // the end throws.

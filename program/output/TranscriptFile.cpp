@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -15,8 +17,8 @@ namespace Editor {
 
 namespace {
 
-std::string cannotBeWritten(const std::string& path, int error) {
-  return fmt::format("{}: cannot be written: {}", escape(path), std::strerror(error));
+std::string cannotBeWritten(const std::string& path, const char* why) {
+  return fmt::format("{}: cannot be written: {}", escape(path), why);
 }
 
 std::optional<std::string> namesOf(const Program& program) {
@@ -33,33 +35,48 @@ std::optional<std::string> namesOf(const Program& program) {
 
 TranscriptFile::TranscriptFile(Transcript::Options how, Program& program)
     : program_(program), hasPort_(!how.port.empty()) {
-  const std::string& path = program.transcript.file;
-  if (path.empty()) return;
+  if (program.transcript.file.empty()) return;
   how.withLibrary = program.transcript.withLibrary;
   how.names = namesOf(program);
-  constexpr int kMode = 0666;
-  file_ = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
-  isNew_ = file_ < 0 && errno == ENOENT;
-  if (isNew_) file_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, kMode);
-  if (file_ < 0) throw Failure(kWrongUsage, cannotBeWritten(path, errno));
+  open();
   transcript_.emplace(std::move(how), machineTime, [this](const std::string& line) { write(line + '\n'); });
 }
 
 TranscriptFile::~TranscriptFile() {
   if (!transcript_) return;
   if (hasBegun_) transcript_->finish();
-  if (::close(file_) != 0 && error_ == 0) error_ = errno;
-  if (!hasBegun_ && isNew_) ::unlink(program_.transcript.file.c_str());
-  // A reader that has gone wants no more of it.
-  if (error_ == 0 || error_ == EPIPE) return;
-  program_.console.problem("bda: " + cannotBeWritten(program_.transcript.file, error_));
-  program_.failOutput();
+  if (!hasBegun_ && isNew_) ::unlink(program_.transcript.file.c_str());  // as long as it is ours
+  if (::close(file_) != 0) fail(errno);
+}
+
+// Who waited here for a reader could not be interrupted.
+void TranscriptFile::open() {
+  const std::string& path = program_.transcript.file;
+  constexpr int kFlags = O_WRONLY | O_NONBLOCK | O_CLOEXEC;
+  constexpr int kMode = 0666;
+  file_ = ::open(path.c_str(), kFlags);
+  isNew_ = file_ < 0 && errno == ENOENT;
+  if (isNew_) file_ = ::open(path.c_str(), kFlags | O_CREAT, kMode);
+  struct stat status {};
+  if (file_ < 0) {
+    const int error = errno;
+    const bool isUnread = error == ENXIO && ::stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
+    throw Failure(kWrongUsage, cannotBeWritten(path, isUnread ? "nobody reads from it" : std::strerror(error)));
+  }
+  ::fcntl(file_, F_SETFL, ::fcntl(file_, F_GETFL) & ~O_NONBLOCK);
+  // Devices and pipes are for many.
+  if (::fstat(file_, &status) != 0 || !S_ISREG(status.st_mode)) return;
+  const bool isLocked = ::flock(file_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  // One without a name was that of a run that could not begin, and has taken it away by now.
+  if (!isLocked && ::fstat(file_, &status) == 0 && status.st_nlink > 0) return;
+  ::close(file_);
+  throw Failure(kWrongUsage, cannotBeWritten(path, "it is the transcript of another run, which has not ended"));
 }
 
 // What stood in the file before goes now. A device or pipe has nothing that could.
 void TranscriptFile::begin() {
   if (std::exchange(hasBegun_, true)) return;
-  if (::ftruncate(file_, 0) != 0 && errno != EINVAL) error_ = errno;
+  if (::ftruncate(file_, 0) != 0 && errno != EINVAL) fail(errno);
   write(std::exchange(waiting_, ""));
 }
 
@@ -84,12 +101,20 @@ void TranscriptFile::write(const std::string& line) {
     waiting_ += line;
     return;
   }
-  for (std::size_t done = 0; done < line.size() && error_ == 0;) {
+  for (std::size_t done = 0; done < line.size() && !hasFailed_;) {
     const ssize_t count = ::write(file_, line.data() + done, line.size() - done);
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) error_ = errno;
-    done += count > 0 ? std::size_t(count) : 0;
+    if (count > 0)
+      done += std::size_t(count);
+    else if (errno != EINTR)
+      fail(errno);
   }
+}
+
+// Told at once: who plays for hours wants to know. A reader that has gone wants no more of it.
+void TranscriptFile::fail(int error) {
+  if (std::exchange(hasFailed_, true) || error == EPIPE) return;
+  program_.console.problem("bda: " + cannotBeWritten(program_.transcript.file, std::strerror(error)));
+  program_.failOutput();
 }
 
 }  // namespace Editor

@@ -11,14 +11,14 @@ namespace Editor {
 
 // The transcript of a run, if the program is to write one; else nothing here does anything. It is written line by line
 // from when the run begins, at its port if it has one: what stands there is as much as it has done, however it ends. A
-// file of that name stays as it is until then.
+// file of that name stays as it is until then, and is this run's alone from the first.
 class TranscriptFile {
  public:
   // Throws Failure.
   TranscriptFile(Transcript::Options how, Program& program);
   TranscriptFile(const TranscriptFile&) = delete;
   TranscriptFile& operator=(const TranscriptFile&) = delete;
-  ~TranscriptFile();  // writes what waits, and tells what could not be written: the run ends with that
+  ~TranscriptFile();  // writes what waits
 
   // This object outlives the editor, and the port. Throws Failure for a library that cannot be read.
   void listen(EmbeddedEditor& editor);
@@ -36,8 +36,10 @@ class TranscriptFile {
   }
 
  private:
+  void open();
   void begin();
   void write(const std::string& line);
+  void fail(int error);
 
   Program& program_;
   const bool hasPort_;
@@ -45,7 +47,7 @@ class TranscriptFile {
   bool isNew_ = false;   // the file was not there before
   std::string waiting_;  // lines from before it began
   int file_ = -1;
-  int error_ = 0;  // of the system: nothing more is written
+  bool hasFailed_ = false;  // nothing more is written
   std::optional<Transcript> transcript_;
 };
 

@@ -77,7 +77,7 @@ class Fetching {
                                             .sent = Transcript::Sent::never,
                                             .handsOnLater = !isKeptInFile_},
                         program_);
-    std::unique_ptr<Port> port = openPort(options_.from, BytePort::Direction::both);
+    std::unique_ptr<Port> port = openPort(options_.from, BytePort::Direction::both, console_);
     const LibraryRun libraryRun{"fetch", {port->name()}};
     editor_ = isKeptInFile_     ? program_.openToRead()
               : options_.dryRun ? program_.openToRehearse(libraryRun)

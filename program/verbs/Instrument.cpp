@@ -42,7 +42,7 @@ class Serving final : public Instrument::Observer {
                                             .echoes = options_.echoes,
                                             .hearsHanded = true},
                         program_);
-    std::unique_ptr<Port> port = openPort(options_.on, BytePort::Direction::both);
+    std::unique_ptr<Port> port = openPort(options_.on, BytePort::Direction::both, console_);
     const auto number = BDA::DevicePortNum(options_.port);
     port_ = port->name();
     longest_ = port->longestMessage();

@@ -41,7 +41,7 @@ class Recorded final : public StreamJoiner::Receiver {
   void run() {
     const Interruptible interruptible;
     TranscriptFile transcript({.verb = "record", .port = options_.from}, program_);
-    const std::unique_ptr<Port> port = transcript.listen(openPort(options_.from, BytePort::Direction::in));
+    const std::unique_ptr<Port> port = transcript.listen(openPort(options_.from, BytePort::Direction::in, console_));
     port_ = port->name();
     console_.note(fmt::format("from {}", escape(port_)));
     Progress progress(console_, "record", "message", 0);

@@ -24,12 +24,14 @@ Replay readTranscript(const std::string& file) {
 
 // The one that was asked for, or that of the transcript.
 std::optional<Library::Bytes> libraryFor(const Replay& transcript, const std::string& file) {
-  if (!file.empty()) {
-    Library library(file, {.use = Library::Use::read});
-    const Library::Transaction oneState(library, Library::Transaction::Access::Read);
-    return library.image();
-  }
-  if (transcript.hasLibrary()) return std::nullopt;
+  if (!file.empty()) try {
+      Library library(file, {.use = Library::Use::read});
+      const Library::Transaction oneState(library, Library::Transaction::Access::Read);
+      return library.image();
+    } catch (const LibraryError& error) {
+      throw Failure(kUnusableInput, escape(error.what()));
+    }
+  if (!transcript.needsLibrary()) return std::nullopt;
   const std::string name = transcript.libraryName();
   throw Failure(kUnusableInput, name.empty() ? "nothing in it was handed to a library: there is nothing to replay"
                                              : fmt::format("it does not hold the library that it met ({}): name one "
@@ -71,8 +73,9 @@ void replay(const std::string& file, const std::string& library, Program& progra
                                      result.difference ? "a difference" : "no difference"));
   } catch (const TranscriptError& error) {
     throw Failure(kUnusableInput, fmt::format("{}: {}", escape(file), escape(error.what())));
-  } catch (const LibraryError& error) {
-    throw Failure(kUnusableInput, escape(error.what()));
+  } catch (const LibraryError& error) {  // whose own text names the library that this one stands for
+    throw Failure(kUnusableInput,
+                  fmt::format("{}: {}", escape(library.empty() ? file : library), escape(error.reason())));
   }
 }
 

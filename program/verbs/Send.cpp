@@ -161,8 +161,8 @@ class Sending {
 
   void send(const SendPlan& plan) {
     const bool hears = options_.verify || options_.changed;
-    const std::unique_ptr<Port> port =
-        transcript_.listen(openPort(options_.to, hears ? BytePort::Direction::both : BytePort::Direction::out));
+    const std::unique_ptr<Port> port = transcript_.listen(
+        openPort(options_.to, hears ? BytePort::Direction::both : BytePort::Direction::out, console_));
     console_.note(fmt::format("to {}", escape(port->name())));
     if (plan.longest > port->longestMessage())
       throw Failure(kRefused, fmt::format("a message of {} bytes is longer than the port carries ({}): nothing is sent",

@@ -182,3 +182,13 @@ TEST_F(ConvertJson, whatIsWrongIsToldWithItsFileAndLine) {
   EXPECT_THAT(kind.err, HasSubstr("v.json: master:1: models of another kind do not fit"));
   EXPECT_FALSE(exists("b.syx"));
 }
+
+TEST_F(ConvertJson, aLineThatIsNoneIsToldByItsNumber) {
+  const std::string good = "{\"target\": \"voice:user1:1\"}\n";
+  for (const char* const wrong : {"garbage\n", "{\"target\": 5", "{\"target\": \"voi"}) {
+    write("some.json", good + good + wrong);
+    const Result run = bda({"convert", "some.json", "-o", "out.syx"});
+    EXPECT_THAT(run, Exits(2)) << wrong;
+    EXPECT_THAT(run.err, HasSubstr("some.json: line 3: ")) << wrong;
+  }
+}

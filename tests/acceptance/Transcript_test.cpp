@@ -1,10 +1,15 @@
 // Transcripts of runs at a library and on a wire, and those runs once more.
 
+#include <sys/stat.h>
+#include <sys/wait.h>
+
 #include <algorithm>
+#include <cstdlib>
 
 #include "Library.h"
 #include "Program.h"
 #include "Serving.h"
+#include "editor/contents/TemporaryLibrary.h"
 #include "messages/Messages.h"
 #include "midi/Hex.h"
 #include "wire/BytePort.h"
@@ -12,6 +17,7 @@
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 namespace {
 
@@ -178,6 +184,45 @@ TEST_F(Transcript, thatCannotBeWrittenIsAFailure) {
   EXPECT_THAT(bda({"receive", "-q", "all.syx", "--with-library"}), Exits(1));
 }
 
+TEST_F(Transcript, thatCannotBeWrittenIsToldAtOnce) {
+  Serving instrument("env -C '" + directory.string() +
+                     "' " BDA_PROGRAM " instrument --on pty: --library library.db --transcript /dev/full 2>&1");
+  EXPECT_EQ(instrument.path, "bda: /dev/full: cannot be written: No space left on device");
+  EXPECT_EQ(instrument.stop(), 1);
+  EXPECT_THAT(instrument.told, Not(HasSubstr("/dev/full")));
+}
+
+TEST_F(Transcript, intoAFifoNeedsSomebodyWhoReads) {
+  ASSERT_EQ(::mkfifo((directory / "fifo").c_str(), 0600), 0);
+  const std::vector<std::string> run{"receive", "-q", "all.syx", "--transcript", "fifo", "--with-library"};
+  const Result refused = bda(run);
+  EXPECT_THAT(refused, Exits(1));
+  EXPECT_EQ(refused.err, "bda: fifo: cannot be written: nobody reads from it\n");
+  EXPECT_EQ(library().contents().size(), 0u);
+  Serving reader("sh -c 'cd " + directory.string() + " && echo && exec cat fifo > run.jsonl'");
+  Result read;
+  for (int tries = 0; tries < 1000 && (read = bda(run)).code == 1; ++tries) {  // until it has opened it
+  }
+  EXPECT_THAT(read, Exits(0));
+  EXPECT_EQ(reader.wait(), 0);
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+}
+
+TEST_F(Transcript, ofTwoRunsIsThatOfTheFirst) {
+  Serving first("env -C '" + directory.string() +
+                "' " BDA_PROGRAM " instrument --on pty: --library library.db --transcript run.jsonl 2>/dev/null");
+  const Result second = bda({"receive", "all.syx", "--transcript", "run.jsonl"});
+  EXPECT_THAT(second, Exits(1));
+  EXPECT_THAT(second.err, HasSubstr("run.jsonl: cannot be written: it is the transcript of another run"));
+  EXPECT_EQ(library().contents().size(), 0u);
+  EXPECT_EQ(first.stop(), 130);
+  EXPECT_EQ(linesWith("verb", "instrument").size(), 1U);
+  EXPECT_EQ(trace("run.jsonl").size(), 1U);
+  EXPECT_THAT(bda(transcribed({"receive", "-q", "all.syx"})), Exits(0)) << "and then that of another";
+  for (int runs = 0; runs < 2; ++runs)
+    EXPECT_THAT(bda({"receive", "-q", "all.syx", "--transcript", "/dev/null"}), Exits(0));
+}
+
 TEST_F(Transcript, aRunThatCannotBeginLeavesTheFileAsItWas) {
   write("run.jsonl", "before\n");
   const std::vector<std::vector<std::string>> runs{
@@ -206,6 +251,76 @@ TEST_F(Transcript, aRunThatCannotBeginLeavesTheFileAsItWas) {
 
 TEST_F(Transcript, isNothingForStandardOutput) {
   EXPECT_THAT(bda({"receive", "all.syx", "--transcript", "-"}), Exits(1));
+}
+
+// Its bytes were for standard output, which is that file.
+TEST_F(Transcript, isNotWhereThePortGoes) {
+  const std::string command =
+      "cd '" + directory.string() + "' && " BDA_PROGRAM " send all.syx --to - --transcript out > out 2> err";
+  const int status = std::system(command.c_str());
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+  EXPECT_THAT(read("err"), HasSubstr("--transcript out: this is the port"));
+}
+
+// The run brings it to this version, and leaves a copy as it was.
+TEST_F(Transcript, ofALibraryOfVersion1IsDoneAgain) {
+  removeLibrary();
+  Editor::makeOldLibrary(libraryFile());
+  const std::string old = read("library.db");
+  EXPECT_THAT(bda(transcribed({"request", "-q", "file:voice:user1:6", "system", "-o", "out.syx"})), Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--from-library", "library.db"}), Exits(0));
+  EXPECT_EQ(read("library.db"), old);
+
+  EXPECT_THAT(bda(transcribed({"receive", "-q", "all.syx"})), Exits(0));
+  EXPECT_NE(read("library.db"), old);
+  EXPECT_EQ(read("library.db.v1"), old);
+  removeLibrary();
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--from-library", "library.db.v1"}), Exits(0));
+  EXPECT_EQ(read("library.db.v1"), old);
+
+  Editor::makeOldLibrary(libraryFile());
+  Serving instrument("env -C '" + directory.string() +
+                     "' " BDA_PROGRAM
+                     " instrument --on pty: --library library.db --transcript run.jsonl --with-library 2>/dev/null");
+  EXPECT_THAT(bda({"send", "-q", "all.syx", "--verify", "--pace", "none", "--to", instrument.path}), Exits(0));
+  EXPECT_EQ(instrument.stop(), 130);
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+  EXPECT_EQ(read("library.db.v1.2"), old);
+}
+
+TEST_F(Transcript, whoseLibraryCannotBeReadNamesNoOther) {
+  EXPECT_THAT(bda(transcribed({"receive", "-q", "all.syx"})), Exits(0));
+  std::vector<Json> all = trace("run.jsonl");
+  std::string unsealed;
+  all[0]["library"] = "AAAA";
+  for (Json& line : all) {
+    line.erase("hash");
+    line.erase("sealed");
+    unsealed += line.dump() + "\n";
+  }
+  write("other.jsonl", unsealed);
+  const Result again = bda({"replay", "other.jsonl"});
+  EXPECT_THAT(again, Exits(2));
+  EXPECT_EQ(again.err, "bda: other.jsonl: the library in it: it is no library\n");
+}
+
+TEST_F(Transcript, whoseFirstLineIsNoneAnyMoreWasAltered) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--transcript", "run.jsonl"}), Exits(0));
+  const std::string text = read("run.jsonl");
+  write("brace.jsonl", "[" + text.substr(1));
+  std::string key = text;
+  key[key.find("libraryName")] = 'L';
+  write("key.jsonl", key);
+  write("missing.jsonl", text.substr(text.find('\n') + 1));
+  for (const char* const file : {"brace.jsonl", "key.jsonl", "missing.jsonl"}) {
+    const Result again = bda({"replay", file});
+    EXPECT_THAT(again, Exits(3)) << file;
+    EXPECT_THAT(again.err, HasSubstr(std::string(file) + ", line 1: ")) << file;
+  }
+  write("cut.jsonl", text.substr(1, text.find('\n')));
+  EXPECT_THAT(bda({"replay", "cut.jsonl"}), Exits(2)) << "nothing says that it was one";
 }
 
 TEST_F(Transcript, ofTheScreenIsDoneAgain) {

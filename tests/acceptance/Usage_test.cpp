@@ -240,6 +240,7 @@ TEST_F(Usage, noOutputTakesThePlaceOfACopyOfAnOlderVersionOrOfNames) {
   write("a.syx", {request({0, 0, 0})});
   write("library.db.v1", "kept");
   std::filesystem::create_symlink("library.db.v1", directory / "link");
+  std::filesystem::create_hard_link(directory / "library.db.v1", directory / "hard");
   const auto refuses = [&](std::vector<std::string> words, const std::string& file) {
     words.push_back(file);
     const Result run = bda(words);
@@ -256,7 +257,7 @@ TEST_F(Usage, noOutputTakesThePlaceOfACopyOfAnOlderVersionOrOfNames) {
                                              {"salvage", "a.syx", "-o", "b.syx", "--requests"},
                                              {"convert", "a.syx", "-o"}})
     for (const char* file :
-         {"library.db.v1", "./library.db.v1.2", "library.db.v1.part", "library.db.v1.part.12", "link"})
+         {"library.db.v1", "./library.db.v1.2", "library.db.v1.part", "library.db.v1.part.12", "link", "hard"})
       refuses(verb, file);
   write("my.names", "");
   refuses({"request", "system", "--names", "my.names", "-o"}, "library.db.names");

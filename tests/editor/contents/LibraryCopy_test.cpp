@@ -52,6 +52,28 @@ struct OldLibrary : LibraryTest {
   std::string old_;
 };
 
+TEST_F(OldLibrary, AnImageOfItIsReadAsItIsAndBroughtToThisVersionThereAlone) {
+  for (const Use use : {Use::read, Use::change}) {
+    Library original(file, {.use = use});
+    Library copy("copy", {.use = Use::memory});
+    copy.copyFrom(original.image());
+    expectAsItWas(copy);
+    EXPECT_TRUE(copy.isOfOlderVersion());
+    {
+      const Library::Transaction takenBack(copy);
+      copy.store(kMulti, Bytes{2}, "new");
+    }
+    expectAsItWas(copy);
+    EXPECT_TRUE(copy.isOfOlderVersion());
+    copy.store(kMulti, Bytes{2}, "new");
+    EXPECT_FALSE(copy.isOfOlderVersion());
+    EXPECT_THAT(copy.contents(), ElementsAre(kMulti, kVoice));
+    EXPECT_EQ(copy.content(kVoice), (Library::Content{"Piano", {1, 2, 3}}));
+  }
+  EXPECT_EQ(bytesOfFile(file), old_);
+  EXPECT_THAT(files(), ElementsAre("library.db"));
+}
+
 TEST_F(OldLibrary, IsReadAsItIs) {
   for (const Use use : {Use::read, Use::change}) {
     Library library(file, {.use = use});

@@ -14,6 +14,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using Bytes = Library::Bytes;
 using Kind = LibraryError::Kind;
 using Access = Library::Transaction::Access;
@@ -313,6 +314,8 @@ TEST_F(LibraryFileTest, WhatIsNoImageIsRefused) {
     try {
       copy.copyFrom(bytes);
     } catch (const LibraryError& error) {
+      EXPECT_THAT(error.what(), HasSubstr("/copy"));
+      EXPECT_THAT(error.reason(), Not(HasSubstr("copy"))) << "it stands for another one";
       return std::optional(error.kind());
     }
     return std::optional<Kind>();

@@ -62,6 +62,12 @@ TEST_F(Checks, WhatIsThereIsCounted) {
   EXPECT_THAT(count(), ElementsAre(3, 1, 1, 1));
 }
 
+TEST_F(Checks, LiveModelsAreInNoOtherFormat) {
+  Library(file).storeLive("voice", Bytes{1, 2, 3});
+  EXPECT_THAT(names(State::damaged), ElementsAre("voice:edit"));
+  EXPECT_THAT(names(State::opaque), IsEmpty());
+}
+
 TEST_F(Checks, ABitThatFlippedIsFoundWhereverItIs) {
   fill();
   damage("UPDATE content SET bytes = CAST(substr(bytes, 1, 40) || x'55' || substr(bytes, 42) AS BLOB) WHERE type = 4");

@@ -116,8 +116,10 @@ TEST_F(Undoing, AnUndoIsUndoneByItsNumber) {
 TEST_F(Undoing, APlaceThatChangedSinceIsAConflictAndNothingIsPutBack) {
   run("both");
   library.store(kVoice, Bytes{1}, "1");
+  library.setFavourite(kVoice, 1);
   library.store(kMulti, Bytes{1}, "1");
   store(kVoice, "2", {2});
+  library.setFavourite(kVoice, 0);
   const Undone refused = undoNow(1);
   EXPECT_EQ(refused.state, State::conflict);
   EXPECT_THAT(refused.conflicts, ElementsAre("voice:user1:6"));

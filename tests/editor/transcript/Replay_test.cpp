@@ -122,7 +122,7 @@ TEST_F(ReplayTest, AnotherLibraryAnswersOtherwise) {
   begin(false);
   const Library::Bytes image = editor->library().image();
   hand({editor->requestFor(kMaster)});
-  EXPECT_FALSE(Replay(finished()).hasLibrary());
+  EXPECT_TRUE(Replay(finished()).needsLibrary());
   EXPECT_EQ(differenceIn(text, image), "");
   EmbeddedEditor other;
   receive(other, unitOf(kMaster, BDA::List::master, 4));
@@ -153,10 +153,50 @@ TEST_F(ReplayTest, EveryAlteredByteOfEveryLineIsADifference) {
       const Replay::Result result = again(altered, library);
       ASSERT_TRUE(result.difference) << "line " << line << ": " << altered.substr(at > 20 ? at - 20 : 0, 40);
       ASSERT_EQ(result.difference->line, line) << result.difference->text << ", at " << altered.substr(at, 20);
-    } catch (const TranscriptError&) {
-      ASSERT_EQ(line, 1U);  // the first line says whether it is one
+    } catch (const TranscriptError& error) {  // which version it is the first line says alone
+      ASSERT_EQ(line, 1U);
+      ASSERT_THAT(error.what(), HasSubstr("of another version")) << altered.substr(0, 40);
     }
   }
+}
+
+TEST_F(ReplayTest, AFirstLineThatIsNoneWasOneWhereALineOfATranscriptStandsBehindIt) {
+  hand({request(kSystemRemote)});
+  const std::string whole = finished();
+  const std::string rest = whole.substr(whole.find('\n') + 1);
+  for (const std::string& head : {std::string(), std::string("x"), std::string("{}"), std::string("[]"),
+                                  whole.substr(0, 40), whole.substr(1, whole.find('\n') - 1)}) {
+    const Replay altered(head + '\n' + rest);
+    EXPECT_FALSE(altered.needsLibrary()) << head;
+    EXPECT_THAT(differenceIn(head + '\n' + rest), HasSubstr("line 1: ")) << head;
+  }
+  EXPECT_THAT(differenceIn(rest), HasSubstr("line 1: ")) << "it is missing";
+  EXPECT_THAT(differenceIn("x\n{\"library\": null}\n"), HasSubstr("line 1: "));
+  for (const char* const none :
+       {"x\n", "x\nx\n", "x\n[]\n", "x\n{}\n", "x\n\"direction\"\n", "{}\n\n{\"direction\": 1}\n"})
+    EXPECT_THROW(again(none), TranscriptError) << none;
+}
+
+TEST_F(ReplayTest, AFirstLineThatWasAlteredNeedsNoLibrary) {
+  begin(false);
+  hand({request(kSystemRemote)});
+  std::string altered = finished();
+  EXPECT_TRUE(Replay(altered).needsLibrary());
+  altered[altered.find("libraryName")] = 'L';
+  EXPECT_FALSE(Replay(altered).needsLibrary());
+  EXPECT_THAT(differenceIn(altered), HasSubstr("line 1: "));
+}
+
+TEST_F(ReplayTest, ALibraryOfVersion1IsMetAgain) {
+  const std::filesystem::path old = directory / "old.db";
+  makeOldLibrary(old);
+  editor.emplace(old);
+  begin();
+  hand({editor->requestFor(kMaster), request(kSystemRemote)});
+  hand(unitOf(kMaster, BDA::List::master, 3));
+  hand({editor->requestFor(kMaster)});
+  ASSERT_FALSE(editor->library().isOfOlderVersion());
+  EXPECT_EQ(differenceIn(finished()), "");
 }
 
 TEST_F(ReplayTest, ALineThatIsMissingOrTwiceThereIsADifference) {
@@ -332,7 +372,13 @@ TEST_F(ReplayTest, WhatIsNoTranscriptIsRefused) {
                                   "{\"transcript\": 1, \"library\": null, \"names\": 5}\n"}) {
     EXPECT_THROW(again(wrong), TranscriptError) << wrong;
   }
-  EXPECT_THROW(again("{\"transcript\": 1, \"library\": \"AAAA\"}\n"), LibraryError);
+  EXPECT_THROW(again("{\"transcript\": 1, \"library\": null}\n", Library::Bytes{0, 0, 0}), LibraryError);
+  try {
+    again("{\"transcript\": 1, \"library\": \"AAAA\"}\n");
+    ADD_FAILURE();
+  } catch (const TranscriptError& error) {
+    EXPECT_STREQ(error.what(), "the library in it: it is no library");
+  }
 }
 
 // Units whole and broken, requests, triggers, foreign messages, bytes of nothing, at any of the ports, with stores that

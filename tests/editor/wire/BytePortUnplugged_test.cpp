@@ -32,16 +32,30 @@ constexpr BulkAddress kPerformance{0x0E, 0x40, 0x00};
 
 bool never() { return false; }
 
+// Whoever opens them waits for nobody meanwhile.
+class FifosInUse {
+ public:
+  explicit FifosInUse(const std::string& name) {
+    for (const std::string& path : BytePort::pathsOf(name))
+      if (const int fifo = ::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC); fifo >= 0) fifos_.push_back(fifo);
+  }
+  FifosInUse(const FifosInUse&) = delete;
+  FifosInUse& operator=(const FifosInUse&) = delete;
+  ~FifosInUse() {
+    for (const int fifo : fifos_) ::close(fifo);
+  }
+
+ private:
+  std::vector<int> fifos_;
+};
+
 // A port of this machine and who is at its other end, in one thread. When so many bytes have passed, in both directions
 // together, that end is closed.
 class Unplugged final : public Port {
  public:
   // The names of both ends; that of the second empty: a pseudo terminal says it.
   Unplugged(const std::pair<std::string, std::string>& names, WireEnd& other, std::uint64_t bytes)
-      : far_(std::in_place, names.first, Direction::both),
-        near_(names.second.empty() ? far_->name() : names.second, Direction::both),
-        other_(other),
-        left_(bytes) {}
+      : Unplugged(names, other, bytes, FifosInUse(names.first)) {}
 
   const std::string& name() const override { return near_.name(); }
   Pacer::Takes takes() const override { return near_.takes(); }
@@ -81,6 +95,12 @@ class Unplugged final : public Port {
   void drain() override { near_.drain(); }
 
  private:
+  Unplugged(const std::pair<std::string, std::string>& names, WireEnd& other, std::uint64_t bytes, const FifosInUse&)
+      : far_(std::in_place, names.first, Direction::both),
+        near_(names.second.empty() ? far_->name() : names.second, Direction::both),
+        other_(other),
+        left_(bytes) {}
+
   std::span<const std::uint8_t> first(std::span<const std::uint8_t> bytes) const {
     return bytes.first(std::size_t(std::min<std::uint64_t>(bytes.size(), left_)));
   }

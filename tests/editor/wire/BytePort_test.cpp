@@ -7,8 +7,10 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
 #include <functional>
+#include <future>
 #include <string>
 #include <vector>
 
@@ -102,12 +104,14 @@ TEST(BytePort, TwoFifosAreAPort) {
   const Folder folder;
   const std::string up = folder.fifo("up");
   const std::string down = folder.fifo("down");
+  auto other =
+      std::async(std::launch::async, [&] { return std::make_unique<BytePort>(down + "," + up, Direction::both); });
   BytePort here(up + "," + down, Direction::both);
-  BytePort there(down + "," + up, Direction::both);
+  const std::unique_ptr<BytePort> there = other.get();
   EXPECT_EQ(here.defaultPace(), kNoPace);
   sendAll(here, everyByte());
-  EXPECT_EQ(receive(there, 256), everyByte());
-  sendAll(there, everyByte());
+  EXPECT_EQ(receive(*there, 256), everyByte());
+  sendAll(*there, everyByte());
   EXPECT_EQ(receive(here, 256), everyByte());
 }
 
@@ -142,11 +146,87 @@ TEST(BytePort, WhatCameBeforeIsThrownAway) {
 TEST(BytePort, WhatGoesIntoAFifoStaysThereForWhoReadsIt) {
   const Folder folder;
   const std::string fifo = folder.fifo("fifo");
-  BytePort out(fifo, Direction::out);
-  sendAll(out, everyByte());
-  EXPECT_TRUE(out.wait(out.now(), false).empty());
+  BytePort in(fifo, Direction::in);
+  {
+    BytePort out(fifo, Direction::out);
+    sendAll(out, everyByte());
+    EXPECT_TRUE(out.wait(out.now(), false).empty());
+  }
+  EXPECT_EQ(receive(in, 256), everyByte());
+}
+
+TEST(BytePort, ToWriteToAFifoIsToWaitForWhoReadsIt) {
+  const Folder folder;
+  const std::string fifo = folder.fifo("fifo");
+  std::promise<std::string> told;
+  auto writing = std::async(std::launch::async, [&] {
+    BytePort out(fifo, Direction::out, -1, [&](const std::string& path) { told.set_value(path); });  // once
+    sendAll(out, everyByte());
+  });
+  EXPECT_EQ(told.get_future().get(), fifo);
+  EXPECT_EQ(writing.wait_for(100ms), std::future_status::timeout);
   BytePort in(fifo, Direction::in);
   EXPECT_EQ(receive(in, 256), everyByte());
+  writing.get();
+}
+
+TEST(BytePort, WhoReadsAlreadyIsNotWaitedFor) {
+  const Folder folder;
+  const std::string fifo = folder.fifo("fifo");
+  const BytePort in(fifo, Direction::in);
+  const BytePort out(fifo, Direction::out, -1, [](const std::string& path) { ADD_FAILURE() << path; });
+}
+
+TEST(BytePort, SomebodyCanEndTheWaitForAReader) {
+  const Folder folder;
+  const std::string fifo = folder.fifo("fifo");
+  int wake[2];
+  ASSERT_EQ(::pipe(wake), 0);
+  try {
+    const auto wakeUp = [&](const std::string& path) {
+      EXPECT_EQ(path, fifo);
+      EXPECT_EQ(::write(wake[1], "x", 1), 1);
+    };
+    const BytePort port(fifo, Direction::out, wake[0], wakeUp);
+    ADD_FAILURE() << "nobody reads from it";
+  } catch (const PortError& error) {
+    EXPECT_EQ(error.kind(), PortError::Kind::cannotOpen);
+    EXPECT_EQ(error.what(), "port " + fifo + ": nobody reads from it");
+  }
+  ::close(wake[0]);
+  ::close(wake[1]);
+}
+
+TEST(BytePort, WhoHearsTooWaitsForNobodyWhoReads) {
+  const Folder folder;
+  BytePort port(folder.fifo("up") + "," + folder.fifo("down"), Direction::both, -1,
+                [](const std::string& path) { ADD_FAILURE() << path; });
+  sendAll(port, everyByte());
+}
+
+TEST(BytePort, AFifoHangsUpWhenWhoReadFromItHasGone) {
+  std::signal(SIGPIPE, SIG_IGN);
+  const Folder folder;
+  const std::string fifo = folder.fifo("fifo");
+  std::optional<BytePort> in(std::in_place, fifo, Direction::in);
+  BytePort out(fifo, Direction::out);
+  in.reset();
+  EXPECT_THROW(out.send(everyByte()), PortError);
+  EXPECT_THROW(out.wait(std::nullopt, true), PortError);
+}
+
+TEST(BytePort, TwoFifosHereAreAName) {
+  const Folder folder;
+  folder.fifo("up");
+  folder.fifo("down");
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path);
+  EXPECT_TRUE(BytePort::isName("up"));
+  EXPECT_TRUE(BytePort::isName("up,down"));
+  EXPECT_FALSE(BytePort::isName("up,"));
+  EXPECT_FALSE(BytePort::isName("up,nobody"));
+  EXPECT_FALSE(BytePort::isName("nobody,up"));
+  std::filesystem::current_path(before);
 }
 
 TEST(BytePort, OneFifoHasNotTwoDirections) {
@@ -159,8 +239,8 @@ TEST(BytePort, OneFifoHasNotTwoDirections) {
 TEST(BytePort, AFullFifoTakesWhatGoesAndWaitsForTheRest) {
   const Folder folder;
   const std::string fifo = folder.fifo("fifo");
-  BytePort out(fifo, Direction::out);
   BytePort in(fifo, Direction::in);
+  BytePort out(fifo, Direction::out);
   const Bytes much(1U << 20U, 0x55);
   std::span<const std::uint8_t> left = much;
   std::size_t received = 0;
