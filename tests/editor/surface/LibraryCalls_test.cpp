@@ -8,10 +8,9 @@
 #include "editor/contents/TemporaryLibrary.h"
 #include "editor/wire/WireFixture.h"
 
+namespace Editor {
 namespace {
 
-using Editor::BulkAddress;
-using Editor::Bytes;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
@@ -45,7 +44,7 @@ class LibraryCalls : public testing::Test {
 };
 
 TEST_F(LibraryCalls, WhatIsReceivedIsThereAndIsAnswered) {
-  const std::vector<Bytes> unit = Editor::unitOf(kVoice, BDA::List::normalVoice, 3);
+  const std::vector<Bytes> unit = unitOf(kVoice, BDA::List::normalVoice, 3);
   receive(unit);
   EXPECT_EQ(bda_library_contents(library, nullptr, &json), BDA_OK);
   EXPECT_THAT(take(json), StartsWith("{\"content\":\"voice:user1:6\""));
@@ -57,7 +56,7 @@ TEST_F(LibraryCalls, WhatIsReceivedIsThereAndIsAnswered) {
 }
 
 TEST_F(LibraryCalls, AMessageIsToldAsInTheTrace) {
-  const Bytes message = Editor::unitOf(kVoice, BDA::List::normalVoice).front();
+  const Bytes message = unitOf(kVoice, BDA::List::normalVoice).front();
   EXPECT_EQ(bda_library_handle(library, 1, message.data(), message.size(), hear, this, &json), BDA_OK);
   EXPECT_THAT(take(json), HasSubstr("\"outcome\":\"accepted\""));
   EXPECT_EQ(sent.size(), 1U) << "the echo";
@@ -96,7 +95,7 @@ TEST_F(LibraryCalls, WhatIsMisusedSaysSo) {
 }
 
 TEST_F(LibraryCalls, ALibraryThatCannotBeOpenedSaysWhy) {
-  Editor::TemporaryDirectory directory;
+  TemporaryDirectory directory;
   bda_library* missing = nullptr;
   EXPECT_EQ(bda_library_open((directory / "none.db").c_str(), BDA_OPEN_READ, &missing), BDA_UNUSABLE);
   ASSERT_NE(missing, nullptr);
@@ -108,22 +107,22 @@ TEST_F(LibraryCalls, ALibraryThatCannotBeOpenedSaysWhy) {
 }
 
 TEST_F(LibraryCalls, WhatOneHandleStoresAnotherOneReads) {
-  Editor::TemporaryDirectory directory;
+  TemporaryDirectory directory;
   const std::string file = directory / "library.db";
   bda_library_close(library);
   ASSERT_EQ(bda_library_open(file.c_str(), 0, &library), BDA_OK);
-  receive(Editor::unitOf(kVoice, BDA::List::normalVoice));
+  receive(unitOf(kVoice, BDA::List::normalVoice));
   bda_library* other = nullptr;
   ASSERT_EQ(bda_library_open(file.c_str(), BDA_OPEN_READ, &other), BDA_OK);
   EXPECT_EQ(bda_library_contents(other, "voice:user1", &json), BDA_OK);
   EXPECT_THAT(take(json), HasSubstr("voice:user1:6"));
-  const Bytes message = Editor::unitOf(kVoice, BDA::List::normalVoice).back();
+  const Bytes message = unitOf(kVoice, BDA::List::normalVoice).back();
   bda_library_close(other);
 }
 
 TEST(Verify, AFileIsJudgedByItself) {
   Bytes file;
-  for (const Bytes& message : Editor::unitOf(kVoice, BDA::List::normalVoice))
+  for (const Bytes& message : unitOf(kVoice, BDA::List::normalVoice))
     file.insert(file.end(), message.begin(), message.end());
   char* json = nullptr;
   char* error = nullptr;
@@ -143,3 +142,4 @@ TEST(Verify, AFileIsJudgedByItself) {
 }
 
 }  // namespace
+}  // namespace Editor
