@@ -227,16 +227,14 @@ FileJudgement judgeFile(ByteSource& source) {
   return judgement;
 }
 
-// What comes from a cable may begin like that, but it is no UTF-8
-// where a message begins: behind F0 there is none of the bytes that UTF-8 has there.
+// What comes from a cable may begin like that, but it is no UTF-8 where a message begins: behind F0 there is none of
+// the bytes that UTF-8 has there.
 bool isJson(ByteSource& source) {
-  const auto isBegun = [](Bytes text) {
-    if (std::ranges::equal(text.first(std::min(text.size(), kUtf8Mark.size())), kUtf8Mark, {},
-                           [](std::uint8_t byte) { return char(byte); }))
-      text = text.subspan(kUtf8Mark.size());
-    const auto begin = std::ranges::find_if(
-        text, [](std::uint8_t byte) { return kHexBlanks.find(char(byte)) == std::string_view::npos; });
-    return begin != text.end() && *begin == '{';
+  const auto isBegun = [](Bytes bytes) {
+    std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    if (text.starts_with(kUtf8Mark)) text.remove_prefix(kUtf8Mark.size());
+    const std::size_t begin = text.find_first_not_of(kHexBlanks);
+    return begin != std::string_view::npos && text[begin] == '{';
   };
   return isBegun(source.first(kMostBlanks)) && isUtf8(source.first(kFirstBytes));
 }

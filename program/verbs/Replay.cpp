@@ -24,13 +24,15 @@ Replay readTranscript(const std::string& file) {
 
 // The one that was asked for, or that of the transcript.
 std::optional<Library::Bytes> libraryFor(const Replay& transcript, const std::string& file) {
-  if (!file.empty()) try {
+  if (!file.empty()) {
+    try {
       Library library(file, {.use = Library::Use::read});
       const Library::Transaction oneState(library, Library::Transaction::Access::Read);
       return library.image();
     } catch (const LibraryError& error) {
       throw Failure(kUnusableInput, escape(error.what()));
     }
+  }
   if (!transcript.needsLibrary()) return std::nullopt;
   const std::string name = transcript.libraryName();
   throw Failure(kUnusableInput, name.empty() ? "nothing in it was handed to a library: there is nothing to replay"
