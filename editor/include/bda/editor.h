@@ -1,16 +1,20 @@
 /*
  * The library of an instrument, its messages and the wire to it, for C and for whatever can call C.
  *
- * Answers that have a structure are JSON, the same objects as the program `bda` prints with --json (docs/json.md), one
+ * Answers that have a structure are JSON: the same objects as the program `bda` prints with --json (docs/json.md), one
  * on each line, byte for byte. Addresses and places are written as on its command line: "voice:user1:6",
- * "voice:user1:1..16", "voice:user1", "0E 0A 05".
+ * "voice:user1:1..16", "voice:user1", "0E 0A 05"; several with a blank between them. Options are one JSON object, whose
+ * members have the long names of the program's options: {"kind": "voice", "where": ["voice.common[3]>64"]}; NULL: none.
  *
  * Text is UTF-8 and ends with a NUL; text that is none is answered with BDA_UNUSABLE. What a function hands out through
- * a pointer to a pointer belongs to the caller, who gives it to bda_free(); where a function fails it is NULL. What it
- * returns as `const char*` belongs to the library and is valid until the next call with the same handle.
+ * a pointer to a pointer belongs to the caller, who gives it to bda_free(); where nothing is handed out it is NULL. With
+ * BDA_OK and BDA_REFUSED an answer is handed out, where the function says nothing else; such a pointer may be NULL when
+ * nobody wants the answer. What a function returns as `const char*` belongs to the library and is valid until the next
+ * call with the same handle.
  *
- * A handle is used by one thread at a time; different handles may be used side by side. No function throws, ends the
- * program, or writes to standard output or error.
+ * A handle is used by one thread at a time; different handles may be used side by side. A handle that was made of
+ * another does not need it any longer, where nothing else is said. A function that is called back must not use the
+ * handle that calls it. No function throws, ends the program, or writes to standard output or error.
  */
 #ifndef BDA_EDITOR_H
 #define BDA_EDITOR_H
@@ -18,10 +22,10 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#if defined(_WIN32)
-#define BDA_EDITOR_API
-#else
+#if defined(__GNUC__)
 #define BDA_EDITOR_API __attribute__((visibility("default")))
+#else
+#define BDA_EDITOR_API
 #endif
 
 #ifdef __cplusplus
@@ -33,7 +37,8 @@ typedef enum bda_result {
   BDA_OK = 0,
   BDA_FAILED = 1,   /* the system failed: no space, no memory, a library that can no longer be read or written */
   BDA_UNUSABLE = 2, /* what was handed over is no address, no message file, no library, no UTF-8, ... */
-  BDA_REFUSED = 3,  /* something is refused, broken, damaged, different, lost or not found: the answer is there */
+  BDA_REFUSED = 3,  /* something is refused, broken, damaged, different, lost or not found; of what is changed all at
+                       once nothing is */
   BDA_MISUSED = 4   /* a null pointer, or calls in an order that this page does not allow */
 } bda_result;
 
@@ -41,6 +46,52 @@ typedef enum bda_result {
 BDA_EDITOR_API const char* bda_version(void);
 /* Gives back what a function has handed out; NULL is allowed. */
 BDA_EDITOR_API void bda_free(void* memory);
+
+/* Gets a System Exclusive message F0 to F7, and the port on which it goes out: 1, 4, 5 or 6. The bytes live as long as
+   the call. */
+typedef void (*bda_send)(void* context, unsigned port, const uint8_t* message, size_t size);
+
+/* ---- Files of messages --------------------------------------------------------------------------------------------
+ *
+ * One or more files in memory: .syx, .mid, .rmi, or text of hex digits. Messages are numbered through all of them.
+ */
+
+typedef struct bda_files bda_files;
+
+/* BDA_FAILED only where there is no memory for a handle. */
+BDA_EDITOR_API bda_result bda_files_new(bda_files** files);
+/* NULL is allowed. */
+BDA_EDITOR_API void bda_files_close(bda_files* files);
+/* What was wrong with the last call that was not BDA_OK, in words, a line for each; "" when nothing was. */
+BDA_EDITOR_API const char* bda_files_error(const bda_files* files);
+
+/* Adds a file, which is copied. `name` is what answers call it. BDA_UNUSABLE for what is no file of messages: it is not
+   added, and the error says what it seems to be. */
+BDA_EDITOR_API bda_result bda_files_add(bda_files* files, const char* name, const uint8_t* bytes, size_t size);
+
+/* As bda_library_name_parameters(), for bda_files_explain(). */
+BDA_EDITOR_API bda_result bda_files_name_parameters(bda_files* files, const char* names);
+
+/* Gets each message, its number from 1, and the offset of its F0 in its file. The bytes live as long as the call. */
+typedef void (*bda_visit)(void* context, uint64_t number, uint64_t offset, const uint8_t* message, size_t size);
+BDA_EDITOR_API bda_result bda_files_each(bda_files* files, bda_visit visit, void* context);
+
+/* Each message, as `bda list --json`. BDA_REFUSED where one is broken or bytes are lost. */
+BDA_EDITOR_API bda_result bda_files_list(bda_files* files, char** json);
+/* Each message and each unit, as `bda verify --json`. BDA_REFUSED where something is broken. */
+BDA_EDITOR_API bda_result bda_files_verify(bda_files* files, char** json);
+/* What each byte of a file is, as `bda explain FILE --json`; `file` counts from 0. */
+BDA_EDITOR_API bda_result bda_files_explain(bda_files* files, size_t file, char** json);
+/* What the byte at that offset is, as `bda explain FILE OFFSET --json`. */
+BDA_EDITOR_API bda_result bda_files_explain_byte(bda_files* files, size_t file, uint64_t offset, char** json);
+/* What is whole, as a backup has it, and requests for what is lost, as `bda salvage --json`. Options: "prefer" (the
+   name of a file), "merge", "fix-checksums". BDA_REFUSED where something is lost. */
+BDA_EDITOR_API bda_result bda_files_salvage(bda_files* files, const char* options, uint8_t** whole, size_t* whole_size,
+                                            uint8_t** requests, size_t* requests_size, char** json);
+/* The same messages in another form or to other places, as `bda convert -o --json`. Options: "format" ("syx", "mid" or
+   "txt", else "syx"), "place", "select" (addresses), "device" (1 to 16), "pause" (milliseconds). */
+BDA_EDITOR_API bda_result bda_files_convert(bda_files* files, const char* options, uint8_t** bytes, size_t* size,
+                                            char** json);
 
 /* ---- The library --------------------------------------------------------------------------------------------- */
 
@@ -59,26 +110,69 @@ enum {
  * handle. `flags`: 0 or BDA_OPEN_READ.
  */
 BDA_EDITOR_API bda_result bda_library_open(const char* path, unsigned flags, bda_library** library);
+/* A copy in memory: what is changed there tells what the same call would do, and changes nothing. */
+BDA_EDITOR_API bda_result bda_library_copy(bda_library* library, bda_library** copy);
+/* A library in memory that has received all dumps of the files, whatever device they are for. BDA_REFUSED, with a
+   handle, where something was refused or broken: bda_files_error() says what, the rest is there. What was never
+   received is not there, edit buffers and system settings too. */
+BDA_EDITOR_API bda_result bda_library_of_files(bda_files* files, bda_library** library);
 /* NULL is allowed. */
 BDA_EDITOR_API void bda_library_close(bda_library* library);
-/* What was wrong with the last call that was not BDA_OK, in words; "" when none was. */
+/* What was wrong with the last call that was not BDA_OK, in words, a line for each; "" when nothing was. */
 BDA_EDITOR_API const char* bda_library_error(const bda_library* library);
 
-/* What it holds, as `bda contents --json` says it: everything, or with `places` those of a place, a bank or a range. */
+/* Parameters and values have these names from now on, in answers and in what is asked: the text of a file of names
+   (docs/program.md). NULL: none. */
+BDA_EDITOR_API bda_result bda_library_name_parameters(bda_library* library, const char* names);
+
+/* What it holds, as `bda contents --json`: everything, or with `places` those of a place, a bank or a range. */
 BDA_EDITOR_API bda_result bda_library_contents(bda_library* library, const char* places, char** json);
-/* The parameters of `places`, as `bda show --json` says them; "system" and "additional" are places too. */
+/* The parameters of `places`, as `bda show --json`; "system" and "additional" are places too. */
 BDA_EDITOR_API bda_result bda_library_show(bda_library* library, const char* places, char** json);
+/* Contents by what is asked of them, as `bda find --json`. Options: "terms" (name patterns), "kind", "where"
+   (conditions), "favourite", "same-as", "like", "duplicates", "edit-buffers". BDA_REFUSED where nothing is found. */
+BDA_EDITOR_API bda_result bda_library_find(bda_library* library, const char* options, char** json);
+/* What two libraries do not have in common, as `bda diff --json`. BDA_REFUSED where they differ. */
+BDA_EDITOR_API bda_result bda_library_diff(bda_library* library, bda_library* other, char** json);
+/* The data bytes that carry a parameter, as `bda explain ADDRESS PATH --json`. */
+BDA_EDITOR_API bda_result bda_library_explain(bda_library* library, const char* place, const char* path, char** json);
+/* Whether everything in it can be read, as `bda check --json`. BDA_REFUSED where something is damaged. */
+BDA_EDITOR_API bda_result bda_library_check(bda_library* library, char** json);
+/* The newest entries of its history, as `bda history --json`; 0: all of them. */
+BDA_EDITOR_API bda_result bda_library_history(bda_library* library, size_t most, char** json);
+/* Its settings, as `bda settings --json`; with `name` one of them. */
+BDA_EDITOR_API bda_result bda_library_settings(bda_library* library, const char* name, char** json);
+/* The whole of it as messages, as `bda backup` writes them, and its manifest, as --manifest. BDA_REFUSED where
+   something is not in the backup: the error says what. */
+BDA_EDITOR_API bda_result bda_library_backup(bda_library* library, uint8_t** bytes, size_t* size, char** manifest);
 
-/* ---- Messages ------------------------------------------------------------------------------------------------ */
+/*
+ * Changes. Each is one entry of the history and on disk when its function returns, or nothing is changed. `json` gets
+ * what has changed, as the program's verb of that name prints it with --json; nothing where all was so before.
+ */
 
-/* Gets a message F0 to F7 that the instrument sends, and its port: 1, 4, 5 or 6. The bytes live as long as the call,
-   which uses no handle that is just being used. */
-typedef void (*bda_send)(void* context, unsigned port, const uint8_t* message, size_t size);
+/* Replaces a whole target by an object that bda_library_show() printed. */
+BDA_EDITOR_API bda_result bda_library_apply(bda_library* library, const char* place, const char* object, char** json);
+/* Gives a content or an edit buffer another name. */
+BDA_EDITOR_API bda_result bda_library_rename(bda_library* library, const char* place, const char* name, char** json);
+/* Makes voices favourites (`is_on` not 0), or no longer. */
+BDA_EDITOR_API bda_result bda_library_favourite(bda_library* library, const char* places, int is_on, char** json);
+/* What `from` holds, to `to`: places, banks or ranges. */
+BDA_EDITOR_API bda_result bda_library_copy_places(bda_library* library, const char* from, const char* to, char** json);
+BDA_EDITOR_API bda_result bda_library_move_places(bda_library* library, const char* from, const char* to, char** json);
+BDA_EDITOR_API bda_result bda_library_swap_places(bda_library* library, const char* from, const char* to, char** json);
+BDA_EDITOR_API bda_result bda_library_remove(bda_library* library, const char* places, char** json);
+/* Takes an entry of the history back; 0: the newest that is not undone. `is_forced`: also where places changed since. */
+BDA_EDITOR_API bda_result bda_library_undo(bda_library* library, int64_t entry, int is_forced, char** json);
+/* Sets a setting: "device-number", "6". */
+BDA_EDITOR_API bda_result bda_library_set(bda_library* library, const char* name, const char* value, char** json);
+/* Receives all dumps of the files, or none of them where one is broken or refused. Option: "any-device". */
+BDA_EDITOR_API bda_result bda_library_restore(bda_library* library, bda_files* files, const char* options, char** json);
 
 /*
  * Hands a message F0 to F7 to the instrument, as if it had come on that port (1 is the main one). What it stores is on
  * disk when this returns. `send` gets what it sends for that, NULL: nobody. `json`: what became of it, as a line of the
- * trace (docs/trace.md); may be NULL.
+ * trace (docs/trace.md).
  *
  * BDA_REFUSED where the instrument refuses the message, or the message is broken; BDA_FAILED where the library failed:
  * the message has changed nothing then.
@@ -91,12 +185,83 @@ BDA_EDITOR_API bda_result bda_library_handle(bda_library* library, unsigned port
  */
 BDA_EDITOR_API bda_result bda_library_request(bda_library* library, const char* places, bda_send send, void* context);
 
-/*
- * Judges the messages and units of a file (.syx, .mid, .rmi or hex text), as `bda verify --json` does. `name` stands in
- * the answer as the file's. BDA_REFUSED where something is broken: `json` has all of it. BDA_UNUSABLE where it is no
- * such file. `error` gets what was wrong, in words, or NULL; it may be NULL itself.
+/* ---- A stream of bytes --------------------------------------------------------------------------------------------
+ *
+ * Cuts what arrives, in pieces of any size, into messages F0 to F7. Every byte is part of a message or told as lost.
  */
-BDA_EDITOR_API bda_result bda_verify(const uint8_t* file, size_t size, const char* name, char** json, char** error);
+
+typedef struct bda_joiner bda_joiner;
+
+/* Bytes that became no message: the first at `offset` of the stream, how many, and why, in words that live for ever. */
+typedef void (*bda_drop)(void* context, uint64_t offset, uint64_t count, const char* reason);
+
+/* `message` gets each message, its number from 1 and its offset in the stream; `drop` may be NULL. */
+BDA_EDITOR_API bda_result bda_joiner_new(bda_visit message, bda_drop drop, void* context, bda_joiner** joiner);
+BDA_EDITOR_API bda_result bda_joiner_feed(bda_joiner* joiner, const uint8_t* bytes, size_t size);
+/* The stream ends: what had begun is told as lost. One that is fed afterwards begins anew, its offsets go on. */
+BDA_EDITOR_API bda_result bda_joiner_finish(bda_joiner* joiner);
+/* NULL is allowed. */
+BDA_EDITOR_API void bda_joiner_close(bda_joiner* joiner);
+
+/* ---- A wire -------------------------------------------------------------------------------------------------------
+ *
+ * What goes on at this end of a cable. It never waits and reads no clock: its owner hands it what arrives and the time,
+ * and asks it what goes out and when it wants to be called next. Times are microseconds since any moment, and never go
+ * back; those that would are taken as the last.
+ *
+ *   while (!bda_wire_is_done(wire)) {
+ *     bda_wire_tick(wire, now, send_bytes, context, &due);
+ *     ... wait until bytes arrive or it is `due` ...
+ *     bda_wire_feed(wire, now, bytes, size);
+ *     bda_wire_results(wire, &json);
+ *   }
+ *
+ * Options of all of them: "pace" ("cable", "usb", "none", or bytes a second; else "cable"), "pause" and "unit-pause"
+ * (milliseconds).
+ */
+
+typedef struct bda_wire bda_wire;
+
+/* Takes as many bytes as go without waiting, and answers how many. They live as long as the call. */
+typedef size_t (*bda_bytes_out)(void* context, const uint8_t* bytes, size_t size);
+
+#define BDA_NEVER INT64_MAX /* as a time: only when bytes arrive */
+
+/*
+ * Each stores a handle in *wire, also where it fails, as bda_library_open() does. The library lives, and is not used by
+ * others, until the handle is closed.
+ */
+
+/* Asks an instrument for `places` ("all": everything that can be requested) and stores what comes whole; results as of
+   `bda fetch --json`. Options: "timeout" (seconds), "retries", "atomic", "remove-empty". */
+BDA_EDITOR_API bda_result bda_wire_fetch(bda_library* library, const char* places, const char* options,
+                                         bda_wire** wire);
+/* Sends `places` of the library to an instrument; results as of `bda send --json`. Options: "to-edit-buffer", "verify",
+   "changed", "timeout" (seconds), "retries". */
+BDA_EDITOR_API bda_result bda_wire_send(bda_library* library, const char* places, const char* options,
+                                        bda_wire** wire);
+/* Sends the dumps of files; the same options. The device number that is asked is that of the library. */
+BDA_EDITOR_API bda_result bda_wire_send_files(bda_library* library, bda_files* files, const char* options,
+                                              bda_wire** wire);
+/* The library is the instrument at this end; results as of `bda instrument --json`. Options: "faults", "seed", "port",
+   "echo". It is done when it was stopped and all that it has to send is out. */
+BDA_EDITOR_API bda_result bda_wire_instrument(bda_library* library, const char* options, bda_wire** wire);
+
+/* NULL is allowed. What was not decided is lost; stop it before, and results say so. */
+BDA_EDITOR_API void bda_wire_close(bda_wire* wire);
+BDA_EDITOR_API const char* bda_wire_error(const bda_wire* wire);
+
+/* Bytes have arrived, cut anywhere. */
+BDA_EDITOR_API bda_result bda_wire_feed(bda_wire* wire, int64_t now, const uint8_t* bytes, size_t size);
+/* The time has come: `out` gets what goes out now, `due` when to call again, whatever arrives until then. */
+BDA_EDITOR_API bda_result bda_wire_tick(bda_wire* wire, int64_t now, bda_bytes_out out, void* context, int64_t* due);
+/* Ends it early: what has begun to go out goes out to its end, then it is done. */
+BDA_EDITOR_API bda_result bda_wire_stop(bda_wire* wire);
+/* 1: all is done, and everything sent; 0 else, and for NULL 1. */
+BDA_EDITOR_API int bda_wire_is_done(const bda_wire* wire);
+/* What became known since the last call, a line for each unit or message. BDA_REFUSED where something of it is lost,
+   different, unanswered or refused. */
+BDA_EDITOR_API bda_result bda_wire_results(bda_wire* wire, char** json);
 
 #ifdef __cplusplus
 }
