@@ -27,6 +27,13 @@ struct Record : Handed, Touched {
 // and what is too short for any message for somebody else's.
 bool isSilentlyBroken(const Record& record);
 
+// What of a message that was received is refused or broken, and so not there afterwards.
+struct ReceptionFault {
+  std::string kind;  // the same for those that are alike
+  std::string text;  // behind the place of the message
+};
+std::vector<ReceptionFault> faultsOf(const Record& record);
+
 // Hears what an editor is handed and what comes of it, in order. It uses no editor, and throws nothing but what the
 // library does.
 class EditorListener {

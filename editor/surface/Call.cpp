@@ -80,21 +80,12 @@ std::string_view textOf(const char* text, const char* what) {
   return text;
 }
 
-char* handOut(std::string_view text) {
-  auto* const copy = static_cast<char*>(std::malloc(text.size() + 1));
+Copy copyOf(std::string_view bytes) {
+  Copy copy(static_cast<char*>(std::malloc(bytes.size() + 1)), &std::free);
   if (copy == nullptr) throw std::bad_alloc();
-  std::memcpy(copy, text.data(), text.size());
-  copy[text.size()] = '\0';
+  std::memcpy(copy.get(), bytes.data(), bytes.size());
+  copy.get()[bytes.size()] = '\0';
   return copy;
-}
-
-void handOutError(const std::string& text, char** error) noexcept {
-  std::string ignored;
-  if (error == nullptr || text.empty()) return;
-  (void)call(ignored, [&] {
-    *error = handOut(text);
-    return BDA_OK;
-  });
 }
 
 }  // namespace Editor

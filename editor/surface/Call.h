@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -34,9 +37,15 @@ bda_result call(std::string& error, Act act) noexcept {
 void require(const void* pointer, const char* what);
 // A text of the caller. Throws CallFailure: BDA_MISUSED for a null pointer, BDA_UNUSABLE for what is no UTF-8.
 std::string_view textOf(const char* text, const char* what);
-// For bda_free(). Throws std::bad_alloc.
-char* handOut(std::string_view text);
-// The same for an error, if there is one and somebody wants it; without memory for it there is none.
-void handOutError(const std::string& text, char** error) noexcept;
+// What goes out, for bda_free(): text, or bytes with a NUL behind them. Throws std::bad_alloc.
+using Copy = std::unique_ptr<char, decltype(&std::free)>;
+Copy copyOf(std::string_view bytes);
+// The last thing that a call does, or one of several that cannot fail any more; null: nobody wants it.
+inline void handOut(Copy copy, char** out) noexcept {
+  if (out != nullptr) *out = copy.release();
+}
+inline void handOut(Copy copy, std::uint8_t** out) noexcept {
+  if (out != nullptr) *out = reinterpret_cast<std::uint8_t*>(copy.release());
+}
 
 }  // namespace Editor

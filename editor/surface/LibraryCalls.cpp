@@ -9,28 +9,16 @@
 #include "exchange/Answers.h"
 #include "history/History.h"
 #include "models/ModelJson.h"
-#include "surface/Call.h"
+#include "surface/Handles.h"
 #include "targets/Inventory.h"
 #include "targets/InventoryJson.h"
 #include "targets/TargetJson.h"
 #include "targets/TargetModels.h"
 #include "transcript/MessageJson.h"
 
-struct bda_library {
-  std::string error;
-  std::unique_ptr<Editor::EmbeddedEditor> editor;  // null: it could not be opened
-  std::uint64_t messages = 0;                      // that were handed over
-};
-
 namespace Editor {
 
 namespace {
-
-// The editor of a handle that is open.
-EmbeddedEditor& editorOf(bda_library* library) {
-  if (library->editor == nullptr) throw CallFailure{BDA_MISUSED, "the library could not be opened"};
-  return *library->editor;
-}
 
 // What is left out of an answer for it is damaged, in words: the answer is not whole then.
 class LeftOut {
@@ -123,7 +111,6 @@ const char* bda_library_error(const bda_library* library) {
 bda_result bda_library_contents(bda_library* library, const char* places, char** json) {
   if (json != nullptr) *json = nullptr;
   return callWith(library, [&](EmbeddedEditor& editor) {
-    require(json, "json");
     const std::vector<Places<Target>> asked =
         places == nullptr ? std::vector<Places<Target>>() : targetsIn(textOf(places, "places"));
     LeftOut leftOut(editor);
@@ -134,7 +121,7 @@ bda_result bda_library_contents(bda_library* library, const char* places, char**
       if (entry.isDamaged) leftOut.add(nameOf(entry.id), kItIsDamaged);
     }
     for (const Target& live : found.damaged) leftOut.add(live.name, kItIsDamaged);
-    *json = handOut(lines);
+    handOut(copyOf(lines), json);
     return leftOut.end(library->error);
   });
 }
@@ -142,13 +129,17 @@ bda_result bda_library_contents(bda_library* library, const char* places, char**
 bda_result bda_library_show(bda_library* library, const char* places, char** json) {
   if (json != nullptr) *json = nullptr;
   return callWith(library, [&](EmbeddedEditor& editor) {
-    require(json, "json");
-    const std::vector<Places<Target>> asked = targetsIn(textOf(places, "places"));
+    std::vector<Places<Target>> asked = targetsIn(textOf(places, "places"));
     LeftOut leftOut(editor);
     std::string lines;
     const EmbeddedEditor::View oneState(editor);
+    if (library->isOfFiles)
+      for (Places<Target>& one : asked) {
+        dropUnstored(editor, one.list);
+        if (one.list.empty()) throw CallFailure{BDA_REFUSED, one.name + ": it is in none of the files"};
+      }
     showAll(editor, asked, lines, leftOut);
-    *json = handOut(lines);
+    handOut(copyOf(lines), json);
     return leftOut.end(library->error);
   });
 }
@@ -161,7 +152,7 @@ bda_result bda_library_handle(bda_library* library, unsigned port, const uint8_t
     const std::span<const std::uint8_t> bytes(message, size);
     const Record record = editor.handle(bytes, BDA::DevicePortNum(port), ++library->messages);
     if (json != nullptr)
-      *json = handOut(jsonOf({library->messages, nullptr, {}}, BDA::DevicePortNum(port), bytes, record) + '\n');
+      handOut(copyOf(jsonOf({library->messages, nullptr, {}}, BDA::DevicePortNum(port), bytes, record) + '\n'), json);
     if (send != nullptr)
       for (const AssistantHost::Sent& sent : record.sent)
         send(context, sent.port, sent.bytes.data(), sent.bytes.size());

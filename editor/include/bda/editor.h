@@ -7,10 +7,9 @@
  * members have the long names of the program's options: {"kind": "voice", "where": ["voice.common[3]>64"]}; NULL: none.
  *
  * Text is UTF-8 and ends with a NUL; text that is none is answered with BDA_UNUSABLE. What a function hands out through
- * a pointer to a pointer belongs to the caller, who gives it to bda_free(); where nothing is handed out it is NULL. With
- * BDA_OK and BDA_REFUSED an answer is handed out, where the function says nothing else; such a pointer may be NULL when
- * nobody wants the answer. What a function returns as `const char*` belongs to the library and is valid until the next
- * call with the same handle.
+ * a pointer to a pointer belongs to the caller, who gives it to bda_free(). It is NULL where there is no answer, which
+ * with BDA_OK and with most of BDA_REFUSED there is; such a pointer may be NULL itself when nobody wants the answer. What
+ * a function returns as `const char*` belongs to the library and is valid until the next call with the same handle.
  *
  * A handle is used by one thread at a time; different handles may be used side by side. A handle that was made of
  * another does not need it any longer, where nothing else is said. A function that is called back must not use the
@@ -80,10 +79,10 @@ BDA_EDITOR_API bda_result bda_files_each(bda_files* files, bda_visit visit, void
 BDA_EDITOR_API bda_result bda_files_list(bda_files* files, char** json);
 /* Each message and each unit, as `bda verify --json`. BDA_REFUSED where something is broken. */
 BDA_EDITOR_API bda_result bda_files_verify(bda_files* files, char** json);
-/* What each byte of a file is, as `bda explain FILE --json`; `file` counts from 0. */
-BDA_EDITOR_API bda_result bda_files_explain(bda_files* files, size_t file, char** json);
-/* What the byte at that offset is, as `bda explain FILE OFFSET --json`. */
-BDA_EDITOR_API bda_result bda_files_explain_byte(bda_files* files, size_t file, uint64_t offset, char** json);
+/* What the bytes of a file are, `count` of them from `offset` on, or fewer when it ends; `file` counts from 0. As
+   `bda explain FILE --json`, which has all of them: of a text each that it writes, at the offset of its first digit. */
+BDA_EDITOR_API bda_result bda_files_explain(bda_files* files, size_t file, uint64_t offset, uint64_t count,
+                                            char** json);
 /* What is whole, as a backup has it, and requests for what is lost, as `bda salvage --json`. Options: "prefer" (the
    name of a file), "merge", "fix-checksums". BDA_REFUSED where something is lost. */
 BDA_EDITOR_API bda_result bda_files_salvage(bda_files* files, const char* options, uint8_t** whole, size_t* whole_size,

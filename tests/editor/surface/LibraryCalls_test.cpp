@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bda/editor.h"
@@ -49,8 +50,11 @@ TEST_F(LibraryCalls, WhatIsReceivedIsThereAndIsAnswered) {
   EXPECT_EQ(bda_library_contents(library, nullptr, &json), BDA_OK);
   EXPECT_THAT(take(json), StartsWith("{\"content\":\"voice:user1:6\""));
   EXPECT_EQ(bda_library_request(library, "voice:user1:6", hear, this), BDA_OK);
-  EXPECT_EQ(sent, unit);
   EXPECT_EQ(ports, std::vector<unsigned>(unit.size(), 1));
+  const std::vector<Bytes> first = std::exchange(sent, {});
+  receive(first);
+  EXPECT_EQ(bda_library_request(library, "voice:user1:6", hear, this), BDA_OK);
+  EXPECT_TRUE(sent == first) << "what it answers it would store again";
   EXPECT_EQ(bda_library_show(library, "voice:user1:6", &json), BDA_OK);
   EXPECT_THAT(take(json), StartsWith("{\"voice\":{"));
 }
@@ -85,9 +89,9 @@ TEST_F(LibraryCalls, WhatIsNotThereIsRefusedAndWhatIsNoPlaceIsUnusable) {
 TEST_F(LibraryCalls, WhatIsMisusedSaysSo) {
   EXPECT_EQ(bda_library_open("x", 0, nullptr), BDA_MISUSED);
   EXPECT_EQ(bda_library_contents(nullptr, nullptr, &json), BDA_MISUSED);
-  EXPECT_EQ(bda_library_contents(library, nullptr, nullptr), BDA_MISUSED);
-  EXPECT_THAT(bda_library_error(library), HasSubstr("json is NULL"));
+  EXPECT_EQ(bda_library_contents(library, nullptr, nullptr), BDA_OK) << "nobody wants the answer";
   EXPECT_EQ(bda_library_show(library, nullptr, &json), BDA_MISUSED);
+  EXPECT_THAT(bda_library_error(library), HasSubstr("places is NULL"));
   EXPECT_EQ(bda_library_handle(library, 1, nullptr, 3, nullptr, nullptr, nullptr), BDA_MISUSED);
   EXPECT_STREQ(bda_library_error(nullptr), "library is NULL");
   bda_library_close(nullptr);
@@ -118,27 +122,6 @@ TEST_F(LibraryCalls, WhatOneHandleStoresAnotherOneReads) {
   EXPECT_THAT(take(json), HasSubstr("voice:user1:6"));
   const Bytes message = unitOf(kVoice, BDA::List::normalVoice).back();
   bda_library_close(other);
-}
-
-TEST(Verify, AFileIsJudgedByItself) {
-  Bytes file;
-  for (const Bytes& message : unitOf(kVoice, BDA::List::normalVoice))
-    file.insert(file.end(), message.begin(), message.end());
-  char* json = nullptr;
-  char* error = nullptr;
-  EXPECT_EQ(bda_verify(file.data(), file.size(), "a.syx", &json, &error), BDA_OK);
-  EXPECT_THAT(json, HasSubstr("\"file\":\"a.syx\""));
-  EXPECT_EQ(error, nullptr);
-  bda_free(json);
-  EXPECT_EQ(bda_verify(file.data(), file.size() - 1, "a.syx", &json, &error), BDA_REFUSED);
-  EXPECT_THAT(json, HasSubstr("cut short"));
-  bda_free(json);
-  const Bytes text{'h', 'e', 'l', 'l', 'o'};
-  EXPECT_EQ(bda_verify(text.data(), text.size(), "a.txt", &json, &error), BDA_UNUSABLE);
-  EXPECT_EQ(json, nullptr);
-  EXPECT_THAT(error, HasSubstr("a.txt"));
-  bda_free(error);
-  EXPECT_EQ(bda_verify(nullptr, 5, "a.txt", &json, nullptr), BDA_MISUSED);
 }
 
 }  // namespace
