@@ -145,7 +145,7 @@ struct Database {
     // The newest entry is never removed: its number and those before are never given again.
     SQLite::Statement addEntry{database_,
                                "INSERT INTO entry(number, time, undoes, bytes, verb, sources) "
-                               "SELECT coalesce(max(number), 0) + 1, ?, ?, 0, ?, ? FROM entry"};
+                               "SELECT coalesce(max(number), 0) + 1, ?, ?, 0, ?, ? FROM entry WHERE number < ?"};
     SQLite::Statement growEntry{database_, "UPDATE entry SET bytes = bytes + ? WHERE number = ?"};
     SQLite::Statement isOpenEntry{database_,
                                   "SELECT EXISTS(SELECT 1 FROM entry WHERE number = ?1) AND "

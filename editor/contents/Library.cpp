@@ -342,8 +342,13 @@ void Library::listHistory(Listed rows, Statement& inOrder, Visit visit, const En
 std::vector<RecordedEntry> Library::recordedEntries() {
   return read([&] {
     std::map<std::int64_t, RecordedEntry, std::greater<>> newestFirst;
-    listHistory(Listed::entries, database_->reading->entries,
-                [&](const Query& row) { newestFirst.try_emplace(row.integer(0), recordedEntry(row)); });
+    listHistory(Listed::entries, database_->reading->entries, [&](const Query& row) {
+      const std::int64_t number = row.integer(0);
+      if (number >= 1 && number <= kLastEntry)
+        newestFirst.try_emplace(number, recordedEntry(row));
+      else
+        leaveOut({std::nullopt, tableOf(Listed::entries), "there is no entry " + std::to_string(number)});
+    });
     return valuesOf(newestFirst);
   });
 }
@@ -365,7 +370,15 @@ std::vector<RecordedChange> Library::recordedChanges(std::int64_t entry, bool wi
 }
 
 std::vector<std::int64_t> Library::missingEntries() {
-  return read([&] { return Editor::missingEntries(*database_); });
+  return read([&] {
+    try {
+      if (database_->hasWrongHistory()) throw SQLite::Exception(kWrongIndex, SQLITE_CORRUPT);
+      return Editor::missingEntries(*database_);
+    } catch (const SQLite::Exception& error) {
+      if (!tellUnread_ || !isDamage(error)) throw;  // else it is told of what is listed
+      return std::vector<std::int64_t>();
+    }
+  });
 }
 
 std::vector<std::pair<std::string, std::string>> Library::checkTables() {

@@ -90,8 +90,9 @@ bool Recorder::goesOn(Database& database) const {
 void Recorder::open(Database& database) {
   if (!goesOn(database)) {
     const auto time = std::chrono::duration_cast<std::chrono::seconds>(now_().time_since_epoch()).count();
-    Query(database.writing->addEntry, std::int64_t(time), run_.undoes, run_.verb, packed(run_.sources)).changes();
-    at_.entry = database.integer("SELECT max(number) FROM entry");
+    Query(database.writing->addEntry, std::int64_t(time), run_.undoes, run_.verb, packed(run_.sources), kLastEntry)
+        .changes();
+    at_.entry = database.integer("SELECT last_insert_rowid()");
     at_.hasBegun = true;
     untrimmed_ = kUntrimmedBytes;
   }

@@ -22,10 +22,14 @@ struct LibraryRun {
   bool isRenaming = false;                  // it changes nothing but names
 };
 
+// Entries are numbered from 1, and no number is used again: one that is larger nobody lives to see, and not every
+// reader of JSON can tell it from the next.
+inline constexpr std::int64_t kLastEntry = (std::int64_t{1} << 53) - 1;
+
 // An entry of the history as it stands in the file.
 struct RecordedEntry {
-  std::int64_t number = 0;  // from 1, never used again
-  std::int64_t time = 0;    // when it was begun, in seconds since 1970
+  std::int64_t number = 0;
+  std::int64_t time = 0;  // when it was begun, in seconds since 1970
   LibraryRun run;
   std::int64_t bytes = 0;  // as its changes say of themselves
 };

@@ -6,6 +6,7 @@
 #include "contents/ContentFormat.h"
 #include "history/History.h"
 #include "messages/AddressNames.h"
+#include "models/ContentAddress.h"
 #include "models/LiveKeys.h"
 
 namespace Editor {
@@ -47,7 +48,11 @@ class Checking {
   }
 
   void favourites() {
-    inTable("favourite", [&] { library_.favourites(); });
+    inTable("favourite", [&] {
+      for (const auto& [id, flag] : library_.favourites())
+        if (!canBeFavourite(id))
+          visit_({Checked::Kind::table, "favourite", State::damaged, nameOf(id) + ": it cannot be a favourite"});
+    });
   }
 
   void settings() {

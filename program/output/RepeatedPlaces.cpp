@@ -19,9 +19,11 @@ void RepeatedPlaces::add(const InputMessage& message, const Record& record) {
   if (reading.role == Role::trigger) return write(message, record);
   if (record.outcome == Outcome::refused || record.outcome == Outcome::ignored) return;
   switch (reading.role) {
-    case Role::fileDump:
-      return put(held_, placeNameOf(*reading.address), reading.removes ? Name() : partsOfFileDump(message.bytes).name,
-                 message);
+    case Role::fileDump: {
+      Name name;
+      if (!reading.removes) name = isBroken(reading) ? "" : partsOfFileDump(message.bytes).name;  // both are held
+      return put(held_, placeNameOf(*reading.address), std::move(name), message);
+    }
     case Role::footer: {
       const BulkAddress header{BDA::kHeaderHi, reading.address->mid, reading.address->lo};
       return put(stored_, placeNameOf(header), nameStoredBy(*reading.address), message);

@@ -2,6 +2,8 @@
 
 #include "history/History.h"
 
+#include <fmt/format.h>
+
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -16,6 +18,9 @@ void history(const HistoryOptions& options, Program& program) {
   const std::unique_ptr<Library> library = program.openLibraryToRead();
   const Library::Transaction oneState(*library, Library::Transaction::Access::Read);
   std::vector<HistoryEntry> entries = entriesOf(*library);
+  if (program.exitCode() == kAllGood)  // else what is missing may only be out of reach
+    for (const std::int64_t number : library->missingEntries())
+      program.leaveOutDamaged(fmt::format("entry {}", number), "it is not there, though changes of it are");
   if (options.most < entries.size()) entries.resize(options.most);
   for (const HistoryEntry& entry : entries) {
     const std::vector<PlaceChange> changes = changesOf(*library, entry.number);

@@ -352,6 +352,11 @@ TEST_F(Backup, ofAPlaceThatComesAgainItIsSaidWhatIsLeftOut) {
       if (words.front() == "diff") notes.resize(notes.size() / 2);
       EXPECT_EQ(notes, told) << testing::PrintToString(words);
     }
+  // One that is broken is held like any other, and says no name: it ends before that does.
+  write("broken.syx",
+        {dump({0x0C, 0x50, 0x00}, {0, 9, 1}), fileDump({0x0C, 0x50, 0x00}, "One", {1}), dump(kWriteTrigger)});
+  EXPECT_THAT(bda({"diff", "broken.syx", "broken.syx"}).err,
+              HasSubstr("file:multi:1" + again + "what came before is left out"));
   write("once.syx", {unit(kUserVoice, BDA::List::normalVoice, 0x41), systemDump(1)});
   ASSERT_THAT(bda({"restore", "once.syx"}), Exits(0));
   EXPECT_THAT(bda({"restore", "once.syx"}).err, Not(HasSubstr("more than once")))

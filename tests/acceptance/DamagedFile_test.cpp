@@ -449,6 +449,21 @@ TEST_F(DamagedFile, anEntryOfTheHistoryThatIsNoneIsNamedAndNotUndone) {
   change("DELETE FROM entry WHERE number = 6");
   EXPECT_THAT(bda({"check"}).out, HasSubstr("entry 6: it is not there"));
   EXPECT_THAT(bda({"check"}), Exits(3));
+  EXPECT_THAT(bda({"history"}), Exits(3));
+  EXPECT_THAT(bda({"history"}).err, HasSubstr("entry 6: left out: it is not there"));
+}
+
+TEST_F(DamagedFile, anEntryOfANumberThatThereCannotBeIsLeftOut) {
+  const std::size_t entries = objects({"history", "--json"}).size();
+  change(
+      "INSERT INTO entry(number, time, bytes, verb, sources) VALUES(-7, 0, 0, 'x', x''), "
+      "(9223372036854775807, 0, 0, 'x', x'')");
+  const Result history = bda({"history", "--json"});
+  EXPECT_THAT(history, Exits(3));
+  EXPECT_EQ(std::ranges::count(history.out, '\n'), std::ptrdiff_t(entries));
+  EXPECT_THAT(history.err, HasSubstr("there is no entry -7"));
+  ok({"favourite", "voice:user1:3", "on"});
+  ok({"undo"});
 }
 
 TEST_F(DamagedFile, aPageOfTheHistoryLosesNoMoreThanStandsOnIt) {

@@ -3,7 +3,7 @@
 cmake_minimum_required(VERSION 3.25)
 set(runtime "lib/libbda(-platform)?[.]so[.][0-9.]+")
 set(program "bin/bda|share/man/man1/bda[.]1|share/bash-completion/completions/bda")
-string(APPEND program "|share/zsh/vendor-completions/_bda|share/bda/bda[.]schema[.]json")
+string(APPEND program "|share/zsh/vendor-completions/_bda|share/bda/bda[.](schema[.]json|ksy)")
 set(development "include/bda/.+[.]h|lib/libbda(-platform)?[.]so|lib/pkgconfig/bda(-platform)?[.]pc")
 string(APPEND development "|lib/cmake/bda/bda(Config|ConfigVersion|SameMinorVersion|-targets(-[a-z]+)?)[.]cmake")
 set(editor-runtime "lib/libbda-editor[.]so[.][0-9.]+")

@@ -147,6 +147,26 @@ TEST_F(Checks, AnEntryUndoesOneThatWasThereBeforeIt) {
   EXPECT_THAT(names(State::damaged), IsEmpty()) << "the oldest go, and leave their undos";
 }
 
+TEST_F(Checks, AnEntryHasANumberThatCanBeGiven) {
+  for (const char* number : {"0", "-7", "9007199254740992", "9223372036854775807"}) {
+    std::filesystem::remove(file);
+    fill();
+    damage(std::string("INSERT INTO entry(number, time, bytes, verb, sources) VALUES(") + number + ", 0, 0, 'x', x'')");
+    EXPECT_THAT(names(State::damaged), ElementsAre("entry")) << number;
+    EXPECT_EQ(found(State::damaged).at(0).reason, std::string("there is no entry ") + number);
+    Library(file).store(kVoice, Bytes{1}, "goes on");
+    EXPECT_EQ(Library(file).recordedEntries().front().number, 3) << number;
+  }
+}
+
+TEST_F(Checks, AFlagStandsWhereThereCanBeOne) {
+  fill();
+  Library(file).setFavourite(kVoice, 1);
+  EXPECT_THAT(names(State::damaged), IsEmpty());
+  Library(file).setFavourite(kMulti, 1);
+  EXPECT_THAT(found(State::damaged).at(0).reason, HasSubstr("it cannot be a favourite"));
+}
+
 TEST_F(Checks, ALibraryOfVersion1IsCheckedAsItIs) {
   makeOldLibrary(file);
   EXPECT_THAT(names(State::damaged), IsEmpty());
