@@ -24,8 +24,11 @@ class Backup(NamedTuple):
 def _bytes_of(data: Bytes | SysexMessage) -> Bytes:
     if isinstance(data, bytes | bytearray | memoryview):
         return data
-    if data.type != "sysex":
-        raise Unusable(f"{data.type} is no System Exclusive message")
+    kind = getattr(data, "type", None)
+    if kind is None:
+        raise TypeError(f"bytes or a message of mido, not {type(data).__name__}")
+    if kind != "sysex":
+        raise Unusable(f"{kind} is no System Exclusive message")
     return bytes(data.bytes())
 
 
