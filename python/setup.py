@@ -3,21 +3,28 @@
 import runpy
 from pathlib import Path
 
-from setuptools import setup
+from setuptools import Distribution, setup
 from wheel.bdist_wheel import bdist_wheel
 
 HERE = Path(__file__).parent
 
 
-class Wheel(bdist_wheel):
-    """Without a library beside the package it is for any machine, and finds the library that is installed there."""
+class Package(Distribution):
+    """Without a library beside it, it is for any machine, and finds the library that is installed there."""
 
-    def finalize_options(self) -> None:
-        super().finalize_options()
-        self.root_is_pure = not any(HERE.glob("bda/*.so.*"))
+    def has_ext_modules(self) -> bool:
+        return any(HERE.glob("bda/*.so.*"))
+
+
+class Wheel(bdist_wheel):
+    """Nothing in it was compiled for one Python."""
 
     def get_tag(self) -> tuple[str, str, str]:
-        return ("py3", "none", "any" if self.root_is_pure else super().get_tag()[2])
+        return ("py3", "none", super().get_tag()[2])
 
 
-setup(version=runpy.run_path(str(HERE / "bda" / "_header.py"))["version"](), cmdclass={"bdist_wheel": Wheel})
+setup(
+    version=runpy.run_path(str(HERE / "bda" / "_header.py"))["version"](),
+    distclass=Package,
+    cmdclass={"bdist_wheel": Wheel},
+)

@@ -29,7 +29,8 @@ class Unusable(Error):
 class Refused(Error):
     """Something is refused, broken, damaged, different, lost or not found.
 
-    Of what is changed all at once nothing is. What is asked is answered all the same, in `answer`, as far as it goes.
+    What is asked is answered all the same, in `answer`, as far as it goes; of a change it says what was changed. None:
+    there is no answer, and nothing is changed.
     """
 
 

@@ -245,24 +245,27 @@ class Library(Asked):
         """Makes voices favourites, or no longer."""
         return self._ask("bda_library_favourite", _joined(places), int(on))
 
-    def copy_places(self, source: str, to: str) -> Answer[Json]:
-        """What `source` holds, to `to`: places, banks or ranges."""
-        return self._ask("bda_library_copy_places", text(source, "the source"), text(to, "to"))
+    def copy_places(self, source: str, to: str, *, strict: bool = True) -> Answer[Json]:
+        """What `source` holds, to `to`: a place, a bank or a range each. `Refused`: what is damaged was left there."""
+        return self._ask("bda_library_copy_places", text(source, "the source"), text(to, "to"), strict=strict)
 
-    def move_places(self, source: str, to: str) -> Answer[Json]:
+    def move_places(self, source: str, to: str, *, strict: bool = True) -> Answer[Json]:
         """The same, and empties `source`."""
-        return self._ask("bda_library_move_places", text(source, "the source"), text(to, "to"))
+        return self._ask("bda_library_move_places", text(source, "the source"), text(to, "to"), strict=strict)
 
-    def swap_places(self, source: str, to: str) -> Answer[Json]:
+    def swap_places(self, source: str, to: str, *, strict: bool = True) -> Answer[Json]:
         """What `source` holds, to `to`, and the other way round."""
-        return self._ask("bda_library_swap_places", text(source, "the source"), text(to, "to"))
+        return self._ask("bda_library_swap_places", text(source, "the source"), text(to, "to"), strict=strict)
 
     def remove(self, *places: str) -> Answer[Json]:
         """Removes what stands there."""
         return self._ask("bda_library_remove", _joined(places))
 
     def undo(self, entry: int = 0, *, force: bool = False) -> Answer[Json]:
-        """Takes an entry of the history back; 0: the newest that is not undone. `force`: though places changed since."""
+        """Takes an entry of the history back; 0: the newest that is neither undone nor an undo.
+
+        `force`: though places changed since.
+        """
         return self._ask("bda_library_undo", entry, int(force))
 
     def set(self, name: str, value: str) -> Answer[Json]:
