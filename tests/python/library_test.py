@@ -1,6 +1,8 @@
 """A library receives, holds, shows and is asked."""
 
+import sqlite3
 from collections.abc import Callable
+from contextlib import closing
 from pathlib import Path
 
 import pytest
@@ -11,6 +13,7 @@ from hypothesis import strategies as some
 import bda
 
 PLACE = "voice:user1:1"
+ascii_but_nul = some.characters(min_codepoint=1, max_codepoint=127)
 
 
 @pytest.mark.parametrize("file", sorted(EXAMPLES.glob("*.syx")), ids=lambda file: str(file.stem))
@@ -21,6 +24,39 @@ def test_what_is_received_is_requested_back_the_same(library: bda.Library, file:
     # A unit by its header, what is whole by itself; blocks and footers come with their header.
     wanted = [address for address in addresses if address[:2] in ("00", "0C", "0E", "11")]
     assert b"".join(library.request(*wanted)) == file.read_bytes()
+
+
+def framed(address: bytes, data: bytes = b"") -> bytes:
+    """A dump, with its byte count and checksum."""
+    body = bytes([len(data) >> 7, len(data) & 0x7F]) + address + data
+    return b"\xf0\x7d\x00\x7f\x14" + body + bytes([-sum(body) & 0x7F]) + b"\xf7"
+
+
+@given(some.integers(0x0A, 0x0C), some.integers(0, 127), some.text(ascii_but_nul, min_size=20, max_size=20))
+def test_any_voice_is_requested_back_the_same(bank: int, number: int, name: str) -> None:
+    with bda.Files(EXAMPLES / "normal-voice.syx") as files:
+        _, common, *others, _ = files
+    messages = [
+        framed(bytes([0x0E, bank, number])),
+        framed(common[7:10], name.encode() + common[10 + len(name) : -2]),
+        *others,
+        framed(bytes([0x0F, bank, number])),
+    ]
+    with bda.Library() as library:
+        library.receive(b"".join(messages))
+        assert library.request(messages[0][7:10].hex()) == messages
+
+
+def test_a_library_that_fails_ends_it(tmp_path: Path, voice: bytes) -> None:
+    with bda.Library(tmp_path / "library.db") as library, closing(sqlite3.connect(tmp_path / "library.db")) as other:
+        library.receive(voice)
+        other.execute("BEGIN IMMEDIATE")
+        with pytest.raises(bda.Failed, match="locked") as caught:
+            library.receive(b"\x01" + (EXAMPLES / "drum-voice.syx").read_bytes())
+        assert caught.value.answer == []
+        assert len(caught.value.answer.problems) == 2
+        other.rollback()
+        assert [line["content"] for line in library.contents()] == [PLACE]
 
 
 def test_each_message_has_a_line(library: bda.Library, voice: bytes) -> None:

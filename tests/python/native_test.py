@@ -4,8 +4,10 @@ import gc
 import os
 import resource
 import shutil
+import sqlite3
 import subprocess
 import sys
+import weakref
 from collections.abc import Callable
 from pathlib import Path
 from typing import Any
@@ -120,6 +122,19 @@ def test_a_handle_that_nobody_has_any_more_is_closed(tmp_path: Path, voice: byte
     del forgotten
     gc.collect()
     assert open_files() == 0
+
+
+def test_a_stream_that_nobody_has_any_more_is_closed() -> None:
+    forgotten = weakref.ref(bda.Joiner())
+    gc.collect()
+    assert forgotten() is None
+
+
+def test_sqlite_is_that_of_python() -> None:
+    """Two of them in one process would lose each other's locks."""
+    with sqlite3.connect(":memory:"), bda.Library():
+        mapped = Path("/proc/self/maps").read_text().splitlines()
+    assert len({line.split()[-1] for line in mapped if "libsqlite3" in line}) == 1
 
 
 @pytest.mark.parametrize(

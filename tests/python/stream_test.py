@@ -8,7 +8,9 @@ import bda
 
 # Bytes as a wire has them: some of anything, many of what begins and ends messages.
 wire_bytes = some.lists(
-    some.one_of(some.binary(max_size=8), some.sampled_from([b"\xf0", b"\xf7", b"\xf8", b"\xf0\x7d\x00\xf7", b"\x01" * 30]))
+    some.one_of(
+        some.binary(max_size=8), some.sampled_from([b"\xf0", b"\xf7", b"\xf8", b"\xf0\x7d\x00\xf7", b"\x01" * 30])
+    )
 ).map(b"".join)
 
 
