@@ -9,6 +9,7 @@ from hypothesis import given
 from hypothesis import strategies as some
 
 import bda
+from bda._native import native
 
 json_values = some.recursive(
     some.none() | some.booleans() | some.integers() | some.floats() | some.text(),
@@ -110,6 +111,19 @@ def test_captures_complete_each_other(voice: bytes) -> None:
         kept = files.salvage(prefer="b.syx")
     assert kept.units[0]["state"] == "completed"
     assert kept.whole == voice
+
+
+@pytest.mark.skipif(not hasattr(native(), "bda_files_convert"), reason="the library does not convert yet")
+def test_files_are_converted(voice: bytes) -> None:
+    with bda.Files(EXAMPLES / "normal-voice.syx") as files:
+        moved = files.convert(place="voice:user2:7")
+        assert moved.units[0]["unit"] == "voice:user2:7"
+        text = files.convert(format="txt").data
+    with bda.Files() as files, bda.Library() as library:
+        files.add("text", text)
+        assert b"".join(files) == voice
+        library.receive(moved.data)
+        assert [line["content"] for line in library.contents()] == ["voice:user2:7"]
 
 
 def test_an_option_that_does_not_exist_is_refused_with_the_nearest() -> None:

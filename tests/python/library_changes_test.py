@@ -180,22 +180,10 @@ def test_what_is_broken_is_not_restored(voice: bytes) -> None:
 def test_other_devices_are_restored_when_that_is_asked(voice: bytes) -> None:
     with bda.Files(EXAMPLES / "normal-voice.syx") as files, bda.Library() as library:
         library.set("device-number", "7")
-        with pytest.raises(bda.Unusable):
+        with pytest.raises(bda.Refused, match="device"):
             library.restore(files)
         assert library.restore(files, any_device=True)
         assert names(library) == {PLACE: NAME}
-
-
-def test_files_are_converted(voice: bytes) -> None:
-    with bda.Files(EXAMPLES / "normal-voice.syx") as files:
-        moved = files.convert(place="voice:user2:7")
-        assert moved.units[0]["unit"] == "voice:user2:7"
-        text = files.convert(format="txt").data
-    with bda.Files() as files, bda.Library() as library:
-        files.add("text", text)
-        assert b"".join(files) == voice
-        library.receive(moved.data)
-        assert names(library) == {"voice:user2:7": NAME}
 
 
 def test_any_options_find_or_are_an_exception(stored: bda.Library) -> None:
