@@ -255,7 +255,7 @@ bda_result bda_library_of_files(bda_files* files, bda_library** library) {
         [&](const InputMessage& message, std::size_t) {
           const Reading reading = readMessage(message.bytes);
           if (reading.kind == Reading::Kind::foreign) return;
-          for (const ReceptionFault& fault :
+          for (const MessageFault& fault :
                faultsOf(editor.handle(reading, message.bytes, BDA::DevicePort_Main, message.number)))
             doubts.add(fmt::format("{}: {}", placeOf(message), fault.text));
         },
