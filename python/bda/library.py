@@ -116,7 +116,7 @@ class Library(Asked):
         """Hands messages to the instrument, one after another, as if they had come on that port (1 is the main one).
 
         `data`: one message or several, F0 to F7 each, or a sysex message of mido. What a message stores is on disk
-        before the next is handed over. The answer has a line of the trace for each. `send` gets what the instrument
+        before the next is handed over; in the history they are one entry. The answer has a line of the trace for each. `send` gets what the instrument
         sends for a message when that was handled; what it raises comes out of this, and leaves the rest unhandled.
 
         `Refused` where the instrument refused a message, where one is broken, or where bytes are in no message: that is
@@ -164,7 +164,7 @@ class Library(Asked):
         return sent, became
 
     def restore(self, files: Files, *, any_device: bool = False) -> Answer[Json]:
-        """Receives all dumps of the files, or none of them where one is broken or refused."""
+        """Receives all dumps of the files, or none of them: where one is broken or refused, or a unit is open here."""
         chosen = options({"any_device": any_device or None})
         return self._ask("bda_library_restore", files._open, chosen)
 
