@@ -116,8 +116,9 @@ class Library(Asked):
         """Hands messages to the instrument, one after another, as if they had come on that port (1 is the main one).
 
         `data`: one message or several, F0 to F7 each, or a sysex message of mido. What a message stores is on disk
-        before the next is handed over; in the history they are one entry. The answer has a line of the trace for each. `send` gets what the instrument
-        sends for a message when that was handled; what it raises comes out of this, and leaves the rest unhandled.
+        before the next is handed over; in the history they are one entry. The answer has a line of the trace for each.
+        `send` gets what the instrument sends for a message when that was handled; what it raises comes out of this, and
+        leaves the rest unhandled.
 
         `Refused` where the instrument refused a message, where one is broken, or where bytes are in no message: that is
         raised when all the others were handled. `Failed` ends it at once: that message has changed nothing.
