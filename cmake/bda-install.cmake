@@ -54,7 +54,7 @@ endfunction()
 if(NOT BDA_DEBS)  # whose packages have their own form of it
   set(components runtime development)
   if(BDA_EDITOR)
-    list(APPEND components editor-runtime editor-development program)
+    list(APPEND components editor-runtime editor-development program python)
   endif()
   foreach(component IN LISTS components)
     install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/bda COMPONENT ${BDA_COMPONENT}${component})

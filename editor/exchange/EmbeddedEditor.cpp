@@ -34,16 +34,15 @@ bool isSilentlyBroken(const Record& record) {
   return record.outcome != Outcome::refused && record.reading.verdict == Reading::Verdict::fileDumpBroken;
 }
 
-std::vector<ReceptionFault> faultsOf(const Record& record) {
-  std::vector<ReceptionFault> faults;
+std::vector<MessageFault> faultsOf(const Record& record) {
+  std::vector<MessageFault> faults;
   const Reading& reading = record.reading;
   // A request is only for what it does to a unit that is open.
   if (record.outcome == Outcome::refused && reading.kind != Reading::Kind::request)
     faults.push_back({"refused: " + escape(record.reasonInCommon),
                       "refused: " + describeContent(reading) + ": " + escape(record.reason)});
   if (isSilentlyBroken(record)) faults.push_back({wordOf(reading.verdict), describeFault(reading)});
-  for (const UnitReport& unit : record.ended)
-    if (isBroken(unit)) faults.push_back({wordOf(unit.state), describeUnit(unit)});
+  for (MessageFault& fault : faultsIn(record.ended)) faults.push_back(std::move(fault));
   return faults;
 }
 

@@ -5,9 +5,11 @@
 #include <exception>
 #include <new>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 
 #include "contents/Library.h"
 #include "messages/MessageReader.h"
+#include "targets/TargetJson.h"
 #include "targets/Targets.h"
 
 namespace Editor {
@@ -49,6 +51,12 @@ bda_result resultOfException(std::string& error) noexcept {
   } catch (const TargetError& refused) {
     say(error, refused.what());
     return refused.kind() == TargetError::Kind::noTarget ? BDA_UNUSABLE : BDA_REFUSED;
+  } catch (const TargetJsonError& other) {
+    say(error, other.what());
+    return BDA_UNUSABLE;
+  } catch (const std::invalid_argument& wrong) {
+    say(error, wrong.what());
+    return BDA_UNUSABLE;
   } catch (const LibraryError& failed) {
     say(error, failed.what());
     return resultOf(failed);
@@ -81,6 +89,7 @@ std::string_view textOf(const char* text, const char* what) {
 }
 
 Copy copyOf(std::string_view bytes) {
+  // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): C gives it back
   Copy copy(static_cast<char*>(std::malloc(bytes.size() + 1)), &std::free);
   if (copy == nullptr) throw std::bad_alloc();
   std::memcpy(copy.get(), bytes.data(), bytes.size());

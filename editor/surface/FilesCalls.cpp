@@ -6,16 +6,14 @@
 #include <new>
 
 #include "explain/ExplainJson.h"
-#include "messages/MessageReader.h"
 #include "messages/ReadingJson.h"
 #include "messages/Text.h"
 #include "messages/Verification.h"
 #include "midi/Counted.h"
 #include "models/ModelJson.h"
-#include "names/NameFile.h"
 #include "salvage/Salvage.h"
 #include "salvage/SalvageJson.h"
-#include "surface/Handles.h"
+#include "surface/FilesReading.h"
 #include "surface/Options.h"
 
 namespace Editor {
@@ -31,28 +29,6 @@ bda_result callWith(bda_files* files, Act act) noexcept {
     act(doubts);
     return doubts.end(files->error);
   });
-}
-
-// Visits each piece of all files, with the number of its file.
-template <typename VisitMessage, typename VisitLoss>
-void readAll(const bda_files& files, VisitMessage visitMessage, VisitLoss visitLoss) {
-  std::size_t number = 0;
-  MessageReader reader([&](const InputMessage& message) { visitMessage(message, number); },
-                       [&](const InputLoss& loss) { visitLoss(loss, number); });
-  for (const bda_files::File& file : files.list) {
-    BytesInMemory bytes(file.bytes);
-    reader.read(bytes, file.name);
-    ++number;
-  }
-}
-
-std::string placeOf(const InputMessage& message) {
-  return fmt::format("{}: message {} at offset {}", escape(message.file), message.number, message.offset);
-}
-
-// What of a file is lost is told, where that breaks a message or the file.
-void doubtLoss(const InputLoss& loss, Doubts& doubts) {
-  if (isBroken(loss)) doubts.add(fmt::format("{}: at offset {}: {}", escape(loss.file), loss.offset, loss.reason));
 }
 
 const MessageFile& explainedFile(bda_files& files, std::size_t number) {
@@ -93,7 +69,7 @@ std::string joined(const Messages& messages) {
 
 }  // namespace Editor
 
-using namespace Editor;
+using namespace Editor;  // NOLINT(google-build-using-namespace): functions of C have none
 
 bda_result bda_files_new(bda_files** files) {
   if (files == nullptr) return BDA_MISUSED;
@@ -120,13 +96,7 @@ bda_result bda_files_add(bda_files* files, const char* name, const uint8_t* byte
 }
 
 bda_result bda_files_name_parameters(bda_files* files, const char* names) {
-  return callWith(files, [&](Doubts&) {
-    NameLists lists;
-    if (names != nullptr)
-      if (const std::string wrong = parseNames(textOf(names, "names"), lists); !wrong.empty())
-        throw CallFailure{BDA_UNUSABLE, wrong};
-    files->names = std::move(lists.parameters);
-  });
+  return callWith(files, [&](Doubts&) { files->names = parameterNamesIn(names); });
 }
 
 bda_result bda_files_each(bda_files* files, bda_visit visit, void* context) {
@@ -150,7 +120,7 @@ bda_result bda_files_list(bda_files* files, char** json) {
         [&](const InputMessage& message, std::size_t) {
           const Reading reading = readMessage(message.bytes);
           lines += jsonLine(toJson(message, reading)) + '\n';
-          if (isBroken(reading)) doubts.add(fmt::format("{}: {}", placeOf(message), describeFault(reading)));
+          doubt(faultsIn(reading), placeOf(message), doubts);
         },
         [&](const InputLoss& loss, std::size_t) {
           lines += jsonLine(toJson(loss)) + '\n';
@@ -176,7 +146,7 @@ bda_result bda_files_verify(bda_files* files, char** json) {
         [&](const InputMessage& message, std::size_t) {
           const Reading reading = readMessage(message.bytes);
           lines += jsonLine(toJson(message, reading)) + '\n';
-          if (isBroken(reading)) doubts.add(fmt::format("{}: {}", placeOf(message), describeFault(reading)));
+          doubt(faultsIn(reading), placeOf(message), doubts);
           tell(verification.next(reading, message.number));
         },
         [&](const InputLoss& loss, std::size_t) {
@@ -205,14 +175,14 @@ bda_result bda_files_explain(bda_files* files, size_t number, uint64_t offset, u
   });
 }
 
-bda_result bda_files_salvage(bda_files* files, const char* options, uint8_t** whole, size_t* whole_size,
-                             uint8_t** requests, size_t* requests_size, char** json) {
+bda_result bda_files_salvage(bda_files* files, const char* options, uint8_t** whole, size_t* wholeSize,
+                             uint8_t** requests, size_t* requestsSize, char** json) {
   if (json != nullptr) *json = nullptr;
   if (whole != nullptr) *whole = nullptr;
   if (requests != nullptr) *requests = nullptr;
   return callWith(files, [&](Doubts& doubts) {
-    if (whole != nullptr) require(whole_size, "whole_size");
-    if (requests != nullptr) require(requests_size, "requests_size");
+    if (whole != nullptr) require(wholeSize, "wholeSize");
+    if (requests != nullptr) require(requestsSize, "requestsSize");
     Salvage salvage(salvageOptions(*files, options));
     readAll(
         *files,
@@ -235,8 +205,8 @@ bda_result bda_files_salvage(bda_files* files, const char* options, uint8_t** wh
     handOut(std::move(text), json);
     handOut(std::move(keptBytes), whole);
     handOut(std::move(askedBytes), requests);
-    if (whole != nullptr) *whole_size = kept.size();
-    if (requests != nullptr) *requests_size = asked.size();
+    if (whole != nullptr) *wholeSize = kept.size();
+    if (requests != nullptr) *requestsSize = asked.size();
   });
 }
 
@@ -255,13 +225,13 @@ bda_result bda_library_of_files(bda_files* files, bda_library** library) {
         [&](const InputMessage& message, std::size_t) {
           const Reading reading = readMessage(message.bytes);
           if (reading.kind == Reading::Kind::foreign) return;
-          for (const ReceptionFault& fault :
-               faultsOf(editor.handle(reading, message.bytes, BDA::DevicePort_Main, message.number)))
-            doubts.add(fmt::format("{}: {}", placeOf(message), fault.text));
+          doubt(faultsOf(editor.handle(reading, message.bytes, BDA::DevicePort_Main, message.number)), placeOf(message),
+                doubts);
         },
         [&](const InputLoss& loss, std::size_t) { doubtLoss(loss, doubts); });
     for (const UnitReport& unit : editor.openUnits()) doubts.add(describeUnit(unit));
     run.commit();
+    editor.library().takeChanges();  // or the first message would be told to have made them
     *library = made.release();
   });
 }

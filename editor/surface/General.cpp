@@ -5,4 +5,6 @@
 
 const char* bda_version() { return BDA_VERSION_STRING; }
 
-void bda_free(void* memory) { std::free(memory); }
+void bda_free(void* memory) {
+  std::free(memory);  // NOLINT(cppcoreguidelines-no-malloc): what C was given
+}

@@ -24,7 +24,7 @@ std::unique_ptr<EmbeddedEditor> editorOf(const InputFile& input, const char* ver
     const Reading reading = readMessage(message.bytes);
     if (reading.kind != Reading::Kind::foreign) {
       const Record record = editor->handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
-      for (const ReceptionFault& fault : faultsOf(record))
+      for (const MessageFault& fault : faultsOf(record))
         complain(fault.kind, fmt::format("{}: {}", placeOf(message), fault.text));
       repeated.add(message, record);
     }

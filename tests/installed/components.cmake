@@ -9,11 +9,12 @@ string(APPEND development "|lib/cmake/bda/bda(Config|ConfigVersion|SameMinorVers
 set(editor-runtime "lib/libbda-editor[.]so[.][0-9.]+")
 set(editor-development "include/bda/editor[.]h|lib/libbda-editor[.]so|lib/pkgconfig/bda-editor[.]pc")
 string(APPEND editor-development "|lib/cmake/bda/bda-editor-targets(-[a-z]+)?[.]cmake")
+set(python "lib/python3/dist-packages/bda/([a-z_]+[.]py|py[.]typed|(editor|version)[.]h)")
 set(licence "share/doc/bda/LICENSE")
 
 file(REMOVE_RECURSE ${WORK})
 set(together)
-foreach(component IN ITEMS runtime development editor-runtime editor-development program)
+foreach(component IN ITEMS runtime development editor-runtime editor-development program python)
   execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/${component} --component ${component}
                   OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
   file(GLOB_RECURSE files RELATIVE ${WORK}/${component} ${WORK}/${component}/*)

@@ -8,8 +8,9 @@
  *
  * Text is UTF-8 and ends with a NUL; text that is none is answered with BDA_UNUSABLE. What a function hands out through
  * a pointer to a pointer belongs to the caller, who gives it to bda_free(). It is NULL where there is no answer, which
- * with BDA_OK and with most of BDA_REFUSED there is; such a pointer may be NULL itself when nobody wants the answer. What
- * a function returns as `const char*` belongs to the library and is valid until the next call with the same handle.
+ * with BDA_OK and with most of BDA_REFUSED there is; such a pointer may be NULL itself when nobody wants the answer.
+ * What a function returns as `const char*` belongs to the library and is valid until the next call with the same
+ * handle.
  *
  * A handle is used by one thread at a time; different handles may be used side by side. A handle that was made of
  * another does not need it any longer, where nothing else is said. A function that is called back must not use the
@@ -17,6 +18,8 @@
  */
 #ifndef BDA_EDITOR_H
 #define BDA_EDITOR_H
+
+/* NOLINTBEGIN(modernize-deprecated-headers,modernize-use-using): this is C */
 
 #include <stddef.h>
 #include <stdint.h>
@@ -85,8 +88,8 @@ BDA_EDITOR_API bda_result bda_files_explain(bda_files* files, size_t file, uint6
                                             char** json);
 /* What is whole, as a backup has it, and requests for what is lost, as `bda salvage --json`. Options: "prefer" (the
    name of a file), "merge", "fix-checksums". BDA_REFUSED where something is lost. */
-BDA_EDITOR_API bda_result bda_files_salvage(bda_files* files, const char* options, uint8_t** whole, size_t* whole_size,
-                                            uint8_t** requests, size_t* requests_size, char** json);
+BDA_EDITOR_API bda_result bda_files_salvage(bda_files* files, const char* options, uint8_t** whole, size_t* wholeSize,
+                                            uint8_t** requests, size_t* requestsSize, char** json);
 /* The same messages in another form or to other places, as `bda convert -o --json`. Options: "format" ("syx", "mid" or
    "txt", else "syx"), "place", "select" (addresses), "device" (1 to 16), "pause" (milliseconds). */
 BDA_EDITOR_API bda_result bda_files_convert(bda_files* files, const char* options, uint8_t** bytes, size_t* size,
@@ -97,19 +100,20 @@ BDA_EDITOR_API bda_result bda_files_convert(bda_files* files, const char* option
 typedef struct bda_library bda_library;
 
 enum {
-  BDA_OPEN_READ = 1 /* it must exist; nothing is written */
+  BDA_OPEN_READ = 1 /* it must exist; nothing is written: what would change it is BDA_REFUSED */
 };
 
 /*
  * Opens a library, and stores the handle in *library: also where that fails, so that bda_library_error() can say why;
- * every other function answers BDA_MISUSED then. NULL only when there is no memory for one. Whatever became of it, it is
- * closed by bda_library_close().
+ * every other function answers BDA_MISUSED then. NULL only when there is no memory for one. Whatever became of it, it
+ * is closed by bda_library_close().
  *
  * `path`: the file; one that does not exist is made by the first change. NULL: a new library in memory, gone with its
  * handle. `flags`: 0 or BDA_OPEN_READ.
  */
 BDA_EDITOR_API bda_result bda_library_open(const char* path, unsigned flags, bda_library** library);
-/* A copy in memory: what is changed there tells what the same call would do, and changes nothing. */
+/* A copy in memory: what is changed there tells what the same call would do, and changes nothing. Without a copy *copy
+   is NULL, and the error is that of `library`. */
 BDA_EDITOR_API bda_result bda_library_copy(bda_library* library, bda_library** copy);
 /* A library in memory that has received all dumps of the files, whatever device they are for. BDA_REFUSED, with a
    handle, where something was refused or broken: bda_files_error() says what, the rest is there. What was never
@@ -129,9 +133,11 @@ BDA_EDITOR_API bda_result bda_library_contents(bda_library* library, const char*
 /* The parameters of `places`, as `bda show --json`; "system" and "additional" are places too. */
 BDA_EDITOR_API bda_result bda_library_show(bda_library* library, const char* places, char** json);
 /* Contents by what is asked of them, as `bda find --json`. Options: "terms" (name patterns), "kind", "where"
-   (conditions), "favourite", "same-as", "like", "duplicates", "edit-buffers". BDA_REFUSED where nothing is found. */
+   (conditions), "favourite", "same-as", "like", "duplicates", "edit-buffers". BDA_REFUSED where nothing is found. The
+   source is the path as it was opened, "memory" without one. */
 BDA_EDITOR_API bda_result bda_library_find(bda_library* library, const char* options, char** json);
-/* What two libraries do not have in common, as `bda diff --json`. BDA_REFUSED where they differ. */
+/* What two libraries do not have in common, as `bda diff --json`. BDA_REFUSED where they differ. Nobody else uses the
+   other one meanwhile. What no message carries is not compared with a library of files. */
 BDA_EDITOR_API bda_result bda_library_diff(bda_library* library, bda_library* other, char** json);
 /* The data bytes that carry a parameter, as `bda explain ADDRESS PATH --json`. */
 BDA_EDITOR_API bda_result bda_library_explain(bda_library* library, const char* place, const char* path, char** json);
@@ -142,30 +148,36 @@ BDA_EDITOR_API bda_result bda_library_history(bda_library* library, size_t most,
 /* Its settings, as `bda settings --json`; with `name` one of them. */
 BDA_EDITOR_API bda_result bda_library_settings(bda_library* library, const char* name, char** json);
 /* The whole of it as messages, as `bda backup` writes them, and its manifest, as --manifest. BDA_REFUSED where
-   something is not in the backup: the error says what. */
+   something is not in the backup: the error says what. BDA_UNUSABLE while a library in a file is not made yet. Of a
+   library of files system settings and favourite flags are in it as new where the files have none. */
 BDA_EDITOR_API bda_result bda_library_backup(bda_library* library, uint8_t** bytes, size_t* size, char** manifest);
 
 /*
  * Changes. Each is one entry of the history and on disk when its function returns, or nothing is changed. `json` gets
  * what has changed, as the program's verb of that name prints it with --json; nothing where all was so before.
+ * Messages that are handed over one after the other, without any of these calls and no longer than a minute between,
+ * are one entry, of the verb `receive`.
  */
 
 /* Replaces a whole target by an object that bda_library_show() printed. */
 BDA_EDITOR_API bda_result bda_library_apply(bda_library* library, const char* place, const char* object, char** json);
 /* Gives a content or an edit buffer another name. */
 BDA_EDITOR_API bda_result bda_library_rename(bda_library* library, const char* place, const char* name, char** json);
-/* Makes voices favourites (`is_on` not 0), or no longer. */
-BDA_EDITOR_API bda_result bda_library_favourite(bda_library* library, const char* places, int is_on, char** json);
-/* What `from` holds, to `to`: places, banks or ranges. */
+/* Makes voices favourites (`on` not 0), or no longer. */
+BDA_EDITOR_API bda_result bda_library_favourite(bda_library* library, const char* places, int on, char** json);
+/* What `from` holds, to `to`: a place, a bank or a range each. What is damaged stays where it is, and the rest goes:
+   BDA_REFUSED with an answer, and the error says what was left. */
 BDA_EDITOR_API bda_result bda_library_copy_places(bda_library* library, const char* from, const char* to, char** json);
 BDA_EDITOR_API bda_result bda_library_move_places(bda_library* library, const char* from, const char* to, char** json);
 BDA_EDITOR_API bda_result bda_library_swap_places(bda_library* library, const char* from, const char* to, char** json);
 BDA_EDITOR_API bda_result bda_library_remove(bda_library* library, const char* places, char** json);
-/* Takes an entry of the history back; 0: the newest that is not undone. `is_forced`: also where places changed since. */
-BDA_EDITOR_API bda_result bda_library_undo(bda_library* library, int64_t entry, int is_forced, char** json);
+/* Takes an entry of the history back; 0: the newest that is neither undone nor an undo. `force`: also where places
+   changed since, which is BDA_REFUSED else; the error names them. */
+BDA_EDITOR_API bda_result bda_library_undo(bda_library* library, int64_t entry, int force, char** json);
 /* Sets a setting: "device-number", "6". */
 BDA_EDITOR_API bda_result bda_library_set(bda_library* library, const char* name, const char* value, char** json);
-/* Receives all dumps of the files, or none of them where one is broken or refused. Option: "any-device". */
+/* Receives all dumps of the files, or none of them where one is broken or refused, or where messages that were handed
+   over have begun a unit that is still open. BDA_UNUSABLE where none is for this instrument. Option: "any-device". */
 BDA_EDITOR_API bda_result bda_library_restore(bda_library* library, bda_files* files, const char* options, char** json);
 
 /*
@@ -179,8 +191,8 @@ BDA_EDITOR_API bda_result bda_library_restore(bda_library* library, bda_files* f
 BDA_EDITOR_API bda_result bda_library_handle(bda_library* library, unsigned port, const uint8_t* message, size_t size,
                                              bda_send send, void* context, char** json);
 /*
- * Asks for `places`, as `bda request` does: `send` gets what the instrument answers. BDA_REFUSED where some place is not
- * answered, for nothing is stored there.
+ * Asks for `places`, as `bda request` does: `send` gets what the instrument answers. BDA_REFUSED where some place is
+ * not answered, for nothing is stored there.
  */
 BDA_EDITOR_API bda_result bda_library_request(bda_library* library, const char* places, bda_send send, void* context);
 
@@ -237,8 +249,7 @@ BDA_EDITOR_API bda_result bda_wire_fetch(bda_library* library, const char* place
                                          bda_wire** wire);
 /* Sends `places` of the library to an instrument; results as of `bda send --json`. Options: "to-edit-buffer", "verify",
    "changed", "timeout" (seconds), "retries". */
-BDA_EDITOR_API bda_result bda_wire_send(bda_library* library, const char* places, const char* options,
-                                        bda_wire** wire);
+BDA_EDITOR_API bda_result bda_wire_send(bda_library* library, const char* places, const char* options, bda_wire** wire);
 /* Sends the dumps of files; the same options. The device number that is asked is that of the library. */
 BDA_EDITOR_API bda_result bda_wire_send_files(bda_library* library, bda_files* files, const char* options,
                                               bda_wire** wire);
@@ -265,5 +276,7 @@ BDA_EDITOR_API bda_result bda_wire_results(bda_wire* wire, char** json);
 #ifdef __cplusplus
 }
 #endif
+
+/* NOLINTEND(modernize-deprecated-headers,modernize-use-using) */
 
 #endif

@@ -1,45 +1,24 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "bda/editor.h"
-#include "editor/contents/TemporaryLibrary.h"
-#include "editor/wire/WireFixture.h"
+#include "editor/surface/LibraryFixture.h"
 
 namespace Editor {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
+using ::testing::Not;
 using ::testing::StartsWith;
 
-constexpr BulkAddress kVoice{0x0E, 0x0A, 0x05};
-
-class LibraryCalls : public testing::Test {
+class LibraryCalls : public LibraryCallTest {
  protected:
-  LibraryCalls() { EXPECT_EQ(bda_library_open(nullptr, 0, &library), BDA_OK); }
-  ~LibraryCalls() override { bda_library_close(library); }
-
-  // What was handed out.
-  static std::string take(char* text) {
-    std::string taken = text == nullptr ? "NULL" : text;
-    bda_free(text);
-    return taken;
-  }
-  void receive(const std::vector<Bytes>& messages) {
-    for (const Bytes& message : messages)
-      EXPECT_EQ(bda_library_handle(library, 1, message.data(), message.size(), nullptr, nullptr, nullptr), BDA_OK)
-          << bda_library_error(library);
-  }
   static void hear(void* context, unsigned port, const uint8_t* message, size_t size) {
     static_cast<LibraryCalls*>(context)->sent.emplace_back(message, message + size);
     static_cast<LibraryCalls*>(context)->ports.push_back(port);
   }
 
-  bda_library* library = nullptr;
-  char* json = nullptr;
   std::vector<Bytes> sent;
   std::vector<unsigned> ports;
 };
@@ -113,15 +92,59 @@ TEST_F(LibraryCalls, ALibraryThatCannotBeOpenedSaysWhy) {
 TEST_F(LibraryCalls, WhatOneHandleStoresAnotherOneReads) {
   TemporaryDirectory directory;
   const std::string file = directory / "library.db";
-  bda_library_close(library);
-  ASSERT_EQ(bda_library_open(file.c_str(), 0, &library), BDA_OK);
-  receive(unitOf(kVoice, BDA::List::normalVoice));
+  open(file);
+  receiveVoice();
   bda_library* other = nullptr;
   ASSERT_EQ(bda_library_open(file.c_str(), BDA_OPEN_READ, &other), BDA_OK);
   EXPECT_EQ(bda_library_contents(other, "voice:user1", &json), BDA_OK);
   EXPECT_THAT(take(json), HasSubstr("voice:user1:6"));
-  const Bytes message = unitOf(kVoice, BDA::List::normalVoice).back();
+  const Bytes message = unitOf(kVoice, BDA::List::normalVoice).front();
+  EXPECT_EQ(bda_library_handle(other, 1, message.data(), message.size(), nullptr, nullptr, &json), BDA_REFUSED);
+  EXPECT_STREQ(bda_library_error(other), "the library was opened to be read: nothing is changed");
+  EXPECT_EQ(bda_library_request(other, "voice:user1:6", hear, this), BDA_OK) << bda_library_error(other);
+  EXPECT_FALSE(sent.empty());
   bda_library_close(other);
+}
+
+TEST_F(LibraryCalls, MessagesAreAnEntryOfTheHistory) {
+  receiveVoice();
+  EXPECT_EQ(bda_library_history(library, 0, &json), BDA_OK);
+  EXPECT_THAT(take(), AllOf(HasSubstr("\"verb\":\"receive\""), HasSubstr("voice:user1:6")));
+  EXPECT_EQ(bda_library_undo(library, 0, 0, nullptr), BDA_OK) << error();
+  EXPECT_EQ(contents(), "");
+}
+
+TEST_F(LibraryCalls, ACopyChangesNothingOfWhatItIsACopyOf) {
+  receiveVoice();
+  bda_library* copy = nullptr;
+  ASSERT_EQ(bda_library_copy(library, &copy), BDA_OK) << error();
+  EXPECT_EQ(contents(copy), contents());
+  char* would = nullptr;
+  EXPECT_EQ(bda_library_rename(copy, "voice:user1:6", "Grand", &would), BDA_OK) << bda_library_error(copy);
+  EXPECT_THAT(contents(copy), HasSubstr("Grand"));
+  EXPECT_THAT(contents(), Not(HasSubstr("Grand")));
+  EXPECT_EQ(bda_library_rename(library, "voice:user1:6", "Grand", &json), BDA_OK);
+  EXPECT_EQ(take(), take(would)) << "what it tells is what the call does";
+  EXPECT_EQ(bda_library_undo(copy, 1, 1, nullptr), BDA_OK) << "with its history";
+  bda_library_close(copy);
+  EXPECT_EQ(bda_library_copy(library, nullptr), BDA_MISUSED);
+  EXPECT_EQ(bda_library_copy(nullptr, &copy), BDA_MISUSED);
+  EXPECT_EQ(copy, nullptr);
+}
+
+TEST_F(LibraryCalls, ParametersHaveTheNamesThatTheyWereGiven) {
+  EXPECT_EQ(bda_library_name_parameters(library, "parameter voice.common[3] Volume\n"), BDA_OK) << error();
+  receiveVoice();
+  EXPECT_EQ(bda_library_explain(library, "voice:user1:6", "Volume", &json), BDA_OK) << error();
+  const std::string named = take();
+  EXPECT_EQ(bda_library_explain(library, "voice:user1:6", "voice.common[3]", &json), BDA_OK);
+  EXPECT_EQ(named, take());
+  EXPECT_EQ(bda_library_name_parameters(library, "nonsense"), BDA_UNUSABLE);
+  EXPECT_THAT(error(), StartsWith("line 1: "));
+  EXPECT_EQ(bda_library_name_parameters(library, "\xFF"), BDA_UNUSABLE);
+  EXPECT_EQ(bda_library_name_parameters(library, nullptr), BDA_OK);
+  EXPECT_EQ(bda_library_explain(library, "voice:user1:6", "Volume", &json), BDA_UNUSABLE) << "it has none any more";
+  EXPECT_EQ(bda_library_name_parameters(nullptr, nullptr), BDA_MISUSED);
 }
 
 }  // namespace
