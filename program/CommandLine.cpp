@@ -86,8 +86,15 @@ std::string whyNotParsed(const CLI::App& app, const CLI::ParseError& error) {
   return whyNotRead(app, error, unknown);
 }
 
+// Whether standard output gets lines, and no bytes: from some verbs it gets nothing where there is a file for that.
+bool saysLines(const Given& given, const CLI::App& app) {
+  if (app.got_subcommand("request")) return given.exchange.output.empty();
+  if (app.got_subcommand("convert")) return given.convert.json;
+  return !app.got_subcommand("backup") && !app.got_subcommand("screen");
+}
+
 // What is written must be no file that the run needs, nor be written twice.
-void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
+void checkOutputs(const Given& given, const Program& program, const CLI::App& app) {
   const std::pair<const char*, const std::string*> outputs[] = {
       {"-o", &given.output},
       {"-o", &given.exchange.output},
@@ -100,17 +107,22 @@ void checkOutputs(const Given& given, const Program& program, bool readsFiles) {
       {"--transcript", &program.transcript.file},
       {"--manifest", &given.manifest},
   };
-  if (std::ranges::all_of(outputs, [](const auto& output) { return output.second->empty(); })) return;
+  const std::string ports[] = {given.record.from, given.fetch.from, given.send.to, given.instrument.on};
+  const auto nameOf = [](const auto& output) -> const std::string& { return *output.second; };
+  const auto isNone = [](const std::string& name) { return name.empty(); };
+  if (std::ranges::all_of(outputs, isNone, nameOf) && std::ranges::all_of(ports, isNone)) return;
   FilesInUse files;
   if (const std::optional<std::string> library = program.findLibraryFile()) {
     files.addLibrary(*library);
     files.add(program.nameFileOf(*library), "these are the names of waveforms, arpeggios and parameters");
   }
-  if (readsFiles)
+  const std::initializer_list<const char*> readFiles{"receive", "salvage", "convert", "send"};
+  if (std::ranges::any_of(readFiles, [&](const char* verb) { return app.got_subcommand(verb); }))
     for (const Words& words : {given.words, given.convert.select})
       for (const std::string& file : words) files.add(file, "this is also an input");
-  for (const std::string& port : {given.record.from, given.fetch.from, given.send.to, given.instrument.on})
-    files.addPort(port);
+  for (const std::string& port : ports) files.addPort(port);
+  const bool carriesBytes = std::ranges::count(outputs, "-", nameOf) + std::ranges::count(ports, "-") > 0;
+  if (!carriesBytes && saysLines(given, app)) files.addLines();
   for (const auto& [option, output] : outputs)
     if (!output->empty()) files.addOutput(*output, option);
 }
@@ -141,9 +153,7 @@ int run(int argc, const char* const* argv, Program& program) {
     throw Failure(kWrongUsage, whyNotParsed(app, error));
   }
   if (findVerb(app.get_subcommands().front()->get_name())->heeds.names == Heeds::Names::lists) program.needNames();
-  const std::initializer_list<const char*> readFiles{"receive", "salvage", "convert", "send"};
-  checkOutputs(given, program,
-               std::ranges::any_of(readFiles, [&](const char* verb) { return app.got_subcommand(verb); }));
+  checkOutputs(given, program, app);
   given.verb();
   return program.exitCode();
 }

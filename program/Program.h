@@ -31,6 +31,8 @@ class Program {
   std::optional<std::string> findLibraryFile() const;
   TranscriptOptions transcript;
   void setLibraryFile(const std::string& file) { library_ = file; }
+  // The one that the command line names; "": it names none.
+  const std::string& namedLibrary() const { return library_; }
   // Throws Failure with that code unless there is one: for a verb that has no use for a new one.
   void requireLibrary(ExitCode code) const;
   bool hasLibrary() const;

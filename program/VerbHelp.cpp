@@ -70,7 +70,7 @@ constexpr std::array kVerbs{
              "TRANSCRIPT",
              "A run that --transcript kept, once more, compared",
              VerbGroup::receiving,
-             kNoLibrary,
+             kLibrary,
              {{{"bda replay run.jsonl", "with the library that it holds"},
                {"bda replay run.jsonl --from-library old.db", "with another one"}}}},
     VerbHelp{"screen",

@@ -342,7 +342,8 @@ void addReplay(CLI::App& app, Given& given, Program& program) {
   verb.add_option("TRANSCRIPT", given.file, "What --transcript has written; - is standard input")
       ->required()
       ->check(checkFileName);
-  verb.add_option("--from-library", given.otherLibrary, "The library as it was; default the one in the transcript")
+  verb.add_option("--from-library", given.otherLibrary,
+                  "The library as it was; default the one in the transcript, or else that of --library")
       ->type_name("FILE")
       ->check(checkFileName);
   verb.callback([&] { given.verb = [&] { replay(given.file, given.otherLibrary, program); }; });

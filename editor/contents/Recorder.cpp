@@ -82,7 +82,7 @@ bool Recorder::isOff(Database& database) const { return !run_.undoes && settingO
 bool Recorder::goesOn(Database& database) const {
   if (!at_.entry) return false;
   if (at_.hasRecorded) return true;  // nobody else can have changed anything since
-  if (now_() - lastChange_ >= kPause || isOff(database)) return false;
+  if ((run_.isEndless && now_() - lastChange_ >= kPause) || isOff(database)) return false;
   Query query(database.writing->isOpenEntry, *at_.entry);
   return query.next() && query.integer(0) != 0;
 }

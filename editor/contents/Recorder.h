@@ -20,6 +20,7 @@ struct LibraryRun {
   std::vector<std::string> sources = {};    // the files that it reads, as its user named them
   std::optional<std::int64_t> undoes = {};  // the entry that it takes back
   bool isRenaming = false;                  // it changes nothing but names
+  bool isEndless = false;                   // its end is not in sight: what it changes later is another matter
 };
 
 // Entries are numbered from 1, and no number is used again: one that is larger nobody lives to see, and not every
@@ -47,8 +48,9 @@ struct RecordedChange {
 };
 
 // Writes the history: each change of a place into the entry of the run, in the transaction that makes the change. An
-// entry is begun by the first change of a run, and goes on in its later transactions; a new one begins after a minute
-// without a change, and when the last was undone or removed meanwhile. What is taken back is taken out of it.
+// entry is begun by the first change of a run, and goes on in its later transactions; a new one begins when the last
+// was undone or removed meanwhile, and in an endless run after a minute without a change. What is taken back is taken
+// out of it.
 //
 // Never recorded are
 //   - the settings of the history itself: an undo would change what is kept of it

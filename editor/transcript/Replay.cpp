@@ -113,14 +113,15 @@ void Replay::link(std::size_t line) {
   if (!sent.emplace(answer, line).second) throw WrongLine("that answer stands before it already");
 }
 
-// That it was one before it was altered the line behind it says.
+// That it was one before it was altered its beginning says, or the line behind it.
 Replay::Json Replay::readHead(const std::string& line, std::string_view next) {
   Json json;
   if (parseJson(line, json) || !json.is_object() || !json.contains("transcript")) {
     const char* const wrong = "its first line is none of one";
     Json second;
     const bool isBehindOne = !parseJson(next, second) && (second.contains("direction") || second.contains("library"));
-    if (!isBehindOne) throw TranscriptError(std::string("it is no transcript: ") + wrong);
+    if (!isBehindOne && !line.starts_with(R"({"transcript":)"))
+      throw TranscriptError(std::string("it is no transcript: ") + wrong);
     altered_ = Difference{1, std::string("this is a transcript, but ") + wrong + ": it was altered or removed"};
     json = Json::object();
     json["library"] = nullptr;
@@ -128,14 +129,14 @@ Replay::Json Replay::readHead(const std::string& line, std::string_view next) {
   }
   if (json.at("transcript") != 1)
     throw TranscriptError("it is a transcript of another version: " + jsonLine(json.at("transcript")));
-  if (const std::string wrong = seal_.open(json); !wrong.empty()) altered_ = Difference{1, wrong};
+  if (const std::string wrong = seal_.open(line, json); !wrong.empty()) altered_ = Difference{1, wrong};
   if (json.find("library") == json.end()) json["library"] = nullptr;
   return json;
 }
 
 void Replay::readLine(const std::string& text, Line& line) {
   if (parseJson(text, line.json) || !line.json.is_object()) throw NoJson();
-  if (const std::string wrong = seal_.open(line.json); !wrong.empty()) throw WrongLine(wrong);
+  if (const std::string wrong = seal_.open(text, line.json); !wrong.empty()) throw WrongLine(wrong);
   if (line.json.find("library") == line.json.end()) {
     readMessage(line);
     return;

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "contents/Fingerprint.h"
 #include "models/ModelJson.h"
 
@@ -15,24 +17,23 @@ std::uint64_t hashOf(const std::string& text, std::uint64_t before) {
   return fnv1a({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}, before);
 }
 
-std::string digitsOf(std::uint64_t hash) { return fmt::format("{:016x}", hash); }
+std::string endOf(std::uint64_t hash) { return fmt::format(R"(,"{}":"{:016x}"}})", kKey, hash); }
 
 }  // namespace
 
-std::string Seal::close(nlohmann::ordered_json line) {
-  last_ = hashOf(jsonLine(line), last_);
-  line[kKey] = digitsOf(last_);
-  return jsonLine(line);
+std::string Seal::close(const nlohmann::ordered_json& line) {
+  std::string text = jsonLine(line);
+  last_ = hashOf(text, last_);
+  text.pop_back();
+  return text + endOf(last_);
 }
 
-std::string Seal::open(nlohmann::ordered_json& line) {
-  const auto seal = line.find(kKey);
-  const nlohmann::ordered_json said = seal == line.end() ? nlohmann::ordered_json() : *seal;
-  if (seal != line.end()) line.erase(seal);
-  const std::string text = jsonLine(line);
+std::string Seal::open(std::string_view text, nlohmann::ordered_json& line) {
   areAllSealed_ = areAllSealed_ || line.contains("sealed");
-  const bool isGood = (said.is_null() && !areAllSealed_) || said == digitsOf(hashOf(text, last_));
-  last_ = hashOf(text, last_);
+  const bool hasSeal = line.erase(kKey) > 0;
+  const std::string before(text.substr(0, text.size() - std::min(hasSeal ? endOf(0).size() : 0, text.size())));
+  last_ = hashOf(hasSeal ? before + '}' : before, last_);
+  const bool isGood = hasSeal ? text == before + endOf(last_) : !areAllSealed_;
   return isGood ? "" : "this line, or one before it, was altered or removed after it was written";
 }
 

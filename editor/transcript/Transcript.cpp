@@ -52,14 +52,21 @@ void Transcript::arrived(std::span<const std::uint8_t> message) {
   flush();
 }
 
+void Transcript::keptBack(std::span<const std::uint8_t> message) {
+  lines_.push_back({lineOf("in", BDA::DevicePort_Main, message), {}});
+  lines_.back().json["passedOn"] = false;
+  flush();
+}
+
 void Transcript::left(std::span<const std::uint8_t> message) {
   Json line = lineOf("out", BDA::DevicePort_Main, message);
-  const auto known =
-      std::ranges::find_if(outgoing_, [&](const Outgoing& one) { return std::ranges::equal(one.sent.bytes, message); });
+  const auto known = std::ranges::find_if(outgoing_, [&](const Outgoing& one) {
+    return (!next_ || one.answer == *next_) && std::ranges::equal(one.sent.bytes, message);
+  });
   if (known != outgoing_.end()) {
     line["port"] = unsigned(known->sent.port);
-    line["message"] = known->message;
-    line["answer"] = known->answer;
+    line["message"] = known->answer.message;
+    line["answer"] = known->answer.number;
     const auto before = std::size_t(known - outgoing_.begin());
     outgoing_.erase(known);
     leaveBehind(before > kMostPassed ? before - kMostPassed : 0);
@@ -110,7 +117,7 @@ void Transcript::tell(const Record& record, std::uint64_t number, std::span<cons
   for (const AssistantHost::Sent& sent : record.sent) {
     ++answer;
     if (options_.sent == Sent::later && (options_.echoes || !std::ranges::equal(sent.bytes, message))) {
-      outgoing_.push_back({number, answer, sent});
+      outgoing_.push_back({{number, answer}, sent});
       continue;
     }
     Json line = lineOf("out", sent.port, sent.bytes);
@@ -149,8 +156,8 @@ void Transcript::leaveBehind(std::size_t count) {
   for (; count > 0; --count) {
     const Outgoing& one = outgoing_.front();
     Json line = lineOf("out", one.sent.port, one.sent.bytes);
-    line["message"] = one.message;
-    line["answer"] = one.answer;
+    line["message"] = one.answer.message;
+    line["answer"] = one.answer.number;
     line["passedOn"] = false;
     lines_.push_back({std::move(line), {}});
     outgoing_.pop_front();

@@ -57,8 +57,14 @@ class Transcript final : public EditorListener, public PortListener {
   void runBegins() override;
   void runEnds(bool isCommitted) override;
 
+  // What goes out next is that answer, or what is left of it, or none: among those with the same bytes it is that one.
+  void goesOut(const std::optional<Pacer::Answer>& answer) { next_ = answer.value_or(Pacer::Answer{}); }
+
   void arrived(std::span<const std::uint8_t> message) override;
   void left(std::span<const std::uint8_t> message) override;
+
+  // Options::hearsHanded: what has arrived is not handed over, or not as it is.
+  void keptBack(std::span<const std::uint8_t> message);
 
   // What has arrived is handed on by now, or never will be.
   void settle();
@@ -95,11 +101,11 @@ class Transcript final : public EditorListener, public PortListener {
   Lines lines_;                              // that wait
   Lines::iterator handedTo_ = lines_.end();  // what is handed over next stands before it, or it is it
   struct Outgoing {
-    std::uint64_t message;  // that it answers
-    std::uint64_t answer;   // which of its answers, from 1
+    Pacer::Answer answer;
     AssistantHost::Sent sent;
   };
-  std::deque<Outgoing> outgoing_;  // Sent::later
+  std::deque<Outgoing> outgoing_;      // Sent::later
+  std::optional<Pacer::Answer> next_;  // of these; nothing: nobody says which
 };
 
 }  // namespace Editor

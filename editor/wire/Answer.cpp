@@ -135,7 +135,10 @@ bool Answer::emptyUnit(const Reading& reading, std::span<const std::uint8_t> mes
 
 std::vector<BulkAddress> Answer::missing() const {
   if (roleOf(asked_) != Role::header) return {asked_};
-  return open_ ? open_->missing() : OpenUnit(asked_, 0).missing();
+  std::vector<BulkAddress> missing = open_ ? open_->missing() : OpenUnit(asked_, 0).missing();
+  if (!open_) missing.insert(missing.begin(), asked_);
+  if (addresses_.empty() || addresses_.back() != footerOf(asked_)) missing.push_back(footerOf(asked_));
+  return missing;
 }
 
 }  // namespace Editor

@@ -35,7 +35,7 @@ class Answer {
   bool isEnded() const { return state_ != State::none && state_ != State::begun; }
   // Whether a dump came that is broken.
   bool isBroken() const { return isBroken_; }
-  // What has not come: blocks between header and footer; of a single dump, that.
+  // What has not come: header, blocks and footer; of a single dump, that.
   std::vector<BulkAddress> missing() const;
   // Whole: header, blocks and footer as they came, none twice. Empty: what says so.
   std::vector<std::vector<std::uint8_t>> takeMessages() { return std::move(messages_); }

@@ -16,8 +16,9 @@ std::span<const std::uint8_t> upToADecision(std::span<const std::uint8_t> bytes)
   return bytes.first(std::size_t(status - bytes.begin()) + (status != bytes.end() && *status == kEnd ? 1 : 0));
 }
 
-void Asking::ask(BulkAddress address, WireTime now, unsigned waited) {
+void Asking::ask(BulkAddress address, WireTime now, unsigned waited, WireTime pause) {
   constexpr unsigned kBesideRetries = 2;  // the first try, and whether anybody is there
+  if (std::ranges::find(askedBefore_, asked_) == askedBefore_.end()) askedBefore_.push_back(asked_);
   asked_ = address;
   waits_ = terms_.retries + kBesideRetries - waited;
   result_ = {};
@@ -25,14 +26,14 @@ void Asking::ask(BulkAddress address, WireTime now, unsigned waited) {
   asksForAnybody_ = false;
   late_.reset();
   ++result_.tries;
-  request(address, now);
+  request(address, now, pause);
 }
 
-void Asking::request(BulkAddress address, WireTime now) {
+void Asking::request(BulkAddress address, WireTime now, WireTime pause) {
   answer_.emplace(address, terms_.device);
   heardAt_.reset();
   bytes_ = 0;
-  pacer_.push({requestMessage(address, terms_.device)}, now);
+  pacer_.push({requestMessage(address, terms_.device), false, pause}, now);
 }
 
 void Asking::receive(std::span<const std::uint8_t> bytes, WireTime now) {
@@ -66,9 +67,24 @@ void Asking::message(std::span<const std::uint8_t> bytes, std::uint64_t /*offset
   if (isOfOther || (reading.kind == Reading::Kind::foreign && isOfThisMaker(bytes))) result_.isOtherHeard = true;
   const bool isOurs = reading.device.value_or(terms_.device + 1U) == terms_.device + 1U;
   if (reading.kind == Reading::Kind::invalid && isOurs) return hearCut();
-  if (answer_->next(reading, bytes)) isHeard_ = true;
+  const bool isOfAnswer = answer_->next(reading, bytes);
   // The answer may come while it is asked whether anybody is there.
-  if (late_ && late_->next(reading, bytes)) isHeard_ = result_.isAnythingHeard = true;
+  const bool isLate = late_ && late_->next(reading, bytes);
+  if (isLate) result_.isAnythingHeard = true;
+  if (isOfAnswer || isLate)
+    isHeard_ = true;
+  else if (reading.kind == Reading::Kind::dump && !isOfOther)
+    hearOther(reading);
+}
+
+// The instrument may have understood another question: nobody says that it is silent. But the first try hears what
+// still comes of an earlier answer, and where it is asked again the next one tells.
+void Asking::hearOther(const Reading& reading) {
+  const bool begins = reading.role != Role::part && reading.role != Role::footer && reading.role != Role::emptyFooter;
+  const bool isEarlier = !begins || std::ranges::find(askedBefore_, *reading.address) != askedBefore_.end();
+  if (isEarlier && result_.tries == 1 && terms_.retries > 0) return;
+  result_.isAnythingHeard = result_.isSomebodyThere = true;
+  if (begins) result_.other = reading.address;
 }
 
 void Asking::dropped(std::uint64_t /*offset*/, std::uint64_t /*count*/, StreamJoiner::Reason reason) {
@@ -122,6 +138,7 @@ void Asking::take(Answer& answer) {
 
 Asking::Result Asking::giveUp() {
   if (!asksForAnybody_) result_.missing = answer_->missing();
+  if (!asksForAnybody_ && pacer_.due()) --result_.tries;  // its request has not gone out
   answer_.reset();
   return std::move(result_);
 }
@@ -133,7 +150,7 @@ void Asking::decide() {
 
 std::string Asking::whyUnanswered(const Result& result) const {
   if (result.isAnythingHeard && result.isBroken) return "broken";
-  if (result.isAnythingHeard) return findBlock(asked_)->role == Role::header ? "incomplete" : "silent";
+  if (result.isAnythingHeard) return "incomplete";
   if (result.isSomebodyThere && !result.isOtherHeard) return "silent";
   if (overheard_.otherDevice) return fmt::format("other device {}", *overheard_.otherDevice);
   if (overheard_.isOtherModelHeard) return "other model";

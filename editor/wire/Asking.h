@@ -49,10 +49,11 @@ class Asking final : private StreamJoiner::Receiver {
   struct Result {
     Answer::State state = Answer::State::none;  // of the last try: none or spoilt also where more had begun
     unsigned tries = 0;                         // requests that went out
-    bool isAnythingHeard = false;               // some of an answer, in any try
+    bool isAnythingHeard = false;               // some of an answer, or of one to another question, in any try
     bool isBroken = false;                      // dumps came that were broken, in any try
     bool isSomebodyThere = true;                // false: nothing came, also of what every instrument has
     bool isOtherHeard = false;                  // a dump of another device came, or a message of another model
+    std::optional<BulkAddress> other;           // what an answer to another question was of, the last one
     std::vector<BulkAddress> missing;
     std::vector<std::vector<std::uint8_t>> messages;  // whole and empty: the answer
 
@@ -67,8 +68,8 @@ class Asking final : private StreamJoiner::Receiver {
       : pacer_(pacer), terms_(terms), listener_(std::move(listener)), joiner_(*this, kLongestMessage) {}
 
   // Begins. The last question is decided. `waited`: so many timeouts have passed without a byte already, for which it
-  // waits the less.
-  void ask(BulkAddress address, WireTime now, unsigned waited = 0);
+  // waits the less. `pause`: how long it waits before.
+  void ask(BulkAddress address, WireTime now, unsigned waited = 0, WireTime pause = {});
   // Bytes that go no further than upToADecision().
   void receive(std::span<const std::uint8_t> bytes, WireTime now);
   // Bytes have arrived that are lost: they may have been of the answer.
@@ -96,7 +97,8 @@ class Asking final : private StreamJoiner::Receiver {
   void message(std::span<const std::uint8_t> bytes, std::uint64_t offset) override;
   void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override;
   void hearCut();
-  void request(BulkAddress address, WireTime now);
+  void hearOther(const Reading& reading);
+  void request(BulkAddress address, WireTime now, WireTime pause = {});
   void endTry(WireTime now);
   void take(Answer& answer);
   void decide();
@@ -108,6 +110,7 @@ class Asking final : private StreamJoiner::Receiver {
   Overheard overheard_;  // since the beginning, of all questions
 
   BulkAddress asked_{};
+  std::vector<BulkAddress> askedBefore_;
   unsigned waits_ = 0;               // timeouts that may still pass without a byte
   bool asksForAnybody_ = false;      // after the last try
   std::optional<Answer> answer_;     // of this try

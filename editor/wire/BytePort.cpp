@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
@@ -11,6 +12,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "messages/Text.h"
 #include "wire/Poll.h"
@@ -30,6 +32,27 @@ constexpr const char* kInUse = "another program uses it";
 bool isThere(const std::string& path) {
   struct stat status {};
   return ::stat(path.c_str(), &status) == 0;
+}
+
+bool areOne(const std::string& path, const std::string& other) {
+  struct stat first {};
+  struct stat second {};
+  return ::stat(path.c_str(), &first) == 0 && ::stat(other.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
+         first.st_ino == second.st_ino;
+}
+
+// Nobody has the other end of a pseudo terminal open.
+bool isLeft(int descriptor) {
+  std::array<pollfd, 1> watched{{{descriptor, 0, 0}}};
+  return ::poll(watched.data(), watched.size(), 0) > 0 && (watched[0].revents & POLLHUP) != 0;
+}
+
+// Bytes that have gone into a pseudo terminal and that nobody has read from this end of it.
+int countUnread(int descriptor) {
+  std::array<pollfd, 1> watched{{{descriptor, POLLIN, 0}}};
+  ::poll(watched.data(), watched.size(), 0);  // has the system take over those that are on their way
+  int count = 0;
+  return ::ioctl(descriptor, FIONREAD, &count) == 0 ? count : 0;
 }
 
 // Nobody is there any more.
@@ -85,7 +108,7 @@ Pace BytePort::defaultPaceOf(const std::string& name) {
 BytePort::BytePort(const std::string& name, Direction direction, int wake, TellWaiting tellWaiting)
     : name_(name), wake_(wake), tellWaiting_(std::move(tellWaiting)) {
   if (name == "pty:") {
-    openPseudoTerminal();
+    openPseudoTerminal(direction);
     return;
   }
   const bool hears = direction != Direction::out;
@@ -97,7 +120,7 @@ BytePort::BytePort(const std::string& name, Direction direction, int wake, TellW
     if (hears) keep(in_ = STDIN_FILENO, false);
     if (speaks) keep(out_ = STDOUT_FILENO, false);
   } else if (paths.size() == 2) {
-    if (paths[0] == paths[1]) refuse(name, "a FIFO has one direction: two different ones are needed, IN,OUT");
+    if (areOne(paths[0], paths[1])) refuse(name, "a FIFO has one direction: two different ones are needed, IN,OUT");
     if (hears) in_ = openPath(paths[0], Direction::in);
     if (speaks) out_ = openPath(paths[1], Direction::out);
   } else {
@@ -107,7 +130,7 @@ BytePort::BytePort(const std::string& name, Direction direction, int wake, TellW
   }
 }
 
-BytePort::~BytePort() = default;
+BytePort::~BytePort() { closeOther(); }
 
 int BytePort::openPath(const std::string& path, Direction direction) {
   struct stat status {};
@@ -131,30 +154,52 @@ int BytePort::openFifo(const std::string& path, Direction direction) {
   return direction == Direction::in ? ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC) : openToWrite(path);
 }
 
-// The system tells nobody that somebody reads: it is tried again and again. But who hears notices that nobody does.
+// Who hears, too, notices that nobody is there.
 int BytePort::openToWrite(const std::string& path) {
-  constexpr WireTime kBetween = std::chrono::milliseconds(20);
   for (bool isTold = false;; isTold = true) {
     const int descriptor = ::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
     if (descriptor >= 0 || errno != ENXIO) return descriptor;
     if (in_ >= 0) return ::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
-    if (!isTold && tellWaiting_) tellWaiting_(path);
-    std::array<pollfd, 1> woken{{{wake_, POLLIN, 0}}};
-    if (pollUntil(woken, machineTime() + kBetween) > 0) refuse(path, "nobody reads from it");
+    waitForReader(path, isTold);
   }
 }
 
-void BytePort::openPseudoTerminal() {
-  in_ = out_ = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+// The system tells nobody that somebody reads: it is tried again and again.
+void BytePort::waitForReader(const std::string& path, bool isTold) const {
+  constexpr WireTime kBetween = std::chrono::milliseconds(20);
+  if (!isTold && tellWaiting_) tellWaiting_(path);
+  if (isWokenBefore(machineTime() + kBetween)) refuse(path, "nobody reads from it");
+}
+
+bool BytePort::isWokenBefore(WireTime time) const {
+  std::array<pollfd, 1> woken{{{wake_, POLLIN, 0}}};
+  return pollUntil(woken, time) > 0;
+}
+
+void BytePort::openPseudoTerminal(Direction direction) {
+  out_ = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
   std::array<char, 128> path{};
-  if (in_ < 0 || ::grantpt(in_) != 0 || ::unlockpt(in_) != 0 || ::ptsname_r(in_, path.data(), path.size()) != 0)
+  if (out_ < 0 || ::grantpt(out_) != 0 || ::unlockpt(out_) != 0 || ::ptsname_r(out_, path.data(), path.size()) != 0)
     refuse(name_, reasonOf(errno));
-  keep(in_, true);
+  keep(out_, true);
   name_ = path.data();
-  const int other = ::open(path.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-  if (other < 0) refuse(name_, reasonOf(errno));
-  keep(other, true);
   isLine_ = isOwnTerminal_ = true;
+  openOther();
+  if (other_ < 0) refuse(name_, reasonOf(errno));
+  if (direction != Direction::out) {
+    in_ = out_;
+    return;
+  }
+  closeOther();  // which shows from when on another one has it open
+  for (bool isTold = false; isLeft(out_); isTold = true) waitForReader(name_, isTold);
+  openOther();
+}
+
+// Not where somebody else has it for himself.
+void BytePort::openOther() { other_ = ::open(name_.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC); }
+
+void BytePort::closeOther() {
+  if (other_ >= 0) ::close(std::exchange(other_, -1));
 }
 
 void BytePort::keep(int descriptor, bool isOwn) { opened_.push_back(std::make_unique<Opened>(descriptor, isOwn)); }
@@ -202,8 +247,28 @@ void BytePort::discard() {
 }
 
 void BytePort::drain() {
+  if (isOwnTerminal_) return drainTerminal();
   // Where it is no terminal its driver has the bytes, and sends them; and Ctrl-C ends it.
   if (isLine_) ::tcdrain(out_);
+}
+
+// What nobody has read goes with the terminal. Whoever is there gets time for it, as long as some of it is taken now
+// and then. Who only sends waits for somebody who comes back, too, and has not sent what is left.
+void BytePort::drainTerminal() {
+  constexpr WireTime kPatience = std::chrono::seconds(2);
+  constexpr WireTime kBetween = std::chrono::milliseconds(5);
+  WireTime end = machineTime() + kPatience;
+  int before = 0;
+  for (int count = countUnread(other_); count > 0; count = countUnread(other_)) {
+    if (count != std::exchange(before, count)) end = machineTime() + kPatience;
+    closeOther();
+    const bool isNobodyThere = isLeft(out_);
+    openOther();
+    if (in_ >= 0 && isNobodyThere) return;
+    if (!isWokenBefore(machineTime() + kBetween) && machineTime() < end) continue;
+    if (in_ < 0) fail("sending to it", EPIPE);
+    return;
+  }
 }
 
 void BytePort::fail(const std::string& doing, int error) const {

@@ -14,10 +14,12 @@ namespace Editor {
 //
 //   a character device ("/dev/snd/midiC1D0"), a terminal in raw mode; paced like a cable
 //   "pty:", a new pseudo terminal, whose other end others open by the path that is its name; likewise. It is kept open
-//     here: others come and go
+//     here: others come and go. To drain it is to wait until they have read all
 //   a FIFO, which has one direction, or two of them, "IN,OUT"; not paced. It hangs up when who writes to it has gone,
-//     or who reads from it. Only to write to one is to wait for somebody who reads: without one all would be lost
+//     or who reads from it
 //   "-", standard input and output; not paced
+//
+// Only to write to a FIFO or to "pty:" is to wait for somebody who reads: without one all would be lost.
 class BytePort final : public Port {
  public:
   enum class Direction : std::uint8_t { in, out, both };
@@ -30,7 +32,7 @@ class BytePort final : public Port {
   static Pace defaultPaceOf(const std::string& name);
 
   // `wake` is a descriptor that ends a wait as soon as there is something to read from it; it stays its owner's, who
-  // also reads from it. -1: there is none. `tellWaiting` hears once of the path of a FIFO that nobody reads from yet.
+  // also reads from it. -1: there is none. `tellWaiting` hears once of the path that nobody reads from yet.
   // Throws PortError (cannotOpen), also when it was woken first.
   using TellWaiting = std::function<void(const std::string& path)>;
   BytePort(const std::string& name, Direction direction, int wake = -1, TellWaiting tellWaiting = {});
@@ -53,7 +55,12 @@ class BytePort final : public Port {
   int openPath(const std::string& path, Direction direction);
   int openFifo(const std::string& path, Direction direction);
   int openToWrite(const std::string& path);
-  void openPseudoTerminal();
+  void waitForReader(const std::string& path, bool isTold) const;
+  bool isWokenBefore(WireTime time) const;
+  void openPseudoTerminal(Direction direction);
+  void openOther();
+  void closeOther();
+  void drainTerminal();
   void keep(int descriptor, bool isOwn);
   std::span<const std::uint8_t> read();
   [[noreturn]] void end();
@@ -63,6 +70,7 @@ class BytePort final : public Port {
   const int wake_;
   const TellWaiting tellWaiting_;
   bool isOwnTerminal_ = false;
+  int other_ = -1;           // its other end
   bool isStandard_ = false;  // input and output, which end as files do
   bool isLine_ = false;      // a device: what is written takes the time of a cable
   int in_ = -1;

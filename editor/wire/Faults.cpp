@@ -95,6 +95,10 @@ std::vector<std::string> faultNames() {
   return names;
 }
 
+Faults::Faults(std::vector<Fault> faults, std::uint64_t seed) : faults_(std::move(faults)), random_(seed) {
+  std::ranges::sort(faults_, {}, [](const Fault& fault) { return std::pair(fault.kind, fault.isIncoming); });
+}
+
 bool Faults::happens(double rate) {
   constexpr double kUnit = 1.0 / double(1ULL << 53U);
   return double(random_() >> 11U) * kUnit < rate;
@@ -102,12 +106,9 @@ bool Faults::happens(double rate) {
 
 std::uint64_t Faults::below(std::uint64_t count) { return random_() % count; }
 
-bool Faults::happensAfter(Kind kind, std::uint64_t& count) {
-  ++count;
-  bool isTrue = false;
-  for (const Fault& fault : faults_)
-    if (fault.kind == kind && count > fault.amount) isTrue = happens(fault.rate) || isTrue;
-  return isTrue;
+bool Faults::happensBehind(Kind kind, std::uint64_t count) {
+  return std::ranges::any_of(
+      faults_, [&](const Fault& fault) { return fault.kind == kind && count >= fault.amount && happens(fault.rate); });
 }
 
 std::vector<Pacer::Message> Faults::send(std::vector<Pacer::Message> answer) {
@@ -133,14 +134,8 @@ void Faults::send(const Fault& fault, std::vector<Pacer::Message>& messages, std
       message->delay += std::chrono::milliseconds(fault.amount);
       break;
     case Kind::stall:
-      if (message->bytes.size() > 1) {
-        Pacer::Message rest = *message;
-        const auto half = std::ptrdiff_t(1 + below(message->bytes.size() - 1));
-        message->bytes.resize(std::size_t(half));
-        rest.bytes.erase(rest.bytes.begin(), rest.bytes.begin() + half);
-        rest.delay = std::chrono::milliseconds(fault.amount);
-        messages.insert(message + 1, std::move(rest));
-      }
+      if (message->bytes.size() > 1)
+        message->stall = {1 + std::size_t(below(message->bytes.size() - 1)), std::chrono::milliseconds(fault.amount)};
       break;
     case Kind::slow:
       message->pace = Pace{fault.amount};

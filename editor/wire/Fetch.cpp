@@ -16,6 +16,14 @@ bool isSilentWhenEmpty(BulkAddress address) {
 
 }  // namespace
 
+void loseAsLate(Fetched& fetched) {
+  if (fetched.state == Fetched::State::lost) return;
+  fetched.state = Fetched::State::lost;
+  fetched.isEmptyBySilence = false;
+  fetched.missing = Answer(fetched.address, 0).missing();
+  fetched.reason = "silent";
+}
+
 Fetch::Fetch(std::vector<BulkAddress> units, const AskingTerms& terms, Pacer pacer, Receiver receiver)
     : units_(std::move(units)),
       receiver_(std::move(receiver)),
@@ -33,8 +41,9 @@ void Fetch::hear(std::span<const std::uint8_t> message) {
   unanswered_.erase(unanswered);
 }
 
+// The instrument is given time behind each unit: to work off what it was asked for last.
 void Fetch::begin(WireTime now) {
-  if (!isDone()) asking_.ask(units_[unit_], now);
+  if (!isDone()) asking_.ask(units_[unit_], now, 0, unit_ > 0 ? pacer_.pauses().behindUnits : WireTime());
 }
 
 void Fetch::receive(std::span<const std::uint8_t> bytes, WireTime now) {
@@ -84,6 +93,7 @@ void Fetch::tell(Fetched::State state, Asking::Result result) {
   if (state == Fetched::State::lost) {
     fetched.reason = asking_.whyUnanswered(result);
     fetched.missing = std::move(result.missing);
+    fetched.other = result.other;
   }
   fetched.messages = std::move(result.messages);
   if (fetched.isEmptyBySilence ||

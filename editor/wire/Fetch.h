@@ -26,14 +26,18 @@ struct Fetched {
   unsigned tries = 0;             // requests that went out for it
   std::vector<BulkAddress> missing;
   std::string reason;                               // lost: why, as far as can be known
+  std::optional<BulkAddress> other;                 // lost: a dump that came and is of no answer to this
   std::vector<std::vector<std::uint8_t>> messages;  // whole and empty: the answer
 };
+
+// Something of it came too late, as is known by now: nobody says any longer that it is empty.
+void loseAsLate(Fetched& fetched);
 
 // Asks an instrument for units, one after the other. What comes of one when it is told already comes too late for it.
 //
 // An instrument answers a request for a file dump or a mixing voice also where nothing is stored, and a request for
-// another empty place not at all. Where nobody is there nobody is asked for anything more; one that has answered before
-// is believed to have gone when it is silent twice.
+// another empty place not at all, not even with a dump of something else. Where nobody is there nobody is asked for
+// anything more; one that has answered before is believed to have gone when it is silent twice.
 class Fetch final : public WireEnd {
  public:
   using Receiver = std::function<void(Fetched)>;

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
+#include <vector>
 
+#include "history/History.h"
 #include "wire/Fetch.h"
 
 namespace Editor {
@@ -16,7 +18,9 @@ enum class FetchedAs : std::uint8_t {
 };
 const char* wordOf(FetchedAs as);
 
-// The same as it is printed. `isRemoved`: what is empty there is no longer here either.
-nlohmann::ordered_json toJson(const Fetched& fetched, FetchedAs as, bool isRemoved);
+// The same as it is printed. `isRemoved`: what is empty there is no longer here either. `with`: changes of other places
+// that came with it.
+nlohmann::ordered_json toJson(const Fetched& fetched, FetchedAs as, bool isRemoved,
+                              const std::vector<PlaceChange>& with = {});
 
 }  // namespace Editor

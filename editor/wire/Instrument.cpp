@@ -34,6 +34,7 @@ void Instrument::pass(WireTime now) {
 
 std::span<const std::uint8_t> Instrument::toSend(WireTime now) {
   const std::span<const std::uint8_t> bytes = pacer_.take(now);
+  if (!bytes.empty()) observer_.goesOut(pacer_.answer());
   offeredSince_ = bytes.empty() ? std::nullopt : std::optional(offeredSince_.value_or(now));
   return bytes;
 }
@@ -52,6 +53,7 @@ void Instrument::stop() {
 void Instrument::message(std::span<const std::uint8_t> bytes, std::uint64_t offset) {
   const std::vector<std::uint8_t> left = faults_.receive(bytes);
   if (std::ranges::equal(left, bytes)) return handle(bytes, offset);
+  observer_.spoiled(bytes);
   class Rest final : public StreamJoiner::Receiver {
    public:
     explicit Rest(Instrument& instrument) : instrument_(instrument) {}
@@ -73,13 +75,19 @@ void Instrument::message(std::span<const std::uint8_t> bytes, std::uint64_t offs
 
 void Instrument::handle(std::span<const std::uint8_t> message, std::uint64_t offset) {
   const Reading reading = readMessage(message);
-  const bool isFull = stores(reading) && faults_.isFull();
+  const bool mayStore = stores(reading);
+  const bool isFull = mayStore && faults_.isFull();
   editor_.library().setRoom(isFull ? std::optional<std::size_t>(0) : std::nullopt);
   observer_.handling(offset);
   const Record record = editor_.handle(reading, message, options_.port, ++number_);
+  if (mayStore && record.outcome == Outcome::stored) faults_.hasStored();
   std::vector<Pacer::Message> answer;
-  for (const AssistantHost::Sent& sent : record.sent)
-    if (options_.echoes || !std::ranges::equal(sent.bytes, message)) answer.push_back({sent.bytes});
+  std::uint64_t sentSoFar = 0;
+  for (const AssistantHost::Sent& sent : record.sent) {
+    ++sentSoFar;
+    if (options_.echoes || !std::ranges::equal(sent.bytes, message))
+      answer.push_back({.bytes = sent.bytes, .answer = Pacer::Answer{number_, sentSoFar}});
+  }
   std::vector<Pacer::Message> leaving;
   if (!faults_.isDeaf()) leaving = faults_.send(std::move(answer));
   observer_.handled(number_, offset, message, record);

@@ -24,6 +24,10 @@ class Instrument final : public WireEnd, private StreamJoiner::Receiver {
     virtual void handled(std::uint64_t number, std::uint64_t offset, std::span<const std::uint8_t> message,
                          const Record& record) = 0;
     virtual void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) = 0;
+    // A message has arrived that a fault keeps from being handled as it is: what it has left, if anything, comes next.
+    virtual void spoiled(std::span<const std::uint8_t> /*message*/) {}
+    // Bytes are to go out next, of that answer or of none. It may be another one by then: a fault has got it.
+    virtual void goesOut(const std::optional<Pacer::Answer>& /*answer*/) {}
     // A message of its answer has so many bytes that the port cannot carry it: it does not go out.
     virtual void tooLong(std::uint64_t number, std::size_t length) = 0;
 
@@ -60,6 +64,8 @@ class Instrument final : public WireEnd, private StreamJoiner::Receiver {
 
   // Nothing more is handled: the message that has begun to go out is the last one.
   void stop();
+  // Nothing more comes: what has begun has no end. Not behind an error of the library.
+  void finish() { joiner_.finish(); }
 
  private:
   static constexpr std::size_t kLongest = 16U << 20;

@@ -1,5 +1,6 @@
 #include "wire/Intake.h"
 
+#include <algorithm>
 #include <iterator>
 #include <utility>
 
@@ -10,23 +11,21 @@ namespace Editor {
 Intake::Result Intake::store(const std::vector<Messages>& units) {
   EmbeddedEditor::Run run(editor_);
   Result result;
-  bool areHeld = false;  // file dumps, for which there has been no trigger yet
   const auto hand = [&](const std::vector<std::uint8_t>& message) {
     Record record = editor_.handle(message, BDA::DevicePort_Main, ++number_);
-    areHeld = record.reading.role == Role::fileDump;
-    std::ranges::move(record.changes, std::back_inserter(result.changes));
+    std::ranges::move(record.changes, std::back_inserter(result.changes.back()));
     if (record.outcome != Outcome::refused) return true;
     const auto state = record.storeError.empty() ? Result::State::refused : Result::State::notStored;
-    result = {state, std::move(record.reason), {}};
+    result = {state, result.changes.size() - 1, std::move(record.reason), {}};
     return false;
   };
-  const auto writeHeld = [&] { return !areHeld || hand(writeTrigger(deviceNumberOf(editor_.tools()))); };
   for (const Messages& messages : units) {
-    if (readMessage(messages.front()).role != Role::fileDump && !writeHeld()) return result;
-    for (const std::vector<std::uint8_t>& message : messages)
-      if (!hand(message)) return result;
+    result.changes.emplace_back();
+    if (!std::ranges::all_of(messages, hand)) return result;
+    // Each file dump has a trigger of its own: what that cannot store is then known by its unit.
+    if (readMessage(messages.front()).role == Role::fileDump && !hand(writeTrigger(deviceNumberOf(editor_.tools()))))
+      return result;
   }
-  if (!writeHeld()) return result;
   run.commit();
   return result;
 }

@@ -22,8 +22,9 @@ class Intake {
     };
 
     State state = State::stored;
-    std::string why;              // not stored: why
-    std::vector<Change> changes;  // stored
+    std::size_t unit = 0;                      // refused, not stored: which one of them
+    std::string why;                           // and why
+    std::vector<std::vector<Change>> changes;  // stored: of each unit
   };
 
   // The editor outlives this object.

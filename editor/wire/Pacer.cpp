@@ -35,36 +35,52 @@ WireTime Pacer::pausesBehind(const Message& message) const {
 std::optional<WireTime> Pacer::due() const {
   if (messages_.empty()) return std::nullopt;
   const Waiting& message = messages_.front();
-  return start_ ? *start_ + paceOf(message).timeOf(done_ - done_ % piece())
-                : std::max(next_, message.came) + message.delay;
+  if (start_) return *start_ + paceOf(message).timeOf(sinceStart() - sinceStart() % piece());
+  const bool standsBefore = message.stall && takes_ == Takes::messages;
+  return std::max(next_, message.came) + message.delay + (standsBefore ? message.stall->time : WireTime());
 }
 
 std::span<const std::uint8_t> Pacer::take(WireTime now) {
   const std::optional<WireTime> due = this->due();
   if (!due || now < *due) return {};
-  const bool beginsPiece = done_ % piece() == 0;
+  const Message& message = messages_.front();
+  const std::size_t inPiece = sinceStart() % piece();
   const WireTime late =
-      beginsPiece ? std::max(now - *due - paceOf(messages_.front()).timeOf(kMostCatchUp), WireTime()) : WireTime();
+      inPiece == 0 ? std::max(now - *due - paceOf(message).timeOf(kMostCatchUp), WireTime()) : WireTime();
   start_ = start_.value_or(*due) + late;
-  const std::span<const std::uint8_t> bytes = messages_.front().bytes;
-  return bytes.subspan(done_, std::min(bytes.size() - done_, piece() - done_ % piece()));
+  return std::span(message.bytes).subspan(done_, std::min(stopsAt() - done_, piece() - inPiece));
+}
+
+// Before which byte the first message stands still next, or ends.
+std::size_t Pacer::stopsAt() const {
+  const Message& message = messages_.front();
+  const bool standsStill = message.stall && takes_ == Takes::bytes && done_ < message.stall->at;
+  return standsStill ? std::min(message.stall->at, message.bytes.size()) : message.bytes.size();
 }
 
 void Pacer::sent(std::size_t count) {
-  done_ += count;
   const Message& message = messages_.front();
-  if (done_ < message.bytes.size()) return;
-  end_ = *start_ + paceOf(message).timeOf(done_);
+  const bool comesToAStop = count > 0 && done_ + count == stopsAt();
+  done_ += count;
+  if (!comesToAStop) return;
+  const WireTime end = *start_ + paceOf(message).timeOf(sinceStart());
+  if (done_ < message.bytes.size()) {
+    start_ = end + message.stall->time;
+    startsAt_ = done_;
+    return;
+  }
+  end_ = end;
   next_ = end_ + pausesBehind(message);
   messages_.pop_front();
-  done_ = 0;
+  done_ = startsAt_ = 0;
   start_.reset();
 }
 
 WireTime Pacer::duration() const {
   WireTime time{};
   for (const Message& message : messages_)
-    time += message.delay + paceOf(message).timeOf(message.bytes.size()) + pausesBehind(message);
+    time += message.delay + (message.stall ? message.stall->time : WireTime()) +
+            paceOf(message).timeOf(message.bytes.size()) + pausesBehind(message);
   return messages_.empty() ? time : time - pausesBehind(messages_.back());
 }
 

@@ -26,12 +26,28 @@ class Pacer {
 
   Pacer(Pace pace, Pauses pauses, Takes takes) : pace_(pace), pauses_(pauses), takes_(takes) {}
 
+  // Where a message stands still in its midst, and how long. Where messages are taken as a whole it comes so much
+  // later.
+  struct Stall {
+    std::size_t at = 0;  // before that byte
+    WireTime time{};
+  };
+  // Which message one answers, and as the how many-th of its answers, from 1.
+  struct Answer {
+    std::uint64_t message = 0;
+    std::uint64_t number = 0;
+    friend bool operator==(const Answer&, const Answer&) = default;
+  };
   struct Message {
     std::vector<std::uint8_t> bytes;
     bool endsUnit = false;          // it is the footer of a unit
     WireTime delay{};               // before it begins, whatever else is waited for
     std::optional<Pace> pace = {};  // its own
+    std::optional<Stall> stall = {};
+    std::optional<Answer> answer = {};
   };
+
+  const Pauses& pauses() const { return pauses_; }
 
   // Behind all others.
   void push(Message message, WireTime now);
@@ -40,6 +56,8 @@ class Pacer {
 
   // The bytes that may go out now, of one message; none: before due() there are none. Valid until the next call.
   std::span<const std::uint8_t> take(WireTime now);
+  // What that message answers, if it does.
+  const std::optional<Answer>& answer() const { return messages_.front().answer; }
   // So many of them, from their first, have gone out.
   void sent(std::size_t count);
 
@@ -64,6 +82,8 @@ class Pacer {
   };
   Pace paceOf(const Message& message) const { return message.pace.value_or(pace_); }
   std::size_t piece() const;
+  std::size_t stopsAt() const;
+  std::size_t sinceStart() const { return done_ - startsAt_; }
   WireTime pausesBehind(const Message& message) const;
 
   const Pace pace_;
@@ -71,7 +91,8 @@ class Pacer {
   const Takes takes_;
   std::deque<Waiting> messages_;
   std::size_t done_ = 0;           // bytes of the first one
-  std::optional<WireTime> start_;  // of the first one: when it began, or would have, had nobody been late
+  std::size_t startsAt_ = 0;       // 0, or behind its stall
+  std::optional<WireTime> start_;  // of the first one: when that byte went out, or would have, had nobody been late
   WireTime end_{};                 // of what has gone out
   WireTime next_{};                // when one that has not begun may begin
 };

@@ -4,6 +4,7 @@
 #include <set>
 #include <utility>
 
+#include "AddressRows.h"
 #include "BulkMessage.h"
 #include "explain/BlockMap.h"
 #include "messages/Messages.h"
@@ -18,6 +19,14 @@ Data dataOf(const std::vector<std::uint8_t>& dump) {
   return Data(dump).subspan(BDA::kDataAt, dump.size() - BDA::kDumpFrame);
 }
 
+// What fits the part of a multi.
+std::string kindOf(const ReadBack::Messages& unit) {
+  const bool isDrum = std::ranges::any_of(unit, [](const auto& dump) {
+    return BDA::List(BDA::listOf(readMessage(dump).address->hi)) == BDA::List::drumVoice;
+  });
+  return isDrum ? "drum voice" : "normal voice";
+}
+
 }  // namespace
 
 std::vector<ReadBackDifference> ReadBack::compare(const Messages& sent, const Messages& read) {
@@ -27,7 +36,11 @@ std::vector<ReadBackDifference> ReadBack::compare(const Messages& sent, const Me
     const auto answer = std::ranges::find_if(
         read, [&](const std::vector<std::uint8_t>& one) { return readMessage(one).address == reading.address; });
     if (answer == read.end()) {
-      differences_.push_back({*reading.address, 0, std::nullopt, std::monostate(), std::monostate(), true});
+      if (&dump == &sent.front())
+        differences_.push_back({*reading.address, 0, std::nullopt, std::monostate(), std::monostate(), true});
+      else  // the header of a part's voice begins either kind
+        differences_.push_back(
+            {*readMessage(sent.front()).address, 0, std::nullopt, kindOf(sent), kindOf(read), false});
       break;
     }
     if (std::ranges::equal(dataOf(dump), dataOf(*answer))) continue;

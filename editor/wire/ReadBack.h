@@ -14,9 +14,11 @@ namespace Editor {
 
 // A parameter that an instrument gives back other than it was sent.
 struct ReadBackDifference {
-  BulkAddress address{};            // of its block
-  std::size_t dataByte = 0;         // the first that carries it; of a file dump the byte of its content
-  std::optional<std::string> path;  // nothing: it is a byte of a file dump, or of a block without parameters
+  BulkAddress address{};     // of its block
+  std::size_t dataByte = 0;  // the first that carries it; of a file dump the byte of its content
+  // Nothing: it is a byte of a file dump, or of a block without parameters. Of a header it is the whole unit, and the
+  // values are words for what it is.
+  std::optional<std::string> path;
   ParameterValue sent;
   ParameterValue read;
   bool isOfOneOnly = false;  // the other one says that nothing is stored there: there are no values

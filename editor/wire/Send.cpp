@@ -12,11 +12,10 @@ namespace {
 constexpr WireTime kLatestEcho = std::chrono::seconds(10);
 constexpr std::size_t kMostEchoes = 2;
 
-// The last one ends the unit.
-void pushTo(Pacer& pacer, const std::vector<Send::Message>& messages, const Send::Trigger* trigger, WireTime now) {
+// The last one ends the unit, unless a trigger comes next.
+void pushTo(Pacer& pacer, const std::vector<Send::Message>& messages, bool isBeforeTrigger, WireTime now) {
   for (const Send::Message& message : messages)
-    pacer.push({message, trigger == nullptr && &message == &messages.back()}, now);
-  if (trigger != nullptr) pacer.push({trigger->message, true}, now);
+    pacer.push({message, !isBeforeTrigger && &message == &messages.back()}, now);
 }
 
 }  // namespace
@@ -38,12 +37,13 @@ const char* wordOf(SentUnit::State state) {
 bool isMissed(const SentUnit& unit) { return unit.state == SentUnit::State::different || !unit.reason.empty(); }
 
 WireTime durationOf(const std::vector<Send::Unit>& units, Pacer pacer) {
-  std::map<std::size_t, std::size_t> lastOf;  // by triggers
-  for (std::size_t unit = 0; unit < units.size(); ++unit)
-    if (units[unit].trigger) lastOf[units[unit].trigger->number] = unit;
+  std::map<std::size_t, std::map<std::size_t, const Send::Message*>> triggers;  // by the units behind which they stand
+  for (const Send::Unit& unit : units)
+    if (unit.trigger) triggers[unit.trigger->behind][unit.trigger->number] = &unit.trigger->message;
   for (std::size_t unit = 0; unit < units.size(); ++unit) {
-    const std::optional<Send::Trigger>& trigger = units[unit].trigger;
-    pushTo(pacer, units[unit].messages, trigger && lastOf[trigger->number] == unit ? &*trigger : nullptr, {});
+    const auto& behind = triggers[unit];
+    pushTo(pacer, units[unit].messages, !behind.empty(), {});
+    for (const auto& [number, message] : behind) pacer.push({*message, number == behind.rbegin()->first}, {});
   }
   return pacer.duration();
 }
@@ -99,7 +99,7 @@ void Send::sent(std::size_t count) {
 
 // No message is cut, and no unit that has begun.
 bool Send::canStop() const {
-  if (phase_ == Phase::sending) return (!isUnitPushed_ && !triggerPushed_) || (isUnitPushed_ && !hasBegun_);
+  if (phase_ == Phase::sending) return !triggerPushed_ && !(isUnitPushed_ && hasBegun_);
   return pacer_.isBetweenMessages();
 }
 
@@ -113,7 +113,7 @@ void Send::enter(Phase phase) {
 bool Send::goOn(WireTime now) {
   if (isStopping_ && phase_ != Phase::sending) {
     if (!canStop()) return false;
-    if (phase_ != Phase::looking) tellSettled();
+    giveUp();
     enter(Phase::done);
     return false;
   }
@@ -153,7 +153,7 @@ void Send::leaveOut() {
     isLeftOut_[result.unit] = result.state == SentUnit::State::equal && !(group && going.contains(*group));
     if (isLeftOut_[result.unit]) continue;
     result.state = SentUnit::State::sent;
-    result.reason.clear();
+    result.whyUnknown = std::exchange(result.reason, {});
   }
 }
 
@@ -161,20 +161,24 @@ bool Send::sendNext(WireTime now) {
   if (isStopping_ && isUnitPushed_ && !hasBegun_) {
     pacer_.forgetWaiting();
     isUnitPushed_ = false;
-    triggerPushed_.reset();
   }
   if (pacer_.due()) return false;
   settle();
-  while (!isStopping_ && unit_ < units_.size() && isLeftOut_[unit_]) ++unit_;
+  hasBegun_ = false;
+  unit_ = nextFrom(unit_);
   if (!options_.verifies) tellSettled();
-  if (!isStopping_ && unit_ < units_.size()) {
-    const Unit& unit = units_[unit_];
-    isUnitPushed_ = true;
-    push(unit.messages, isLastOfTrigger(unit_) ? &*unit.trigger : nullptr, now);
+  if (const Trigger* const trigger = triggerBefore(unit_)) {
+    if (isStopping_) pacer_.skipPause();
+    triggerPushed_ = trigger->number;
+    pacer_.push({trigger->message, triggerBefore(unit_) == nullptr}, now);
     return false;
   }
-  if (pushOpenTrigger(now)) return false;
-  if (isStopping_ && options_.verifies) tellSettled();
+  if (!isStopping_ && unit_ < units_.size()) {
+    isUnitPushed_ = true;
+    pushTo(pacer_, units_[unit_].messages, triggerBefore(nextFrom(unit_ + 1)) != nullptr, now);
+    return false;
+  }
+  if (isStopping_) giveUp();
   enter(options_.verifies && !isStopping_ ? Phase::quiet : Phase::done);
   return true;
 }
@@ -191,38 +195,41 @@ bool Send::isSettled(std::size_t unit) const {
 }
 
 void Send::tellSettled() {
-  for (; told_ < units_.size() && isSettled(told_); ++told_) {
-    SentUnit& result = results_[told_];
-    if (options_.verifies && result.state == SentUnit::State::sent)
-      result.reason = units_[told_].asked ? "not verified" : "cannot be asked for";
-    receiver_(result);
+  for (std::size_t unit = told_; unit < units_.size() && isSettled(unit); ++unit) tell(unit);
+}
+
+void Send::giveUp() {
+  if (phase_ == Phase::sending && !pacer_.due()) settle();
+  for (std::size_t unit = told_; unit < units_.size(); ++unit)
+    if (isSettled(unit)) tell(unit);
+}
+
+void Send::tell(std::size_t unit) {
+  told_ = unit + 1;
+  SentUnit& result = results_[unit];
+  if (options_.verifies && result.state == SentUnit::State::sent)
+    result.reason = units_[unit].asked ? "not verified" : "cannot be asked for";
+  receiver_(result);
+}
+
+// The first that is not left out, from there on.
+std::size_t Send::nextFrom(std::size_t unit) const {
+  while (unit < units_.size() && isLeftOut_[unit]) ++unit;
+  return unit;
+}
+
+// The first that goes out before that unit and is not on its way yet, once those before it are out. Who is stopped does
+// not wait for what else stands before it.
+const Send::Trigger* Send::triggerBefore(std::size_t unit) const {
+  const Trigger* found = nullptr;
+  for (std::size_t i = 0; i < unit; ++i) {
+    const std::optional<Trigger>& trigger = units_[i].trigger;
+    if (!trigger || isLeftOut_[i] || triggersOut_.contains(trigger->number) || triggerPushed_ == trigger->number)
+      continue;
+    const bool isDue = trigger->behind < unit || (isStopping_ && !trigger->removesOthers);
+    if (isDue && (found == nullptr || trigger->number < found->number)) found = &*trigger;
   }
-}
-
-bool Send::isLastOfTrigger(std::size_t unit) const {
-  const std::optional<Trigger>& trigger = units_[unit].trigger;
-  if (!trigger) return false;
-  for (std::size_t later = unit + 1; later < units_.size(); ++later)
-    if (units_[later].trigger && units_[later].trigger->number == trigger->number && !isLeftOut_[later]) return false;
-  return true;
-}
-
-void Send::push(const std::vector<Message>& messages, const Trigger* trigger, WireTime now) {
-  hasBegun_ = false;
-  if (trigger != nullptr) triggerPushed_ = trigger->number;
-  pushTo(pacer_, messages, trigger, now);
-}
-
-// That of file dumps that went out before it was stopped.
-bool Send::pushOpenTrigger(WireTime now) {
-  for (const std::size_t unit : unwritten()) {
-    const Trigger& trigger = *units_[unit].trigger;
-    if (trigger.removesOthers) continue;
-    pacer_.skipPause();
-    push({}, &trigger, now);
-    return true;
-  }
-  return false;
+  return found;
 }
 
 std::vector<std::size_t> Send::unwritten() const {
@@ -235,8 +242,7 @@ std::vector<std::size_t> Send::unwritten() const {
 
 std::optional<Send::Unfinished> Send::unfinished() const {
   if (phase_ != Phase::sending || !isUnitPushed_ || !hasBegun_) return std::nullopt;
-  std::vector<Message> messages = units_[unit_].messages;
-  if (triggerPushed_) messages.push_back(units_[unit_].trigger->message);
+  const std::vector<Message>& messages = units_[unit_].messages;
   Unfinished unfinished{unit_, {}};
   for (std::size_t i = messages.size() - pacer_.waiting(); i < messages.size(); ++i)
     unfinished.missing.push_back(*readMessage(messages[i]).address);
@@ -285,13 +291,17 @@ bool Send::ask(WireTime now) {
 void Send::judge(const Asking::Result& result) {
   const Unit& unit = units_[unit_];
   SentUnit& judged = results_[unit_];
-  judged = {unit_, SentUnit::State::unanswered, {}, judged.tries + result.tries, {}};
+  judged.state = SentUnit::State::unanswered;
+  judged.tries += result.tries;
+  judged.differences.clear();
+  judged.reason.clear();
   if (!result.isAnswered()) {
     judged.reason = asking_.whyUnanswered(result);
     return;
   }
-  judged.differences = readBack_.compare(unit.messages, result.messages);
-  judged.state = judged.differences.empty() ? SentUnit::State::equal : SentUnit::State::different;
+  std::vector<ReadBackDifference> differences = readBack_.compare(unit.messages, result.messages);
+  judged.state = differences.empty() ? SentUnit::State::equal : SentUnit::State::different;
+  (phase_ == Phase::looking ? judged.before : judged.differences) = std::move(differences);
 }
 
 // How many messages of each of its kind may still be echoes: of each unit that went to the same place.

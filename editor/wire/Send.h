@@ -24,9 +24,12 @@ struct SentUnit {
 
   std::size_t unit = 0;  // of those to send, from 0
   State state = State::sent;
-  std::vector<ReadBackDifference> differences;  // different; sent: what it gave back before
+  std::vector<ReadBackDifference> differences;  // different
   unsigned tries = 0;                           // requests that went out for it
   std::string reason;  // unanswered, as far as can be known; sent: why nobody has looked, though that was wanted
+  // Where it was asked for before it was sent: how that differs, or why it is not known.
+  std::vector<ReadBackDifference> before = {};
+  std::string whyUnknown = {};
 };
 
 const char* wordOf(SentUnit::State state);
@@ -35,20 +38,22 @@ bool isMissed(const SentUnit& unit);
 
 // Sends units to an instrument, and looks whether it has them.
 //
-// All of them go out first, file dumps with their triggers; then each is asked for, once nothing of what was sent has
-// come back for as long as an answer may take. An instrument or a cable may give back what it gets, once or twice and
-// late: such an echo says nothing. So an answer that is equal counts only when no echo can be so late, or when more of
-// them have come than there can be echoes; until then the unit is asked for again. Where one may have come into the
-// midst of an answer it is asked for again too, once it is quiet.
+// All of them go out first, and triggers where they stand between them; then each is asked for, once nothing of what
+// was sent has come back for as long as an answer may take. An instrument or a cable may give back what it gets, once
+// or twice and late: such an echo says nothing. So an answer that is equal counts only when no echo can be so late, or
+// when more of them have come than there can be echoes; until then the unit is asked for again. Where one may have come
+// into the midst of an answer it is asked for again too, once it is quiet.
 class Send final : public WireEnd {
  public:
   using Message = std::vector<std::uint8_t>;
 
-  // Has all file dumps stored that the instrument has got. Those of the same number are one, which goes out behind the
-  // last unit that it has stored.
+  // Has all file dumps stored that the instrument has got. Those of the same number are one.
   struct Trigger {
     std::size_t number = 0;
     Message message;
+    // The unit behind which it stands, the last of its own or a later one. It goes out there, for what it stores and
+    // removes takes the place of what came before; but not where none of its own has gone out.
+    std::size_t behind = 0;
     bool removesOthers = false;  // it goes out with all of its units or not at all
   };
   struct Unit {
@@ -65,7 +70,8 @@ class Send final : public WireEnd {
   };
   using Receiver = std::function<void(SentUnit)>;
 
-  // Each unit is told in its order: as soon as it is sent, or with `verifies` at the end.
+  // Each unit is told in its order: as soon as it is sent, or with `verifies` at the end. Where it ends early those
+  // whose trigger has not gone out are passed over.
   Send(std::vector<Unit> units, const Options& options, Pacer pacer, Receiver receiver);
 
   void receive(std::span<const std::uint8_t> bytes, WireTime now) override;
@@ -82,7 +88,7 @@ class Send final : public WireEnd {
   void stop() { isStopping_ = true; }
 
   // The wire is no more: what is known by now is told. Of the rest only the following can be said.
-  void giveUp() { tellSettled(); }
+  void giveUp();
   struct Unfinished {
     std::size_t unit;
     std::vector<BulkAddress> missing;  // messages that have not gone out to their end
@@ -105,9 +111,9 @@ class Send final : public WireEnd {
   void settle();
   bool isSettled(std::size_t unit) const;
   void tellSettled();
-  bool isLastOfTrigger(std::size_t unit) const;
-  void push(const std::vector<Message>& messages, const Trigger* trigger, WireTime now);
-  bool pushOpenTrigger(WireTime now);
+  void tell(std::size_t unit);
+  std::size_t nextFrom(std::size_t unit) const;
+  const Trigger* triggerBefore(std::size_t unit) const;
   bool ask(WireTime now);
   void judge(const Asking::Result& result);
   std::size_t echoesOf(std::size_t asked, WireTime now) const;
@@ -124,14 +130,14 @@ class Send final : public WireEnd {
   std::set<std::size_t> triggersOut_;
   Phase phase_;
   std::size_t unit_ = 0;    // which one the phase has come to
-  std::size_t told_ = 0;    // so many of them
+  std::size_t told_ = 0;    // behind the last that was told
   bool isAsking_ = false;   // for it
   std::size_t equals_ = 0;  // answers for it that were equal, one after the other
   std::size_t spoilt_ = 0;  // such that an echo may have come between
   bool hasWaited_ = false;  // without a byte, for the first of them
   bool isStopping_ = false;
 
-  // Sending: the unit that is on its way, the trigger that is with it or by itself, and whether a byte of it is out.
+  // Sending: the unit or the trigger that is on its way, and whether a byte of it is out.
   bool isUnitPushed_ = false;
   std::optional<std::size_t> triggerPushed_;
   bool hasBegun_ = false;

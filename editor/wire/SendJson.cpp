@@ -18,19 +18,24 @@ Json toJson(const ReadBackDifference& difference) {
           {"read", valueToJson(difference.read)}};
 }
 
+Json toJson(const std::vector<ReadBackDifference>& differences) {
+  Json json = Json::array();
+  for (const ReadBackDifference& one : differences) json.push_back(toJson(one));
+  return json;
+}
+
 }  // namespace
 
 Json toJson(const SendPlan& plan, const SentUnit& unit) {
-  Json differences = Json::array();
-  if (unit.state == SentUnit::State::different)
-    for (const ReadBackDifference& one : unit.differences) differences.push_back(toJson(one));
   const Send::Unit& sent = plan.units[unit.unit];
   const BulkAddress address = addressOf(sent);
-  return {{"unit", nameOrBytes(sent.asked.value_or(address))},
-          {"address", formatAddress(address)},
-          {"state", wordOf(unit.state)},
-          {"differences", std::move(differences)},
-          {"reason", unit.reason}};
+  Json json{{"unit", nameOrBytes(sent.asked.value_or(address))},
+            {"address", formatAddress(address)},
+            {"state", wordOf(unit.state)},
+            {"differences", toJson(unit.differences)},
+            {"reason", unit.reason}};
+  if (!unit.before.empty()) json["before"] = toJson(unit.before);
+  return json;
 }
 
 }  // namespace Editor

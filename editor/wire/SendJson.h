@@ -6,8 +6,7 @@
 
 namespace Editor {
 
-// What became of a unit of the plan, as it is printed. Differences from what the instrument held before it was sent are
-// no part of that.
+// What became of a unit of the plan, as it is printed.
 nlohmann::ordered_json toJson(const SendPlan& plan, const SentUnit& unit);
 
 }  // namespace Editor

@@ -51,7 +51,7 @@ SendPlan::SendPlan(const Batch& batch) {
       units[*at].messages.push_back(message.bytes);
     } else if (reading.role == Role::trigger && !message.writes.empty()) {
       for (const std::size_t unit : message.writes)
-        units[*planned[unit]].trigger = {triggers, message.bytes, reading.removesMixingVoices};
+        units[*planned[unit]].trigger = {triggers, message.bytes, units.size() - 1, reading.removesMixingVoices};
       ++triggers;
     } else {
       addAlone(message, reading);
@@ -88,10 +88,14 @@ void SendPlan::addAlone(const Batch::Message& message, const Reading& reading) {
   add({canBeAsked ? reading.address : std::nullopt, {message.bytes}}, place, effect);
 }
 
-// An empty mixing voice: its footer removes what stands there, with the header before it or without.
+// An empty mixing voice: its footer removes what stands there, with the header before it or without. No trigger goes
+// out between the messages of a unit.
 void SendPlan::addEmpty(const Send::Message& footer, BulkAddress address, const std::string& place) {
   const BulkAddress header{BDA::kHeaderHi, address.mid, address.lo};
-  if (units.empty() || units.back().messages.size() > 1 || addressOf(units.back()) != header) add({}, place, "");
+  const bool isBehindTrigger = std::ranges::any_of(
+      units, [&](const Send::Unit& unit) { return unit.trigger && unit.trigger->behind + 1 == units.size(); });
+  if (units.empty() || units.back().messages.size() > 1 || addressOf(units.back()) != header || isBehindTrigger)
+    add({}, place, "");
   units.back().asked = BulkAddress{BDA::kHeaderHi, address.mid, std::uint8_t(address.lo & ~unsigned(BDA::kEmptyVoice))};
   units.back().messages.push_back(footer);
   places.back() = place;

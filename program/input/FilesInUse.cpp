@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string_view>
 #include <utility>
@@ -17,14 +18,22 @@
 
 namespace Editor {
 
-// False for standard streams that are no file.
+// Where what is written is nowhere.
+bool FilesInUse::isNowhere(const struct stat& status) {
+  struct stat nowhere {};
+  return S_ISCHR(status.st_mode) && ::stat("/dev/null", &nowhere) == 0 && status.st_rdev == nowhere.st_rdev;
+}
+
+// False for standard streams that are closed.
 bool FilesInUse::identify(const std::string& path, int standardStream, File& file) {
   struct stat status {};
   const bool isStandard = path == "-";
   const bool exists = (isStandard ? ::fstat(standardStream, &status) : ::stat(path.c_str(), &status)) == 0;
-  file.isDevice = exists && !S_ISREG(status.st_mode);
-  if (isStandard && (!exists || file.isDevice)) return false;
-  if (exists) {
+  if (isStandard && !exists) return false;
+  file.kind = !exists || S_ISREG(status.st_mode)                     ? Kind::file
+              : S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode) ? Kind::pipe
+                                                                     : Kind::device;
+  if (exists && !isNowhere(status)) {
     file.device = status.st_dev;
     file.inode = status.st_ino;
   }
@@ -38,7 +47,7 @@ bool FilesInUse::identify(const std::string& path, int standardStream, File& fil
 
 void FilesInUse::add(const std::string& path, const std::string& what) {
   File file;
-  if (!identify(path, STDIN_FILENO, file) || file.isDevice) return;
+  if (!identify(path, STDIN_FILENO, file) || file.kind != Kind::file) return;
   file.what = what;
   files_.push_back(std::move(file));
 }
@@ -70,20 +79,33 @@ void FilesInUse::addPort(const std::string& name) {
     }
 }
 
+const FilesInUse::File* FilesInUse::find(const File& file) const {
+  const auto found = std::ranges::find_if(files_, [&](const File& other) {
+    const bool isSamePath = !file.path.empty() && file.path == other.path;
+    return isSamePath || (file.inode != 0 && file.inode == other.inode && file.device == other.device);
+  });
+  return found == files_.end() ? nullptr : &*found;
+}
+
 void FilesInUse::addOutput(const std::string& path, const std::string& option) {
   File file;
   if (!identify(path, STDOUT_FILENO, file)) return;
-  for (const File& other : files_) {
-    const bool isSamePath = !file.path.empty() && file.path == other.path;
-    const bool isSameFile = file.inode != 0 && file.inode == other.inode && file.device == other.device;
-    if (isSamePath || isSameFile)
-      throw Failure(kWrongUsage, fmt::format("{} {}: {}", option, escape(path), other.what));
-  }
+  if (const File* const other = find(file))
+    throw Failure(kWrongUsage, fmt::format("{} {}: {}", option, escape(path), other->what));
   const bool isBeside = !library_.empty() && file.path.starts_with(library_);
   if (isBeside && belongsToLibrary(std::string_view(file.path).substr(library_.size())))
     throw Failure(kWrongUsage, fmt::format("{} {}: this belongs to the library", option, escape(path)));
-  if (file.isDevice) return;
+  if (file.kind == Kind::device) return;
   file.what = fmt::format("{} names this file too", option);
+  files_.push_back(std::move(file));
+}
+
+void FilesInUse::addLines() {
+  File file;
+  if (!identify("-", STDOUT_FILENO, file)) return;
+  if (const File* const other = find(file)) throw Failure(kWrongUsage, fmt::format("standard output: {}", other->what));
+  if (file.kind == Kind::device) return;
+  file.what = "this is standard output, where lines of this run go";
   files_.push_back(std::move(file));
 }
 

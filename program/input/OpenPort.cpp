@@ -21,7 +21,8 @@ std::unique_ptr<Port> openPort(const std::string& name, BytePort::Direction dire
   try {
     if (!isPath) return openMidiPort(name, direction, Interruptible::descriptor());
     return std::make_unique<BytePort>(name, direction, Interruptible::descriptor(), [&](const std::string& path) {
-      console.note(fmt::format("waiting for somebody to read from {}", escape(path)));
+      const std::string text = fmt::format("waiting for somebody to read from {}", escape(path));
+      name == "pty:" ? console.problem(text) : console.note(text);  // a path that nobody knows yet
     });
   } catch (const PortError& error) {
     Interruptible::check();

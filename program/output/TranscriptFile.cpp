@@ -12,6 +12,7 @@
 
 #include "messages/Text.h"
 #include "midi/MidiFile.h"
+#include "output/OutputFile.h"
 
 namespace Editor {
 
@@ -45,23 +46,24 @@ TranscriptFile::TranscriptFile(Transcript::Options how, Program& program)
 TranscriptFile::~TranscriptFile() {
   if (!transcript_) return;
   if (hasBegun_) transcript_->finish();
-  if (!hasBegun_ && isNew_) ::unlink(program_.transcript.file.c_str());  // as long as it is ours
+  if (!hasBegun_ && isNew_) ::unlink(path_.c_str());  // as long as it is ours
   if (::close(file_) != 0) fail(errno);
 }
 
 // Who waited here for a reader could not be interrupted.
 void TranscriptFile::open() {
-  const std::string& path = program_.transcript.file;
+  const std::string& file = program_.transcript.file;
+  path_ = followLinks(file);
   constexpr int kFlags = O_WRONLY | O_NONBLOCK | O_CLOEXEC;
   constexpr int kMode = 0666;
-  file_ = ::open(path.c_str(), kFlags);
+  file_ = ::open(path_.c_str(), kFlags);
   isNew_ = file_ < 0 && errno == ENOENT;
-  if (isNew_) file_ = ::open(path.c_str(), kFlags | O_CREAT, kMode);
+  if (isNew_) file_ = ::open(path_.c_str(), kFlags | O_CREAT, kMode);
   struct stat status {};
   if (file_ < 0) {
     const int error = errno;
-    const bool isUnread = error == ENXIO && ::stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
-    throw Failure(kWrongUsage, cannotBeWritten(path, isUnread ? "nobody reads from it" : std::strerror(error)));
+    const bool isUnread = error == ENXIO && ::stat(path_.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
+    throw Failure(kWrongUsage, cannotBeWritten(file, isUnread ? "nobody reads from it" : std::strerror(error)));
   }
   ::fcntl(file_, F_SETFL, ::fcntl(file_, F_GETFL) & ~O_NONBLOCK);
   // Devices and pipes are for many.
@@ -70,7 +72,7 @@ void TranscriptFile::open() {
   // One without a name was that of a run that could not begin, and has taken it away by now.
   if (!isLocked && ::fstat(file_, &status) == 0 && status.st_nlink > 0) return;
   ::close(file_);
-  throw Failure(kWrongUsage, cannotBeWritten(path, "it is the transcript of another run, which has not ended"));
+  throw Failure(kWrongUsage, cannotBeWritten(file, "it is the transcript of another run, which has not ended"));
 }
 
 // What stood in the file before goes now. A device or pipe has nothing that could.

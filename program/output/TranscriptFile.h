@@ -27,9 +27,15 @@ class TranscriptFile {
   void comesFrom(const std::string* file, std::uint64_t offset) {
     if (transcript_) transcript_->comesFrom(file, offset);
   }
+  void goesOut(const std::optional<Pacer::Answer>& answer) {
+    if (transcript_) transcript_->goesOut(answer);
+  }
   // A message that is not handed on.
   void arrived(std::span<const std::uint8_t> message) {
     if (transcript_) transcript_->arrived(message);
+  }
+  void keptBack(std::span<const std::uint8_t> message) {
+    if (transcript_) transcript_->keptBack(message);
   }
   void settle() {
     if (transcript_) transcript_->settle();
@@ -44,6 +50,7 @@ class TranscriptFile {
   Program& program_;
   const bool hasPort_;
   bool hasBegun_ = false;
+  std::string path_;     // where a link to it leads
   bool isNew_ = false;   // the file was not there before
   std::string waiting_;  // lines from before it began
   int file_ = -1;

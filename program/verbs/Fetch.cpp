@@ -17,6 +17,7 @@
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "models/ModelJson.h"
+#include "output/ChangeLines.h"
 #include "output/Complaints.h"
 #include "output/OutputFile.h"
 #include "output/Progress.h"
@@ -66,7 +67,7 @@ class Fetching {
         unasked_(console_) {
     if (isKeptInFile_) file_.emplace(options.output);
     if (!options.requests.empty()) requests_.emplace(options.requests);
-    if (options.from == "-" || options.output == "-") console_.keepOutputForBytes();
+    if (options.from == "-" || options.output == "-" || options.requests == "-") console_.keepOutputForBytes();
     console_.flushEachLine();
   }
 
@@ -107,13 +108,13 @@ class Fetching {
     }
     progress.end();
     unasked_.finish();
-    tellLate(fetch);
-    tellDropped(*port, console_);
     try {
-      if (options_.atomic) settleTogether(!failure && fetch.late().empty());
+      if (options_.atomic) settleTogether(fetch.late(), !failure);
     } catch (const LibraryError& error) {
       failure = Failure(kWrongUsage, escape(error.what()));
     }
+    tellLate(fetch);
+    tellDropped(*port, console_);
     finish(device);
     if (failure) throw *std::move(failure);
   }
@@ -149,6 +150,7 @@ class Fetching {
     if (!isKeptInFile_) return store({&fetched, 1});
     for (const std::vector<std::uint8_t>& message : fetched.messages) file_->write(message);
     ++kept_;
+    if (fetched.state == Fetched::State::empty) ++removals_;
     tell(fetched, stateOf(fetched, State::kept));
   }
 
@@ -157,7 +159,8 @@ class Fetching {
   }
 
   // All of them or none; `isWhole`: all were asked for.
-  void settleTogether(bool isWhole) {
+  void settleTogether(const std::vector<std::size_t>& late, bool isWhole) {
+    for (const std::size_t unit : late) loseAsLate(waiting_[unit]);
     if (isWhole && std::ranges::none_of(waiting_, [](const Fetched& one) { return one.state == Fetched::State::lost; }))
       return store(waiting_);
     for (Fetched& one : waiting_) isTaken(one) ? lose(one, "not stored", "others are lost") : settle(one);
@@ -178,13 +181,18 @@ class Fetching {
     const bool isStored = result.state == Intake::Result::State::stored;
     const char* const reason = result.state == Intake::Result::State::refused ? "refused" : "not stored";
     if (isStored && !messages.empty() && !options_.dryRun) program_.noteChange();
+    std::size_t taken = 0;
     for (Fetched& unit : units) {
-      if (!isTaken(unit))
+      if (!isTaken(unit)) {
         settle(unit);
-      else if (isStored)
-        tell(unit, stateOf(unit, State::stored), "", replacedBy(unit, result));
+        continue;
+      }
+      const std::size_t which = taken++;
+      if (isStored)
+        tell(unit, stateOf(unit, State::stored), "", result.changes[which]);
       else
-        lose(unit, reason, result.why);
+        which == result.unit ? lose(unit, reason, result.why)
+                             : lose(unit, "not stored", fmt::format("another one is {}", reason));
     }
   }
 
@@ -193,43 +201,48 @@ class Fetching {
     tell(unit, State::lost, why);
   }
 
-  // The name of what stood there; nothing: the place was empty, or nobody knows.
-  static std::optional<std::string> replacedBy(const Fetched& unit, const Intake::Result& result) {
-    const std::string place = placeNameOf(unit.address);
-    const auto change =
-        std::ranges::find_if(result.changes, [&](const Change& one) { return nameOf(one.place) == place; });
-    if (change == result.changes.end() || !change->before) return std::nullopt;
-    return change->before->name;
-  }
-
-  void tell(const Fetched& fetched, State state, const std::string& why = "",
-            const std::optional<std::string>& replaced = {}) {
+  void tell(const Fetched& fetched, State state, const std::string& why = "", std::span<const Change> changes = {}) {
     ++counts_[state];
     if (state == State::lost) {
       lost_.push_back(fetched.address);
       program_.refuse();
     }
-    const char* const word = wordOf(state);
     const std::string name = nameOrBytes(fetched.address);
+    const std::string place = placeNameOf(fetched.address);
+    std::optional<std::string> replaced;  // by its name; nothing: the place was empty, or nobody knows
+    std::vector<PlaceChange> with;        // the multi of a part, the parts of a multi
+    const bool isUnit = findBlock(fetched.address)->role == Role::header;
+    for (const Change& change : changes)
+      if (nameOf(change.place) == place) {
+        if (change.before && !replaced) replaced = change.before->name;
+      } else if (isUnit && change.place.kind == Place::Kind::live && change.before != change.after) {
+        with.push_back(toPlaceChange(change));
+      }
     const bool isRemoved = state == State::empty && replaced;
-    if (options_.json) return console_.line(jsonLine(toJson(fetched, state, isRemoved)));
-    const bool isRehearsed = options_.dryRun && (state == State::stored || isRemoved);
-    std::string line = fmt::format("{}{}: {}", isRehearsed ? "would be " : "", isRemoved ? "removed" : word, name);
+    if (options_.json) return console_.line(jsonLine(toJson(fetched, state, isRemoved, with)));
+    const char* const would = options_.dryRun && (state == State::stored || isRemoved) ? "would be " : "";
+    std::string line = fmt::format("{}{}: {}", would, isRemoved ? "removed" : wordOf(state), name);
     if (replaced && !replaced->empty())
       line += fmt::format(", {} \"{}\"", isRemoved ? "it was" : "replaces", showName(*replaced));
     if (replaced && replaced->empty() && !isRemoved) line += ", replaces what was there";
     if (fetched.isEmptyBySilence) line += " (it answers nothing)";
+    if (state == State::empty && isKeptInFile_ && isTaken(fetched))
+      line += ": who receives the file removes what is there";
     if (state == State::lost) {
       line += fmt::format(": {}", fetched.reason);
       if (!why.empty()) line += fmt::format(": {}", escape(why));
       if (fetched.reason == "incomplete" && fetched.missing.empty())
         line += ": two answers in one, which differ";
+      else if (fetched.reason == "incomplete" && fetched.other && fetched.missing.front() == fetched.address)
+        line += fmt::format(": {} came instead", nameOrBytes(*fetched.other));
       else if (fetched.reason == "incomplete" || fetched.reason == "broken")
         line += fmt::format(", missing {}", describeBlocks(fetched.missing));
     }
     if (fetched.tries != 1) line += fmt::format(" ({})", counted(fetched.tries, "try", "tries"));
     if (state == State::lost && fetched.tries == 0) return unasked_.tell("not asked for", line);
     state == State::lost ? console_.problem(line) : console_.line(line);
+    for (const PlaceChange& change : with)
+      console_.line(fmt::format("{}stored with it: {}{}", would, change.place, detailOf(change)));
   }
 
   // Of what was told empty by silence nothing else tells that it is lost.
@@ -266,6 +279,7 @@ class Fetching {
       words += fmt::format("{}{} {}", words.empty() ? "" : ", ", count, wordOf(state));
     if (came_ < units_.size())
       words += fmt::format("{}{} not asked for", words.empty() ? "" : ", ", units_.size() - came_);
+    if (removals_ > 0) words += fmt::format("; who receives the file removes {}", counted(removals_, "content"));
     console_.note((options_.dryRun ? "dry run, nothing is changed: " : "") + words);
   }
 
@@ -284,7 +298,8 @@ class Fetching {
   Complaints unasked_;
   std::vector<Fetched> waiting_;  // atomic: for all others to come
   std::size_t came_ = 0;
-  std::uint64_t kept_ = 0;
+  std::uint64_t kept_ = 0;      // units, and of these
+  std::uint64_t removals_ = 0;  // what says that they are empty
   std::map<State, std::uint64_t> counts_;
   std::vector<BulkAddress> lost_;
   bool isAnyAskedAgain_ = false;
@@ -297,6 +312,8 @@ class Fetching {
 void fetch(const Words& words, const FetchOptions& options, Program& program) {
   if (options.from == "-" && options.output == "-")
     throw Failure(kWrongUsage, "requests and answers cannot both go to standard output");
+  if (options.requests == "-" && (options.from == "-" || options.output == "-"))
+    throw Failure(kWrongUsage, "requests of what is lost go to standard output alone");
   Fetching(words, options, program).run();
 }
 

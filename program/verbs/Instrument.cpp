@@ -10,6 +10,7 @@
 
 #include "input/OpenPort.h"
 #include "messages/Text.h"
+#include "midi/Counted.h"
 #include "output/MessageReport.h"
 #include "output/Progress.h"
 #include "output/TranscriptFile.h"
@@ -46,7 +47,7 @@ class Serving final : public Instrument::Observer {
     const auto number = BDA::DevicePortNum(options_.port);
     port_ = port->name();
     longest_ = port->longestMessage();
-    editor_ = program_.openToChange({"instrument", {port_}});
+    editor_ = program_.openToChange({.verb = "instrument", .sources = {port_}, .isEndless = true});
     transcript_->listen(*editor_);
     port = transcript_->listen(std::move(port));
     report_.emplace(program_, *editor_,
@@ -74,6 +75,8 @@ class Serving final : public Instrument::Observer {
     }
     progress.end();
     report_->finish(true);
+    if (spoiled_ > 0)
+      console_.note(fmt::format("{} lost or altered by a fault before it was handled", counted(spoiled_, "message")));
     console_.note(report_->words());
     if (failure) throw *std::move(failure);
   }
@@ -82,8 +85,11 @@ class Serving final : public Instrument::Observer {
   // The end of what comes through a pipe is one, once everything is answered.
   static bool serve(Port& port, Instrument& instrument) {
     try {
-      return runAt(port, instrument, [&] { instrument.stop(); });
+      const bool isDone = runAt(port, instrument, [&] { instrument.stop(); });
+      instrument.finish();
+      return isDone;
     } catch (const PortError& error) {
+      instrument.finish();
       if (error.kind() != PortError::Kind::ended) throw;
       sendRest(instrument, port, Interruptible::isAsked);
       return !Interruptible::isAsked();
@@ -99,6 +105,11 @@ class Serving final : public Instrument::Observer {
   void dropped(std::uint64_t offset, std::uint64_t count, StreamJoiner::Reason reason) override {
     report_->lose({port_, offset, count, describe(reason), kindOf(reason)});
   }
+  void spoiled(std::span<const std::uint8_t> message) override {
+    ++spoiled_;
+    transcript_->keptBack(message);
+  }
+  void goesOut(const std::optional<Pacer::Answer>& answer) override { transcript_->goesOut(answer); }
   void tooLong(std::uint64_t number, std::size_t length) override {
     program_.refuse();
     console_.problem(
@@ -113,7 +124,8 @@ class Serving final : public Instrument::Observer {
   const std::vector<Fault> faults_;
   std::string port_;
   std::optional<TranscriptFile> transcript_;
-  std::size_t longest_ = 0;  // of the messages that it carries
+  std::size_t longest_ = 0;    // of the messages that it carries
+  std::uint64_t spoiled_ = 0;  // messages, by faults, before they were handled
   std::unique_ptr<EmbeddedEditor> editor_;
   std::optional<MessageReport> report_;
   Progress* progress_ = nullptr;

@@ -22,6 +22,9 @@ namespace Editor {
 
 namespace {
 
+// What comes to standard input may come for ever.
+LibraryRun runOf(const Words& files) { return {.verb = "receive", .sources = files, .isEndless = true}; }
+
 class Receiving {
  public:
   Receiving(const Words& files, const ExchangeOptions& options, const ReceiveOptions& how, Program& program)
@@ -31,7 +34,7 @@ class Receiving {
         input_(files),
         progress_(program.console, "receive", "message", 0, input_.size()),
         transcript_({.verb = "receive", .anyDevice = options.anyDevice}, program),
-        editor_(how.dryRun ? program.openToRehearse({"receive", files}) : program.openToChange({"receive", files})),
+        editor_(how.dryRun ? program.openToRehearse(runOf(files)) : program.openToChange(runOf(files))),
         report_(program, *editor_, {port_, how.dryRun, how.json}),
         trace_(options.trace) {
     if (how.whole) whole_.emplace();

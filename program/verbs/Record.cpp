@@ -85,8 +85,11 @@ class Recorded final : public StreamJoiner::Receiver {
   }
 
   void tell(const std::vector<UnitReport>& ended) {
-    if (options_.json) return;
-    for (const UnitReport& unit : ended) console_.line(lineOf(unit, LineForm::words));
+    for (const UnitReport& unit : ended)
+      if (!options_.json)
+        console_.line(lineOf(unit, LineForm::words));
+      else if (isBroken(unit))
+        complaints_.tell(wordOf(unit.state), fmt::format("{}: {}", displayName(port_), describeUnit(unit)));
   }
 
   void finish() {

@@ -22,7 +22,7 @@ Replay readTranscript(const std::string& file) {
   return Replay({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
 }
 
-// The one that was asked for, or that of the transcript.
+// The bytes of the one that was named, or nothing: that of the transcript.
 std::optional<Library::Bytes> libraryFor(const Replay& transcript, const std::string& file) {
   if (!file.empty()) {
     try {
@@ -43,9 +43,11 @@ std::optional<Library::Bytes> libraryFor(const Replay& transcript, const std::st
 
 }  // namespace
 
-void replay(const std::string& file, const std::string& library, Program& program) {
+void replay(const std::string& file, const std::string& otherLibrary, Program& program) {
+  std::string library = otherLibrary;
   try {
     Replay transcript = readTranscript(file);
+    if (library.empty() && transcript.needsLibrary()) library = program.namedLibrary();
     // It bears the name of the one that it stands for: the screen shows that.
     const std::string name = transcript.libraryName();
     EmbeddedEditor editor(name.empty() ? "library" : name, {.use = Library::Use::memory});

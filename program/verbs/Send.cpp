@@ -188,6 +188,7 @@ class Sending {
     }
     end.giveUp();
     progress.end();
+    unknown_.finish();
     tellDropped(*port, console_);
     tellEnd(plan, end);
     if (failure) throw *std::move(failure);
@@ -197,14 +198,16 @@ class Sending {
     if (const std::optional<Send::Unfinished> begun = end.unfinished())
       console_.problem(fmt::format("begun and not finished: {}{}{}", plan.places[begun->unit],
                                    begun->missing.empty() ? "" : ", missing ", describeBlocks(begun->missing)));
-    for (const std::size_t unit : end.unwritten())
+    const std::vector<std::size_t> unwritten = end.unwritten();
+    for (const std::size_t unit : unwritten)
       console_.problem(fmt::format("sent and not stored: {}: its write trigger has not gone out", plan.places[unit]));
     std::string words;
     const auto count = [&](std::uint64_t number, const std::string& word) {
       if (number > 0) words += fmt::format("{}{} {}", words.empty() ? "" : ", ", number, word);
     };
     for (const auto& [state, number] : counts_) count(number, wordOf(state));
-    count(plan.units.size() - told_, "not sent");
+    count(unwritten.size(), "sent and not stored");
+    count(plan.units.size() - told_ - unwritten.size(), "not sent");
     console_.note(words);
   }
 
@@ -213,17 +216,23 @@ class Sending {
     ++counts_[unit.state];
     const std::string& place = plan.places[unit.unit];
     if (isMissed(unit)) program_.refuse();
+    if (!unit.whyUnknown.empty())
+      unknown_.tell("not compared before", fmt::format("not compared before: {}: {}", place, unit.whyUnknown));
     if (options_.json) return console_.line(jsonLine(toJson(plan, unit)));
     const std::string line =
         fmt::format("{}: {}{}{}", wordOf(unit.state), place, unit.reason.empty() ? "" : ": ", unit.reason);
     isMissed(unit) ? console_.problem(line) : console_.line(line);
-    if (unit.differences.empty()) return;
-    if (unit.state == SentUnit::State::sent) console_.problem(fmt::format("was different: {}", place));
+    tellDifferences(unit.differences);
+    if (!unit.before.empty()) console_.problem(fmt::format("was different: {}", place));
+    tellDifferences(unit.before);
+  }
+
+  void tellDifferences(const std::vector<ReadBackDifference>& differences) {
     constexpr std::size_t kMostTold = 20;
-    for (std::size_t i = 0; i < std::min(unit.differences.size(), kMostTold); ++i)
-      console_.problem("    " + lineOf(unit.differences[i]));
-    if (unit.differences.size() > kMostTold)
-      console_.problem(fmt::format("    and {} more", unit.differences.size() - kMostTold));
+    for (std::size_t i = 0; i < std::min(differences.size(), kMostTold); ++i)
+      console_.problem("    " + lineOf(differences[i]));
+    if (differences.size() > kMostTold)
+      console_.problem(fmt::format("    and {} more", differences.size() - kMostTold));
   }
 
   static std::string lineOf(const ReadBackDifference& difference) {
@@ -231,6 +240,9 @@ class Sending {
     const std::string address = formatAddress(difference.address);
     if (difference.isOfOneOnly)
       return fmt::format("{}: {}", address, block ? "nothing is stored there" : "something is stored there");
+    if (block && block->role == Role::header)
+      return fmt::format("{}: a {} sent, a {} read", address, std::get<std::string>(difference.sent),
+                         std::get<std::string>(difference.read));
     const bool isOfContent = block && block->role == Role::fileDump && !difference.path;
     return fmt::format("{} {} {}: {}{} sent, {} read", address, isOfContent ? "content byte" : "data byte",
                        difference.dataByte, difference.path ? *difference.path + ": " : "", wordsOf(difference.sent),
@@ -245,6 +257,7 @@ class Sending {
   Console& console_;
   const Interruptible interruptible_;
   TranscriptFile transcript_;
+  Complaints unknown_{console_};
   std::size_t told_ = 0;
   std::map<SentUnit::State, std::uint64_t> counts_;
 };

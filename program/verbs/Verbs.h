@@ -67,9 +67,10 @@ struct ReceiveOptions {
 void receive(const Words& files, const ExchangeOptions& exchange, const ReceiveOptions& options, Program& program);
 void request(const Words& words, const ExchangeOptions& options, Program& program);
 
-// The messages of a transcript, a file, once more, with what becomes of them now. `library`: the one that they meet;
-// "": that of the transcript.
-void replay(const std::string& file, const std::string& library, Program& program);
+// The messages of a transcript, a file, once more, with what becomes of them now. `otherLibrary`: the one that they
+// meet;
+// "": that of the transcript, or else the one that the command line names.
+void replay(const std::string& file, const std::string& otherLibrary, Program& program);
 
 // What can be sent to and received from.
 void ports(bool json, Program& program);

@@ -14,6 +14,7 @@
 #include "Program.h"
 #include "Serving.h"
 #include "editor/contents/TemporaryLibrary.h"
+#include "wire/BytePort.h"
 
 using Value = nlohmann::json;
 using valijson::adapters::NlohmannJsonAdapter;
@@ -35,7 +36,8 @@ const std::map<std::string, std::set<std::string>> kOptional{
     {"receive", {"name", "contents", "changes", "missing", "damaged"}},
     {"instrument", {"name", "contents", "changes", "missing", "damaged"}},
     {"record", {"verdict"}},
-    {"fetch", {"removed"}},
+    {"fetch", {"silent", "removed", "with"}},
+    {"send", {"before"}},
     {"trace", {"name", "contents", "changes", "missing", "damaged"}},
     {"copy", {"damaged"}},
     {"favourite", {"damaged"}},
@@ -230,8 +232,8 @@ const std::vector<std::vector<std::string>> kRuns{
     {"remove", "voice:user1:8", "--dry-run", "--json"},
     {"undo", "--json"},
     {"history", "--json"},
-    {"send", "--json", "voice.syx", "--to", "pty:", "--pace", "none"},
-    {"job", "master", "--json", "--to", "pty:", "--pace", "none"},
+    {"send", "--json", "voice.syx", "--to", "./terminal", "--pace", "none"},
+    {"job", "master", "--json", "--to", "./terminal", "--pace", "none"},
     {"fetch", "--json", "master:1", "--from", "pty:", "--timeout", "0"},
 };
 
@@ -240,6 +242,8 @@ const std::vector<std::vector<std::string>> kRuns{
 TEST_F(Schema, everyVerbThatHasJsonPrintsWhatTheSchemaSays) {
   writeFiles();
   write("system.json", bda({"show", "system", "--json"}).out);
+  const Editor::BytePort port("pty:", Editor::BytePort::Direction::both);
+  std::filesystem::create_symlink(port.name(), directory / "terminal");
   Editor::Library(libraryFile()).store(kMulti1, Bytes{1, 2, 3}, "Raw");
   Editor::Library(libraryFile()).setFavourite(kPresetVoice1, 1);
   for (const std::vector<std::string>& run : kRuns)
@@ -301,6 +305,8 @@ TEST_F(Schema, theManifestIsWhatTheSchemaSays) {
 
 TEST_F(Schema, theTranscriptIsWhatTheSchemaSays) {
   writeFiles();
+  const Editor::BytePort port("pty:", Editor::BytePort::Direction::both);
+  std::filesystem::create_symlink(port.name(), directory / "terminal");
   const auto written = [&](const std::vector<std::string>& run) {
     std::vector<std::string> words = run;
     words.insert(words.end(), {"--transcript", "run.jsonl", "--with-library"});
@@ -311,7 +317,7 @@ TEST_F(Schema, theTranscriptIsWhatTheSchemaSays) {
   };
   for (const std::vector<std::string>& run : {std::vector<std::string>{"receive", "-q", "all.syx"},
                                               {"request", "-q", "voice:user1:6", "-o", "back.syx"},
-                                              {"send", "-q", "voice:user1:6", "--to", "pty:", "--pace", "none"},
+                                              {"send", "-q", "voice:user1:6", "--to", "./terminal", "--pace", "none"},
                                               {"fetch", "-q", "master:1", "--from", "pty:", "--timeout", "0"}})
     for (const Value& line : written(run)) EXPECT_EQ(Definition("transcript").misfit(line), "") << line;
 }

@@ -75,6 +75,20 @@ TEST_F(Transcript, aReplayChangesNoLibrary) {
   EXPECT_FALSE(exists("library.db"));
 }
 
+TEST_F(Transcript, meetsTheLibraryThatTheCommandLineNamesWhereItHoldsNone) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--library", "full.db"}), Exits(0));
+  EXPECT_THAT(bda({"request", "-q", "master:4", "-o", "x.syx", "--library", "full.db", "--transcript", "run.jsonl"}),
+              Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(2)) << "one that nobody has named is none";
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--library", "full.db"}), Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--library", "library.db"}), Exits(3)) << "where nothing is stored";
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--library", "library.db", "--from-library", "full.db"}), Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--library", "missing.db"}), Exits(2));
+  EXPECT_THAT(bda({"help", "replay"}).out, HasSubstr("--library FILE"));
+  EXPECT_THAT(bda(transcribed({"request", "-q", "master:4", "-o", "x.syx", "--library", "full.db"})), Exits(0));
+  EXPECT_THAT(bda({"replay", "run.jsonl", "--library", "library.db"}), Exits(0)) << "it holds its own";
+}
+
 TEST_F(Transcript, ofRequestIsDoneAgain) {
   EXPECT_THAT(bda({"receive", "-q", "all.syx"}), Exits(0));
   EXPECT_THAT(bda(transcribed({"request", "-q", "voice:user1:6", "system", "master:9", "-o", "out.syx"})), Exits(3));
@@ -249,8 +263,46 @@ TEST_F(Transcript, aRunThatCannotBeginLeavesTheFileAsItWas) {
   EXPECT_EQ(read("all.syx"), dump);
 }
 
+TEST_F(Transcript, aLinkThatLeadsNowhereStaysWhereARunCannotBegin) {
+  const std::filesystem::path link = directory / "link";
+  std::filesystem::create_symlink("run.jsonl", link);
+  for (const char* const verb : {"fetch", "record"}) {
+    std::vector<std::string> run{verb, "--from", "/nope", "--transcript", "link", "-o", "x.syx"};
+    if (verb == std::string("fetch")) run.insert(run.begin() + 1, "voice:edit");
+    EXPECT_THAT(bda(run), Exits(2));
+    EXPECT_TRUE(std::filesystem::is_symlink(link)) << verb;
+    EXPECT_FALSE(exists("run.jsonl")) << verb;
+  }
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--transcript", "link"}), Exits(0));
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
+  EXPECT_THAT(linesWith("verb", "receive"), Not(IsEmpty()));
+}
+
 TEST_F(Transcript, isNothingForStandardOutput) {
   EXPECT_THAT(bda({"receive", "all.syx", "--transcript", "-"}), Exits(1));
+}
+
+TEST_F(Transcript, isNotWhereStandardOutputGoes) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx"}), Exits(0));
+  const auto run = [&](const std::string& words) {
+    const std::string command = "cd '" + directory.string() + "' && BDA_LIBRARY=library.db " BDA_PROGRAM " " + words;
+    const int status = std::system(command.c_str());
+    return WEXITSTATUS(status);
+  };
+  const std::string why = "--transcript out: this is standard output, where lines of this run go";
+  for (const char* const words : {"request voice:user1:6", "receive --json --dry-run all.syx", "receive all.syx",
+                                  "record --from pty: -o r.syx --json", "instrument --on pty: --json"}) {
+    EXPECT_EQ(run(words + std::string(" --transcript out > out 2> err")), 1) << words;
+    EXPECT_THAT(read("err"), HasSubstr(why)) << words;
+    EXPECT_EQ(read("out"), "") << words;
+  }
+  EXPECT_EQ(run("receive -q all.syx -o out > out 2> err"), 1);
+  EXPECT_EQ(run("request voice:user1:6 --transcript /dev/stdout 2> err | cat > out; grep -q 'standard output' err"), 0);
+  EXPECT_EQ(read("out"), "");
+  // What says nothing there may write it by whatever name.
+  EXPECT_EQ(run("request -q voice:user1:6 -o /dev/stdout --transcript run.jsonl | cat > out"), 0);
+  EXPECT_EQ(read("out"), bda({"request", "-q", "voice:user1:6", "-o", "-"}).out);
+  EXPECT_EQ(run("receive -q all.syx --transcript /dev/null > /dev/null"), 0);
 }
 
 // Its bytes were for standard output, which is that file.
@@ -357,6 +409,21 @@ TEST_F(Transcript, ofAnInstrumentWithFaultsIsDoneAgain) {
   bda({"fetch", "voice:user1:6", "master:4", "system", "--from", instrument.path, "--timeout", "0.2", "--pace", "none",
        "-o", "some.syx"});
   instrument.stop();
+  EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
+}
+
+TEST_F(Transcript, ofAnInstrumentThatHearsWithFaultsIsDoneAgain) {
+  EXPECT_THAT(bda({"receive", "-q", "all.syx", "--library", "instrument.db"}), Exits(0));
+  Serving instrument("env -C '" + directory.string() +
+                     "' " BDA_PROGRAM
+                     " instrument --on pty: --library instrument.db --transcript run.jsonl --with-library "
+                     "--faults in-drop=30%,in-flip=30%,in-cut=10% --seed 3 2>'" +
+                     (directory / "told").string() + "'");
+  bda({"fetch", "voice:user1:6", "master:4", "system", "--from", instrument.path, "--timeout", "0.1", "--pace", "none",
+       "-o", "some.syx"});
+  instrument.stop();
+  EXPECT_FALSE(linesWith("passedOn", false).empty());
+  EXPECT_THAT(read("told"), HasSubstr("lost or altered by a fault before it was handled\n"));
   EXPECT_THAT(bda({"replay", "run.jsonl"}), Exits(0));
 }
 

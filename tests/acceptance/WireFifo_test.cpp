@@ -4,7 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
+
 #include "Wire.h"
+#include "wire/BytePort.h"
 
 using testing::AllOf;
 using testing::HasSubstr;
@@ -50,6 +53,26 @@ TEST_F(WireFifo, whatIsSentIsKeptForWhoReadsItLater) {
   EXPECT_EQ(job.path, kWaiting);
   EXPECT_FALSE(readFifo("up").empty());
   EXPECT_EQ(job.wait(), 0);
+}
+
+// As a FIFO, but that it goes with the program.
+TEST_F(WireFifo, whoSendsToANewTerminalWaitsForSomebodyToo) {
+  for (const char* const words : {"send master.syx --to pty:", "send -q master.syx --to pty:"}) {
+    Serving sending = start(words);
+    constexpr std::string_view kSaid = "waiting for somebody to read from ";
+    ASSERT_EQ(sending.path.find(kSaid), 0u) << sending.path;
+    Editor::BytePort there(sending.path.substr(kSaid.size()), Editor::BytePort::Direction::both);
+    std::string heard;
+    while (heard.size() < read("master.syx").size()) {
+      const std::span<const std::uint8_t> bytes = there.wait(there.now() + std::chrono::seconds(10), false);
+      if (bytes.empty()) break;
+      heard.append(bytes.begin(), bytes.end());
+    }
+    EXPECT_EQ(heard, read("master.syx"));
+    EXPECT_EQ(sending.wait(), 0);
+  }
+  Serving job = start("job voice --to pty:");
+  EXPECT_EQ(job.stop(), 130);
 }
 
 TEST_F(WireFifo, ctrlCEndsTheWaitForWhoReads) {
@@ -103,6 +126,25 @@ TEST_F(WireFifo, isNoPlaceForAnyOtherOutput) {
     const Result refused = bda(run);
     EXPECT_THAT(refused, Exits(1)) << run[0];
     EXPECT_THAT(refused.err, HasSubstr("this is the port")) << run[0];
+  }
+}
+
+// By whatever name: lines would go onto the wire, or into the midst of its dumps.
+TEST_F(WireFifo, isNotStandardOutputWithLines) {
+  const std::pair<const char*, const char*> runs[] = {
+      {"job voice --to /dev/stdout 2> err | cat > out", "standard output: this is the port"},
+      {"send master.syx --to /dev/stdout 2> err | cat > out", "standard output: this is the port"},
+      {"job voice --to up 2> err <>up >&0", "standard output: this is the port"},
+      {"instrument --on down,up 2> err <>up >&0", "standard output: this is the port"},
+      {"job voice --to - --transcript /dev/stdout 2> err | cat > out", "--transcript /dev/stdout: this is the port"},
+      {"job voice --to - --transcript up 2> err <>up >&0", "--transcript up: this is the port"},
+  };
+  for (const auto& [words, why] : runs) {
+    write("out", "");
+    const std::string command = "cd '" + directory.string() + "' && BDA_LIBRARY=library.db " BDA_PROGRAM " ";
+    EXPECT_NE(std::system((command + words).c_str()), -1);
+    EXPECT_THAT(read("err"), HasSubstr(why)) << words;
+    EXPECT_EQ(read("out"), "") << words;
   }
 }
 

@@ -69,5 +69,7 @@ TEST_F(WireLate, withAtomicNothingIsStoredThen) {
   const auto [code, told] = fetchThem("--atomic");
   EXPECT_EQ(code, 3);
   EXPECT_THAT(told, AllOf(HasSubstr("lost: voice:user1:7: not stored"), Not(HasSubstr("stored: voice:user1:7\n"))));
+  EXPECT_THAT(told, AllOf(HasSubstr("lost: voice:user1:6: silent"), Not(HasSubstr("empty: voice:user1:6"))))
+      << "it has come, too late";
   EXPECT_FALSE(exists("new.db"));
 }

@@ -44,6 +44,8 @@ class OtherEnd {
     for (std::size_t came = 0; came < count;) came += std::size_t(::read(ours_, bytes.data(), count - came));
   }
 
+  void give(const Bytes& bytes) const { EXPECT_EQ(::write(ours_, bytes.data(), bytes.size()), ssize_t(bytes.size())); }
+
   std::string name;
 
  private:
@@ -75,7 +77,9 @@ TEST_F(WireSend, whoReadsObjectsIsToldWhatIsOverwrittenOnStandardError) {
   EXPECT_THAT(dry, Exits(0));
   EXPECT_EQ(dry.out, "");
   EXPECT_EQ(dry.err, "overwrites: master:4\noverwrites: master:5\n");
-  EXPECT_THAT(bda({"send", "two.syx", "--to", "pty:", "--json", "-q"}).err, StartsWith("overwrites: master:4\n"));
+  const Serving instrument = serve();
+  EXPECT_THAT(bda({"send", "two.syx", "--to", instrument.path, "--json", "-q"}).err,
+              StartsWith("overwrites: master:4\n"));
   write("wipe.syx", {dump({0x11, 0x01, 0x00})});
   EXPECT_THAT(bda({"send", "wipe.syx", "--to", "pty:", "--dry-run", "--json"}).err,
               HasSubstr("removes: all mixing voices\n"));
@@ -149,6 +153,25 @@ TEST_F(WireSend, whatWasDifferentStandsUnderALineOfItsOwn) {
   const Json object = Json::parse(bda(json).out);
   EXPECT_EQ(object["state"], "sent");
   EXPECT_EQ(object["differences"], Json::array());
+  EXPECT_FALSE(object["before"].empty());
+}
+
+// A part of the instrument's multi holds a voice of the other kind.
+TEST_F(WireSend, aVoiceOfTheOtherKindIsNamedSo) {
+  const Bytes drum = unit({0x0E, 0x30, 0x00}, BDA::List::drumVoice);
+  write("part.syx", {unit({0x0E, 0x30, 0x00}, BDA::List::normalVoice)});
+  const auto sent = [&](const char* options) {
+    OtherEnd end;
+    Serving sending(send(file("part.syx") + " --verify --pace none --timeout 1 --to " + end.name + options));
+    end.take(read("part.syx").size());
+    end.take(request({0x0E, 0x30, 0x00}).size());
+    end.give(drum);
+    EXPECT_EQ(sending.wait(), 3);
+    return sending.told;
+  };
+  EXPECT_THAT(sent(""), HasSubstr("    0E 30 00: a normal voice sent, a drum voice read\n"));
+  EXPECT_THAT(sent(" --json"), HasSubstr(R"("differences":[{"address":"0E 30 00","dataByte":0,"path":null,)"
+                                         R"("sent":"normal voice","read":"drum voice"}])"));
 }
 
 TEST_F(WireSend, aDryRunTakesThePaceOfThePort) {
@@ -161,8 +184,9 @@ TEST_F(WireSend, aDryRunTakesThePaceOfThePort) {
 }
 
 TEST_F(WireSend, noPauseIsWaitedOutBehindTheLastByte) {
+  const Serving instrument = serve();
   const auto begin = std::chrono::steady_clock::now();
-  const Result sent = bda({"send", "master.syx", "--to", "pty:", "--unit-pause", "60000"});
+  const Result sent = bda({"send", "master.syx", "--to", instrument.path, "--unit-pause", "60000"});
   EXPECT_THAT(sent, Exits(0));
   EXPECT_THAT(sent.err, HasSubstr(" bytes, 0.1 s\n"));
   EXPECT_LT(since(begin), 30s);

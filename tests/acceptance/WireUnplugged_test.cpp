@@ -140,3 +140,15 @@ TEST_F(WireUnplugged, whatIsSentIsToldUpToTheUnitThatIsOpen) {
     }
   }
 }
+
+TEST_F(WireUnplugged, anInstrumentTellsTheMessageThatHasNoEnd) {
+  Terminal there;
+  Serving instrument(command("instrument --on " + there.name + " 2>&1"));
+  EXPECT_EQ(instrument.path, "on " + there.name);
+  const Bytes asked = request({0x0E, 0x70, 0x00});
+  there.send(text(asked) + "\xF0\x7D\x20");
+  EXPECT_NE(there.receive(1), "") << "it has heard that";
+  there.unplug();
+  EXPECT_EQ(instrument.wait(), 1);
+  EXPECT_THAT(instrument.told, HasSubstr("offset 9: 3 bytes dropped, message without end"));
+}

@@ -6,6 +6,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <thread>
+
+#include "messages/Messages.h"
+#include "wire/BytePort.h"
+
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -17,7 +22,9 @@ TEST_F(Wire, whatAnInstrumentHoldsIsFetchedIntoTheLibrary) {
   const Result fetched = fetch(instrument, {"file:voice:user1:6", "master:4", "multi:edit", "system"});
   EXPECT_THAT(fetched, Exits(0));
   EXPECT_THAT(fetched.out, StartsWith("stored: file:voice:user1:6\nstored: master:4\nstored: multi:edit\n"
-                                      "stored: system:common\n"));
+                                      "stored with it: voice:part:1\n"));
+  EXPECT_THAT(fetched.out,
+              HasSubstr("stored with it: voice:part:16\nstored: system:common\nstored: system:audio-input\n"));
   EXPECT_THAT(fetched.err, HasSubstr("17 stored\n"));
   EXPECT_EQ(instrument.stop(), 130);
   EXPECT_THAT(instrument.told, HasSubstr("answered: request of file dump of voice user1:6, 1 message ("));
@@ -37,7 +44,7 @@ TEST_F(Wire, aUnitThatReplacesAnotherSaysWhichAndIsOneObject) {
   EXPECT_EQ(
       objectsOf(fetch(instrument, {"voice:user1:6..7", "file:voice:user1:8", "--json"}).out),
       objectsOf(R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"stored","tries":1,"missing":[],"reason":""}
-{"unit":"voice:user1:7","address":"0E 0A 06","state":"empty","tries":3,"missing":[],"reason":""}
+{"unit":"voice:user1:7","address":"0E 0A 06","state":"empty","tries":3,"missing":[],"reason":"","silent":true}
 {"unit":"file:voice:user1:8","address":"0C 0A 07","state":"empty","tries":1,"missing":[],"reason":""})"));
   EXPECT_THAT(fetch(instrument, {"voice:user1:7"}), Exits(3)) << "asked for by its name, it may be lost";
   EXPECT_THAT(fetch(instrument, {"file:voice:user1:8"}), Exits(0));
@@ -178,6 +185,29 @@ TEST_F(Wire, whatArrivesIsRecordedMessageByMessage) {
   EXPECT_FALSE(exists("c.syx"));
 }
 
+TEST_F(Wire, whatIsBrokenIsToldBesideObjects) {
+  Bytes half = dump({0x0E, 0x70, 0x03});
+  const Bytes footer = dump({0x0F, 0x70, 0x03});
+  half.insert(half.end(), footer.begin(), footer.end());
+  const Result recorded = bda({"record", "--from", "-", "-o", "half.syx", "--json", "-q"}, text(half));
+  EXPECT_THAT(recorded, Exits(3));
+  EXPECT_THAT(recorded.err, AllOf(HasSubstr("master:4: "), HasSubstr("missing")));
+  EXPECT_EQ(recorded.out, "");
+  Serving recording("env -C '" + directory.string() +
+                    "' " BDA_PROGRAM " record --from pty: -o again.syx --json --quiet-after 1 2>&1");
+  ASSERT_EQ(recording.path.find("from /dev/"), 0u) << recording.path;
+  Editor::BytePort there(recording.path.substr(5), Editor::BytePort::Direction::both);
+  EXPECT_EQ(there.send(half), half.size());
+  EXPECT_EQ(recording.wait(), 3);
+  EXPECT_THAT(recording.told, AllOf(HasSubstr("{\"message\":2,"), HasSubstr("master:4: ")));
+}
+
+TEST_F(Wire, aMessageThatHasNoEndWhenTheInputEndsIsBroken) {
+  const Result cut = bda({"instrument", "--on", "-"}, text(dump({0x0E, 0x70, 0x03})) + "\xF0\x7D");
+  EXPECT_THAT(cut, Exits(3));
+  EXPECT_THAT(cut.err, HasSubstr("offset 12: 2 bytes dropped, message without end"));
+}
+
 TEST_F(Wire, whatStillHasToGoOutAtTheEndOfTheInputGoesOut) {
   fillInstrument();
   bda({"request", "voice:user1:6", "--library", directory / "instrument.db", "-o", "asked.syx"});
@@ -229,6 +259,25 @@ TEST_F(Wire, ctrlCKeepsWhatCameAndSaysWhatIsLost) {
   instrument.stop();
   bda({"request", "master:4", "--library", directory / "instrument.db", "-o", "asked.syx"});
   EXPECT_EQ(read("got.syx"), read("asked.syx"));
+}
+
+TEST_F(Wire, whatGoesOutLastIsReadBeforeItsTerminalGoes) {
+  fillInstrument();
+  Serving instrument(std::string(BDA_PROGRAM) + " instrument --on pty: --pace 20 --library '" +
+                     (directory / "instrument.db").string() + "' 2>/dev/null");
+  Editor::BytePort there(instrument.path, Editor::BytePort::Direction::both);
+  there.send(Editor::requestMessage({0x0E, 0x70, 0x03}));
+  Bytes heard;
+  const auto hear = [&] {
+    const std::span<const std::uint8_t> bytes = there.wait(there.now() + std::chrono::seconds(10), false);
+    heard.insert(heard.end(), bytes.begin(), bytes.end());
+  };
+  hear();
+  instrument.interrupt();
+  std::this_thread::sleep_for(std::chrono::seconds(1));  // which is longer than the message
+  EXPECT_THROW(while (heard.size() < 1000) hear(), Editor::PortError);
+  EXPECT_EQ(heard, dump({0x0E, 0x70, 0x03}));
+  EXPECT_EQ(instrument.wait(), 130);
 }
 
 TEST_F(Wire, aTriggerThatRemovesAllMixingVoicesIsNamedBefore) {

@@ -156,8 +156,16 @@ TEST_F(LibraryHistory, NothingIsRecordedOfWhatChangesNothing) {
   EXPECT_THAT(numbers(), ElementsAre(2, 1));
 }
 
-TEST_F(LibraryHistory, ANewEntryBeginsAfterAMinuteWithoutAChange) {
-  run("receive");
+TEST_F(LibraryHistory, ARunWithAnEndIsOneEntryHoweverLongItPauses) {
+  run("fetch");
+  library.store(kVoice, Bytes{1}, "1");
+  now += std::chrono::hours(1);
+  library.store(kVoice, Bytes{2}, "2");
+  EXPECT_THAT(numbers(), ElementsAre(1));
+}
+
+TEST_F(LibraryHistory, InAnEndlessRunANewEntryBeginsAfterAMinuteWithoutAChange) {
+  library.beginRun({.verb = "receive", .isEndless = true});
   library.store(kVoice, Bytes{1}, "1");
   now += std::chrono::seconds(59);
   library.store(kVoice, Bytes{2}, "2");

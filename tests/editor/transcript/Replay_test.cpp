@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 
 #include "editor/contents/TemporaryLibrary.h"
@@ -143,12 +144,8 @@ TEST_F(ReplayTest, EveryAlteredByteOfEveryLineIsADifference) {
   ASSERT_EQ(differenceIn(whole, library), "");
   std::size_t line = 1;
   for (std::size_t at = 0; at < whole.size(); ++at) {
-    if (whole[at] == '\n') {
-      ++line;
-      continue;
-    }
     std::string altered = whole;
-    altered[at] = whole[at] == '0' ? '1' : '0';
+    altered[at] = whole[at] == '0' ? '1' : whole[at] == '\n' ? ' ' : '0';
     try {
       const Replay::Result result = again(altered, library);
       ASSERT_TRUE(result.difference) << "line " << line << ": " << altered.substr(at > 20 ? at - 20 : 0, 40);
@@ -157,7 +154,34 @@ TEST_F(ReplayTest, EveryAlteredByteOfEveryLineIsADifference) {
       ASSERT_EQ(line, 1U);
       ASSERT_THAT(error.what(), HasSubstr("of another version")) << altered.substr(0, 40);
     }
+    line += std::size_t(whole[at] == '\n');
   }
+}
+
+// Bytes that mean the same in JSON are others all the same.
+TEST_F(ReplayTest, WhatIsWrittenOtherwiseIsADifference) {
+  editor.emplace(directory / "\u00fc.db");
+  begin();
+  hand({request(kSystemRemote)});
+  const std::string whole = finished();
+  ASSERT_EQ(differenceIn(whole), "");
+  const std::size_t name = whole.find("u00fc");
+  ASSERT_NE(name, std::string::npos);
+  const std::string upper = whole.substr(0, name + 3) + "F" + whole.substr(name + 4);
+  EXPECT_THAT(differenceIn(upper), HasSubstr("line 1: "));
+  EXPECT_THAT(differenceIn("\xEF\xBB\xBF" + whole), HasSubstr("line 1: "));
+  std::string lines = whole;
+  for (std::size_t at = 0; (at = lines.find('\n', at)) != std::string::npos; at += 2) lines.insert(at, "\r");
+  EXPECT_THAT(differenceIn(lines), HasSubstr("line 1: "));
+  const std::string line = "line " + std::to_string(std::count(whole.begin(), whole.end(), '\n')) + ": ";
+  for (const char end : {' ', '\t', '\r'}) {
+    EXPECT_THAT(differenceIn(whole.substr(0, whole.size() - 1) + end), HasSubstr(line));
+    EXPECT_THAT(differenceIn(whole.substr(0, whole.size() - 1) + end + '\n'), HasSubstr(line));
+  }
+  EXPECT_EQ(differenceIn(whole.substr(0, whole.size() - 1)), "") << "of the line itself nothing is missing";
+  const std::string head = whole.substr(0, whole.find('\n'));
+  EXPECT_THAT(differenceIn(head.substr(0, 40) + "?" + head.substr(41)), HasSubstr("line 1: ")) << "alone, too";
+  EXPECT_THAT(differenceIn(head + ' ' + head), HasSubstr("line 1: ")) << "and no JSON any more";
 }
 
 TEST_F(ReplayTest, AFirstLineThatIsNoneWasOneWhereALineOfATranscriptStandsBehindIt) {

@@ -100,6 +100,58 @@ TEST(BytePort, OfAPseudoTerminalThatIsGoneItIsSaid) {
   EXPECT_THROW(sendAll(there, everyByte()), PortError);
 }
 
+TEST(BytePort, OnlyToWriteToAPseudoTerminalIsToWaitForWhoOpensIt) {
+  std::promise<std::string> path;
+  auto opening = std::async(std::launch::async, [&] {
+    return std::make_unique<BytePort>("pty:", Direction::out, -1,
+                                      [&](const std::string& name) { path.set_value(name); });
+  });
+  const std::string name = path.get_future().get();
+  EXPECT_EQ(opening.wait_for(100ms), std::future_status::timeout);
+  std::optional<BytePort> there(std::in_place, name, Direction::both);
+  const std::unique_ptr<BytePort> here = opening.get();
+  EXPECT_EQ(here->name(), name);
+  there.reset();
+  sendAll(*here, everyByte());  // they come and go
+  there.emplace(name, Direction::both);
+  EXPECT_EQ(receive(*there, 256), everyByte());
+  here->drain();
+  sendAll(*here, everyByte());
+  try {
+    here->drain();
+    ADD_FAILURE() << "nobody has read it";
+  } catch (const PortError& error) {
+    EXPECT_EQ(error.kind(), PortError::Kind::gone);
+  }
+}
+
+TEST(BytePort, TheWaitForWhoOpensAPseudoTerminalCanBeEnded) {
+  int wake[2];
+  ASSERT_EQ(::pipe(wake), 0);
+  ASSERT_EQ(::write(wake[1], "x", 1), 1);
+  EXPECT_THROW(BytePort("pty:", Direction::out, wake[0]), PortError);
+  ::close(wake[0]);
+  ::close(wake[1]);
+}
+
+TEST(BytePort, APseudoTerminalIsDrainedWhenAllIsReadOrNobodyIsThere) {
+  BytePort here("pty:", Direction::both);
+  sendAll(here, everyByte());
+  const WireTime begin = here.now();
+  here.drain();
+  EXPECT_LT(here.now() - begin, 1s) << "nobody is there";
+  BytePort there(here.name(), Direction::both);
+  auto draining = std::async(std::launch::async, [&] { here.drain(); });
+  EXPECT_EQ(draining.wait_for(100ms), std::future_status::timeout);
+  EXPECT_EQ(receive(there, 256), everyByte());
+  draining.get();
+  sendAll(here, everyByte());
+  const WireTime again = here.now();
+  here.drain();
+  EXPECT_GE(here.now() - again, 1s);
+  EXPECT_LT(here.now() - again, 10s) << "nobody reads";
+}
+
 TEST(BytePort, TwoFifosAreAPort) {
   const Folder folder;
   const std::string up = folder.fifo("up");
@@ -232,7 +284,13 @@ TEST(BytePort, TwoFifosHereAreAName) {
 TEST(BytePort, OneFifoHasNotTwoDirections) {
   const Folder folder;
   const std::string fifo = folder.fifo("fifo");
-  for (const std::string& name : {fifo, fifo + "," + fifo})
+  const std::string link = folder.path / "link";
+  const std::string hard = folder.path / "hard";
+  std::filesystem::create_symlink(fifo, link);
+  std::filesystem::create_hard_link(fifo, hard);
+  const std::string other = folder.path / "." / "fifo";
+  for (const std::string& name :
+       {fifo, fifo + "," + fifo, fifo + "," + link, hard + "," + fifo, fifo + "," + other, other + "," + link})
     EXPECT_THAT(whyNot(name), HasSubstr("a FIFO has one direction")) << name;
 }
 

@@ -7,6 +7,7 @@
 #include <numeric>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "editor/messages/BulkMessages.h"
@@ -130,13 +131,45 @@ TEST(Faults, KeepWhatTheyOnlyMove) {
   ASSERT_EQ(chattered.size(), 40u);
   for (unsigned i = 0; i < 20; ++i) EXPECT_EQ(chattered[2 * i + 1], numbered(i));
   const std::vector<Pacer::Message> stalled = faults("stall=1:700").send(answer(1));
-  ASSERT_EQ(stalled.size(), 2u);
-  EXPECT_EQ(stalled[1].delay, 700ms);
-  Bytes together = stalled[0].bytes;
-  together.insert(together.end(), stalled[1].bytes.begin(), stalled[1].bytes.end());
-  EXPECT_EQ(together, numbered(0));
+  ASSERT_EQ(stalled.size(), 1u);
+  EXPECT_EQ(stalled[0].bytes, numbered(0));
+  ASSERT_TRUE(stalled[0].stall);
+  EXPECT_EQ(stalled[0].stall->time, 700ms);
+  EXPECT_GT(stalled[0].stall->at, 0u);
+  EXPECT_LT(stalled[0].stall->at, numbered(0).size());
   EXPECT_EQ(faults("delay=1:300").send(answer(1)).front().delay, 300ms);
   EXPECT_EQ(faults("slow=1:50").send(answer(1)).front().pace, Pace{50});
+}
+
+TEST(Faults, HappenInTheSameOrderHoweverTheyAreListed) {
+  const auto sent = [](const std::string& list) {
+    std::vector<std::tuple<Bytes, WireTime, std::size_t, WireTime>> all;
+    for (const Pacer::Message& one : faults(list.c_str(), 5).send(answer(20))) {
+      const Pacer::Stall stall = one.stall.value_or(Pacer::Stall{});
+      all.emplace_back(one.bytes, one.delay, stall.at, stall.time);
+    }
+    return all;
+  };
+  const std::string stall = "stall=1:50";
+  for (const char* const other : {"chatter=.5", "repeat=.5", "reorder=.5", "wrong-device=.5", "delay=.5:100", "drop=.5",
+                                  "flip=.5", "cut=.5", "clock=.5", "slow=.5"})
+    EXPECT_EQ(sent(stall + "," + other), sent(other + ("," + stall))) << other;
+  EXPECT_EQ(sent("chatter=.5,reorder=.5,repeat=.5,cut=.5"), sent("cut=.5,repeat=.5,reorder=.5,chatter=.5"));
+}
+
+TEST(Faults, HitWholeMessagesHoweverTheyAreStalled) {
+  const auto of = [](const char* list) { return bytesOf(faults(list).send(answer(2))); };
+  EXPECT_EQ(of("stall=1:50,repeat=1"), (std::vector<Bytes>{numbered(0), numbered(0), numbered(1), numbered(1)}));
+  EXPECT_EQ(of("stall=1:50,reorder=1"), (std::vector<Bytes>{numbered(1), numbered(0)}));
+  const std::vector<Pacer::Message> chattered = faults("stall=1:50,chatter=1").send(answer(2));
+  ASSERT_EQ(chattered.size(), 4u);
+  for (const std::size_t i : {0u, 1u}) {
+    EXPECT_EQ(chattered[2 * i + 1].bytes, numbered(unsigned(i)));
+    EXPECT_TRUE(chattered[2 * i + 1].stall);
+    EXPECT_FALSE(chattered[2 * i].stall) << "it is no message of the instrument";
+  }
+  const std::vector<Pacer::Message> cut = faults("stall=1:50,cut=1").send(answer(50));
+  for (const Pacer::Message& one : cut) EXPECT_TRUE(!one.stall || one.stall->at < one.bytes.size());
 }
 
 TEST(Faults, GiveAMessageAnotherDevice) {
@@ -151,7 +184,11 @@ TEST(Faults, GiveAMessageAnotherDevice) {
 TEST(Faults, BeginBehindSoMany) {
   Faults all = faults("deaf=1:3,full=1:2");
   for (int i = 1; i <= 5; ++i) EXPECT_EQ(all.isDeaf(), i > 3);
-  for (int i = 1; i <= 5; ++i) EXPECT_EQ(all.isFull(), i > 2);
+  for (int i = 1; i <= 5; ++i) {
+    EXPECT_EQ(all.isFull(), i > 2);
+    EXPECT_EQ(all.isFull(), i > 2) << "what is not stored does not count";
+    all.hasStored();
+  }
 }
 
 }  // namespace

@@ -29,7 +29,19 @@ TEST(FetchJson, aPlaceThatIsEmptyThereMayBeRemovedHere) {
   EXPECT_EQ(jsonLine(toJson(voice(), FetchedAs::empty, true)),
             R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"empty","tries":2,"missing":[],"reason":"",)"
             R"("removed":true})");
+  Fetched silent = voice();
+  silent.isEmptyBySilence = true;
+  EXPECT_EQ(jsonLine(toJson(silent, FetchedAs::empty, false)),
+            R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"empty","tries":2,"missing":[],"reason":"",)"
+            R"("silent":true})");
   EXPECT_STREQ(wordOf(FetchedAs::kept), "kept");
+}
+
+TEST(FetchJson, whatIsStoredWithItAreChanges) {
+  const std::vector<PlaceChange> with{{"multi:edit", What::stored, "Old", "New"}};
+  EXPECT_EQ(jsonLine(toJson(voice(), FetchedAs::stored, false, with)),
+            R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"stored","tries":2,"missing":[],"reason":"",)"
+            R"("with":[{"content":"multi:edit","what":"stored","before":"Old","after":"New"}]})");
 }
 
 }  // namespace

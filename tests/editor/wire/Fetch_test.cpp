@@ -127,6 +127,49 @@ TEST_F(FetchTest, TellsWhichBlocksNeverCame) {
   EXPECT_TRUE(fetched.messages.empty());
 }
 
+TEST_F(FetchTest, TellsThatHeaderOrFooterNeverCame) {
+  const auto missingWithout = [&](std::size_t first, std::size_t behind) {
+    Scripted instrument([&](BulkAddress, unsigned) {
+      const std::vector<Bytes> answer = voice();
+      return std::vector<Bytes>(answer.begin() + std::ptrdiff_t(first), answer.end() - std::ptrdiff_t(behind));
+    });
+    const Fetched fetched = fetchOne(instrument, kVoice, {.retries = 0});
+    EXPECT_EQ(fetched.reason, "incomplete");
+    return fetched.missing;
+  };
+  EXPECT_EQ(missingWithout(0, 1), std::vector{footerOf(kVoice)});
+  EXPECT_EQ(missingWithout(0, 2), (std::vector{blocksOf(BDA::List::normalVoice).back(), footerOf(kVoice)}));
+  EXPECT_EQ(missingWithout(1, 0).front(), kVoice);
+  EXPECT_EQ(missingWithout(1, 0).size(), voice().size()) << "blocks without a header are of no unit";
+}
+
+TEST_F(FetchTest, PausesBehindEachUnit) {
+  Scripted instrument([](BulkAddress asked, unsigned time) {
+    return std::vector<Bytes>(time == 1 || time > 2 ? 1 : 0, blockDump(asked));
+  });
+  unsigned told = 0;
+  Fetch end({kSystemCommon, kSystemCommon, kSystemCommon}, {}, Pacer(kCablePace, {0s, 10s}, Pacer::Takes::bytes),
+            [&](const Fetched& fetched) {
+              EXPECT_EQ(fetched.state, Fetched::State::whole);
+              ++told;
+            });
+  LoopPort port(instrument);
+  run(end, port, never);
+  EXPECT_EQ(told, 3u);
+  EXPECT_GE(port.now(), 22s) << "two pauses, and a try of two seconds without one behind it";
+  EXPECT_LT(port.now(), 23s);
+}
+
+TEST_F(FetchTest, WhatHasNotGoneOutIsNoTry) {
+  std::vector<Fetched> all;
+  Fetch end({kSystemCommon}, {}, Pacer(kCablePace, {}, Pacer::Takes::bytes),
+            [&](Fetched fetched) { all.push_back(std::move(fetched)); });
+  end.pass({});
+  end.stop();
+  ASSERT_EQ(all.size(), 1u);
+  EXPECT_EQ(all[0].tries, 0u);
+}
+
 // What was told of it cannot be taken back, but that something came can be said.
 TEST_F(FetchTest, KnowsWhatCameWhenItWasWaitedForNoLonger) {
   const BulkAddress other{0x0E, 0x0A, 0x06};
@@ -169,7 +212,40 @@ TEST_F(FetchTest, TakesNoAnswerToAnotherAddress) {
     if (asked != kVoice) answer = {blockDump(asked)};
     return answer;
   });
-  EXPECT_EQ(fetchOne(instrument, kVoice).state, Fetched::State::empty);
+  const Fetched fetched = fetchOne(instrument, kVoice);
+  EXPECT_EQ(fetched.state, Fetched::State::lost) << "that is no silence";
+  EXPECT_EQ(fetched.reason, "incomplete");
+  EXPECT_EQ(fetched.other, other);
+  EXPECT_EQ(fetched.tries, 3u);
+  EXPECT_TRUE(fetched.messages.empty());
+}
+
+// It is one off, to either side: each answer is one to a question of before, or of behind.
+TEST_F(FetchTest, CallsNoPlaceEmptyWhereAnotherIsAnswered) {
+  for (const int step : {-1, 1})
+    for (const unsigned retries : {0U, 2U}) {
+      Scripted instrument([&](BulkAddress asked, unsigned) {
+        if (asked == kSystemCommon) return std::vector<Bytes>{blockDump(asked)};
+        asked.lo = std::uint8_t(asked.lo + step);
+        return unitOf(asked, BDA::List::normalVoice);
+      });
+      for (const Fetched& fetched :
+           fetch(instrument, {kVoice, {0x0E, 0x0A, 0x06}, {0x0E, 0x0A, 0x07}}, {.timeout = 2s, .retries = retries})) {
+        EXPECT_EQ(fetched.state, Fetched::State::lost) << step << " " << retries << " " << fetched.unit;
+        EXPECT_EQ(fetched.reason, "incomplete");
+      }
+    }
+  Scripted dumb([&](BulkAddress, unsigned) { return std::vector<Bytes>{blockDump({0x00, 0x20, 0x00})}; });
+  EXPECT_EQ(fetchOne(dumb, kFileDump).reason, "incomplete");
+}
+
+// What still comes of an earlier answer is no other one: the next try is without it.
+TEST_F(FetchTest, TakesTheRestOfAnEarlierAnswerForNoOther) {
+  Scripted instrument([](BulkAddress asked, unsigned time) {
+    if (asked == kSystemCommon) return std::vector<Bytes>{blockDump(asked)};
+    return time <= 2 ? voice() : std::vector<Bytes>();  // and once more
+  });
+  EXPECT_EQ(fetch(instrument, {kVoice, kMaster})[1].state, Fetched::State::empty);
 }
 
 TEST_F(FetchTest, NeverPutsTwoAnswersTogether) {

@@ -77,6 +77,20 @@ TEST_F(InstrumentTest, StoppedItFinishesTheMessageThatHasBegunAndHandlesNoMore) 
   EXPECT_EQ(told.text, "1 at 0: answered\n");
 }
 
+TEST_F(InstrumentTest, StoppedItFinishesTheMessageThatStandsStill) {
+  const std::vector<Bytes> unit = unitOf(kMaster, BDA::List::master);
+  receive(editor, unit);
+  Instrument instrument(editor, {.faults = parseFaults("stall=1:1000")}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
+  instrument.receive(request(kMaster), 0s);
+  Bytes all = sentBy(instrument, 0s);
+  ASSERT_LT(all.size(), unit[0].size());
+  instrument.stop();
+  EXPECT_FALSE(instrument.isDone());
+  for (const std::uint8_t byte : sentBy(instrument, 1s)) all.push_back(byte);
+  EXPECT_EQ(all, unit[0]);
+  EXPECT_TRUE(instrument.isDone());
+}
+
 TEST_F(InstrumentTest, StoppedItWaitsOnlyForAWhileForSomebodyWhoTakesWhatHasBegun) {
   receive(editor, unitOf(kMaster, BDA::List::master));
   Instrument instrument(editor, {}, Pacer(Pace{1000}, {}, Pacer::Takes::bytes), told);
@@ -116,6 +130,18 @@ TEST_F(InstrumentTest, StoresNothingThatIsFull) {
   EXPECT_EQ(editor.library().contents().size(), 1u);
 }
 
+TEST_F(InstrumentTest, IsFullBehindSoManyThatWereStored) {
+  Instrument instrument(editor, {.faults = parseFaults("full=1:1")}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
+  Bytes broken = dump(footerOf(kMaster));
+  broken[broken.size() - 2] ^= 1U;
+  instrument.receive(broken, 0s);
+  instrument.receive(dump(footerOf(kMaster)), 0s);  // of nothing
+  EXPECT_EQ(told.text.find("stored"), std::string::npos) << told.text;
+  instrument.receive(joined(unitOf(kMaster, BDA::List::master)), 0s);
+  instrument.receive(joined(unitOf({0x0E, 0x70, 0x04}, BDA::List::master)), 0s);
+  EXPECT_EQ(editor.library().contents().size(), 1u);
+}
+
 TEST_F(InstrumentTest, TellsWhatThePortCannotCarryAndSendsTheRest) {
   const std::vector<Bytes> unit = unitOf(kMaster, BDA::List::master);
   receive(editor, unit);
@@ -137,6 +163,14 @@ TEST_F(InstrumentTest, BytesThatAreLostEndTheMessageThatHasBegun) {
   instrument.receive(request(kMaster), 0s);
   EXPECT_EQ(told.text.find("2 at 0: message without end\n5 at 2: came faster than it was taken\n1 at 7: "), 0u)
       << told.text;
+}
+
+TEST_F(InstrumentTest, TellsAMessageThatHasNoEndWhenNothingMoreComes) {
+  Instrument instrument(editor, {}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
+  instrument.receive(Bytes{0x01, 0xF0, 0x7D, 0x20}, 0s);
+  EXPECT_EQ(told.text, "");
+  instrument.finish();
+  EXPECT_EQ(told.text, "1 at 0: outside of any message\n3 at 1: message without end\n");
 }
 
 TEST_F(InstrumentTest, ForgetsWhatNobodyTakes) {

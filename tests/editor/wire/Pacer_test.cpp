@@ -115,6 +115,41 @@ TEST(Pacer, PausesAreKeptBehindMessagesAndUnits) {
   EXPECT_EQ(pacer.due(), 960ms) << "which keep the next one waiting";
 }
 
+TEST(Pacer, AMessageThatStandsStillIsOne) {
+  Pacer pacer(Pace{100}, {20ms, 300ms}, Pacer::Takes::bytes);
+  pacer.push({.bytes = message(4, 1), .stall = Pacer::Stall{2, 700ms}}, 0s);
+  pacer.push({message(1, 2)}, 0s);
+  EXPECT_EQ(pacer.duration(), 40ms + 700ms + 20ms + 10ms);
+  EXPECT_FALSE(pacer.take(0s).empty());
+  pacer.sent(1);
+  EXPECT_EQ(pacer.take(10ms).size(), 1u);
+  pacer.sent(1);
+  EXPECT_TRUE(pacer.take(719ms).empty());
+  EXPECT_FALSE(pacer.isBetweenMessages());
+  pacer.forgetWaiting();
+  EXPECT_EQ(pacer.waiting(), 1u) << "what has begun has an end";
+  EXPECT_EQ(drain(pacer).pieces, (std::vector<std::pair<WireTime, std::size_t>>{{720ms, 1}, {730ms, 1}}));
+  EXPECT_EQ(pacer.end(), 740ms);
+}
+
+TEST(Pacer, AStallEndsAPieceAndBeginsAnother) {
+  Pacer pacer(kNoPace, {}, Pacer::Takes::bytes);
+  pacer.push({.bytes = message(10, 1), .stall = Pacer::Stall{7, 1s}}, 0s);
+  pacer.push({.bytes = message(3, 2), .stall = Pacer::Stall{5, 1s}}, 0s);
+  EXPECT_EQ(drain(pacer).pieces, (std::vector<std::pair<WireTime, std::size_t>>{{0s, 7}, {1s, 3}, {1s, 3}}));
+  Pacer cable(kCablePace, {}, Pacer::Takes::bytes);
+  cable.push({.bytes = message(3'125, 1), .stall = Pacer::Stall{50, 1s}}, 0s);
+  const Wire wire = drain(cable);
+  EXPECT_EQ(wire.bytes.size(), 3'125u);
+  EXPECT_EQ(cable.end(), 2s);
+}
+
+TEST(Pacer, WhereMessagesAreTakenAsAWholeTheyStandStillBefore) {
+  Pacer pacer(Pace{100}, {}, Pacer::Takes::messages);
+  pacer.push({.bytes = message(4, 1), .stall = Pacer::Stall{2, 700ms}}, 0s);
+  EXPECT_EQ(drain(pacer).pieces, (std::vector<std::pair<WireTime, std::size_t>>{{700ms, 4}}));
+}
+
 TEST(Pacer, APauseCanBeSkipped) {
   Pacer pacer(Pace{1'000}, {20ms, 300ms}, Pacer::Takes::messages);
   pacer.push({message(100, 1), true}, 0s);

@@ -22,5 +22,18 @@ TEST(ReadBack, WhatIsStoredOnOneSideOnlyHasNoValues) {
   EXPECT_TRUE(ReadBack().compare(empty, empty).empty());
 }
 
+TEST(ReadBack, AVoiceOfTheOtherKindIsOneDifference) {
+  const BulkAddress part{0x0E, 0x30, 0x02};
+  const std::vector<Bytes> normal = unitOf(part, BDA::List::normalVoice);
+  const std::vector<Bytes> drum = unitOf(part, BDA::List::drumVoice);
+  const std::vector<ReadBackDifference> differences = ReadBack().compare(drum, normal);
+  ASSERT_EQ(differences.size(), 1U);
+  EXPECT_EQ(differences[0].address, part);
+  EXPECT_FALSE(differences[0].isOfOneOnly);
+  EXPECT_TRUE(differences[0].sent == ParameterValue("drum voice") &&
+              differences[0].read == ParameterValue("normal voice"));
+  EXPECT_TRUE(ReadBack().compare(normal, drum)[0].sent == ParameterValue("normal voice"));
+}
+
 }  // namespace
 }  // namespace Editor

@@ -42,9 +42,9 @@ TEST_F(SendJson, eachDifferenceHasWhatWasSentAndRead) {
 
 TEST_F(SendJson, whatWasOtherwiseBeforeIsNoDifference) {
   const SentUnit unit{
-      0, SentUnit::State::sent, {{{0x41, 0x02, 0x00}, 2, "x", std::int64_t{1}, std::int64_t{2}}}, 1, ""};
-  EXPECT_EQ(lineOf(unit),
-            R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"sent","differences":[],"reason":""})");
+      0, SentUnit::State::sent, {}, 1, "", {{{0x41, 0x02, 0x00}, 2, "x", std::int64_t{1}, std::int64_t{2}}}};
+  EXPECT_EQ(lineOf(unit), R"({"unit":"voice:user1:6","address":"0E 0A 05","state":"sent","differences":[],"reason":"",)"
+                          R"("before":[{"address":"41 02 00","dataByte":2,"path":"x","sent":1,"read":2}]})");
 }
 
 }  // namespace

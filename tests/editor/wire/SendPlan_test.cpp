@@ -84,6 +84,18 @@ TEST_F(SendPlanTest, fileDumpsShareTheTriggerThatWritesThem) {
   EXPECT_EQ(plan.messages, 5u);
 }
 
+TEST_F(SendPlanTest, aTriggerStandsWhereTheFileHasIt) {
+  const SendPlan plan = planOf({file({0x0C, 0x0A, 0x05}), user6, trigger, user6});
+  ASSERT_EQ(plan.units.size(), 3u);
+  EXPECT_EQ(plan.units[0].trigger->behind, 1u);
+  // It stores the voice before that is removed.
+  const SendPlan removing =
+      planOf({file({0x0C, 0x31, 0x00}), {dump({0x0E, 0x31, 0x40})}, trigger, {dump({0x0F, 0x31, 0x40})}});
+  EXPECT_THAT(removing.effects,
+              ElementsAre("overwrites: voice:mix:1", "changes nothing: 0E 31 40", "removes: voice:mix:1"));
+  EXPECT_EQ(removing.units[0].trigger->behind, 1u);
+}
+
 TEST_F(SendPlanTest, nothingBeforeATriggerThatRemovesVoicesIsLeftOutNorAMixingVoiceBehindIt) {
   const SendPlan plan =
       planOf({user6, file({0x0C, 0x31, 0x05}), wiping, voice({0x0E, 0x0A, 0x06}), file({0x0C, 0x31, 0x06}), trigger});

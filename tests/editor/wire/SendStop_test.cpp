@@ -26,7 +26,7 @@ class SendStop : public SendFixture {
     receive(source, units[0].messages);
     receive(source, units[1].messages);
     const Bytes message = removesOthers ? dump({0x11, 0x01, 0x00}) : writeTrigger();
-    const Send::Trigger trigger{0, message, removesOthers};
+    const Send::Trigger trigger{0, message, 1, removesOthers};
     units = {{kFile, answerOf(source, kFile), trigger}, {kOtherFile, answerOf(source, kOtherFile), trigger}};
   }
   // Stopped when it has gone on for so long.
@@ -71,6 +71,7 @@ TEST_F(SendStop, theTriggerStandsBehindTheLastFileDumpThatIsSent) {
   takeFileDumps();
   const std::vector<Send::Unit> both = units;
   units = {both[1]};
+  units[0].trigger->behind = 0;
   send({});
   units = both;
   EXPECT_EQ(statesOf(send({}, changed)), (std::vector{State::sent, State::equal}));
@@ -120,7 +121,12 @@ TEST_F(SendStop, whatWasDifferentBeforeIsSentAndSaysSo) {
   units[2].messages = unitOf(kMaster, BDA::List::master, 9);
   const std::vector<SentUnit> all = send({}, changed);
   EXPECT_EQ(all[2].state, State::sent);
-  EXPECT_FALSE(all[2].differences.empty());
+  EXPECT_TRUE(all[2].differences.empty());
+  EXPECT_FALSE(all[2].before.empty());
+  units[2].messages = unitOf(kMaster, BDA::List::master, 5);
+  const SentUnit verified = send({}, {.verifies = true, .onlyChanged = true, .terms = {}})[2];
+  EXPECT_EQ(verified.state, State::equal);
+  EXPECT_FALSE(verified.before.empty()) << "it was, before it was sent";
 }
 
 TEST_F(SendStop, fileDumpsThatAreOutAreWritten) {
@@ -140,6 +146,36 @@ TEST_F(SendStop, aTriggerThatRemovesVoicesDoesNotGoOutForAPart) {
   EXPECT_TRUE(sendUntil(kCablePace.timeOf(units[0].messages[0].size()) / 2).empty()) << "nothing is stored";
   EXPECT_EQ(unwritten, std::vector<std::size_t>{0});
   EXPECT_EQ(statesOf(sendUntil(1h)), std::vector(2, State::sent));
+}
+
+// A unit stands between two file dumps, and the trigger that is to store these does not go out.
+TEST_F(SendStop, whatIsStoredBehindAFileDumpThatIsNotIsTold) {
+  const Send::Unit between = units[2];
+  takeFileDumps(true);
+  units.insert(units.begin() + 1, between);
+  for (const std::size_t unit : {0U, 2U}) units[unit].trigger->behind = 2;
+  const Pacer pacer(kCablePace, {}, Pacer::Takes::bytes);
+  const WireTime inTheSecond = durationOf({units[1]}, pacer) + kCablePace.timeOf(units[0].messages[0].size()) - 1ms;
+  const std::vector<SentUnit> told = sendUntil(inTheSecond);
+  ASSERT_EQ(told.size(), 1u);
+  EXPECT_EQ(told[0].unit, 1u);
+  EXPECT_EQ(unwritten, std::vector<std::size_t>{0});
+  EXPECT_TRUE(isThere(units[1]));
+  EXPECT_FALSE(isThere(units[0]));
+}
+
+// Its last byte has gone out, and the port takes no more.
+TEST_F(SendStop, whatIsOutWhenThePortEndsIsTold) {
+  std::vector<SentUnit> all;
+  Send end(units, {.verifies = false, .onlyChanged = false, .terms = {.timeout = 1s, .retries = 0}},
+           Pacer(kNoPace, {}, Pacer::Takes::bytes), [&](SentUnit unit) { all.push_back(std::move(unit)); });
+  WireTime now{};
+  end.pass(now);
+  for (std::size_t i = 0; i < units[0].messages.size(); ++i) end.sent(end.toSend(now).size());
+  EXPECT_TRUE(all.empty());
+  end.giveUp();
+  EXPECT_EQ(all.size(), 1u);
+  EXPECT_FALSE(end.unfinished());
 }
 
 TEST_F(SendStop, inThePauseBehindAUnitTheNextIsNotSent) {

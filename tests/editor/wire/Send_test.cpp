@@ -81,6 +81,18 @@ TEST_F(SendTest, AFileDumpIsComparedByteByByte) {
   EXPECT_EQ(statesOf(send({}, kVerify)), std::vector{State::equal});
 }
 
+// What the file dump holds stays, for its trigger stands behind the unit.
+TEST_F(SendTest, ATriggerGoesOutWhereItStands) {
+  EmbeddedEditor source;
+  receive(source, unitOf(kVoice, BDA::List::normalVoice, 7));
+  const BulkAddress file{0x0C, 0x0A, 0x05};
+  const std::vector<Bytes> stored = answerOf(source, file);
+  units = {{file, stored, Send::Trigger{0, writeTrigger(), 1}}, units[0], units[2]};
+  EXPECT_EQ(statesOf(send({})), std::vector(3, State::sent));
+  EXPECT_EQ(answerOf(target, file), stored);
+  EXPECT_NEAR(double(elapsed.count()), double(timeOfAll().count()), 20'000);
+}
+
 TEST_F(SendTest, ThatIsStoppedEndsTheUnitThatHasBegun) {
   Instrument instrument(target, {}, Pacer(kCablePace, {}, Pacer::Takes::bytes), nobody);
   std::vector<SentUnit> all;
