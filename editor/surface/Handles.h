@@ -16,7 +16,8 @@
 
 struct bda_library {
   std::string error;
-  std::unique_ptr<Editor::EmbeddedEditor> editor;  // null: it could not be opened
+  std::shared_ptr<Editor::EmbeddedEditor> editor;  // null: it could not be opened; a wire has it, too
+  std::weak_ptr<void> wire;                        // that uses it
   std::string path = "memory";                     // as it was named, or that of which it is a copy
   Editor::ParameterNames names;
   std::uint64_t messages = 0;  // that were handed over
@@ -40,9 +41,10 @@ struct bda_files {
 
 namespace Editor {
 
-// The editor of a handle that is open. Throws CallFailure (BDA_MISUSED).
+// The editor of a handle that is open, and that no wire uses. Throws CallFailure (BDA_MISUSED).
 inline EmbeddedEditor& editorOf(bda_library* library) {
   if (library->editor == nullptr) throw CallFailure{BDA_MISUSED, "the library could not be opened"};
+  if (!library->wire.expired()) throw CallFailure{BDA_MISUSED, "a wire uses the library"};
   return *library->editor;
 }
 

@@ -46,6 +46,13 @@ std::optional<std::string> Options::text(const char* name) {
   return member->get<std::string>();
 }
 
+std::optional<std::string> Options::word(const char* name) {
+  const nlohmann::json* const member = find(name);
+  if (member == nullptr) return std::nullopt;
+  if (!member->is_string() && !member->is_number()) refuseMember(name, "a string or a number");
+  return member->is_string() ? member->get<std::string>() : member->dump();
+}
+
 std::vector<std::string> Options::texts(const char* name) {
   const nlohmann::json* const member = find(name);
   if (member == nullptr) return {};

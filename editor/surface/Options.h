@@ -17,7 +17,8 @@ class Options {
 
   bool flag(const char* name);  // false where it is not there
   std::optional<std::string> text(const char* name);
-  std::vector<std::string> texts(const char* name);  // one text is a list of one
+  std::optional<std::string> word(const char* name);  // a text, or a number as it is written
+  std::vector<std::string> texts(const char* name);   // one text is a list of one
   std::optional<double> number(const char* name, double least, double most);
   std::optional<std::int64_t> integer(const char* name, std::int64_t least, std::int64_t most);
   void finish() const;

@@ -228,7 +228,7 @@ BDA_EDITOR_API void bda_joiner_close(bda_joiner* joiner);
  *   }
  *
  * Options of all of them: "pace" ("cable", "usb", "none", or bytes a second; else "cable"), "pause" and "unit-pause"
- * (milliseconds).
+ * (milliseconds), "whole-messages" (for ports that take no pieces of them).
  */
 
 typedef struct bda_wire bda_wire;
@@ -239,38 +239,48 @@ typedef size_t (*bda_bytes_out)(void* context, const uint8_t* bytes, size_t size
 #define BDA_NEVER INT64_MAX /* as a time: only when bytes arrive */
 
 /*
- * Each stores a handle in *wire, also where it fails, as bda_library_open() does. The library lives, and is not used by
- * others, until the handle is closed.
+ * Each stores a handle in *wire, also where it fails, as bda_library_open() does: then it is done, and every other
+ * function but bda_wire_error() answers BDA_MISUSED. What fails has sent nothing. The library of bda_wire_fetch() and
+ * of bda_wire_instrument() can be changed, and whatever else is called with it is answered with BDA_MISUSED until the
+ * handle is closed; it may be closed before.
  */
 
 /* Asks an instrument for `places` ("all": everything that can be requested) and stores what comes whole; results as of
-   `bda fetch --json`. Options: "timeout" (seconds), "retries", "atomic", "remove-empty". */
+   `bda fetch --json`. Options: "timeout" (seconds), "retries", "atomic" (all or nothing, with results at the end only),
+   "remove-empty". */
 BDA_EDITOR_API bda_result bda_wire_fetch(bda_library* library, const char* places, const char* options,
                                          bda_wire** wire);
-/* Sends `places` of the library to an instrument; results as of `bda send --json`. Options: "to-edit-buffer", "verify",
-   "changed", "timeout" (seconds), "retries". */
+/* Sends what the library holds now at `places` to an instrument; results as of `bda send --json`. The first ones say in
+   their error which places hold nothing; the rest goes. Options: "to-edit-buffer", "verify", "changed", "timeout"
+   (seconds), "retries". */
 BDA_EDITOR_API bda_result bda_wire_send(bda_library* library, const char* places, const char* options, bda_wire** wire);
-/* Sends the dumps of files; the same options. The device number that is asked is that of the library. */
-BDA_EDITOR_API bda_result bda_wire_send_files(bda_library* library, bda_files* files, const char* options,
-                                              bda_wire** wire);
-/* The library is the instrument at this end; results as of `bda instrument --json`. Options: "faults", "seed", "port",
-   "echo". It is done when it was stopped and all that it has to send is out. */
+/* Sends the dumps of files, to the device that they are for; the same options. BDA_REFUSED where one is broken. */
+BDA_EDITOR_API bda_result bda_wire_send_files(bda_files* files, const char* options, bda_wire** wire);
+/* The library is the instrument at this end; results as of `bda instrument --json`, their "file" is null. Options:
+   "faults", "seed", "port", "echo". It is done when it was stopped and all that it has to send is out. */
 BDA_EDITOR_API bda_result bda_wire_instrument(bda_library* library, const char* options, bda_wire** wire);
 
 /* NULL is allowed. What was not decided is lost; stop it before, and results say so. */
 BDA_EDITOR_API void bda_wire_close(bda_wire* wire);
+/* As bda_library_error(). */
 BDA_EDITOR_API const char* bda_wire_error(const bda_wire* wire);
+/* What it will do at the other end, in words, a line for each: what sending overwrites and removes there, and what is
+   left out, as `bda send` says it before it begins. */
+BDA_EDITOR_API bda_result bda_wire_effects(bda_wire* wire, char** lines);
 
-/* Bytes have arrived, cut anywhere. */
+/* Bytes have arrived, cut anywhere; none: time has passed. BDA_FAILED where the library failed: it is done then. What
+   arrives when it is done is not heard. */
 BDA_EDITOR_API bda_result bda_wire_feed(bda_wire* wire, int64_t now, const uint8_t* bytes, size_t size);
-/* The time has come: `out` gets what goes out now, `due` when to call again, whatever arrives until then. */
+/* The time has come: `out` gets what goes out now, `due` (or NULL) when to call again, whatever arrives until then.
+   BDA_FAILED where the library failed, or `out` has taken nothing for longer than an answer may take: it is done
+   then. */
 BDA_EDITOR_API bda_result bda_wire_tick(bda_wire* wire, int64_t now, bda_bytes_out out, void* context, int64_t* due);
 /* Ends it early: what has begun to go out goes out to its end, then it is done. */
 BDA_EDITOR_API bda_result bda_wire_stop(bda_wire* wire);
 /* 1: all is done, and everything sent; 0 else, and for NULL 1. */
 BDA_EDITOR_API int bda_wire_is_done(const bda_wire* wire);
 /* What became known since the last call, a line for each unit or message. BDA_REFUSED where something of it is lost,
-   different, unanswered or refused. */
+   different, unanswered or refused, or was not asked for or sent before the end. */
 BDA_EDITOR_API bda_result bda_wire_results(bda_wire* wire, char** json);
 
 #ifdef __cplusplus
