@@ -3,13 +3,19 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <chrono>
+#include <cstdint>
 #include <new>
 
+#include "convert/Conversion.h"
+#include "convert/FileFormat.h"
+#include "convert/UnitFileJson.h"
+#include "convert/UnitFiles.h"
 #include "explain/ExplainJson.h"
 #include "messages/ReadingJson.h"
 #include "messages/Text.h"
 #include "messages/Verification.h"
-#include "midi/Counted.h"
+#include "midi/MidiFile.h"
 #include "models/ModelJson.h"
 #include "salvage/Salvage.h"
 #include "salvage/SalvageJson.h"
@@ -57,6 +63,55 @@ Salvage::Options salvageOptions(const bda_files& files, const char* text) {
   salvage.preferred = std::size_t(file - files.list.begin());
   return salvage;
 }
+
+// What is asked of files that are converted.
+struct Converted {
+  explicit Converted(Options options);
+
+  Conversion conversion;
+  FileFormat format;
+  std::chrono::milliseconds pause{20};
+};
+
+Conversion conversionBy(Options& options) {
+  Conversion::Options asked;
+  for (const std::string& places : options.texts("select"))
+    for (std::string& word : wordsOf(places.c_str(), "option \"select\"")) asked.select.push_back(std::move(word));
+  asked.place = options.text("place").value_or("");
+  if (const std::optional<std::int64_t> device = options.integer("device", 1, 16)) asked.device = unsigned(*device);
+  return Conversion(asked);
+}
+
+FileFormat formatBy(Options& options) {
+  const std::string name = options.text("format").value_or("syx");
+  const std::optional<FileFormat> format = formatOf("." + name);
+  if (!format || name.size() != 3)
+    throw CallFailure{BDA_UNUSABLE, fmt::format("option \"format\": \"{}\": expected syx, mid or txt", escape(name))};
+  return *format;
+}
+
+Converted::Converted(Options options) : conversion(conversionBy(options)), format(formatBy(options)) {
+  constexpr std::int64_t kLongest = 60'000;
+  const std::optional<std::int64_t> asked = options.integer("pause", 0, kLongest);
+  options.finish();
+  if (asked && format != FileFormat::standard)
+    throw CallFailure{BDA_UNUSABLE, "option \"pause\": only a .mid says when a message is sent"};
+  if (asked) pause = std::chrono::milliseconds(*asked);
+}
+
+// What is missing or broken of files that are converted, as doubts.
+class ConversionDoubts final : public Conversion::Listener {
+ public:
+  explicit ConversionDoubts(Doubts& doubts) : doubts_(doubts) {}
+  void missing(const std::string& text) override { doubts_.add(text); }
+  void broken(const std::vector<MessageFault>& faults) override {
+    for (const MessageFault& fault : faults) doubts_.add(fault.text);
+  }
+  void note(const std::string& /*text*/) override {}
+
+ private:
+  Doubts& doubts_;
+};
 
 template <typename Messages>
 std::string joined(const Messages& messages) {
@@ -207,6 +262,40 @@ bda_result bda_files_salvage(bda_files* files, const char* options, uint8_t** wh
     handOut(std::move(askedBytes), requests);
     if (whole != nullptr) *wholeSize = kept.size();
     if (requests != nullptr) *requestsSize = asked.size();
+  });
+}
+
+bda_result bda_files_convert(bda_files* files, const char* options, uint8_t** bytes, size_t* size, char** json) {
+  if (json != nullptr) *json = nullptr;
+  if (bytes != nullptr) *bytes = nullptr;
+  return callWith(files, [&](Doubts& doubts) {
+    if (bytes != nullptr) require(size, "size");
+    const Converted asked{Options(options)};
+    BatchBuilder builder;
+    readAll(
+        *files, [&](const InputMessage& message, std::size_t) { builder.add(message.bytes); },
+        [&](const InputLoss& loss, std::size_t) { doubtLoss(loss, doubts); });
+    Batch batch = builder.finish();
+    UnitModels models;
+    ConversionDoubts listener(doubts);
+    try {
+      asked.conversion.apply(batch, models, listener);
+    } catch (const ConversionError& error) {
+      doubts.add(error.what());
+      doubts.fail(error.kind() == ConversionError::Kind::refused ? BDA_REFUSED : BDA_UNUSABLE);
+    }
+    const std::optional<WrittenFile> file = writeFile(batch, asked.format, asked.pause);
+    if (!file)
+      throw CallFailure{BDA_REFUSED,
+                        fmt::format("a .mid of more than {} MB, nothing is written", kLargestMidiFile / 1'000'000)};
+    std::string lines;
+    forEachUnitFile(batch, Sharing::together, models,
+                    [&](const UnitFile& unit) { lines += jsonLine(toJson(unit, batch, "-")) + '\n'; });
+    Copy text = copyOf(lines);
+    Copy whole = copyOf({reinterpret_cast<const char*>(file->bytes.data()), file->bytes.size()});
+    handOut(std::move(text), json);
+    handOut(std::move(whole), bytes);
+    if (bytes != nullptr) *size = file->bytes.size();
   });
 }
 

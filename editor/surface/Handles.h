@@ -64,9 +64,11 @@ class Doubts {
     if (said_.insert(words).second) words_ += (words_.empty() ? "" : "\n") + words;
   }
   bool areNone() const { return words_.empty(); }
-  // Throws CallFailure (BDA_REFUSED) where there are any: for a call that has no answer then.
+  // For a call that has no answer then. Throws CallFailure.
+  [[noreturn]] void fail(bda_result result) { throw CallFailure{result, std::move(words_)}; }
+  // The same (BDA_REFUSED) where there are any.
   void refuse() {
-    if (!areNone()) throw CallFailure{BDA_REFUSED, std::move(words_)};
+    if (!areNone()) fail(BDA_REFUSED);
   }
   bda_result end(std::string& error) {
     error = std::move(words_);

@@ -191,9 +191,7 @@ std::shared_ptr<WireWork> SendTerms::work(Batch batch, Doubts missing) const {
     for (const MessageFault& fault : sendable.faults) missing.add(fault.text);
     for (const std::string& words : sendable.leftOut) missing.add(words);
     missing.add(sendable.words);
-    std::string words;
-    missing.end(words);
-    throw CallFailure{sendable.why == Sendable::Why::isBroken ? BDA_REFUSED : BDA_UNUSABLE, std::move(words)};
+    missing.fail(sendable.why == Sendable::Why::isBroken ? BDA_REFUSED : BDA_UNUSABLE);
   }
   Send::Options asking = options;
   asking.terms.device = std::uint8_t(*sendable.plan->devices.begin() - 1);

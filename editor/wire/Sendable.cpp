@@ -16,10 +16,7 @@ std::vector<MessageFault> faultsIn(const Batch& batch, bool isToBeStored) {
   std::vector<MessageFault> faults;
   for (const UnitReport& unit : batch.broken) faults.push_back({wordOf(unit.state), describeUnit(unit)});
   for (const Batch::BrokenMessage& message : batch.brokenMessages)
-    faults.push_back(
-        {"broken message", fmt::format("{}: broken (message {}): {}",
-                                       message.address ? nameOrBytes(*message.address) : "of no known type",
-                                       message.message, message.why)});
+    faults.push_back({"broken message", describe(message)});
   if (!isToBeStored) return faults;
   for (const std::size_t unit : unwrittenIn(batch))
     faults.push_back({"without a write trigger",

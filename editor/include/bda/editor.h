@@ -90,8 +90,10 @@ BDA_EDITOR_API bda_result bda_files_explain(bda_files* files, size_t file, uint6
    name of a file), "merge", "fix-checksums". BDA_REFUSED where something is lost. */
 BDA_EDITOR_API bda_result bda_files_salvage(bda_files* files, const char* options, uint8_t** whole, size_t* wholeSize,
                                             uint8_t** requests, size_t* requestsSize, char** json);
-/* The same messages in another form or to other places, as `bda convert -o --json`. Options: "format" ("syx", "mid" or
-   "txt", else "syx"), "place", "select" (addresses), "device" (1 to 16), "pause" (milliseconds). */
+/* The same messages in another form or to other places, as `bda convert -o - --json`. Options: "format" ("syx", "mid"
+   or "txt", else "syx"), "place", "select" (addresses), "device" (1 to 16), "pause" (milliseconds, for "mid" only).
+   BDA_REFUSED where something is broken or missing, or carried by no message; without an answer where nothing can be
+   written. */
 BDA_EDITOR_API bda_result bda_files_convert(bda_files* files, const char* options, uint8_t** bytes, size_t* size,
                                             char** json);
 
