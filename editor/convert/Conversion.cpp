@@ -4,6 +4,7 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "messages/Text.h"
 #include "midi/Counted.h"
@@ -55,10 +56,10 @@ void placeUnit(Placing& placing, const Batch& batch, std::size_t unit, const Des
 
 }  // namespace
 
-Conversion::Conversion(const Options& options)
-    : options_(options),
-      destinations_(options.place.empty() ? std::vector<Destination>() : parseDestinations(options.place)),
-      selection_(options.select) {}
+Conversion::Conversion(Options options)
+    : options_(std::move(options)),
+      destinations_(options_.place.empty() ? std::vector<Destination>() : parseDestinations(options_.place)),
+      selection_(options_.select) {}
 
 void Conversion::apply(Batch& batch, UnitModels& models, Listener& listener) const {
   if (!options_.select.empty()) select(selection_, batch, listener);

@@ -50,7 +50,7 @@ class Conversion {
   };
 
   // Throws TargetError (noTarget).
-  explicit Conversion(const Options& options);
+  explicit Conversion(Options options);
 
   // Throws ConversionError, and TargetError where a unit does not fit its place.
   void apply(Batch& batch, UnitModels& models, Listener& listener) const;

@@ -79,7 +79,7 @@ Conversion conversionBy(Options& options) {
     for (std::string& word : wordsOf(places.c_str(), "option \"select\"")) asked.select.push_back(std::move(word));
   asked.place = options.text("place").value_or("");
   if (const std::optional<std::int64_t> device = options.integer("device", 1, 16)) asked.device = unsigned(*device);
-  return Conversion(asked);
+  return Conversion(std::move(asked));
 }
 
 FileFormat formatBy(Options& options) {

@@ -94,9 +94,9 @@ class FetchWork final : public WireWork {
 
 class SendWork final : public WireWork {
  public:
-  SendWork(SendPlan plan, const std::vector<std::string>& leftOut, const Send::Options& options, Pacer pacer)
+  SendWork(SendPlan plan, std::vector<std::string> leftOut, const Send::Options& options, Pacer pacer)
       : plan_(std::move(plan)),
-        leftOut_(leftOut),
+        leftOut_(std::move(leftOut)),
         send_(plan_.units, options, std::move(pacer), [this](const SentUnit& unit) { tell(unit); }) {}
 
   WireEnd& end() override { return send_; }
@@ -195,7 +195,7 @@ std::shared_ptr<WireWork> SendTerms::work(Batch batch, Doubts missing) const {
   }
   Send::Options asking = options;
   asking.terms.device = std::uint8_t(*sendable.plan->devices.begin() - 1);
-  auto work = std::make_shared<SendWork>(*std::move(sendable.plan), sendable.leftOut, asking, pacer);
+  auto work = std::make_shared<SendWork>(*std::move(sendable.plan), std::move(sendable.leftOut), asking, pacer);
   work->doubts = std::move(missing);
   return work;
 }

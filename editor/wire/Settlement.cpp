@@ -119,7 +119,7 @@ void Settlement::store(std::vector<Fetched> fetched) {
       const FetchedAs as = stateOf(unit, FetchedAs::stored);
       Settled settled{.fetched = std::move(unit), .as = as, .isTaken = true};
       noteChanges(result.changes[which], settled);
-      tell(std::move(settled));
+      tell(settled);
     } else if (which == result.unit) {
       lose(std::move(unit), reason, result.why);
     } else {
@@ -133,7 +133,7 @@ void Settlement::lose(Fetched fetched, const char* reason, const std::string& wh
   tell({.fetched = std::move(fetched), .as = FetchedAs::lost, .why = why});
 }
 
-void Settlement::tell(Settled settled) {
+void Settlement::tell(const Settled& settled) {
   if (settled.as == FetchedAs::lost) lost_.push_back(settled.fetched.address);
   receiver_(settled);
 }

@@ -72,7 +72,7 @@ class Settlement {
   void settle(Fetched fetched);
   void store(std::vector<Fetched> fetched);
   void lose(Fetched fetched, const char* reason, const std::string& why);
-  void tell(Settled settled);
+  void tell(const Settled& settled);
 
   const std::vector<WantedUnit> units_;
   const Options options_;
