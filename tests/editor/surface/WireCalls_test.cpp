@@ -1,5 +1,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "editor/surface/WireCallFixture.h"
 
@@ -167,6 +169,23 @@ TEST_F(WireCalls, FilesAreSentWhereTheyAreWhole) {
   EXPECT_EQ(bda_wire_is_done(wire), 1);
   EXPECT_EQ(bda_wire_results(wire, &json), BDA_MISUSED);
   bda_files_close(files);
+}
+
+TEST_F(WireCalls, PortsThatTakeNoPiecesGetWholeMessagesAtThePace) {
+  receiveVoice();
+  send("voice:user1:6", R"({"whole-messages": true})");
+  const std::int64_t start = now;
+  std::vector<Bytes> sent;
+  while (bda_wire_is_done(wire) == 0) {
+    std::int64_t due = BDA_NEVER;
+    if (Bytes bytes = tick(wire, &due); !bytes.empty()) sent.push_back(std::move(bytes));
+    if (due == BDA_NEVER) break;
+    now = std::max(now, due);
+  }
+  EXPECT_EQ(sent, unitOf(kVoice, BDA::List::normalVoice, 3));
+  std::int64_t bytes = 0;
+  for (const Bytes& message : sent) bytes += std::int64_t(message.size());
+  EXPECT_EQ(now - start, bytes * kSecond / 3'125);
 }
 
 TEST_F(WireCalls, AnInstrumentTellsEachMessage) {
