@@ -65,8 +65,8 @@ class WireCallTest : public LibraryCallTest {
   }
   // To the end. What became of it all.
   bda_result run() {
-    const std::int64_t end = now + kHour;
-    while (bda_wire_is_done(wire) == 0 && now < end && !HasFatalFailure()) step();
+    constexpr int kMostSteps = 100'000;
+    for (int i = 0; i < kMostSteps && bda_wire_is_done(wire) == 0 && !HasFatalFailure(); ++i) step();
     EXPECT_EQ(bda_wire_is_done(wire), 1);
     return bda_wire_results(wire, &json);
   }
