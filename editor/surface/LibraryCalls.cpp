@@ -29,10 +29,10 @@ bda_result bda_library_open(const char* path, unsigned flags, bda_library** libr
   });
 }
 
-bda_result bda_library_copy(bda_library* library, bda_library** copy) {
-  if (copy != nullptr) *copy = nullptr;
+bda_result bda_library_clone(bda_library* library, bda_library** clone) {
+  if (clone != nullptr) *clone = nullptr;
   return callWith(library, [&](EmbeddedEditor& editor, Doubts&) {
-    require(copy, "copy");
+    require(clone, "clone");
     auto made = std::make_unique<bda_library>();
     made->editor = std::make_unique<EmbeddedEditor>();
     made->path = library->path;
@@ -41,11 +41,16 @@ bda_result bda_library_copy(bda_library* library, bda_library** copy) {
     const EmbeddedEditor::View oneState(editor);
     made->editor->library().copyFrom(editor.library());
     made->editor->tools().reload();
-    *copy = made.release();
+    *clone = made.release();
   });
 }
 
 void bda_library_close(bda_library* library) { delete library; }
+
+int64_t bda_library_entry(const bda_library* library) {
+  if (library == nullptr || library->editor == nullptr || !library->wire.expired()) return 0;
+  return library->editor->library().entryOfRun().value_or(0);
+}
 
 const char* bda_library_error(const bda_library* library) {
   return library == nullptr ? "library is NULL" : library->error.c_str();

@@ -7,6 +7,7 @@
 #include <span>
 #include <utility>
 
+#include "models/ModelJson.h"
 #include "surface/WireWork.h"
 
 struct bda_wire {
@@ -23,6 +24,20 @@ namespace Editor {
 namespace {
 
 constexpr WireTime kPatience = std::chrono::milliseconds(5);  // with an owner who has not taken everything
+
+template <typename Number>
+nlohmann::ordered_json orNull(const std::optional<Number>& number) {
+  return number ? nlohmann::ordered_json(*number) : nullptr;
+}
+
+nlohmann::ordered_json toJson(const WireWork::Progress& progress, std::uint64_t sent) {
+  const double seconds = std::chrono::duration<double>(progress.time.value_or(WireTime{})).count();
+  return {{"done", progress.done},
+          {"units", orNull(progress.units)},
+          {"sent", sent},
+          {"bytes", orNull(progress.bytes)},
+          {"seconds", orNull(progress.time ? std::optional(seconds) : std::nullopt)}};
+}
 
 // Those who call with a handle whose work has begun.
 template <typename Act>
@@ -101,9 +116,15 @@ std::optional<WireTime> sendOut(bda_wire& wire, WireEnd& end, bda_bytes_out out,
   while (true) {
     const std::span<const std::uint8_t> bytes = end.toSend(wire.now);
     if (bytes.empty()) break;
-    const std::size_t count = out(context, bytes.data(), bytes.size());
+    const std::ptrdiff_t taken = out(context, bytes.data(), bytes.size());
+    if (taken < 0) {
+      finish(wire, false);
+      throw CallFailure{BDA_FAILED, "nobody is at the wire any more"};
+    }
+    const auto count = std::size_t(taken);
     if (count > bytes.size()) throw CallFailure{BDA_MISUSED, "out has taken more bytes than there were"};
     end.sent(count);
+    wire.work->sent += count;
     if (count == bytes.size()) continue;
     wire.stuckSince = count > 0 ? wire.now : wire.stuckSince.value_or(wire.now);
     if (const std::optional<WireTime> patience = end.patience(); patience && wire.now - *wire.stuckSince >= *patience) {
@@ -154,6 +175,14 @@ bda_result bda_wire_effects(bda_wire* wire, char** lines) {
   if (lines != nullptr) *lines = nullptr;
   return callWith(wire, [&](const WireWork& work) {
     handOut(copyOf(work.effects()), lines);
+    return BDA_OK;
+  });
+}
+
+bda_result bda_wire_progress(bda_wire* wire, char** json) {
+  if (json != nullptr) *json = nullptr;
+  return callWith(wire, [&](const WireWork& work) {
+    handOut(copyOf(jsonLine(toJson(work.progress(), work.sent)) + '\n'), json);
     return BDA_OK;
   });
 }

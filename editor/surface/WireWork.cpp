@@ -76,8 +76,11 @@ class FetchWork final : public WireWork {
     settlement_.finish(fetch_.late(), isWhole && !isStopped_);
   }
 
+  Progress progress() const override { return {told_, units_.size()}; }
+
  private:
   void tell(const Settled& settled) {
+    ++told_;
     const Fetched& fetched = settled.fetched;
     lines += jsonLine(toJson(fetched, settled.as, settled.isRemoved, settled.with)) + '\n';
     if (settled.as == FetchedAs::lost)
@@ -89,6 +92,7 @@ class FetchWork final : public WireWork {
   Settlement settlement_;
   Fetch fetch_;
   const std::vector<BulkAddress> units_;
+  std::size_t told_ = 0;
   bool isStopped_ = false;
 };
 
@@ -97,6 +101,7 @@ class SendWork final : public WireWork {
   SendWork(SendPlan plan, std::vector<std::string> leftOut, const Send::Options& options, Pacer pacer)
       : plan_(std::move(plan)),
         leftOut_(std::move(leftOut)),
+        duration_(durationOf(plan_.units, pacer)),
         send_(plan_.units, options, std::move(pacer), [this](const SentUnit& unit) { tell(unit); }) {}
 
   WireEnd& end() override { return send_; }
@@ -112,6 +117,8 @@ class SendWork final : public WireWork {
     if (const std::size_t unsent = plan_.units.size() - told_ - unwritten.size(); unsent > 0)
       doubts.add(fmt::format("{} not sent", counted(unsent, "unit")));
   }
+
+  Progress progress() const override { return {told_, plan_.units.size(), plan_.bytes, duration_}; }
 
   std::string effects() const override {
     std::string words;
@@ -131,6 +138,7 @@ class SendWork final : public WireWork {
 
   const SendPlan plan_;
   const std::vector<std::string> leftOut_;
+  const WireTime duration_;
   Send send_;
   std::size_t told_ = 0;
 };
@@ -139,6 +147,8 @@ class InstrumentWork final : public WireWork, private Instrument::Observer {
  public:
   InstrumentWork(std::shared_ptr<EmbeddedEditor> editor, const Instrument::Options& options, Pacer pacer)
       : editor_(std::move(editor)), port_(options.port), instrument_(*editor_, options, std::move(pacer), *this) {}
+
+  Progress progress() const override { return {handled_}; }
 
   WireEnd& end() override { return instrument_; }
   void stop() override { instrument_.stop(); }
@@ -151,6 +161,7 @@ class InstrumentWork final : public WireWork, private Instrument::Observer {
  private:
   void handled(std::uint64_t number, std::uint64_t offset, std::span<const std::uint8_t> message,
                const Record& record) override {
+    ++handled_;
     lines += jsonOf({number, nullptr, offset}, port_, message, record) + '\n';
     const std::string place = fmt::format("message {} at offset {}", number, offset);
     doubt(faultsOf(record), place, doubts);
@@ -165,6 +176,7 @@ class InstrumentWork final : public WireWork, private Instrument::Observer {
 
   const std::shared_ptr<EmbeddedEditor> editor_;
   const BDA::DevicePortNum port_;
+  std::uint64_t handled_ = 0;
   Instrument instrument_;
 };
 

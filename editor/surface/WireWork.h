@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "surface/Handles.h"
@@ -23,8 +25,18 @@ class WireWork {
   // What it does at the other end, in words, a line for each.
   virtual std::string effects() const { return {}; }
 
-  std::string lines;  // results that nobody has asked for yet
-  Doubts doubts;      // what is wrong with them
+  // How far it has come. What nobody knows before it is done is nothing.
+  struct Progress {
+    std::uint64_t done = 0;                   // units or messages whose results are told
+    std::optional<std::uint64_t> units = {};  // all of them
+    std::optional<std::uint64_t> bytes = {};  // that go out if nothing is left out, and is asked for, as is `time`
+    std::optional<WireTime> time = {};        // that this takes
+  };
+  virtual Progress progress() const = 0;
+
+  std::uint64_t sent = 0;  // bytes
+  std::string lines;       // results that nobody has asked for yet
+  Doubts doubts;           // what is wrong with them
 };
 
 // Those that begin it. `options` is what the caller gives, as bda/editor.h says. They throw CallFailure, TargetError,

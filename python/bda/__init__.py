@@ -16,7 +16,7 @@ from bda._errors import Error, Failed, Misused, Refused, Unusable
 from bda._header import version as _version
 from bda._native import library_file
 from bda.files import Converted, Files, Salvaged, explain, verify
-from bda.library import Backup, Library
+from bda.library import Backup, Library, places
 from bda.stream import Joiner, cut
 
 __version__ = _version()
@@ -42,5 +42,6 @@ __all__ = [
     "cut",
     "explain",
     "library_file",
+    "places",
     "verify",
 ]

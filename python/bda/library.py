@@ -90,10 +90,15 @@ class Library(Asked):
         library.problems = tuple(became.problems)
         return became.settle(library, strict)
 
+    @property
+    def entry(self) -> int:
+        """The number of the entry of the history that the last change by this object is; 0: it has changed nothing."""
+        return int(native().bda_library_entry(self._open))
+
     def copy(self) -> Library:
         """A copy in memory: what is changed there tells what the same call would do here."""
         out = ffi.new("bda_library**")
-        became = self._call("bda_library_copy", out)
+        became = self._call("bda_library_clone", out)
         library = type(self).__new__(type(self))
         if out[0] != ffi.NULL:
             library._own(out[0])
@@ -272,3 +277,9 @@ class Library(Asked):
     def set(self, name: str, value: str) -> Answer[Json]:
         """Sets a setting: "device-number", "6"."""
         return self._ask("bda_library_set", text(name, "the name"), text(value, "the value"))
+
+
+def places() -> list[Json]:
+    """The banks of contents that an instrument has: `bank`, `kind`, `first` and `last` place, and how many `places`."""
+    out = ffi.new("char**")
+    return outcome(native().bda_places(out)).settle(parsed(taken(out) or b""))

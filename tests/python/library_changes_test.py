@@ -39,6 +39,14 @@ def test_what_was_shown_is_applied(stored: bda.Library) -> None:
     assert stored.show(PLACE) == shown
 
 
+def test_the_entry_of_a_change_is_taken_back(stored: bda.Library) -> None:
+    with bda.Library() as untouched:
+        assert untouched.entry == 0
+    stored.rename(PLACE, "Piano")
+    stored.undo(stored.entry)
+    assert names(stored)[PLACE] == NAME
+
+
 def test_what_cannot_be_applied_changes_nothing(stored: bda.Library) -> None:
     shown = stored.show(PLACE)
     shown["voice"]["common"][3] = 4711

@@ -117,7 +117,7 @@ TEST_F(LibraryCalls, MessagesAreAnEntryOfTheHistory) {
 TEST_F(LibraryCalls, ACopyChangesNothingOfWhatItIsACopyOf) {
   receiveVoice();
   bda_library* copy = nullptr;
-  ASSERT_EQ(bda_library_copy(library, &copy), BDA_OK) << error();
+  ASSERT_EQ(bda_library_clone(library, &copy), BDA_OK) << error();
   EXPECT_EQ(contents(copy), contents());
   char* would = nullptr;
   EXPECT_EQ(bda_library_rename(copy, "voice:user1:6", "Grand", &would), BDA_OK) << bda_library_error(copy);
@@ -127,8 +127,8 @@ TEST_F(LibraryCalls, ACopyChangesNothingOfWhatItIsACopyOf) {
   EXPECT_EQ(take(), take(would)) << "what it tells is what the call does";
   EXPECT_EQ(bda_library_undo(copy, 1, 1, nullptr), BDA_OK) << "with its history";
   bda_library_close(copy);
-  EXPECT_EQ(bda_library_copy(library, nullptr), BDA_MISUSED);
-  EXPECT_EQ(bda_library_copy(nullptr, &copy), BDA_MISUSED);
+  EXPECT_EQ(bda_library_clone(library, nullptr), BDA_MISUSED);
+  EXPECT_EQ(bda_library_clone(nullptr, &copy), BDA_MISUSED);
   EXPECT_EQ(copy, nullptr);
 }
 

@@ -203,10 +203,24 @@ TEST_F(LibraryChanges, OfALibraryThatWasOpenedToBeReadNothingIsChanged) {
   EXPECT_EQ(error(), "the library was opened to be read: nothing is changed");
   EXPECT_EQ(contents(), before);
   bda_library* copy = nullptr;
-  ASSERT_EQ(bda_library_copy(library, &copy), BDA_OK);
+  ASSERT_EQ(bda_library_clone(library, &copy), BDA_OK);
   EXPECT_EQ(bda_library_rename(copy, kPlace, "Grand", &json), BDA_OK) << "a copy may be";
   take();
   bda_library_close(copy);
+}
+
+TEST_F(LibraryChanges, TheEntryOfAChangeIsKnownAndTakenBack) {
+  const std::int64_t received = bda_library_entry(library);
+  EXPECT_EQ(received, 1);
+  EXPECT_EQ(bda_library_rename(library, kPlace, "Grand", &json), BDA_OK) << error();
+  take();
+  EXPECT_EQ(bda_library_entry(library), received + 1);
+  EXPECT_EQ(bda_library_rename(library, kPlace, "Grand", &json), BDA_OK) << error();
+  EXPECT_EQ(take(), "");
+  EXPECT_EQ(bda_library_entry(library), 0) << "all was so before";
+  EXPECT_EQ(bda_library_undo(library, received + 1, 0, &json), BDA_OK) << error();
+  EXPECT_THAT(take(), HasSubstr(R"("before":"Grand")"));
+  EXPECT_EQ(bda_library_entry(nullptr), 0);
 }
 
 TEST_F(LibraryChanges, WhatIsMisusedSaysSo) {

@@ -74,7 +74,7 @@ TEST_F(LibraryReading, WhatIsNotFoundIsRefusedAndWhatCannotBeAskedIsUnusable) {
 
 TEST_F(LibraryReading, LibrariesAreCompared) {
   bda_library* copy = nullptr;
-  ASSERT_EQ(bda_library_copy(library, &copy), BDA_OK);
+  ASSERT_EQ(bda_library_clone(library, &copy), BDA_OK);
   EXPECT_EQ(bda_library_diff(library, copy, &json), BDA_OK) << error();
   EXPECT_THAT(take(), StartsWith("{\"summary\":{\"equal\":3"));
   EXPECT_EQ(bda_library_diff(library, library, &json), BDA_OK) << "one with itself";

@@ -37,9 +37,9 @@ class WireCallTest : public LibraryCallTest {
   }
   std::string wireError() const { return bda_wire_error(wire); }
 
-  static std::size_t takeAll(void* bytes, const std::uint8_t* taken, std::size_t size) {
+  static std::ptrdiff_t takeAll(void* bytes, const std::uint8_t* taken, std::size_t size) {
     static_cast<Bytes*>(bytes)->insert(static_cast<Bytes*>(bytes)->end(), taken, taken + size);
-    return size;
+    return std::ptrdiff_t(size);
   }
   // What it sends then.
   Bytes tick(bda_wire* one, std::int64_t* due = nullptr) const {

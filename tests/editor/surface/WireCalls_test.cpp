@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
@@ -110,6 +112,33 @@ TEST_F(WireCalls, WhatIsSentIsThereAndReadBack) {
   EXPECT_EQ(shownBy(library), shownBy(other));
 }
 
+TEST_F(WireCalls, HowFarItHasComeIsTold) {
+  const auto progress = [&](bda_wire* of) {
+    EXPECT_EQ(bda_wire_progress(of, &json), BDA_OK) << bda_wire_error(of);
+    return take();
+  };
+  receiveVoice();
+  std::size_t size = 0;
+  for (const Bytes& message : unitOf(kVoice, BDA::List::normalVoice)) size += message.size();
+  const auto told = [&](int done, std::size_t sent) {
+    return fmt::format(R"({{"done":{},"units":1,"sent":{},"bytes":{},"seconds":{}}})"
+                       "\n",
+                       done, sent, size, double(size) / 3125);
+  };
+  serve();
+  send("voice:user1:6", "{}");
+  EXPECT_EQ(progress(wire), told(0, 0));
+  step();
+  EXPECT_EQ(progress(wire), told(0, out.size()));
+  EXPECT_EQ(run(), BDA_OK) << wireError();
+  take();
+  EXPECT_EQ(progress(wire), told(1, size));
+  EXPECT_THAT(progress(instrument), StartsWith("{\"done\":26,\"units\":null,"));
+  close();
+  fetch("voice:user1:6..7");
+  EXPECT_EQ(progress(wire), "{\"done\":0,\"units\":2,\"sent\":0,\"bytes\":null,\"seconds\":null}\n");
+}
+
 TEST_F(WireCalls, WhatIsNotThereAfterwardsIsTold) {
   receiveVoice();
   serve(R"({"faults": "full=1", "pace": "none"})");
@@ -193,7 +222,7 @@ TEST_F(WireCalls, PortsThatTakeNoPiecesGetWholeMessagesAtThePace) {
 
 TEST_F(WireCalls, AnInstrumentTellsEachMessage) {
   bda_library* same = nullptr;
-  ASSERT_EQ(bda_library_copy(other, &same), BDA_OK);
+  ASSERT_EQ(bda_library_clone(other, &same), BDA_OK);
   serve();
   std::uint64_t offset = 0;
   for (const Bytes& message : unitOf(kVoice, BDA::List::normalVoice, 3)) {

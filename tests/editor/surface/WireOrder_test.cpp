@@ -13,8 +13,11 @@ using ::testing::StartsWith;
 
 using WireOrder = WireCallTest;
 
-std::size_t takeNone(void* /*context*/, const std::uint8_t* /*bytes*/, std::size_t /*size*/) { return 0; }
-std::size_t takeTooMany(void* /*context*/, const std::uint8_t* /*bytes*/, std::size_t size) { return size + 1; }
+std::ptrdiff_t takeNone(void* /*context*/, const std::uint8_t* /*bytes*/, std::size_t /*size*/) { return 0; }
+std::ptrdiff_t takeTooMany(void* /*context*/, const std::uint8_t* /*bytes*/, std::size_t size) {
+  return std::ptrdiff_t(size) + 1;
+}
+std::ptrdiff_t takeAway(void* /*context*/, const std::uint8_t* /*bytes*/, std::size_t /*size*/) { return -1; }
 
 TEST_F(WireOrder, StoppedItSendsTheUnitThatHasBegunToItsEnd) {
   receiveVoice();
@@ -46,6 +49,19 @@ TEST_F(WireOrder, StoppedItAsksForNothingMore) {
   EXPECT_EQ(bda_wire_stop(wire), BDA_OK) << "it is done";
   feed(wire, {0xF0});
   EXPECT_EQ(tick(wire), Bytes());
+}
+
+TEST_F(WireOrder, WhenItsPortIsGoneItIsDone) {
+  receiveVoice();
+  send("voice:user1:6");
+  std::int64_t due = 0;
+  EXPECT_EQ(bda_wire_tick(wire, now, &takeAway, nullptr, &due), BDA_FAILED);
+  EXPECT_EQ(wireError(), "nobody is at the wire any more");
+  EXPECT_EQ(due, BDA_NEVER);
+  EXPECT_EQ(bda_wire_is_done(wire), 1);
+  EXPECT_EQ(bda_wire_results(wire, &json), BDA_REFUSED);
+  EXPECT_EQ(take(), "");
+  EXPECT_EQ(wireError(), "1 unit not sent");
 }
 
 TEST_F(WireOrder, StoppedBeforeItBeganNothingGoesOut) {
