@@ -42,9 +42,9 @@ Sendable sendableOf(Batch batch, const Sendable::Options& options) {
   if (!sendable.faults.empty()) return refuse(Why::isBroken, "it is not whole: nothing is sent");
   if (options.toEditBuffers) {
     const InEditBuffers placed = placeInEditBuffers(batch);
-    if (!placed.takenTwice.empty())
-      return refuse(Why::isUnusable,
-                    fmt::format("{} would be overwritten by a second one: nothing is sent", placed.takenTwice));
+    if (const auto& clash = placed.clash)
+      return refuse(Why::isUnusable, fmt::format("{} and {} would both go to {}, which holds one: nothing is sent",
+                                                 clash->first, clash->second, clash->buffer));
     leaveOut(placed.leftOut, "no edit buffer takes them");
   }
   SendPlan plan(batch);

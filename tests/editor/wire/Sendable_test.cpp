@@ -62,7 +62,7 @@ TEST_F(SendableTest, ToEditBuffersOneOfAKindIsSent) {
   messages.insert(messages.end(), voice.begin(), voice.end());
   const Sendable two = sendable(messages, {.toEditBuffers = true});
   EXPECT_EQ(two.why, Why::isUnusable);
-  EXPECT_EQ(two.words, "voice:edit would be overwritten by a second one: nothing is sent");
+  EXPECT_EQ(two.words, "voice:user1:6 and voice:user1:6 would both go to voice:edit, which holds one: nothing is sent");
 }
 
 TEST_F(SendableTest, WhatIsForNobodyHereIsLeftOut) {
