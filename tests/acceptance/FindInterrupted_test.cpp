@@ -46,7 +46,9 @@ class FindInterrupted : public Program {
       std::string word;
       while (status >> word) {
         if (word == "SigCgt:") status >> std::hex >> caught;
-        if (word == "State:") ASSERT_TRUE(status >> word && word != "Z") << "it has ended";
+        if (word == "State:") {
+          ASSERT_TRUE(status >> word && word != "Z") << "it has ended";
+        }
       }
     }
   }
