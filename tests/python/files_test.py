@@ -9,7 +9,6 @@ from hypothesis import given
 from hypothesis import strategies as some
 
 import bda
-from bda._native import native
 
 json_values = some.recursive(
     some.none() | some.booleans() | some.integers() | some.floats() | some.text(),
@@ -113,7 +112,6 @@ def test_captures_complete_each_other(voice: bytes) -> None:
     assert kept.whole == voice
 
 
-@pytest.mark.skipif(not hasattr(native(), "bda_files_convert"), reason="the library does not convert yet")
 def test_files_are_converted(voice: bytes) -> None:
     with bda.Files(EXAMPLES / "normal-voice.syx") as files:
         moved = files.convert(place="voice:user2:7")
