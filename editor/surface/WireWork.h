@@ -39,11 +39,11 @@ class WireWork {
   Doubts doubts;           // what is wrong with them
 };
 
-// Those that begin it. `options` is what the caller gives, as bda/editor.h says. They throw CallFailure, TargetError,
-// TargetJsonError and LibraryError.
-std::shared_ptr<WireWork> fetchOver(std::shared_ptr<EmbeddedEditor> editor, const char* places, const char* options);
-std::shared_ptr<WireWork> sendFrom(EmbeddedEditor& editor, const char* places, const char* options);
-std::shared_ptr<WireWork> sendFrom(const bda_files& files, const char* options);
-std::shared_ptr<WireWork> instrumentOf(std::shared_ptr<EmbeddedEditor> editor, const char* options);
+// Those that begin it. `text` is the options that the caller gives, as bda/editor.h says. They throw CallFailure,
+// TargetError, TargetJsonError and LibraryError.
+std::shared_ptr<WireWork> fetchOver(std::shared_ptr<EmbeddedEditor> editor, const char* places, const char* text);
+std::shared_ptr<WireWork> sendFrom(EmbeddedEditor& editor, const char* places, const char* text);
+std::shared_ptr<WireWork> sendFrom(const bda_files& files, const char* text);
+std::shared_ptr<WireWork> instrumentOf(std::shared_ptr<EmbeddedEditor> editor, const char* text);
 
 }  // namespace Editor
