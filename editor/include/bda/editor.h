@@ -252,7 +252,8 @@ BDA_EDITOR_API void bda_joiner_close(bda_joiner* joiner);
  *   }
  *
  * It is ticked after all that was fed, when it is `due`, and when the port takes bytes again that it did not take. When
- * a call fails it is done, and bda_wire_results() has what became of the rest: each unit that was begun has one line.
+ * a call fails it is done: bda_wire_results() has a line for each unit that was decided, and its error says of the rest
+ * what was begun and not finished, not sent, or not asked for.
  *
  * Options of all of them: "pace" ("cable", "usb", "none", or bytes a second; else "cable"), "pause" and "unit-pause"
  * (milliseconds), "whole-messages" (for ports that take no pieces of them).
@@ -274,8 +275,8 @@ typedef ptrdiff_t (*bda_bytes_out)(void* context, const uint8_t* bytes, size_t s
  * whole is on disk when its line is there.
  */
 
-/* Asks an instrument for `places` ("all": everything that can be requested) of the device number
-   that is set, and stores what comes whole; results as of `bda fetch --json`. Options: "timeout" (seconds), "retries",
+/* Asks an instrument for `places` ("all": everything that can be requested), at the device number that its settings
+   have, and stores what comes whole; results as of `bda fetch --json`. Options: "timeout" (seconds), "retries",
    "atomic" (all or nothing, with results at the end only), "remove-empty". */
 BDA_EDITOR_API bda_result bda_wire_fetch(bda_library* library, const char* places, const char* options,
                                          bda_wire** wire);
