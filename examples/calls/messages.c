@@ -128,8 +128,8 @@ static void convert(const uint8_t* voice, size_t voice_size, const uint8_t* drum
   size_t size = 0;
   char* json = NULL;
   const char* const options =
-      "{\"select\": \"voice:user1:1\", \"place\": \"voice:user3:7\", \"device\": 2, \"format\": \"mid\", \"pause\": "
-      "40}";
+      "{\"select\": \"voice:user1:1\", \"place\": \"voice:user3:7\", "
+      "\"device\": 2, \"format\": \"mid\", \"pause\": 40}";
   result = bda_files_convert(files, options, &song, &size, &json);
   expect(result == BDA_OK, bda_files_error(files));
   expect_in(json, "\"unit\":\"voice:user3:7\"");
