@@ -58,7 +58,7 @@ BDA_EDITOR_API const char* bda_version(void);
 BDA_EDITOR_API void bda_free(void* memory);
 /* The banks of contents that an instrument has, in their order, a line for each:
    {"bank":"voice:user1","kind":"voice","first":"voice:user1:1","last":"voice:user1:128","places":128}. A content that
-   has no number is a bank of itself: "drum:gm". BDA_FAILED where there is no memory. */
+   has no number is a bank of itself: "drum:gm". BDA_FAILED where there is no memory; `json` must not be NULL. */
 BDA_EDITOR_API bda_result bda_places(char** json);
 
 /* Gets a System Exclusive message F0 to F7, and the port on which it goes out: 1, 4, 5 or 6. The bytes live as long as
@@ -88,7 +88,7 @@ BDA_EDITOR_API bda_result bda_files_name_parameters(bda_files* files, const char
 
 /* Gets each message, its number from 1, and the offset of its F0 in its file: of a Standard MIDI File that of the
    event, of a text that of its first digit. A message that is cut short is none; bda_files_list() tells it. The bytes
-   live as long as the call. */
+   live as long as the call. BDA_REFUSED, when all were visited, where one is cut short or a file broken. */
 typedef void (*bda_visit)(void* context, uint64_t number, uint64_t offset, const uint8_t* message, size_t size);
 BDA_EDITOR_API bda_result bda_files_each(bda_files* files, bda_visit visit, void* context);
 
@@ -98,7 +98,8 @@ BDA_EDITOR_API bda_result bda_files_list(bda_files* files, char** json);
 /* Each message and each unit, as `bda verify --json`. BDA_REFUSED, with the answer, where something is broken. */
 BDA_EDITOR_API bda_result bda_files_verify(bda_files* files, char** json);
 /* What the bytes of a file are, `count` of them from `offset` on, or fewer when it ends; `file` counts from 0. As
-   `bda explain FILE --json`, which has all of them: of a text each that it writes, at the offset of its first digit. */
+   `bda explain FILE --json`, which has all of them: of a text each that it writes, at the offset of its first digit.
+   BDA_REFUSED, with the answer, where the structure of the file is broken. */
 BDA_EDITOR_API bda_result bda_files_explain(bda_files* files, size_t file, uint64_t offset, uint64_t count,
                                             char** json);
 /* What is whole, as a backup has it, and requests for what is lost, as `bda salvage --json`. Options: "prefer" (the
@@ -107,8 +108,8 @@ BDA_EDITOR_API bda_result bda_files_salvage(bda_files* files, const char* option
                                             uint8_t** requests, size_t* requestsSize, char** json);
 /* The same messages in another form or to other places, as `bda convert -o - --json`. Options: "format" ("syx", "mid"
    or "txt", else "syx"), "place", "select" (addresses), "device" (1 to 16), "pause" (milliseconds, for "mid" only).
-   BDA_REFUSED where something is broken or missing, or carried by no message; without an answer where nothing can be
-   written. */
+   BDA_REFUSED where a message is cut short, with "place" or "select" where something is broken, missing or carried by
+   no message; without an answer where nothing can be written. */
 BDA_EDITOR_API bda_result bda_files_convert(bda_files* files, const char* options, uint8_t** bytes, size_t* size,
                                             char** json);
 
@@ -165,8 +166,9 @@ BDA_EDITOR_API bda_result bda_library_history(bda_library* library, size_t most,
 /* Its settings, as `bda settings --json`; with `name` one of them. */
 BDA_EDITOR_API bda_result bda_library_settings(bda_library* library, const char* name, char** json);
 /* The whole of it as messages, as `bda backup` writes them, and its manifest, as --manifest. BDA_REFUSED where
-   something is not in the backup: the error says what. BDA_UNUSABLE while a library in a file is not made yet. Of a
-   library of files system settings and favourite flags are in it as new where the files have none. */
+   something is not in the backup: the error says what, and there is an answer unless nothing is. BDA_UNUSABLE while a
+   library in a file is not made yet. Of a library of files system settings and favourite flags are in it as new where
+   the files have none. */
 BDA_EDITOR_API bda_result bda_library_backup(bda_library* library, uint8_t** bytes, size_t* size, char** manifest);
 
 /*
@@ -204,7 +206,7 @@ BDA_EDITOR_API bda_result bda_library_restore(bda_library* library, bda_files* f
 /*
  * Hands a message F0 to F7 to the instrument, as if it had come on that port (1 is the main one). What it stores is on
  * disk when this returns. `send` gets what it sends for that, NULL: nobody. `json`: what became of it, as a line of the
- * trace (docs/trace.md).
+ * trace (docs/trace.md), also when that is none of BDA_OK; not of a dump for a library that was opened to be read.
  *
  * BDA_REFUSED where the instrument refuses the message, or the message is broken; BDA_FAILED where the library failed:
  * the message has changed nothing then.
@@ -224,7 +226,8 @@ BDA_EDITOR_API bda_result bda_library_request(bda_library* library, const char* 
 
 typedef struct bda_joiner bda_joiner;
 
-/* Bytes that became no message: the first at `offset` of the stream, how many, and why, in words that live for ever. */
+/* Bytes that became no message: the first at `offset` of the stream, how many, and why, in words that live for ever.
+   Clock and other real-time bytes are among them. Neighbours of one reason come as one run, when it has ended. */
 typedef void (*bda_drop)(void* context, uint64_t offset, uint64_t count, const char* reason);
 
 /* `message` gets each message, its number from 1 and its offset in the stream; `drop` may be NULL. */
@@ -315,8 +318,9 @@ BDA_EDITOR_API bda_result bda_wire_tick(bda_wire* wire, int64_t now, bda_bytes_o
 BDA_EDITOR_API bda_result bda_wire_stop(bda_wire* wire);
 /* 1: all is done, and everything sent; 0 else, and for NULL 1. */
 BDA_EDITOR_API int bda_wire_is_done(const bda_wire* wire);
-/* What became known since the last call, a line for each unit or message. BDA_REFUSED, with the answer, where something
-   of it is lost, different, unanswered or refused, or was not asked for or sent before the end. */
+/* What became known since the last call, a line for each unit or message; it is told once, and lost where `json` is
+   NULL. BDA_REFUSED, with the answer, where something of it is lost, different, unanswered or refused, or was not asked
+   for or sent before the end. */
 BDA_EDITOR_API bda_result bda_wire_results(bda_wire* wire, char** json);
 
 #ifdef __cplusplus
