@@ -72,24 +72,24 @@ SEEDS = {
     + [("bda_places", WANTED), ("bda_files_name_parameters", at(0) + text("parameter voice.common[3] Volume\n"))]
     + [("bda_files_each", at(0) + WANTED), ("bda_files_list", at(0) + WANTED), ("bda_files_verify", at(0) + WANTED)]
     + [("bda_files_explain", at(0, 0, 2, 40) + WANTED)]
-    + [("bda_files_salvage", at(0) + text("{}") + WANTED * 5)]
+    + [("bda_files_salvage", at(0) + text("{}") + WANTED * 4)]
     + [("bda_files_convert", at(0) + text('{"format": "mid", "place": "voice:user2:1"}') + WANTED * 3)]
     + [("bda_files_add", at(0) + text("b.mid") + b"\3"), ("bda_files_verify", at(0) + WANTED)]
     + [("bda_library_of_files", at(0, 0)), read("contents", 0, NULL), ("bda_files_close", at(0))],
     "broken-files": A_FILE
     + [("bda_files_add", at(0) + text("b.syx") + broken(1, 300, 1))]
     + [("bda_files_add", at(0) + text("c.syx") + broken(0, 900, 255)), ("bda_files_list", at(0) + WANTED)]
-    + [("bda_files_verify", at(0) + WANTED), ("bda_files_salvage", at(0) + text('{"merge": true}') + WANTED * 5)]
+    + [("bda_files_verify", at(0) + WANTED), ("bda_files_salvage", at(0) + text('{"merge": true}') + WANTED * 4)]
     + [("bda_files_convert", at(0) + NULL + WANTED * 3), ("bda_library_of_files", at(0, 0)), OTHER]
     + [("bda_library_restore", at(0) + NULL + at(1) + WANTED)],
     "library": [OPEN, handle(0, unit(0, 65)), handle(0, unit(3, 4)), handle(0, unit(9, 5)), handle(0, unit(2, 66))]
     + [read("contents", 0, NULL), read("find", 0, text('{"kind": "voice"}')), read("check", 0), read("history", 0, at(0))]
     + [read("settings", 0, NULL), read("explain", 0, VOICE, text("voice.common[3]")), read("show", 0, VOICE)]
     + [change("apply", 0, VOICE, LINE), change("rename", 0, VOICE, text("Piano")), change("favourite", 0, VOICE, at(2))]
-    + [change("copy_places", 0, VOICE, text("voice:user3")), change("undo", 0, at(1, 0))]
+    + [change("copy_places", 0, VOICE, text("voice:user3:6")), change("undo", 0, at(1, 0))]
     + [change("move_places", 0, text("voice:user1"), text("voice:user3"))]
     + [change("swap_places", 0, text("voice:user2:6"), text("voice:user3:6")), change("remove", 0, text("voice:user2"))]
-    + [change("set", 0, text("device-number"), text("6")), change("undo", 0, at(0, 1)), change("undo", 0, at(3, 1))]
+    + [change("set", 0, text("device-number"), text("6")), change("undo", 0, at(1, 1)), change("undo", 0, at(0, 0)), change("undo", 0, at(4, 1))]
     + [("bda_library_clone", at(0, 1)), read("diff", 0, at(1)), ("bda_library_backup", at(0) + WANTED * 3)]
     + [("bda_library_request", at(0) + text("system") + WANTED), read("show", 0, text("system"))]
     + [change("apply", 0, text("system"), LINE), ("bda_library_close", at(0))],
@@ -108,7 +108,7 @@ SEEDS = {
     + results(1)
     + [("bda_wire_close", at(0)), ("bda_wire_close", at(1)), read("diff", 0, at(1))],
     "sent": [OPEN, OTHER, handle(0, unit(0, 71)), handle(0, unit(3, 5))]
-    + [("bda_wire_send", at(0) + text("voice:user1:6 drum:user1:2 voice:user1:9") + text('{"verify": true}') + at(0))]
+    + [("bda_wire_send", at(0) + text("voice:user1:6 drum:user:2 voice:user1:9") + text('{"verify": true}') + at(0))]
     + [("bda_wire_instrument", at(1) + text('{"faults": "delay=0.1:300"}') + at(1)), ("bda_wire_effects", at(0) + WANTED)]
     + [PLAY] * 2
     + results(0),

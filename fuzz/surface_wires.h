@@ -214,7 +214,7 @@ inline bda_result wiresPlay(Caller& caller) {
   if (here == nullptr || there == nullptr) return BDA_MISUSED;
   for (unsigned i = 0; i < most && !(here->wasDone && there->wasDone); ++i) {
     for (const auto& [from, to] : {std::pair(here, there), std::pair(there, here)}) {
-      tick(from, caller.clock, {from, SIZE_MAX}, true);
+      if (tick(from, caller.clock, {from, SIZE_MAX}, true) != BDA_OK) return BDA_FAILED;
       const Bytes bytes = std::exchange(from->onCable, {});
       if (!bytes.empty()) feed(to, caller.clock, bytes);
     }
