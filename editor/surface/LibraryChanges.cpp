@@ -94,9 +94,10 @@ void requireNoOpenUnit(const EmbeddedEditor& editor) {
   doubts.refuse();
 }
 
-LibraryRun runOf(const bda_files& files) {
+LibraryRun runOf(const bda_files* files) {
   LibraryRun run{"restore"};
-  for (const bda_files::File& file : files.list) run.sources.push_back(file.name);
+  if (files != nullptr)
+    for (const bda_files::File& file : files->list) run.sources.push_back(file.name);
   return run;
 }
 
@@ -178,6 +179,8 @@ bda_result bda_library_restore(bda_library* library, bda_files* files, const cha
   if (json != nullptr) *json = nullptr;
   return callWith(library, [&](EmbeddedEditor& editor, Doubts&) {
     requireChangeable(*library);
+    library->isReceiving = false;
+    editor.library().beginRun(runOf(files));
     require(files, "files");
     Options given(options);
     const auto devices =
@@ -185,8 +188,6 @@ bda_result bda_library_restore(bda_library* library, bda_files* files, const cha
     given.finish();
     requireWhole(*files);
     requireNoOpenUnit(editor);
-    library->isReceiving = false;
-    editor.library().beginRun(runOf(*files));
     Restore restore(editor, devices);
     readAll(
         *files,

@@ -44,6 +44,17 @@ TEST_F(LibraryRestore, AllDumpsAreOneEntryOfTheHistory) {
   EXPECT_EQ(take(), "") << "all was so before";
 }
 
+TEST_F(LibraryRestore, WhatIsRefusedHasNoEntry) {
+  receive(voice);
+  ASSERT_EQ(bda_library_rename(library, "voice:user1:6", "Grand", nullptr), BDA_OK);
+  EXPECT_EQ(bda_library_entry(library), 2);
+  EXPECT_EQ(restore(), BDA_UNUSABLE) << "there are no files";
+  EXPECT_EQ(bda_library_entry(library), 0);
+  ASSERT_EQ(bda_library_rename(library, "voice:user1:6", "Piano", nullptr), BDA_OK);
+  EXPECT_EQ(bda_library_restore(library, nullptr, nullptr, nullptr), BDA_MISUSED);
+  EXPECT_EQ(bda_library_entry(library), 0);
+}
+
 TEST_F(LibraryRestore, ABackupPutsBackWhatWasChanged) {
   receive(voice);
   uint8_t* bytes = nullptr;
