@@ -120,7 +120,7 @@ using Texts = std::initializer_list<const char*>;
 inline constexpr Texts kPlaces{
     "voice:user1:6", "voice:user1",   "voice:user1:7",  "0E 0A 05", "voice:user1:1..16",
     "voice:edit",    "system",        "voice:user2",    "master:5", "voice:user1:6 voice:user1:7",
-    "drum:user:2",  "additional",    "voice:user2:1",  "drum:gm",  "performance:user1:4",
+    "drum:user:2",   "additional",    "voice:user2:1",  "drum:gm",  "performance:user1:4",
     "multi:edit",    "voice:user3:6", "voice:user1:6.", "",         "0E"};
 inline constexpr Texts kNameFiles{"parameter voice.common[3] Volume\n", "# none\n", "", "parameter voice.common[3]\n",
                                   "value"};

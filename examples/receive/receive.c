@@ -5,7 +5,8 @@
 
 static void receive(void* library, uint64_t number, uint64_t offset, const uint8_t* message, size_t size) {
   if (bda_library_handle(library, 1, message, size, NULL, NULL, NULL) != BDA_OK)
-    fprintf(stderr, "message %lu at %lu: %s\n", (unsigned long)number, (unsigned long)offset, bda_library_error(library));
+    fprintf(stderr, "message %lu at %lu: %s\n", (unsigned long)number, (unsigned long)offset,
+            bda_library_error(library));
 }
 
 static uint8_t* load(const char* name, size_t* size) {
