@@ -185,6 +185,11 @@ class Caller {
   }
 
   void endCall() { texts_.clear(); }
+  // No input may take long. False: there is nothing left to be spent.
+  bool spend(unsigned effort) {
+    left_ -= std::min(left_, effort);
+    return left_ > 0;
+  }
 
   // The time now, and from now on; or one that was or will be.
   std::int64_t time(const Wire* wire) {
@@ -249,6 +254,7 @@ class Caller {
     }
   }
 
+  unsigned left_ = 2'000;
   std::deque<std::vector<char>> texts_;
   Bytes bytes_;
 };

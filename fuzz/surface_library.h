@@ -22,8 +22,10 @@ inline constexpr Texts kSettings{"device-number", "receive-bulk", "mixing-voices
                                  "history",       "history-size", "history-siz"};
 inline constexpr Texts kValues{"6", "all", "off", "on", "0", "1", "2048", "99999999999999999999", "-1", ""};
 
-// All that it holds and remembers; nothing where it does not say.
-inline std::optional<std::string> stateOf(bda_library* library) {
+// All that it holds and remembers; nothing where it does not say, or where that was asked for often.
+inline std::optional<std::string> stateOf(Caller& caller, bda_library* library) {
+  constexpr unsigned kEffort = 4;
+  if (!caller.spend(kEffort)) return std::nullopt;
   std::string state;
   for (const auto read : {+[](bda_library*of, char**out) { return bda_library_contents(of, nullptr, out); },
                           +[](bda_library*of, char**out) { return bda_library_settings(of, nullptr, out); },
@@ -33,6 +35,11 @@ inline std::optional<std::string> stateOf(bda_library* library) {
     state += answer.get();
   }
   return state;
+}
+
+inline void requireSame(Caller& caller, bda_library* library, const std::string& before) {
+  const std::optional<std::string> now = stateOf(caller, library);
+  require(!now || now == before, "a change by a call that was refused, or says that it has changed nothing");
 }
 
 inline bool isUsed(const Caller& caller, const bda_library* library) {
@@ -58,8 +65,8 @@ inline bda_result libraryOpen(Caller& caller) {
   const std::size_t slot = caller.slot();
   closeLibrary(caller, slot);
   const std::uint8_t how = caller.input.byte() % 16;
-  std::string path = "/no such folder/" + (how == 1 ? caller.rawText() : "library.db");
-  std::replace(path.begin() + 16, path.end(), '/', '_');
+  std::string path = "/dev/null/_" + (how == 1 ? caller.rawText() : "library.db");
+  std::replace(path.begin() + 11, path.end(), '/', '_');
   const unsigned flags = how == 2 ? caller.input.byte() : 0;
   const char* const file = how == 1 || how == 3 ? caller.kept(path) : how == 4 ? "/" : how == 5 ? "" : nullptr;
   const bda_result result = bda_library_open(file, how == 3 ? unsigned(BDA_OPEN_READ) : flags, &caller.libraries[slot]);
@@ -75,7 +82,8 @@ inline bda_result libraryClone(Caller& caller) {
   judged(caller, library, result);
   require((clone != nullptr) == (result == BDA_OK), "a clone that is not there, or of nothing");
   if (clone == nullptr) return result;
-  require(stateOf(clone) == stateOf(library), "a clone that is another");
+  const std::optional<std::string> state = stateOf(caller, clone);
+  if (state) requireSame(caller, library, *state);
   closeLibrary(caller, slot);
   caller.libraries[slot] = clone;
   return result;
@@ -146,6 +154,8 @@ inline bda_result libraryExplain(Caller& caller) {
 }
 
 inline bda_result libraryBackup(Caller& caller) {
+  constexpr unsigned kEffort = 100;
+  caller.spend(kEffort);
   bda_library* const library = caller.library();
   Answer<std::uint8_t> bytes(caller.wants());
   Answer<char> manifest(caller.wants());
@@ -172,7 +182,7 @@ template <typename Change>
 bda_result changing(Caller& caller, Change change, bool isRehearsed = true) {
   bda_library* const library = caller.library();
   Answer<char> answer(caller.wants());
-  const std::optional<std::string> before = stateOf(library);
+  const std::optional<std::string> before = stateOf(caller, library);
   bda_library* clone = nullptr;
   if (isRehearsed && caller.flag()) bda_library_clone(library, &clone);
   const bda_result result = change(library, answer.out());
@@ -187,7 +197,7 @@ bda_result changing(Caller& caller, Change change, bool isRehearsed = true) {
   // An undo of nothing is an entry all the same.
   if (result != BDA_OK) require(bda_library_entry(library) == 0, "an entry of a call that has changed nothing");
   const std::int64_t entry = bda_library_entry(library);
-  if (before && entry == 0) require(stateOf(library) == before, "a change of a call that has changed nothing");
+  if (before && entry == 0) requireSame(caller, library, *before);
   require(bda_library_entry(library) == entry, "an entry that is another when somebody has looked");
   return result;
 }
@@ -260,15 +270,15 @@ inline bda_result libraryHandle(Caller& caller) {
     const std::size_t size = std::size_t(end - left.begin()) + (end == left.end() ? 0 : 1);
     const Bytes message(left.begin(), left.begin() + std::ptrdiff_t(size));
     left = left.subspan(size);
-    const std::optional<std::string> before = stateOf(library);
+    const std::optional<std::string> before = stateOf(caller, library);
     Answer<char> answer(isWanted);
     const bda_result here =
         bda_library_handle(library, port, message.data(), message.size(), send, &caller.lastBytes, answer.out());
     json(caller, answer, here, bda_library_error(library));
     judged(caller, library, here);
-    if (here != BDA_OK && before) require(stateOf(library) == before, "a change by what was refused");
+    if (here != BDA_OK && before) requireSame(caller, library, *before);
     result = here == BDA_OK ? result : here;
-  } while (!left.empty());
+  } while (!left.empty() && caller.spend(1));
   return result;
 }
 

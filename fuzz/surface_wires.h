@@ -212,7 +212,7 @@ inline bda_result wiresPlay(Caller& caller) {
   Wire* const there = caller.wire();
   const unsigned most = caller.input.byte();
   if (here == nullptr || there == nullptr) return BDA_MISUSED;
-  for (unsigned i = 0; i < most && !(here->wasDone && there->wasDone); ++i) {
+  for (unsigned i = 0; i < most && !(here->wasDone && there->wasDone) && caller.spend(1); ++i) {
     for (const auto& [from, to] : {std::pair(here, there), std::pair(there, here)}) {
       if (tick(from, caller.clock, {from, SIZE_MAX}, true) != BDA_OK) return BDA_FAILED;
       const Bytes bytes = std::exchange(from->onCable, {});
