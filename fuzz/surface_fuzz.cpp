@@ -106,8 +106,9 @@ void sayReached() {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const bool isAsked = std::getenv("BDA_FUZZ_REACHED") != nullptr && std::atexit(Surface::sayReached) == 0;
   (void)isAsked;
+  constexpr unsigned kEffort = 20;
   Surface::Caller caller(Input(data, size));
-  while (!caller.input.empty() && caller.spend(1)) {
+  while (!caller.input.empty() && caller.spend(kEffort)) {
     Surface::Function& function = Surface::kFunctions[caller.input.byte() % std::size(Surface::kFunctions)];
     if (function.call(caller) == BDA_OK) ++function.reached;
     caller.endCall();

@@ -8,7 +8,9 @@
 
 namespace Editor {
 
-std::vector<Bank> allBanks() {
+namespace {
+
+std::vector<Bank> makeBanks() {
   std::vector<Bank> banks;
   std::map<std::string, std::size_t> numbers;
   for (const BulkAddress address : everythingInABackup()) {
@@ -23,6 +25,13 @@ std::vector<Bank> allBanks() {
     ++bank.places;
   }
   return banks;
+}
+
+}  // namespace
+
+const std::vector<Bank>& allBanks() {
+  static const std::vector<Bank> kBanks = makeBanks();
+  return kBanks;
 }
 
 nlohmann::ordered_json toJson(const Bank& bank) {

@@ -19,7 +19,7 @@ struct Bank {
 };
 
 // All that there are, in the order of a backup: of contents that a message carries.
-std::vector<Bank> allBanks();
+const std::vector<Bank>& allBanks();
 
 nlohmann::ordered_json toJson(const Bank& bank);
 
