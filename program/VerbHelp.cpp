@@ -86,7 +86,7 @@ constexpr std::array kVerbs{
              VerbGroup::instrument,
              kLibrary,
              {{{"bda fetch file:voice:user1 --from /dev/midi1", "a bank, into the library"},
-               {"bda fetch all --from /dev/midi1 -o all.syx", "everything, into a file"}}}},
+               {"bda fetch all --from /dev/midi1 -o all.syx", "all: hours, if much is empty"}}}},
     VerbHelp{"instrument",
              "--on PORT",
              "The library answers at a port, as the instrument would",

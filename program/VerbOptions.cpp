@@ -27,6 +27,8 @@ std::string checkNumber(const std::string& text) {
   return fmt::format("\"{}\": expected a number from 1 to {}", text, std::numeric_limits<std::int64_t>::max());
 }
 
+constexpr std::int64_t kLargestSeed = (std::int64_t{1} << 53) - 1;
+
 constexpr const char* kDryRun = "Say what would change, and change nothing";
 constexpr const char* kAnyDevice = "Take messages for other device numbers too";
 constexpr const char* kMessageFiles = "Message files, .syx, .mid or hex text by content; - is standard input";
@@ -318,7 +320,9 @@ void addInstrument(CLI::App& app, Given& given, Program& program) {
           "--faults", options.faults,
           "What goes wrong how often, as drop=1%,delay=0.05:300: " + fmt::format("{}", fmt::join(faultNames(), ", ")))
       ->type_name("LIST");
-  verb.add_option("--seed", options.seed, "Other faults of the same list; the same seed has the same")->type_name("N");
+  verb.add_option("--seed", options.seed, "Other faults of the same list; the same seed has the same")
+      ->type_name("N")
+      ->check(CLI::Range(std::int64_t{0}, kLargestSeed));
   addPortNumber(verb, options.port);
   verb.add_flag("--echo", options.echoes, "Send what the instrument echoes, too");
   addPacing(verb, options.pace, options.pauses);
@@ -343,7 +347,7 @@ void addReplay(CLI::App& app, Given& given, Program& program) {
       ->required()
       ->check(checkFileName);
   verb.add_option("--from-library", given.otherLibrary,
-                  "The library as it was; default the one in the transcript, or else that of --library")
+                  "The library as it was; default the one in the transcript, or else the one that --library names")
       ->type_name("FILE")
       ->check(checkFileName);
   verb.callback([&] { given.verb = [&] { replay(given.file, given.otherLibrary, program); }; });

@@ -1,5 +1,7 @@
 #include "convert/Batch.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -26,6 +28,12 @@ std::vector<std::vector<std::size_t>> Batch::messagesByUnit() const {
   for (std::size_t i = 0; i < messages.size(); ++i)
     if (messages[i].unit) found[*messages[i].unit].push_back(i);
   return found;
+}
+
+std::string describe(const Batch::BrokenMessage& message) {
+  return fmt::format("{}: broken (message {}): {}",
+                     message.address ? nameOrBytes(*message.address) : "of no known type", message.message,
+                     message.why);
 }
 
 void BatchBuilder::add(std::span<const std::uint8_t> message) {

@@ -56,6 +56,9 @@ struct Batch {
   std::vector<std::vector<std::size_t>> messagesByUnit() const;
 };
 
+// "voice:user1:6: broken (message 3): ..."
+std::string describe(const Batch::BrokenMessage& message);
+
 // Makes a batch. A file dump is a unit whether its trigger comes or not: its content is whole.
 class BatchBuilder {
  public:

@@ -1,6 +1,7 @@
 #include "convert/InEditBuffers.h"
 
-#include <set>
+#include <map>
+#include <string>
 
 #include "AddressRows.h"
 #include "convert/Placing.h"
@@ -11,15 +12,16 @@ InEditBuffers placeInEditBuffers(Batch& batch) {
   InEditBuffers result;
   UnitModels models;
   Placing placing(batch, models);
-  std::set<EditBuffer> taken;
+  std::map<EditBuffer, std::string> taken;
   for (std::size_t unit = 0; unit < batch.units.size(); ++unit) {
     const std::optional<EditBuffer> buffer = editBufferOf(batch.units[unit].kind);
     if (!buffer)
       throw TargetError(TargetError::Kind::refused, batch.units[unit].place + ": there is no edit buffer for it");
     const MidLo header = headerOf(*buffer);
     const std::string name = nameOrBytes({BDA::kHeaderHi, header.mid, header.lo});
-    if (!taken.insert(*buffer).second) {
-      result.takenTwice = name;
+    const std::string place = batch.units[unit].place;
+    if (const auto [other, isFirst] = taken.try_emplace(*buffer, place); !isFirst) {
+      result.clash = {name, other->second, place};
       return result;
     }
     placing.place(unit, parseDestinations(name).front());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include "convert/Batch.h"
@@ -9,7 +10,13 @@ namespace Editor {
 
 // Addresses the units of a batch to the edit buffers, so that it overwrites nothing that is stored.
 struct InEditBuffers {
-  std::string takenTwice;   // the edit buffer that a second unit would overwrite: the batch is of no use then
+  // Two units would go to one edit buffer: the batch is of no use then.
+  struct Clash {
+    std::string buffer;
+    std::string first;
+    std::string second;
+  };
+  std::optional<Clash> clash = {};
   std::size_t leftOut = 0;  // dumps that stood by themselves: system blocks, favourites, triggers
 };
 // Throws TargetError (refused) where a unit has no edit buffer, and TargetJsonError.

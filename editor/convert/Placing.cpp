@@ -87,7 +87,7 @@ Placing::LeftOut Placing::placeFileDump(std::size_t unit, const Destination& to)
   } else {
     const UnitModels::Held held = read(unit);
     if (!held.models || !to.target.header)
-      refuse(to.target, fmt::format("{} cannot become blocks, which it takes: {}", moved.place, held.why));
+      refuse(to.target, fmt::format("{} cannot go there, where blocks are taken: {}", moved.place, held.why));
     Dumps dumps = models_.blocksOf(moved.kind, *held.models);
     readdress(dumps.messages.front(), *to.target.header);
     readdress(dumps.messages.back(), footerOf(*to.target.header));

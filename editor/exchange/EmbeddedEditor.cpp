@@ -6,6 +6,7 @@
 #include "exchange/Reason.h"
 #include "exchange/ScreenLines.h"
 #include "exchange/ScreenText.h"
+#include "messages/Text.h"
 
 namespace Editor {
 
@@ -31,6 +32,18 @@ std::vector<BulkAddress> missingIn(const std::vector<UnitReport>& ended) {
 bool isSilentlyBroken(const Record& record) {
   if (record.outcome == Outcome::notOurs) return isBroken(record.reading);
   return record.outcome != Outcome::refused && record.reading.verdict == Reading::Verdict::fileDumpBroken;
+}
+
+std::vector<MessageFault> faultsOf(const Record& record) {
+  std::vector<MessageFault> faults;
+  const Reading& reading = record.reading;
+  // A request is only for what it does to a unit that is open.
+  if (record.outcome == Outcome::refused && reading.kind != Reading::Kind::request)
+    faults.push_back({"refused: " + escape(record.reasonInCommon),
+                      "refused: " + describeContent(reading) + ": " + escape(record.reason)});
+  if (isSilentlyBroken(record)) faults.push_back({wordOf(reading.verdict), describeFault(reading)});
+  for (MessageFault& fault : faultsIn(record.ended)) faults.push_back(std::move(fault));
+  return faults;
 }
 
 EmbeddedEditor::EmbeddedEditor(const std::filesystem::path& libraryFile, const Library::Options& options)

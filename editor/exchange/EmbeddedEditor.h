@@ -9,6 +9,7 @@
 
 #include "contents/ModelStore.h"
 #include "exchange/UnitTracker.h"
+#include "messages/Verification.h"
 
 namespace Editor {
 
@@ -26,6 +27,9 @@ struct Record : Handed, Touched {
 // Whether the message is broken, and the assistant says nothing of that: it takes file dumps without a look into them,
 // and what is too short for any message for somebody else's.
 bool isSilentlyBroken(const Record& record);
+
+// What of a message that was received is refused or broken, and so not there afterwards.
+std::vector<MessageFault> faultsOf(const Record& record);
 
 // Hears what an editor is handed and what comes of it, in order. It uses no editor, and throws nothing but what the
 // library does.
@@ -87,6 +91,10 @@ class EmbeddedEditor {
 
   // Whether the device number that is set is off, inside of a Run too, where another counts.
   bool isDeviceOff() const;
+
+  // For who has taken back a change that had reached the live models: they are those of the library again, now, or
+  // where that cannot be read, before the next message.
+  void rereadLive() { handover_.rereadLive(); }
 
   // The units that are still open, and the file dumps that are still held.
   std::vector<UnitReport> openUnits() const { return units_.open(); }

@@ -93,7 +93,7 @@ Handed Handover::handDump(const Reading& reading, const Act& act, const std::set
   } catch (const std::exception&) {
     work_.abandonPass();
     work_.takeError();
-    reloadIfPossible();
+    rereadLive();
     // What came first is the reason, what follows from it is not.
     if (!handed.storeError.empty()) throw LibraryError(LibraryError::Kind::Failed, handed.storeError);
     throw;
@@ -179,7 +179,7 @@ void Handover::beginRun() {
 
 void Handover::endRun() {
   inRun_ = false;
-  reloadIfPossible();
+  rereadLive();
 }
 
 void Handover::reload() {
@@ -190,7 +190,7 @@ void Handover::reload() {
   }
 }
 
-void Handover::reloadIfPossible() {
+void Handover::rereadLive() {
   seen_.reset();
   try {
     reload();

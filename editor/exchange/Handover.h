@@ -63,6 +63,9 @@ class Handover {
   void beginRun();
   void endRun();
 
+  // The live models are those of the library again: now, or where that cannot be read, before the next message.
+  void rereadLive();
+
   // From now on each message is handed over as if it were for the device number that is set then.
   void takeAnyDevice() { takesAnyDevice_ = true; }
 
@@ -78,7 +81,6 @@ class Handover {
   void leaveNameless(std::size_t firstChange, const std::set<ContentId>& nameless);
   void rememberLive();
   void reload();
-  void reloadIfPossible();
 
   // When the live models were those of the library: in which of its states, and at which count of their changes.
   struct Seen {

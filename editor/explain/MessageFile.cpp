@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "messages/MessageReader.h"
 #include "messages/Messages.h"
 #include "midi/FileKind.h"
 #include "midi/HexText.h"
@@ -129,7 +130,7 @@ bool MessageFile::isUsable() const {
   return false;
 }
 
-std::string MessageFile::describe() const { return describeFile(file_); }
+std::string MessageFile::whyUnusable() const { return whyNoMessages(!messages_.empty(), describeFile(file_)); }
 
 std::optional<MessageFile::Byte> MessageFile::find(std::uint64_t offset) const {
   if (offset >= size()) return std::nullopt;

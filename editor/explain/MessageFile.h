@@ -32,8 +32,8 @@ class MessageFile {
   // Whether it holds messages at all: as for the verbs that receive, a file that has only other makers' messages must
   // at least begin with one.
   bool isUsable() const;
-  // What it seems to be.
-  std::string describe() const;
+  // Of one that does not: why, as it stands behind the file's name.
+  std::string whyUnusable() const;
   // Where it is not built as it must be: what stands there may have been read in part, or not at all.
   const std::vector<MidiFile::Error>& errors() const { return errors_; }
 

@@ -1,5 +1,7 @@
 #include "history/Undo.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "contents/PartVoices.h"
@@ -19,7 +21,8 @@ bool isNext(const HistoryEntry& entry) { return !entry.undoes && !entry.undoneBy
 Undone find(const std::vector<HistoryEntry>& newestFirst, std::optional<std::int64_t> named) {
   const auto entry = std::find_if(newestFirst.begin(), newestFirst.end(),
                                   [&](const HistoryEntry& one) { return named ? one.number == *named : isNext(one); });
-  if (entry == newestFirst.end()) return {.state = Undone::State::nothingToUndo, .entry = named.value_or(0)};
+  if (entry == newestFirst.end())
+    return {.state = named ? Undone::State::noSuchEntry : Undone::State::nothingToUndo, .entry = named.value_or(0)};
   return {.state = entry->undoneBy ? Undone::State::isUndone : Undone::State::done,
           .entry = entry->number,
           .undoneBy = entry->undoneBy};
@@ -53,6 +56,35 @@ std::optional<std::int64_t> findSoundBefore(std::int64_t number, const std::vect
 }
 
 }  // namespace
+
+std::string whyNotDone(const Undone& undone) {
+  switch (undone.state) {
+    case Undone::State::nothingToUndo:
+      return "there is nothing to undo";
+    case Undone::State::noSuchEntry:
+      return fmt::format("there is no entry {} in the history", undone.entry);
+    case Undone::State::isUndone:
+      return fmt::format("entry {} is already undone, by {}", undone.entry, *undone.undoneBy);
+    case Undone::State::conflict:
+    case Undone::State::damaged:
+      return fmt::format("entry {} is not undone, nothing is changed", undone.entry);
+    case Undone::State::done:
+      break;
+  }
+  return {};
+}
+
+std::vector<std::string> damageIn(const Undone& undone) {
+  std::vector<std::string> lines;
+  for (const std::string& place : undone.damaged)
+    lines.push_back(fmt::format("{}: what it held before is damaged", place));
+  if (!undone.fault.empty()) lines.push_back(fmt::format("entry {} is damaged: {}", undone.entry, undone.fault));
+  return lines;
+}
+
+std::string wordsOfConflict(const Undone& undone) {
+  return fmt::format("no longer holds what entry {} left there", undone.entry);
+}
 
 Undone undo(EmbeddedEditor& editor, std::optional<std::int64_t> entry, Force force) {
   Library& library = editor.library();

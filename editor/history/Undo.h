@@ -14,7 +14,8 @@ namespace Editor {
 struct Undone {
   enum class State : std::uint8_t {
     done,
-    nothingToUndo,  // no entry is left, or none has that number
+    nothingToUndo,  // no entry is left
+    noSuchEntry,    // none has the number that was named
     isUndone,       // the entry that was named is undone as it stands
     conflict,       // places no longer hold what the entry left there
     damaged,        // what places held before can no longer be trusted: it is never put back
@@ -29,6 +30,13 @@ struct Undone {
   std::string fault = {};                 // damaged: what is wrong with the entry itself
   std::vector<PlaceChange> changes = {};  // done: what the undo changed
 };
+
+// Why it is not done, in words; "" where it is.
+std::string whyNotDone(const Undone& undone);
+// What is damaged, a line for each place, and for the entry itself.
+std::vector<std::string> damageIn(const Undone& undone);
+// "no longer holds what entry 3 left there": what is told of each of `conflicts`.
+std::string wordsOfConflict(const Undone& undone);
 
 enum class Force : std::uint8_t { no, yes };
 

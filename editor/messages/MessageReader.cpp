@@ -189,6 +189,11 @@ bool isUtf8(Bytes text) {
 
 }  // namespace
 
+std::string whyNoMessages(bool hasForeign, const std::string& kind) {
+  return std::string("no System Exclusive message in it") + (hasForeign ? " for this instrument" : "") +
+         ": it seems to be " + kind;
+}
+
 void FileJudgement::look(Bytes bytes) {
   first_.insert(first_.end(), bytes.begin(),
                 bytes.begin() + std::ptrdiff_t(std::min(bytes.size(), kFirst - first_.size())));

@@ -48,6 +48,9 @@ class ReadError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// That a file holds no messages, or only those of other makers; `kind` is what it seems to be.
+std::string whyNoMessages(bool hasForeign, const std::string& kind);
+
 // Whether a file is one of messages at all: it has some, and begins as such files do or has one of this maker.
 class FileJudgement {
  public:
@@ -61,6 +64,8 @@ class FileJudgement {
   bool hasMessage() const { return hasMessage_; }
   // What it seems to be, in words.
   std::string kind() const;
+  // Of one that is not usable: why, as it stands behind the file's name.
+  std::string whyUnusable() const { return whyNoMessages(hasMessage_, kind()); }
 
  private:
   static constexpr std::size_t kFirst = 512;

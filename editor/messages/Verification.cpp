@@ -2,6 +2,18 @@
 
 namespace Editor {
 
+std::vector<MessageFault> faultsIn(const Reading& reading) {
+  if (!isBroken(reading)) return {};
+  return {{wordOf(reading.verdict), describeFault(reading)}};
+}
+
+std::vector<MessageFault> faultsIn(const std::vector<UnitReport>& ended) {
+  std::vector<MessageFault> faults;
+  for (const UnitReport& unit : ended)
+    if (isBroken(unit)) faults.push_back({wordOf(unit.state), describeUnit(unit)});
+  return faults;
+}
+
 std::vector<UnitReport> Verification::next(const Reading& reading, std::uint64_t message) {
   ++messages_;
   if (isBroken(reading)) ++brokenMessages_;

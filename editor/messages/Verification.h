@@ -1,12 +1,21 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "messages/Messages.h"
 #include "messages/Units.h"
 
 namespace Editor {
+
+// What is broken in a message, in a unit that ended with it, or in how it was received.
+struct MessageFault {
+  std::string kind;  // the same for those that are alike
+  std::string text;  // behind the place of the message
+};
+std::vector<MessageFault> faultsIn(const Reading& reading);
+std::vector<MessageFault> faultsIn(const std::vector<UnitReport>& ended);
 
 // Judges messages by themselves, one after the other, and the units that they make.
 class Verification {

@@ -1,6 +1,11 @@
 #include "targets/ContentKind.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <stdexcept>
+
+#include "messages/Nearest.h"
 
 namespace Editor {
 
@@ -50,9 +55,12 @@ std::vector<std::string> contentKindWords() {
   return words;
 }
 
-std::optional<ContentKind> findContentKind(std::string_view word) {
+ContentKind contentKindNamed(const std::string& word) {
   const auto* const found = std::find_if(kRows.begin(), kRows.end(), [&](const Row& row) { return row.word == word; });
-  return found == kRows.end() ? std::nullopt : std::optional(found->kind);
+  if (found != kRows.end()) return found->kind;
+  const std::vector<std::string> words = contentKindWords();
+  throw std::invalid_argument(
+      fmt::format("\"{}\": expected one of {}{}", word, fmt::join(words, ", "), didYouMean(word, words)));
 }
 
 ContentKind contentKindOf(ContentId id) {

@@ -18,7 +18,8 @@ inline constexpr std::size_t kContentKinds = 8;
 
 const char* wordOf(ContentKind kind);
 std::vector<std::string> contentKindWords();
-std::optional<ContentKind> findContentKind(std::string_view word);
+// Throws std::invalid_argument, which says what was expected or may have been meant.
+ContentKind contentKindNamed(const std::string& word);
 // "a normal voice", as which a mixing voice counts too.
 const char* wordsOf(ContentKind kind);
 // Where it is edited, and its blocks can be sent to; nothing for what has no blocks.

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "contents/ContentFormat.h"
+#include "targets/CarryCheck.h"
 #include "targets/TargetModels.h"
 
 namespace Editor {
@@ -73,6 +74,18 @@ bool setFavourite(Library& library, ContentId id, bool isOn) {
 }
 
 }  // namespace
+
+std::string applyTarget(EmbeddedEditor& editor, const Target& target, const ModelSet& models) {
+  CarryCheck check = checkCarried(target, models);
+  if (!check.refusal.empty()) refuse(target, check.refusal);
+  storeTarget(editor, target, models);
+  return std::move(check.unchecked);
+}
+
+void requireNamed(const Target& target) {
+  if (target.kind == Target::Kind::system || target.kind == Target::Kind::additional)
+    throw TargetError(TargetError::Kind::noTarget, fmt::format("{} has no name", target.name));
+}
 
 void renameTarget(EmbeddedEditor& editor, const Target& target, const std::string& name) {
   if (!hasName(target)) refuse(target, "no message carries a name for it");

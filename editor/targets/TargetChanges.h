@@ -13,6 +13,12 @@ namespace Editor {
 // Changes of places that are no new content. Whoever makes them has a transaction of the library open, and commits it
 // unless one of them throws: TargetError (refused) or LibraryError.
 
+// Replaces the whole target. Refuses values that its blocks cannot carry, naming the first by its path. Returns why
+// that could not be seen; empty: it was.
+std::string applyTarget(EmbeddedEditor& editor, const Target& target, const ModelSet& models);
+
+// Throws TargetError (noTarget) for what is neither a content nor an edit buffer.
+void requireNamed(const Target& target);
 // Gives a content or an edit buffer another name, in the library's list and inside of its models.
 void renameTarget(EmbeddedEditor& editor, const Target& target, const std::string& name);
 

@@ -90,6 +90,12 @@ std::vector<TargetObject> parseTargetJson(std::string_view text) {
   return objects;
 }
 
+ModelSet modelsFromText(std::string_view text, const Target& target) {
+  const std::vector<TargetObject> objects = parseTargetJson(text);
+  if (objects.size() > 1) throw TargetJsonError("expected one object");
+  return modelsFromJson(objects.front().json, target);
+}
+
 ModelSet modelsFromJson(const nlohmann::ordered_json& json, const Target& target) {
   ModelSet models = freshTarget(target, json.is_object() && hasKeys(json));
   if (const auto error = fromJson(json, models)) throw TargetJsonError(*error);

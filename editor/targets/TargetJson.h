@@ -32,5 +32,7 @@ bool isOfOtherKind(const nlohmann::ordered_json& json, const Target& target);
 
 // The models of a target as that object has them.
 ModelSet modelsFromJson(const nlohmann::ordered_json& json, const Target& target);
+// The same of a text that has one object.
+ModelSet modelsFromText(std::string_view text, const Target& target);
 
 }  // namespace Editor

@@ -39,13 +39,20 @@ constexpr std::string_view kIncoming = "in-";
   throw std::invalid_argument(fmt::format("fault \"{}\": {}", escape(fault), why));
 }
 
+[[noreturn]] void failToName(std::string_view fault, std::string_view name) {
+  if (name.empty()) fail(fault, "expected a name, as in drop=1%,delay=0.05:300");
+  const std::string meant = didYouMean(name, faultNames());
+  fail(fault, "there is none of that name" +
+                  (meant.empty() ? fmt::format(": there are {}", fmt::join(faultNames(), ", ")) : meant));
+}
+
 Fault parseFault(std::string_view text) {
   const std::size_t equals = text.find('=');
   std::string_view name = text.substr(0, equals);
   const auto word = std::ranges::find_if(kWords, [&](const FaultWord& one) {
     return name == one.name || (one.canBeIncoming && name == std::string(kIncoming) + one.name);
   });
-  if (word == kWords.end()) fail(text, fmt::format("there is none of that name{}", didYouMean(name, faultNames())));
+  if (word == kWords.end()) failToName(text, name);
   if (equals == std::string_view::npos) fail(text, "expected its rate behind it, as in drop=0.01 or drop=1%");
   const std::string_view values = text.substr(equals + 1);
   const std::size_t colon = values.find(':');

@@ -36,14 +36,14 @@ void Fetch::hear(std::span<const std::uint8_t> message) {
   if (reading.role == Role::part || reading.role == Role::footer) return;
   const auto unanswered =
       std::ranges::find(unanswered_, *reading.address, [this](std::size_t unit) { return units_[unit]; });
-  if (unanswered == unanswered_.end() || (!isDone() && *reading.address == units_[unit_])) return;
+  if (unanswered == unanswered_.end() || (!areAllTold() && *reading.address == units_[unit_])) return;
   late_.push_back(*unanswered);
   unanswered_.erase(unanswered);
 }
 
 // The instrument is given time behind each unit: to work off what it was asked for last.
 void Fetch::begin(WireTime now) {
-  if (!isDone()) asking_.ask(units_[unit_], now, 0, unit_ > 0 ? pacer_.pauses().behindUnits : WireTime());
+  if (!areAllTold()) asking_.ask(units_[unit_], now, 0, unit_ > 0 ? pacer_.pauses().behindUnits : WireTime());
 }
 
 void Fetch::receive(std::span<const std::uint8_t> bytes, WireTime now) {
@@ -54,6 +54,7 @@ void Fetch::receive(std::span<const std::uint8_t> bytes, WireTime now) {
 }
 
 void Fetch::pass(WireTime now) {
+  if (isStopped_) return;
   if (!std::exchange(hasBegun_, true)) begin(now);
   asking_.pass(now);
   if (std::optional<Asking::Result> result = asking_.takeResult()) heed(*std::move(result), now);
@@ -79,7 +80,10 @@ void Fetch::heed(Asking::Result result, WireTime now) {
 }
 
 void Fetch::stop() {
-  if (!isDone() && asking_.isAsking()) tell(Fetched::State::lost, asking_.giveUp());
+  if (isDone()) return;
+  isStopped_ = true;
+  if (asking_.isAsking()) tell(Fetched::State::lost, asking_.giveUp());
+  pacer_.forgetWaiting();
 }
 
 void Fetch::tell(Fetched::State state, Asking::Result result) {
@@ -106,7 +110,7 @@ void Fetch::tell(Fetched::State state, Asking::Result result) {
 // Nobody is there: the rest is not asked for.
 void Fetch::giveUp(Asking::Result last) {
   tell(Fetched::State::lost, std::move(last));
-  while (!isDone()) {
+  while (!areAllTold()) {
     Asking::Result unasked;
     unasked.isSomebodyThere = false;
     unasked.missing = Answer(units_[unit_], 0).missing();

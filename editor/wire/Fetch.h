@@ -51,15 +51,17 @@ class Fetch final : public WireEnd {
   std::optional<WireTime> due() const override;
   std::span<const std::uint8_t> toSend(WireTime now) override { return pacer_.take(now); }
   void sent(std::size_t count) override { pacer_.sent(count); }
-  bool isDone() const override { return unit_ == units_.size(); }
+  bool isDone() const override { return areAllTold() || (isStopped_ && !pacer_.due()); }
 
-  // The wire is no more: what is just asked for is lost, and told so. Of what comes behind it nothing is told.
+  // Ends it early, or the wire is no more: what is just asked for is lost, and told so. Of what comes behind it nothing
+  // is told. A request that has begun goes out to its end.
   void stop();
 
   // Units that were told empty by silence, or lost, and of which a header or a single dump has come since.
   const std::vector<std::size_t>& late() const { return late_; }
 
  private:
+  bool areAllTold() const { return unit_ == units_.size(); }
   void hear(std::span<const std::uint8_t> message);
   void begin(WireTime now);
   void heed(Asking::Result result, WireTime now);
@@ -72,6 +74,7 @@ class Fetch final : public WireEnd {
   Asking asking_;
   std::size_t unit_ = 0;
   bool hasBegun_ = false;
+  bool isStopped_ = false;
   bool hasAnswered_ = false;             // before
   unsigned silences_ = 0;                // nobody was there, one after the other
   std::vector<std::size_t> unanswered_;  // those of which it was told that nothing came, and nothing has since

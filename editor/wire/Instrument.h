@@ -51,6 +51,8 @@ class Instrument final : public WireEnd, private StreamJoiner::Receiver {
         pacer_(std::move(pacer)),
         faults_(options.faults, options.seed),
         joiner_(*this, kLongest) {}
+  // The library has room again where it was a fault that had none.
+  ~Instrument() override { editor_.library().setRoom(std::nullopt); }
 
   // Throws LibraryError when the library fails: the message has changed nothing.
   void receive(std::span<const std::uint8_t> bytes, WireTime now) override;

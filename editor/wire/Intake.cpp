@@ -27,6 +27,7 @@ Intake::Result Intake::store(const std::vector<Messages>& units) {
       return result;
   }
   run.commit();
+  editor_.library().takeChanges();  // or the next message would be told to have made them
   return result;
 }
 

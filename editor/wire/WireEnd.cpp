@@ -11,7 +11,9 @@ namespace {
 // Sends and waits once.
 class Turn {
  public:
-  Turn(WireEnd& end, Port& port) : end_(end), port_(port) {}
+  enum class For : std::uint8_t { all, sending };
+
+  Turn(WireEnd& end, Port& port, For purpose) : end_(end), port_(port), purpose_(purpose) {}
 
   // What has arrived, once there is nothing to send at once.
   std::span<const std::uint8_t> operator()() {
@@ -21,7 +23,7 @@ class Turn {
       const std::span<const std::uint8_t> bytes = end_.toSend(now);
       if (bytes.empty()) {
         stuckSince_.reset();
-        if (end_.isDone()) return {};
+        if (end_.isDone() || (purpose_ == For::sending && !end_.due())) return {};
         return port_.wait(end_.due(), false);
       }
       const std::size_t count = port_.send(bytes);
@@ -44,13 +46,14 @@ class Turn {
 
   WireEnd& end_;
   Port& port_;
+  const For purpose_;
   std::optional<WireTime> stuckSince_;  // it takes nothing of what is there for it
 };
 
 }  // namespace
 
 void run(WireEnd& end, Port& port, const std::function<bool()>& isStopped) {
-  Turn turn(end, port);
+  Turn turn(end, port, Turn::For::all);
   std::uint64_t dropped = 0;
   end.pass(port.now());
   while (!end.isDone() && !isStopped()) {
@@ -64,7 +67,7 @@ void run(WireEnd& end, Port& port, const std::function<bool()>& isStopped) {
 }
 
 void sendRest(WireEnd& end, Port& port, const std::function<bool()>& isStopped) {
-  Turn turn(end, port);
+  Turn turn(end, port, Turn::For::sending);
   while (end.due() && !isStopped()) turn();
   port.drain();
 }

@@ -24,14 +24,8 @@ std::unique_ptr<EmbeddedEditor> editorOf(const InputFile& input, const char* ver
     const Reading reading = readMessage(message.bytes);
     if (reading.kind != Reading::Kind::foreign) {
       const Record record = editor->handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
-      // A request is only for what it does to a unit that is open.
-      if (record.outcome == Outcome::refused && reading.kind != Reading::Kind::request)
-        complain(fmt::format("refused: {}", escape(record.reasonInCommon)),
-                 fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
-      if (isSilentlyBroken(record))
-        complain(wordOf(reading.verdict), fmt::format("{}: {}", placeOf(message), describeFault(reading)));
-      for (const UnitReport& unit : record.ended)
-        if (isBroken(unit)) complain(wordOf(unit.state), fmt::format("{}: {}", placeOf(message), describeUnit(unit)));
+      for (const MessageFault& fault : faultsOf(record))
+        complain(fault.kind, fmt::format("{}: {}", placeOf(message), fault.text));
       repeated.add(message, record);
     }
     progress.step(message.bytes.size());

@@ -96,7 +96,7 @@ std::string InputStream::judge(const File& file) const {
     OpenFile source(*file.stream, true);
     if (takes_ != Takes::jsonToo || !isJson(source))
       if (const FileJudgement judgement = judgeFile(source); !judgement.isUsable())
-        throw NotMessages(whyNoMessages(file.name, judgement.hasMessage(), judgement.kind()), judgement.isCut());
+        throw NotMessages(fmt::format("{}: {}", displayName(file.name), judgement.whyUnusable()), judgement.isCut());
     if (::lseek(::fileno(file.stream.get()), 0, SEEK_SET) != 0) throw ReadError(reasonOf(errno));
     return {};
   } catch (const ReadError& error) {
@@ -119,7 +119,7 @@ std::vector<std::string> InputStream::read(const VisitMessage& visitMessage, con
       }
       const FileJudgement judgement = reader.read(source, file.name);
       if (!file.isPlain && !judgement.isUsable())
-        problems.push_back(whyNoMessages(file.name, judgement.hasMessage(), judgement.kind()));
+        problems.push_back(fmt::format("{}: {}", displayName(file.name), judgement.whyUnusable()));
     } catch (const ReadError& error) {
       problems.push_back(fmt::format("{}: {}", displayName(file.name), error.what()));
     }
@@ -135,11 +135,6 @@ std::uint64_t InputStream::size() const {
   std::uint64_t size = 0;
   for (const File& file : files_) size += file.size;
   return isLive() ? 0 : size;
-}
-
-std::string whyNoMessages(const std::string& file, bool hasForeign, const std::string& kind) {
-  return fmt::format("{}: no System Exclusive message in it{}: it seems to be {}", displayName(file),
-                     hasForeign ? " for this instrument" : "", kind);
 }
 
 std::string displayName(const std::string& file) { return file == "-" ? "standard input" : escape(file); }

@@ -70,9 +70,6 @@ class InputStream {
 // The name of a file for people: "standard input" for "-", without control characters.
 std::string displayName(const std::string& file);
 
-// That a file holds no messages, or only those of other makers; `kind` is what it seems to be.
-std::string whyNoMessages(const std::string& file, bool hasForeign, const std::string& kind);
-
 // "a.syx: message 7 at offset 1200", the beginning of every line about a message.
 std::string placeOf(const InputMessage& message);
 

@@ -10,6 +10,7 @@
 #include "messages/Text.h"
 #include "midi/HexText.h"
 #include "midi/MidiFile.h"
+#include "targets/TargetChanges.h"
 
 namespace Editor {
 
@@ -42,11 +43,10 @@ std::string takeAddress(std::string_view& line) {
 std::string parseLine(std::string_view line, RenameRow& row) {
   try {
     row.target = parseTarget(takeAddress(line));
+    requireNamed(row.target);
   } catch (const TargetError& error) {
     return error.what();
   }
-  if (row.target.kind == Target::Kind::system || row.target.kind == Target::Kind::additional)
-    return fmt::format("{} has no name", row.target.name);
   if (line.empty()) return fmt::format("expected a name behind {}", row.target.name);
   if (line.size() > 1 && line.front() == '"' && line.back() == '"') return "a name stands here without quotes";
   row.name = line;

@@ -6,9 +6,8 @@
 #include "input/InputStream.h"
 #include "messages/Text.h"
 #include "midi/MidiFile.h"
-#include "targets/CarryCheck.h"
+#include "targets/TargetChanges.h"
 #include "targets/TargetJson.h"
-#include "targets/TargetModels.h"
 #include "verbs/Verbs.h"
 
 namespace Editor {
@@ -21,10 +20,7 @@ ModelSet readModels(const std::string& file, const Target& target) {
   const auto bytes = loadBytes(file, why);
   if (!bytes) throw Failure(kUnusableInput, fmt::format("{}: {}", name, why));
   try {
-    const std::vector<TargetObject> objects =
-        parseTargetJson({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
-    if (objects.size() > 1) throw TargetJsonError("expected one object");
-    return modelsFromJson(objects.front().json, target);
+    return modelsFromText({reinterpret_cast<const char*>(bytes->data()), bytes->size()}, target);
   } catch (const TargetJsonError& error) {
     throw Failure(kUnusableInput, fmt::format("{}: {}", name, escape(error.what())));
   }
@@ -40,10 +36,8 @@ void apply(Words words, const ChangeOptions& options, Program& program) {
   const Target target = parseOneTarget(words);
   const ModelSet models = readModels(file, target);
   ChangeRun run(program, {"apply", {file}}, options);
-  const CarryCheck check = checkCarried(target, models);
-  if (!check.refusal.empty()) throw Failure(kRefused, fmt::format("{}: {}", target.name, check.refusal));
-  storeTarget(run.editor(), target, models);
-  if (!check.unchecked.empty()) program.console.note(fmt::format("{}: {}", target.name, check.unchecked));
+  if (const std::string unchecked = applyTarget(run.editor(), target, models); !unchecked.empty())
+    program.console.note(fmt::format("{}: {}", target.name, unchecked));
   run.keep();
 }
 

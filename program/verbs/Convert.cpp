@@ -7,9 +7,8 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "convert/Conversion.h"
 #include "convert/FileFormat.h"
-#include "convert/Placing.h"
-#include "convert/Selection.h"
 #include "convert/UnitFileJson.h"
 #include "convert/UnitFiles.h"
 #include "input/InputStream.h"
@@ -50,20 +49,19 @@ void takeFilesFrom(Words& select, Words& files) {
   select = std::move(joined);
 }
 
-class Converting {
+class Converting final : private Conversion::Listener {
  public:
   Converting(const Words& files, const ConvertOptions& options, Program& program)
       : options_(options), program_(program), console_(program.console), input_(files, InputStream::Takes::jsonToo) {}
 
   void run() {
-    if (!options_.place.empty()) destinations_ = parseDestinations(options_.place);
-    const Selection selection(options_.select);
+    const Conversion conversion({options_.select, options_.place, options_.device});
     read();
-    if (!options_.select.empty()) select(selection);
-    place();
-    if (options_.device)
-      for (Batch::Message& message : batch_.messages) setDevice(message.bytes, *options_.device);
-    if (batch_.messages.empty()) throw Failure(kRefused, "no message is left, nothing is written");
+    try {
+      conversion.apply(batch_, models_, *this);
+    } catch (const ConversionError& error) {
+      throw failureOf(error);
+    }
     options_.directory.empty() ? writeOne() : split();
   }
 
@@ -93,97 +91,31 @@ class Converting {
     }
   }
 
-  void select(const Selection& selection) {
-    const Selection::Result result = selection.apply(batch_);
-    for (const std::string& word : result.notFound) {
-      console_.problem(fmt::format("{}: there is none in the files", word));
-      program_.refuse();
+  static Failure failureOf(const ConversionError& error) {
+    switch (error.kind()) {
+      case ConversionError::Kind::refused:
+        return {kRefused, error.what()};
+      case ConversionError::Kind::unusable:
+        return {kUnusableInput, error.what()};
+      case ConversionError::Kind::noPlace:
+        break;
     }
-    if (result.tamesTrigger) tellTamed();
-    tellBroken();
+    return {kWrongUsage, fmt::format("{}: --place says where it goes", error.what())};
   }
 
-  // What is broken, units and messages. Nothing is written of units where they count; else all go along like any other.
-  void tellBroken() {
+  void missing(const std::string& text) override {
+    console_.problem(text);
+    program_.refuse();
+  }
+  // Nothing is written of units where they count; else all go along like any other.
+  void broken(const std::vector<MessageFault>& faults) override {
     Complaints complaints(console_);
-    for (const UnitReport& unit : batch_.broken) {
-      complaints.tell(wordOf(unit.state), describeUnit(unit));
-      program_.refuse();
-    }
-    for (const Batch::BrokenMessage& message : batch_.brokenMessages) {
-      complaints.tell(message.isFileDump ? "broken file dump" : "broken message",
-                      fmt::format("{}: broken (message {}): {}",
-                                  message.address ? nameOrBytes(*message.address) : "of no known type", message.message,
-                                  message.why));
-      program_.refuse();
-    }
+    for (const MessageFault& fault : faults) complaints.tell(fault.kind, fault.text);
     complaints.finish();
+    if (!faults.empty()) program_.refuse();
   }
-
-  void tellTamed() { console_.note("a trigger that removes all mixing voices has become one that only writes"); }
-
-  void place() {
-    const bool hasJson = std::any_of(batch_.units.begin(), batch_.units.end(),
-                                     [](const Batch::Unit& unit) { return unit.form == Form::json; });
-    if (options_.place.empty() && !hasJson) return;
-    if (!options_.place.empty()) requirePlaces();
-    Placing placing(batch_, models_);
-    for (std::size_t i = 0; i < batch_.units.size(); ++i) {
-      Interruptible::check();
-      Batch::Unit& unit = batch_.units[i];
-      if (options_.place.empty() && unit.form != Form::json) continue;
-      if (options_.place.empty() && unit.place.empty())
-        throw Failure(kWrongUsage,
-                      fmt::format("{}: JSON that does not say its target: --place says where it goes", unit.source));
-      if (!options_.place.empty()) unit.from = unit.place;
-      placeUnit(placing, i, options_.place.empty() ? parseDestinations(unit.target).front() : destinations_[i]);
-    }
-    placing.finish();
-  }
-
-  void placeUnit(Placing& placing, std::size_t unit, const Destination& to) {
-    const std::string source = batch_.units[unit].source;
-    try {
-      tellLeftOut(placing.place(unit, to), to.target.name);
-    } catch (const TargetJsonError& error) {
-      throw Failure(kUnusableInput, fmt::format("{}: {}: {}", source, to.target.name, escape(error.what())));
-    } catch (const TargetError& error) {
-      if (source.empty()) throw;
-      throw TargetError(error.kind(), fmt::format("{}: {}", source, error.what()));
-    }
-  }
-
-  void tellLeftOut(Placing::LeftOut leftOut, const std::string& place) {
-    constexpr std::size_t kMostTold = 3;
-    if (const std::size_t count = leftOut.parameters.size(); count > 0) {
-      leftOut.parameters.resize(std::min(count, kMostTold));
-      console_.problem(fmt::format("{}: no message carries {}: {}{}", place, counted(count, "parameter"),
-                                   fmt::join(leftOut.parameters, ", "), count > kMostTold ? " ..." : ""));
-      program_.refuse();
-    }
-    if (!leftOut.name.empty()) {
-      console_.problem(
-          fmt::format("{}: no message carries the name of its file dump: \"{}\"", place, showName(leftOut.name)));
-      program_.refuse();
-    }
-  }
-
-  // One unit a place, and each of them whole.
-  void requirePlaces() {
-    const std::size_t units = batch_.units.size();
-    if (options_.select.empty()) tellBroken();
-    const bool isFileDumpBroken = std::any_of(batch_.brokenMessages.begin(), batch_.brokenMessages.end(),
-                                              [](const Batch::BrokenMessage& message) { return message.isFileDump; });
-    if (!batch_.broken.empty() || isFileDumpBroken)
-      throw Failure(kRefused, "only whole units can be placed, nothing is written");
-    if (units == 0) throw Failure(kUnusableInput, "no unit that could be placed, nothing is written");
-    if (units > destinations_.size())
-      throw Failure(kUnusableInput, fmt::format("{} for {} ({}), nothing is written", counted(units, "unit"),
-                                                counted(destinations_.size(), "place"), options_.place));
-    if (units < destinations_.size())
-      console_.note(fmt::format("{} for {}: the first of them are taken", counted(units, "unit"),
-                                counted(destinations_.size(), "place")));
-  }
+  void note(const std::string& text) override { console_.note(text); }
+  void placing() override { Interruptible::check(); }
 
   void writeOne() {
     const std::optional<WrittenFile> file =
@@ -223,7 +155,7 @@ class Converting {
 
   void split() {
     if (!options_.place.empty()) tellMoved();
-    if (options_.select.empty() && options_.place.empty()) tellBroken();
+    if (options_.select.empty() && options_.place.empty()) broken(faultsIn(batch_));
     std::error_code error;
     std::filesystem::create_directories(options_.directory, error);
     if (std::error_code unknown; !std::filesystem::is_directory(options_.directory, unknown))
@@ -294,7 +226,6 @@ class Converting {
   Console& console_;
   const Interruptible interruptible_;
   InputStream input_;
-  std::vector<Destination> destinations_;
   UnitModels models_;
   FileNames names_;
   Batch batch_;

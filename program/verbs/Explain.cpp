@@ -51,7 +51,7 @@ MessageFile loadMessages(const std::string& path) {
   std::optional<std::vector<std::uint8_t>> bytes = loadBytes(path, error);
   if (!bytes) throw Failure(kUnusableInput, fmt::format("{}: {}", displayName(path), error));
   MessageFile file(std::move(*bytes));
-  if (!file.isUsable()) throw Failure(kUnusableInput, whyNoMessages(path, file.countMessages() != 0, file.describe()));
+  if (!file.isUsable()) throw Failure(kUnusableInput, fmt::format("{}: {}", displayName(path), file.whyUnusable()));
   return file;
 }
 

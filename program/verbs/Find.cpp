@@ -13,7 +13,6 @@
 #include "find/Search.h"
 #include "input/InputFile.h"
 #include "input/Sources.h"
-#include "messages/Nearest.h"
 #include "messages/Text.h"
 #include "midi/Counted.h"
 #include "models/ModelJson.h"
@@ -25,14 +24,6 @@
 namespace Editor {
 
 namespace {
-
-std::optional<ContentKind> parseKind(const std::string& word) {
-  const std::optional<ContentKind> kind = findContentKind(word);
-  if (!kind && !word.empty())
-    throw Failure(kWrongUsage, fmt::format("\"{}\": expected one of {}{}", escape(word),
-                                           fmt::join(contentKindWords(), ", "), didYouMean(word, contentKindWords())));
-  return kind;
-}
 
 std::uint64_t sizeOf(const std::vector<Source>& sources) {
   return std::accumulate(sources.begin(), sources.end(), std::uint64_t{0},
@@ -50,7 +41,7 @@ class Finding {
         names_(program.parameterNames()) {
     // What is used wrongly is told before anything is opened.
     for (const std::string& term : terms) wanted_.names.emplace_back(term);
-    wanted_.kind = parseKind(options.kind);
+    if (!options.kind.empty()) wanted_.kind = contentKindNamed(options.kind);
     for (const std::string& condition : options.conditions)
       wanted_.conditions.emplace_back(condition, names_, wanted_.kind);
     wanted_.onlyFavourites = options.favourite;

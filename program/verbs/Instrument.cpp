@@ -69,6 +69,7 @@ class Serving final : public Instrument::Observer {
       if (!serve(*port, instrument)) failure = Failure(kInterrupted, "interrupted");
     } catch (const PortError& gone) {
       failure = Failure(kWrongUsage, gone.what());
+      if (instrument.due()) console_.problem("not all that it answered has gone out");
     } catch (const LibraryError& error) {
       failure =
           Failure(kWrongUsage, fmt::format("the library failed, nothing more is handled: {}", escape(error.what())));

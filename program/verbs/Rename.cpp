@@ -18,8 +18,7 @@ RenameRow rowOf(const Words& words) {
   if (joinAddresses(address).size() > 1)
     throw Failure(kWrongUsage, "expected one address and one name: a name with blanks stands in quotes");
   const Target target = parseOneTarget(address);
-  if (target.kind == Target::Kind::system || target.kind == Target::Kind::additional)
-    throw Failure(kWrongUsage, fmt::format("{} has no name", target.name));
+  requireNamed(target);
   return {1, target, words.back()};
 }
 

@@ -37,7 +37,7 @@ std::optional<Library::Bytes> libraryFor(const Replay& transcript, const std::st
   const std::string name = transcript.libraryName();
   throw Failure(kUnusableInput, name.empty() ? "nothing in it was handed to a library: there is nothing to replay"
                                              : fmt::format("it does not hold the library that it met ({}): name one "
-                                                           "that is as that was, with --from-library",
+                                                           "that is as that was, with --from-library or --library",
                                                            escape(name)));
 }
 

@@ -1,5 +1,7 @@
 // The verb restore: messages into the library, all of them or none.
 
+#include "history/Restore.h"
+
 #include <fmt/format.h>
 
 #include <map>
@@ -7,10 +9,8 @@
 #include <set>
 
 #include "compare/Compare.h"
-#include "history/History.h"
 #include "input/InputFile.h"
 #include "messages/Text.h"
-#include "messages/Verification.h"
 #include "midi/Counted.h"
 #include "output/ChangeLines.h"
 #include "output/Complaints.h"
@@ -38,14 +38,13 @@ class Restoring {
     verify();
     if (!options_.dryRun) {
       const std::unique_ptr<EmbeddedEditor> editor = program_.openToChange(run_);
-      EmbeddedEditor::Run run(*editor, Library::Transaction::Access::Write, devices());
-      receive(*editor, "restore");
-      run.settle();
-      const std::vector<PlaceChange> changes = changesOfRun(editor->library());
-      if (dumps_ > 0) run.commit();
+      Restore restore(*editor, devices());
+      receive(*editor, restore, "restore");
+      const std::vector<PlaceChange> changes = restore.settle();
+      restore.commit();
       if (!changes.empty()) program_.noteChange();
       tell(changes);
-      tellTally(editor->library().takeChanges(), changes);
+      tellTally(restore, changes);
     } else if (program_.hasLibrary()) {
       rehearse(*program_.openToRead());
     } else {
@@ -67,37 +66,33 @@ class Restoring {
   void verify() {
     Complaints complaints(console_);
     Verification verification;
-    const auto judge = [&](const std::vector<UnitReport>& units, const std::string& place) {
-      for (const UnitReport& unit : units)
-        if (isBroken(unit)) complaints.tell(wordOf(unit.state), fmt::format("{}: {}", place, describeUnit(unit)));
+    const auto tell = [&](const std::vector<MessageFault>& faults, const std::string& place) {
+      for (const MessageFault& fault : faults) complaints.tell(fault.kind, fmt::format("{}: {}", place, fault.text));
     };
     input_.forEachMessage([&](const InputMessage& message) {
       const Reading reading = readMessage(message.bytes);
-      if (isBroken(reading))
-        complaints.tell(wordOf(reading.verdict), fmt::format("{}: {}", placeOf(message), describeFault(reading)));
-      judge(verification.next(reading, message.number), placeOf(message));
+      tell(faultsIn(reading), placeOf(message));
+      tell(faultsIn(verification.next(reading, message.number)), placeOf(message));
     });
-    for (const UnitReport& unit : verification.finish()) judge({unit}, input_.place(unit.firstMessage));
+    for (const UnitReport& unit : verification.finish())
+      tell(faultsIn(std::vector{unit}), input_.place(unit.firstMessage));
     complaints.finish();
     if (!input_.isWhole() || !verification.areAllWhole()) giveUp();
     if (!verification.isAnyOurs())
       throw Failure(kUnusableInput, "no message is for this instrument: nothing is restored");
   }
 
-  void receive(EmbeddedEditor& editor, const char* verb) {
+  void receive(EmbeddedEditor& editor, Restore& restore, const char* verb) {
     Progress progress(console_, verb, "message", messages_);
     RepeatedPlaces repeated(editor, console_);
     input_.forEachMessage([&](const InputMessage& message) {
       const Reading reading = readMessage(message.bytes);
-      if (reading.kind == Reading::Kind::dump) {
-        ++dumps_;
-        const Record record = handle(editor, reading, message, repeated);
-        if (record.outcome == Outcome::refused) {
-          console_.problem(
-              fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record.reason)));
-          if (record.report.refusal == BDA::BulkDumpRefusal::wrongDeviceNumber) tellOtherDevices(editor);
-          giveUp(record.libraryFailed ? kWrongUsage : kRefused);
-        }
+      const std::optional<Record> record = take(restore, reading, message, repeated);
+      if (record && record->outcome == Outcome::refused) {
+        console_.problem(
+            fmt::format("{}: refused: {}: {}", placeOf(message), describeContent(reading), escape(record->reason)));
+        if (record->report.refusal == BDA::BulkDumpRefusal::wrongDeviceNumber) tellOtherDevices(editor);
+        giveUp(record->libraryFailed ? kWrongUsage : kRefused);
       }
       progress.step(message.bytes.size());
     });
@@ -105,8 +100,8 @@ class Restoring {
     for (const UnitReport& unit : editor.openUnits())
       console_.problem(fmt::format("{}: {}", input_.place(unit.firstMessage), describeUnit(unit)));
     if (!editor.openUnits().empty()) giveUp();
-    if (dumps_ < messages_)
-      console_.note(fmt::format("{} of {} messages are no dumps: ignored", messages_ - dumps_, messages_));
+    if (const std::uint64_t others = messages_ - restore.dumps(); others > 0)
+      console_.note(fmt::format("{} of {} messages are no dumps: ignored", others, messages_));
   }
 
   void tellOtherDevices(EmbeddedEditor& editor) const {
@@ -118,11 +113,11 @@ class Restoring {
     others.tell(console_, editor.isDeviceOff() ? OtherDevices::WayOut::option : OtherDevices::WayOut::optionOrSetting);
   }
 
-  static Record handle(EmbeddedEditor& editor, const Reading& reading, const InputMessage& message,
-                       RepeatedPlaces& repeated) {
+  static std::optional<Record> take(Restore& restore, const Reading& reading, const InputMessage& message,
+                                    RepeatedPlaces& repeated) {
     try {
-      Record record = editor.handle(reading, message.bytes, BDA::DevicePort_Main, message.number);
-      repeated.add(message, record);
+      std::optional<Record> record = restore.take(reading, message);
+      if (record) repeated.add(message, *record);
       return record;
     } catch (const LibraryError& error) {
       throw Failure(kWrongUsage, fmt::format("{}: {}; nothing is restored", placeOf(message), escape(error.what())));
@@ -140,19 +135,10 @@ class Restoring {
     tellChanges(changes, options_, console_);
   }
 
-  void tellTally(const std::vector<Change>& handed, const std::vector<PlaceChange>& changes) const {
-    std::set<std::string> received;
-    for (const Change& change : handed)
-      if (change.place.kind == Place::Kind::content && change.what != What::renamed)
-        received.insert(nameOf(change.place));
-    std::size_t removed = 0;
-    std::size_t stored = 0;
-    for (const PlaceChange& change : changes)
-      if (received.contains(change.place) && change.what != What::flagged)
-        ++(change.what == What::removed ? removed : stored);
-    const std::size_t same = received.size() - stored - removed;
+  void tellTally(Restore& restore, const std::vector<PlaceChange>& changes) const {
+    const auto [stored, removed, same] = restore.tally(changes);
     console_.note(fmt::format("{}: {}, {} stored, {} removed{}", options_.dryRun ? "would be restored" : "restored",
-                              counted(dumps_, "message"), counted(stored, "content"), removed,
+                              counted(restore.dumps(), "message"), counted(stored, "content"), removed,
                               same == 0 ? "" : fmt::format(", {} as they were", same)));
   }
 
@@ -162,12 +148,11 @@ class Restoring {
     EmbeddedEditor copy;
     copy.library().copyFrom(library.library());
     copy.library().beginRun(run_);
-    EmbeddedEditor::Run run(copy, Library::Transaction::Access::Write, devices());
-    receive(copy, "dry run");
-    run.settle();
-    const std::vector<PlaceChange> changes = changesOfRun(copy.library());
+    Restore restore(copy, devices());
+    receive(copy, restore, "dry run");
+    const std::vector<PlaceChange> changes = restore.settle();
     if (options_.json) return tellChanges(changes, options_, console_);
-    run.commit();           // to the copy
+    restore.commit();       // to the copy
     copy.tools().reload();  // what is damaged stays so
     // What the messages do not touch is none of this verb's business.
     for (EmbeddedEditor* const one : {&library, &copy}) one->library().leaveOutUnread([](const Library::Unread&) {});
@@ -186,7 +171,7 @@ class Restoring {
       tell(change, sounds[change.target], overDamage.contains(change.target) ? kOverDamage : "");
     });
     if (!isAnyTold) console_.note("nothing would change");
-    tellTally(copy.library().takeChanges(), changes);
+    tellTally(restore, changes);
   }
 
   // `sounds`: which is replaced by which.
@@ -219,7 +204,6 @@ class Restoring {
   const InputFile input_;
   const Interruptible interruptible_;  // until everything is told and closed
   const std::uint64_t messages_;
-  std::uint64_t dumps_ = 0;
 };
 
 }  // namespace

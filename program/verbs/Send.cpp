@@ -3,7 +3,6 @@
 #include "wire/Send.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -13,7 +12,6 @@
 #include <optional>
 #include <utility>
 
-#include "convert/InEditBuffers.h"
 #include "input/InputStream.h"
 #include "input/OpenPort.h"
 #include "messages/Text.h"
@@ -27,7 +25,7 @@
 #include "verbs/Verbs.h"
 #include "wire/LibraryBatch.h"
 #include "wire/SendJson.h"
-#include "wire/SendPlan.h"
+#include "wire/Sendable.h"
 
 namespace Editor {
 
@@ -57,18 +55,15 @@ class Sending {
   TranscriptFile& transcript() { return transcript_; }
 
   void run(Batch batch) {
-    refuseBroken(batch);
-    if (options_.toEditBuffer) placeInBuffers(batch);
-    const SendPlan plan(batch);
-    if (plan.leftOut > 0)
-      console_.note(fmt::format("{} left out: no dumps for this instrument", counted(plan.leftOut, "message")));
-    if (plan.units.empty()) throw Failure(kUnusableInput, "no dump for this instrument: nothing is sent");
-    if (plan.devices.size() > 1 && (options_.verify || options_.changed))
-      throw Failure(
-          kUnusableInput,
-          fmt::format("its messages are for different devices ({}): nobody can be asked for them, nothing is sent",
-                      fmt::join(plan.devices, ", ")));
-    options_.dryRun ? rehearse(plan) : send(plan);
+    const Sendable sendable =
+        sendableOf(std::move(batch), {options_.toEditBuffer, options_.verify || options_.changed});
+    Complaints complaints(console_);
+    for (const MessageFault& fault : sendable.faults) complaints.tell(fault.kind, fault.text);
+    complaints.finish();
+    for (const std::string& words : sendable.leftOut) console_.note(words);
+    if (sendable.why != Sendable::Why::isSent)
+      throw Failure(sendable.why == Sendable::Why::isBroken ? kRefused : kUnusableInput, sendable.words);
+    options_.dryRun ? rehearse(*sendable.plan) : send(*sendable.plan);
   }
 
   // The words are files, or places of the library.
@@ -114,33 +109,6 @@ class Sending {
     Batch batch = batchOf(*editor, parseAddresses(words), triggers, complain);
     complaints.finish();
     return batch;
-  }
-
-  void refuseBroken(const Batch& batch) {
-    Complaints complaints(console_);
-    for (const UnitReport& unit : batch.broken) complaints.tell(wordOf(unit.state), describeUnit(unit));
-    for (const Batch::BrokenMessage& message : batch.brokenMessages)
-      complaints.tell("broken message",
-                      fmt::format("{}: broken (message {}): {}",
-                                  message.address ? nameOrBytes(*message.address) : "of no known type", message.message,
-                                  message.why));
-    const std::vector<std::size_t> unwritten = options_.toEditBuffer ? std::vector<std::size_t>() : unwrittenIn(batch);
-    for (const std::size_t unit : unwritten)
-      complaints.tell("without a write trigger",
-                      fmt::format("{}: its file dump has no write trigger: the instrument would not store it",
-                                  batch.units[unit].place));
-    complaints.finish();
-    if (!batch.broken.empty() || !batch.brokenMessages.empty() || !unwritten.empty())
-      throw Failure(kRefused, "it is not whole: nothing is sent");
-  }
-
-  void placeInBuffers(Batch& batch) {
-    const InEditBuffers placed = placeInEditBuffers(batch);
-    if (!placed.takenTwice.empty())
-      throw Failure(kUnusableInput,
-                    fmt::format("{} would be overwritten by a second one: nothing is sent", placed.takenTwice));
-    if (placed.leftOut > 0)
-      console_.note(fmt::format("{} left out: no edit buffer takes them", counted(placed.leftOut, "message")));
   }
 
   void tellPlan(const SendPlan& plan, Pace pace) {

@@ -44,8 +44,12 @@ class FindInterrupted : public Program {
     for (unsigned long caught = 0; (caught & kInterrupt) == 0;) {
       std::ifstream status("/proc/" + std::to_string(child_) + "/status");
       std::string word;
-      while (status >> word)
+      while (status >> word) {
         if (word == "SigCgt:") status >> std::hex >> caught;
+        if (word == "State:") {
+          ASSERT_TRUE(status >> word && word != "Z") << "it has ended";
+        }
+      }
     }
   }
   // Until it has told so much that it waits for somebody to read.

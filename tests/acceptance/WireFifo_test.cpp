@@ -112,6 +112,21 @@ TEST_F(WireFifo, twoAtAPairOfThemMeet) {
   EXPECT_EQ(library().contents().size(), 1u);
 }
 
+TEST_F(WireFifo, anAnswerThatIsNotOutWhenItsAskerGoesIsTold) {
+  fillInstrument();
+  Serving instrument = start("instrument --on ./down,./up --pace 100 --library instrument.db");
+  const int asker = ::open((directory / "down").c_str(), O_WRONLY | O_CLOEXEC);
+  const int reader = ::open((directory / "up").c_str(), O_RDONLY | O_CLOEXEC);
+  const std::string asked = text(request({0x0E, 0x7F, 0x00}));
+  EXPECT_EQ(::write(asker, asked.data(), asked.size()), ssize_t(asked.size()));
+  char first = 0;
+  EXPECT_EQ(::read(reader, &first, 1), 1);
+  ::close(asker);
+  EXPECT_EQ(instrument.wait(), 1);
+  ::close(reader);
+  EXPECT_THAT(instrument.told, AllOf(HasSubstr("not all that it answered has gone out"), HasSubstr("it has hung up")));
+}
+
 TEST_F(WireFifo, isNoPlaceForAnyOtherOutput) {
   const std::vector<std::vector<std::string>> runs{
       {"send", "master.syx", "--to", "./up", "--transcript", "up"},

@@ -222,6 +222,18 @@ TEST_F(Wire, whatStillHasToGoOutAtTheEndOfTheInputGoesOut) {
   EXPECT_EQ(answered.out, answers);
 }
 
+TEST_F(Wire, whatIsPacedAtTheEndOfTheInputGoesOutToItsEnd) {
+  fillInstrument();
+  const std::string asked = text(request({0x0E, 0x7F, 0x00}));
+  const Result atOnce = bda({"instrument", "--on", "-", "-q", "--library", directory / "instrument.db"}, asked);
+  EXPECT_THAT(atOnce.out, StartsWith("\xF0"));
+  for (const char* const how : {"--pace=cable", "--pause=10", "--faults=delay=1:1"}) {
+    const Result later = bda({"instrument", "--on", "-", how, "-q", "--library", directory / "instrument.db"}, asked);
+    EXPECT_THAT(later, Exits(0)) << how;
+    EXPECT_EQ(later.out, atOnce.out) << how;
+  }
+}
+
 TEST_F(Wire, silenceThatWasNotAskedTwiceMayBeALoss) {
   fillInstrument();
   Serving instrument = serve();

@@ -1,15 +1,20 @@
-# cmake -DBUILD=... -DPREFIX=... -DWORK=... -P components.cmake: the three components, each by itself, are what is
+# cmake -DBUILD=... -DPREFIX=... -DWORK=... -P components.cmake: the components, each by itself, are what is
 # installed at once; they share the licence and nothing else.
 cmake_minimum_required(VERSION 3.25)
 set(runtime "lib/libbda(-platform)?[.]so[.][0-9.]+")
-set(program "bin/bda|lib/libbda-editor[.]so[.][0-9.]+|share/man/man1/bda[.]1|share/bash-completion/completions/bda")
+set(program "bin/bda|share/man/man1/bda[.]1|share/bash-completion/completions/bda")
 string(APPEND program "|share/zsh/vendor-completions/_bda|share/bda/bda[.](schema[.]json|ksy)")
-set(development "include/bda/.+[.]h|lib/[^/]+[.]so|lib/pkgconfig/[^/]+[.]pc|lib/cmake/bda/[^/]+[.]cmake")
+set(development "include/bda/.+[.]h|lib/libbda(-platform)?[.]so|lib/pkgconfig/bda(-platform)?[.]pc")
+string(APPEND development "|lib/cmake/bda/bda(Config|ConfigVersion|SameMinorVersion|-targets(-[a-z]+)?)[.]cmake")
+set(editor-runtime "lib/libbda-editor[.]so[.][0-9.]+")
+set(editor-development "include/bda/editor[.]h|lib/libbda-editor[.]so|lib/pkgconfig/bda-editor[.]pc")
+string(APPEND editor-development "|lib/cmake/bda/bda-editor-targets(-[a-z]+)?[.]cmake")
+set(python "lib/python3/dist-packages/bda/([a-z_]+[.]py|py[.]typed|(editor|version)[.]h)")
 set(licence "share/doc/bda/LICENSE")
 
 file(REMOVE_RECURSE ${WORK})
 set(together)
-foreach(component IN ITEMS runtime program development)
+foreach(component IN ITEMS runtime development editor-runtime editor-development program python)
   execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/${component} --component ${component}
                   OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
   file(GLOB_RECURSE files RELATIVE ${WORK}/${component} ${WORK}/${component}/*)

@@ -20,14 +20,17 @@ TEST(InEditBuffers, eachUnitGoesToTheOneOfItsKindAndTheRestStays) {
   Batch batch = batchOf({kVoice, {blockDump({0, 0, 0})}, kMaster, {request({0, 0, 0})}});
   const InEditBuffers placed = placeInEditBuffers(batch);
   EXPECT_THAT(placesOf(batch), ElementsAre("voice:edit", "master:edit"));
-  EXPECT_EQ(placed.takenTwice, "");
+  EXPECT_FALSE(placed.clash);
   EXPECT_EQ(placed.leftOut, 1u) << "the system block";
   EXPECT_EQ(batch.messages.size(), kVoice.size() + kMaster.size() + 1);
 }
 
 TEST(InEditBuffers, aSecondUnitOfAKindHasNoPlace) {
   Batch batch = batchOf({kVoice, unit({0x0E, 0x0A, 0x06}, BDA::List::normalVoice, 2)});
-  EXPECT_EQ(placeInEditBuffers(batch).takenTwice, "voice:edit");
+  const auto clash = placeInEditBuffers(batch).clash.value();
+  EXPECT_EQ(clash.buffer, "voice:edit");
+  EXPECT_EQ(clash.first, "voice:user1:6");
+  EXPECT_EQ(clash.second, "voice:user1:7");
 }
 
 TEST(InEditBuffers, whatHasNoEditBufferIsRefused) {

@@ -221,7 +221,7 @@ TEST_F(Placing, theNameOfAFileDumpIsLeftOutOfItsBlocksWhereTheOneInsideIsAnother
 
 TEST_F(Placing, bytesThatAreNotOursStayInTheirFileDump) {
   EXPECT_THAT(refusal({{fileDump({0x0C, 0x0A, 0x05}, "Name", {1, 2}), kTrigger}}, "voice:edit"),
-              HasSubstr("voice:user1:6 cannot become blocks"));
+              HasSubstr("voice:user1:6 cannot go there, where blocks are taken"));
   EXPECT_THAT(refusal({{dump({0x0C, 0x0A, 0x05}, Bytes(4))}}, "voice:edit"), HasSubstr("it carries no content"));
 }
 

@@ -138,7 +138,7 @@ TEST(MessageFile, realTimeBytesAndLossesOfATextAreKnownWhereTheyStand) {
 
 TEST(MessageFile, aFileOfSomethingElseIsNotUsable) {
   for (const char* other : {"", "hello", "{\"a\": 1}"}) EXPECT_FALSE(MessageFile(text(other)).isUsable()) << other;
-  EXPECT_EQ(MessageFile(text("hello")).describe(), "text");
+  EXPECT_EQ(MessageFile(text("hello")).whyUnusable(), "no System Exclusive message in it: it seems to be text");
   EXPECT_FALSE(MessageFile(hex("05 F0 41 F7")).isUsable());
   EXPECT_TRUE(MessageFile(hex("F8 F0 41 F7")).isUsable());
   Bytes late = request({0, 0, 0});

@@ -62,6 +62,7 @@ TEST_F(Undoing, OfWhatIsUndoneIsRefusedWithTheUndoThatDidIt) {
     const Undone again = undoNow(3, force);
     EXPECT_EQ(again.state, State::isUndone);
     EXPECT_EQ(again.undoneBy, 4);
+    EXPECT_EQ(whyNotDone(again), "entry 3 is already undone, by 4");
     EXPECT_EQ(undoNow(2, force).undoneBy, 5);
   }
   EXPECT_EQ(nameAt(kVoice), "one");
@@ -95,7 +96,22 @@ TEST_F(Undoing, SaidAgainItGoesOneChangeFurtherBack) {
     EXPECT_EQ(nameAt(kVoice), name);
   }
   EXPECT_EQ(undoNow().state, State::nothingToUndo);
-  EXPECT_EQ(undoNow(77).state, State::nothingToUndo);
+  EXPECT_EQ(whyNotDone(undoNow()), "there is nothing to undo");
+  EXPECT_EQ(undoNow(77).state, State::noSuchEntry);
+  EXPECT_EQ(whyNotDone(undoNow(77)), "there is no entry 77 in the history");
+}
+
+TEST_F(Undoing, ThatIsTakenBackIsInTheLiveModelsUntilTheyAreReadAgain) {
+  selectDrums();
+  const auto bank = [&] { return editor.tools().live(EditBuffer::multi).multi->part[0].bankProgram.values(); };
+  const auto drums = bank();
+  {
+    const Library::Transaction takenBack(library);
+    ASSERT_EQ(undo(editor, {}, Force::no).state, State::done);
+  }
+  ASSERT_NE(bank(), drums);
+  editor.rereadLive();
+  EXPECT_EQ(bank(), drums);
 }
 
 TEST_F(Undoing, AnUndoIsUndoneByItsNumber) {
@@ -123,6 +139,8 @@ TEST_F(Undoing, APlaceThatChangedSinceIsAConflictAndNothingIsPutBack) {
   const Undone refused = undoNow(1);
   EXPECT_EQ(refused.state, State::conflict);
   EXPECT_THAT(refused.conflicts, ElementsAre("voice:user1:6"));
+  EXPECT_EQ(whyNotDone(refused), "entry 1 is not undone, nothing is changed");
+  EXPECT_EQ(wordsOfConflict(refused), "no longer holds what entry 1 left there");
   EXPECT_EQ(nameAt(kMulti), "1");
   EXPECT_EQ(entriesOf(library).size(), 2U);
   EXPECT_EQ(undoNow(1, Force::yes).state, State::done);

@@ -24,6 +24,21 @@ TEST(Verification, countsMessagesAndUnitsAndWhatIsBrokenOfThem) {
   EXPECT_FALSE(verification.areAllWhole());
 }
 
+TEST(Verification, whatIsBrokenIsSaidByItsKind) {
+  const Reading good = readMessage(blockDump({0, 0, 0}));
+  const Reading broken = readMessage(damaged(blockDump({0, 0, 0})));
+  EXPECT_TRUE(faultsIn(good).empty());
+  ASSERT_EQ(faultsIn(broken).size(), 1u);
+  EXPECT_EQ(faultsIn(broken).front().kind, wordOf(broken.verdict));
+  EXPECT_EQ(faultsIn(broken).front().text, describeFault(broken));
+  Verification verification;
+  verification.next(readMessage(blockDump({0x0E, 0x70, 0x02})), 1);
+  const std::vector<UnitReport> open = verification.finish();
+  ASSERT_EQ(faultsIn(open).size(), 1u);
+  EXPECT_EQ(faultsIn(open).front().kind, wordOf(UnitReport::State::open));
+  EXPECT_EQ(faultsIn(open).front().text, describeUnit(open.front()));
+}
+
 TEST(Verification, aUnitThatIsStillOpenIsBroken) {
   Verification verification;
   verification.next(readMessage(blockDump({0x0E, 0x70, 0x02})), 1);

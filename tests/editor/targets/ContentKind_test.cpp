@@ -10,7 +10,9 @@
 namespace Editor {
 namespace {
 
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::HasSubstr;
 
 TEST(ContentKind, isKnownOfEveryContentAndHasItsShape) {
   const std::vector<std::pair<ContentId, ContentKind>> expected{{{4, 0x3F0000}, ContentKind::voice},
@@ -35,9 +37,14 @@ TEST(ContentKind, hasAWord) {
   EXPECT_THAT(words, ElementsAre("voice", "drum", "mix", "multi", "performance", "master", "remote", "single"));
   for (std::size_t i = 0; i < words.size(); ++i) {
     EXPECT_EQ(wordOf(ContentKind(i)), words[i]);
-    EXPECT_EQ(findContentKind(words[i]), ContentKind(i));
+    EXPECT_EQ(contentKindNamed(words[i]), ContentKind(i));
   }
-  EXPECT_FALSE(findContentKind("voices"));
+  try {
+    contentKindNamed("voices");
+    FAIL() << "there is no such kind";
+  } catch (const std::invalid_argument& error) {
+    EXPECT_THAT(error.what(), AllOf(HasSubstr("expected one of voice, drum"), HasSubstr("did you mean voice?")));
+  }
 }
 
 TEST(ContentKind, aMixingVoiceFitsWhereverANormalVoiceDoes) {

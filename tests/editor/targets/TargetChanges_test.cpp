@@ -57,6 +57,27 @@ TEST_F(TargetChanges, aNameThatNoMessageCarriesIsRefused) {
   EXPECT_EQ(library.contentName(kVoice), "Piano");
 }
 
+TEST_F(TargetChanges, whatIsNeitherContentNorEditBufferHasNoName) {
+  for (const char* const name : {"voice:user1:6", "voice:edit", "multi:edit"})
+    EXPECT_NO_THROW(requireNamed(parseTarget(name))) << name;
+  for (const char* const name : {"system", "additional"})
+    EXPECT_THROW(requireNamed(parseTarget(name)), TargetError) << name;
+}
+
+TEST_F(TargetChanges, aValueThatNoBlockCarriesIsNotApplied) {
+  const Target target = parseTarget("master:1");
+  ModelSet models = freshTarget(target, false);
+  std::vector<std::uint16_t> values = models.master->zone[0].params.values();
+  values[12] = 2;
+  ASSERT_TRUE(models.master->zone[0].params.assign(values));
+  EXPECT_EQ(refusalOf([&] { applyTarget(editor, target, models); }),
+            "master:1: master.zone[0].params[12]: 2 cannot be carried, it would arrive as 0");
+  values[12] = 1;
+  ASSERT_TRUE(models.master->zone[0].params.assign(values));
+  EXPECT_EQ(applyTarget(editor, target, models), "");
+  EXPECT_EQ(loadTarget(editor, target), models);
+}
+
 TEST_F(TargetChanges, whatIsNamedTwiceIsRemovedOnce) {
   Removing removing(library);
   EXPECT_EQ(removing.take(parseContents("voice:user1:6")), 0u);

@@ -14,5 +14,23 @@ TEST(TargetJson, theTargetStandsBeforeItsModels) {
   EXPECT_EQ(jsonLine(json), R"({"target":"voice:user1:6",)" + jsonLine(toJson(models)).substr(1));
 }
 
+TEST(TargetJson, aTextHasTheModelsOfOneTarget) {
+  const Target target = parseTarget("voice:user1:6");
+  const ModelSet models = freshTarget(target, false);
+  const std::string text = jsonLine(toJson(models)) + "\n";
+  EXPECT_EQ(modelsFromText(text, target), models);
+  const auto whyNot = [&](const std::string& wrong) -> std::string {
+    try {
+      modelsFromText(wrong, target);
+    } catch (const TargetJsonError& error) {
+      return error.what();
+    }
+    return "";
+  };
+  EXPECT_EQ(whyNot(text + text), "expected one object");
+  EXPECT_NE(whyNot("{}"), "");
+  EXPECT_NE(whyNot(""), "");
+}
+
 }  // namespace
 }  // namespace Editor

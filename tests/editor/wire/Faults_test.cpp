@@ -1,5 +1,6 @@
 #include "wire/Faults.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -59,7 +60,8 @@ TEST(Faults, AreNamesRatesAndAmounts) {
 
 TEST(Faults, AreRefusedInWords) {
   EXPECT_EQ(refusalOf("dorp=0.1"), "fault \"dorp=0.1\": there is none of that name: did you mean drop?");
-  EXPECT_EQ(refusalOf("in-repeat=0.1"), "fault \"in-repeat=0.1\": there is none of that name");
+  EXPECT_THAT(refusalOf("in-repeat=0.1"), testing::HasSubstr("there is none of that name: there are drop, "));
+  EXPECT_EQ(refusalOf("drop=1%,"), "fault \"\": expected a name, as in drop=1%,delay=0.05:300");
   EXPECT_EQ(refusalOf("drop"), "fault \"drop\": expected its rate behind it, as in drop=0.01 or drop=1%");
   for (const char* const rate : {"", "1.1", "-0.1", "101%", "nan", "inf", "0.5x", "%", "0,5"})
     EXPECT_NE(refusalOf(std::string("drop=") + rate), "") << rate;

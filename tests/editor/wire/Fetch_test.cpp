@@ -170,6 +170,28 @@ TEST_F(FetchTest, WhatHasNotGoneOutIsNoTry) {
   EXPECT_EQ(all[0].tries, 0u);
 }
 
+TEST_F(FetchTest, StoppedItIsDoneWhenItsRequestHasGoneOutToTheEnd) {
+  std::vector<Fetched> all;
+  Fetch end({kSystemCommon, kVoice}, {}, Pacer(kNoPace, {}, Pacer::Takes::bytes),
+            [&](Fetched fetched) { all.push_back(std::move(fetched)); });
+  end.pass({});
+  ASSERT_EQ(end.toSend({}).size(), requestMessage(kSystemCommon, 0).size());
+  end.sent(3);
+  end.stop();
+  EXPECT_EQ(all.size(), 1u) << "it is told at once";
+  EXPECT_FALSE(end.isDone());
+  end.pass(1h);
+  end.sent(end.toSend(1h).size());
+  EXPECT_TRUE(end.isDone());
+  EXPECT_TRUE(end.toSend(2h).empty());
+  EXPECT_EQ(all.size(), 1u);
+
+  Fetch notBegun({kSystemCommon}, {}, Pacer(kNoPace, {}, Pacer::Takes::bytes), [](const Fetched&) { FAIL(); });
+  notBegun.stop();
+  notBegun.pass({});
+  EXPECT_TRUE(notBegun.isDone());
+}
+
 // What was told of it cannot be taken back, but that something came can be said.
 TEST_F(FetchTest, KnowsWhatCameWhenItWasWaitedForNoLonger) {
   const BulkAddress other{0x0E, 0x0A, 0x06};

@@ -77,6 +77,16 @@ TEST_F(InstrumentTest, StoppedItFinishesTheMessageThatHasBegunAndHandlesNoMore) 
   EXPECT_EQ(told.text, "1 at 0: answered\n");
 }
 
+TEST_F(InstrumentTest, AfterItTheLibraryHasRoomAgain) {
+  {
+    Instrument instrument(editor, {.faults = parseFaults("full=1")}, Pacer(kNoPace, {}, Pacer::Takes::bytes), told);
+    instrument.receive(joined(unitOf(kMaster, BDA::List::master)), 0s);
+  }
+  EXPECT_TRUE(editor.library().contents().empty());
+  receive(editor, unitOf(kMaster, BDA::List::master));
+  EXPECT_EQ(editor.library().contents().size(), 1u);
+}
+
 TEST_F(InstrumentTest, StoppedItFinishesTheMessageThatStandsStill) {
   const std::vector<Bytes> unit = unitOf(kMaster, BDA::List::master);
   receive(editor, unit);

@@ -56,5 +56,10 @@ TEST_F(IntakeTest, eachUnitHasItsChanges) {
   EXPECT_THAT(places(2), testing::AllOf(Contains("voice:part:1"), Contains("multi:edit")));
 }
 
+TEST_F(IntakeTest, theNextMessageIsNotToldToHaveMadeThem) {
+  ASSERT_EQ(intake.store({master}).state, State::stored);
+  EXPECT_THAT(editor.handle(requestMessage({0x0E, 0x70, 0x02}, 0), BDA::DevicePort_Main, 1).changes, IsEmpty());
+}
+
 }  // namespace
 }  // namespace Editor

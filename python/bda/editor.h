@@ -1,0 +1,1 @@
+../../editor/include/bda/editor.h

@@ -1,0 +1,1 @@
+../../bulk-dump-assistant/include/bda/version.h
